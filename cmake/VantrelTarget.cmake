@@ -1,0 +1,36 @@
+# vantrel_target(NAME): what every target of the project is compiled with.
+function(vantrel_target target)
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_compile_definitions(
+        ${target}
+        PRIVATE QT_NO_CAST_FROM_ASCII
+                QT_NO_CAST_TO_ASCII
+                QT_NO_KEYWORDS
+                QT_USE_QSTRINGBUILDER
+                QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+    target_compile_options(
+        ${target}
+        PRIVATE -Wall
+                -Wextra
+                -Wpedantic
+                -Wshadow
+                -Wconversion
+                -Wnon-virtual-dtor
+                -Woverloaded-virtual
+                $<$<BOOL:${VANTREL_WARNINGS_AS_ERRORS}>:-Werror>)
+    if(CMAKE_CXX_COMPILER_LAUNCHER AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        target_compile_options(${target} PRIVATE -fpch-preprocess)
+    endif()
+    if(VANTREL_SANITIZE)
+        target_compile_options(${target} PRIVATE -fsanitize=${VANTREL_SANITIZE} -fno-omit-frame-pointer
+                                                 -fno-sanitize-recover=undefined)
+        target_link_options(${target} PRIVATE -fsanitize=${VANTREL_SANITIZE})
+    endif()
+endfunction()
+
+# vantrel_precompile(NAME HEADER...): precompiles the headers for the target, unless that is switched off.
+function(vantrel_precompile target)
+    if(VANTREL_PRECOMPILED_HEADERS)
+        target_precompile_headers(${target} PRIVATE ${ARGN})
+    endif()
+endfunction()

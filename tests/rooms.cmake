@@ -1,0 +1,2 @@
+# One line per room. Its file is tests/NAME.cpp.
+vantrel_test(RecordsTests LIBRARIES vantrel_core SOURCES RecordsTests.cpp)
