@@ -14,10 +14,10 @@
 #include <optional>
 #include <utility>
 
-/// Everything the program asks of the phone, through the adb command-line tool. Stateless; every operation that runs
-/// a tool blocks until the tool has ended, so none belongs on the main thread, and any number may run at once on
-/// others. The tool's place and environment are worked out anew on every call, so that an adb that appears or
-/// disappears while the program runs is noticed.
+/// Everything the program asks of the phone, through the adb command-line tool. Stateless; every operation
+/// that runs a tool blocks until the tool has ended, so none belongs on the main thread, and any number may
+/// run at once on others. The tool's place and environment are worked out anew on every call, so that an adb
+/// that appears or disappears while the program runs is noticed.
 namespace vantrel::ADBClient {
 
 // -- The tool (ADBTool.cpp)
@@ -29,13 +29,13 @@ namespace vantrel::ADBClient {
 [[nodiscard]] std::optional<QString> resolveADBPath();
 /// The environment for every child: this process's own, with PATH extended.
 [[nodiscard]] QProcessEnvironment augmentedEnvironment();
-/// Runs a program to its end and returns its standard output, unchanged. Output beyond 256 MB is refused.
+/// Runs a program to its end and returns its standard output, unchanged. Output beyond 64 MB is an error.
 [[nodiscard]] ADBResult<QString> runProcess(const QString &executable, const QStringList &arguments,
                                             const QProcessEnvironment &environment);
 /// Runs adb with these arguments.
 [[nodiscard]] ADBResult<QString> runADB(const QStringList &arguments);
-/// Ends every tool that is running at this moment, on whatever thread; its operation fails within a fraction of a
-/// second. For quitting: nothing may be left running. Operations that start later are not touched.
+/// Ends every tool that is running at this moment, on whatever thread; its operation fails within a fraction
+/// of a second. For quitting: nothing may be left running. Operations that start later are not touched.
 void stopRunningTools();
 
 // -- The phone and its storage (ADBDevice.cpp)
@@ -71,28 +71,31 @@ struct SearchMetadata {
     friend bool operator==(const SearchMetadata &, const SearchMetadata &) = default;
 };
 
-/// Files and folders below root whose name contains the query, at most `limit`; nothing for a query of fewer than two
-/// characters after sanitizeSearchQuery.
-[[nodiscard]] ADBResult<QList<FileItem>> search(const QString &serial, const QString &root, const QString &query,
-                                                int limit);
+/// Files and folders below root whose name contains the query, at most `limit`; nothing for a query of fewer
+/// than two characters after sanitizeSearchQuery.
+[[nodiscard]] ADBResult<QList<FileItem>> search(const QString &serial, const QString &root,
+                                                const QString &query, int limit);
 /// Facts about each path; what cannot be learned is missing. One adb run per 40 paths.
-[[nodiscard]] QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial, const QStringList &paths);
-/// Which of the paths exist on the phone. One adb run per 40 paths; unlike fetchSearchMetadata it fails when the
-/// phone does not answer, since "not there" must not be guessed.
+[[nodiscard]] QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial,
+                                                                 const QStringList &paths);
+/// Which of the paths exist on the phone. One adb run per 40 paths; unlike fetchSearchMetadata it fails when
+/// the phone does not answer, since "not there" must not be guessed.
 [[nodiscard]] ADBResult<QSet<QString>> existingPaths(const QString &serial, const QStringList &paths);
 
 // -- Copies (ADBTransfer.cpp)
 
-/// Receives a running copy's progress: fraction (0 to 0.99, rising by more than 0.001 each time), bytes done, bytes
-/// expected. Called on background threads, never on two at once.
+/// Receives a running copy's progress: fraction (0 to 0.99, rising by more than 0.001 each time), bytes done,
+/// bytes expected. Called on background threads, never on two at once.
 using TransferProgress = std::function<void(double fraction, qint64 transferredBytes, qint64 totalBytes)>;
 
-/// Runs an adb push or pull to its end. `expectedBytes` is 0 when unknown. `localPathForSizePolling`, when given, is
-/// the destination of a pull, whose growth is a source of progress. Removes nothing, whatever happens.
+/// Runs an adb push or pull to its end. `expectedBytes` is 0 when unknown. `localPathForSizePolling`, when
+/// given, is the destination of a pull, whose growth is a source of progress. Removes nothing, whatever
+/// happens.
 [[nodiscard]] ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
                                           const std::optional<QString> &localPathForSizePolling,
                                           const TransferProgress &onProgress);
-/// The bytes that are already present at a local path: a file's size, the sizes of a folder's visible files, or 0.
+/// The bytes that are already present at a local path: a file's size, the sizes of a folder's visible files,
+/// or 0.
 [[nodiscard]] qint64 allocatedByteCount(const QString &path);
 
 } // namespace vantrel::ADBClient

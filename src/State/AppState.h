@@ -22,14 +22,20 @@ class Desktop;
 
 /// The observable model behind the window: the phone, both panes, the search and the transfer queue.
 ///
-/// Main thread only; it takes no locks. Every property has a getter of its name and a signal, its name followed by
-/// "Changed"; assigning an equal value is silent, a change in place always notifies. Operations that return a task
-/// have done their first step when they return and finish later; the task may be dropped, and it ends without effect
-/// when the model is destroyed first. Every failure ends as a text in a property.
+/// Main thread only; it takes no locks. Every property has a getter of its name and a signal, its name
+/// followed by "Changed"; assigning an equal value is silent, a change in place always notifies. Operations
+/// that return a task have done their first step when they return and finish later; the task may be dropped,
+/// and it ends without effect when the model is destroyed first. Every failure ends as a text in a property.
 class AppState : public QObject {
     Q_OBJECT
 
 public:
+    /// A search of the phone takes at least this many characters and gives at most this many hits.
+    static constexpr qsizetype shortestSearchQuery = 2;
+    static constexpr int searchResultLimit = 200;
+    /// Copies that run at once.
+    static constexpr int concurrentCopies = 3;
+
     /// How loudly a refresh goes about its work: a visible one sets isRefreshingDevice.
     enum class Spinner { hidden, shown };
 
@@ -97,7 +103,8 @@ public:
 
     // -- Device and browsing (AppStateBrowsing.cpp)
 
-    /// Looks for the phone. When it has just been found, the phone pane opens the highlighted shortcut's folder.
+    /// Looks for the phone. When it has just been found, the phone pane opens the highlighted shortcut's
+    /// folder.
     QCoro::Task<> refreshDevice(Spinner spinner);
     /// Shows a phone folder.
     QCoro::Task<> browseAndroid(QString path);
@@ -128,8 +135,8 @@ public:
 
     // -- Device search (AppStateSearch.cpp)
 
-    /// To be called whenever the search text or scope has changed: searches the phone 0.4 s later in the everywhere
-    /// scope, unless called again before.
+    /// To be called whenever the search text or scope has changed: searches the phone 0.4 s later in the
+    /// everywhere scope, unless called again before.
     void scheduleAndroidSearch();
     void clearAndroidSearch();
     /// Whether the phone pane shows hits of the whole phone in place of a folder.
@@ -176,30 +183,53 @@ Q_SIGNALS:
     void macAvailableLabelChanged();
     /// The queue changed in any way.
     void queueChanged();
-    /// Only the status of this row changed; comes right before its queueChanged. A view of a long queue repaints
-    /// this row and looks at no other.
+    /// Only the status of this row changed; comes right before its queueChanged. A view of a long queue
+    /// repaints this row and looks at no other.
     void queueEntryChanged(qsizetype row);
     void transferSpeedLabelChanged();
     void remainingLabelChanged();
     void isTransferringChanged();
 
 private:
-    template <class T> void assign(T &property, std::type_identity_t<T> value, void (AppState::*changed)());
+    template <class T>
+    void assign(T &property, std::type_identity_t<T> value, void (AppState::*changed)());
 
     [[nodiscard]] QSet<QUuid> &mutableSelectedIDs(BrowserSide side);
     void selectionChanged(BrowserSide side);
     [[nodiscard]] QString trimmedSearchText() const;
 
+    struct SearchRequest {
+        QString serial;
+        QString query;
+        quint64 token = 0;
+    };
     void cancelAndroidSearch();
-    QCoro::Task<> runAndroidSearch(quint64 token);
+    QCoro::Task<> runAndroidSearch(SearchRequest request);
 
-    void enqueue(const QList<QueueItem> &entries);
+    struct CopyClock {
+        QElapsedTimer start;
+        qint64 expectedBytes = 0;
+        [[nodiscard]] double bytesPerSecond(qint64 bytes) const;
+    };
+    /// What stood at the destination of a waiting push when the phone was asked.
+    struct DestinationCheck {
+        bool isTaken = false;
+        std::optional<QString> error;
+        QElapsedTimer age;
+    };
+    /// Queues copies of the entries; `folder` gives each its destination.
+    void enqueue(const QList<FileItem> &sources, TransferDirection direction);
     void processTransferQueue();
-    QCoro::Task<> runSlot();
+    void fillSlots();
+    QCoro::Task<> runSlot(QUuid id);
     QCoro::Task<> runSingleTransfer(QUuid id);
-    void applyProgress(const QUuid &id, const QElapsedTimer &start, qint64 expected, double fraction,
-                       qint64 transferred, qint64 total);
+    QCoro::Task<std::optional<QString>> refusalOfPush(QueueItem item);
+    QCoro::Task<> checkDestinations(QueueItem first);
+    QCoro::Task<> refreshReceivingPane(TransferDirection direction);
+    void applyProgress(const QUuid &id, const CopyClock &clock, double fraction, qint64 transferred,
+                       qint64 total);
     void updateQueueStatus(const QUuid &id, const QueueItemStatus &status);
+    void setTransferSpeed(double bytesPerSecond);
 
     Desktop &m_desktop;
 
@@ -237,13 +267,30 @@ private:
     bool m_isTransferring = false;
     bool m_transferTaskRunning = false;
 
+    int m_runningCopies = 0;
+    bool m_isFillingSlots = false;
+    /// Where the running copies write, so that two never write to one place.
+    QSet<QString> m_destinationsInUse;
+    QHash<QUuid, DestinationCheck> m_destinationChecks;
+    std::optional<QCoro::Task<>> m_runningDestinationCheck;
+
     const QList<StorageShortcut> m_shortcuts;
 
-    /// A listing is applied only while it is the newest one asked for: the path may be the same, the phone not.
+    /// The last filtered listing: several texts of one render are made from it.
+    struct FilteredItems {
+        QList<FileItem> source;
+        QString query;
+        QList<FileItem> matches;
+    };
+    mutable FilteredItems m_filtered;
+
+    /// A listing is applied only while it is the newest one asked for: the path may be the same, the phone
+    /// not.
     quint64 m_androidBrowseToken = 0;
     quint64 m_macBrowseToken = 0;
     /// The newest search; an outcome that carries an older token is dropped.
     quint64 m_androidSearchToken = 0;
+    SearchRequest m_androidSearchRequest;
     QTimer m_androidSearchDebounce;
 };
 

@@ -1,0 +1,83 @@
+#include "ADB/PseudoTerminal.h"
+
+#include <array>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace vantrel {
+
+namespace {
+
+void closeDescriptor(int &descriptor) {
+    if (descriptor >= 0)
+        ::close(descriptor);
+    descriptor = -1;
+}
+
+} // namespace
+
+PseudoTerminal::PseudoTerminal() {
+    // Neither end may reach another child that is started at the same moment, or the end of this one's output
+    // would not be seen; and the terminal must not become this process's controlling one.
+    m_master = ::posix_openpt(O_RDWR | O_NOCTTY);
+    if (m_master < 0)
+        return;
+    ::fcntl(m_master, F_SETFD, FD_CLOEXEC);
+    std::array<char, 128> name{};
+    if (::grantpt(m_master) == 0 && ::unlockpt(m_master) == 0
+#ifdef Q_OS_LINUX
+        && ::ptsname_r(m_master, name.data(), name.size()) == 0
+#else
+        && ::strlcpy(name.data(), ::ptsname(m_master), name.size()) < name.size()
+#endif
+    )
+        m_slave = ::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+}
+
+PseudoTerminal::~PseudoTerminal() {
+    finishReading();
+    closeDescriptor(m_slave);
+    closeDescriptor(m_master);
+}
+
+void PseudoTerminal::startReading(Reader reader) {
+    closeDescriptor(m_slave);
+    if (m_master >= 0)
+        m_thread = std::jthread(
+            [this, reader = std::move(reader)](const std::stop_token &stop) { read(stop, reader); });
+}
+
+void PseudoTerminal::finishReading() {
+    if (m_thread.joinable()) {
+        m_thread.request_stop();
+        m_thread.join();
+    }
+}
+
+void PseudoTerminal::read(const std::stop_token &stop, const Reader &reader) const {
+    std::array<char, 65536> buffer{};
+    for (;;) {
+        // The end of the child wakes this at once; the time-out only matters when a grandchild holds the
+        // terminal.
+        pollfd descriptor{m_master, POLLIN, 0};
+        constexpr int timeoutMilliseconds = 50;
+        const bool stopRequested = stop.stop_requested();
+        const int ready = ::poll(&descriptor, 1, stopRequested ? 0 : timeoutMilliseconds);
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready == 0 && !stopRequested)
+            continue;
+        if (ready <= 0)
+            return;
+        const ssize_t count = ::read(m_master, buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0) // EIO: the last holder of the other end is gone
+            return;
+        reader(QByteArray(buffer.data(), count));
+    }
+}
+
+} // namespace vantrel

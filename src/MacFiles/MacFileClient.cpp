@@ -1,0 +1,145 @@
+#include "MacFiles/MacFileClient.h"
+
+#include "MacFiles/Desktop.h"
+#include "State/Records/FileOrder.h"
+#include "State/Records/Identity.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <filesystem>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace vantrel {
+
+QString MacFileError::errorDescription() const {
+    switch (m_kind) {
+    case Kind::notFound:
+        return QStringLiteral("Folder not found: ") + m_text;
+    case Kind::notDirectory:
+        return QStringLiteral("Not a folder: ") + m_text;
+    case Kind::listFailed:
+        break;
+    }
+    return m_text;
+}
+
+namespace MacFileClient {
+
+namespace {
+
+std::filesystem::path nativePath(const QString &path) {
+    return std::filesystem::path(QFile::encodeName(path).toStdString());
+}
+
+QString systemText(const std::error_code &error) {
+    return QString::fromLocal8Bit(error.message().c_str());
+}
+
+bool isHidden([[maybe_unused]] const QString &path, const QString &name) {
+    if (name.startsWith(QLatin1Char('.')))
+        return true;
+#ifdef Q_OS_MACOS
+    return QFileInfo(path).isHidden(); // the Finder's flag
+#else
+    return false;
+#endif
+}
+
+/// The entry by its own properties: a link is not followed.
+FileItem describe(const QString &path, const QString &name) {
+    FileItem item{newIdentity(), name, path, false, 0, std::nullopt, std::nullopt};
+    struct stat facts {};
+    if (::lstat(QFile::encodeName(path).constData(), &facts) != 0)
+        return item;
+    item.isDirectory = S_ISDIR(facts.st_mode);
+    item.sizeBytes = item.isDirectory ? std::nullopt : std::optional<qint64>(facts.st_size);
+    item.modifiedAt = QDateTime::fromSecsSinceEpoch(facts.st_mtime);
+    return item;
+}
+
+} // namespace
+
+QString standardizedPath(const QString &path) {
+    QString expanded = path;
+    if (path == QLatin1String("~") || path.startsWith(QLatin1String("~/")))
+        expanded = QDir::homePath() + path.mid(1);
+    return expanded.isEmpty() ? expanded : QDir::cleanPath(expanded);
+}
+
+QString parentPath(const QString &path) {
+    const QString standardized = standardizedPath(path);
+    const qsizetype slash = standardized.lastIndexOf(QLatin1Char('/'));
+    if (slash < 0)
+        return standardized;
+    return slash == 0 ? QStringLiteral("/") : standardized.left(slash);
+}
+
+tl::expected<QList<FileItem>, MacFileError> listDirectory(const QString &path) {
+    const QString folder = standardizedPath(path);
+    const QFileInfo info(folder);
+    if (!info.exists())
+        return tl::make_unexpected(MacFileError::notFound(folder));
+    if (!info.isDir())
+        return tl::make_unexpected(MacFileError::notDirectory(folder));
+
+    QList<FileItem> items;
+    std::error_code error;
+    std::filesystem::directory_iterator entries(nativePath(folder), error);
+    for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
+        const QString name =
+            QFile::decodeName(QByteArray::fromStdString(entries->path().filename().native()));
+        const QString entry = folder.endsWith(QLatin1Char('/')) ? QString(folder % name)
+                                                                : QString(folder % QLatin1Char('/') % name);
+        if (!isHidden(entry, name))
+            items.append(describe(entry, name));
+    }
+    if (error)
+        return tl::make_unexpected(MacFileError::listFailed(systemText(error)));
+    sortInFileOrder(items);
+    return items;
+}
+
+std::optional<qint64> availableBytes(const QString &path) {
+    std::error_code error;
+    const auto space = std::filesystem::space(nativePath(standardizedPath(path)), error);
+    if (error || space.available > static_cast<std::uintmax_t>(std::numeric_limits<qint64>::max()))
+        return std::nullopt;
+    return static_cast<qint64>(space.available);
+}
+
+tl::expected<QString, QString> createFolder(const QString &name, const QString &parent) {
+    const QString path = QDir(standardizedPath(parent)).filePath(name);
+    if (::mkdir(QFile::encodeName(path).constData(), 0777) != 0)
+        return tl::make_unexpected(systemText(std::error_code(errno, std::generic_category())));
+    return path;
+}
+
+bool exists(const QString &path) {
+    std::error_code error;
+    const auto status = std::filesystem::symlink_status(nativePath(standardizedPath(path)), error);
+    return std::filesystem::exists(status);
+}
+
+void open(Desktop &desktop, const QString &path) {
+    desktop.openFile(standardizedPath(path));
+}
+
+void revealInFinder(Desktop &desktop, const QString &path) {
+    desktop.revealFile(standardizedPath(path));
+}
+
+void copyPath(Desktop &desktop, const QString &path) {
+    desktop.copyText(standardizedPath(path));
+}
+
+QFuture<std::optional<QString>> chooseFolder(Desktop &desktop, const QString &startingAt) {
+    return desktop.chooseFolder(QStringLiteral("Choose a Mac folder"), QStringLiteral("Choose"),
+                                startingAt.isEmpty() ? startingAt : standardizedPath(startingAt));
+}
+
+} // namespace MacFileClient
+
+} // namespace vantrel

@@ -1,0 +1,63 @@
+#include "State/AppState.h"
+
+#include "State/AppStateAssign.h"
+#include "State/Records/FileSizeFormat.h"
+
+#include <QDir>
+
+namespace vantrel {
+
+namespace {
+
+/// How long typing must rest before the phone is searched.
+constexpr std::chrono::milliseconds searchDebounce{400};
+
+} // namespace
+
+AppState::AppState(Desktop &desktop, QObject *parent)
+    : QObject(parent), m_desktop(desktop), m_macPath(QDir::homePath()), m_macAvailableLabel(unknownLabel()),
+      m_transferSpeedLabel(unknownLabel()), m_remainingLabel(unknownLabel()),
+      m_shortcuts(MockData::shortcuts()) {
+    if (!m_shortcuts.isEmpty())
+        m_selectedShortcutID = m_shortcuts.first().id;
+    m_androidSearchDebounce.setSingleShot(true);
+    m_androidSearchDebounce.setInterval(searchDebounce);
+    connect(&m_androidSearchDebounce, &QTimer::timeout, this,
+            [this] { runAndroidSearch(m_androidSearchRequest); });
+}
+
+AppState::~AppState() = default;
+
+std::unique_ptr<AppState> AppState::designPreview(Desktop &desktop) {
+    return std::make_unique<AppState>(desktop);
+}
+
+void AppState::setSelectedShortcutID(const std::optional<QUuid> &id) {
+    assign(m_selectedShortcutID, id, &AppState::selectedShortcutIDChanged);
+}
+
+void AppState::setAndroidSearchText(const QString &text) {
+    assign(m_androidSearchText, text, &AppState::androidSearchTextChanged);
+}
+
+void AppState::setAndroidSearchScope(AndroidSearchScope scope) {
+    assign(m_androidSearchScope, scope, &AppState::androidSearchScopeChanged);
+}
+
+void AppState::setAndroidSearchFocusToken(qint64 token) {
+    assign(m_androidSearchFocusToken, token, &AppState::androidSearchFocusTokenChanged);
+}
+
+void AppState::setAndroidViewMode(PaneViewMode mode) {
+    assign(m_androidViewMode, mode, &AppState::androidViewModeChanged);
+}
+
+void AppState::setMacViewMode(PaneViewMode mode) {
+    assign(m_macViewMode, mode, &AppState::macViewModeChanged);
+}
+
+void AppState::setFocusedBrowserSide(BrowserSide side) {
+    assign(m_focusedBrowserSide, side, &AppState::focusedBrowserSideChanged);
+}
+
+} // namespace vantrel

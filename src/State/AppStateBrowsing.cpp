@@ -1,0 +1,148 @@
+#include "State/AppState.h"
+
+#include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
+#include "MacFiles/Desktop.h"
+#include "MacFiles/MacFileClient.h"
+#include "State/AppStateAssign.h"
+#include "State/FilePreview.h"
+#include "State/Records/FileSizeFormat.h"
+#include "State/background.h"
+
+#include <algorithm>
+
+namespace vantrel {
+
+QCoro::Task<> AppState::refreshDevice(Spinner spinner) {
+    if (spinner == Spinner::shown) {
+        if (m_isRefreshingDevice)
+            co_return;
+        assign(m_isRefreshingDevice, true, &AppState::isRefreshingDeviceChanged);
+    }
+    const AndroidDevice known = m_device;
+    const auto found = co_await onWorker(this, &ADBClient::fetchPrimaryDevice);
+    if (found) {
+        assign(m_device, *found, &AppState::deviceChanged);
+        assign(m_deviceStatusMessage, std::nullopt, &AppState::deviceStatusMessageChanged);
+        // Another phone in the old one's place is new, too: its folders are not those that the pane shows.
+        if (!known.isConnected || known.id != found->id) {
+            const auto shortcut =
+                std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [this](const StorageShortcut &entry) {
+                    return entry.id == m_selectedShortcutID;
+                });
+            const QString folder = shortcut != m_shortcuts.end() ? shortcut->path : QStringLiteral("/sdcard");
+            co_await browseAndroid(folder);
+        }
+    } else {
+        assign(m_device, AndroidDevice(), &AppState::deviceChanged);
+        assign(m_deviceStatusMessage, found.error().errorDescription(),
+               &AppState::deviceStatusMessageChanged);
+        // A listing that is still under way belongs to the phone that is gone.
+        ++m_androidBrowseToken;
+        assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
+        assign(m_androidItems, {}, &AppState::androidItemsChanged);
+        assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
+    }
+    if (spinner == Spinner::shown)
+        assign(m_isRefreshingDevice, false, &AppState::isRefreshingDeviceChanged);
+}
+
+QCoro::Task<> AppState::browseAndroid(QString path) {
+    const QString folder = ADBClient::normalizePath(path);
+    const quint64 token = ++m_androidBrowseToken;
+    assign(m_androidCurrentPath, folder, &AppState::androidCurrentPathChanged);
+    assign(m_androidPathSegments, AndroidPath::segments(folder), &AppState::androidPathSegmentsChanged);
+
+    cancelAndroidSearch();
+    assign(m_androidSelectedIDs, {}, &AppState::androidSelectedIDsChanged);
+    assign(m_androidSearchText, {}, &AppState::androidSearchTextChanged);
+    assign(m_androidSearchResults, {}, &AppState::androidSearchResultsChanged);
+    assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
+    assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
+
+    for (const StorageShortcut &shortcut : m_shortcuts) {
+        if (ADBClient::normalizePath(shortcut.path) == folder) {
+            setSelectedShortcutID(shortcut.id);
+            break;
+        }
+    }
+
+    if (!m_device.isConnected) {
+        assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
+        assign(m_androidItems, {}, &AppState::androidItemsChanged);
+        assign(m_androidBrowseError, QStringLiteral("Connect an Android device to browse storage."),
+               &AppState::androidBrowseErrorChanged);
+        co_return;
+    }
+
+    assign(m_isLoadingAndroid, true, &AppState::isLoadingAndroidChanged);
+    auto listing = co_await onWorker(this, &ADBClient::listDirectory, m_device.id, folder);
+    if (token != m_androidBrowseToken)
+        co_return;
+    if (!listing)
+        assign(m_androidBrowseError, listing.error().errorDescription(),
+               &AppState::androidBrowseErrorChanged);
+    assign(m_androidItems, std::move(listing).value_or(QList<FileItem>()), &AppState::androidItemsChanged);
+    assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
+}
+
+QCoro::Task<> AppState::browseMac(QString path) {
+    const QString folder = MacFileClient::standardizedPath(path);
+    const quint64 token = ++m_macBrowseToken;
+    assign(m_macPath, folder, &AppState::macPathChanged);
+    assign(m_macSelectedIDs, {}, &AppState::macSelectedIDsChanged);
+    assign(m_macBrowseError, std::nullopt, &AppState::macBrowseErrorChanged);
+    assign(m_isLoadingMac, true, &AppState::isLoadingMacChanged);
+
+    auto listing = co_await onWorker(this, &MacFileClient::listDirectory, folder);
+    std::optional<qint64> available;
+    if (listing && token == m_macBrowseToken)
+        available = co_await onWorker(this, &MacFileClient::availableBytes, folder);
+    if (token != m_macBrowseToken)
+        co_return;
+    if (!listing)
+        assign(m_macBrowseError, listing.error().errorDescription(), &AppState::macBrowseErrorChanged);
+    assign(m_macItems, std::move(listing).value_or(QList<FileItem>()), &AppState::macItemsChanged);
+    assign(m_macAvailableLabel,
+           available ? formatFileSize(*available) + QStringLiteral(" available") : unknownLabel(),
+           &AppState::macAvailableLabelChanged);
+    assign(m_isLoadingMac, false, &AppState::isLoadingMacChanged);
+}
+
+QCoro::Task<> AppState::openAndroidFile(FileItem item) {
+    if (item.isDirectory)
+        co_return;
+    if (!m_device.isConnected) {
+        assign(m_androidBrowseError, QStringLiteral("Connect an Android device to open files."),
+               &AppState::androidBrowseErrorChanged);
+        co_return;
+    }
+    if (m_isOpeningAndroidFile)
+        co_return;
+    assign(m_isOpeningAndroidFile, true, &AppState::isOpeningAndroidFileChanged);
+    assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
+
+    const auto local = co_await onWorker(this, &FilePreview::fetch, m_device.id, item.path, item.name);
+    if (local)
+        MacFileClient::open(m_desktop, *local);
+    else
+        assign(m_androidBrowseError, local.error(), &AppState::androidBrowseErrorChanged);
+    assign(m_isOpeningAndroidFile, false, &AppState::isOpeningAndroidFileChanged);
+}
+
+QCoro::Task<> AppState::createMacFolder() {
+    const Desktop::TextQuestion question{
+        QStringLiteral("New Folder"), QStringLiteral("Enter a name for the new folder:"),
+        QStringLiteral("Create"), QStringLiteral("Cancel"), QStringLiteral("New Folder")};
+    const auto answer = co_await onAnswer(this, m_desktop.askForText(question));
+    const QString name = answer.value_or(QString()).trimmed();
+    if (name.isEmpty())
+        co_return;
+    const auto created = co_await onWorker(this, &MacFileClient::createFolder, name, m_macPath);
+    if (created)
+        co_await browseMac(m_macPath);
+    else
+        assign(m_macBrowseError, created.error(), &AppState::macBrowseErrorChanged);
+}
+
+} // namespace vantrel

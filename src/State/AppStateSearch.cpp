@@ -1,0 +1,59 @@
+#include "State/AppState.h"
+
+#include "ADB/ADBClient.h"
+#include "State/AppStateAssign.h"
+#include "State/Records/TextLength.h"
+#include "State/background.h"
+
+namespace vantrel {
+
+bool AppState::isAndroidEverywhereSearchActive() const {
+    return m_androidSearchScope == AndroidSearchScope::everywhere && !trimmedSearchText().isEmpty();
+}
+
+void AppState::cancelAndroidSearch() {
+    ++m_androidSearchToken;
+    m_androidSearchDebounce.stop();
+}
+
+void AppState::scheduleAndroidSearch() {
+    cancelAndroidSearch();
+    if (m_androidSearchScope == AndroidSearchScope::everywhere) {
+        assign(m_androidSelectedIDs, {}, &AppState::androidSelectedIDsChanged);
+        const QString query = trimmedSearchText();
+        if (characterCount(query) >= shortestSearchQuery) {
+            if (m_device.isConnected) {
+                m_androidSearchRequest = {m_device.id, query, m_androidSearchToken};
+                assign(m_isSearchingAndroid, true, &AppState::isSearchingAndroidChanged);
+                m_androidSearchDebounce.start();
+                return;
+            }
+            assign(m_androidBrowseError, QStringLiteral("Connect an Android device to search."),
+                   &AppState::androidBrowseErrorChanged);
+        }
+    }
+    assign(m_androidSearchResults, {}, &AppState::androidSearchResultsChanged);
+    assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
+}
+
+QCoro::Task<> AppState::runAndroidSearch(SearchRequest request) {
+    const QString root = QStringLiteral("/sdcard");
+    const auto found =
+        co_await onWorker(this, &ADBClient::search, request.serial, root, request.query, searchResultLimit);
+    if (request.token != m_androidSearchToken)
+        co_return;
+    assign(m_androidSearchResults, found.value_or(QList<FileItem>()), &AppState::androidSearchResultsChanged);
+    assign(m_androidBrowseError, found ? std::nullopt : std::optional(found.error().errorDescription()),
+           &AppState::androidBrowseErrorChanged);
+    assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
+}
+
+void AppState::clearAndroidSearch() {
+    cancelAndroidSearch();
+    assign(m_androidSearchText, {}, &AppState::androidSearchTextChanged);
+    assign(m_androidSearchResults, {}, &AppState::androidSearchResultsChanged);
+    assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
+    assign(m_androidSelectedIDs, {}, &AppState::androidSelectedIDsChanged);
+}
+
+} // namespace vantrel

@@ -1,0 +1,289 @@
+#include "State/AppState.h"
+
+#include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
+#include "MacFiles/MacFileClient.h"
+#include "State/AppStateAssign.h"
+#include "State/Records/FileSizeFormat.h"
+#include "State/Records/Identity.h"
+#include "State/background.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantrel {
+
+namespace {
+
+/// What one copy needs on its worker.
+struct CopyJob {
+    QString serial;
+    QueueItem item;
+    qint64 expectedBytes = 0;
+};
+
+QString alreadyExists(const QueueItem &item) {
+    return QStringLiteral("“%1” already exists there. Nothing was overwritten.").arg(item.name);
+}
+
+/// Runs on a worker. Neither adb nor the phone asks before it replaces a file, so the destination must be
+/// free; for a push the model has asked the phone before.
+ADBResult<void> runCopy(const CopyJob &job, const ADBClient::TransferProgress &onProgress) {
+    const QueueItem &item = job.item;
+    const bool isPull = item.direction == TransferDirection::androidToMac;
+    if (isPull && MacFileClient::exists(item.destinationPath))
+        return tl::make_unexpected(ADBError::executionFailed(alreadyExists(item)));
+    return ADBClient::runTransfer(
+        {QStringLiteral("-s"), job.serial, isPull ? QStringLiteral("pull") : QStringLiteral("push"),
+         item.sourcePath, item.destinationPath},
+        job.expectedBytes, isPull ? std::optional(item.destinationPath) : std::nullopt, onProgress);
+}
+
+/// One key for all spellings of one place: shared storage and the Mac ignore case.
+QString destinationKey(const QueueItem &item) {
+    return (item.direction == TransferDirection::androidToMac ? QStringLiteral("mac:")
+                                                              : QStringLiteral("android:")) +
+           item.destinationPath.toCaseFolded();
+}
+
+} // namespace
+
+double AppState::CopyClock::bytesPerSecond(qint64 bytes) const {
+    constexpr double shortest = 0.001;
+    const double seconds = std::max(static_cast<double>(start.nsecsElapsed()) / 1e9, shortest);
+    return static_cast<double>(bytes) / seconds;
+}
+
+QString AppState::formatDuration(double seconds) {
+    const qint64 whole = std::llround(seconds);
+    const auto twoDigits = [](qint64 number) {
+        return QString::number(number).rightJustified(2, QLatin1Char('0'));
+    };
+    return twoDigits(whole / 3600) % QLatin1Char(':') % twoDigits(whole % 3600 / 60) % QLatin1Char(':') %
+           twoDigits(whole % 60);
+}
+
+void AppState::transferAndroidToMac() {
+    enqueue(displayedAndroidItems(), TransferDirection::androidToMac);
+}
+
+void AppState::transferMacToAndroid() {
+    enqueue(m_macItems, TransferDirection::macToAndroid);
+}
+
+void AppState::enqueue(const QList<FileItem> &sources, TransferDirection direction) {
+    if (!m_device.isConnected) {
+        assign(m_deviceStatusMessage, QStringLiteral("Connect an Android device to transfer."),
+               &AppState::deviceStatusMessageChanged);
+        return;
+    }
+    const bool isPull = direction == TransferDirection::androidToMac;
+    const BrowserSide side = isPull ? BrowserSide::android : BrowserSide::mac;
+    const QString &folder = isPull ? m_macPath : m_androidCurrentPath;
+    QList<QueueItem> entries;
+    for (const FileItem &source : sources) {
+        if (selectedIDs(side).contains(source.id))
+            entries.append({newIdentity(),
+                            source.name,
+                            source.isDirectory,
+                            source.path,
+                            AndroidPath::join(folder, source.name),
+                            direction,
+                            {},
+                            source.sizeBytes.value_or(0)});
+    }
+    if (entries.isEmpty())
+        return;
+    assign(m_transferSpeedLabel, unknownLabel(), &AppState::transferSpeedLabelChanged);
+    assign(m_remainingLabel, unknownLabel(), &AppState::remainingLabelChanged);
+    m_queue.insertFront(entries);
+    Q_EMIT queueChanged();
+    clearSelection(side);
+    processTransferQueue();
+}
+
+void AppState::processTransferQueue() {
+    if (m_transferTaskRunning)
+        return;
+    m_transferTaskRunning = true;
+    assign(m_isTransferring, true, &AppState::isTransferringChanged);
+    fillSlots();
+}
+
+/// Starts copies until all slots are taken or nothing waits, and ends the run when nothing is left: both in
+/// one step on the main thread, so that nothing that is queued meanwhile is left waiting.
+void AppState::fillSlots() {
+    if (m_isFillingSlots)
+        return;
+    m_isFillingSlots = true;
+    while (m_runningCopies < concurrentCopies) {
+        const auto id = m_queue.claimNextWaiting();
+        if (!id)
+            break;
+        ++m_runningCopies;
+        Q_EMIT queueChanged();
+        runSlot(*id);
+    }
+    m_isFillingSlots = false;
+    if (m_runningCopies > 0)
+        return;
+
+    m_transferTaskRunning = false;
+    m_destinationChecks.clear();
+    assign(m_isTransferring, false, &AppState::isTransferringChanged);
+    assign(m_transferSpeedLabel, unknownLabel(), &AppState::transferSpeedLabelChanged);
+    assign(m_remainingLabel, unknownLabel(), &AppState::remainingLabelChanged);
+}
+
+QCoro::Task<> AppState::runSlot(QUuid id) {
+    co_await runSingleTransfer(id);
+    --m_runningCopies;
+    fillSlots();
+}
+
+QCoro::Task<> AppState::runSingleTransfer(QUuid id) {
+    const QueueItem *entry = m_queue.find(id);
+    if (!entry)
+        co_return;
+    const QueueItem item = *entry;
+    const QString destination = destinationKey(item);
+    CopyClock clock;
+    clock.expectedBytes = std::max<qint64>(item.totalBytes, 0);
+    clock.start.start();
+
+    std::optional<QString> failure;
+    if (!m_device.isConnected)
+        failure = ADBError::noDevice().errorDescription();
+    else if (!AndroidPath::isSafeName(item.name))
+        failure = QStringLiteral("This name can’t be used on the other side.");
+    else if (m_destinationsInUse.contains(destination))
+        failure = alreadyExists(item);
+    if (!failure) {
+        m_destinationsInUse.insert(destination);
+        if (item.direction == TransferDirection::macToAndroid)
+            failure = co_await refusalOfPush(item);
+        if (!failure) {
+            const CopyJob job{m_device.id, item, clock.expectedBytes};
+            const ADBClient::TransferProgress onProgress =
+                [model = QPointer<AppState>(this), id, clock](double fraction, qint64 done, qint64 total) {
+                    const auto apply = [model, id, clock, fraction, done, total] {
+                        if (model)
+                            model->applyProgress(id, clock, fraction, done, total);
+                    };
+                    QMetaObject::invokeMethod(QCoreApplication::instance(), apply, Qt::QueuedConnection);
+                };
+            const auto copied = co_await onWorker(this, &runCopy, job, onProgress);
+            if (!copied)
+                failure = copied.error().errorDescription();
+        }
+        m_destinationsInUse.remove(destination);
+        m_destinationChecks.remove(id);
+    }
+
+    if (failure) {
+        const QueueItemStatus::Failed failed{*failure};
+        updateQueueStatus(id, failed);
+        co_return;
+    }
+    if (clock.expectedBytes >= 1)
+        setTransferSpeed(clock.bytesPerSecond(clock.expectedBytes));
+    assign(m_remainingLabel, QStringLiteral("00:00:00"), &AppState::remainingLabelChanged);
+    updateQueueStatus(id, QueueItemStatus::Completed());
+    co_await refreshReceivingPane(item.direction);
+}
+
+QCoro::Task<> AppState::refreshReceivingPane(TransferDirection direction) {
+    if (direction == TransferDirection::androidToMac)
+        co_await browseMac(m_macPath);
+    else
+        co_await browseAndroid(m_androidCurrentPath);
+}
+
+/// Why a push must not start: something stands at its destination, or the phone did not say. The phone is
+/// asked for many waiting pushes at once, since every question is a run of adb; an answer holds for a moment
+/// only.
+QCoro::Task<std::optional<QString>> AppState::refusalOfPush(QueueItem item) {
+    constexpr qint64 freshMilliseconds = 2000;
+    for (;;) {
+        const auto check = m_destinationChecks.constFind(item.id);
+        if (check != m_destinationChecks.constEnd() && check->age.elapsed() <= freshMilliseconds) {
+            if (check->isTaken)
+                co_return alreadyExists(item);
+            co_return check->error;
+        }
+        if (!m_runningDestinationCheck)
+            m_runningDestinationCheck = checkDestinations(item);
+        co_await *m_runningDestinationCheck;
+    }
+}
+
+QCoro::Task<> AppState::checkDestinations(QueueItem first) {
+    constexpr qsizetype pathsPerQuestion = 40;
+    QList<QueueItem> items{first};
+    QSet<QString> keys = m_destinationsInUse;
+    for (const QueueItem &item : m_queue.nextWaiting(pathsPerQuestion - 1)) {
+        // Of two copies to one place the second is asked for when it starts, after the first has ended.
+        if (item.direction == TransferDirection::macToAndroid && !keys.contains(destinationKey(item))) {
+            keys.insert(destinationKey(item));
+            items.append(item);
+        }
+    }
+    QStringList paths;
+    for (const QueueItem &item : items)
+        paths.append(item.destinationPath);
+
+    const auto existing = co_await onWorker(this, &ADBClient::existingPaths, m_device.id, paths);
+    for (const QueueItem &item : items) {
+        DestinationCheck check;
+        check.isTaken = existing && existing->contains(item.destinationPath);
+        if (!existing)
+            check.error = existing.error().errorDescription();
+        check.age.start();
+        m_destinationChecks.insert(item.id, check);
+    }
+    m_runningDestinationCheck.reset();
+}
+
+void AppState::applyProgress(const QUuid &id, const CopyClock &clock, double fraction, qint64 transferred,
+                             qint64 total) {
+    const qint64 effective = std::max(total, clock.expectedBytes);
+    QueueItemStatus::Transferring progress;
+    progress.fraction = fraction;
+    progress.transferredBytes = transferred;
+    progress.totalBytes = effective;
+    updateQueueStatus(id, progress);
+    if (transferred < 1)
+        return;
+    const double speed = clock.bytesPerSecond(transferred);
+    setTransferSpeed(speed);
+    if (transferred < effective && speed > 0)
+        assign(m_remainingLabel, formatDuration(static_cast<double>(effective - transferred) / speed),
+               &AppState::remainingLabelChanged);
+}
+
+void AppState::setTransferSpeed(double bytesPerSecond) {
+    assign(m_transferSpeedLabel, formatFileSize(static_cast<qint64>(bytesPerSecond)) + QStringLiteral("/s"),
+           &AppState::transferSpeedLabelChanged);
+}
+
+void AppState::updateQueueStatus(const QUuid &id, const QueueItemStatus &status) {
+    const qsizetype row = m_queue.setStatus(id, status);
+    if (row < 0)
+        return;
+    Q_EMIT queueEntryChanged(row);
+    Q_EMIT queueChanged();
+}
+
+void AppState::removeQueueItem(const QUuid &id) {
+    if (m_queue.remove(id))
+        Q_EMIT queueChanged();
+}
+
+void AppState::clearQueue() {
+    if (m_queue.clear())
+        Q_EMIT queueChanged();
+}
+
+} // namespace vantrel
