@@ -12,15 +12,13 @@ using namespace vantrel;
 
 namespace {
 
-QueueItem queueItem(const QueueItemStatus &status)
-{
+QueueItem queueItem(const QueueItemStatus &status) {
     QueueItem item;
     item.status = status;
     return item;
 }
 
-QueueItemStatus transferring(double fraction, qint64 done, qint64 total)
-{
+QueueItemStatus transferring(double fraction, qint64 done, qint64 total) {
     QueueItemStatus::Transferring progress;
     progress.fraction = fraction;
     progress.transferredBytes = done;
@@ -30,8 +28,7 @@ QueueItemStatus transferring(double fraction, qint64 done, qint64 total)
 
 } // namespace
 
-TEST(FileSize, isWrittenAsTheFileManagerWritesIt)
-{
+TEST(FileSize, isWrittenAsTheFileManagerWritesIt) {
     const struct {
         qint64 bytes;
         const char *text;
@@ -66,16 +63,14 @@ TEST(FileSize, isWrittenAsTheFileManagerWritesIt)
         EXPECT_EQ(formatFileSize(c.bytes), QString::fromUtf8(c.text)) << c.bytes;
 }
 
-TEST(FileSize, usesTheDecimalPointOfTheLocale)
-{
+TEST(FileSize, usesTheDecimalPointOfTheLocale) {
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::German));
     EXPECT_EQ(formatFileSize(2'100'000), QStringLiteral("2,1 MB"));
     QLocale::setDefault(before);
 }
 
-TEST(FileItem, labels)
-{
+TEST(FileItem, labels) {
     const QDateTime day(QDate(2024, 5, 1), QTime(13, 7));
     const struct {
         FileItem item;
@@ -95,8 +90,7 @@ TEST(FileItem, labels)
     }
 }
 
-TEST(QueueItem, labelsByStatus)
-{
+TEST(QueueItem, labelsByStatus) {
     QueueItemStatus::Paused paused;
     paused.fraction = 0.5;
     paused.transferredBytes = 1'000'000;
@@ -122,8 +116,7 @@ TEST(QueueItem, labelsByStatus)
     }
 }
 
-TEST(QueueItem, statusesDifferByCaseAndByValue)
-{
+TEST(QueueItem, statusesDifferByCaseAndByValue) {
     QueueItemStatus::Paused paused;
     paused.fraction = 0.5;
     EXPECT_EQ(transferring(0.5, 1, 2), transferring(0.5, 1, 2));
@@ -132,8 +125,7 @@ TEST(QueueItem, statusesDifferByCaseAndByValue)
     EXPECT_NE(QueueItemStatus(QueueItemStatus::Waiting()), QueueItemStatus(QueueItemStatus::Completed()));
 }
 
-TEST(Enumerations, areReadFromExactlyTheirRawValues)
-{
+TEST(Enumerations, areReadFromExactlyTheirRawValues) {
     for (const PaneViewMode mode : allPaneViewModes)
         EXPECT_EQ(paneViewModeFromRawValue(rawValue(mode)), mode);
     for (const AndroidSearchScope scope : allAndroidSearchScopes)
@@ -142,26 +134,25 @@ TEST(Enumerations, areReadFromExactlyTheirRawValues)
     EXPECT_EQ(androidSearchScopeFromRawValue(QStringLiteral("everywhere ")), std::nullopt);
 }
 
-TEST(FileOrder, foldersFirstThenNamesWithoutCaseAndStable)
-{
+TEST(FileOrder, foldersFirstThenNamesWithoutCaseAndStable) {
     const auto item = [](const char *name, bool isDirectory, qint64 mark = 0) {
         return FileItem{newIdentity(), QString::fromUtf8(name), {}, isDirectory, mark, {}, {}};
     };
-    QList<FileItem> items{item("zeta.txt", false), item("Gamma", true), item("ähre", false), item("same", false, 1),
-                          item("Alpha", true),     item("SAME", false, 2), item("beta.txt", false),
-                          item("same", false, 3)};
+    QList<FileItem> items{item("zeta.txt", false), item("Gamma", true),   item("ähre", false),
+                          item("same", false, 1),  item("Alpha", true),   item("SAME", false, 2),
+                          item("beta.txt", false), item("same", false, 3)};
     sortInFileOrder(items);
     QStringList names;
     for (const FileItem &sorted : items)
         names.append(sorted.name);
-    EXPECT_EQ(names.join(QLatin1Char(' ')), QStringLiteral("Alpha Gamma ähre beta.txt same SAME same zeta.txt"));
+    EXPECT_EQ(names.join(QLatin1Char(' ')),
+              QStringLiteral("Alpha Gamma ähre beta.txt same SAME same zeta.txt"));
     EXPECT_EQ(*items[4].sizeBytes, 1);
     EXPECT_EQ(*items[5].sizeBytes, 2);
     EXPECT_EQ(*items[6].sizeBytes, 3);
 }
 
-TEST(Identity, isARandomUuidOfVersionFour)
-{
+TEST(Identity, isARandomUuidOfVersionFour) {
     QSet<QUuid> seen;
     for (int i = 0; i < 1000; ++i) {
         const QUuid id = newIdentity();
@@ -172,8 +163,7 @@ TEST(Identity, isARandomUuidOfVersionFour)
     EXPECT_EQ(seen.size(), 1000);
 }
 
-TEST(TextLength, countsWhatAPersonSees)
-{
+TEST(TextLength, countsWhatAPersonSees) {
     EXPECT_EQ(characterCount(QString()), 0);
     EXPECT_EQ(characterCount(QStringLiteral("ab")), 2);
     EXPECT_EQ(characterCount(QStringLiteral("e\u0301")), 1);

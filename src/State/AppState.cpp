@@ -22,6 +22,11 @@ AppState::AppState(Desktop &desktop, QObject *parent)
         m_selectedShortcutID = m_shortcuts.first().id;
     m_androidSearchDebounce.setSingleShot(true);
     m_androidSearchDebounce.setInterval(searchDebounce);
+    for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac}) {
+        QTimer &timer = receivingPane(side).listLater;
+        timer.setSingleShot(true);
+        connect(&timer, &QTimer::timeout, this, [this, side] { browseAgain(side); });
+    }
     connect(&m_androidSearchDebounce, &QTimer::timeout, this,
             [this] { runAndroidSearch(m_androidSearchRequest); });
 }

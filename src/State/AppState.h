@@ -217,7 +217,13 @@ private:
         std::optional<QString> error;
         QElapsedTimer age;
     };
-    /// Queues copies of the entries; `folder` gives each its destination.
+    /// When a pane that receives copies was last listed again, and the listing that is put off.
+    struct ReceivingPane {
+        bool isBeingListed = false;
+        QElapsedTimer sinceListed;
+        QTimer listLater;
+    };
+    /// Queues copies of the selected entries among the sources.
     void enqueue(const QList<FileItem> &sources, TransferDirection direction);
     void processTransferQueue();
     void fillSlots();
@@ -225,7 +231,9 @@ private:
     QCoro::Task<> runSingleTransfer(QUuid id);
     QCoro::Task<std::optional<QString>> refusalOfPush(QueueItem item);
     QCoro::Task<> checkDestinations(QueueItem first);
-    QCoro::Task<> refreshReceivingPane(TransferDirection direction);
+    QCoro::Task<> refreshReceivingPane(BrowserSide side);
+    QCoro::Task<> browseAgain(BrowserSide side);
+    [[nodiscard]] ReceivingPane &receivingPane(BrowserSide side);
     void applyProgress(const QUuid &id, const CopyClock &clock, double fraction, qint64 transferred,
                        qint64 total);
     void updateQueueStatus(const QUuid &id, const QueueItemStatus &status);
@@ -273,6 +281,8 @@ private:
     QSet<QString> m_destinationsInUse;
     QHash<QUuid, DestinationCheck> m_destinationChecks;
     std::optional<QCoro::Task<>> m_runningDestinationCheck;
+    ReceivingPane m_receivingAndroid;
+    ReceivingPane m_receivingMac;
 
     const QList<StorageShortcut> m_shortcuts;
 

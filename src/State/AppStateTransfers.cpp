@@ -191,14 +191,40 @@ QCoro::Task<> AppState::runSingleTransfer(QUuid id) {
         setTransferSpeed(clock.bytesPerSecond(clock.expectedBytes));
     assign(m_remainingLabel, QStringLiteral("00:00:00"), &AppState::remainingLabelChanged);
     updateQueueStatus(id, QueueItemStatus::Completed());
-    co_await refreshReceivingPane(item.direction);
+    co_await refreshReceivingPane(item.direction == TransferDirection::androidToMac ? BrowserSide::mac
+                                                                                    : BrowserSide::android);
 }
 
-QCoro::Task<> AppState::refreshReceivingPane(TransferDirection direction) {
-    if (direction == TransferDirection::androidToMac)
+/// Lists the pane that received a copy again, so that the copy is seen there. Listing a phone's folder takes
+/// longer than copying a photo into it; after each of 20,000 photos it would make the whole job several times
+/// as long. So while other copies are under way a pane is listed once a second, and the copies of that second
+/// share the listing.
+QCoro::Task<> AppState::refreshReceivingPane(BrowserSide side) {
+    constexpr int pauseMilliseconds = 1000;
+    ReceivingPane &pane = receivingPane(side);
+    const bool othersAreUnderWay = m_runningCopies > 1 || m_queue.waitingCount() > 0;
+    const bool wasJustListed =
+        pane.isBeingListed || (pane.sinceListed.isValid() && pane.sinceListed.elapsed() < pauseMilliseconds);
+    if (!othersAreUnderWay || !wasJustListed)
+        co_await browseAgain(side);
+    else if (!pane.listLater.isActive())
+        pane.listLater.start(pauseMilliseconds);
+}
+
+QCoro::Task<> AppState::browseAgain(BrowserSide side) {
+    ReceivingPane &pane = receivingPane(side);
+    pane.listLater.stop();
+    pane.isBeingListed = true;
+    if (side == BrowserSide::mac)
         co_await browseMac(m_macPath);
     else
         co_await browseAndroid(m_androidCurrentPath);
+    pane.isBeingListed = false;
+    pane.sinceListed.start();
+}
+
+AppState::ReceivingPane &AppState::receivingPane(BrowserSide side) {
+    return side == BrowserSide::mac ? m_receivingMac : m_receivingAndroid;
 }
 
 /// Why a push must not start: something stands at its destination, or the phone did not say. The phone is

@@ -9,8 +9,8 @@
 
 namespace vantrel {
 
-/// The list of copies and the only place that changes it. Finding, counting and updating an entry cost the same
-/// however long the list is; the order is the one the user sees, newest batch first.
+/// The list of copies and the only place that changes it. Finding, counting and updating an entry cost the
+/// same however long the list is; the order is the one the user sees, newest batch first.
 class TransferQueue {
 public:
     [[nodiscard]] const QList<QueueItem> &items() const { return m_items; }
