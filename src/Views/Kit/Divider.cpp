@@ -1,0 +1,20 @@
+#include "Views/Kit/Divider.h"
+
+#include <QPainter>
+
+namespace vantrel {
+
+Divider::Divider(Qt::Orientation orientation, const ThemeColor &color, QWidget *parent)
+    : QWidget(parent), m_color(color) {
+    if (orientation == Qt::Horizontal)
+        setFixedHeight(1);
+    else
+        setFixedWidth(1);
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
+}
+
+void Divider::paintEvent(QPaintEvent *) {
+    QPainter(this).fillRect(rect(), m_color);
+}
+
+} // namespace vantrel

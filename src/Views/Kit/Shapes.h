@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QPainterPath>
+#include <QRectF>
+
+class QColor;
+class QPainter;
+
+namespace vantrel {
+
+/// Line of a card or button: 1 layout pixel.
+inline constexpr double hairline = 1;
+
+/// A rectangle whose corners flow into its sides without the visible kink of a circular arc. The radius is
+/// limited to half the shorter side, where the corners become arcs: a square gives a circle, anything else a
+/// capsule.
+[[nodiscard]] QPainterPath roundedRect(const QRectF &rect, double radius);
+
+/// A rectangle with the shorter sides fully round.
+[[nodiscard]] QPainterPath capsule(const QRectF &rect);
+
+/// A filled shape with its line inside `rect`, so that a line of whole pixels is crisp. Either colour may be
+/// transparent; `strokeWidth` 0 draws no line.
+void paintCard(QPainter &painter, const QRectF &rect, double radius, const QColor &fill, const QColor &stroke,
+               double strokeWidth = hairline);
+
+/// The mark of keyboard focus, the same for every control: inside `rect`, seen on light, dark and accent
+/// grounds.
+void paintFocusRing(QPainter &painter, const QRectF &rect, double radius);
+
+} // namespace vantrel

@@ -1,0 +1,169 @@
+#include "Views/Kit/TextStyle.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
+#include <QTextLayout>
+
+namespace vantrel {
+
+namespace {
+
+QFont::Weight fontWeight(Weight weight) {
+    switch (weight) {
+    case Weight::regular:
+        return QFont::Normal;
+    case Weight::medium:
+        return QFont::Medium;
+    case Weight::semibold:
+        return QFont::DemiBold;
+    case Weight::bold:
+        return QFont::Bold;
+    }
+    Q_UNREACHABLE();
+}
+
+QString standardFamily() {
+#ifdef Q_OS_MACOS
+    return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+#else
+    const QString inter = QStringLiteral("Inter");
+    return QFontDatabase::hasFamily(inter) ? inter
+                                           : QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+#endif
+}
+
+const QString &family(FontDesign design) {
+    // Asking the font database again for every text would be noticed while scrolling.
+    static const QString standard = standardFamily();
+    static const QString monospaced = QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+    return design == FontDesign::monospaced ? monospaced : standard;
+}
+
+bool reorders(QChar character) {
+    const ushort code = character.unicode();
+    return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+bool breaksLine(QChar character) {
+    const ushort code = character.unicode();
+    return (code >= '\n' && code <= '\r') || code == 0x85 || code == 0x2028 || code == 0x2029;
+}
+
+QString elided(const QString &safeText, const QFontMetricsF &metrics, double width, Elision elision) {
+    const QString shortened =
+        metrics.elidedText(safeText, elision == Elision::middle ? Qt::ElideMiddle : Qt::ElideRight, width);
+    return metrics.horizontalAdvance(shortened) > width ? QString() : shortened;
+}
+
+/// Stacked combining marks could reach into the neighbouring rows; real scripts need a little more than the
+/// line.
+QRectF clipFor(const QRectF &rect) {
+    return rect.adjusted(-1, -3, 1, 3);
+}
+
+} // namespace
+
+QFont TextStyle::font() const {
+    QFont font(family(design));
+    // QFont keeps pixel sizes as whole numbers, but points as real ones.
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    font.setPointSizeF(size * 72 / (screen ? screen->logicalDotsPerInchY() : 96));
+    font.setWeight(fontWeight(weight));
+    // Hinting would round every advance to whole pixels and so undo the half sizes.
+    font.setHintingPreference(QFont::PreferNoHinting);
+    if (design == FontDesign::monospaced)
+        font.setStyleHint(QFont::Monospace);
+    if (tracking != 0)
+        font.setLetterSpacing(QFont::AbsoluteSpacing, tracking);
+    return font;
+}
+
+int TextStyle::lineHeight() const {
+    return qCeil(QFontMetricsF(font()).height());
+}
+
+double TextStyle::width(const QString &text) const {
+    return QFontMetricsF(font()).horizontalAdvance(displayText(text));
+}
+
+QString displayText(const QString &text) {
+    QString shown;
+    shown.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar character = text.at(i);
+        if (breaksLine(character)) {
+            if (character == QChar('\r') && i + 1 < text.size() && text.at(i + 1) == QChar('\n'))
+                ++i;
+            shown += QChar(0x21B5);
+        } else if (reorders(character) || character.category() == QChar::Other_Control) {
+            shown += QChar(QChar::ReplacementCharacter);
+        } else {
+            shown += character;
+        }
+    }
+    return shown;
+}
+
+QString plainToolTip(const QString &text) {
+    if (text.isEmpty())
+        return {};
+    return QStringLiteral("<span>") + displayText(text).toHtmlEscaped() + QStringLiteral("</span>");
+}
+
+QString elidedText(const QString &text, const TextStyle &style, double width, Elision elision) {
+    return elided(displayText(text), QFontMetricsF(style.font()), width, elision);
+}
+
+QStringList wrappedLines(const QString &text, const TextStyle &style, double width, int maximumLines) {
+    const QString shown = displayText(text);
+    const QFont font = style.font();
+    QTextLayout layout(shown, font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setTextDirection(Qt::LeftToRight);
+    layout.setTextOption(option);
+
+    QStringList lines;
+    layout.beginLayout();
+    while (lines.size() < maximumLines) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
+        line.setLineWidth(width);
+        const bool last = lines.size() + 1 == maximumLines;
+        const QString rest = shown.mid(line.textStart(), last ? -1 : line.textLength()).trimmed();
+        lines += elided(rest, QFontMetricsF(font), width, Elision::end);
+    }
+    layout.endLayout();
+    return lines;
+}
+
+void paintText(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
+               const QColor &color, Qt::Alignment alignment, Elision elision) {
+    const QFont font = style.font();
+    const QString line = elided(displayText(text), QFontMetricsF(font), rect.width(), elision);
+    if (line.isEmpty())
+        return;
+    painter.save();
+    painter.setClipRect(clipFor(rect), Qt::IntersectClip);
+    painter.setFont(font);
+    painter.setPen(color);
+    // The line runs from left to right whatever its first letter: an extension stays at the end of the name.
+    painter.setLayoutDirection(Qt::LeftToRight);
+    painter.drawText(rect, int(alignment) | Qt::TextSingleLine | Qt::TextDontClip, line);
+    painter.restore();
+}
+
+void paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
+                const QColor &color, int maximumLines, Qt::Alignment alignment) {
+    QRectF line(rect.left(), rect.top(), rect.width(), style.lineHeight());
+    for (const QString &words : wrappedLines(text, style, rect.width(), maximumLines)) {
+        paintText(painter, line, words, style, color, alignment | Qt::AlignVCenter);
+        line.translate(0, line.height());
+    }
+}
+
+} // namespace vantrel
