@@ -1,3 +1,4 @@
 # One line per room. Its file is tests/NAME.cpp.
 vantrel_test(RecordsTests LIBRARIES vantrel_core SOURCES RecordsTests.cpp)
 vantrel_test(ADBTextTests LIBRARIES vantrel_core SOURCES ADBTextTests.cpp)
+vantrel_gui_test(KitTests LIBRARIES vantrel_ui SOURCES KitTests.cpp)

@@ -9,11 +9,11 @@ namespace vantrel {
 /// A button that shows one symbol on a small card. The view sets the look that fits its state:
 ///
 ///     auto *refresh = new IconButton({24, 24}, IconButton::circle);
-///     refresh->setLook({.symbol = {u"arrow.clockwise"_qs, 11, Weight::semibold},
+///     refresh->setLook({.symbol = {u"arrow.clockwise"_s, 11, Weight::semibold},
 ///                       .glyph = AppTheme::inkSecondary(),
 ///                       .fill = AppTheme::canvas(),
 ///                       .stroke = AppTheme::stroke()});
-///     refresh->setHelp(u"Refresh"_qs);
+///     refresh->setHelp(u"Refresh"_s);
 class IconButton : public PlainButton {
     Q_OBJECT
 

@@ -2,9 +2,7 @@
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
-#include <QGuiApplication>
 #include <QPainter>
-#include <QScreen>
 #include <QTextLayout>
 
 namespace vantrel {
@@ -42,6 +40,28 @@ const QString &family(FontDesign design) {
     return design == FontDesign::monospaced ? monospaced : standard;
 }
 
+QFont styledFont(const TextStyle &style, double scale) {
+    QFont font(family(style.design));
+    font.setPixelSize(qRound(style.size * scale));
+    font.setWeight(fontWeight(style.weight));
+    // Hinting would round every advance to whole pixels, and so undo half of what the sizes differ in.
+    font.setHintingPreference(QFont::PreferNoHinting);
+    if (style.design == FontDesign::monospaced)
+        font.setStyleHint(QFont::Monospace);
+    if (style.tracking != 0)
+        font.setLetterSpacing(QFont::AbsoluteSpacing, style.tracking * scale);
+    return font;
+}
+
+/// Qt 6.4 rounds every font to whole pixels, even a size given in fractions of points: 12.5 comes out as 13.
+/// So texts are laid out at twice their size, which is whole for halves, and painted through a scale of one
+/// half.
+constexpr double enlargement = 2;
+
+QFont enlargedFont(const TextStyle &style) {
+    return styledFont(style, enlargement);
+}
+
 bool reorders(QChar character) {
     const ushort code = character.unicode();
     return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
@@ -52,10 +72,13 @@ bool breaksLine(QChar character) {
     return (code >= '\n' && code <= '\r') || code == 0x85 || code == 0x2028 || code == 0x2029;
 }
 
-QString elided(const QString &safeText, const QFontMetricsF &metrics, double width, Elision elision) {
-    const QString shortened =
-        metrics.elidedText(safeText, elision == Elision::middle ? Qt::ElideMiddle : Qt::ElideRight, width);
-    return metrics.horizontalAdvance(shortened) > width ? QString() : shortened;
+/// `width` in layout pixels.
+QString elided(const QString &safeText, const QFont &enlarged, double width, Elision elision) {
+    const QFontMetricsF metrics(enlarged);
+    const double available = width * enlargement;
+    const QString shortened = metrics.elidedText(
+        safeText, elision == Elision::middle ? Qt::ElideMiddle : Qt::ElideRight, available);
+    return metrics.horizontalAdvance(shortened) > available ? QString() : shortened;
 }
 
 /// Stacked combining marks could reach into the neighbouring rows; real scripts need a little more than the
@@ -67,26 +90,15 @@ QRectF clipFor(const QRectF &rect) {
 } // namespace
 
 QFont TextStyle::font() const {
-    QFont font(family(design));
-    // QFont keeps pixel sizes as whole numbers, but points as real ones.
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    font.setPointSizeF(size * 72 / (screen ? screen->logicalDotsPerInchY() : 96));
-    font.setWeight(fontWeight(weight));
-    // Hinting would round every advance to whole pixels and so undo the half sizes.
-    font.setHintingPreference(QFont::PreferNoHinting);
-    if (design == FontDesign::monospaced)
-        font.setStyleHint(QFont::Monospace);
-    if (tracking != 0)
-        font.setLetterSpacing(QFont::AbsoluteSpacing, tracking);
-    return font;
+    return styledFont(*this, 1);
 }
 
 int TextStyle::lineHeight() const {
-    return qCeil(QFontMetricsF(font()).height());
+    return qCeil(QFontMetricsF(enlargedFont(*this)).height() / enlargement);
 }
 
 double TextStyle::width(const QString &text) const {
-    return QFontMetricsF(font()).horizontalAdvance(displayText(text));
+    return QFontMetricsF(enlargedFont(*this)).horizontalAdvance(displayText(text)) / enlargement;
 }
 
 QString displayText(const QString &text) {
@@ -95,7 +107,7 @@ QString displayText(const QString &text) {
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar character = text.at(i);
         if (breaksLine(character)) {
-            if (character == QChar('\r') && i + 1 < text.size() && text.at(i + 1) == QChar('\n'))
+            if (character == u'\r' && i + 1 < text.size() && text.at(i + 1) == u'\n')
                 ++i;
             shown += QChar(0x21B5);
         } else if (reorders(character) || character.category() == QChar::Other_Control) {
@@ -114,12 +126,12 @@ QString plainToolTip(const QString &text) {
 }
 
 QString elidedText(const QString &text, const TextStyle &style, double width, Elision elision) {
-    return elided(displayText(text), QFontMetricsF(style.font()), width, elision);
+    return elided(displayText(text), enlargedFont(style), width, elision);
 }
 
 QStringList wrappedLines(const QString &text, const TextStyle &style, double width, int maximumLines) {
     const QString shown = displayText(text);
-    const QFont font = style.font();
+    const QFont font = enlargedFont(style);
     QTextLayout layout(shown, font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -132,10 +144,10 @@ QStringList wrappedLines(const QString &text, const TextStyle &style, double wid
         QTextLine line = layout.createLine();
         if (!line.isValid())
             break;
-        line.setLineWidth(width);
+        line.setLineWidth(width * enlargement);
         const bool last = lines.size() + 1 == maximumLines;
         const QString rest = shown.mid(line.textStart(), last ? -1 : line.textLength()).trimmed();
-        lines += elided(rest, QFontMetricsF(font), width, Elision::end);
+        lines += elided(rest, font, width, Elision::end);
     }
     layout.endLayout();
     return lines;
@@ -143,8 +155,8 @@ QStringList wrappedLines(const QString &text, const TextStyle &style, double wid
 
 void paintText(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
                const QColor &color, Qt::Alignment alignment, Elision elision) {
-    const QFont font = style.font();
-    const QString line = elided(displayText(text), QFontMetricsF(font), rect.width(), elision);
+    const QFont font = enlargedFont(style);
+    const QString line = elided(displayText(text), font, rect.width(), elision);
     if (line.isEmpty())
         return;
     painter.save();
@@ -153,7 +165,10 @@ void paintText(QPainter &painter, const QRectF &rect, const QString &text, const
     painter.setPen(color);
     // The line runs from left to right whatever its first letter: an extension stays at the end of the name.
     painter.setLayoutDirection(Qt::LeftToRight);
-    painter.drawText(rect, int(alignment) | Qt::TextSingleLine | Qt::TextDontClip, line);
+    painter.translate(rect.topLeft());
+    painter.scale(1 / enlargement, 1 / enlargement);
+    painter.drawText(QRectF(QPointF(), rect.size() * enlargement),
+                     int(alignment) | Qt::TextSingleLine | Qt::TextDontClip, line);
     painter.restore();
 }
 

@@ -25,7 +25,9 @@ struct TextStyle {
     FontDesign design = FontDesign::standard;
     double tracking = 0; ///< extra space after each letter
 
-    /// The font: Inter where it is installed, else the system's; the system's fixed font when monospaced.
+    /// The font for what the toolkit draws itself, such as a text field: Inter where it is installed, else
+    /// the system's; the system's fixed font when monospaced. The toolkit rounds its size to whole pixels, so
+    /// views measure and paint with the functions below, which do not.
     [[nodiscard]] QFont font() const;
     /// Height of one line in whole layout pixels.
     [[nodiscard]] int lineHeight() const;

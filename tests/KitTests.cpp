@@ -1,0 +1,475 @@
+#include "App/AppTheme.h"
+#include "Views/Kit/IconButton.h"
+#include "Views/Kit/ProgressBar.h"
+#include "Views/Kit/RenderScheduler.h"
+#include "Views/Kit/Shapes.h"
+#include "Views/Kit/Spinner.h"
+#include "Views/Kit/Symbol.h"
+#include "Views/Kit/TextLabel.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace vantrel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// A transparent picture of `size` layout pixels on a screen of `ratio`, with what `paint` put on it.
+QImage painted(QSize size, double ratio, const std::function<void(QPainter &)> &paint) {
+    QImage image((QSizeF(size) * ratio).toSize(), QImage::Format_ARGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    paint(painter);
+    return image;
+}
+
+/// The rectangle in device pixels outside of which nothing was painted.
+QRect inkBounds(const QImage &image) {
+    QRect bounds;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixelColor(x, y).alpha() > 0)
+                bounds |= QRect(x, y, 1, 1);
+    return bounds;
+}
+
+/// All the ink of a picture, in fully opaque pixels.
+double inkAmount(const QImage &image) {
+    double amount = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            amount += image.pixelColor(x, y).alphaF();
+    return amount;
+}
+
+QImage paintedSymbol(const Symbol &symbol, QSize size, double ratio, const QColor &color) {
+    return painted(size, ratio,
+                   [&](QPainter &painter) { symbol.paint(painter, QRectF(QPointF(), QSizeF(size)), color); });
+}
+
+QString accessible(QWidget &widget, QAccessible::Text text) {
+    return QAccessible::queryAccessibleInterface(&widget)->text(text);
+}
+
+QAccessible::Role role(QWidget &widget) {
+    return QAccessible::queryAccessibleInterface(&widget)->role();
+}
+
+/// Leaves the scheme as it was found.
+class Kit : public ::testing::Test {
+protected:
+    void TearDown() override { AppTheme::setScheme(ColorScheme::light); }
+};
+
+using ThemeTests = Kit;
+using SymbolTests = Kit;
+using TextTests = Kit;
+using ShapeTests = Kit;
+using RenderTests = Kit;
+using ControlTests = Kit;
+
+TEST_F(ThemeTests, coloursFollowTheScheme) {
+    struct Case {
+        const char *name;
+        ThemeColor color;
+        QColor light, dark;
+    };
+    const auto rgb = [](float r, float g, float b, float a = 1) { return QColor::fromRgbF(r, g, b, a); };
+    const Case cases[] = {
+        {"ink", AppTheme::ink(), rgb(0.11f, 0.11f, 0.12f), rgb(0.93f, 0.93f, 0.94f)},
+        {"sidebar", AppTheme::sidebar(), rgb(0.93f, 0.94f, 0.96f), rgb(0.13f, 0.14f, 0.15f)},
+        {"surface", AppTheme::surface(), Qt::white, rgb(0.16f, 0.16f, 0.18f)},
+        {"accentSoft", AppTheme::accentSoft(), rgb(0.2f, 0.48f, 0.96f, 0.12f),
+         rgb(0.35f, 0.55f, 0.98f, 0.22f)},
+        {"paneStroke", AppTheme::paneStroke(), rgb(0, 0, 0, 0.22f), rgb(1, 1, 1, 0.22f)},
+        {"accent", AppTheme::accent(), rgb(0.2f, 0.48f, 0.96f), rgb(0.2f, 0.48f, 0.96f)},
+        {"danger", AppTheme::danger(), rgb(0.86f, 0.28f, 0.28f), rgb(0.86f, 0.28f, 0.28f)},
+    };
+    for (const auto &[name, color, light, dark] : cases) {
+        SCOPED_TRACE(name);
+        AppTheme::setScheme(ColorScheme::light);
+        EXPECT_EQ(QColor(color).rgba(), light.rgba());
+        AppTheme::setScheme(ColorScheme::dark);
+        EXPECT_EQ(QColor(color).rgba(), dark.rgba());
+    }
+    for (const auto scheme : {ColorScheme::light, ColorScheme::dark})
+        EXPECT_EQ(AppTheme::titleBarNSColor(scheme), AppTheme::titleBar().resolved(scheme));
+    EXPECT_NEAR(AppTheme::accent().withOpacity(0.35).resolved(ColorScheme::dark).alphaF(), 0.35, 0.001);
+}
+
+TEST_F(ThemeTests, announcesOnlyRealChanges) {
+    QSignalSpy changes(&AppTheme::instance(), &AppTheme::schemeChanged);
+    AppTheme::setScheme(ColorScheme::light);
+    EXPECT_EQ(changes.count(), 0);
+    AppTheme::setScheme(ColorScheme::dark);
+    AppTheme::setScheme(ColorScheme::dark);
+    EXPECT_EQ(changes.count(), 1);
+}
+
+TEST_F(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
+    const QStringList names = {
+        u"internaldrive"_s,
+        u"arrow.down.circle"_s,
+        u"camera"_s,
+        u"film"_s,
+        u"photo"_s,
+        u"music.note"_s,
+        u"doc"_s,
+        u"message"_s,
+        u"waveform"_s,
+        u"iphone"_s,
+        u"arrow.clockwise"_s,
+        u"trash"_s,
+        u"folder.fill"_s,
+        u"doc.fill"_s,
+        u"xmark"_s,
+        u"chevron.left"_s,
+        u"chevron.right"_s,
+        u"chevron.down"_s,
+        u"house"_s,
+        u"folder"_s,
+        u"folder.badge.plus"_s,
+        u"list.bullet"_s,
+        u"square.grid.2x2"_s,
+        u"magnifyingglass"_s,
+        u"xmark.circle.fill"_s,
+        u"square"_s,
+        u"minus.square.fill"_s,
+        u"checkmark.square.fill"_s,
+        u"circle"_s,
+        u"checkmark.circle.fill"_s,
+        u"doc.zipper"_s,
+        u"doc.text"_s,
+        u"sun.max"_s,
+        u"moon"_s,
+        u"info.circle"_s,
+    };
+    for (const QString &name : names) {
+        SCOPED_TRACE(name.toStdString());
+        ASSERT_TRUE(Symbol::exists(name));
+        for (const double ratio : {1.0, 2.0, 3.0}) {
+            const Symbol symbol{name, 13, Weight::bold};
+            const int side = int(symbol.naturalSize().width() * ratio);
+            const int margin = int(10 * ratio);
+            const QSize area = symbol.naturalSize().toSize() + QSize(20, 20);
+            const QRect ink = inkBounds(paintedSymbol(symbol, area, ratio, Qt::black));
+            EXPECT_TRUE(QRect(margin, margin, side, side).contains(ink)) << ratio;
+            EXPECT_GT(qMax(ink.width(), ink.height()), side * 0.6) << ratio;
+            const QPointF offset =
+                QRectF(ink).center() - QRectF(0, 0, side, side).center() - QPointF(margin, margin);
+            EXPECT_LE(qMax(qAbs(offset.x()), qAbs(offset.y())), side * 0.08) << ratio;
+        }
+    }
+    EXPECT_FALSE(Symbol::exists(u"no.such.symbol"_s));
+    EXPECT_FALSE(Symbol::exists(QString()));
+}
+
+TEST_F(SymbolTests, tintsWithExactlyTheColour) {
+    const QColor orange(240, 130, 20);
+    for (const QColor &color : {orange, QColor(0, 0, 0), QColor(255, 255, 255)}) {
+        const QImage image = paintedSymbol({u"folder.fill"_s, 28}, {40, 40}, 2, color);
+        EXPECT_EQ(image.pixelColor(40, 50), color);
+    }
+    const QImage faint = paintedSymbol({u"folder.fill"_s, 28}, {40, 40}, 2, QColor(0, 0, 0, 51));
+    EXPECT_EQ(faint.pixelColor(40, 50).alpha(), 51);
+}
+
+TEST_F(SymbolTests, filledSymbolsAreCutThroughAndWeightsGrow) {
+    // The middle of the minus lets the background through; the ground beside it does not.
+    const QImage minus = paintedSymbol({u"minus.square.fill"_s, 28}, {40, 40}, 3, Qt::blue);
+    EXPECT_EQ(minus.pixelColor(60, 60).alpha(), 0);
+    EXPECT_EQ(minus.pixelColor(60, 40), QColor(Qt::blue));
+
+    double lighter = 0;
+    for (const Weight weight : {Weight::regular, Weight::medium, Weight::semibold, Weight::bold}) {
+        const double ink = inkAmount(paintedSymbol({u"xmark"_s, 13, weight}, {20, 20}, 3, Qt::black));
+        EXPECT_GT(ink, lighter);
+        lighter = ink;
+    }
+}
+
+TEST_F(TextTests, halfPixelsOfFontSizesCount) {
+    const QString text(40, u'n');
+    const double wide = TextStyle{100, Weight::medium}.width(text) / 100;
+    for (const double size : {9.5, 10.5, 11.5, 12.0, 12.5}) {
+        const TextStyle style{size, Weight::medium};
+        EXPECT_NEAR(style.width(text) / size / wide, 1, 0.012) << size;
+    }
+    const TextStyle plain{10, Weight::bold};
+    TextStyle tracked = plain;
+    tracked.tracking = 0.6;
+    EXPECT_NEAR(tracked.width(text) - plain.width(text), 40 * 0.6, 0.5);
+    const TextStyle fixed{12.5, Weight::semibold, FontDesign::monospaced};
+    EXPECT_NEAR(fixed.width(u"iiii"_s), fixed.width(u"WWWW"_s), 0.01);
+}
+
+TEST_F(TextTests, elisionNeverExceedsItsWidth) {
+    const TextStyle style{11, Weight::medium};
+    const QString emoji = u"\U0001F600"_s.repeated(60);
+    const QString path = u"/home/somebody/Documents/a very long folder/another one/holiday.jpg"_s;
+    for (const QString &text : {path, emoji, QString(255, u'W'), u"שלום עולם "_s.repeated(20)}) {
+        for (const Elision elision : {Elision::end, Elision::middle}) {
+            for (double width = 0; width < 200; width += 7)
+                EXPECT_LE(style.width(elidedText(text, style, width, elision)), width) << text.toStdString();
+        }
+    }
+    const QString middle = elidedText(path, style, 150, Elision::middle);
+    EXPECT_TRUE(middle.startsWith(u"/home"_s) && middle.endsWith(u".jpg"_s)) << middle.toStdString();
+    const QString end = elidedText(path, style, 150, Elision::end);
+    EXPECT_TRUE(end.startsWith(u"/home"_s) && end.endsWith(u'…')) << end.toStdString();
+    EXPECT_EQ(elidedText(u"short"_s, style, 150), u"short"_s);
+}
+
+TEST_F(TextTests, wrapsBetweenWordsAndCutsTheRest) {
+    const TextStyle style{11, Weight::semibold};
+    const QString name = u"Pictures from the long summer holiday by the sea.jpg"_s;
+    const QStringList lines = wrappedLines(name, style, 96, 2);
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_TRUE(name.startsWith(lines[0] + u' ')) << lines[0].toStdString();
+    EXPECT_TRUE(lines[1].endsWith(u'…')) << lines[1].toStdString();
+    for (const QString &line : wrappedLines(QString(255, u'M'), style, 96, 2))
+        EXPECT_LE(style.width(line), 96);
+    EXPECT_EQ(wrappedLines(u"one"_s, style, 96, 2), QStringList{u"one"_s});
+    EXPECT_EQ(wrappedLines(QString(), style, 96, 2).join(QString()), QString());
+}
+
+TEST_F(TextTests, namesCannotDeceive) {
+    struct Case {
+        QString text, shown;
+    };
+    const Case cases[] = {
+        {u"photo\u202Egpj.exe"_s, u"photo\uFFFDgpj.exe"_s},
+        {u"\u2066a\u2069"_s, u"\uFFFDa\uFFFD"_s},
+        {u"one\ntwo\r\nthree\u2028four"_s, u"one↵two↵three↵four"_s},
+        {u"bell\a tab\t nul"_s + QChar(0), u"bell\uFFFD tab\uFFFD nul\uFFFD"_s},
+        {u"שלום.txt"_s, u"שלום.txt"_s},
+        {u"café \U0001F600"_s, u"café \U0001F600"_s},
+    };
+    for (const auto &[text, shown] : cases)
+        EXPECT_EQ(displayText(text), shown);
+    EXPECT_FALSE(plainToolTip(u"<img src='x'>"_s).contains(u"<img"_s));
+}
+
+TEST_F(TextTests, paintsInsideItsRectangle) {
+    // A pile of combining marks must not reach the neighbouring rows.
+    const QString pile = u"a"_s + u"\u0301\u0302\u0303\u0304"_s.repeated(20);
+    const QImage image = painted({200, 120}, 1, [&](QPainter &painter) {
+        paintText(painter, QRectF(20, 50, 100, 16), pile + QString(200, u'm'), {12.5}, Qt::black);
+    });
+    const QRect ink = inkBounds(image);
+    EXPECT_GT(ink.width(), 60);
+    EXPECT_TRUE(QRect(19, 47, 102, 22).contains(ink)) << ink.top() << " to " << ink.bottom();
+}
+
+TEST_F(ShapeTests, linesLieInsideAndAreCrisp) {
+    for (const double ratio : {1.0, 2.0, 3.0}) {
+        SCOPED_TRACE(ratio);
+        const int line = int(ratio);
+        const QImage image = painted({60, 60}, ratio, [](QPainter &painter) {
+            paintCard(painter, QRectF(10, 10, 40, 40), 10, Qt::white, Qt::black);
+        });
+        EXPECT_EQ(inkBounds(image), QRect(10 * line, 10 * line, 40 * line, 40 * line));
+        const int middle = 30 * line;
+        for (int depth = 0; depth < line; ++depth)
+            EXPECT_EQ(image.pixelColor(10 * line + depth, middle), QColor(Qt::black));
+        EXPECT_EQ(image.pixelColor(11 * line, middle), QColor(Qt::white));
+    }
+}
+
+TEST_F(ShapeTests, cornersFlowIntoSidesAndEndAsCircles) {
+    // On a circle every point is as far from the centre; 0.3 % is what one cubic curve per quarter can do.
+    const QPainterPath circle = capsule(QRectF(-50, -50, 100, 100));
+    for (double percent = 0; percent < 1; percent += 0.01) {
+        const QPointF point = circle.pointAtPercent(percent);
+        EXPECT_NEAR(std::hypot(point.x(), point.y()), 50, 0.15);
+    }
+    // Beside the end of an arc the flowing corner has already left the straight side, and it is as deep as
+    // the arc.
+    const QPainterPath card = roundedRect(QRectF(0, 0, 100, 100), 20);
+    EXPECT_FALSE(card.contains(QPointF(22, 0.02)));
+    EXPECT_TRUE(card.contains(QPointF(6.1, 6.1)));
+    EXPECT_FALSE(card.contains(QPointF(5.6, 5.6)));
+}
+
+class Source : public QObject {
+    Q_OBJECT
+Q_SIGNALS:
+    void nameChanged();
+    void countChanged(int count);
+};
+
+TEST_F(RenderTests, rendersOncePerPassHoweverManySignals) {
+    Source source;
+    int renders = 0;
+    RenderScheduler rendering([&] { ++renders; });
+    rendering.watch(&source, &Source::nameChanged, &Source::countChanged);
+
+    for (int i = 0; i < 100; ++i) {
+        Q_EMIT source.nameChanged();
+        Q_EMIT source.countChanged(i);
+    }
+    AppTheme::setScheme(ColorScheme::dark);
+    EXPECT_EQ(renders, 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return renders > 0; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(renders, 1);
+
+    AppTheme::setScheme(ColorScheme::light);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return renders == 2; })) << "a new scheme alone renders too";
+
+    Q_EMIT source.nameChanged();
+    rendering.renderNow();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(renders, 3) << "a render at once takes the place of the one that was due";
+}
+
+TEST_F(RenderTests, aDestroyedViewIsNotRendered) {
+    Source source;
+    int renders = 0;
+    {
+        RenderScheduler rendering([&] { ++renders; });
+        rendering.watch(&source, &Source::nameChanged);
+        Q_EMIT source.nameChanged();
+    }
+    Q_EMIT source.nameChanged();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(renders, 0);
+}
+
+TEST_F(ControlTests, anIconButtonIsNamedByItsToolTip) {
+    IconButton button({24, 24}, 5);
+    button.setHelp(u"Go back"_s);
+    EXPECT_EQ(accessible(button, QAccessible::Name), u"Go back"_s);
+    EXPECT_EQ(role(button), QAccessible::Button);
+    EXPECT_TRUE(button.toolTip().contains(u"Go back"_s));
+}
+
+TEST_F(ControlTests, anIconButtonIsPressedByMouseAndKeys) {
+    IconButton button({24, 24}, 5);
+    button.setLook({.symbol = {u"house"_s, 11}});
+    button.show();
+    QSignalSpy clicks(&button, &QAbstractButton::clicked);
+
+    const auto pressAll = [&] {
+        QTest::mouseClick(&button, Qt::LeftButton);
+        QTest::keyClick(&button, Qt::Key_Space);
+        QTest::keyClick(&button, Qt::Key_Return);
+        QTest::keyClick(&button, Qt::Key_Enter);
+    };
+    pressAll();
+    EXPECT_EQ(clicks.count(), 4);
+
+    QTest::mousePress(&button, Qt::LeftButton);
+    QTest::mouseRelease(&button, Qt::LeftButton, {}, QPoint(60, 60));
+    EXPECT_EQ(clicks.count(), 4) << "released outside";
+
+    button.setEnabled(false);
+    pressAll();
+    EXPECT_EQ(clicks.count(), 4) << "disabled";
+
+    button.setEnabled(true);
+    button.setCheckable(true);
+    button.click();
+    EXPECT_FALSE(button.isChecked()) << "only the model checks a button";
+}
+
+TEST_F(ControlTests, anIconButtonShowsItsStates) {
+    IconButton button({24, 24}, IconButton::circle);
+    const auto center = [&] { return button.grab().toImage().pixelColor(12, 20); };
+    button.setLook({.symbol = {u"house"_s, 8}, .fill = ThemeColor(Qt::red), .disabledOpacity = 0.45});
+    EXPECT_EQ(center(), QColor(Qt::red));
+    button.setEnabled(false);
+    EXPECT_NE(center(), QColor(Qt::red));
+
+    // Reached with the keyboard, the button's edge changes.
+    QWidget window;
+    auto *inside = new IconButton({24, 24}, 5, &window);
+    inside->setLook({.symbol = {u"house"_s, 11}, .fill = AppTheme::surface()});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    inside->clearFocus();
+    const QImage before = inside->grab().toImage();
+    inside->setFocus(Qt::TabFocusReason);
+    ASSERT_TRUE(inside->hasFocus());
+    EXPECT_NE(inside->grab().toImage().pixelColor(12, 0), before.pixelColor(12, 0));
+}
+
+TEST_F(ControlTests, aLabelYieldsAndIsReadWhole) {
+    const QString text = u"A name that is far too long for the place it has been given"_s;
+    QWidget parent;
+    auto *layout = new QHBoxLayout(&parent);
+    layout->setContentsMargins({});
+    auto *label = new TextLabel({12.5, Weight::medium}, AppTheme::ink());
+    layout->addWidget(label);
+    label->setText(text);
+    parent.resize(100, 20);
+    parent.show();
+    EXPECT_EQ(parent.width(), 100);
+    EXPECT_TRUE(label->isElided());
+    EXPECT_EQ(accessible(*label, QAccessible::Name), text);
+    EXPECT_EQ(role(*label), QAccessible::StaticText);
+
+    parent.resize(label->sizeHint());
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(label->isElided());
+
+    label->setMaximumLines(2);
+    EXPECT_EQ(label->heightForWidth(220), 2 * label->sizeHint().height());
+    EXPECT_EQ(label->heightForWidth(2000), label->sizeHint().height());
+    parent.resize(100, 40);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(label->isElided()) << "two lines are not enough either";
+}
+
+TEST_F(ControlTests, aProgressBarFillsItsFractionAndNoMore) {
+    struct Case {
+        double fraction;
+        int filled; ///< layout pixels of 100
+        QString value;
+    };
+    const Case cases[] = {{0, 0, u"0%"_s},     {0.5, 50, u"50%"_s}, {1, 100, u"100%"_s},
+                          {7, 100, u"100%"_s}, {-1, 0, u"0%"_s},    {qQNaN(), 0, u"0%"_s}};
+    for (const auto &[fraction, filled, value] : cases) {
+        SCOPED_TRACE(fraction);
+        ProgressBar bar(6);
+        bar.setColors(ThemeColor(Qt::red), ThemeColor(Qt::blue));
+        bar.resize(100, 6);
+        bar.setFraction(fraction);
+        const QImage image = bar.grab().toImage();
+        int red = 0;
+        for (int x = 0; x < 100; ++x)
+            red += image.pixelColor(x, 3).red() > 127;
+        EXPECT_NEAR(red, filled, 1);
+        EXPECT_EQ(role(bar), QAccessible::ProgressBar);
+        QAccessibleValueInterface *reader = QAccessible::queryAccessibleInterface(&bar)->valueInterface();
+        ASSERT_NE(reader, nullptr);
+        EXPECT_EQ(QString::number(reader->currentValue().toInt()) + u'%', value);
+    }
+}
+
+TEST_F(ControlTests, aSpinnerTurnsOnlyWhileItIsSeen) {
+    QWidget window;
+    auto *spinner = new Spinner(Spinner::Size::small, u"Loading"_s, &window);
+    EXPECT_FALSE(spinner->isTurning());
+    window.show();
+    EXPECT_TRUE(spinner->isTurning());
+    EXPECT_GT(inkBounds(spinner->grab().toImage()).width(), 8);
+    window.hide();
+    EXPECT_FALSE(spinner->isTurning());
+    EXPECT_EQ(accessible(*spinner, QAccessible::Name), u"Loading"_s);
+    EXPECT_EQ(role(*spinner), QAccessible::Indicator);
+}
+
+} // namespace
+} // namespace vantrel
+
+#include "KitTests.moc"
