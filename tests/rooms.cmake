@@ -2,3 +2,4 @@
 vantrel_test(RecordsTests LIBRARIES vantrel_core SOURCES RecordsTests.cpp)
 vantrel_test(ADBTextTests LIBRARIES vantrel_core SOURCES ADBTextTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_ui SOURCES KitTests.cpp)
+vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)

@@ -1,0 +1,230 @@
+#include "Settings.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <variant>
+
+namespace vantrel::demo {
+
+namespace {
+
+using Member = std::variant<std::string Settings::*, double Settings::*, std::int64_t Settings::*,
+                            bool Settings::*, std::vector<std::string> Settings::*>;
+
+struct Key {
+    std::string_view name;
+    Member member;
+};
+
+const std::array<Key, 19> &keys() {
+    static const std::array<Key, 19> table{{
+        {"serial", &Settings::serial},
+        {"model", &Settings::model},
+        {"state", &Settings::state},
+        {"storage-total", &Settings::storageTotal},
+        {"storage-used", &Settings::storageUsed},
+        {"bandwidth", &Settings::bandwidth},
+        {"delay", &Settings::delay},
+        {"fail", &Settings::fail},
+        {"unplug-after", &Settings::unplugAfter},
+        {"hang", &Settings::hang},
+        {"crash", &Settings::crash},
+        {"chatter", &Settings::chatter},
+        {"stdout", &Settings::standardOutput},
+        {"stderr", &Settings::standardError},
+        {"exit", &Settings::exitStatus},
+        {"stdout-noise", &Settings::standardOutputNoise},
+        {"stderr-noise", &Settings::standardErrorNoise},
+        {"stderr-progress", &Settings::standardErrorProgress},
+        {"log", &Settings::log},
+    }};
+    return table;
+}
+
+/// \n, \r, \t, \\, \xHH as in C, and \c, which stands for nothing: a text that is there but empty.
+std::string unescaped(std::string_view text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\' || i + 1 == text.size()) {
+            result += text[i];
+            continue;
+        }
+        const char next = text[++i];
+        if (next == 'n') {
+            result += '\n';
+        } else if (next == 'r') {
+            result += '\r';
+        } else if (next == 't') {
+            result += '\t';
+        } else if (next == 'x' && i + 2 < text.size()) {
+            unsigned value = 0;
+            std::from_chars(text.data() + i + 1, text.data() + i + 3, value, 16);
+            result += static_cast<char>(value);
+            i += 2;
+        } else if (next != 'c') {
+            result += next;
+        }
+    }
+    return result;
+}
+
+[[noreturn]] void refuse(std::string_view name, const std::string &value) {
+    throw SettingsError("'" + value + "' is no value for the setting '" + std::string(name) + "'");
+}
+
+void assign(Settings &settings, const Key &key, const std::string &value) {
+    // An empty value goes back to the default, whatever the environment says.
+    const bool reset = value.empty();
+    const auto set = [&](auto member) {
+        auto &field = settings.*member;
+        using Type = std::remove_reference_t<decltype(field)>;
+        if (reset) {
+            field = Settings{}.*member;
+        } else if constexpr (std::is_same_v<Type, std::string>) {
+            field = unescaped(value);
+        } else if constexpr (std::is_same_v<Type, std::vector<std::string>>) {
+            field.push_back(unescaped(value));
+        } else if constexpr (std::is_same_v<Type, bool>) {
+            if (value != "on" && value != "off")
+                refuse(key.name, value);
+            field = value == "on";
+        } else if constexpr (std::is_same_v<Type, std::int64_t>) {
+            const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), field);
+            if (value == "endless")
+                field = std::numeric_limits<std::int64_t>::max();
+            else if (error != std::errc() || end != value.data() + value.size())
+                refuse(key.name, value);
+        } else {
+            char *end = nullptr;
+            field = std::strtod(value.c_str(), &end);
+            if (end != value.c_str() + value.size() || !(field >= 0))
+                refuse(key.name, value);
+        }
+    };
+    std::visit(set, key.member);
+    if (key.name == "stdout")
+        settings.hasStandardOutput = !reset;
+}
+
+const Key *find(std::string_view name) {
+    for (const Key &key : keys()) {
+        if (key.name == name)
+            return &key;
+    }
+    return nullptr;
+}
+
+std::string environmentName(std::string_view setting) {
+    std::string name = "DEMO_PHONE_";
+    for (const char c : setting)
+        name += c == '-' || c == '.' ? '_' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return name;
+}
+
+struct Line {
+    std::string command; ///< empty for all commands
+    const Key *key;
+    std::string value;
+};
+
+std::vector<Line> linesOf(const std::string &path) {
+    std::vector<Line> lines;
+    std::ifstream file(path, std::ios::binary);
+    for (std::string text; std::getline(file, text);) {
+        if (text.empty() || text[0] == '#')
+            continue;
+        const std::size_t equals = text.find('=');
+        std::string name = text.substr(0, equals);
+        Line line;
+        if (const std::size_t dot = name.find('.'); dot != std::string::npos) {
+            line.command = name.substr(0, dot);
+            name.erase(0, dot + 1);
+        }
+        line.key = find(name);
+        if (!line.key || equals == std::string::npos)
+            throw SettingsError("no such setting in " + path + ": " + text);
+        line.value = text.substr(equals + 1);
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+} // namespace
+
+SettingsSource::SettingsSource(std::string root, std::string command)
+    : m_root(std::move(root)), m_command(std::move(command)) {
+    refresh();
+}
+
+void SettingsSource::refresh() {
+    struct stat status {};
+    const bool exists = ::stat((m_root + ".conf").c_str(), &status) == 0;
+    const std::int64_t size = exists ? status.st_size : -1;
+#ifdef __APPLE__
+    const timespec modified = status.st_mtimespec;
+#else
+    const timespec modified = status.st_mtim;
+#endif
+    if (size == m_size && modified.tv_sec == m_modified.tv_sec && modified.tv_nsec == m_modified.tv_nsec)
+        return;
+    m_size = size;
+    m_modified = modified;
+    load();
+}
+
+void SettingsSource::load() {
+    Settings settings;
+    for (const std::string &prefix : {std::string(), m_command + "."}) {
+        for (const Key &key : keys()) {
+            if (const char *value = std::getenv(environmentName(prefix + std::string(key.name)).c_str()))
+                assign(settings, key, value);
+        }
+    }
+    // Later lines win over earlier ones, and those for this command over those for all.
+    const std::vector<Line> lines = linesOf(m_root + ".conf");
+    for (const std::string &command : {std::string(), m_command}) {
+        for (const Line &line : lines) {
+            if (line.command == command)
+                assign(settings, *line.key, line.value);
+        }
+    }
+    m_current = std::move(settings);
+}
+
+void SettingsSource::recordUnplugged() {
+    // Appended in one write, so that copies that end together and whoever else writes lose nothing.
+    const std::string lines = "state=none\nunplug-after=\n" + m_command + ".unplug-after=\n";
+    const int file = ::open((m_root + ".conf").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    if (file < 0 || ::write(file, lines.data(), lines.size()) != static_cast<ssize_t>(lines.size()))
+        throw SettingsError("cannot write " + m_root + ".conf");
+    ::close(file);
+}
+
+std::string servedFolder() {
+    std::string root;
+    if (const char *chosen = std::getenv("DEMO_PHONE_ROOT"); chosen && *chosen) {
+        root = chosen;
+    } else if (const char *data = std::getenv("XDG_DATA_HOME"); data && *data) {
+        root = std::string(data) + "/vantrel-demo-phone";
+    } else {
+        const char *home = std::getenv("HOME");
+        root = std::string(home ? home : "") + "/.local/share/vantrel-demo-phone";
+    }
+    root = std::filesystem::absolute(root).lexically_normal().string();
+    while (root.size() > 1 && root.back() == '/')
+        root.pop_back();
+    return root;
+}
+
+} // namespace vantrel::demo

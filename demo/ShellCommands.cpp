@@ -1,0 +1,346 @@
+#include "ShellCommands.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <clocale>
+#include <cstring>
+#include <cwchar>
+#include <cwctype>
+#include <string_view>
+#include <utility>
+
+namespace vantrel::demo {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+std::string complaint(std::string_view command, const std::string &path, int error) {
+    return std::string(command) + ": " + path + ": " + std::strerror(error) + "\n";
+}
+
+// -- ls -la
+
+struct Row {
+    std::array<std::string, 6> columns; ///< mode, links, owner, group, size, time
+    std::string name;
+};
+
+std::string modeText(mode_t mode) {
+    static constexpr std::array<std::pair<mode_t, char>, 7> types{{{S_IFDIR, 'd'},
+                                                                   {S_IFLNK, 'l'},
+                                                                   {S_IFCHR, 'c'},
+                                                                   {S_IFBLK, 'b'},
+                                                                   {S_IFIFO, 'p'},
+                                                                   {S_IFSOCK, 's'},
+                                                                   {S_IFREG, '-'}}};
+    std::string text;
+    for (const auto &[type, letter] : types) {
+        if ((mode & S_IFMT) == type)
+            text += letter;
+    }
+    for (unsigned bit = 9; bit-- > 0;)
+        text += (mode >> bit) & 1U ? "xwr"[bit % 3] : '-';
+    const auto special = [&](mode_t bit, std::size_t position, char letter) {
+        if (mode & bit)
+            text[position] = text[position] == 'x' ? letter : static_cast<char>(letter - 'a' + 'A');
+    };
+    special(S_ISUID, 3, 's');
+    special(S_ISGID, 6, 's');
+    special(S_ISVTX, 9, 't');
+    return text;
+}
+
+std::string timeText(time_t time) {
+    std::tm local{};
+    ::localtime_r(&time, &local);
+    std::array<char, 32> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &local);
+    return {text.data(), length};
+}
+
+Row rowOf(const Entry &entry, const std::string &name, int error) {
+    Row row;
+    row.name = name;
+    std::string mode = modeText(entry.status.st_mode);
+    if (error != 0) {
+        // The folder gives the name and the type away; the rest is not for this user to know.
+        row.columns = {mode.substr(0, 1) + "?????????", "?", "?", "?", "?", "?"};
+        return row;
+    }
+    std::string size = std::to_string(entry.status.st_size);
+    if (S_ISCHR(entry.status.st_mode) || S_ISBLK(entry.status.st_mode))
+        size = "1,   3";
+    row.columns = {std::move(mode), std::to_string(entry.status.st_nlink), "u0_a1", "media_rw",
+                   std::move(size), timeText(entry.status.st_mtime)};
+    if (S_ISLNK(entry.status.st_mode))
+        row.name += " -> " + entry.linkTarget;
+    return row;
+}
+
+std::string tableOf(const std::vector<Row> &rows) {
+    std::array<std::size_t, 6> widths{};
+    for (const Row &row : rows) {
+        for (std::size_t i = 0; i < widths.size(); ++i)
+            widths[i] = std::max(widths[i], row.columns[i].size());
+    }
+    std::string text;
+    for (const Row &row : rows) {
+        for (std::size_t i = 0; i < widths.size(); ++i) {
+            const bool isName = i == 2 || i == 3;
+            const std::string padding(widths[i] - row.columns[i].size(), ' ');
+            text += isName ? row.columns[i] + padding : padding + row.columns[i];
+            text += ' ';
+        }
+        text += row.name + '\n';
+    }
+    return text;
+}
+
+Answer ls(const Words &words, const PhoneFiles &files) {
+    const std::string &path = words[2];
+    Answer answer;
+    Entry target;
+    int error = files.look(path, Links::keep, target);
+    std::vector<std::string> names;
+    const bool isFolder = error == 0 && S_ISDIR(target.status.st_mode);
+    if (isFolder)
+        error = files.list(path, names);
+    if (error != 0) {
+        answer.standardError = complaint("ls", path, error);
+        answer.exitStatus = 1;
+        return answer;
+    }
+    if (!isFolder) {
+        answer.standardOutput = tableOf({rowOf(target, path, 0)});
+        return answer;
+    }
+    names.insert(names.end(), {".", ".."});
+    std::sort(names.begin(), names.end());
+    std::vector<Row> rows;
+    long long blocks = 0;
+    for (const std::string &name : names) {
+        Entry entry;
+        const int entryError = files.look(joined(path, name), Links::keep, entry);
+        if (entryError == ENOENT)
+            continue; // deleted meanwhile
+        if (entryError != 0) {
+            answer.standardError += complaint("ls", joined(path, name), entryError);
+            answer.exitStatus = 1;
+        }
+        blocks += entry.status.st_blocks;
+        rows.push_back(rowOf(entry, name, entryError));
+    }
+    answer.standardOutput = "total " + std::to_string(blocks / 2) + "\n" + tableOf(rows);
+    return answer;
+}
+
+// -- find -L ROOT -iname '*TEXT*'
+
+/// The text in lower case, one element per character; bytes that are no UTF-8 stay what they are.
+std::wstring lowered(std::string_view text) {
+    std::wstring result;
+    std::mbstate_t state{};
+    while (!text.empty()) {
+        wchar_t character = 0;
+        std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
+        if (length == 0 || length > text.size()) {
+            character = static_cast<wchar_t>(0xDC00 + static_cast<unsigned char>(text[0]));
+            length = 1;
+            state = {};
+        }
+        result += static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
+        text.remove_prefix(length);
+    }
+    return result;
+}
+
+class Finder {
+public:
+    Finder(const PhoneFiles &files, std::string_view text, std::size_t limit)
+        : m_files(files), m_text(lowered(text)), m_linesLeft(limit) {}
+
+    /// Adds what matches at or below a path; `above` holds the folders that lead there.
+    void walk(const std::string &path, std::vector<std::pair<dev_t, ino_t>> &above, Answer &answer) {
+        Entry entry;
+        int error = m_files.look(path, Links::follow, entry);
+        if (error == ENOENT)
+            error = m_files.look(path, Links::keep, entry); // a link that leads nowhere is still a name
+        if (error != 0) {
+            answer.standardError += complaint("find", path, error);
+            answer.exitStatus = 1;
+            return;
+        }
+        const std::pair identity{entry.status.st_dev, entry.status.st_ino};
+        const bool isFolder = S_ISDIR(entry.status.st_mode);
+        if (isFolder && entry.status.st_ino != 0 &&
+            std::find(above.begin(), above.end(), identity) != above.end()) {
+            answer.standardError += "find: '" + path + "': loop detected\n";
+            answer.exitStatus = 1;
+            return;
+        }
+        if (lowered(lastComponent(path)).find(m_text) != std::wstring::npos)
+            print(path, answer.standardOutput);
+        if (!isFolder)
+            return;
+        std::vector<std::string> names;
+        if (const int listError = m_files.list(path, names)) {
+            answer.standardError += complaint("find", path, listError);
+            answer.exitStatus = 1;
+        }
+        above.push_back(identity);
+        for (const std::string &name : names) {
+            if (m_linesLeft == 0)
+                break;
+            walk(joined(path, name), above, answer);
+        }
+        above.pop_back();
+    }
+
+private:
+    void print(const std::string &path, std::string &output) {
+        for (const char c : path + "\n") {
+            if (m_linesLeft == 0)
+                return;
+            output += c;
+            m_linesLeft -= c == '\n' ? 1 : 0;
+        }
+    }
+
+    const PhoneFiles &m_files;
+    std::wstring m_text;
+    std::size_t m_linesLeft; ///< of what `head` lets through
+};
+
+Answer find(const Words &words, const Words &head, const PhoneFiles &files) {
+    if (!std::setlocale(LC_CTYPE, "C.UTF-8"))
+        std::setlocale(LC_CTYPE, "en_US.UTF-8");
+    const std::string &pattern = words[4];
+    std::size_t limit = 0;
+    std::from_chars(head[2].data(), head[2].data() + head[2].size(), limit);
+    Answer answer;
+    std::vector<std::pair<dev_t, ino_t>> above;
+    Finder(files, std::string_view(pattern).substr(1, pattern.size() - 2), limit)
+        .walk(words[2], above, answer);
+    return answer;
+}
+
+// -- stat -c '%n|%F|%s|%Y' PATH…
+
+std::string_view typeText(const struct stat &status) {
+    switch (status.st_mode & S_IFMT) {
+    case S_IFDIR:
+        return "directory";
+    case S_IFLNK:
+        return "symbolic link";
+    case S_IFCHR:
+        return "character device";
+    case S_IFBLK:
+        return "block device";
+    case S_IFIFO:
+        return "FIFO (named pipe)";
+    case S_IFSOCK:
+        return "socket";
+    default:
+        return status.st_size == 0 ? "regular empty file" : "regular file";
+    }
+}
+
+Answer stat(const Words &words, const PhoneFiles &files) {
+    Answer answer;
+    for (std::size_t i = 3; i < words.size(); ++i) {
+        Entry entry;
+        if (const int error = files.look(words[i], Links::keep, entry)) {
+            answer.standardError += complaint("stat", "'" + words[i] + "'", error);
+            answer.exitStatus = 1;
+            continue;
+        }
+        answer.standardOutput += words[i] + "|" + std::string(typeText(entry.status)) + "|" +
+                                 std::to_string(entry.status.st_size) + "|" +
+                                 std::to_string(entry.status.st_mtime) + "\n";
+    }
+    return answer;
+}
+
+// -- df, getprop
+
+Answer df(const Words &words, const Settings &settings) {
+    const std::int64_t total = settings.storageTotal / 1024;
+    const std::int64_t used = settings.storageUsed / 1024;
+    const std::int64_t percent = total > 0 ? (used * 100 + total - 1) / total : 0;
+    const bool isShared = words[1] == "/sdcard";
+    Answer answer;
+    answer.standardOutput = "Filesystem     1K-blocks     Used Available Use% Mounted on\n";
+    answer.standardOutput += isShared ? "/dev/fuse      " : "/dev/block/dm-8 ";
+    answer.standardOutput += std::to_string(total) + " " + std::to_string(used) + "  " +
+                             std::to_string(total - used) + "  " + std::to_string(percent) + "% " +
+                             (isShared ? "/storage/emulated" : "/data") + "\n";
+    return answer;
+}
+
+bool isNumber(const std::string &text) {
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool isSubstringPattern(const std::string &text) {
+    return text.size() > 2 && text.front() == '*' && text.back() == '*' &&
+           text.find_first_of("*?[]\\", 1) == text.size() - 1;
+}
+
+} // namespace
+
+std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
+    // A line is one pipeline, which may be followed by a lone `true`.
+    static const std::string unknown = "unknown";
+    const bool endsInTrue = line.size() == 2 && line[1].size() == 1 && line[1][0].words == Words{"true"};
+    if (line.empty() || (line.size() > 1 && !endsInTrue))
+        return unknown;
+    const ShellPipeline &pipeline = line[0];
+    const Words &words = pipeline[0].words;
+    if (words.empty())
+        return unknown;
+    const std::string &name = words[0];
+    const auto has = [&](std::size_t at, std::string_view word) {
+        return words.size() > at && words[at] == word;
+    };
+    bool known = false;
+    if (name == "find") {
+        known = words.size() == 5 && has(1, "-L") && has(3, "-iname") && isSubstringPattern(words[4]) &&
+                pipeline.size() == 2 && pipeline[1].words.size() == 3 && pipeline[1].words[0] == "head" &&
+                pipeline[1].words[1] == "-n" && isNumber(pipeline[1].words[2]);
+    } else if (pipeline.size() == 1) {
+        known = (name == "getprop" && words == Words{"getprop", "ro.product.model"}) ||
+                (name == "df" && words.size() == 2 && (has(1, "/sdcard") || has(1, "/data"))) ||
+                (name == "ls" && words.size() == 3 && has(1, "-la")) ||
+                (name == "stat" && words.size() > 3 && has(1, "-c") && has(2, "%n|%F|%s|%Y"));
+    }
+    return known ? name : unknown;
+}
+
+Answer runShellCommand(const std::vector<ShellPipeline> &line, const PhoneFiles &files,
+                       const Settings &settings) {
+    const ShellPipeline &pipeline = line[0];
+    const Words &words = pipeline[0].words;
+    Answer answer;
+    if (words[0] == "getprop")
+        answer.standardOutput = settings.model + "\n";
+    else if (words[0] == "df")
+        answer = df(words, settings);
+    else if (words[0] == "ls")
+        answer = ls(words, files);
+    else if (words[0] == "find")
+        answer = find(words, pipeline[1].words, files);
+    else
+        answer = stat(words, files);
+    if (pipeline[0].discardsErrors)
+        answer.standardError.clear();
+    // The last command of a line decides: `head` and `true` succeed.
+    if (pipeline.size() > 1 || line.size() > 1)
+        answer.exitStatus = 0;
+    return answer;
+}
+
+} // namespace vantrel::demo

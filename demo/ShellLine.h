@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vantrel::demo {
+
+/// One command of a shell line: its words, quotes taken off, and whether its errors go to /dev/null.
+struct ShellCommand {
+    std::vector<std::string> words;
+    bool discardsErrors = false;
+};
+
+/// Commands joined by "|".
+using ShellPipeline = std::vector<ShellCommand>;
+
+/// Splits a line as the phone's shell does: single quotes, backslash outside them, ";", "|" and
+/// "2>/dev/null". Whatever else means something to a shell and stands outside quotes ("$", "`", "&", "*"…) is
+/// refused, so that a name which leaves its quotes shows as a failure and never as a command. Nothing is run.
+/// Throws std::invalid_argument.
+[[nodiscard]] std::vector<ShellPipeline> parseShellLine(const std::string &line);
+
+} // namespace vantrel::demo

@@ -1,0 +1,220 @@
+#include "Copy.h"
+#include "Furnish.h"
+#include "PhoneFiles.h"
+#include "Settings.h"
+#include "ShellCommands.h"
+#include "ShellLine.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace vantrel::demo {
+
+namespace {
+
+/// A command line, understood.
+struct Request {
+    std::string name = "unknown"; ///< "devices", "push", "pull", a shell command's name, or "unknown"
+    std::string serial;           ///< empty for "devices"
+    std::vector<ShellPipeline> shellLine;
+    std::string source;
+    std::string destination;
+};
+
+Request understood(const std::vector<std::string> &arguments) {
+    Request request;
+    if (arguments == std::vector<std::string>{"devices"}) {
+        request.name = "devices";
+        return request;
+    }
+    if (arguments.size() < 4 || arguments[0] != "-s")
+        return request;
+    request.serial = arguments[1];
+    const std::string &verb = arguments[2];
+    if (verb == "shell") {
+        std::string line = arguments[3];
+        for (std::size_t i = 4; i < arguments.size(); ++i)
+            line += " " + arguments[i];
+        request.shellLine = parseShellLine(line);
+        request.name = nameOfShellCommand(request.shellLine);
+    } else if ((verb == "push" || verb == "pull") && arguments.size() == 5 && !arguments[3].empty()) {
+        request.name = verb;
+        request.source = arguments[3];
+        request.destination = arguments[4];
+    }
+    return request;
+}
+
+/// Appends the arguments as one line, separated by tabs, to the file that a test reads.
+void writeLog(const std::string &root, const std::vector<std::string> &arguments) {
+    std::string line;
+    for (const std::string &argument : arguments) {
+        line += line.empty() ? "" : "\t";
+        for (const char c : argument) {
+            if (c == '\\')
+                line += "\\\\";
+            else if (c == '\n')
+                line += "\\n";
+            else if (c == '\t')
+                line += "\\t";
+            else
+                line += c;
+        }
+    }
+    const int file = ::open((root + ".log").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    if (file >= 0) {
+        writeAll(file, line + "\n");
+        ::close(file);
+    }
+}
+
+void writeNoise(int descriptor, std::int64_t bytes) {
+    static constexpr std::string_view line =
+        "noise noise noise noise noise noise noise noise noise noise noise noise\n";
+    std::string block;
+    while (block.size() < 64 * 1024)
+        block += line;
+    while (bytes > 0) {
+        const auto length = std::min<std::int64_t>(bytes, static_cast<std::int64_t>(block.size()));
+        if (!writeAll(descriptor, std::string_view(block).substr(0, static_cast<std::size_t>(length))))
+            return;
+        bytes -= length;
+    }
+}
+
+/// Waits until the setting is taken back, or until nobody is left who could be waiting for an answer.
+void hang(SettingsSource &settings) {
+    const pid_t parent = ::getppid();
+    while (settings.current().hang && ::getppid() == parent) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        settings.refresh();
+    }
+}
+
+void crash(int signal) {
+    const rlimit noCore{};
+    ::setrlimit(RLIMIT_CORE, &noCore);
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+/// What goes wrong before a command gets to its work.
+void applyFaults(SettingsSource &settings) {
+    const Settings &now = settings.current();
+    if (now.chatter != "off") {
+        writeAll(now.chatter == "stdout" ? STDOUT_FILENO : STDERR_FILENO,
+                 "* daemon not running; starting now at tcp:5037\n* daemon started successfully\n");
+    }
+    if (now.delay > 0)
+        std::this_thread::sleep_for(std::chrono::duration<double>(now.delay));
+    hang(settings);
+    if (settings.current().crash != 0)
+        crash(static_cast<int>(settings.current().crash));
+    writeNoise(STDERR_FILENO, settings.current().standardErrorNoise);
+    writeNoise(STDOUT_FILENO, settings.current().standardOutputNoise);
+}
+
+/// Why a phone in this state answers nothing; empty when it does.
+std::string deviceError(const Settings &settings, const std::string &serial) {
+    const std::string &state = settings.state;
+    if (serial != settings.serial || state == "none")
+        return "device '" + serial + "' not found";
+    if (state == "device")
+        return {};
+    if (state == "unauthorized") {
+        return "device unauthorized.\nThis adb server's $ADB_VENDOR_KEYS is not set\n"
+               "Try 'adb kill-server' if that seems wrong.\n"
+               "Otherwise check for a confirmation dialog on your device.";
+    }
+    if (state.rfind("no permissions", 0) == 0)
+        return "insufficient permissions for device";
+    if (state == "authorizing" || state == "connecting")
+        return "device still " + state;
+    return "device " + state;
+}
+
+Answer devices(const Settings &settings) {
+    Answer answer;
+    answer.standardOutput = "List of devices attached\n";
+    if (settings.state != "none")
+        answer.standardOutput += settings.serial + "\t" + settings.state + "\n";
+    answer.standardOutput += "\n";
+    return answer;
+}
+
+Answer answerTo(const Request &request, SettingsSource &settings) {
+    const bool isCopy = request.name == "push" || request.name == "pull";
+    Answer answer;
+    if (settings.current().hasStandardOutput) {
+        answer.standardOutput = settings.current().standardOutput;
+        return answer;
+    }
+    if (request.name == "devices")
+        return devices(settings.current());
+    if (const std::string error = deviceError(settings.current(), request.serial); !error.empty()) {
+        answer.exitStatus = 1;
+        if (isCopy)
+            answer.standardOutput = "adb: error: failed to get feature set: " + error + "\n";
+        else
+            answer.standardError = "error: " + error + "\n";
+        return answer;
+    }
+    const PhoneFiles files(settings);
+    if (!isCopy)
+        return runShellCommand(request.shellLine, files, settings.current());
+    answer.exitStatus = runCopy(request.name == "push" ? CopyDirection::push : CopyDirection::pull,
+                                request.source, request.destination, files, settings);
+    return answer;
+}
+
+int run(const std::vector<std::string> &arguments) {
+    const std::string root = servedFolder();
+    furnish(root);
+    Request request;
+    std::string reason;
+    try {
+        request = understood(arguments);
+    } catch (const std::invalid_argument &error) {
+        reason = error.what();
+    }
+    SettingsSource settings(root, request.name);
+    if (settings.current().log)
+        writeLog(root, arguments);
+    if (request.name == "unknown") {
+        std::string line;
+        for (const std::string &argument : arguments)
+            line += " " + argument;
+        throw std::runtime_error("no such command:" + line + (reason.empty() ? "" : " (" + reason + ")"));
+    }
+    applyFaults(settings);
+    const Answer answer = answerTo(request, settings);
+    writeAll(STDOUT_FILENO, answer.standardOutput);
+    writeAll(STDERR_FILENO, answer.standardError + settings.current().standardError);
+    const std::int64_t status = settings.current().exitStatus;
+    return status >= 0 ? static_cast<int>(status) : answer.exitStatus;
+}
+
+} // namespace
+
+} // namespace vantrel::demo
+
+int main(int argc, char **argv) {
+    try {
+        return vantrel::demo::run({argv + 1, argv + argc});
+    } catch (const std::exception &error) {
+        vantrel::demo::writeAll(STDERR_FILENO, std::string("demo phone: ") + error.what() + "\n");
+        return 1;
+    }
+}
