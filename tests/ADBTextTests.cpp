@@ -1,5 +1,7 @@
 // What the tools print, read by the parsers alone.
 
+#include "support/Printers.h"
+
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
 #include "ADB/DeviceText.h"

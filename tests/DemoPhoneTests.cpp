@@ -14,8 +14,7 @@ struct Run {
     QByteArray standardError;
 };
 
-Run adb(const QStringList &arguments)
-{
+Run adb(const QStringList &arguments) {
     QProcess process;
     process.start(DemoPhone::adb(), arguments);
     if (!process.waitForFinished(30000))
@@ -27,11 +26,11 @@ Run adb(const QStringList &arguments)
 
 } // namespace
 
-TEST(DemoPhone, isListedInEachState)
-{
+TEST(DemoPhone, isListedInEachState) {
     DemoPhone phone;
-    for (const char *state : {"device", "offline", "unauthorized", "authorizing", "recovery",
-                              "no permissions (user in plugdev group; are your udev rules wrong?); see [http://x]"}) {
+    for (const char *state :
+         {"device", "offline", "unauthorized", "authorizing", "recovery",
+          "no permissions (user in plugdev group; are your udev rules wrong?); see [http://x]"}) {
         phone.set(QStringLiteral("state"), state);
         const Run run = adb({QStringLiteral("devices")});
         EXPECT_EQ(run.standardOutput, QByteArray("List of devices attached\ndemo-phone\t") + state + "\n\n");

@@ -1,3 +1,5 @@
+#include "support/Printers.h"
+
 #include "State/Records/Enumerations.h"
 #include "State/Records/FileItem.h"
 #include "State/Records/FileOrder.h"

@@ -1,5 +1,6 @@
 # One line per room. Its file is tests/NAME.cpp.
 vantrel_test(RecordsTests LIBRARIES vantrel_core SOURCES RecordsTests.cpp)
 vantrel_test(ADBTextTests LIBRARIES vantrel_core SOURCES ADBTextTests.cpp)
+vantrel_test(ADBClientTests LIBRARIES vantrel_core demo_phone_fixture SOURCES ADBClientTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_ui SOURCES KitTests.cpp)
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)

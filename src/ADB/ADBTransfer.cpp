@@ -64,7 +64,7 @@ private:
 class ErrorStream {
 public:
     void append(const QByteArray &bytes) {
-        constexpr qsizetype kept = 262'144;
+        constexpr qsizetype kept = 65'536;
         m_bytes += bytes;
         if (m_bytes.size() > 2 * kept)
             m_bytes.remove(0, m_bytes.size() - kept);
