@@ -171,6 +171,7 @@ TEST_F(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
     }
     EXPECT_FALSE(Symbol::exists(u"no.such.symbol"_s));
     EXPECT_FALSE(Symbol::exists(QString()));
+    EXPECT_DEBUG_DEATH(paintedSymbol({u"no.such.symbol"_s}, {20, 20}, 1, Qt::black), "no symbol is named");
 }
 
 TEST_F(SymbolTests, tintsWithExactlyTheColour) {

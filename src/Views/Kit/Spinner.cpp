@@ -19,6 +19,7 @@ Spinner::Spinner(Size size, const QString &name, QWidget *parent) : QWidget(pare
     setFixedSize(side, side);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     describe(this, QAccessible::Indicator, name);
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
     m_timer.setInterval(std::chrono::milliseconds(100));
     connect(&m_timer, &QTimer::timeout, this, [this] {
         m_step = (m_step + 1) % spokes;
