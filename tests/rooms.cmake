@@ -2,5 +2,7 @@
 vantrel_test(RecordsTests LIBRARIES vantrel_core SOURCES RecordsTests.cpp)
 vantrel_test(ADBTextTests LIBRARIES vantrel_core SOURCES ADBTextTests.cpp)
 vantrel_test(ADBClientTests LIBRARIES vantrel_core demo_phone_fixture SOURCES ADBClientTests.cpp)
+vantrel_test(MacFilesTests LIBRARIES vantrel_core SOURCES MacFilesTests.cpp)
+vantrel_test(AppStateTests LIBRARIES vantrel_core demo_phone_fixture SOURCES AppStateTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_ui SOURCES KitTests.cpp)
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)

@@ -66,7 +66,13 @@ QString standardizedPath(const QString &path) {
     QString expanded = path;
     if (path == QLatin1String("~") || path.startsWith(QLatin1String("~/")))
         expanded = QDir::homePath() + path.mid(1);
-    return expanded.isEmpty() ? expanded : QDir::cleanPath(expanded);
+    if (expanded.isEmpty())
+        return expanded;
+    QString clean = QDir::cleanPath(expanded);
+    // Above the root there is only the root; cleanPath leaves those steps in place.
+    while (clean == QLatin1String("/..") || clean.startsWith(QLatin1String("/../")))
+        clean = clean.size() == 3 ? QStringLiteral("/") : clean.mid(3);
+    return clean;
 }
 
 QString parentPath(const QString &path) {

@@ -1,0 +1,132 @@
+#include "support/FakeDesktop.h"
+#include "support/Printers.h"
+
+#include "MacFiles/MacFileClient.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+using namespace vantrel;
+
+namespace {
+
+void write(const QString &path, const QByteArray &contents) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(contents);
+}
+
+} // namespace
+
+TEST(MacFilePaths, areStandardized) {
+    const QString home = QDir::homePath();
+    const struct {
+        QString path;
+        QString standardized;
+        QString parent;
+    } cases[] = {
+        {QStringLiteral("/"), QStringLiteral("/"), QStringLiteral("/")},
+        {QStringLiteral("/a"), QStringLiteral("/a"), QStringLiteral("/")},
+        {QStringLiteral("/a//b/./c/"), QStringLiteral("/a/b/c"), QStringLiteral("/a/b")},
+        {QStringLiteral("~/Documents/../Desktop"), home + QStringLiteral("/Desktop"), home},
+        {QStringLiteral("~"), home, QFileInfo(home).path()},
+        {QStringLiteral("~other/x"), QStringLiteral("~other/x"), QStringLiteral("~other")},
+        {QStringLiteral("/../.."), QStringLiteral("/"), QStringLiteral("/")},
+        {QStringLiteral("relative"), QStringLiteral("relative"), QStringLiteral("relative")},
+        {QString(), QString(), QString()},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(MacFileClient::standardizedPath(c.path), c.standardized);
+        EXPECT_EQ(MacFileClient::parentPath(c.path), c.parent) << c.path.toStdString();
+    }
+}
+
+TEST(MacFileListing, visibleEntriesByTheirOwnProperties) {
+    QTemporaryDir folder;
+    QDir directory(folder.path());
+    write(folder.filePath(QStringLiteral("zeta.txt")), "12345");
+    write(folder.filePath(QStringLiteral("beta.txt")), "");
+    write(folder.filePath(QStringLiteral(".hidden")), "x");
+    directory.mkdir(QStringLiteral("Gamma"));
+    directory.mkdir(QStringLiteral("Alpha"));
+    directory.mkdir(QStringLiteral(".cache"));
+    ASSERT_EQ(::symlink("Gamma", QFile::encodeName(folder.filePath(QStringLiteral("link"))).constData()), 0);
+    ASSERT_EQ(
+        ::symlink("nowhere", QFile::encodeName(folder.filePath(QStringLiteral("dangling"))).constData()), 0);
+
+    const auto items = MacFileClient::listDirectory(folder.path() + QStringLiteral("/."));
+    ASSERT_TRUE(items.has_value());
+    QStringList described;
+    for (const FileItem &item : *items)
+        described.append(item.name + QLatin1Char(item.isDirectory ? '/' : ' ') +
+                         QString::number(item.sizeBytes.value_or(-1)));
+    EXPECT_EQ(described.join(QLatin1Char(',')),
+              QStringLiteral("Alpha/-1,Gamma/-1,beta.txt 0,dangling 7,link 5,zeta.txt 5"));
+    EXPECT_EQ(items->last().path, folder.filePath(QStringLiteral("zeta.txt")));
+    EXPECT_LE(items->last().modifiedAt->secsTo(QDateTime::currentDateTime()), 60);
+}
+
+TEST(MacFileListing, failsInWords) {
+    QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("file"));
+    write(file, "x");
+    const auto error = [](const QString &path) {
+        return MacFileClient::listDirectory(path).error().errorDescription();
+    };
+    EXPECT_EQ(error(folder.path() + QStringLiteral("/gone/")),
+              QStringLiteral("Folder not found: ") + folder.filePath(QStringLiteral("gone")));
+    EXPECT_EQ(error(file), QStringLiteral("Not a folder: ") + file);
+    const QString locked = folder.filePath(QStringLiteral("locked"));
+    QDir().mkdir(locked);
+    QFile::setPermissions(locked, QFileDevice::Permissions());
+    if (::geteuid() != 0) { // the superuser may read it all the same
+        EXPECT_EQ(error(locked), QStringLiteral("Permission denied"));
+    }
+    QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+}
+
+TEST(MacFiles, foldersAreCreatedAndNothingIsTouched) {
+    QTemporaryDir folder;
+    const auto created =
+        MacFileClient::createFolder(QStringLiteral("New Folder"), folder.path() + QLatin1Char('/'));
+    EXPECT_EQ(created, folder.filePath(QStringLiteral("New Folder")));
+    EXPECT_TRUE(QFileInfo(*created).isDir());
+    write(*created + QStringLiteral("/kept"), "x");
+    EXPECT_EQ(MacFileClient::createFolder(QStringLiteral("New Folder"), folder.path()).error(),
+              QStringLiteral("File exists"));
+    EXPECT_TRUE(QFile::exists(*created + QStringLiteral("/kept")));
+    EXPECT_EQ(
+        MacFileClient::createFolder(QStringLiteral("a"), folder.filePath(QStringLiteral("gone"))).error(),
+        QStringLiteral("No such file or directory"));
+}
+
+TEST(MacFiles, existenceAndFreeSpace) {
+    QTemporaryDir folder;
+    const QString link = folder.filePath(QStringLiteral("dangling"));
+    ASSERT_EQ(::symlink("nowhere", QFile::encodeName(link).constData()), 0);
+    EXPECT_TRUE(MacFileClient::exists(folder.path()));
+    EXPECT_TRUE(MacFileClient::exists(link)) << "writing there would replace the link's target";
+    EXPECT_FALSE(MacFileClient::exists(folder.filePath(QStringLiteral("gone"))));
+    EXPECT_GT(MacFileClient::availableBytes(folder.path()).value_or(0), 0);
+    EXPECT_EQ(MacFileClient::availableBytes(QStringLiteral("/nowhere/at/all")), std::nullopt);
+}
+
+TEST(MacFiles, theDesktopGetsStandardizedPaths) {
+    FakeDesktop desktop;
+    MacFileClient::open(desktop, QStringLiteral("~/a/"));
+    MacFileClient::revealInFinder(desktop, QStringLiteral("/x/../y"));
+    MacFileClient::copyPath(desktop, QStringLiteral("/x//y"));
+    EXPECT_EQ(desktop.opened, QStringList{QDir::homePath() + QStringLiteral("/a")});
+    EXPECT_EQ(desktop.revealed, QStringList{QStringLiteral("/y")});
+    EXPECT_EQ(desktop.copied, QStringList{QStringLiteral("/x/y")});
+    EXPECT_EQ(MacFileClient::chooseFolder(desktop, QStringLiteral("/x/")).result(), std::nullopt);
+    desktop.nextFolder = QStringLiteral("/chosen");
+    EXPECT_EQ(MacFileClient::chooseFolder(desktop, QString()).result(), QStringLiteral("/chosen"));
+    EXPECT_EQ(desktop.folderQuestions, (QStringList{QStringLiteral("Choose a Mac folder|Choose|/x"),
+                                                    QStringLiteral("Choose a Mac folder|Choose|")}));
+}
