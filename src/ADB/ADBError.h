@@ -16,7 +16,9 @@ public:
         noDevice,        ///< no phone is ready
     };
 
-    [[nodiscard]] static ADBError executionFailed(const QString &message) { return {Kind::executionFailed, message}; }
+    [[nodiscard]] static ADBError executionFailed(const QString &message) {
+        return {Kind::executionFailed, message};
+    }
     [[nodiscard]] static ADBError parseFailed(const QString &message) { return {Kind::parseFailed, message}; }
     [[nodiscard]] static ADBError adbNotFound() { return {Kind::adbNotFound, {}}; }
     [[nodiscard]] static ADBError noDevice() { return {Kind::noDevice, {}}; }
@@ -35,6 +37,7 @@ private:
 };
 
 /// A value, or why the phone did not give one. Typed, so that nothing is lost on the way between threads.
-template <class T> using ADBResult = tl::expected<T, ADBError>;
+template <class T>
+using ADBResult = tl::expected<T, ADBError>;
 
 } // namespace vantrel

@@ -6,7 +6,8 @@
 /// Pure functions on paths of the phone; any thread.
 namespace vantrel::AndroidPath {
 
-/// The breadcrumb of a phone path: "/sdcard" and "/storage/emulated/0" show as "Internal Storage". Never empty.
+/// The breadcrumb of a phone path: "/sdcard" and "/storage/emulated/0" show as "Internal Storage". Never
+/// empty.
 [[nodiscard]] QStringList segments(const QString &path);
 /// The breadcrumb in one line, its segments joined by " › ".
 [[nodiscard]] QString breadcrumb(const QString &path);
@@ -16,12 +17,14 @@ namespace vantrel::AndroidPath {
 /// A folder's path and the name of an entry in it, joined by exactly one "/".
 [[nodiscard]] QString join(const QString &folder, const QString &name);
 
-/// The text in single quotes for the phone's shell; a quote inside becomes '\''. Nothing else is special there, so
-/// whatever a name holds, the shell reads it as one word.
+/// The text in single quotes for the phone's shell; a quote inside becomes '\''. Nothing else is special
+/// there, so whatever a name holds, the shell reads it as one word.
 [[nodiscard]] QString quotedForShell(const QString &text);
 
-/// Whether a name reported by the phone may become the name of a file here: one path component that is not empty,
-/// "." or "..", without a NUL. A phone that answers "../../.ssh/authorized_keys" must not choose where a copy lands.
+/// Whether a name reported by the phone may become the name of a file here: one path component that is not
+/// empty,
+/// "." or "..", without a NUL. A phone that answers "../../.ssh/authorized_keys" must not choose where a copy
+/// lands.
 [[nodiscard]] bool isSafeName(const QString &name);
 
 } // namespace vantrel::AndroidPath

@@ -10,7 +10,7 @@ QStringList parseDeviceList(const QString &text) {
         const QStringView line = ToolText::blankTrimmed(raw);
         if (line.isEmpty() || line.startsWith(u"List of devices"))
             continue;
-        const QList<QStringView> fields = ToolText::fields(line);
+        const ToolText::Fields fields = ToolText::fields(line);
         if (fields.size() >= 2 && fields[1] == u"device")
             serials.append(fields[0].toString());
     }

@@ -5,6 +5,8 @@
 #include "State/Records/FileOrder.h"
 #include "State/Records/Identity.h"
 
+#include <QHash>
+
 namespace vantrel::ADBClient {
 
 namespace {
@@ -20,19 +22,39 @@ int digits(QStringView text, qsizetype position, int count) {
     return number;
 }
 
-/// "yyyy-MM-dd" and "HH:mm" in the computer's time zone. Read by hand: QDateTime::fromString interprets its
-/// pattern anew for each of 100,000 lines.
-std::optional<QDateTime> dateTime(QStringView date, QStringView time) {
-    if (date.size() != 10 || date[4] != u'-' || date[7] != u'-' || time.size() != 5 || time[2] != u':')
-        return std::nullopt;
-    const QDate day(digits(date, 0, 4), digits(date, 5, 2), digits(date, 8, 2));
-    const QTime minute(digits(time, 0, 2), digits(time, 3, 2));
-    if (!day.isValid() || !minute.isValid())
-        return std::nullopt;
-    return QDateTime(day, minute);
-}
+/// Reads "yyyy-MM-dd" and "HH:mm" in the computer's time zone. By hand, since QDateTime::fromString
+/// interprets its pattern anew for each of 100,000 lines; and the time zone is asked once for each day on
+/// which its offset stays the same, since that question costs more than all the rest of a line.
+class TimeReader {
+public:
+    std::optional<QDateTime> read(QStringView date, QStringView time) {
+        if (date.size() != 10 || date[4] != u'-' || date[7] != u'-' || time.size() != 5 || time[2] != u':')
+            return std::nullopt;
+        const QDate day(digits(date, 0, 4), digits(date, 5, 2), digits(date, 8, 2));
+        const QTime minute(digits(time, 0, 2), digits(time, 3, 2));
+        if (!day.isValid() || !minute.isValid())
+            return std::nullopt;
+        const std::optional<int> offset = offsetOfDay(day);
+        return offset ? QDateTime(day, minute, Qt::UTC).addSecs(-*offset) : QDateTime(day, minute).toUTC();
+    }
 
-QString joinedFrom(const QList<QStringView> &fields, qsizetype first) {
+private:
+    /// Seconds east of UTC; nothing for a day on which the clock is changed.
+    std::optional<int> offsetOfDay(QDate day) {
+        const auto known = m_offsets.constFind(day);
+        if (known != m_offsets.constEnd())
+            return *known;
+        const int first = QDateTime(day, QTime(0, 0)).offsetFromUtc();
+        const int last = QDateTime(day, QTime(23, 59, 59)).offsetFromUtc();
+        const auto offset = first == last ? std::optional(first) : std::nullopt;
+        m_offsets.insert(day, offset);
+        return offset;
+    }
+
+    QHash<QDate, std::optional<int>> m_offsets;
+};
+
+QString joinedFrom(const ToolText::Fields &fields, qsizetype first) {
     QString joined = fields[first].toString();
     for (qsizetype i = first + 1; i < fields.size(); ++i)
         joined += QLatin1Char(' ') % fields[i];
@@ -43,7 +65,7 @@ QString joinedFrom(const QList<QStringView> &fields, qsizetype first) {
 QString displayName(const QString &name) {
     const qsizetype arrow = name.indexOf(QLatin1String("->"));
     if (arrow < 0)
-        return ToolText::blankTrimmed(name).toString();
+        return name; // its fields hold no blanks
     const QStringView before = QStringView(name).left(arrow);
     const QStringView after = QStringView(name).mid(arrow + 2);
     if (before.isEmpty() && after.isEmpty())
@@ -57,7 +79,7 @@ std::optional<LSEntry> parseLSLALine(QStringView line) {
     constexpr qsizetype shortestLine = 11; // ten mode characters and a blank
     if (line.size() < shortestLine)
         return std::nullopt;
-    const QList<QStringView> fields = ToolText::fields(line);
+    const ToolText::Fields fields = ToolText::fields(line);
     if (fields.size() < 8)
         return std::nullopt;
 
@@ -78,6 +100,7 @@ std::optional<LSEntry> parseLSLALine(QStringView line) {
 
 QList<FileItem> parseLSLA(const QString &text, const QString &parentPath) {
     QList<FileItem> items;
+    TimeReader times;
     for (const QStringView raw : ToolText::lines(text)) {
         const QStringView line = ToolText::blankTrimmed(raw);
         if (line.isEmpty() || line.startsWith(u"total "))
@@ -89,7 +112,7 @@ QList<FileItem> parseLSLA(const QString &text, const QString &parentPath) {
         if (!AndroidPath::isSafeName(name))
             continue;
         items.append({newIdentity(), name, AndroidPath::join(parentPath, name), entry->isDirectory,
-                      entry->size, std::nullopt, dateTime(entry->date, entry->time)});
+                      entry->size, std::nullopt, times.read(entry->date, entry->time)});
     }
     sortInFileOrder(items);
     return items;

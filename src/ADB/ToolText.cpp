@@ -15,9 +15,9 @@ bool isBlank(QChar c) {
     return c == QLatin1Char('\t') || c.category() == QChar::Separator_Space;
 }
 
-template <class Predicate>
-QList<QStringView> split(QStringView text, Predicate isSeparator) {
-    QList<QStringView> pieces;
+template <class Pieces, class Predicate>
+Pieces split(QStringView text, Predicate isSeparator) {
+    Pieces pieces;
     qsizetype start = 0;
     for (qsizetype i = 0; i <= text.size(); ++i) {
         if (i < text.size() && !isSeparator(text[i]))
@@ -38,11 +38,11 @@ QString decode(const QByteArray &bytes) {
 }
 
 QList<QStringView> lines(QStringView text) {
-    return split(text, isNewline);
+    return split<QList<QStringView>>(text, isNewline);
 }
 
-QList<QStringView> fields(QStringView line) {
-    return split(line, [](QChar c) { return c.isSpace(); });
+Fields fields(QStringView line) {
+    return split<Fields>(line, [](QChar c) { return c.isSpace(); });
 }
 
 QStringView blankTrimmed(QStringView text) {

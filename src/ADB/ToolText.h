@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QVarLengthArray>
 
 #include <optional>
 
@@ -14,8 +15,10 @@ namespace vantrel::ToolText {
 /// The pieces between newline characters (line feed, vertical tab, form feed, carriage return, U+0085,
 /// U+2028, U+2029), empty ones dropped. The views stay valid as long as the text.
 [[nodiscard]] QList<QStringView> lines(QStringView text);
+/// The fields of one line; as many as a listing's line usually has need no allocation.
+using Fields = QVarLengthArray<QStringView, 16>;
 /// The pieces between runs of white space, empty ones dropped.
-[[nodiscard]] QList<QStringView> fields(QStringView line);
+[[nodiscard]] Fields fields(QStringView line);
 /// Without leading and trailing tabs and space separators; newline characters stay.
 [[nodiscard]] QStringView blankTrimmed(QStringView text);
 /// Without leading and trailing white space, newline characters included.
