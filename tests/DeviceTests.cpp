@@ -1,0 +1,183 @@
+// On a real phone through the real adb, in a folder of its own that it clears: ./test --device SERIAL. Not
+// part of the usual run, which has no phone.
+
+#include "support/Printers.h"
+
+#include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <mutex>
+
+using namespace vantrel;
+
+namespace {
+
+QString serial() {
+    return qEnvironmentVariable("VANTREL_DEVICE");
+}
+
+QByteArray pattern(qsizetype size) {
+    QByteArray bytes(size, '\0');
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(i * 31 + i / 253);
+    return bytes;
+}
+
+QByteArray contents(const QString &path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
+}
+
+void write(const QString &path, const QByteArray &bytes) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    file.write(bytes);
+}
+
+QStringList namesOf(const QList<FileItem> &items) {
+    QStringList names;
+    for (const FileItem &item : items)
+        names.append(item.name);
+    return names;
+}
+
+class DeviceTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        const auto serials = ADBClient::listDeviceSerials();
+        ASSERT_TRUE(serials && serials->contains(serial()))
+            << "adb does not list " << serial().toStdString() << " as a device";
+        clear();
+    }
+    static void TearDownTestSuite() { clear(); }
+
+    /// Only ever this folder, whose name is a constant.
+    static void clear() {
+        const auto cleared = ADBClient::runADB({QStringLiteral("-s"), serial(), QStringLiteral("shell"),
+                                                QStringLiteral("rm"), QStringLiteral("-rf"), folder()});
+        ASSERT_TRUE(cleared) << cleared.error().errorDescription().toStdString();
+    }
+    static QString folder() { return QStringLiteral("/sdcard/Download/vantrel-device-test"); }
+
+    /// Copies; gives "" or why it failed.
+    QString push(const QString &name, const QString &remote) {
+        return run(QStringLiteral("push"), local.filePath(name), remote, std::nullopt);
+    }
+    QString pull(const QString &remote, const QString &name) {
+        return run(QStringLiteral("pull"), remote, local.filePath(name), local.filePath(name));
+    }
+    QString run(const QString &verb, const QString &from, const QString &to,
+                const std::optional<QString> &polled) {
+        fractions.clear();
+        const auto result =
+            ADBClient::runTransfer({QStringLiteral("-s"), serial(), verb, from, to}, expectedBytes, polled,
+                                   [this](double fraction, qint64, qint64) {
+                                       const std::scoped_lock lock(mutex);
+                                       fractions.push_back(fraction);
+                                   });
+        return result ? QString() : result.error().errorDescription();
+    }
+
+    QTemporaryDir local;
+    qint64 expectedBytes = 0;
+    std::vector<double> fractions;
+    std::mutex mutex;
+};
+
+} // namespace
+
+TEST_F(DeviceTest, isFoundWithNameAndStorage) {
+    const auto device = ADBClient::fetchPrimaryDevice();
+    ASSERT_TRUE(device) << device.error().errorDescription().toStdString();
+    EXPECT_FALSE(device->name.isEmpty());
+    EXPECT_GT(device->totalBytes, device->usedBytes);
+    EXPECT_GT(device->usedBytes, 0);
+}
+
+TEST_F(DeviceTest, hostileNamesGoThereAndComeBack) {
+    const QStringList names{
+        QStringLiteral("plain.txt"),     QStringLiteral("two words.txt"),
+        QStringLiteral("it's.txt"),      QStringLiteral("$(touch pwned).txt"),
+        QStringLiteral("`touch pwned`"), QStringLiteral("a;b&c.txt"),
+        QStringLiteral("-rf"),           QStringLiteral("'; touch pwned; '"),
+        QStringLiteral("grüße 😀.txt"),   QString(251, QLatin1Char('n')) + QStringLiteral(".txt")};
+    const QString remote = folder() + QStringLiteral("/names");
+    for (const QString &name : names) {
+        write(local.filePath(name), name.toUtf8());
+        ASSERT_EQ(push(name, AndroidPath::join(remote, name)), QString()) << name.toStdString();
+    }
+    const auto listing = ADBClient::listDirectory(serial(), remote);
+    ASSERT_TRUE(listing) << listing.error().errorDescription().toStdString();
+    QStringList expected = names;
+    QStringList found = namesOf(*listing);
+    expected.sort();
+    found.sort();
+    EXPECT_EQ(found, expected);
+    for (const FileItem &item : *listing) {
+        EXPECT_EQ(item.sizeBytes, item.name.toUtf8().size());
+        EXPECT_EQ(pull(item.path, QStringLiteral("back")), QString());
+        EXPECT_EQ(contents(local.filePath(QStringLiteral("back"))), item.name.toUtf8());
+        QFile::remove(local.filePath(QStringLiteral("back")));
+    }
+    EXPECT_EQ(ADBClient::existingPaths(serial(), {remote + QStringLiteral("/it's.txt"),
+                                                  remote + QStringLiteral("/pwned"),
+                                                  QStringLiteral("/sdcard/pwned"), QStringLiteral("/pwned")}),
+              QSet<QString>{remote + QStringLiteral("/it's.txt")});
+
+    const auto hits = ADBClient::search(serial(), folder(), QStringLiteral("GRÜSSE' 😀*"), 200);
+    EXPECT_TRUE(hits && hits->isEmpty());
+    const auto found2 = ADBClient::search(serial(), folder(), QStringLiteral("TWO words'"), 200);
+    ASSERT_TRUE(found2);
+    ASSERT_EQ(found2->size(), 1);
+    EXPECT_EQ(found2->first().sizeBytes, 13);
+    EXPECT_LE(std::abs(found2->first().modifiedAt->secsTo(QDateTime::currentDateTime())), 86'400);
+}
+
+TEST_F(DeviceTest, foldersArriveWholeBothWays) {
+    const QByteArray bytes = pattern(300'000);
+    for (const char *name : {"tree/a.bin", "tree/sub/b.bin", "tree/sub/deeper/c.bin"})
+        write(local.filePath(QString::fromLatin1(name)), bytes);
+    ASSERT_EQ(push(QStringLiteral("tree"), folder() + QStringLiteral("/tree")), QString());
+    EXPECT_EQ(namesOf(*ADBClient::listDirectory(serial(), folder() + QStringLiteral("/tree"))),
+              (QStringList{QStringLiteral("sub"), QStringLiteral("a.bin")}));
+    ASSERT_EQ(pull(folder() + QStringLiteral("/tree"), QStringLiteral("copy")), QString());
+    for (const char *name : {"copy/a.bin", "copy/sub/b.bin", "copy/sub/deeper/c.bin"})
+        EXPECT_EQ(contents(local.filePath(QString::fromLatin1(name))), bytes) << name;
+}
+
+TEST_F(DeviceTest, aLongCopyShowsItsProgressEachWay) {
+    const QByteArray bytes = pattern(60'000'000);
+    expectedBytes = bytes.size();
+    write(local.filePath(QStringLiteral("long.bin")), bytes);
+    ASSERT_EQ(push(QStringLiteral("long.bin"), folder() + QStringLiteral("/long.bin")), QString());
+    EXPECT_GE(fractions.size(), 6U);
+    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+    std::cout << "push: " << fractions.size() << " steps of progress\n";
+    ASSERT_EQ(pull(folder() + QStringLiteral("/long.bin"), QStringLiteral("back.bin")), QString());
+    EXPECT_GE(fractions.size(), 6U);
+    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+    std::cout << "pull: " << fractions.size() << " steps of progress\n";
+    EXPECT_EQ(contents(local.filePath(QStringLiteral("back.bin"))), bytes);
+}
+
+TEST_F(DeviceTest, failuresInWords) {
+    const QString missing = folder() + QStringLiteral("/nope");
+    EXPECT_TRUE(pull(missing, QStringLiteral("x")).contains(QStringLiteral("No such file or directory")));
+    const auto listing = ADBClient::listDirectory(serial(), missing);
+    ASSERT_FALSE(listing);
+    EXPECT_TRUE(listing.error().errorDescription().contains(QStringLiteral("No such file or directory")));
+    write(local.filePath(QStringLiteral("x")), "x");
+    const QString refused = push(QStringLiteral("x"), QStringLiteral("/system/vantrel-device-test"));
+    EXPECT_TRUE(refused.startsWith(QStringLiteral("failed to copy"))) << refused.toStdString();
+    const auto other = ADBClient::listDirectory(QStringLiteral("no-such-phone"), QStringLiteral("/sdcard"));
+    ASSERT_FALSE(other);
+    EXPECT_TRUE(other.error().errorDescription().contains(QStringLiteral("not found")));
+    std::cout << refused.toStdString() << '\n' << other.error().errorDescription().toStdString() << '\n';
+}
