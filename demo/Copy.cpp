@@ -21,7 +21,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// What adb sends at once, and after how much it prints its progress.
-constexpr std::size_t blockSize = 64 * 1024;
+constexpr std::size_t blockSize = 65536;
 /// How soon a throttled copy notices that its settings have changed.
 constexpr std::chrono::milliseconds longestSleep(20);
 
@@ -413,7 +413,7 @@ int Copy::run(const std::string &source, const std::string &destination) {
     } catch (const CopyError &error) {
         m_printer.error(error.text);
         status = 1;
-        // Nothing was copied and nothing needs to be summed up: the local side could not even be opened.
+        // Without the local side adb does not get as far as a copy that it could sum up.
         if (m_done == 0 && m_items.size() == 1 && error.text.rfind("cannot ", 0) == 0)
             return status;
     } catch (const Unplugged &) {

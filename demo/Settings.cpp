@@ -79,37 +79,47 @@ std::string unescaped(std::string_view text) {
     return result;
 }
 
-[[noreturn]] void refuse(std::string_view name, const std::string &value) {
-    throw SettingsError("'" + value + "' is no value for the setting '" + std::string(name) + "'");
+bool read(const std::string &value, std::string &field) {
+    field = unescaped(value);
+    return true;
+}
+
+bool read(const std::string &value, std::vector<std::string> &field) {
+    field.push_back(unescaped(value));
+    return true;
+}
+
+bool read(const std::string &value, bool &field) {
+    field = value == "on";
+    return value == "on" || value == "off";
+}
+
+bool read(const std::string &value, std::int64_t &field) {
+    if (value == "endless") {
+        field = std::numeric_limits<std::int64_t>::max();
+        return true;
+    }
+    const char *end = value.data() + value.size();
+    const auto [stop, error] = std::from_chars(value.data(), end, field);
+    return error == std::errc() && stop == end;
+}
+
+bool read(const std::string &value, double &field) {
+    char *stop = nullptr;
+    field = std::strtod(value.c_str(), &stop);
+    return stop == value.c_str() + value.size() && field >= 0;
 }
 
 void assign(Settings &settings, const Key &key, const std::string &value) {
     // An empty value goes back to the default, whatever the environment says.
     const bool reset = value.empty();
     const auto set = [&](auto member) {
-        auto &field = settings.*member;
-        using Type = std::remove_reference_t<decltype(field)>;
         if (reset) {
-            field = Settings{}.*member;
-        } else if constexpr (std::is_same_v<Type, std::string>) {
-            field = unescaped(value);
-        } else if constexpr (std::is_same_v<Type, std::vector<std::string>>) {
-            field.push_back(unescaped(value));
-        } else if constexpr (std::is_same_v<Type, bool>) {
-            if (value != "on" && value != "off")
-                refuse(key.name, value);
-            field = value == "on";
-        } else if constexpr (std::is_same_v<Type, std::int64_t>) {
-            const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), field);
-            if (value == "endless")
-                field = std::numeric_limits<std::int64_t>::max();
-            else if (error != std::errc() || end != value.data() + value.size())
-                refuse(key.name, value);
-        } else {
-            char *end = nullptr;
-            field = std::strtod(value.c_str(), &end);
-            if (end != value.c_str() + value.size() || !(field >= 0))
-                refuse(key.name, value);
+            settings.*member = Settings{}.*member;
+        } else if (!read(value, settings.*member)) {
+            std::string text = "'";
+            text.append(value).append("' is no value for the setting '").append(key.name).append("'");
+            throw SettingsError(text);
         }
     };
     std::visit(set, key.member);
@@ -153,7 +163,7 @@ std::vector<Line> linesOf(const std::string &path) {
         }
         line.key = find(name);
         if (!line.key || equals == std::string::npos)
-            throw SettingsError("no such setting in " + path + ": " + text);
+            throw SettingsError(std::string("no such setting in ").append(path).append(": ").append(text));
         line.value = text.substr(equals + 1);
         lines.push_back(std::move(line));
     }

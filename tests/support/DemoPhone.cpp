@@ -1,9 +1,9 @@
 #include "support/DemoPhone.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcessEnvironment>
 
 namespace vantrel {
 
@@ -34,18 +34,13 @@ DemoPhone::DemoPhone() {
     require(m_folder.isValid(), m_folder.errorString());
     require(QDir().mkpath(root()), root());
     // Nothing of the developer's own settings reaches a test.
-    const QList<QByteArray> variables = [] {
-        QList<QByteArray> names;
-        for (char **variable = environ; *variable; ++variable) {
-            const QByteArray name = QByteArray(*variable).split('=').first();
-            if (name.startsWith("DEMO_PHONE_"))
-                names.append(name);
+    const QStringList variables = QProcessEnvironment::systemEnvironment().keys();
+    for (const QString &variable : variables) {
+        const QByteArray name = variable.toLocal8Bit();
+        if (name.startsWith("DEMO_PHONE_")) {
+            m_environmentBefore.insert(name, qgetenv(name.constData()));
+            qunsetenv(name.constData());
         }
-        return names;
-    }();
-    for (const QByteArray &name : variables) {
-        m_environmentBefore.insert(name, qgetenv(name.constData()));
-        qunsetenv(name.constData());
     }
     setEnvironment("VANTREL_RESOURCES", VANTREL_DEMO_RESOURCES);
     setEnvironment("DEMO_PHONE_ROOT", QFile::encodeName(root()));
@@ -90,7 +85,7 @@ QString DemoPhone::hostPath(const QString &path) const {
 }
 
 void DemoPhone::write(const QString &path, const QByteArray &contents,
-                      const std::optional<QDateTime> &modified) {
+                      const std::optional<QDateTime> &modified) const {
     const QFileInfo info(hostPath(path));
     require(QDir().mkpath(info.path()), info.path());
     QFile file(info.filePath());
@@ -100,11 +95,11 @@ void DemoPhone::write(const QString &path, const QByteArray &contents,
         require(file.setFileTime(*modified, QFileDevice::FileModificationTime), info.filePath());
 }
 
-void DemoPhone::makeFolder(const QString &path) {
+void DemoPhone::makeFolder(const QString &path) const {
     require(QDir().mkpath(hostPath(path)), path);
 }
 
-void DemoPhone::link(const QString &path, const QString &target) {
+void DemoPhone::link(const QString &path, const QString &target) const {
     const QFileInfo info(hostPath(path));
     require(QDir().mkpath(info.path()), info.path());
     require(QFile::link(target, info.filePath()), path);
@@ -121,23 +116,23 @@ bool DemoPhone::exists(const QString &path) const {
     return info.exists() || info.isSymLink();
 }
 
-void DemoPhone::set(const QString &setting, const QByteArray &value) {
+void DemoPhone::set(const QString &setting, const QByteArray &value) const {
     QByteArray escaped = value;
     escaped.replace("\\", "\\\\").replace("\n", "\\n");
     // An empty text is not the same as none.
     append(setting, escaped.isEmpty() ? QByteArray("\\c") : escaped);
 }
 
-void DemoPhone::reset(const QString &setting) {
+void DemoPhone::reset(const QString &setting) const {
     append(setting, {});
 }
 
-void DemoPhone::deny(const QString &path) {
+void DemoPhone::deny(const QString &path) const {
     set(QStringLiteral("fail"),
         QString(QStringLiteral("/storage/emulated/0/") + QDir(root()).relativeFilePath(hostPath(path))));
 }
 
-void DemoPhone::append(const QString &setting, const QByteArray &escaped) {
+void DemoPhone::append(const QString &setting, const QByteArray &escaped) const {
     // Later lines win, and a running adb may append one of its own: nobody rewrites the file.
     QFile file(root() + QStringLiteral(".conf"));
     require(file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered), file.fileName());

@@ -15,7 +15,8 @@ namespace vantrel {
 /// A phone for a test: an empty folder that the program's own adb lookup finds as a connected phone, for as
 /// long as this object lives. It works through the process's environment, so there is one at a time; make it
 /// before anything reads the environment on another thread. Phone paths here are relative to shared storage
-/// ("DCIM/a.jpg") or absolute ("/sdcard/DCIM/a.jpg"). Failures to set something up fail the running test.
+/// ("DCIM/a.jpg") or absolute ("/sdcard/DCIM/a.jpg"). What cannot be set up or read ends the test program
+/// with a message.
 class DemoPhone {
 public:
     DemoPhone();
@@ -34,31 +35,31 @@ public:
 
     /// Writes a file with the folders above it.
     void write(const QString &path, const QByteArray &contents,
-               const std::optional<QDateTime> &modified = std::nullopt);
-    void makeFolder(const QString &path);
+               const std::optional<QDateTime> &modified = std::nullopt) const;
+    void makeFolder(const QString &path) const;
     /// Makes a symbolic link; a target beginning with "/" is a phone path.
-    void link(const QString &path, const QString &target);
+    void link(const QString &path, const QString &target) const;
     [[nodiscard]] QByteArray read(const QString &path) const;
     [[nodiscard]] bool exists(const QString &path) const;
 
     /// Changes a setting (demo/README.md has them), also for an adb that is running. "ls.delay" holds for ls
     /// alone.
-    void set(const QString &setting, const QByteArray &value);
-    void set(const QString &setting, const QString &value) { set(setting, value.toUtf8()); }
-    void set(const QString &setting, const char *value) { set(setting, QByteArray(value)); }
+    void set(const QString &setting, const QByteArray &value) const;
+    void set(const QString &setting, const QString &value) const { set(setting, value.toUtf8()); }
+    void set(const QString &setting, const char *value) const { set(setting, QByteArray(value)); }
     /// Puts a setting back to its default.
-    void reset(const QString &setting);
+    void reset(const QString &setting) const;
     /// Makes a path, and everything below it, answer "Permission denied". May be called for several.
-    void deny(const QString &path);
-    void unplug() { set(QStringLiteral("state"), "none"); }
-    void plug() { set(QStringLiteral("state"), "device"); }
+    void deny(const QString &path) const;
+    void unplug() const { set(QStringLiteral("state"), "none"); }
+    void plug() const { set(QStringLiteral("state"), "device"); }
 
     /// The argument list of every adb that was started, in order.
     [[nodiscard]] QList<QStringList> commandLines() const;
 
 private:
     void setEnvironment(const char *name, const QByteArray &value);
-    void append(const QString &setting, const QByteArray &escaped);
+    void append(const QString &setting, const QByteArray &escaped) const;
 
     QTemporaryDir m_folder;
     QMap<QByteArray, std::optional<QByteArray>> m_environmentBefore;
