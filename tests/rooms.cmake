@@ -6,3 +6,6 @@ vantrel_test(MacFilesTests LIBRARIES vantrel_core SOURCES MacFilesTests.cpp)
 vantrel_test(AppStateTests LIBRARIES vantrel_core demo_phone_fixture SOURCES AppStateTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_ui SOURCES KitTests.cpp)
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)
+vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.cpp)
+vantrel_test(AnalyticsNetworkTests LIBRARIES vantrel_analytics SOURCES AnalyticsNetworkTests.cpp
+             support/LocalHttpServer.cpp)

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Analytics/TelemetryEnvironment.h"
+#include "Analytics/TelemetryManagerConfiguration.h"
+
+/// The application's way in: the one shared analytics client. Main thread unless said otherwise.
+namespace vantrel::TelemetryDeck {
+
+/// Whether the user wants no analytics: the environment variable DO_NOT_TRACK is set to anything but nothing,
+/// "0" or "false", or the application's setting "analyticsDisabled" is true. Nowhere else is this decided.
+[[nodiscard]] bool isDeclinedByUser();
+
+/// Starts the client, unless the user has declined: then nothing is recorded, read, written or sent. Returns
+/// whether it runs. Needs the application object; with its aboutToQuit() signal unsent signals are saved, and
+/// with its end the client ends. A second call does nothing.
+bool initialize(TelemetryManagerConfiguration configuration, TelemetryEnvironment environment = {});
+
+/// Records a signal; dropped while no client runs. Any thread.
+void signal(const QString &name, const SignalParameters &parameters = {},
+            std::optional<double> floatValue = std::nullopt,
+            const std::optional<QString> &customUserID = std::nullopt);
+
+/// The application lost the user's attention, or has it again.
+void movedToBackground();
+void returnedToForeground();
+
+/// Saves what has not been sent, within 0.2 seconds; see TelemetryManager::aboutToTerminate().
+void aboutToTerminate();
+/// Ends the client and its threads. Happens by itself at the end of the application object.
+void shutDown();
+
+} // namespace vantrel::TelemetryDeck
