@@ -5,6 +5,7 @@
 #include <QJsonObject>
 #include <QLocale>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -22,21 +23,26 @@ void append(QByteArray &json, QByteArrayView key, const QByteArray &value) {
 }
 
 QByteArray quoted(const QString &text) {
+    const auto needsEscape = [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';
+    };
     const QByteArray utf8 = text.toUtf8();
     QByteArray result = "\"";
-    qsizetype written = 0;
-    for (qsizetype i = 0; i < utf8.size(); ++i) {
-        const auto code = static_cast<unsigned char>(utf8[i]);
-        if (code >= 0x20 && code != '"' && code != '\\')
+    const char *const end = utf8.data() + utf8.size();
+    for (const char *begin = utf8.data(); begin != end;) {
+        const char *special = std::find_if(begin, end, needsEscape);
+        result.append(begin, special - begin);
+        begin = special;
+        if (special == end)
             continue;
-        result.append(utf8.data() + written, i - written).append('\\');
-        if (code < 0x20)
-            result.append("u00").append(QByteArray::number(code, 16).rightJustified(2, '0'));
+        result.append('\\');
+        if (*special < 0x20)
+            result.append("u00").append(QByteArray::number(*special, 16).rightJustified(2, '0'));
         else
-            result.append(char(code));
-        written = i + 1;
+            result.append(*special);
+        ++begin;
     }
-    return result.append(utf8.data() + written, utf8.size() - written).append('"');
+    return result.append('"');
 }
 
 QByteArray number(double value) {
