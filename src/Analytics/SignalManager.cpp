@@ -105,7 +105,8 @@ void SignalManager::scheduleNextTransmission() {
 
 void SignalManager::attemptSend() {
     const auto configuration = m_configuration->current();
-    const auto [batch, remaining] = m_signalCache.pop();
+    const auto [batch, remaining] =
+        configuration->previewMode.value_or(false) ? SignalCache::Popped() : m_signalCache.pop();
     configuration->log(LogLevel::Debug, QStringLiteral("Current signal cache count: ") +
                                             QString::number(batch.size() + remaining));
     const int attempt = ++m_lastAttempt;
