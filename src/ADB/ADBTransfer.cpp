@@ -121,7 +121,7 @@ ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
     PseudoTerminal terminal;
     ToolRun run(*tool, arguments, terminalEnvironment());
     run.useTerminal(terminal);
-    if (const auto started = run.start(); !started)
+    if (auto started = run.start(); !started)
         return started;
     terminal.startReading([&](const QByteArray &bytes) {
         if (const auto percent = output.feed(bytes))
