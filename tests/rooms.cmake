@@ -9,3 +9,4 @@ vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.
 vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.cpp)
 vantrel_test(AnalyticsNetworkTests LIBRARIES vantrel_analytics SOURCES AnalyticsNetworkTests.cpp
              support/LocalHttpServer.cpp)
+vantrel_test(ChromeTests LIBRARIES vantrel_ui SOURCES ChromeTests.cpp)

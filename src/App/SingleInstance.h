@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArray>
+#include <QLocalServer>
+#include <QLockFile>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+class QLocalSocket;
+
+namespace vantrel {
+
+/// Sees to it that a user has one running program: the first start keeps a lock and listens; a later one asks
+/// it to come to the front and is done. Where neither is possible the program simply runs. Main thread.
+class SingleInstance : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Role {
+        first,  ///< holds the lock and hears of later starts
+        second, ///< another one runs and was asked to come to the front: nothing is left to do
+        alone,  ///< could not find out; run, but nobody will hear of it
+    };
+
+    /// `directory` holds the lock and the socket; it should belong to the user alone. Nothing happens yet.
+    explicit SingleInstance(QString directory, QObject *parent = nullptr);
+
+    /// The user's directory for such things.
+    [[nodiscard]] static QString userDirectory();
+
+    /// Finds the role. Takes up to `patience` milliseconds when another start holds the lock but does not
+    /// answer. `activationToken` is what the desktop gave this start to let it come to the front; may be
+    /// empty.
+    [[nodiscard]] Role claim(const QByteArray &activationToken = {}, int patience = 2000);
+
+Q_SIGNALS:
+    /// Another start asked this one to come to the front, with the desktop's token for that, or an empty one.
+    void raiseRequested(const QByteArray &activationToken);
+
+private:
+    [[nodiscard]] bool askFirst(const QByteArray &activationToken, int patience) const;
+    void listen();
+    void receive(QLocalSocket *connection);
+
+    QString m_directory;
+    QString m_socketPath;
+    std::unique_ptr<QLockFile> m_lock;
+    QLocalServer m_server;
+};
+
+} // namespace vantrel

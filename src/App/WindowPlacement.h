@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QList>
+#include <QPointF>
+#include <QRect>
+#include <QSize>
+#include <Qt>
+
+namespace vantrel {
+
+/// Which edges of a frameless window of the given size a press at `position` (in the window) resizes; none
+/// inside. Near a corner the strip is longer along both edges, so that a corner is easy to hit.
+[[nodiscard]] Qt::Edges resizeEdgesAt(QPointF position, QSize windowSize);
+
+/// The frame that results when the given edges follow the mouse by `offset`; never smaller than `minimum`,
+/// the opposite edges stay where they are.
+[[nodiscard]] QRect resizedFrame(const QRect &frame, Qt::Edges edges, QPoint offset, QSize minimum);
+
+/// `frame`, moved just so far that its title bar can still be reached with the mouse: the top edge on one of
+/// the screens and a piece of the title bar beside the window buttons in view. The frame of a window that can
+/// be reached comes back unchanged. `screens` are the parts of the screens that panels leave free; none:
+/// unchanged.
+[[nodiscard]] QRect reachableFrame(const QRect &frame, const QList<QRect> &screens);
+
+/// The frame that a window of size `normal` gets when it is dragged out of the maximised frame: the mouse
+/// keeps its distance from the top and its share of the width. `pressed` is in the maximised window.
+[[nodiscard]] QRect frameDraggedOutOf(const QRect &maximised, QPointF pressed, QSize normal);
+
+} // namespace vantrel

@@ -1,0 +1,365 @@
+#include "App/WindowChromeCoordinator.h"
+#include "App/WindowPlacement.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QStringList>
+
+#include <vector>
+
+namespace vantrel {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// Readable failure messages for the toolkit's values; found by argument-dependent lookup.
+static std::string text(const QRect &rect) {
+    return QStringLiteral("%1,%2 %3x%4")
+        .arg(rect.x())
+        .arg(rect.y())
+        .arg(rect.width())
+        .arg(rect.height())
+        .toStdString();
+}
+
+namespace {
+
+/// A window made of numbers: it keeps a log of what it was told to do.
+class FakeWindow : public ChromeWindow {
+public:
+    QRect windowFrame{100, 80, 1280, 820};
+    std::optional<QRect> screen = QRect(0, 28, 1920, 1052);
+    QRectF control{600, 10, 80, 24};
+    bool zoomed = false;
+    bool fullScreen = false;
+    bool hasZoomButton = true;
+    std::vector<std::string> log;
+
+    QRect frame() const override { return windowFrame; }
+    std::optional<QRect> visibleScreenFrame() const override { return screen; }
+    qreal contentTop() const override { return 52; }
+    std::optional<QRectF> buttonFrame(WindowButton button) const override {
+        if (button == WindowButton::zoom && !hasZoomButton)
+            return std::nullopt;
+        return QRectF(12 + 24 * static_cast<int>(button), 14, 24, 24);
+    }
+    bool isOverControl(QPointF position) const override { return control.contains(position); }
+    bool isZoomed() const override { return zoomed; }
+    bool isFullScreen() const override { return fullScreen; }
+
+    void setFrame(const QRect &frame) override {
+        windowFrame = frame;
+        log.push_back("frame " + text(frame));
+    }
+    void toggleZoom() override {
+        zoomed = !zoomed;
+        log.emplace_back("zoom");
+    }
+    void toggleFullScreen() override {
+        fullScreen = !fullScreen;
+        log.emplace_back("full screen");
+    }
+    void minimise() override { log.emplace_back("minimise"); }
+    void startMove(QPointF pressed) override {
+        log.push_back("move from " + std::to_string(qRound(pressed.x())) + "," +
+                      std::to_string(qRound(pressed.y())));
+    }
+};
+
+class WindowChromeCoordinatorTest : public ::testing::Test {
+protected:
+    FakeWindow window;
+    QString doubleClickAction = QStringLiteral("Maximize");
+    WindowChromeCoordinator chrome{[this] { return doubleClickAction; }};
+
+    void SetUp() override { chrome.attach(&window); }
+
+    ChromeMouseEvent at(QPointF position, int clickCount = 1) const {
+        return {&window, position, clickCount};
+    }
+
+    EventOutcome drag(QPointF from, QPointF to, int clickCount = 1) {
+        chrome.mousePressed(at(from, clickCount));
+        return chrome.mouseDragged(at(to, clickCount));
+    }
+
+    EventOutcome doubleClick(QPointF position) {
+        chrome.mousePressed(at(position, 1));
+        chrome.mouseReleased(at(position, 1));
+        chrome.mousePressed(at(position, 2));
+        return chrome.mouseReleased(at(position, 2));
+    }
+};
+
+constexpr QPointF bar(400, 26);
+
+TEST_F(WindowChromeCoordinatorTest, TakesOnlyTheFreePartOfTheBand) {
+    struct Case {
+        const char *what;
+        QPointF position;
+        bool taken;
+    };
+    const Case cases[] = {
+        {"the middle of the band", bar, true},
+        {"its first row", {400, 0}, true},
+        {"its last row", {400, 51.5}, true},
+        {"the first row of the content", {400, 52}, false},
+        {"the content", {400, 300}, false},
+        {"the close button", {24, 26}, false},
+        {"the minimise button", {48, 26}, false},
+        {"the zoom button", {72, 26}, false},
+        {"just above the close button", {24, 13}, true},
+        {"right of the buttons", {86, 26}, true},
+        {"a control in the band", {640, 20}, false},
+        {"just left of the toolbar's part", {1280 - 190.5, 26}, true},
+        {"where the toolbar's part begins", {1280 - 190, 26}, false},
+        {"the right end", {1279, 26}, false},
+    };
+    for (const Case &test : cases) {
+        SCOPED_TRACE(test.what);
+        window = {};
+        EXPECT_EQ(drag(test.position, test.position + QPointF(0, 40)),
+                  test.taken ? EventOutcome::swallow : EventOutcome::passOn);
+        EXPECT_EQ(window.log.size(), test.taken ? 1U : 0U);
+        window = {};
+        EXPECT_EQ(doubleClick(test.position), test.taken ? EventOutcome::swallow : EventOutcome::passOn);
+        EXPECT_EQ(window.log.size(), test.taken ? 1U : 0U);
+        chrome.attach(nullptr); // forgets nothing of the zoom, so undo it
+        chrome = WindowChromeCoordinator([this] { return doubleClickAction; });
+        chrome.attach(&window);
+    }
+    window.hasZoomButton = false;
+    EXPECT_TRUE(chrome.isInTitleBarBand(at({72, 26}))) << "a missing button takes no room";
+    window.windowFrame.setWidth(1600);
+    EXPECT_TRUE(chrome.isInTitleBarBand(at({1279, 26}))) << "the toolbar's part follows the right edge";
+}
+
+TEST_F(WindowChromeCoordinatorTest, MovesOnlyBeyondTheThreshold) {
+    struct Case {
+        QPointF offset;
+        bool moves;
+    };
+    const Case cases[] = {{{0, 0}, false},  {{4, 0}, false}, {{0, -4}, false}, {{2.8, 2.8}, false},
+                          {{4.1, 0}, true}, {{3, 3}, true},  {{-3, -3}, true}, {{0, 200}, true}};
+    for (const Case &test : cases) {
+        SCOPED_TRACE(testing::Message() << test.offset.x() << "," << test.offset.y());
+        window = {};
+        EXPECT_EQ(drag(bar, bar + test.offset), test.moves ? EventOutcome::swallow : EventOutcome::passOn);
+        if (test.moves)
+            EXPECT_THAT(window.log, ElementsAre("move from 400,26"));
+        else
+            EXPECT_THAT(window.log, IsEmpty());
+    }
+}
+
+TEST_F(WindowChromeCoordinatorTest, DragsOncePerPress) {
+    drag(bar, bar + QPointF(3, 0));
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(5, 0))), EventOutcome::swallow)
+        << "the distance counts from the press";
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::passOn)
+        << "the window system moves the window from here on";
+    EXPECT_THAT(window.log, ElementsAre("move from 400,26"));
+
+    window.log.clear();
+    chrome.mousePressed(at(bar));
+    EXPECT_EQ(chrome.mouseReleased(at(bar)), EventOutcome::passOn);
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::passOn) << "after the release";
+    chrome.mousePressed(at(bar));
+    chrome.mousePressed(at({400, 300}));
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::passOn)
+        << "a newer press elsewhere counts";
+    EXPECT_EQ(drag(bar, bar + QPointF(60, 0), 2), EventOutcome::passOn) << "the press of a double-click";
+    EXPECT_THAT(window.log, IsEmpty());
+}
+
+TEST_F(WindowChromeCoordinatorTest, LeavesOtherWindowsAlone) {
+    FakeWindow dialog;
+    for (const ChromeWindow *other :
+         {static_cast<const ChromeWindow *>(&dialog), static_cast<const ChromeWindow *>(nullptr)}) {
+        chrome.mousePressed({other, bar, 1});
+        EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::passOn);
+        chrome.mousePressed(at(bar));
+        EXPECT_EQ(chrome.mouseDragged({other, bar + QPointF(60, 0), 1}), EventOutcome::passOn);
+        EXPECT_EQ(chrome.mouseReleased({other, bar, 2}), EventOutcome::passOn);
+    }
+    chrome.mousePressed(at(bar));
+    chrome.attach(&window);
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::swallow)
+        << "the same window again";
+    chrome.mousePressed(at(bar));
+    chrome.attach(&dialog);
+    EXPECT_EQ(chrome.mouseDragged({&dialog, bar + QPointF(60, 0), 1}), EventOutcome::passOn)
+        << "a press in the window before";
+    chrome.attach(nullptr);
+    EXPECT_EQ(doubleClick(bar), EventOutcome::passOn);
+    chrome.toggleZoom();
+    EXPECT_THAT(window.log, ElementsAre("move from 400,26"));
+    EXPECT_THAT(dialog.log, IsEmpty());
+}
+
+TEST_F(WindowChromeCoordinatorTest, DoubleClickDoesWhatTheSettingSays) {
+    struct Case {
+        const char *setting;
+        const char *expected;
+    };
+    for (const Case &test : {Case{"Minimize", "minimise"}, Case{"Maximize", "frame 0,28 1920x1052"},
+                             Case{"Fill", "frame 0,28 1920x1052"}, Case{"minimize", "frame 0,28 1920x1052"},
+                             Case{"", "frame 0,28 1920x1052"}}) {
+        SCOPED_TRACE(test.setting);
+        FakeWindow fresh;
+        WindowChromeCoordinator coordinator([&] { return QString::fromLatin1(test.setting); });
+        coordinator.attach(&fresh);
+        coordinator.mousePressed({&fresh, bar, 2});
+        coordinator.mouseReleased({&fresh, bar, 2});
+        EXPECT_THAT(fresh.log, ElementsAre(test.expected));
+    }
+}
+
+TEST_F(WindowChromeCoordinatorTest, ZoomsAndReturns) {
+    doubleClick(bar);
+    doubleClick(bar);
+    doubleClick(bar);
+    EXPECT_THAT(window.log,
+                ElementsAre("frame 0,28 1920x1052", "frame 100,80 1280x820", "frame 0,28 1920x1052"));
+}
+
+TEST_F(WindowChromeCoordinatorTest, ADragForgetsTheZoom) {
+    doubleClick(bar);
+    drag(bar, bar + QPointF(3, 0)); // too short
+    doubleClick(bar);
+    EXPECT_EQ(window.windowFrame, QRect(100, 80, 1280, 820)) << text(window.windowFrame);
+
+    doubleClick(bar);
+    drag(bar, bar + QPointF(0, 30));
+    window.windowFrame = {300, 200, 1280, 820}; // where the user let it go
+    window.log.clear();
+    doubleClick(bar);
+    doubleClick(bar);
+    EXPECT_THAT(window.log, ElementsAre("frame 0,28 1920x1052", "frame 300,200 1280x820"));
+}
+
+TEST_F(WindowChromeCoordinatorTest, FollowsTheWindowSystemsOwnZoom) {
+    window.zoomed = true; // by a keyboard shortcut of the desktop: no frame of ours to return to
+    doubleClick(bar);
+    EXPECT_THAT(window.log, ElementsAre("zoom"));
+    EXPECT_FALSE(window.zoomed);
+    doubleClick(bar);
+    EXPECT_THAT(window.log, ElementsAre("zoom", "frame 0,28 1920x1052")) << "afresh after that";
+
+    window = {};
+    window.screen = std::nullopt;
+    chrome.attach(nullptr);
+    WindowChromeCoordinator offScreen([] { return QString(); });
+    offScreen.attach(&window);
+    offScreen.toggleZoom();
+    EXPECT_THAT(window.log, ElementsAre("zoom")) << "no screen to fill";
+    offScreen.toggleZoom();
+    EXPECT_THAT(window.log, ElementsAre("zoom", "frame 100,80 1280x820"));
+}
+
+TEST_F(WindowChromeCoordinatorTest, LeavesFullScreen) {
+    doubleClick(bar); // zoomed, then full screen from the desktop's menu
+    window.fullScreen = true;
+    window.log.clear();
+    doubleClick(bar);
+    EXPECT_THAT(window.log, ElementsAre("full screen"));
+    doubleClick(bar);
+    EXPECT_THAT(window.log, ElementsAre("full screen", "frame 100,80 1280x820")) << "the zoom outlives it";
+}
+
+TEST(WindowPlacement, FindsTheEdgeUnderTheMouse) {
+    constexpr QSize size(1280, 820);
+    struct Case {
+        QPointF position;
+        Qt::Edges edges;
+    };
+    const Case cases[] = {
+        {{640, 400}, {}},
+        {{5, 400}, {}},
+        {{4.9, 400}, Qt::LeftEdge},
+        {{1276, 400}, Qt::RightEdge},
+        {{1275, 400}, Qt::RightEdge},
+        {{1274, 400}, {}},
+        {{640, 0}, Qt::TopEdge},
+        {{640, 819}, Qt::BottomEdge},
+        {{0, 0}, Qt::TopEdge | Qt::LeftEdge},
+        {{13, 2}, Qt::TopEdge | Qt::LeftEdge},
+        {{2, 13}, Qt::TopEdge | Qt::LeftEdge},
+        {{13, 13}, {}}, // the window buttons begin here
+        {{1270, 819}, Qt::BottomEdge | Qt::RightEdge},
+        {{1279, 810}, Qt::BottomEdge | Qt::RightEdge},
+        {{-1, 400}, {}},
+        {{1280, 400}, {}},
+        {{640, 820}, {}},
+    };
+    for (const Case &test : cases)
+        EXPECT_EQ(resizeEdgesAt(test.position, size), test.edges)
+            << test.position.x() << "," << test.position.y();
+}
+
+TEST(WindowPlacement, ResizesTheGrippedEdgesOnly) {
+    constexpr QRect frame(100, 100, 1200, 800);
+    constexpr QSize minimum(1100, 720);
+    struct Case {
+        Qt::Edges edges;
+        QPoint offset;
+        QRect expected;
+    };
+    const Case cases[] = {
+        {Qt::RightEdge, {50, 70}, {100, 100, 1250, 800}},
+        {Qt::BottomEdge, {50, 70}, {100, 100, 1200, 870}},
+        {Qt::LeftEdge, {-50, 70}, {50, 100, 1250, 800}},
+        {Qt::TopEdge | Qt::LeftEdge, {-50, -70}, {50, 30, 1250, 870}},
+        {Qt::RightEdge, {-900, 0}, {100, 100, 1100, 800}},
+        {Qt::LeftEdge, {900, 0}, {200, 100, 1100, 800}}, // the right edge holds still at the minimum
+        {Qt::TopEdge, {0, 900}, {100, 180, 1200, 720}},
+        {{}, {50, 70}, frame},
+    };
+    for (const Case &test : cases) {
+        const QRect result = resizedFrame(frame, test.edges, test.offset, minimum);
+        EXPECT_EQ(result, test.expected) << text(result) << " instead of " << text(test.expected);
+    }
+}
+
+TEST(WindowPlacement, KeepsTheTitleBarReachable) {
+    constexpr QRect left(0, 28, 1920, 1052);
+    constexpr QRect right(1920, 0, 1280, 1024);
+    struct Case {
+        const char *what;
+        QRect frame;
+        QList<QRect> screens;
+        QPoint expected; // top left; the size never changes
+    };
+    const Case cases[] = {
+        {"in the middle", {200, 100, 1280, 820}, {left}, {200, 100}},
+        {"half over an edge is the user's choice", {-700, 500, 1280, 820}, {left}, {-700, 500}},
+        {"above the screen", {200, -400, 1280, 820}, {left}, {200, 28}},
+        {"under the panel", {200, 0, 1280, 820}, {left}, {200, 28}},
+        {"below the screen", {200, 3000, 1280, 820}, {left}, {200, 28 + 1052 - 32}},
+        {"left of the screen", {-5000, 100, 1280, 820}, {left}, {120 - 1280, 100}},
+        {"right of the screen", {5000, 100, 1280, 820}, {left}, {1920 - 120, 100}},
+        {"on the second screen", {2000, 100, 1280, 820}, {left, right}, {2000, 100}},
+        {"the second screen was unplugged", {2000, 100, 1280, 820}, {left}, {1800, 100}},
+        {"nearest to the second screen", {3300, -50, 1280, 820}, {left, right}, {3080, 0}},
+        {"wider than the screen", {0, 0, 1280, 820}, {QRect(0, 0, 100, 600)}, {0, 0}},
+        {"no screen at all", {-5000, 100, 1280, 820}, {}, {-5000, 100}},
+    };
+    for (const Case &test : cases) {
+        const QRect result = reachableFrame(test.frame, test.screens);
+        EXPECT_EQ(result, QRect(test.expected, test.frame.size())) << test.what << ": " << text(result);
+    }
+}
+
+TEST(WindowPlacement, DragsAMaximisedWindowOutUnderTheMouse) {
+    constexpr QRect maximised(0, 28, 1920, 1052);
+    for (const qreal x : {0.0, 480.0, 1919.0}) {
+        const QRect frame = frameDraggedOutOf(maximised, {x, 20}, {1280, 820});
+        EXPECT_EQ(frame.size(), QSize(1280, 820));
+        EXPECT_EQ(frame.top(), 28) << "the mouse keeps its place in the band";
+        EXPECT_TRUE(frame.contains(QPoint(qRound(x), 48))) << text(frame) << " at " << x;
+    }
+}
+
+} // namespace
+} // namespace vantrel
