@@ -10,3 +10,4 @@ vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.c
 vantrel_test(AnalyticsNetworkTests LIBRARIES vantrel_analytics SOURCES AnalyticsNetworkTests.cpp
              support/LocalHttpServer.cpp)
 vantrel_test(ChromeTests LIBRARIES vantrel_ui SOURCES ChromeTests.cpp)
+vantrel_test(UpdaterTests LIBRARIES vantrel_ui SOURCES UpdaterTests.cpp support/HttpsServer.cpp support/HttpsServer.h)

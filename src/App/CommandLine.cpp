@@ -30,12 +30,12 @@ QString helpText() {
 } // namespace
 
 CommandLine parseCommandLine(const QStringList &arguments, UnknownArguments unknown) {
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")});
-    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")});
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption versionOption(QStringList{QStringLiteral("v"), QStringLiteral("version")});
     QCommandLineParser parser;
     // Otherwise "-platform" would be read as a row of one-letter options.
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions({help, version});
+    parser.addOptions({help, versionOption});
     const bool understood = parser.parse(arguments);
     const auto refuse = [](const QString &reason) {
         return CommandLine{CommandLine::Action::refuse,
@@ -50,7 +50,7 @@ CommandLine parseCommandLine(const QStringList &arguments, UnknownArguments unkn
     }
     if (parser.isSet(help))
         return {CommandLine::Action::inform, helpText()};
-    if (parser.isSet(version))
+    if (parser.isSet(versionOption))
         return {CommandLine::Action::inform,
                 product::name() + u' ' + AppVersion{version::shortVersion(), version::build()}.label() +
                     u'\n'};

@@ -54,7 +54,7 @@ UpdateMessage describe(const UpdateResult &result, const AppVersion &installed) 
 
 Updater::Configuration Updater::builtIn() {
     Configuration configuration;
-    configuration.feed = QUrl(QStringLiteral(VANTREL_APPCAST_URL), QUrl::StrictMode);
+    configuration.feed = QUrl(version::updateFeed(), QUrl::StrictMode);
     configuration.installed = {version::shortVersion(), version::build()};
     return configuration;
 }
@@ -84,7 +84,7 @@ void Updater::checkForUpdates() {
     QNetworkRequest request(m_configuration.feed);
     request.setSslConfiguration(m_configuration.tls);
     request.setHeader(QNetworkRequest::UserAgentHeader,
-                      product::name() + u'/' + m_configuration.installed.shortVersion);
+                      QString(product::name() + u'/' + m_configuration.installed.shortVersion));
     request.setRawHeader("Accept", "application/rss+xml, application/xml, text/xml");
     // No compression: the size limit then counts what comes over the wire.
     request.setRawHeader("Accept-Encoding", "identity");
