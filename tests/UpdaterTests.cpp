@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>
+#include <QTest>
 
 #include <array>
 
@@ -280,7 +281,7 @@ TEST_F(UpdaterTest, FollowsRedirectsOnTheSameHostOnly) {
          }) {
         answer = {.status = 302, .body = {}, .location = test.location};
         const UpdateResult result = check();
-        EXPECT_EQ(result.reason, QString::fromLatin1(test.reason)) << test.location.toStdString();
+        EXPECT_EQ(result.reason.toStdString(), test.reason) << test.location.toStdString();
         EXPECT_EQ(result.kind == UpdateResult::Kind::available, result.reason.isEmpty());
     }
     for (const QByteArray &request : server.requests)
@@ -318,7 +319,7 @@ TEST_F(UpdaterTest, RefusesBadAnswers) {
              Case{"a page", {.body = "<html/>"}, "The update server did not answer with an update feed."},
          }) {
         answer = test.answer;
-        EXPECT_EQ(check().reason, QString::fromLatin1(test.reason)) << test.what;
+        EXPECT_EQ(check().reason.toStdString(), test.reason) << test.what;
     }
     answer = {.body = good, .delivery = Delivery::broken};
     EXPECT_THAT(check().reason.toStdString(),

@@ -10,4 +10,14 @@ vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.c
 vantrel_test(AnalyticsNetworkTests LIBRARIES vantrel_analytics SOURCES AnalyticsNetworkTests.cpp
              support/LocalHttpServer.cpp)
 vantrel_test(ChromeTests LIBRARIES vantrel_ui SOURCES ChromeTests.cpp)
+vantrel_gui_test(ChromeTests LIBRARIES vantrel_ui SOURCES ChromeTests.cpp)
 vantrel_test(UpdaterTests LIBRARIES vantrel_ui SOURCES UpdaterTests.cpp support/HttpsServer.cpp support/HttpsServer.h)
+vantrel_gui_test(AboutTests LIBRARIES vantrel_ui SOURCES AboutTests.cpp)
+vantrel_test(SettingsTests LIBRARIES vantrel_ui SOURCES SettingsTests.cpp)
+if(NOT APPLE)
+    vantrel_test(InstallTests LIBRARIES Qt6::Gui SOURCES InstallTests.cpp)
+    add_dependencies(InstallTests vantrel)
+    target_compile_definitions(
+        InstallTests PRIVATE VANTREL_CMAKE="${CMAKE_COMMAND}" VANTREL_BUILD_DIRECTORY="${PROJECT_BINARY_DIR}"
+                             VANTREL_VERSION="${PROJECT_VERSION} \(${VANTREL_BUILD_NUMBER}\)")
+endif()

@@ -92,6 +92,9 @@ ThemeColor AppTheme::systemOrange() {
 ThemeColor AppTheme::focusRing() {
     return {rgb(0.20f, 0.48f, 0.96f, 0.85f), rgb(0.45f, 0.64f, 1.00f, 0.90f)};
 }
+ThemeColor AppTheme::dimming() {
+    return {white(0, 0.18f), white(0, 0.40f)};
+}
 
 ThemeColor AppTheme::accent() {
     return ThemeColor(rgb(0.20f, 0.48f, 0.96f));

@@ -71,6 +71,7 @@ public:
     [[nodiscard]] static ThemeColor progress();
     [[nodiscard]] static ThemeColor danger();
     [[nodiscard]] static ThemeColor focusRing();
+    [[nodiscard]] static ThemeColor dimming(); ///< over a window behind its sheet
 
     // Kinds of files.
     [[nodiscard]] static ThemeColor folderBlue();

@@ -18,6 +18,10 @@ bool isHttps(const QUrl &url) {
     return url.isValid() && url.scheme() == QLatin1StringView("https") && !url.host().isEmpty();
 }
 
+QString insecureRedirect() {
+    return QStringLiteral("The update server redirects to an address that is not HTTPS.");
+}
+
 QString text(AppcastError error) {
     switch (error) {
     case AppcastError::malformed:
@@ -90,13 +94,13 @@ void Updater::checkForUpdates() {
     request.setRawHeader("Accept-Encoding", "identity");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::UserVerifiedRedirectPolicy);
-    request.setMaximumRedirectsAllowed(maximumRedirects);
     for (const auto attribute :
          {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
           QNetworkRequest::AuthenticationReuseAttribute})
         request.setAttribute(attribute, QNetworkRequest::Manual);
 
     m_body.clear();
+    m_redirects = 0;
     m_reply = m_network.get(request);
     m_reply->setReadBufferSize(maximumFeedSize / 16);
     connect(m_reply, &QNetworkReply::redirected, this, &Updater::follow);
@@ -107,9 +111,11 @@ void Updater::checkForUpdates() {
 
 void Updater::follow(const QUrl &target) {
     if (!isHttps(target))
-        fail(QStringLiteral("The update server redirects to an address that is not HTTPS."));
+        fail(insecureRedirect());
     else if (target.host() != m_configuration.feed.host())
         fail(QStringLiteral("The update server redirects to another host, %1.").arg(target.host()));
+    else if (++m_redirects > maximumRedirects)
+        fail(QStringLiteral("The update server redirects too often."));
     else
         Q_EMIT m_reply->redirectAllowed();
 }
@@ -121,9 +127,14 @@ void Updater::receive() {
 }
 
 void Updater::replyFinished() {
-    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    constexpr int ok = 200;
     switch (m_reply->error()) {
     case QNetworkReply::NoError:
+        if (status != ok) {
+            fail(QStringLiteral("The update server answered with status %1.").arg(status));
+            return;
+        }
         receive();
         if (m_reply)
             finish(judge(m_body));
@@ -132,12 +143,12 @@ void Updater::replyFinished() {
         fail(QStringLiteral("The connection to the update server is not secure: %1")
                  .arg(m_reply->errorString()));
         return;
-    case QNetworkReply::TooManyRedirectsError:
-        fail(QStringLiteral("The update server redirects too often."));
+    case QNetworkReply::ProtocolUnknownError: // the toolkit itself refuses redirects to files and the like
+        fail(insecureRedirect());
         return;
     default:
-        if (status.toInt() >= 400)
-            fail(QStringLiteral("The update server answered with status %1.").arg(status.toInt()));
+        if (status > ok)
+            fail(QStringLiteral("The update server answered with status %1.").arg(status));
         else
             fail(QStringLiteral("The update server could not be reached: %1").arg(m_reply->errorString()));
     }

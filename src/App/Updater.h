@@ -85,6 +85,7 @@ private:
     QTimer m_deadline;
     QNetworkReply *m_reply = nullptr; ///< of the check that runs
     QByteArray m_body;
+    int m_redirects = 0;
     bool m_canCheck = false;
 };
 

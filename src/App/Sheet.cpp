@@ -1,0 +1,102 @@
+#include "App/Sheet.h"
+
+#include "App/AppTheme.h"
+#include "App/Compositing.h"
+#include "App/TitleBar.h"
+#include "Views/Kit/Shapes.h"
+
+#include <QAbstractButton>
+#include <QPainter>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr double cornerRadius = 12;
+constexpr int gapBelowTitleBar = 24;
+
+/// A veil over the window that takes no part in anything.
+class Dimming : public QWidget {
+public:
+    explicit Dimming(QWidget *window) : QWidget(window) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setGeometry(window->rect());
+        raise();
+        show();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), AppTheme::dimming());
+    }
+};
+
+} // namespace
+
+Sheet::Sheet(const QString &name, QWidget *window)
+    : QDialog(window, Qt::Dialog | Qt::FramelessWindowHint), m_content(new QVBoxLayout(this)) {
+    setWindowTitle(name);
+    setAccessibleName(name);
+    setWindowModality(Qt::WindowModal);
+    m_content->setSpacing(0);
+    m_content->setContentsMargins(0, 0, 0, 0);
+    m_content->setSizeConstraint(QLayout::SetFixedSize);
+    if (desktopBlendsWindows()) {
+        setAttribute(Qt::WA_TranslucentBackground);
+        m_hasRoundCorners = true;
+    }
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
+}
+
+Sheet::~Sheet() {
+    delete m_dimming;
+}
+
+void Sheet::setDefaultButton(QAbstractButton *button) {
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
+        connect(new QShortcut(key, this), &QShortcut::activated, button, [button] { button->click(); });
+}
+
+void Sheet::showEvent(QShowEvent *event) {
+    if (QWidget *window = parentWidget()) {
+        if (!m_dimming)
+            m_dimming = new Dimming(window->window());
+        window->window()->installEventFilter(this);
+        place();
+    }
+    setFocus(Qt::OtherFocusReason); // no control is preselected; Tab begins at the first one
+    QDialog::showEvent(event);
+}
+
+void Sheet::hideEvent(QHideEvent *event) {
+    if (QWidget *window = parentWidget())
+        window->window()->removeEventFilter(this);
+    delete m_dimming;
+    QDialog::hideEvent(event);
+}
+
+bool Sheet::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize)
+        place();
+    return QDialog::eventFilter(watched, event);
+}
+
+void Sheet::place() {
+    const QWidget *window = parentWidget()->window();
+    if (m_dimming)
+        m_dimming->setGeometry(window->rect());
+    const QSize size = sizeHint();
+    const QPoint below((window->width() - size.width()) / 2, TitleBar::bandHeight + gapBelowTitleBar);
+    move(window->mapToGlobal(below));
+}
+
+void Sheet::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    paintCard(painter, rect(), m_hasRoundCorners ? cornerRadius : 0, AppTheme::surface(),
+              AppTheme::paneStroke());
+}
+
+} // namespace vantrel

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+
+class QAbstractButton;
+class QVBoxLayout;
+
+namespace vantrel {
+
+/// A modal dialog that belongs to its window: it hangs below the title bar, dims the window, follows it, and
+/// has the theme's look. Return presses its default button, Escape closes it.
+class Sheet : public QDialog {
+    Q_OBJECT
+
+public:
+    /// `name` is the sheet's for assistive technology and window lists.
+    Sheet(const QString &name, QWidget *window);
+    ~Sheet() override;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+protected:
+    /// Where subclasses put their content, from top to bottom, without margins.
+    [[nodiscard]] QVBoxLayout *content() const { return m_content; }
+
+    /// The button that Return presses, wherever the keyboard is.
+    void setDefaultButton(QAbstractButton *button);
+
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void place();
+
+    QVBoxLayout *m_content;
+    QPointer<QWidget> m_dimming; ///< over the window while the sheet is shown
+    bool m_hasRoundCorners = false;
+};
+
+} // namespace vantrel

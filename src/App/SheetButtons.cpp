@@ -1,0 +1,67 @@
+#include "App/SheetButtons.h"
+
+#include "App/AppTheme.h"
+#include "Views/Kit/Shapes.h"
+#include "Views/Kit/TextStyle.h"
+
+#include <QPainter>
+#include <QtMath>
+
+namespace vantrel {
+
+namespace {
+
+const TextStyle buttonText{.size = 13, .weight = Weight::medium};
+const TextStyle linkText{.size = 12, .weight = Weight::medium};
+constexpr double buttonRadius = 6;
+constexpr int linkPadding = 4; // room for the focus ring
+
+} // namespace
+
+BorderedButton::BorderedButton(const QString &title, Prominence prominence, QWidget *parent)
+    : PlainButton(parent), m_prominence(prominence) {
+    setText(title);
+    setAccessibleName(title);
+    setRingRadius(buttonRadius);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize BorderedButton::sizeHint() const {
+    constexpr int minimumWidth = 84;
+    constexpr int height = 28;
+    constexpr int padding = 16;
+    return {qMax(minimumWidth, qCeil(buttonText.width(text())) + 2 * padding), height};
+}
+
+void BorderedButton::paintContent(QPainter &painter) {
+    const bool prominent = m_prominence == Prominence::prominent;
+    const QColor fill = prominent ? AppTheme::accent() : AppTheme::surface();
+    paintCard(painter, rect(), buttonRadius, isDown() ? fill.darker(112) : fill,
+              prominent ? ThemeColor() : AppTheme::paneStroke());
+    paintText(painter, rect(), text(), buttonText, prominent ? AppTheme::onAccent() : AppTheme::ink(),
+              Qt::AlignCenter);
+}
+
+LinkButton::LinkButton(const QString &title, QWidget *parent) : PlainButton(parent) {
+    setText(title);
+    setAccessibleName(title);
+    setCursor(Qt::PointingHandCursor);
+    setAttribute(Qt::WA_Hover);
+    setRingRadius(4);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize LinkButton::sizeHint() const {
+    return {qCeil(linkText.width(text())) + 2 * linkPadding, linkText.lineHeight()};
+}
+
+void LinkButton::paintContent(QPainter &painter) {
+    const QColor color = isDown() ? AppTheme::accent().withOpacity(0.7) : AppTheme::accent();
+    paintText(painter, rect(), text(), linkText, color, Qt::AlignCenter);
+    if (underMouse()) {
+        const double baseline = height() - 1.5;
+        painter.fillRect(QRectF(linkPadding, baseline, width() - 2 * linkPadding, hairline), color);
+    }
+}
+
+} // namespace vantrel

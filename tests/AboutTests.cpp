@@ -1,0 +1,245 @@
+#include "App/AboutTexts.h"
+#include "App/AboutView.h"
+#include "App/AppTheme.h"
+#include "App/ApplicationMenu.h"
+#include "App/CommandLine.h"
+#include "App/Product.h"
+#include "App/Updater.h"
+#include "App/Version.h"
+#include "App/WindowChrome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QDesktopServices>
+#include <QLabel>
+#include <QMainWindow>
+#include <QSignalSpy>
+#include <QTest>
+#include <QUrlQuery>
+
+namespace vantrel {
+namespace {
+
+BuildInformation build(std::optional<QString> shortVersion, std::optional<QString> number) {
+    return {.shortVersion = std::move(shortVersion), .build = std::move(number), .copyright = std::nullopt};
+}
+
+TEST(AboutTexts, NameTheVersion) {
+    struct Case {
+        BuildInformation information;
+        const char *title;
+        const char *label;
+    };
+    for (const Case &test : {
+             Case{build(QStringLiteral("1.4"), QStringLiteral("27")), "Vantrel (1.4)", "Version 1.4 (27)"},
+             Case{build(QStringLiteral("1.4"), QString()), "Vantrel (1.4)", "Version 1.4"},
+             Case{build(QStringLiteral("1.4"), std::nullopt), "Vantrel (1.4)", "Version 1.4"},
+             Case{build(std::nullopt, std::nullopt), "Vantrel (0.1.0)", "Version 0.1.0"},
+             Case{build(std::nullopt, QStringLiteral("27")), "Vantrel (0.1.0)", "Version 0.1.0 (27)"},
+         }) {
+        const AboutTexts texts(test.information);
+        EXPECT_EQ(texts.title().toStdString(), test.title);
+        EXPECT_EQ(texts.versionLabel().toStdString(), test.label);
+        EXPECT_EQ(texts.copyright(), product::copyright());
+    }
+    const AboutTexts ours(BuildInformation::ofThisBuild());
+    EXPECT_EQ(ours.shortVersion(), version::shortVersion());
+}
+
+TEST(AboutTexts, FeedbackSurvivesTheAddress) {
+    const AboutTexts texts(build(QStringLiteral("1.4"), QStringLiteral("27")));
+    EXPECT_EQ(texts.feedbackUrl().toEncoded().toStdString(),
+              "mailto:feedback@vantrelapp.com?subject=Vantrel%20feedback%20%28v1.4%29"
+              "&body=%0A%0A---%0AVantrel%20Version%201.4%20%2827%29");
+
+    // Whatever the texts hold, a mail program reads them back from the address.
+    for (const QString &text : {QStringLiteral("a&b=c?d#e"), QStringLiteral("1+1 = 2"),
+                                QStringLiteral("100% sure%20"), QStringLiteral("line\none;two"),
+                                QStringLiteral("“grüße” 漢字 😀"), QStringLiteral("\"<b>'\\`|^{}[]")}) {
+        const QUrl url = mailUrl(product::feedbackAddress(), text, text + text);
+        EXPECT_TRUE(url.isValid());
+        EXPECT_EQ(url.scheme(), QStringLiteral("mailto"));
+        EXPECT_EQ(url.path(), product::feedbackAddress());
+        for (const char byte : url.toEncoded())
+            EXPECT_TRUE(byte > ' ' && byte < 0x7f)
+                << "not fit for an address: " << url.toEncoded().toStdString();
+        const QList<QByteArray> items = url.toEncoded().split('?').value(1).split('&');
+        ASSERT_EQ(items.size(), 2) << url.toEncoded().toStdString();
+        EXPECT_EQ(QUrl::fromPercentEncoding(items.at(0)), QStringLiteral("subject=") + text);
+        EXPECT_EQ(QUrl::fromPercentEncoding(items.at(1)), QStringLiteral("body=") + text + text);
+        EXPECT_FALSE(url.toEncoded().contains('+')) << "some programs read a plus as a space";
+    }
+}
+
+/// Stands in for the browser and the mail program.
+class OpenedAddresses : public QObject {
+    Q_OBJECT
+
+public:
+    OpenedAddresses() {
+        QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "open");
+        QDesktopServices::setUrlHandler(QStringLiteral("mailto"), this, "open");
+    }
+    ~OpenedAddresses() override {
+        QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
+        QDesktopServices::unsetUrlHandler(QStringLiteral("mailto"));
+    }
+
+    QList<QUrl> addresses;
+
+public Q_SLOTS:
+    void open(const QUrl &address) { addresses.append(address); }
+};
+
+class AboutViewTest : public ::testing::Test {
+protected:
+    QMainWindow window;
+    OpenedAddresses opened;
+
+    void SetUp() override {
+        window.resize(1280, 820);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    }
+
+    static QAbstractButton *button(QWidget &view, const char *name) {
+        auto *found = view.findChild<QAbstractButton *>(QString::fromLatin1(name));
+        if (!found)
+            throw std::runtime_error(std::string("no button ") + name);
+        return found;
+    }
+};
+
+TEST_F(AboutViewTest, ShowsItsTextsAndOpensItsLinks) {
+    AboutView about(&window, AboutTexts(build(QStringLiteral("1.4"), QStringLiteral("27"))));
+    about.open();
+    QStringList shown;
+    for (const QLabel *label : about.findChildren<QLabel *>())
+        shown.append(label->text());
+    EXPECT_EQ(shown, QStringList({QStringLiteral("Vantrel (1.4)"),
+                                  QStringLiteral("Transfer files between Mac and Android"),
+                                  QStringLiteral("Connect your phone with USB debugging on."),
+                                  QStringLiteral("Found a bug or have an idea?"), product::copyright()}));
+    EXPECT_EQ(about.width(), 340);
+    EXPECT_TRUE(about.isModal());
+
+    QAbstractButton *site = button(about, "about.website");
+    EXPECT_EQ(site->toolTip(), QStringLiteral("Open ") + product::websiteDomain());
+    site->click();
+    button(about, "about.feedback")->click();
+    ASSERT_EQ(opened.addresses.size(), 2);
+    EXPECT_EQ(opened.addresses.at(0), QUrl(product::website()));
+    EXPECT_EQ(QUrlQuery(opened.addresses.at(1)).queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded),
+              QStringLiteral("Vantrel feedback (v1.4)"));
+    EXPECT_TRUE(about.isVisible()) << "a link leaves it open";
+}
+
+TEST_F(AboutViewTest, ClosesOnReturnWhereverTheKeyboardIs) {
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+        for (const char *focused : {"", "about.website", "about.close"}) {
+            AboutView about(&window);
+            about.open();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&about));
+            if (*focused)
+                button(about, focused)->setFocus();
+            QTest::keyClick(about.windowHandle(), key);
+            EXPECT_FALSE(about.isVisible()) << focused << ' ' << key;
+        }
+    }
+    EXPECT_TRUE(opened.addresses.isEmpty()) << "Return on a link closes, too";
+    AboutView about(&window);
+    about.open();
+    button(about, "about.close")->click();
+    EXPECT_FALSE(about.isVisible());
+    EXPECT_EQ(window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).size(), 2)
+        << "only the window's own layout and this sheet are left";
+}
+
+TEST_F(AboutViewTest, FollowsItsWindowAndTheScheme) {
+    AboutView about(&window);
+    about.open();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
+    const auto offset = [&] { return about.pos() - window.pos(); };
+    const QPoint before = offset();
+    window.move(window.pos() + QPoint(40, 30));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return offset() == before; }));
+
+    const auto ground = [&] { return about.grab().toImage().pixelColor(20, 20); };
+    const QColor light = ground();
+    AppTheme::setScheme(ColorScheme::dark);
+    EXPECT_EQ(ground(), QColor(AppTheme::surface()).toRgb());
+    EXPECT_NE(ground(), light);
+    AppTheme::setScheme(ColorScheme::light);
+}
+
+TEST(ApplicationMenu, OffersItsCommands) {
+    QMainWindow window;
+    Updater updater(
+        {.feed = QUrl(QStringLiteral("http://localhost/feed")), .installed = {QStringLiteral("1"), {}}});
+    ApplicationMenu menu(&window, &updater);
+    EXPECT_EQ(menu.aboutAction()->text(), QStringLiteral("About Vantrel"));
+    EXPECT_EQ(menu.updateAction()->text(), QStringLiteral("Check for Updates…"));
+    EXPECT_EQ(menu.quitAction()->text(), QStringLiteral("Quit Vantrel"));
+    EXPECT_EQ(menu.quitAction()->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+
+    EXPECT_FALSE(menu.updateAction()->isEnabled());
+    updater.start();
+    EXPECT_TRUE(menu.updateAction()->isEnabled());
+
+    QSignalSpy about(&menu, &ApplicationMenu::aboutRequested);
+    menu.aboutAction()->trigger();
+    EXPECT_EQ(about.count(), 1);
+
+    window.show();
+    menu.updateAction()->trigger(); // plain HTTP: refused at once
+    auto *sheet = window.findChild<Sheet *>();
+    ASSERT_TRUE(sheet);
+    EXPECT_EQ(sheet->findChild<QLabel *>(QStringLiteral("update.detail"))->text(),
+              QStringLiteral("The address of the update feed is not an HTTPS address."));
+    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(QStringLiteral("update.open")));
+    sheet->findChild<QAbstractButton *>(QStringLiteral("update.close"))->click();
+    EXPECT_FALSE(sheet->isVisible());
+
+    menu.quitAction()->trigger();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST(CommandLine, IsUnderstoodOrRefused) {
+    using Action = CommandLine::Action;
+    struct Case {
+        QStringList arguments;
+        Action action;
+        Action beforeTheToolkit; ///< with unknown arguments ignored
+        std::string text;        ///< part of it
+    };
+    const std::string versionLine = "Vantrel " + version::shortVersion().toStdString();
+    for (const Case &test : {
+             Case{{}, Action::run, Action::run, ""},
+             Case{{QStringLiteral("--version")}, Action::inform, Action::inform, versionLine},
+             Case{{QStringLiteral("-v")}, Action::inform, Action::inform, versionLine},
+             Case{{QStringLiteral("--help")}, Action::inform, Action::inform, "Usage: vantrel"},
+             Case{{QStringLiteral("-h")}, Action::inform, Action::inform, "Usage: vantrel"},
+             Case{{QStringLiteral("--bogus")}, Action::refuse, Action::run, "'bogus'"},
+             Case{{QStringLiteral("-platform"), QStringLiteral("vnc:port=1")},
+                  Action::refuse,
+                  Action::run,
+                  "platform"},
+             Case{{QStringLiteral("/some/file")}, Action::refuse, Action::run, "/some/file"},
+             Case{{QStringLiteral("--version=2")}, Action::refuse, Action::inform, "version"},
+         }) {
+        const QStringList arguments = QStringList(QStringLiteral("vantrel")) + test.arguments;
+        const CommandLine strict = parseCommandLine(arguments, UnknownArguments::refused);
+        EXPECT_EQ(strict.action, test.action) << arguments.join(u' ').toStdString();
+        EXPECT_THAT(strict.text.toStdString(), ::testing::HasSubstr(test.text));
+        EXPECT_EQ(parseCommandLine(arguments, UnknownArguments::ignored).action, test.beforeTheToolkit)
+            << arguments.join(u' ').toStdString();
+    }
+}
+
+} // namespace
+} // namespace vantrel
+
+#include "AboutTests.moc"

@@ -1,0 +1,141 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QImage>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    std::string output;
+    std::string errors;
+};
+
+Outcome run(const QString &program, const QStringList &arguments,
+            const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment()) {
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    if (!process.waitForFinished(60'000)) {
+        process.kill();
+        process.waitForFinished();
+        return {-1, {}, process.errorString().toStdString()};
+    }
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            process.readAllStandardOutput().toStdString(), process.readAllStandardError().toStdString()};
+}
+
+/// One installation for all of the tests.
+class InstallTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        prefix = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/v-XXXXXX"));
+        installation = run(QStringLiteral(VANTREL_CMAKE),
+                           {QStringLiteral("--install"), QStringLiteral(VANTREL_BUILD_DIRECTORY),
+                            QStringLiteral("--prefix"), prefix->path()});
+    }
+    static void TearDownTestSuite() { delete prefix; }
+
+    void SetUp() override { ASSERT_EQ(installation.status, 0) << installation.errors; }
+
+    static QString installed(const char *path) { return prefix->filePath(QString::fromLatin1(path)); }
+
+    static inline QTemporaryDir *prefix = nullptr;
+    static inline Outcome installation;
+};
+
+TEST_F(InstallTest, IsComplete) {
+    QStringList files;
+    QDirIterator each(prefix->path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (each.hasNext())
+        files.append(QDir(prefix->path()).relativeFilePath(each.next()));
+    files.removeAll(QStringLiteral("share/vantrel/platform-tools/adb")); // a choice of the build
+    files.sort();
+
+    QStringList expected{QStringLiteral("bin/vantrel"),
+                         QStringLiteral("share/applications/com.vantrelapp.Vantrel.desktop"),
+                         QStringLiteral("share/doc/vantrel/copyright"),
+                         QStringLiteral("share/icons/hicolor/scalable/apps/com.vantrelapp.Vantrel.svg"),
+                         QStringLiteral("share/man/man1/vantrel.1.gz"),
+                         QStringLiteral("share/metainfo/com.vantrelapp.Vantrel.metainfo.xml"),
+                         QStringLiteral("share/vantrel/udev/51-vantrel-android.rules")};
+    for (const int size : {16, 22, 24, 32, 48, 64, 128, 256, 512}) {
+        const QString icon =
+            QStringLiteral("share/icons/hicolor/%1x%1/apps/com.vantrelapp.Vantrel.png").arg(size);
+        expected.append(icon);
+        const QImage image(prefix->filePath(icon));
+        EXPECT_EQ(image.size(), QSize(size, size)) << icon.toStdString();
+        EXPECT_EQ(qAlpha(image.pixel(0, 0)), 0) << "the corners are clear";
+        EXPECT_GT(qAlpha(image.pixel(size / 2, size / 2)), 200) << "something is drawn";
+    }
+    expected.sort();
+    EXPECT_EQ(files, expected) << files.join(u'\n').toStdString();
+}
+
+TEST_F(InstallTest, SatisfiesTheDesktopsValidators) {
+    struct Check {
+        const char *program;
+        QStringList arguments;
+    };
+    for (const Check &check :
+         {Check{"desktop-file-validate", {installed("share/applications/com.vantrelapp.Vantrel.desktop")}},
+          Check{"appstreamcli",
+                {QStringLiteral("validate"), QStringLiteral("--no-net"),
+                 installed("share/metainfo/com.vantrelapp.Vantrel.metainfo.xml")}}}) {
+        const QString program = QStandardPaths::findExecutable(QString::fromLatin1(check.program));
+        ASSERT_FALSE(program.isEmpty()) << check.program << " is not installed";
+        const Outcome outcome = run(program, check.arguments);
+        EXPECT_EQ(outcome.status, 0) << outcome.output;
+        EXPECT_THAT(outcome.output,
+                    ::testing::Not(::testing::ContainsRegex("(error|warning|hint|^[EWI]): ")));
+    }
+}
+
+TEST_F(InstallTest, AnswersWithoutADisplay) {
+    QProcessEnvironment bare = QProcessEnvironment::systemEnvironment();
+    bare.remove(QStringLiteral("DISPLAY"));
+    bare.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    bare.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    const QString program = installed("bin/vantrel");
+    const Outcome version = run(program, {QStringLiteral("--version")}, bare);
+    EXPECT_EQ(version.status, 0) << version.errors;
+    EXPECT_EQ(version.output, "Vantrel " VANTREL_VERSION "\n");
+    EXPECT_EQ(run(program, {QStringLiteral("--help")}, bare).status, 0);
+    const Outcome refused = run(program, {QStringLiteral("--bogus")});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.errors, ::testing::HasSubstr("Unknown option 'bogus'."));
+}
+
+TEST_F(InstallTest, StartsInAHostileHomeAndStepsBackForTheFirst) {
+    const QTemporaryDir runtime(QDir::tempPath() + QStringLiteral("/v-XXXXXX"));
+    QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QProcessEnvironment hostile = QProcessEnvironment::systemEnvironment();
+    for (const char *place : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+        hostile.insert(QString::fromLatin1(place),
+                       QStringLiteral("/dev/null")); // no folder can be made there
+    hostile.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
+    QProcess first;
+    first.setProcessEnvironment(hostile);
+    first.start(installed("bin/vantrel"), {});
+    ASSERT_TRUE(first.waitForStarted());
+    const QString socket = runtime.filePath(QStringLiteral("vantrel.socket"));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return QFile::exists(socket) || first.state() != QProcess::Running; }, 30'000));
+    ASSERT_EQ(first.state(), QProcess::Running) << first.readAllStandardError().toStdString();
+
+    const Outcome second = run(installed("bin/vantrel"), {}, hostile);
+    EXPECT_EQ(second.status, 0) << second.errors;
+    EXPECT_EQ(first.state(), QProcess::Running);
+
+    first.terminate();
+    EXPECT_TRUE(first.waitForFinished());
+}
+
+} // namespace

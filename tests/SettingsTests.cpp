@@ -1,0 +1,196 @@
+#include "App/Settings.h"
+#include "App/SingleInstance.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <atomic>
+#include <thread>
+
+namespace vantrel {
+namespace {
+
+class SettingsTest : public ::testing::Test {
+protected:
+    QTemporaryDir directory;
+    QString path = directory.filePath(QStringLiteral("vantrel/settings.ini"));
+
+    void write(const QByteArray &text) const {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
+};
+
+TEST_F(SettingsTest, RemembersAcrossStarts) {
+    {
+        Settings settings(path);
+        EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
+        settings.setAppearancePreference(ColorScheme::dark);
+        settings.storeToolTipDelay();
+        EXPECT_TRUE(settings.save());
+    }
+    Settings settings(path);
+    EXPECT_EQ(settings.appearancePreference(), ColorScheme::dark);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const std::string stored = file.readAll().toStdString();
+    EXPECT_THAT(stored, ::testing::HasSubstr("appearancePreference=dark\n"));
+    EXPECT_THAT(stored, ::testing::HasSubstr("NSInitialToolTipDelay=250\n"));
+    settings.setAppearancePreference(ColorScheme::light);
+    EXPECT_TRUE(settings.save());
+    EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::light);
+}
+
+TEST_F(SettingsTest, ReadsWhatIsStored) {
+    struct Case {
+        QByteArray text;
+        ColorScheme scheme;
+        const char *doubleClick;
+        bool analyticsDisabled;
+    };
+    for (const Case &test : {
+             Case{"", ColorScheme::light, "Maximize", false},
+             Case{"[General]\nappearancePreference=dark\nAppleActionOnDoubleClick="
+                  "Minimize\nanalyticsDisabled=true\n",
+                  ColorScheme::dark, "Minimize", true},
+             Case{"[General]\nappearancePreference=Dark\nAppleActionOnDoubleClick=None\nanalyticsDisabled="
+                  "false\n",
+                  ColorScheme::light, "None", false},
+             Case{"[General]\nappearancePreference=dark, "
+                  "light\nAppleActionOnDoubleClick=\nanalyticsDisabled=1\n",
+                  ColorScheme::light, "Maximize", true},
+             Case{"[Other]\nappearancePreference=dark\n", ColorScheme::light, "Maximize", false},
+         }) {
+        write(test.text);
+        const Settings settings(path);
+        EXPECT_EQ(settings.appearancePreference(), test.scheme) << test.text.toStdString();
+        EXPECT_EQ(settings.doubleClickAction().toStdString(), test.doubleClick) << test.text.toStdString();
+        EXPECT_EQ(settings.analyticsDisabled(), test.analyticsDisabled) << test.text.toStdString();
+    }
+}
+
+TEST_F(SettingsTest, DamagedOnesAreSetAside) {
+    const QByteArray random = QByteArray("\x89PNG\0\xff\xfe[]=%%\n]]", 17).repeated(200);
+    for (const QByteArray &damaged : {QByteArray("[General\nappearancePreference dark\n"), random}) {
+        write(damaged);
+        {
+            Settings settings(path);
+            EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
+            EXPECT_EQ(settings.doubleClickAction(), QStringLiteral("Maximize"));
+            EXPECT_FALSE(settings.analyticsDisabled());
+            settings.setAppearancePreference(ColorScheme::dark);
+            EXPECT_TRUE(settings.save());
+        }
+        EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::dark);
+        QFile aside(path + QStringLiteral(".damaged"));
+        ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
+        EXPECT_EQ(aside.readAll(), damaged);
+    }
+}
+
+TEST_F(SettingsTest, WorkWithoutAPlaceToStoreThem) {
+    QFile obstacle(directory.filePath(QStringLiteral("obstacle")));
+    ASSERT_TRUE(obstacle.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(QDir().mkpath(directory.filePath(QStringLiteral("folder.ini"))));
+    for (const QString &nowhere :
+         {directory.filePath(QStringLiteral("obstacle/settings.ini")),
+          directory.filePath(QStringLiteral("folder.ini")), QStringLiteral("/proc/vantrel/settings.ini"),
+          QStringLiteral("/dev/full")}) {
+        Settings settings(nowhere);
+        EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
+        settings.setAppearancePreference(ColorScheme::dark);
+        EXPECT_FALSE(settings.save()) << nowhere.toStdString();
+        EXPECT_EQ(settings.appearancePreference(), ColorScheme::dark) << "until the program ends";
+    }
+}
+
+class SingleInstanceTest : public ::testing::Test {
+protected:
+    using Role = SingleInstance::Role;
+
+    QTemporaryDir directory{QDir::tempPath() + QStringLiteral("/v-XXXXXX")}; // sockets have short names
+
+    /// A start while the event loop of the first one runs.
+    Role startAgain(const QByteArray &token = {}) {
+        std::atomic<bool> ended = false;
+        Role role = Role::alone;
+        std::thread second([&] {
+            role = SingleInstance(directory.path()).claim(token);
+            ended = true;
+        });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return ended.load(); }));
+        second.join();
+        return role;
+    }
+};
+
+TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
+    auto first = std::make_unique<SingleInstance>(directory.path());
+    ASSERT_EQ(first->claim(), Role::first);
+    QSignalSpy raised(first.get(), &SingleInstance::raiseRequested);
+    EXPECT_EQ(startAgain("token-1"), Role::second);
+    EXPECT_EQ(startAgain(), Role::second);
+    ASSERT_EQ(raised.count(), 2);
+    EXPECT_EQ(raised.at(0).constFirst().toByteArray(), "token-1");
+    EXPECT_EQ(raised.at(1).constFirst().toByteArray(), "");
+
+    first.reset();
+    SingleInstance next(directory.path());
+    EXPECT_EQ(next.claim(), Role::first);
+}
+
+TEST_F(SingleInstanceTest, TakesOverAfterABadEnd) {
+    {
+        // What a killed program leaves: a socket nobody listens on, and a lock of a process that is gone.
+        QLocalServer::removeServer(directory.filePath(QStringLiteral("vantrel.socket")));
+        QFile socket(directory.filePath(QStringLiteral("vantrel.socket")));
+        ASSERT_TRUE(socket.open(QIODevice::WriteOnly));
+        QFile lock(directory.filePath(QStringLiteral("vantrel.lock")));
+        ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+        lock.write("4194304\nvantrel\n" + QSysInfo::machineHostName().toLocal8Bit() + "\n\n\n");
+    }
+    SingleInstance first(directory.path());
+    EXPECT_EQ(first.claim(), Role::first);
+    EXPECT_EQ(startAgain(), Role::second);
+}
+
+TEST_F(SingleInstanceTest, StartsAnywayWhenItCannotFindOut) {
+    EXPECT_EQ(SingleInstance(QString()).claim(), Role::alone);
+    EXPECT_EQ(SingleInstance(QStringLiteral("/proc/vantrel")).claim(), Role::alone);
+    EXPECT_EQ(SingleInstance(directory.filePath(QStringLiteral("missing"))).claim(), Role::alone);
+
+    SingleInstance first(directory.path());
+    ASSERT_EQ(first.claim(), Role::first);
+    // Its event loop stands still: it hears nothing. The second does not wait for ever.
+    EXPECT_EQ(SingleInstance(directory.path()).claim({}, 200), Role::alone);
+}
+
+TEST_F(SingleInstanceTest, IgnoresStrangersOnItsSocket) {
+    SingleInstance first(directory.path());
+    ASSERT_EQ(first.claim(), Role::first);
+    QSignalSpy raised(&first, &SingleInstance::raiseRequested);
+    for (const QByteArray &said : {QByteArray("hello\n"), QByteArray(100'000, 'x'), QByteArray("raise")}) {
+        QLocalSocket stranger;
+        stranger.connectToServer(directory.filePath(QStringLiteral("vantrel.socket")));
+        ASSERT_TRUE(stranger.waitForConnected());
+        stranger.write(said);
+        if (said == "raise") // and goes before the line ends
+            stranger.disconnectFromServer();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return stranger.state() == QLocalSocket::UnconnectedState; }));
+    }
+    EXPECT_EQ(raised.count(), 0);
+    EXPECT_EQ(startAgain(), Role::second);
+}
+
+} // namespace
+} // namespace vantrel
