@@ -1,10 +1,18 @@
+#include "App/AppTheme.h"
+#include "App/TitleBar.h"
+#include "App/WindowChrome.h"
 #include "App/WindowChromeCoordinator.h"
 #include "App/WindowPlacement.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QStringList>
+#include <QAbstractButton>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QScreen>
+#include <QTest>
+#include <QWindow>
 
 #include <vector>
 
@@ -358,6 +366,145 @@ TEST(WindowPlacement, DragsAMaximisedWindowOutUnderTheMouse) {
         EXPECT_EQ(frame.size(), QSize(1280, 820));
         EXPECT_EQ(frame.top(), 28) << "the mouse keeps its place in the band";
         EXPECT_TRUE(frame.contains(QPoint(qRound(x), 48))) << text(frame) << " at " << x;
+    }
+}
+
+/// A real window on a platform without a window manager: it moves and resizes by itself.
+class WindowChromeTest : public ::testing::Test {
+protected:
+    QMainWindow window;
+    QString doubleClickAction = QStringLiteral("Maximize");
+    WindowChrome chrome{&window, [this] { return doubleClickAction; }};
+    QPushButton *tool = new QPushButton;
+    QPushButton *content = new QPushButton;
+
+    void SetUp() override {
+        window.setWindowTitle(QStringLiteral("Vantrel"));
+        window.setMinimumSize(400, 300);
+        chrome.titleBar()->addToolbarWidget(tool);
+        window.setCentralWidget(content);
+        window.setGeometry(60, 50, 600, 400);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    }
+
+    /// Presses at `from` in the window, moves the mouse by `by` on the screen in two steps, and lets go.
+    void drag(QPoint from, QPoint by) {
+        QWindow *native = window.windowHandle();
+        const QPoint pressed = native->mapToGlobal(from);
+        QTest::mousePress(native, Qt::LeftButton, {}, from);
+        QTest::mouseMove(native, native->mapFromGlobal(pressed + by / 2));
+        QTest::mouseMove(native, native->mapFromGlobal(pressed + by));
+        QTest::mouseRelease(native, Qt::LeftButton, {}, native->mapFromGlobal(pressed + by));
+    }
+};
+
+TEST_F(WindowChromeTest, MovesByItsBandOnly) {
+    struct Case {
+        const char *what;
+        QPoint from;
+        bool moves;
+    };
+    const QPoint toolCentre = tool->mapTo(&window, tool->rect().center());
+    for (const Case &test : {
+             Case{"the band", {250, 26}, true},
+             Case{"the title", {130, 26}, true},
+             Case{"the close button", {24, 26}, false},
+             Case{"a toolbar button", toolCentre, false},
+             Case{"the toolbar's part", {600 - 185, 26}, false},
+             Case{"the content", {250, 200}, false},
+         }) {
+        const QRect before = window.geometry();
+        drag(test.from, {30, 20});
+        EXPECT_EQ(window.geometry(), test.moves ? before.translated(30, 20) : before)
+            << test.what << ": " << text(window.geometry());
+        QTest::mouseMove(window.windowHandle(), {300, 300});
+        EXPECT_EQ(window.geometry(), test.moves ? before.translated(30, 20) : before) << "let go";
+    }
+    drag({250, 26}, {4, 0});
+    EXPECT_EQ(window.pos().y(), 70) << "a click";
+}
+
+TEST_F(WindowChromeTest, CannotBeLost) {
+    const QRect screen = window.screen()->availableGeometry();
+    drag({250, 26}, {0, -3000});
+    EXPECT_EQ(window.pos().y(), screen.top());
+    drag({250, 26}, {9000, 9000});
+    EXPECT_TRUE(screen.intersects(QRect(window.mapToGlobal(QPoint()), QSize(600, 26))))
+        << text(window.geometry());
+    window.move(-20'000, 0);
+    window.hide();
+    window.show();
+    EXPECT_TRUE(screen.intersects(window.geometry())) << text(window.geometry());
+}
+
+TEST_F(WindowChromeTest, ResizesByItsEdges) {
+    drag({598, 200}, {40, 40});
+    EXPECT_EQ(window.geometry(), QRect(60, 50, 640, 400)) << text(window.geometry());
+    drag({1, 1}, {-10, -20});
+    EXPECT_EQ(window.geometry(), QRect(50, 30, 650, 420)) << text(window.geometry());
+    drag({300, 418}, {0, -900});
+    EXPECT_EQ(window.geometry(), QRect(50, 30, 650, 300)) << text(window.geometry());
+
+    QTest::mouseMove(window.windowHandle(), {1, 150});
+    ASSERT_TRUE(QGuiApplication::overrideCursor());
+    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::SizeHorCursor);
+    QTest::mouseMove(window.windowHandle(), {300, 150});
+    EXPECT_FALSE(QGuiApplication::overrideCursor());
+}
+
+TEST_F(WindowChromeTest, ZoomsByDoubleClickAndByButton) {
+    const QRect normal = window.geometry();
+    const auto doubleClick = [&](QPoint position) {
+        QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, {}, position);
+        QCoreApplication::processEvents();
+    };
+    doubleClick({250, 26});
+    EXPECT_TRUE(window.isMaximized());
+    EXPECT_EQ(window.contentsMargins(), QMargins()) << "nothing to grip at the screen's edge";
+    doubleClick({250, 26});
+    EXPECT_FALSE(window.isMaximized());
+    EXPECT_EQ(window.geometry(), normal) << text(window.geometry());
+    EXPECT_EQ(window.contentsMargins(), QMargins(1, 1, 1, 1));
+
+    chrome.titleBar()->button(WindowButton::zoom)->click();
+    EXPECT_TRUE(window.isMaximized());
+    chrome.titleBar()->button(WindowButton::zoom)->click();
+    EXPECT_EQ(window.geometry(), normal) << text(window.geometry());
+
+    doubleClick({250, 200});
+    EXPECT_FALSE(window.isMaximized()) << "the content";
+    doubleClickAction = QStringLiteral("Minimize");
+    doubleClick({250, 26});
+    EXPECT_TRUE(window.isMinimized());
+    bringToFront(&window, {});
+    EXPECT_FALSE(window.isMinimized());
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(WindowChromeTest, ButtonsSayWhatTheyDo) {
+    struct Case {
+        WindowButton button;
+        const char *name;
+    };
+    for (const Case &test : {Case{WindowButton::close, "Close"}, Case{WindowButton::minimise, "Minimize"},
+                             Case{WindowButton::zoom, "Zoom"}}) {
+        const QAbstractButton *button = chrome.titleBar()->button(test.button);
+        EXPECT_EQ(button->accessibleName().toStdString(), test.name);
+        EXPECT_EQ(button->toolTip().toStdString(), test.name);
+    }
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, {48, 26});
+    EXPECT_TRUE(window.isMinimized());
+    bringToFront(&window, {});
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, {24, 26});
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(WindowChromeTest, WearsTheTheme) {
+    const auto band = [&] { return window.grab().toImage().pixelColor(300, 20); };
+    for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {
+        AppTheme::setScheme(scheme);
+        EXPECT_EQ(band(), QColor(AppTheme::titleBar()).toRgb());
     }
 }
 
