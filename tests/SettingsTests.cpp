@@ -80,7 +80,8 @@ TEST_F(SettingsTest, ReadsWhatIsStored) {
 }
 
 TEST_F(SettingsTest, DamagedOnesAreSetAside) {
-    const QByteArray random = QByteArray("\x89PNG\0\xff\xfe[]=%%\n]]", 17).repeated(200);
+    constexpr char binary[] = "\x89PNG\0\xff\xfe[]=%%\n]]";
+    const QByteArray random = QByteArray(binary, sizeof binary).repeated(200);
     for (const QByteArray &damaged : {QByteArray("[General\nappearancePreference dark\n"), random}) {
         write(damaged);
         {

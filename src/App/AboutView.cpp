@@ -51,36 +51,36 @@ LinkButton *link(const QString &title, const QString &help, const QString &name)
 } // namespace
 
 AboutView::AboutView(QWidget *window, const AboutTexts &texts)
-    : Sheet(QStringLiteral("About ") + product::name(), window), m_texts(texts) {
+    : Sheet(QStringLiteral("About ") + product::name(), viewWidth, window), m_texts(texts) {
     constexpr TextStyle small{.size = 12, .weight = Weight::medium};
+    constexpr int gap = 18;
+    constexpr int linkGap = gap - LinkButton::margin; // a link has room around its text
     auto *main = new QVBoxLayout;
     main->setContentsMargins(28, 28, 28, 22);
-    main->setSpacing(18);
+    main->setSpacing(0);
     main->addWidget(new IconView, 0, Qt::AlignHCenter);
+    main->addSpacing(gap);
     main->addWidget(centred(m_texts.title(), {.size = 18, .weight = Weight::semibold}, AppTheme::ink()));
+    main->addSpacing(gap);
     main->addWidget(centred(QStringLiteral("Transfer files between Mac and Android"),
                             {.size = 13, .weight = Weight::medium}, AppTheme::inkSecondary()));
+    main->addSpacing(linkGap);
     LinkButton *site = link(product::websiteDomain(), QStringLiteral("Open ") + product::websiteDomain(),
                             QStringLiteral("about.website"));
     connect(site, &QAbstractButton::clicked, this, &AboutView::openWebsite);
     main->addWidget(site, 0, Qt::AlignHCenter);
+    main->addSpacing(linkGap);
     main->addWidget(
         centred(QStringLiteral("Connect your phone with USB debugging on."), small, AppTheme::inkTertiary()));
-
-    auto *feedback = new QVBoxLayout;
-    feedback->setContentsMargins(0, 2, 0, 0);
-    feedback->setSpacing(6);
-    feedback->addWidget(
-        centred(QStringLiteral("Found a bug or have an idea?"), small, AppTheme::inkTertiary()));
+    main->addSpacing(gap + 2);
+    main->addWidget(centred(QStringLiteral("Found a bug or have an idea?"), small, AppTheme::inkTertiary()));
+    main->addSpacing(6 - LinkButton::margin);
     LinkButton *mail = link(QStringLiteral("Send Feedback"), QStringLiteral("Email feedback about Vantrel"),
                             QStringLiteral("about.feedback"));
     connect(mail, &QAbstractButton::clicked, this, &AboutView::openFeedbackMail);
-    feedback->addWidget(mail, 0, Qt::AlignHCenter);
-    main->addLayout(feedback);
-
-    TextLabel *copyright = centred(m_texts.copyright(), {.size = 11}, AppTheme::inkTertiary());
-    copyright->setContentsMargins(0, 4, 0, 0);
-    main->addWidget(copyright);
+    main->addWidget(mail, 0, Qt::AlignHCenter);
+    main->addSpacing(linkGap + 4);
+    main->addWidget(centred(m_texts.copyright(), {.size = 11}, AppTheme::inkTertiary()));
     content()->addLayout(main);
 
     content()->addWidget(new Divider);
@@ -92,9 +92,6 @@ AboutView::AboutView(QWidget *window, const AboutTexts &texts)
     content()->addSpacing(14);
     content()->addWidget(close, 0, Qt::AlignHCenter);
     content()->addSpacing(14);
-
-    setFixedWidth(viewWidth);
-    content()->setSizeConstraint(QLayout::SetMinimumSize);
 }
 
 void AboutView::openWebsite() {

@@ -5,6 +5,7 @@
 #include "App/UpdateView.h"
 #include "App/Updater.h"
 #include "Views/Kit/IconButton.h"
+#include "Views/Kit/TextStyle.h"
 
 #include <QAction>
 #include <QMainWindow>
@@ -12,6 +13,29 @@
 #include <QMenuBar>
 
 namespace vantrel {
+
+#ifndef Q_OS_MACOS
+
+namespace {
+
+/// The toolkit's own menus know only the palette.
+void dress(QMenu *menu) {
+    const auto hex = [](const QColor &color) { return color.name(QColor::HexArgb); };
+    menu->setFont(TextStyle{.size = 13}.font());
+    menu->setStyleSheet(
+        QStringLiteral("QMenu { background: %1; color: %2; border: 1px solid %3; padding: 4px; }"
+                       "QMenu::item { padding: 5px 22px 5px 12px; border-radius: 4px; }"
+                       "QMenu::item:disabled { color: %4; }"
+                       "QMenu::item:selected:enabled { background: %5; color: %6; }"
+                       "QMenu::separator { height: 1px; background: %7; margin: 4px 8px; }")
+            .arg(hex(AppTheme::surface()), hex(AppTheme::ink()), hex(AppTheme::paneStroke()),
+                 hex(AppTheme::inkTertiary()), hex(AppTheme::accent()), hex(AppTheme::onAccent()),
+                 hex(AppTheme::stroke())));
+}
+
+} // namespace
+
+#endif
 
 ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater)
     : QObject(window), m_menu(new QMenu(product::name(), window)) {
@@ -44,6 +68,8 @@ ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater)
     connect(this, &QObject::destroyed, menuBar, &QObject::deleteLater);
 #else
     window->addActions(m_menu->actions());
+    dress(m_menu);
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, m_menu, [menu = m_menu] { dress(menu); });
 #endif
 }
 

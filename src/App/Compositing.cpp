@@ -40,7 +40,9 @@ bool desktopBlendsWindows() {
     if (QGuiApplication::platformName().startsWith(QLatin1StringView("wayland")))
         return true;
 #ifdef VANTREL_HAS_XCB
-    if (const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+    // Other platforms may offer the interface without having a connection.
+    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (x11 && x11->connection())
         return hasCompositingManager(x11->connection());
 #endif
     return false;

@@ -36,14 +36,15 @@ protected:
 
 } // namespace
 
-Sheet::Sheet(const QString &name, QWidget *window)
+Sheet::Sheet(const QString &name, int width, QWidget *window)
     : QDialog(window, Qt::Dialog | Qt::FramelessWindowHint), m_content(new QVBoxLayout(this)) {
     setWindowTitle(name);
     setAccessibleName(name);
     setWindowModality(Qt::WindowModal);
     m_content->setSpacing(0);
     m_content->setContentsMargins(0, 0, 0, 0);
-    m_content->setSizeConstraint(QLayout::SetFixedSize);
+    m_content->setSizeConstraint(QLayout::SetNoConstraint);
+    setFixedWidth(width);
     if (desktopBlendsWindows()) {
         setAttribute(Qt::WA_TranslucentBackground);
         m_hasRoundCorners = true;
@@ -61,6 +62,8 @@ void Sheet::setDefaultButton(QAbstractButton *button) {
 }
 
 void Sheet::showEvent(QShowEvent *event) {
+    setFixedHeight(m_content->hasHeightForWidth() ? m_content->totalHeightForWidth(width())
+                                                  : m_content->totalSizeHint().height());
     if (QWidget *window = parentWidget()) {
         if (!m_dimming)
             m_dimming = new Dimming(window->window());
@@ -88,8 +91,7 @@ void Sheet::place() {
     const QWidget *window = parentWidget()->window();
     if (m_dimming)
         m_dimming->setGeometry(window->rect());
-    const QSize size = sizeHint();
-    const QPoint below((window->width() - size.width()) / 2, TitleBar::bandHeight + gapBelowTitleBar);
+    const QPoint below((window->width() - width()) / 2, TitleBar::bandHeight + gapBelowTitleBar);
     move(window->mapToGlobal(below));
 }
 

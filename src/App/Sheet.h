@@ -14,8 +14,9 @@ class Sheet : public QDialog {
     Q_OBJECT
 
 public:
-    /// `name` is the sheet's for assistive technology and window lists.
-    Sheet(const QString &name, QWidget *window);
+    /// `name` is the sheet's for assistive technology and window lists. The sheet is `width` layout pixels
+    /// wide and as high as its content.
+    Sheet(const QString &name, int width, QWidget *window);
     ~Sheet() override;
 
     bool eventFilter(QObject *watched, QEvent *event) override;

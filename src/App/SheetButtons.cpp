@@ -14,7 +14,6 @@ namespace {
 const TextStyle buttonText{.size = 13, .weight = Weight::medium};
 const TextStyle linkText{.size = 12, .weight = Weight::medium};
 constexpr double buttonRadius = 6;
-constexpr int linkPadding = 4; // room for the focus ring
 
 } // namespace
 
@@ -52,15 +51,15 @@ LinkButton::LinkButton(const QString &title, QWidget *parent) : PlainButton(pare
 }
 
 QSize LinkButton::sizeHint() const {
-    return {qCeil(linkText.width(text())) + 2 * linkPadding, linkText.lineHeight()};
+    return {qCeil(linkText.width(text())) + 2 * margin, linkText.lineHeight() + 2 * margin};
 }
 
 void LinkButton::paintContent(QPainter &painter) {
     const QColor color = isDown() ? AppTheme::accent().withOpacity(0.7) : AppTheme::accent();
     paintText(painter, rect(), text(), linkText, color, Qt::AlignCenter);
     if (underMouse()) {
-        const double baseline = height() - 1.5;
-        painter.fillRect(QRectF(linkPadding, baseline, width() - 2 * linkPadding, hairline), color);
+        const double bottomOfText = height() - margin;
+        painter.fillRect(QRectF(margin, bottomOfText - 1.5, width() - 2 * margin, hairline), color);
     }
 }
 

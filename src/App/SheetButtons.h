@@ -28,6 +28,9 @@ class LinkButton : public PlainButton {
     Q_OBJECT
 
 public:
+    /// Around the text, for the focus ring; in layout pixels.
+    static constexpr int margin = 4;
+
     explicit LinkButton(const QString &title, QWidget *parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -138,7 +138,7 @@ void TitleBar::setActive(bool active) {
 void TitleBar::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(roundedTop(rect(), m_cornerRadius), AppTheme::titleBar());
+    painter.fillPath(roundedTop(rect(), m_cornerRadius), QColor(AppTheme::titleBar()));
     painter.fillRect(QRectF(0, height() - hairline, width(), hairline), AppTheme::stroke());
 }
 

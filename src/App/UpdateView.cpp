@@ -11,9 +11,14 @@
 
 namespace vantrel {
 
+namespace {
+
+constexpr int viewWidth = 380;
+
+} // namespace
+
 UpdateView::UpdateView(QWidget *window, const UpdateResult &result, const AppVersion &installed)
-    : Sheet(QStringLiteral("Software Update"), window) {
-    constexpr int viewWidth = 380;
+    : Sheet(QStringLiteral("Software Update"), viewWidth, window) {
     constexpr int padding = 28;
     const UpdateMessage message = describe(result, installed);
 
@@ -58,8 +63,6 @@ UpdateView::UpdateView(QWidget *window, const UpdateResult &result, const AppVer
     }
     buttons->addStretch();
     content()->addLayout(buttons);
-    setFixedWidth(viewWidth);
-    content()->setSizeConstraint(QLayout::SetMinimumSize);
 }
 
 } // namespace vantrel

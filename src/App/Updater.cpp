@@ -18,10 +18,6 @@ bool isHttps(const QUrl &url) {
     return url.isValid() && url.scheme() == QLatin1StringView("https") && !url.host().isEmpty();
 }
 
-QString insecureRedirect() {
-    return QStringLiteral("The update server redirects to an address that is not HTTPS.");
-}
-
 QString text(AppcastError error) {
     switch (error) {
     case AppcastError::malformed:
@@ -84,40 +80,42 @@ void Updater::checkForUpdates() {
         fail(QStringLiteral("The address of the update feed is not an HTTPS address."));
         return;
     }
+    m_redirects = 0;
+    m_deadline.start();
+    request(m_configuration.feed);
+}
 
-    QNetworkRequest request(m_configuration.feed);
+void Updater::request(const QUrl &address) {
+    QNetworkRequest request(address);
     request.setSslConfiguration(m_configuration.tls);
     request.setHeader(QNetworkRequest::UserAgentHeader,
                       QString(product::name() + u'/' + m_configuration.installed.shortVersion));
     request.setRawHeader("Accept", "application/rss+xml, application/xml, text/xml");
     // No compression: the size limit then counts what comes over the wire.
     request.setRawHeader("Accept-Encoding", "identity");
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                         QNetworkRequest::UserVerifiedRedirectPolicy);
+    // Redirects are followed here: asked for a decision, Qt 6.4 follows the second one twice.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     for (const auto attribute :
          {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
           QNetworkRequest::AuthenticationReuseAttribute})
         request.setAttribute(attribute, QNetworkRequest::Manual);
 
     m_body.clear();
-    m_redirects = 0;
     m_reply = m_network.get(request);
     m_reply->setReadBufferSize(maximumFeedSize / 16);
-    connect(m_reply, &QNetworkReply::redirected, this, &Updater::follow);
     connect(m_reply, &QNetworkReply::readyRead, this, &Updater::receive);
     connect(m_reply, &QNetworkReply::finished, this, &Updater::replyFinished);
-    m_deadline.start();
 }
 
 void Updater::follow(const QUrl &target) {
     if (!isHttps(target))
-        fail(insecureRedirect());
+        fail(QStringLiteral("The update server redirects to an address that is not HTTPS."));
     else if (target.host() != m_configuration.feed.host())
         fail(QStringLiteral("The update server redirects to another host, %1.").arg(target.host()));
     else if (++m_redirects > maximumRedirects)
         fail(QStringLiteral("The update server redirects too often."));
     else
-        Q_EMIT m_reply->redirectAllowed();
+        request(target);
 }
 
 void Updater::receive() {
@@ -127,30 +125,23 @@ void Updater::receive() {
 }
 
 void Updater::replyFinished() {
-    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     constexpr int ok = 200;
-    switch (m_reply->error()) {
-    case QNetworkReply::NoError:
-        if (status != ok) {
-            fail(QStringLiteral("The update server answered with status %1.").arg(status));
-            return;
-        }
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QUrl redirection = m_reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+    const QNetworkReply::NetworkError error = m_reply->error();
+    if (error == QNetworkReply::NoError && redirection.isValid()) {
+        follow(m_reply->url().resolved(redirection));
+    } else if (error == QNetworkReply::NoError && status == ok) {
         receive();
         if (m_reply)
             finish(judge(m_body));
-        return;
-    case QNetworkReply::SslHandshakeFailedError:
+    } else if (error == QNetworkReply::SslHandshakeFailedError) {
         fail(QStringLiteral("The connection to the update server is not secure: %1")
                  .arg(m_reply->errorString()));
-        return;
-    case QNetworkReply::ProtocolUnknownError: // the toolkit itself refuses redirects to files and the like
-        fail(insecureRedirect());
-        return;
-    default:
-        if (status > ok)
-            fail(QStringLiteral("The update server answered with status %1.").arg(status));
-        else
-            fail(QStringLiteral("The update server could not be reached: %1").arg(m_reply->errorString()));
+    } else if (status > ok) {
+        fail(QStringLiteral("The update server answered with status %1.").arg(status));
+    } else {
+        fail(QStringLiteral("The update server could not be reached: %1").arg(m_reply->errorString()));
     }
 }
 

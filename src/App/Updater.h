@@ -72,6 +72,7 @@ Q_SIGNALS:
 
 private:
     void setCanCheck(bool canCheck);
+    void request(const QUrl &address);
     void follow(const QUrl &target);
     void receive();
     void replyFinished();

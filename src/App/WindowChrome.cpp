@@ -262,11 +262,11 @@ void WindowChrome::paintGround() {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF rect = m_window->rect();
     const double radius = m_hasRoundCorners && !fillsScreen() ? cornerRadius : 0;
-    painter.fillPath(roundedTop(rect, radius), AppTheme::titleBar());
+    painter.fillPath(roundedTop(rect, radius), QColor(AppTheme::titleBar()));
     if (!fillsScreen()) {
         const double inset = hairline / 2;
         painter.strokePath(roundedTop(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
-                           QPen(AppTheme::paneStroke(), hairline));
+                           QPen(QColor(AppTheme::paneStroke()), hairline));
     }
 }
 
