@@ -421,8 +421,9 @@ TEST_F(WindowChromeTest, MovesByItsBandOnly) {
         QTest::mouseMove(window.windowHandle(), {300, 300});
         EXPECT_EQ(window.geometry(), test.moves ? before.translated(30, 20) : before) << "let go";
     }
+    const QRect before = window.geometry();
     drag({250, 26}, {4, 0});
-    EXPECT_EQ(window.pos().y(), 70) << "a click";
+    EXPECT_EQ(window.geometry(), before) << "a click";
 }
 
 TEST_F(WindowChromeTest, CannotBeLost) {
@@ -491,7 +492,7 @@ TEST_F(WindowChromeTest, ButtonsSayWhatTheyDo) {
                              Case{WindowButton::zoom, "Zoom"}}) {
         const QAbstractButton *button = chrome.titleBar()->button(test.button);
         EXPECT_EQ(button->accessibleName().toStdString(), test.name);
-        EXPECT_EQ(button->toolTip().toStdString(), test.name);
+        EXPECT_THAT(button->toolTip().toStdString(), ::testing::HasSubstr(test.name));
     }
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, {48, 26});
     EXPECT_TRUE(window.isMinimized());
@@ -501,10 +502,10 @@ TEST_F(WindowChromeTest, ButtonsSayWhatTheyDo) {
 }
 
 TEST_F(WindowChromeTest, WearsTheTheme) {
-    const auto band = [&] { return window.grab().toImage().pixelColor(300, 20); };
+    const auto band = [&] { return window.grab().toImage().pixel(300, 20); };
     for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {
         AppTheme::setScheme(scheme);
-        EXPECT_EQ(band(), QColor(AppTheme::titleBar()).toRgb());
+        EXPECT_EQ(band(), QColor(AppTheme::titleBar()).rgb());
     }
 }
 

@@ -27,6 +27,7 @@ QString withoutDamage(const QString &path) {
     if (!QFileInfo(path).isFile())
         return path;
     const QSettings probe(path, QSettings::IniFormat);
+    probe.allKeys(); // reads to the end, which the constructor does not
     if (probe.status() == QSettings::FormatError) {
         const QString aside = path + QStringLiteral(".damaged");
         QFile::remove(aside);
