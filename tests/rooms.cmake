@@ -9,7 +9,6 @@ vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.
 vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.cpp)
 vantrel_test(AnalyticsNetworkTests LIBRARIES vantrel_analytics SOURCES AnalyticsNetworkTests.cpp
              support/LocalHttpServer.cpp)
-vantrel_test(ChromeTests LIBRARIES vantrel_ui SOURCES ChromeTests.cpp)
 vantrel_gui_test(ChromeTests LIBRARIES vantrel_ui SOURCES ChromeTests.cpp)
 vantrel_test(UpdaterTests LIBRARIES vantrel_ui SOURCES UpdaterTests.cpp support/HttpsServer.cpp support/HttpsServer.h)
 vantrel_gui_test(AboutTests LIBRARIES vantrel_ui SOURCES AboutTests.cpp)
