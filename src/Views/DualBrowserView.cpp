@@ -1,0 +1,66 @@
+#include "Views/DualBrowserView.h"
+
+#include "State/AppState.h"
+#include "Views/AndroidBrowserPane.h"
+#include "Views/MacBrowserPane.h"
+#include "Views/TransferButtons.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+
+namespace vantrel {
+
+namespace {
+
+bool editsText(const QWidget *control) {
+    return qobject_cast<const QLineEdit *>(control) || qobject_cast<const QTextEdit *>(control) ||
+           qobject_cast<const QPlainTextEdit *>(control);
+}
+
+} // namespace
+
+DualBrowserView::DualBrowserView(AppState *state, QWidget *parent) : QWidget(parent), m_state(state) {
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(10);
+    row->addWidget(new AndroidBrowserPane(state), 1);
+    row->addWidget(new TransferButtons(state));
+    row->addWidget(new MacBrowserPane(state), 1);
+    setMinimumHeight(320);
+}
+
+DualBrowserView::KeyOutcome DualBrowserView::handleKeyEvent(const QKeyEvent &event, AppState &state) {
+    if (editsText(QApplication::focusWidget()) || QApplication::activePopupWidget() ||
+        QApplication::activeModalWidget())
+        return KeyOutcome::passedOn;
+    const BrowserSide side = state.focusedBrowserSide();
+    // The toolkit calls the Mac's Command key Control, so this is the platform's own shortcut everywhere.
+    if (event.modifiers().testFlag(Qt::ControlModifier) && event.key() == Qt::Key_A) {
+        state.selectAllVisible(side);
+        return KeyOutcome::consumed;
+    }
+    if (event.key() == Qt::Key_Escape) {
+        state.clearSelection(side);
+        return KeyOutcome::consumed;
+    }
+    return KeyOutcome::passedOn;
+}
+
+bool DualBrowserView::eventFilter(QObject *, QEvent *event) {
+    return event->type() == QEvent::KeyPress &&
+           handleKeyEvent(*static_cast<QKeyEvent *>(event), *m_state) == KeyOutcome::consumed;
+}
+
+void DualBrowserView::showEvent(QShowEvent *) {
+    qApp->installEventFilter(this);
+}
+
+void DualBrowserView::hideEvent(QHideEvent *) {
+    qApp->removeEventFilter(this);
+}
+
+} // namespace vantrel

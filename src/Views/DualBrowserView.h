@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QWidget>
+
+class QKeyEvent;
+
+namespace vantrel {
+
+class AppState;
+
+/// The middle of the window: the phone's pane, the copy buttons and the computer's pane, side by side. While
+/// it is on screen it also handles, for the whole application, the two keys that act on the focused pane's
+/// selection: Command-A (Control-A off the Mac) and Escape.
+class DualBrowserView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// What becomes of a key: it goes on to the focused control, or it ends here.
+    enum class KeyOutcome { passedOn, consumed };
+
+    /// The state must outlive the view.
+    explicit DualBrowserView(AppState *state, QWidget *parent = nullptr);
+
+    /// Selects all, clears, or lets the key pass. A control that edits text, an open menu and a dialog keep
+    /// all their keys.
+    static KeyOutcome handleKeyEvent(const QKeyEvent &event, AppState &state);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    AppState *m_state;
+};
+
+} // namespace vantrel
