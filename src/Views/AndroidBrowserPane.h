@@ -10,7 +10,8 @@ class AppState;
 class FilePaneView;
 class Spinner;
 
-/// The phone's file pane: FilePaneView on the model.
+/// The phone's file pane: a FilePaneView on the model.
+/// It starts the search anew whenever the search text or scope changes.
 class AndroidBrowserPane : public QWidget {
     Q_OBJECT
 
@@ -18,12 +19,15 @@ public:
     /// The state must outlive the view.
     explicit AndroidBrowserPane(AppState *state, QWidget *parent = nullptr);
 
+    /// The folder that "Go back" leads to; it never leaves the shared storage.
+    [[nodiscard]] static QString parentAndroidPath(const QString &path);
+
 private:
     void render();
 
     AppState *m_state;
-    FilePaneView *m_pane = nullptr;
-    Spinner *m_spinner = nullptr;
+    FilePaneView *m_pane;
+    Spinner *m_spinner;
     RenderScheduler m_rendering{[this] { render(); }};
 };
 

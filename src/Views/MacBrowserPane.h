@@ -10,7 +10,7 @@ class AppState;
 class FilePaneView;
 class Spinner;
 
-/// The computer's file pane: FilePaneView on the model.
+/// The computer's file pane: a FilePaneView on the model.
 class MacBrowserPane : public QWidget {
     Q_OBJECT
 
@@ -22,8 +22,8 @@ private:
     void render();
 
     AppState *m_state;
-    FilePaneView *m_pane = nullptr;
-    Spinner *m_spinner = nullptr;
+    FilePaneView *m_pane;
+    Spinner *m_spinner;
     RenderScheduler m_rendering{[this] { render(); }};
 };
 

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "App/AppTheme.h"
+#include "Views/FileEntry.h"
+
+#include <QRectF>
+
+class QPainter;
+
+namespace vantrel {
+
+/// Where the parts of a grid cell lie inside its rectangle, in layout pixels.
+struct FileGridCellGeometry {
+    static constexpr double tileHeight = 72;
+    static constexpr double tileRadius = 10;
+    static constexpr int nameLines = 2;
+
+    explicit FileGridCellGeometry(const QRectF &rect);
+
+    /// Of every cell, whether its name takes two lines or one: the tiles of a row stand in line.
+    [[nodiscard]] static int height();
+
+    QRectF tile;
+    QRectF badge;
+    QRectF badgeTarget; ///< the badge with its margin: what a click on the mark has to hit
+    QRectF name;        ///< room for nameLines lines
+    QRectF caption;     ///< below a name of one line; a second line moves it down
+};
+
+/// One entry in the grid layout.
+struct FileGridCell : FileEntry {
+    /// The symbol and the colour of a file, from the end of its name: as in the list, but pictures have their
+    /// own.
+    [[nodiscard]] static QString fileIcon(const QString &name);
+    [[nodiscard]] static ThemeColor fileColor(const QString &name);
+
+    [[nodiscard]] QString icon() const;
+    [[nodiscard]] ThemeColor iconColor() const;
+
+    [[nodiscard]] Part hitTest(const QRectF &rect, const QPointF &point) const;
+    /// Whether the name is too long to be shown in full.
+    [[nodiscard]] bool cutsName(const QRectF &rect) const;
+    void paint(QPainter &painter, const QRectF &rect) const;
+
+    /// Whether the two are painted alike.
+    friend bool operator==(const FileGridCell &a, const FileGridCell &b) { return shareLook(a, b); }
+};
+
+} // namespace vantrel

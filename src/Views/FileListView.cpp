@@ -1,0 +1,59 @@
+#include "Views/FileListView.h"
+
+#include "App/AppTheme.h"
+#include "Views/FileRow.h"
+
+#include <QPainter>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int dividerHeight = 1;
+
+QRect withoutDivider(const QRect &rect) {
+    return rect.adjusted(0, 0, 0, -dividerHeight);
+}
+
+} // namespace
+
+FileListView::FileListView(QWidget *parent) : FileItemsView(parent) {
+    setObjectName(QStringLiteral("fileList"));
+}
+
+int FileListView::pitch() const {
+    return FileRowGeometry::height(contents().showsLocation) + dividerHeight;
+}
+
+int FileListView::contentHeight() const {
+    return int(count()) * pitch();
+}
+
+QRect FileListView::rectOf(qsizetype index) const {
+    return {0, int(index) * pitch(), viewport()->width(), pitch()};
+}
+
+FileItemsView::Range FileListView::entriesBetween(int top, int bottom) const {
+    return {top / pitch(), bottom / pitch()};
+}
+
+bool FileListView::looksSame(const FileEntry &a, const FileEntry &b) const {
+    return FileRow{a} == FileRow{b};
+}
+
+FileEntry::Part FileListView::partAt(const FileEntry &entry, const QRect &rect, const QPoint &point) const {
+    return FileRow{entry}.hitTest(rect, point);
+}
+
+bool FileListView::cutsName(const FileEntry &entry, const QRect &rect) const {
+    return FileRow{entry}.cutsName(rect);
+}
+
+void FileListView::paintEntry(QPainter &painter, const FileEntry &entry, const QRect &rect) const {
+    FileRow{entry}.paint(painter, withoutDivider(rect));
+    painter.fillRect(
+        QRect(rect.left() + dividerIndent, rect.bottom(), rect.width() - dividerIndent, dividerHeight),
+        AppTheme::stroke());
+}
+
+} // namespace vantrel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "State/Records/Enumerations.h"
+#include "State/Records/FileItem.h"
+
+#include <QList>
+#include <QSet>
+
+#include <functional>
+#include <optional>
+
+namespace vantrel {
+
+class Desktop;
+
+/// A value that a view shows and may change: what it is now, and how to set it.
+template <typename T>
+struct Binding {
+    T value;
+    std::function<void(const T &)> set;
+};
+
+/// Everything that a FilePaneView shows and calls. An absent callback (an empty function) or binding hides or
+/// disables its control. Copies share the lists.
+struct FilePane {
+    QString title;
+    QString pathLabel;
+    QList<FileItem> items = {};   ///< in the order in which they are shown
+    QSet<QUuid> selectedIDs = {}; ///< may hold more than what is among the items
+    QString footerLeading = {};
+    QString footerTrailing = {};
+    std::function<void(const FileItem &)> onToggle = {}; ///< never absent
+    std::function<void(const FileItem &)> onSelect = {}; ///< absent: a click toggles
+    std::function<void()> onToggleSelectAll = {};
+    std::function<void(const FileItem &)> onOpen = {};
+    std::function<void()> onFocus = {}; ///< the pane was clicked beside its controls
+    std::function<void()> onBack = {};
+    std::function<void()> onRefresh = {};
+    std::function<void()> onChooseFolder = {};
+    std::function<void()> onNewFolder = {};
+    std::function<void()> onHome = {};
+    std::optional<Binding<QString>> searchText = {};
+    std::optional<Binding<AndroidSearchScope>> searchScope = {};
+    std::function<void()> onClearSearch = {}; ///< absent: the text is emptied
+    bool showsItemLocation = false;
+    qint64 focusSearchToken = 0; ///< every change puts the caret into the search field
+    bool showsMacContextMenu = false;
+    bool showsOpenContextMenu = false;
+    std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
+    Desktop *desktop = nullptr; ///< what the computer's context menu acts on; needed where that is shown
+
+    [[nodiscard]] PaneSelectAllState selectAllState() const;
+};
+
+} // namespace vantrel

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "Views/FilePane.h"
+
+#include <QWidget>
+
+class QLineEdit;
+
+namespace vantrel {
+
+class FileGridView;
+class FileItemsView;
+class FileListView;
+class IconButton;
+class ScopePicker;
+class SelectAllBox;
+class TextLabel;
+struct FileEntry;
+
+/// A file browser: a title, a path, tools, a search row, the entries as a list or a grid, a footer. It knows
+/// neither phone nor computer; it shows a FilePane and reports what the user does through the FilePane's
+/// callbacks.
+///
+/// Long texts are shortened; none makes the pane wider.
+class FilePaneView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit FilePaneView(QWidget *parent = nullptr);
+
+    /// Shows this from now on. Only what differs is touched.
+    void setPane(const FilePane &pane);
+    [[nodiscard]] const FilePane &pane() const { return m_pane; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+
+private:
+    [[nodiscard]] QWidget *makeHeader();
+    [[nodiscard]] QWidget *makeSearchBar();
+    [[nodiscard]] QWidget *makeColumnHeaders();
+    [[nodiscard]] QWidget *makeGridSelectAllBar();
+    [[nodiscard]] QWidget *makeFooter();
+    [[nodiscard]] IconButton *makeTool(const QString &objectName, const QString &symbol, const QString &help);
+    void connectEntries(FileItemsView *view);
+
+    void showTools();
+    void showSearch();
+    void showSelectAll(PaneSelectAllState state);
+    [[nodiscard]] bool isGrid() const;
+    [[nodiscard]] FileItemsView *entries() const;
+
+    void open(const FileItem &item);
+    void select(const FileItem &item);
+    void clearSearch();
+    void toggleSelectAll();
+    void showContextMenu(const FileEntry &entry, const QPoint &position);
+    void recolor();
+
+    FilePane m_pane;
+    bool m_isFirst = true; ///< nothing was shown yet
+
+    QWidget *m_header;
+    TextLabel *m_title;
+    TextLabel *m_path;
+    IconButton *m_back;
+    IconButton *m_home;
+    IconButton *m_chooseFolder;
+    IconButton *m_newFolder;
+    IconButton *m_refresh;
+    IconButton *m_listTool;
+    IconButton *m_gridTool;
+
+    QWidget *m_searchBar;
+    QLineEdit *m_searchField;
+    ScopePicker *m_scopePicker;
+    IconButton *m_clearSearch;
+
+    QWidget *m_columnHeaders;
+    TextLabel *m_nameColumn;
+    SelectAllBox *m_columnSelectAll;
+    QWidget *m_gridBar;
+    SelectAllBox *m_gridSelectAll;
+    TextLabel *m_gridSelectAllTitle;
+
+    FileListView *m_list;
+    FileGridView *m_grid;
+
+    QWidget *m_footer;
+    TextLabel *m_footerLeading;
+    TextLabel *m_footerTrailing;
+};
+
+} // namespace vantrel

@@ -1,0 +1,118 @@
+#include "Views/FileRow.h"
+
+#include "Views/Kit/Symbol.h"
+#include "Views/Kit/TextStyle.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace vantrel {
+
+namespace {
+
+constexpr TextStyle nameStyle{12.5, Weight::medium};
+constexpr TextStyle locationStyle{10.5, Weight::medium};
+constexpr TextStyle columnStyle{11.5, Weight::medium};
+
+constexpr double iconWidth = 16;
+constexpr double iconGap = 8;
+constexpr double lineGap = 1;
+
+constexpr double verticalInset(bool showsLocation) {
+    return showsLocation ? 8 : 7;
+}
+
+struct FileKind {
+    std::initializer_list<QLatin1String> suffixes;
+    QLatin1String icon;
+    ThemeColor (*color)();
+};
+
+const FileKind &kindOf(const QString &name) {
+    static const FileKind kinds[] = {
+        {{QLatin1String(".mp4"), QLatin1String(".mov")}, QLatin1String("film"), &AppTheme::systemPurple},
+        {{QLatin1String(".m4a"), QLatin1String(".mp3")}, QLatin1String("music.note"), &AppTheme::systemPink},
+        {{QLatin1String(".zip")}, QLatin1String("doc.zipper"), &AppTheme::systemOrange},
+        {{QLatin1String(".txt")}, QLatin1String("doc.text"), &AppTheme::inkSecondary},
+    };
+    static const FileKind anyFile{{}, QLatin1String("doc.fill"), &AppTheme::inkSecondary};
+    const QString lowered = name.toLower();
+    const auto ends = [&lowered](QLatin1String suffix) { return lowered.endsWith(suffix); };
+    const auto *kind = std::find_if(std::begin(kinds), std::end(kinds), [&ends](const FileKind &candidate) {
+        return std::any_of(candidate.suffixes.begin(), candidate.suffixes.end(), ends);
+    });
+    return kind != std::end(kinds) ? *kind : anyFile;
+}
+
+} // namespace
+
+FileRowGeometry::FileRowGeometry(const QRectF &rect, bool showsLocation)
+    : checkbox(rect.left() + inset, rect.top(), checkboxWidth, rect.height()) {
+    const double nameCell =
+        std::max(0.0, rect.width() - 2 * inset - checkboxWidth - sizeWidth - modifiedWidth);
+    size = QRectF(checkbox.right() + nameCell, rect.top(), sizeWidth, rect.height());
+    modified = QRectF(size.right(), rect.top(), modifiedWidth, rect.height());
+
+    icon = QRectF(checkbox.right(), rect.top(), std::min(iconWidth, nameCell), rect.height());
+    const double textLeft = checkbox.right() + iconWidth + iconGap;
+    const double textWidth = std::max(0.0, size.left() - textLeft);
+    name = QRectF(textLeft, rect.top() + verticalInset(showsLocation), textWidth, nameStyle.lineHeight());
+    if (showsLocation)
+        location = QRectF(textLeft, name.bottom() + lineGap, textWidth, locationStyle.lineHeight());
+}
+
+int FileRowGeometry::height(bool showsLocation) {
+    const double text = nameStyle.lineHeight() + (showsLocation ? lineGap + locationStyle.lineHeight() : 0);
+    return int(text + 2 * verticalInset(showsLocation));
+}
+
+QString FileRow::fileIcon(const QString &name) {
+    return kindOf(name).icon;
+}
+
+ThemeColor FileRow::fileColor(const QString &name) {
+    return kindOf(name).color();
+}
+
+QString FileRow::icon() const {
+    return item.isDirectory ? QStringLiteral("folder.fill") : fileIcon(item.name);
+}
+
+ThemeColor FileRow::iconColor() const {
+    return item.isDirectory ? AppTheme::folderBlue() : fileColor(item.name);
+}
+
+FileEntry::Part FileRow::hitTest(const QRectF &rect, const QPointF &point) const {
+    return FileRowGeometry(rect, showsLocation).checkbox.contains(point) ? Part::mark : Part::body;
+}
+
+bool FileRow::cutsName(const QRectF &rect) const {
+    return nameStyle.width(item.name) > FileRowGeometry(rect, showsLocation).name.width();
+}
+
+void FileRow::paint(QPainter &painter, const QRectF &rect) const {
+    const FileRowGeometry parts(rect, showsLocation);
+    if (isSelected)
+        painter.fillRect(rect, AppTheme::accentSoft());
+
+    const Symbol box{isSelected ? QStringLiteral("checkmark.square.fill") : QStringLiteral("square"), 13,
+                     Weight::medium};
+    QRectF boxRect = parts.checkbox;
+    boxRect.setWidth(box.naturalSize().width());
+    box.paint(painter, boxRect, isSelected ? AppTheme::accent() : AppTheme::inkTertiary());
+
+    if (parts.icon.width() >= iconWidth)
+        Symbol{icon(), 13, Weight::semibold}.paint(painter, parts.icon, iconColor());
+
+    paintText(painter, parts.name, item.name, nameStyle, AppTheme::ink());
+    if (showsLocation)
+        paintText(painter, parts.location, locationLabel(), locationStyle, AppTheme::inkTertiary());
+
+    constexpr auto trailing = Qt::AlignRight | Qt::AlignVCenter;
+    paintText(painter, parts.size, item.sizeLabel(), columnStyle, AppTheme::inkSecondary(), trailing);
+    paintText(painter, parts.modified, item.modifiedLabel(), columnStyle, AppTheme::inkSecondary(), trailing);
+}
+
+} // namespace vantrel

@@ -1,0 +1,58 @@
+#include "Views/SelectAllBox.h"
+
+#include "App/AppTheme.h"
+#include "Views/Kit/Shapes.h"
+#include "Views/Kit/Symbol.h"
+#include "Views/Kit/TextStyle.h"
+
+#include <QPainter>
+
+namespace vantrel {
+
+namespace {
+
+Symbol symbolOf(Qt::CheckState state) {
+    const QString name = state == Qt::Checked            ? QStringLiteral("checkmark.square.fill")
+                         : state == Qt::PartiallyChecked ? QStringLiteral("minus.square.fill")
+                                                         : QStringLiteral("square");
+    return {name, 13, Weight::medium};
+}
+
+} // namespace
+
+SelectAllBox::SelectAllBox(QWidget *parent) : QCheckBox(parent) {
+    setTristate(true);
+    setFocusPolicy(Qt::TabFocus);
+    setFixedSize(sizeHint());
+    setSelection(PaneSelectAllState::none);
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
+}
+
+QString SelectAllBox::title(PaneSelectAllState selection) {
+    return selection == PaneSelectAllState::all ? QStringLiteral("Deselect all")
+                                                : QStringLiteral("Select all");
+}
+
+void SelectAllBox::setSelection(PaneSelectAllState selection) {
+    setCheckState(selection == PaneSelectAllState::all       ? Qt::Checked
+                  : selection == PaneSelectAllState::partial ? Qt::PartiallyChecked
+                                                             : Qt::Unchecked);
+    setToolTip(plainToolTip(title(selection)));
+    setAccessibleName(title(selection));
+}
+
+QSize SelectAllBox::sizeHint() const {
+    return symbolOf(Qt::Unchecked).naturalSize().toSize();
+}
+
+void SelectAllBox::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    const ThemeColor color = !isEnabled()                    ? AppTheme::inkTertiary().withOpacity(0.45)
+                             : checkState() == Qt::Unchecked ? AppTheme::inkTertiary()
+                                                             : AppTheme::accent();
+    symbolOf(checkState()).paint(painter, rect(), color);
+    if (hasFocus())
+        paintFocusRing(painter, rect(), 4);
+}
+
+} // namespace vantrel
