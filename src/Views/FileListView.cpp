@@ -51,9 +51,11 @@ bool FileListView::cutsName(const FileEntry &entry, const QRect &rect) const {
 
 void FileListView::paintEntry(QPainter &painter, const FileEntry &entry, const QRect &rect) const {
     FileRow{entry}.paint(painter, withoutDivider(rect));
-    painter.fillRect(
-        QRect(rect.left() + dividerIndent, rect.bottom(), rect.width() - dividerIndent, dividerHeight),
-        AppTheme::stroke());
+    const QRect line(rect.left(), rect.bottom(), rect.width(), dividerHeight);
+    // Selected rows touch: no notch of the background between them where the divider is indented.
+    if (entry.isSelected)
+        painter.fillRect(line, AppTheme::accentSoft());
+    painter.fillRect(line.adjusted(dividerIndent, 0, 0, 0), AppTheme::stroke());
 }
 
 } // namespace vantrel

@@ -417,6 +417,13 @@ QSize FilePaneView::sizeHint() const {
     return {480, 480};
 }
 
+QSize FilePaneView::minimumSizeHint() const {
+    // Beside the fixed columns and the tools there is room for the beginning of a name.
+    constexpr int narrowest = 320;
+    const QSize hint = QWidget::minimumSizeHint();
+    return {qMax(narrowest, hint.width()), hint.height()};
+}
+
 void FilePaneView::recolor() {
     setPalette(AppTheme::palette());
     update();

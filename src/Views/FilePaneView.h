@@ -33,6 +33,7 @@ public:
     [[nodiscard]] const FilePane &pane() const { return m_pane; }
 
     [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
