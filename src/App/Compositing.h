@@ -6,4 +6,7 @@ namespace vantrel {
 /// corners. Asked once, when a window is made. Needs the application object.
 [[nodiscard]] bool desktopBlendsWindows();
 
+/// Radius of a window's round corners, in layout pixels.
+inline constexpr double windowCornerRadius = 12;
+
 } // namespace vantrel

@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QPainter>
+#include <QPainterPath>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -14,7 +15,6 @@ namespace vantrel {
 
 namespace {
 
-constexpr double cornerRadius = 12;
 constexpr int gapBelowTitleBar = 24;
 
 /// A veil over the window that takes no part in anything.
@@ -30,7 +30,11 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        painter.fillRect(rect(), AppTheme::dimming());
+        painter.setRenderHint(QPainter::Antialiasing);
+        // What lies outside the window's round corners is not the window's.
+        const bool isRound = window()->testAttribute(Qt::WA_TranslucentBackground) &&
+                             !window()->isMaximized() && !window()->isFullScreen();
+        painter.fillPath(roundedTop(rect(), isRound ? windowCornerRadius : 0), QColor(AppTheme::dimming()));
     }
 };
 
@@ -97,7 +101,7 @@ void Sheet::place() {
 
 void Sheet::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    paintCard(painter, rect(), m_hasRoundCorners ? cornerRadius : 0, AppTheme::surface(),
+    paintCard(painter, rect(), m_hasRoundCorners ? windowCornerRadius : 0, AppTheme::surface(),
               AppTheme::paneStroke());
 }
 

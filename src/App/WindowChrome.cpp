@@ -28,8 +28,6 @@ namespace vantrel {
 
 namespace {
 
-constexpr double cornerRadius = 12;
-
 bool isWayland() {
     return QGuiApplication::platformName().startsWith(QLatin1StringView("wayland"));
 }
@@ -251,7 +249,7 @@ void WindowChrome::fitShape() {
     const bool fills = fillsScreen();
     const int line = fills ? 0 : int(hairline);
     m_window->setContentsMargins(line, line, line, line);
-    m_titleBar->setCornerRadius(m_hasRoundCorners && !fills ? cornerRadius - line : 0);
+    m_titleBar->setCornerRadius(m_hasRoundCorners && !fills ? windowCornerRadius - line : 0);
     pointAt({});
     m_window->update();
 #endif
@@ -261,7 +259,7 @@ void WindowChrome::paintGround() {
     QPainter painter(m_window);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF rect = m_window->rect();
-    const double radius = m_hasRoundCorners && !fillsScreen() ? cornerRadius : 0;
+    const double radius = m_hasRoundCorners && !fillsScreen() ? windowCornerRadius : 0;
     painter.fillPath(roundedTop(rect, radius), QColor(AppTheme::titleBar()));
     if (!fillsScreen()) {
         const double inset = hairline / 2;
