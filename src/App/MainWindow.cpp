@@ -1,0 +1,116 @@
+#include "App/MainWindow.h"
+
+#include "App/AboutView.h"
+#include "App/ApplicationMenu.h"
+#include "App/ContentView.h"
+#include "App/Product.h"
+#include "App/Settings.h"
+#include "App/TitleBar.h"
+#include "App/ToolbarButton.h"
+#include "App/WindowChrome.h"
+#include "State/AppState.h"
+
+#include <QCloseEvent>
+
+namespace vantrel {
+
+MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
+    : QMainWindow(parent), m_settings(settings), m_state(AppState::designPreview(desktop)),
+      m_pollTimer(new QTimer(this)) {
+    AppTheme::setScheme(settings.appearancePreference());
+    setObjectName(QStringLiteral("mainWindow"));
+    setWindowTitle(product::name());
+    setMinimumSize(minimum);
+    resize(standard);
+    m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
+    addToolbarButtons(updater);
+    setCentralWidget(new ContentView(m_state.get(), this));
+
+    m_pollTimer->setObjectName(QStringLiteral("devicePoll"));
+    m_pollTimer->setSingleShot(true);
+    m_pollTimer->setInterval(pollInterval);
+    connect(m_pollTimer, &QTimer::timeout, this, &MainWindow::poll);
+}
+
+MainWindow::~MainWindow() {
+    // The views hold on to the model and go first.
+    delete takeCentralWidget();
+}
+
+void MainWindow::addToolbarButtons(Updater &updater) {
+    TitleBar *bar = m_chrome->titleBar();
+    m_appearance = new ToolbarButton(bar);
+    m_appearance->setObjectName(QStringLiteral("toolbar.appearance"));
+    connect(m_appearance, &QAbstractButton::clicked, this, [this] {
+        setAppearancePreference(AppTheme::scheme() == ColorScheme::dark ? ColorScheme::light
+                                                                        : ColorScheme::dark);
+    });
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, &MainWindow::renderAppearanceButton);
+    renderAppearanceButton();
+
+    auto *about = new ToolbarButton(bar);
+    about->setObjectName(QStringLiteral("toolbar.about"));
+    about->setContent(QStringLiteral("info.circle"), QStringLiteral("About"),
+                      QStringLiteral("About Vantrel"));
+    connect(about, &QAbstractButton::clicked, this, &MainWindow::showAbout);
+
+    bar->addToolbarWidget(m_appearance);
+    bar->addToolbarWidget(about);
+    auto *menu = new ApplicationMenu(this, &updater);
+    connect(menu, &ApplicationMenu::aboutRequested, this, &MainWindow::showAbout);
+    if (QWidget *button = menu->createButton(bar))
+        bar->addToolbarWidget(button);
+}
+
+void MainWindow::renderAppearanceButton() {
+    if (AppTheme::scheme() == ColorScheme::dark)
+        m_appearance->setContent(QStringLiteral("sun.max"), QStringLiteral("Light"),
+                                 QStringLiteral("Switch to Light mode"));
+    else
+        m_appearance->setContent(QStringLiteral("moon"), QStringLiteral("Dark"),
+                                 QStringLiteral("Switch to Dark mode"));
+}
+
+void MainWindow::setAppearancePreference(ColorScheme scheme) {
+    m_settings.setAppearancePreference(scheme);
+    AppTheme::setScheme(scheme);
+}
+
+void MainWindow::showAbout() {
+    auto *about = new AboutView(this);
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->open();
+}
+
+void MainWindow::showEvent(QShowEvent *event) {
+    QMainWindow::showEvent(event);
+    if (m_isStarted)
+        return;
+    m_isStarted = true;
+    // The first frame comes before the first tool is started.
+    QTimer::singleShot(0, this, &MainWindow::runStartUp);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event) {
+    QMainWindow::closeEvent(event);
+    if (event->isAccepted()) {
+        m_pollTimer->stop();
+        m_isStarted = false;
+    }
+}
+
+QCoro::Task<> MainWindow::runStartUp() {
+    // The model ends before this window does, and with it whatever is awaited here.
+    co_await m_state->browseMac(m_state->macPath());
+    co_await m_state->refreshDevice(AppState::Spinner::shown);
+    if (m_isStarted)
+        m_pollTimer->start();
+}
+
+QCoro::Task<> MainWindow::poll() {
+    co_await m_state->refreshDevice(AppState::Spinner::hidden);
+    if (m_isStarted)
+        m_pollTimer->start();
+}
+
+} // namespace vantrel

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "App/AppTheme.h"
+
+#include <QCoroTask>
+#include <QMainWindow>
+#include <QTimer>
+
+#include <chrono>
+#include <memory>
+
+namespace vantrel {
+
+class AppState;
+class Desktop;
+class Settings;
+class ToolbarButton;
+class Updater;
+class WindowChrome;
+
+/// The window of the program. It owns the model and looks for the phone for as long as it is open.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    static constexpr QSize minimum{1100, 720}; ///< layout pixels, with the title bar
+    static constexpr QSize standard{1280, 820};
+    /// From the end of one look at the phone to the next.
+    static constexpr std::chrono::seconds pollInterval{3};
+
+    /// All of them must outlive the window. It takes the colour scheme from the settings at once.
+    MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    [[nodiscard]] AppState &state() const { return *m_state; }
+
+    /// Shows the About window over this one.
+    void showAbout();
+    /// Changes the colour scheme of everything, for this start and the next ones.
+    void setAppearancePreference(ColorScheme scheme);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void addToolbarButtons(Updater &updater);
+    void renderAppearanceButton();
+    QCoro::Task<> runStartUp();
+    QCoro::Task<> poll();
+
+    Settings &m_settings;
+    std::unique_ptr<AppState> m_state;
+    WindowChrome *m_chrome;
+    ToolbarButton *m_appearance = nullptr;
+    QTimer *m_pollTimer;
+    bool m_isStarted = false;
+};
+
+} // namespace vantrel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Views/Kit/RenderScheduler.h"
+
+#include <QList>
+#include <QWidget>
+
+namespace vantrel {
+
+class AppState;
+class IconButton;
+class ProgressBar;
+class Spinner;
+class TextLabel;
+class ShortcutRow;
+class StatusDot;
+
+/// The column at the left of the window: the phone with its storage, and the shortcuts to its folders.
+class SidebarView : public QWidget {
+    Q_OBJECT
+
+public:
+    static constexpr int columnWidth = 240; ///< layout pixels
+
+    /// The model must outlive the view.
+    explicit SidebarView(AppState *state, QWidget *parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QWidget *deviceCard();
+    QWidget *sectionHeader(const QString &title);
+    QWidget *shortcutList();
+    void render();
+
+    AppState *m_state;
+    TextLabel *m_title = nullptr;
+    Spinner *m_refreshing = nullptr;
+    StatusDot *m_dot = nullptr;
+    TextLabel *m_status = nullptr;
+    IconButton *m_refresh = nullptr;
+    TextLabel *m_message = nullptr;
+    ProgressBar *m_storage = nullptr;
+    TextLabel *m_storageText = nullptr;
+    TextLabel *m_model = nullptr;
+    QList<ShortcutRow *> m_shortcuts; ///< in the model's order
+    RenderScheduler m_rendering{[this] { render(); }};
+};
+
+} // namespace vantrel

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Views/Kit/RenderScheduler.h"
+
+#include <QWidget>
+
+namespace vantrel {
+
+class AppState;
+class Card;
+class IconButton;
+class QueueListView;
+class TextLabel;
+
+/// The panel of all copies: waiting, running and done. It asks for the height of all its rows; in less they
+/// scroll inside its card.
+class TransferQueueView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The model must outlive the view.
+    explicit TransferQueueView(AppState *state, QWidget *parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    /// With at least one row in view.
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+private:
+    void render();
+    /// The panel's height when its body is that high.
+    [[nodiscard]] int heightAround(int bodyHeight) const;
+
+    AppState *m_state;
+    QWidget *m_header;
+    TextLabel *m_note;
+    IconButton *m_clear;
+    Card *m_card;
+    QWidget *m_hint;
+    QueueListView *m_list;
+    qsizetype m_shownCount = 0; ///< rows that the height was last asked for
+    RenderScheduler m_rendering{[this] { render(); }};
+};
+
+} // namespace vantrel
