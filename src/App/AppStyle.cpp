@@ -124,7 +124,7 @@ void AppStyle::drawComplexControl(ComplexControl control, const QStyleOptionComp
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->fillPath(capsule(thumb),
-                      AppTheme::inkTertiary().withOpacity(pressed ? 0.95 : pointedAt ? 0.75 : 0.5));
+                      QColor(AppTheme::inkTertiary().withOpacity(pressed ? 0.95 : pointedAt ? 0.75 : 0.5)));
     painter->restore();
 }
 

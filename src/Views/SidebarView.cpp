@@ -55,7 +55,7 @@ protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.fillPath(capsule(rect()), m_color);
+        painter.fillPath(capsule(rect()), QColor(m_color));
     }
 
 private:
@@ -145,6 +145,7 @@ QWidget *SidebarView::deviceCard() {
     m_refreshing = new Spinner(Spinner::Size::mini, QStringLiteral("Checking the device"), card);
     m_refreshing->setObjectName(QStringLiteral("sidebar.device.refreshing"));
     m_dot = new StatusDot(card);
+    m_dot->setObjectName(QStringLiteral("sidebar.device.statusDot"));
     m_status = text(QStringLiteral("sidebar.device.status"), {11, Weight::semibold}, AppTheme::danger());
     m_refresh = new IconButton({24, 24}, IconButton::circle, card);
     m_refresh->setObjectName(QStringLiteral("sidebar.refresh"));

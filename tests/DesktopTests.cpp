@@ -1,0 +1,198 @@
+// The desktop that the program runs on: its questions, and what it passes on to the system.
+
+#include "support/Shell.h"
+
+#include "App/FileManager.h"
+#include "App/QtDesktop.h"
+#include "App/TextPrompt.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDBusServer>
+#include <QDBusVirtualObject>
+#include <QDBusMessage>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QPushButton>
+
+namespace vantrel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class DesktopTests : public ShellTest {
+protected:
+    DesktopTests() {
+        window = show(new QMainWindow, {1100, 720});
+        real.setWindow(window);
+    }
+
+    [[nodiscard]] TextPrompt *prompt() const {
+        auto *found = window->findChild<TextPrompt *>();
+        EXPECT_TRUE(found && found->isVisible());
+        return found;
+    }
+    QFuture<std::optional<QString>> ask() {
+        return real.askForText({u"New Folder"_s, u"Enter a name for the new folder:"_s, u"Create"_s,
+                                u"Cancel"_s, u"New Folder"_s});
+    }
+
+    QtDesktop real;
+    QMainWindow *window = nullptr;
+};
+
+TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
+    struct Case {
+        const char *name;
+        std::function<void(TextPrompt *)> answer;
+        std::optional<QString> expected;
+    };
+    const auto field = [](TextPrompt *shown) { return shown->findChild<QLineEdit *>(); };
+    const auto button = [](TextPrompt *shown, const QString &name) {
+        return shown->findChild<QAbstractButton *>(name);
+    };
+    const Case cases[] = {
+        {"Return", [&](TextPrompt *shown) { QTest::keyClick(field(shown), Qt::Key_Return); }, u"New Folder"_s},
+        {"typed over the selection",
+         [&](TextPrompt *shown) {
+             QTest::keyClicks(field(shown), u"Holiday"_s);
+             QTest::mouseClick(button(shown, u"textPrompt.accept"_s), Qt::LeftButton);
+         },
+         u"Holiday"_s},
+        {"Escape", [&](TextPrompt *shown) { QTest::keyClick(field(shown), Qt::Key_Escape); }, {}},
+        {"Cancel",
+         [&](TextPrompt *shown) {
+             QTest::mouseClick(button(shown, u"textPrompt.cancel"_s), Qt::LeftButton);
+         },
+         {}},
+        {"closed", [](TextPrompt *shown) { shown->close(); }, {}},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto future = ask();
+        TextPrompt *shown = prompt();
+        ASSERT_NE(shown, nullptr);
+        EXPECT_FALSE(future.isFinished()) << "nobody has answered yet";
+        EXPECT_TRUE(shown->isModal());
+        EXPECT_EQ(field(shown)->size(), QSize(240, 24));
+        EXPECT_EQ(field(shown)->selectedText(), u"New Folder"_s);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(shown));
+        EXPECT_TRUE(field(shown)->hasFocus());
+        c.answer(shown);
+        ASSERT_TRUE(future.isFinished());
+        EXPECT_EQ(future.result(), c.expected);
+        ASSERT_TRUE(waitFor([&] { return !window->findChild<TextPrompt *>(); })) << "nothing is left of it";
+    }
+}
+
+TEST_F(DesktopTests, aQuestionIsGivenUpWithItsWindow) {
+    const auto text = ask();
+    view.reset();
+    EXPECT_TRUE(text.isFinished());
+    EXPECT_EQ(text.resultCount(), 0);
+}
+
+TEST_F(DesktopTests, theModelMakesTheFolderThatWasAskedFor) {
+    auto model = AppState::designPreview(real);
+    model->browseMac(mac.path());
+    ASSERT_TRUE(waitFor([&] { return !model->isLoadingMac(); }));
+    model->createMacFolder();
+    QTest::keyClicks(prompt()->findChild<QLineEdit *>(), u"  Lisbon "_s);
+    QTest::keyClick(prompt()->findChild<QLineEdit *>(), Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return QDir(mac.filePath(u"Lisbon"_s)).exists(); }));
+    ASSERT_TRUE(waitFor([&] { return !model->macItems().isEmpty() && !model->isLoadingMac(); }));
+}
+
+TEST_F(DesktopTests, theFolderChooserAnswersThroughItsFuture) {
+    QDir(mac.path()).mkpath(u"inside"_s);
+    for (const bool accepted : {true, false}) {
+        const auto future = real.chooseFolder(u"Choose a Mac folder"_s, u"Choose"_s, mac.path());
+        auto *chooser = window->findChild<QFileDialog *>();
+        ASSERT_NE(chooser, nullptr);
+        EXPECT_FALSE(future.isFinished());
+        EXPECT_EQ(chooser->windowTitle(), u"Choose a Mac folder"_s);
+        EXPECT_EQ(chooser->labelText(QFileDialog::Accept), u"Choose"_s);
+        EXPECT_EQ(QDir(chooser->directory()).canonicalPath(), QDir(mac.path()).canonicalPath());
+        chooser->selectFile(mac.filePath(u"inside"_s));
+        if (accepted)
+            chooser->accept();
+        else
+            chooser->reject();
+        ASSERT_TRUE(future.isFinished());
+        EXPECT_EQ(future.result(), accepted ? std::optional(mac.filePath(u"inside"_s)) : std::nullopt);
+        ASSERT_TRUE(waitFor([&] { return !window->findChild<QFileDialog *>(); }));
+    }
+}
+
+/// Stands in for the programs that open files.
+class Opener : public QObject {
+    Q_OBJECT
+public:
+    Opener() { QDesktopServices::setUrlHandler(u"file"_s, this, "open"); }
+    ~Opener() override { QDesktopServices::unsetUrlHandler(u"file"_s); }
+    QStringList opened;
+public Q_SLOTS:
+    void open(const QUrl &url) { opened.append(url.toLocalFile()); }
+};
+
+TEST_F(DesktopTests, opensAndCopiesWhatIsNamedLetterForLetter) {
+    Opener opener;
+    const QString odd = u"/tmp/50% off #1? ünï.txt"_s;
+    real.openFile(odd);
+    EXPECT_EQ(opener.opened, QStringList{odd});
+    real.copyText(odd);
+    EXPECT_EQ(QApplication::clipboard()->text(), odd);
+}
+
+/// A file manager at the other end of a bus of its own.
+class FileManagerStub : public QDBusVirtualObject {
+    Q_OBJECT
+public:
+    bool refuses = false;
+    QList<QStringList> shown;
+
+    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
+        if (message.member() != u"ShowItems"_s || message.path() != u"/org/freedesktop/FileManager1"_s)
+            return false;
+        if (refuses)
+            return bus.send(message.createErrorReply(QDBusError::Failed, u"no"_s));
+        shown.append(message.arguments().value(0).toStringList());
+        return bus.send(message.createReply());
+    }
+};
+
+TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {
+    QDBusServer server(u"unix:dir="_s + mac.path());
+    FileManagerStub manager;
+    QObject::connect(&server, &QDBusServer::newConnection, &manager, [&](QDBusConnection connection) {
+        connection.registerVirtualObject(u"/"_s, &manager, QDBusConnection::SubPath);
+    });
+    ASSERT_TRUE(server.isConnected()) << server.lastError().message().toStdString();
+    const QDBusConnection bus = QDBusConnection::connectToPeer(server.address(), u"manager"_s);
+    ASSERT_TRUE(waitFor([&] { return bus.isConnected(); }));
+
+    int failures = 0;
+    const auto reveal = [&](const QDBusConnection &on) {
+        showInFileManager(on, u"/home/sam/50% #1.txt"_s, window, [&] { ++failures; });
+    };
+    reveal(bus);
+    ASSERT_TRUE(waitFor([&] { return !manager.shown.isEmpty(); }));
+    EXPECT_EQ(manager.shown.first(), QStringList{u"file:///home/sam/50%25%20%231.txt"_s});
+
+    manager.refuses = true;
+    reveal(bus);
+    ASSERT_TRUE(waitFor([&] { return failures == 1; }));
+    reveal(QDBusConnection(u"no such bus"_s));
+    ASSERT_TRUE(waitFor([&] { return failures == 2; }));
+    EXPECT_EQ(manager.shown.size(), 1);
+    QDBusConnection::disconnectFromPeer(u"manager"_s);
+}
+
+} // namespace
+} // namespace vantrel
+
+#include "DesktopTests.moc"
