@@ -19,6 +19,7 @@ if(NOT APPLE)
     target_compile_definitions(
         InstallTests PRIVATE VANTREL_CMAKE="${CMAKE_COMMAND}" VANTREL_BUILD_DIRECTORY="${PROJECT_BINARY_DIR}"
                              VANTREL_VERSION="${PROJECT_VERSION} \(${VANTREL_BUILD_NUMBER}\)")
+endif()
 vantrel_gui_test(ShellTests LIBRARIES vantrel_ui demo_phone_fixture SOURCES ShellTests.cpp)
 if(NOT APPLE)
     vantrel_gui_test(DesktopTests LIBRARIES vantrel_ui demo_phone_fixture SOURCES DesktopTests.cpp)

@@ -1,18 +1,19 @@
-#include "App/AboutView.h"
-#include "App/AppTheme.h"
-#include "App/ApplicationMenu.h"
+#include "ADB/ADBClient.h"
+#include "App/AppStyle.h"
 #include "App/CommandLine.h"
+#include "App/MainWindow.h"
 #include "App/Product.h"
+#include "App/QtDesktop.h"
+#include "App/QuitSignals.h"
 #include "App/Settings.h"
 #include "App/SingleInstance.h"
-#include "App/TitleBar.h"
 #include "App/Updater.h"
 #include "App/Version.h"
 #include "App/WindowChrome.h"
+#include "State/background.h"
 
 #include <QApplication>
 #include <QIcon>
-#include <QMainWindow>
 
 #include <cstdio>
 
@@ -36,6 +37,16 @@ QStringList toArguments(int argc, char **argv) {
     return arguments;
 }
 
+/// Ends what is still under way. The model is gone by now, so nothing new is asked of the phone; but what a
+/// worker does in several steps may start its next tool after the last one was stopped.
+void stopBackgroundWork() {
+    constexpr int pause = 50; // milliseconds
+    do {
+        ADBClient::stopRunningTools();
+    } while (!Background::workers().waitForDone(pause));
+    Background::finish();
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -56,27 +67,22 @@ int main(int argc, char **argv) {
 
     Settings settings;
     settings.storeToolTipDelay();
-    AppTheme::setScheme(settings.appearancePreference());
-    QApplication::setPalette(AppTheme::palette());
-
     Updater updater(Updater::builtIn());
     updater.start();
+    AppTheme::setScheme(settings.appearancePreference());
+    AppStyle::install(application);
+    const QuitSignals quitSignals;
 
-    QMainWindow window;
-    window.setWindowTitle(product::name());
-    window.setMinimumSize(1100, 720);
-    window.resize(1280, 820);
-    WindowChrome chrome(&window, [&settings] { return settings.doubleClickAction(); });
-    ApplicationMenu menu(&window, &updater);
-    if (QWidget *button = menu.createButton(chrome.titleBar()))
-        chrome.titleBar()->addToolbarWidget(button);
-    QObject::connect(&menu, &ApplicationMenu::aboutRequested, &window, [&window] {
-        auto *about = new AboutView(&window);
-        about->setAttribute(Qt::WA_DeleteOnClose);
-        about->open();
-    });
-    QObject::connect(&instance, &SingleInstance::raiseRequested, &window,
-                     [&window](const QByteArray &token) { bringToFront(&window, token); });
-    window.show();
-    return QApplication::exec();
+    int status = 0;
+    {
+        QtDesktop desktop;
+        MainWindow window(desktop, settings, updater);
+        desktop.setWindow(&window);
+        QObject::connect(&instance, &SingleInstance::raiseRequested, &window,
+                         [&window](const QByteArray &token) { bringToFront(&window, token); });
+        window.show();
+        status = QApplication::exec();
+    }
+    stopBackgroundWork();
+    return status;
 }
