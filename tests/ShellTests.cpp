@@ -21,8 +21,6 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QSignalSpy>
-#include <QSlider>
-#include <QStyleOptionSlider>
 
 namespace vantrel {
 namespace {
@@ -706,30 +704,6 @@ TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesIt) {
 TEST(AppStyleTests, toolTipsComeAfterAQuarterOfASecond) {
     const AppStyle style;
     EXPECT_EQ(style.styleHint(QStyle::SH_ToolTip_WakeUpDelay, nullptr, nullptr, nullptr), 250);
-}
-
-TEST(AppStyleTests, theThumbOfAScrollBarShowsWhereOneIs) {
-    const AppStyle style;
-    QStyleOptionSlider bar;
-    bar.orientation = Qt::Vertical;
-    bar.rect = QRect(0, 0, 12, 400);
-    bar.maximum = 300;
-    bar.pageStep = 100;
-    struct Case {
-        int position, top, height;
-    };
-    const auto thumb = [&] {
-        return style.subControlRect(QStyle::CC_ScrollBar, &bar, QStyle::SC_ScrollBarSlider, nullptr);
-    };
-    for (const auto &[position, top, height] : {Case{0, 0, 100}, Case{150, 150, 100}, Case{300, 300, 100}}) {
-        bar.sliderPosition = position;
-        EXPECT_EQ(thumb().top(), top);
-        EXPECT_EQ(thumb().height(), height);
-        EXPECT_EQ(style.hitTestComplexControl(QStyle::CC_ScrollBar, &bar, {6, top + 1}, nullptr),
-                  QStyle::SC_ScrollBarSlider);
-    }
-    bar.maximum = 10'000'000;
-    EXPECT_GE(thumb().height(), 32) << "can still be grasped";
 }
 
 } // namespace

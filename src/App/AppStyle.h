@@ -6,8 +6,7 @@ class QApplication;
 
 namespace vantrel {
 
-/// What the toolkit draws by itself, in the theme's look: tool tips that come after a quarter of a second,
-/// and slim scroll bars. On the Mac the system's own look stays.
+/// The toolkit's own look in the theme's colours, with tool tips that come after a quarter of a second.
 class AppStyle : public QProxyStyle {
     Q_OBJECT
 
@@ -20,13 +19,6 @@ public:
 
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *returnData) const override;
-#ifndef Q_OS_MACOS
-    int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
-    QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
-                         const QWidget *widget) const override;
-    void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
-                            const QWidget *widget) const override;
-#endif
 };
 
 } // namespace vantrel

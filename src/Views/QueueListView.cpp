@@ -4,6 +4,7 @@
 #include "State/AppState.h"
 #include "Views/Kit/Accessibility.h"
 #include "Views/Kit/IconButton.h"
+#include "Views/Kit/OverlayScrollBar.h"
 #include "Views/Kit/Shapes.h"
 #include "Views/QueueRowView.h"
 
@@ -32,6 +33,7 @@ QueueListView::QueueListView(AppState *state, double radius, QWidget *parent)
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    new OverlayScrollBar(this);
     viewport()->setAutoFillBackground(false);
     connect(&AppTheme::instance(), &AppTheme::schemeChanged, viewport(), qOverload<>(&QWidget::update));
 }

@@ -6,6 +6,7 @@
 #include "Views/Kit/Accessibility.h"
 #include "Views/Kit/Card.h"
 #include "Views/Kit/IconButton.h"
+#include "Views/Kit/OverlayScrollBar.h"
 #include "Views/Kit/ProgressBar.h"
 #include "Views/Kit/Shapes.h"
 #include "Views/Kit/Spinner.h"
@@ -221,6 +222,7 @@ QWidget *SidebarView::shortcutList() {
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    new OverlayScrollBar(scroll);
     scroll->setFocusPolicy(Qt::NoFocus);
     scroll->viewport()->setAutoFillBackground(false);
 

@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""Start-up, memory and idle cost of the program, against a bare window of the same size and toolkit.
+
+    bench/startup_bench.py [BUILD_FOLDER] [--runs N] [--idle SECONDS]
+
+Prints medians, and ends with status 1 when a limit is exceeded. The build folder is build/release unless given; it
+must hold the targets vantrel, bare_window, first_frame and demo_phone. The two programs take turns, so that whatever
+else the machine does hits both alike. Without a display they run offscreen.
+"""
+
+import argparse
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+MAXIMUM_RATIO = 1.5
+MAXIMUM_EXTRA_MEMORY = 30  # MB
+MAXIMUM_IDLE_LOAD = 1.0  # percent of one core
+
+
+def environment(build, folder):
+    variables = dict(os.environ)
+    for name in ("HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"):
+        variables[name] = folder
+    if not (variables.get("DISPLAY") or variables.get("WAYLAND_DISPLAY")):
+        variables.setdefault("QT_QPA_PLATFORM", "offscreen")
+    variables.update(
+        DO_NOT_TRACK="1",
+        QT_PLUGIN_PATH=str(build / "bench" / "plugins"),
+        QT_QPA_GENERIC_PLUGINS="firstframe",
+        VANTREL_FIRST_FRAME=folder + "/first-frame",
+        VANTREL_RESOURCES=str(build / "demo"),
+        DEMO_PHONE_ROOT=folder + "/phone",
+    )
+    return variables
+
+
+def start(program, variables):
+    """Seconds to the first frame, and the peak memory in MB a second later, when the phone is there."""
+    variables = dict(variables, VANTREL_QUIT_AFTER="1000")
+    first_frame = pathlib.Path(variables["VANTREL_FIRST_FRAME"])
+    first_frame.unlink(missing_ok=True)
+    begin = time.clock_gettime(time.CLOCK_MONOTONIC)
+    process = subprocess.Popen([program], env=variables, stderr=subprocess.DEVNULL)
+    _, status, usage = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0 or not first_frame.exists():
+        sys.exit(f"{program} ended with status {process.returncode} or without a frame")
+    return float(first_frame.read_text()) - begin, usage.ru_maxrss / 1024
+
+
+def cpu_seconds(pid):
+    """Processor time of a process and of its children that have ended."""
+    fields = pathlib.Path(f"/proc/{pid}/stat").read_text().rsplit(")", 1)[1].split()
+    return sum(int(value) for value in fields[11:15]) / os.sysconf("SC_CLK_TCK")
+
+
+def idle_load(program, variables, seconds):
+    """Percent of one core while nothing happens but the looks at the phone, adb included."""
+    process = subprocess.Popen([program], env=variables, stderr=subprocess.DEVNULL)
+    try:
+        time.sleep(5)  # start-up is over
+        begin, before = time.monotonic(), cpu_seconds(process.pid)
+        time.sleep(seconds)
+        return 100 * (cpu_seconds(process.pid) - before) / (time.monotonic() - begin)
+    finally:
+        process.terminate()
+        process.wait(10)
+
+
+def main():
+    arguments = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
+    arguments.add_argument("build", nargs="?", type=pathlib.Path, default=pathlib.Path("build/release"))
+    arguments.add_argument("--runs", type=int, default=15)
+    arguments.add_argument("--idle", type=float, default=30, metavar="SECONDS")
+    options = arguments.parse_args()
+    build = options.build.resolve()
+    ours, bare = str(build / "src/App/vantrel"), str(build / "bench/bare_window")
+
+    with tempfile.TemporaryDirectory() as folder:
+        variables = environment(build, folder)
+        start(ours, variables), start(bare, variables)  # warms the disk cache and furnishes the phone
+        runs = [(start(ours, variables), start(bare, variables)) for _ in range(options.runs)]
+        load = idle_load(ours, variables, options.idle)
+
+    def median(program, value):
+        return statistics.median(run[program][value] for run in runs)
+
+    ratio = median(0, 0) / median(1, 0)
+    extra = median(0, 1) - median(1, 1)
+    rows = [
+        ("first frame", f"{median(0, 0) * 1000:.0f} ms", f"{median(1, 0) * 1000:.0f} ms", f"x {ratio:.2f}",
+         f"x {MAXIMUM_RATIO}", ratio <= MAXIMUM_RATIO),
+        ("peak memory", f"{median(0, 1):.1f} MB", f"{median(1, 1):.1f} MB", f"+ {extra:.1f} MB",
+         f"+ {MAXIMUM_EXTRA_MEMORY} MB", extra <= MAXIMUM_EXTRA_MEMORY),
+        ("idle, phone connected", f"{load:.2f} %", "", f"{load:.2f} %", f"{MAXIMUM_IDLE_LOAD} %",
+         load < MAXIMUM_IDLE_LOAD),
+    ]
+    print(f"medians of {options.runs} runs, {os.cpu_count()} cores")
+    print(f"{'':24}{'vantrel':>12}{'bare':>12}{'cost':>14}{'limit':>12}")
+    for name, first, second, cost, limit, holds in rows:
+        print(f"{name:24}{first:>12}{second:>12}{cost:>14}{limit:>12}{'' if holds else '   EXCEEDED'}")
+    return 0 if all(row[-1] for row in rows) else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,264 @@
+#include "Tour.h"
+
+#include "TourError.h"
+#include "TourPhone.h"
+
+#include "App/MainWindow.h"
+#include "State/AppState.h"
+#include "State/Records/FileSizeFormat.h"
+#include "Views/FileItemsView.h"
+#include "Views/QueueListView.h"
+#include "Views/QueueRowView.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace vantrel::tour {
+
+namespace {
+
+const QString android = QStringLiteral("androidPane");
+const QString mac = QStringLiteral("macPane");
+
+bool shows(const QList<FileItem> &items, const QString &name) {
+    return std::any_of(items.begin(), items.end(), [&](const FileItem &item) { return item.name == name; });
+}
+
+} // namespace
+
+Tour::Tour(MainWindow &window, TourPhone &phone, const Hand &hand, const Pictures &pictures, QString folder)
+    : m_window(window), m_phone(phone), m_hand(hand), m_pictures(pictures), m_folder(std::move(folder)) {}
+
+AppState &Tour::state() const {
+    return m_window.state();
+}
+
+void Tour::tell(const QString &name, const QString &text) {
+    m_pictures.take(m_window, QStringLiteral("%1-%2").arg(++m_step, 2, 10, QLatin1Char('0')).arg(name));
+    std::printf("%2d  %-16s %s\n", m_step, qPrintable(name), qPrintable(text));
+    std::fflush(stdout);
+}
+
+void Tour::take() {
+    startWithoutPhone();
+    connectPhone();
+    selectFiles();
+    watchCopy();
+    finishCopies();
+    copyToPhone();
+    failCopy();
+    filter();
+    searchEverywhere();
+    showGrid();
+    goDark();
+    fillQueue();
+    std::printf("    %d files compared, %s, all equal\n", m_comparedFiles,
+                qPrintable(formatFileSize(m_comparedBytes)));
+}
+
+void Tour::startWithoutPhone() {
+    m_hand.waitUntil(QStringLiteral("the first look for a phone"), [this] {
+        return state().deviceStatusMessage() && !state().isRefreshingDevice() && !state().isLoadingMac();
+    });
+    if (state().device().isConnected)
+        throw TourError(QStringLiteral("a phone was found before one was plugged in"));
+    tell(QStringLiteral("no-phone"), *state().deviceStatusMessage());
+}
+
+void Tour::connectPhone() {
+    m_phone.plug();
+    m_hand.click(QStringLiteral("sidebar.refresh"));
+    m_hand.waitUntil(QStringLiteral("the phone"), [this] {
+        return state().device().isConnected && !state().isLoadingAndroid() && !state().isRefreshingDevice() &&
+               !state().androidItems().isEmpty();
+    });
+    tell(QStringLiteral("connected"), state().device().name + QStringLiteral(", ") +
+                                          QString::number(state().androidItems().size()) +
+                                          QStringLiteral(" entries"));
+}
+
+void Tour::openPhoneFolder(const QStringList &way) {
+    m_hand.click(QStringLiteral("sidebar.shortcut.") + way.first());
+    const auto loaded = [this] { return !state().isLoadingAndroid() && !state().androidItems().isEmpty(); };
+    m_hand.waitUntil(way.first(), loaded);
+    for (const QString &name : way.mid(1)) {
+        m_hand.openEntry(android, name);
+        m_hand.waitUntil(name, [&] {
+            return loaded() && state().androidCurrentPath().endsWith(QLatin1Char('/') + name);
+        });
+    }
+}
+
+void Tour::selectFiles() {
+    openPhoneFolder(m_phone.folder());
+    m_hand.openEntry(mac, QFileInfo(m_folder).fileName());
+    m_hand.waitUntil(QStringLiteral("the folder of this computer"),
+                     [this] { return state().macPath() == m_folder && !state().isLoadingMac(); });
+    for (const QString &name : m_phone.files())
+        m_hand.markEntry(android, name);
+    if (state().androidSelectedIDs().size() != m_phone.files().size())
+        throw TourError(QStringLiteral("not every marked file is selected"));
+    tell(QStringLiteral("selection"), state().androidSelectionSummary());
+}
+
+void Tour::watchCopy() {
+    m_phone.setSlow(true);
+    m_hand.click(QStringLiteral("transferToMac"));
+    m_hand.waitUntil(QStringLiteral("a copy in the middle"), [this] {
+        return std::any_of(state().queue().begin(), state().queue().end(), [](const QueueItem &item) {
+            const auto *progress = item.status.progress();
+            return progress && progress->fraction > 0.3 && progress->transferredBytes > 0;
+        });
+    });
+    tell(QStringLiteral("copying"), state().transferSpeedLabel() + QStringLiteral(", remaining ") +
+                                        state().remainingLabel());
+}
+
+void Tour::waitForQueue() {
+    m_hand.waitUntil(QStringLiteral("the end of the queue"),
+                     [this] { return !state().isTransferring() && !state().isLoadingMac(); });
+}
+
+void Tour::finishCopies() {
+    m_phone.setSlow(false);
+    waitForQueue();
+    for (const QString &name : m_phone.files()) {
+        compare(m_phone.folderPath() + QLatin1Char('/') + name, m_folder + QLatin1Char('/') + name);
+        if (!shows(state().macItems(), name))
+            throw TourError(QStringLiteral("the pane does not show the copy ") + name);
+    }
+    tell(QStringLiteral("copied"), QString::number(m_comparedFiles) + QStringLiteral(" files, every byte equal"));
+}
+
+void Tour::copyToPhone() {
+    m_hand.click(QStringLiteral("back"), mac);
+    m_hand.waitUntil(QStringLiteral("the home folder"), [this] {
+        return state().macPath() == QFileInfo(m_folder).path() && !state().isLoadingMac();
+    });
+    const QStringList names{QStringLiteral("Invoice March.pdf"), QStringLiteral("Notes.txt")};
+    for (const QString &name : names)
+        m_hand.markEntry(mac, name);
+    m_hand.click(QStringLiteral("transferToAndroid"));
+    waitForQueue();
+    for (const QString &name : names)
+        compare(m_phone.folderPath() + QLatin1Char('/') + name, state().macPath() + QLatin1Char('/') + name);
+    tell(QStringLiteral("to-phone"), QString::number(names.size()) + QStringLiteral(" files, every byte equal"));
+}
+
+void Tour::failCopy() {
+    const QString name = m_phone.files().last();
+    // A phone that cannot be made to refuse still refuses to overwrite.
+    if (!m_phone.refuse(m_phone.folderPath() + QLatin1Char('/') + name)) {
+        m_hand.openEntry(mac, QFileInfo(m_folder).fileName());
+        m_hand.waitUntil(QStringLiteral("the folder of this computer"),
+                         [this] { return state().macPath() == m_folder && !state().isLoadingMac(); });
+    }
+    m_hand.clickEntry(android, name);
+    m_hand.click(QStringLiteral("transferToMac"));
+    waitForQueue();
+    const QueueItem &item = state().queue().first();
+    if (!item.status.is<QueueItemStatus::Failed>())
+        throw TourError(QStringLiteral("a copy that cannot succeed is ") + item.progressLabel());
+    tell(QStringLiteral("failed"), item.progressLabel());
+}
+
+void Tour::filter() {
+    const qsizetype all = state().androidItems().size();
+    m_hand.type(QStringLiteral("searchField"), m_phone.word());
+    m_hand.waitUntil(QStringLiteral("the filter"), [&] {
+        const qsizetype shown = m_hand.entries(android)->count();
+        return shown > 0 && shown < all;
+    });
+    tell(QStringLiteral("filter"), QString::number(m_hand.entries(android)->count()) + QStringLiteral(" of ") +
+                                       QString::number(all) + QStringLiteral(" entries"));
+}
+
+void Tour::clearSearch() {
+    m_hand.click(QStringLiteral("clearSearch"));
+    m_hand.waitUntil(QStringLiteral("an empty search"), [this] { return state().androidSearchText().isEmpty(); });
+}
+
+void Tour::searchEverywhere() {
+    clearSearch();
+    QWidget *picker = m_hand.control(QStringLiteral("scopePicker"));
+    m_hand.press(picker, Qt::Key_Down);
+    m_hand.waitUntil(QStringLiteral("the scope"),
+                     [this] { return state().androidSearchScope() == AndroidSearchScope::everywhere; });
+    m_hand.type(QStringLiteral("searchField"), m_phone.word());
+    m_hand.waitUntil(QStringLiteral("the hits"), [this] {
+        return !state().isSearchingAndroid() && !state().androidSearchResults().isEmpty();
+    });
+    tell(QStringLiteral("everywhere"),
+         QString::number(state().androidSearchResults().size()) + QStringLiteral(" hits"));
+    clearSearch();
+    m_hand.press(picker, Qt::Key_Up);
+}
+
+void Tour::showGrid() {
+    for (const QString &pane : {android, mac})
+        m_hand.click(QStringLiteral("gridView"), pane);
+    m_hand.waitUntil(QStringLiteral("both grids"), [this] {
+        return state().androidViewMode() == PaneViewMode::grid && state().macViewMode() == PaneViewMode::grid &&
+               m_hand.entries(android)->objectName() == QStringLiteral("fileGrid") && !state().isLoadingAndroid();
+    });
+    m_hand.clickEntry(android, m_phone.files().first());
+    tell(QStringLiteral("grid"), state().androidSelectionSummary());
+    for (const QString &pane : {android, mac})
+        m_hand.click(QStringLiteral("listView"), pane);
+}
+
+void Tour::goDark() {
+    m_hand.click(QStringLiteral("toolbar.appearance"));
+    m_hand.waitUntil(QStringLiteral("the dark scheme"), [] { return AppTheme::scheme() == ColorScheme::dark; });
+    tell(QStringLiteral("dark"), QStringLiteral("the window is dark"));
+}
+
+void Tour::fillQueue() {
+    m_hand.click(QStringLiteral("queue.clear"));
+    m_hand.openEntry(mac, QStringLiteral("Pictures"));
+    m_hand.waitUntil(QStringLiteral("the folder Pictures"), [this] {
+        return state().macPath().endsWith(QStringLiteral("/Pictures")) && !state().isLoadingMac();
+    });
+    QString source = m_phone.folderPath();
+    if (!shows(state().androidItems(), m_phone.manyFiles().first())) {
+        openPhoneFolder({m_phone.folder().first(), QStringLiteral("Burst")});
+        source = state().androidCurrentPath();
+    }
+    m_hand.clickEntry(android, m_phone.manyFiles().first());
+    m_hand.press(m_hand.entries(android), Qt::Key_A, Qt::ControlModifier);
+    if (state().androidSelectedIDs().size() != state().androidItems().size())
+        throw TourError(QStringLiteral("the keys did not select everything"));
+    m_hand.click(QStringLiteral("transferToMac"));
+    m_phone.setSlow(false);
+    waitForQueue();
+    for (const QString &name : m_phone.manyFiles())
+        compare(source + QLatin1Char('/') + name, state().macPath() + QLatin1Char('/') + name);
+
+    auto *list = m_window.findChild<QueueListView *>();
+    const auto lastIsInView = [&] {
+        const QueueRowView *row = list->rowView(state().queue().last().id);
+        return row && list->viewport()->rect().contains(row->geometry());
+    };
+    if (lastIsInView())
+        throw TourError(QStringLiteral("the queue was meant to be too long for its panel"));
+    m_hand.scrollUntil(list->viewport(), QStringLiteral("the last row of the queue"), lastIsInView);
+    tell(QStringLiteral("long-queue"), QString::number(state().queue().size()) +
+                                           QStringLiteral(" copies, scrolled to the last one"));
+}
+
+void Tour::compare(const QString &phonePath, const QString &path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw TourError(path + QStringLiteral(": ") + file.errorString());
+    const QByteArray here = file.readAll();
+    if (here != m_phone.read(phonePath))
+        throw TourError(path + QStringLiteral(" differs from ") + phonePath);
+    m_comparedBytes += here.size();
+    ++m_comparedFiles;
+}
+
+} // namespace vantrel::tour

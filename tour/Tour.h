@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Hand.h"
+#include "Pictures.h"
+
+#include <QString>
+
+namespace vantrel {
+class AppState;
+class MainWindow;
+} // namespace vantrel
+
+namespace vantrel::tour {
+
+class TourPhone;
+
+/// Everything that a person does with the window on one day, from the first start to a queue that scrolls.
+/// After each step it says what was seen and takes pictures.
+class Tour {
+public:
+    /// The window has just been shown. `folder`: of this computer, for the copies; empty.
+    Tour(MainWindow &window, TourPhone &phone, const Hand &hand, const Pictures &pictures, QString folder);
+
+    /// Takes the whole tour; TourError when something is not as it should be.
+    void take();
+
+private:
+    void startWithoutPhone();
+    void connectPhone();
+    void selectFiles();
+    void watchCopy();
+    void finishCopies();
+    void copyToPhone();
+    void failCopy();
+    void filter();
+    void searchEverywhere();
+    void showGrid();
+    void goDark();
+    void fillQueue();
+
+    void openPhoneFolder(const QStringList &way);
+    void clearSearch();
+    void waitForQueue();
+    void compare(const QString &phonePath, const QString &path);
+    void tell(const QString &name, const QString &text);
+    [[nodiscard]] AppState &state() const;
+
+    MainWindow &m_window;
+    TourPhone &m_phone;
+    const Hand &m_hand;
+    const Pictures &m_pictures;
+    QString m_folder;
+    int m_step = 0;
+    qint64 m_comparedBytes = 0;
+    int m_comparedFiles = 0;
+};
+
+} // namespace vantrel::tour
