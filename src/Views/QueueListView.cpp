@@ -53,7 +53,11 @@ QueueRowView *QueueListView::rowView(const QUuid &id) const {
 void QueueListView::render() {
     fitScrollBar();
     arrange();
-    viewport()->update();
+    // The dividers are all that the list paints by itself; a change of one row leaves them alone.
+    if (m_dividedRows != m_state->queue().size()) {
+        m_dividedRows = m_state->queue().size();
+        viewport()->update();
+    }
 }
 
 void QueueListView::fitScrollBar() {

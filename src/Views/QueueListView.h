@@ -52,6 +52,7 @@ private:
     double m_radius;
     QList<Row> m_rows; ///< by index
     QList<QueueRowView *> m_spare; ///< hidden
+    qsizetype m_dividedRows = 0;
 };
 
 } // namespace vantrel

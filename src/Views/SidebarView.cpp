@@ -121,6 +121,7 @@ SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_
     column->addWidget(sectionHeader(QStringLiteral("ANDROID STORAGE")));
     column->addWidget(shortcutList(), 1);
 
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
     m_rendering.watch(state, &AppState::deviceChanged, &AppState::deviceStatusMessageChanged,
                       &AppState::isRefreshingDeviceChanged, &AppState::isLoadingAndroidChanged,
                       &AppState::selectedShortcutIDChanged);
@@ -282,7 +283,6 @@ void SidebarView::render() {
         m_shortcuts.at(i)->setChecked(selected);
         m_shortcuts.at(i)->setLoading(selected && m_state->isLoadingAndroid());
     }
-    update();
 }
 
 void SidebarView::paintEvent(QPaintEvent *) {

@@ -33,6 +33,7 @@ StatusBarView::StatusBarView(AppState *state, QWidget *parent) : QWidget(parent)
     row->addWidget(m_speed);
     row->addWidget(m_remaining);
 
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
     m_rendering.watch(state, &AppState::queueChanged, &AppState::transferSpeedLabelChanged,
                       &AppState::remainingLabelChanged);
     m_rendering.renderNow();
@@ -44,7 +45,6 @@ void StatusBarView::render() {
                           .arg(m_state->waitingCount()));
     m_speed->setText(QStringLiteral("Speed: ") + m_state->transferSpeedLabel());
     m_remaining->setText(QStringLiteral("Remaining: ") + m_state->remainingLabel());
-    update();
 }
 
 void StatusBarView::paintEvent(QPaintEvent *) {
