@@ -28,7 +28,7 @@ ADBResult<AndroidDevice> fetchPrimaryDevice() {
 
 ADBResult<StorageBytes> fetchStorageBytes(const QString &serial) {
     for (const QString &path : {QStringLiteral("/sdcard"), QStringLiteral("/data")}) {
-        const auto bytes =
+        auto bytes =
             runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"), QStringLiteral("df"), path})
                 .and_then(parseDF);
         if (bytes)

@@ -51,9 +51,9 @@ std::optional<QString> bundledADBPath() {
 }
 
 std::optional<QString> resolveADBPath() {
-    if (const auto bundled = bundledADBPath())
+    if (auto bundled = bundledADBPath())
         return bundled;
-    const auto installed =
+    auto installed =
         firstExecutable({QStringLiteral("/opt/homebrew/bin/adb"), QStringLiteral("/usr/local/bin/adb"),
                          QDir::homePath() + QStringLiteral("/Library/Android/sdk/platform-tools/adb"),
                          QStringLiteral("/Users/Shared/Android/sdk/platform-tools/adb")});
@@ -68,7 +68,7 @@ std::optional<QString> resolveADBPath() {
 QProcessEnvironment augmentedEnvironment() {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     QStringList directories{QStringLiteral("/opt/homebrew/bin"), QStringLiteral("/usr/local/bin")};
-    if (const auto bundled = bundledADBPath())
+    if (auto bundled = bundledADBPath())
         directories.prepend(QFileInfo(*bundled).path());
     directories.append(environment.value(QStringLiteral("PATH")));
     environment.insert(QStringLiteral("PATH"), directories.join(QLatin1Char(':')));
