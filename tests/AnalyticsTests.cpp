@@ -4,7 +4,6 @@
 
 #include <QProcess>
 #include <QRegularExpression>
-#include <QSettings>
 #include <QThread>
 #include <QTimer>
 
@@ -258,19 +257,16 @@ TEST(AnalyticsRecord, IsNotMadeForThoseWhoDecline) {
 
 TEST(AnalyticsFacade, AsksTheUserAndSavesAtTheEnd) {
     AnalyticsWorld world;
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, world.directory.path());
-    QCoreApplication::setOrganizationName(u"vantrel-tests"_s);
-    QCoreApplication::setApplicationName(u"analytics"_s);
     const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
     for (const char *value : {"1", "true", "yes"}) {
         qputenv("DO_NOT_TRACK", value);
         EXPECT_FALSE(TelemetryDeck::initialize(world.configuration, world.environment)) << value;
     }
     qputenv("DO_NOT_TRACK", "0");
-    QSettings().setValue(u"analyticsDisabled"_s, true);
+    world.configuration.analyticsDisabled = true;
     EXPECT_FALSE(TelemetryDeck::initialize(world.configuration, world.environment));
     TelemetryDeck::signal(u"dropped"_s);
-    QSettings().setValue(u"analyticsDisabled"_s, false);
+    world.configuration.analyticsDisabled = false;
     ASSERT_TRUE(TelemetryDeck::initialize(world.configuration, world.environment));
     TelemetryDeck::signal(u"kept"_s);
     QTimer::singleShot(0, qApp, &QCoreApplication::quit);
@@ -278,7 +274,6 @@ TEST(AnalyticsFacade, AsksTheUserAndSavesAtTheEnd) {
     TelemetryDeck::signal(u"too late"_s);
     TelemetryDeck::shutDown();
     EXPECT_EQ(typesIn(world.cacheFileContents()), QStringList(u"kept"_s));
-    QSettings().clear();
     qputenv("DO_NOT_TRACK", doNotTrack);
 }
 

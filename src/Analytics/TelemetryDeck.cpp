@@ -3,7 +3,6 @@
 #include "Analytics/TelemetryManager.h"
 
 #include <QCoreApplication>
-#include <QSettings>
 
 namespace vantrel::TelemetryDeck {
 
@@ -15,15 +14,13 @@ QReadWriteLock sharedLock(QReadWriteLock::Recursive);
 
 } // namespace
 
-bool isDeclinedByUser() {
+bool isDeclinedByEnvironment() {
     const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK").trimmed().toLower();
-    if (!doNotTrack.isEmpty() && doNotTrack != "0" && doNotTrack != "false")
-        return true;
-    return QSettings().value(QStringLiteral("analyticsDisabled"), false).toBool();
+    return !doNotTrack.isEmpty() && doNotTrack != "0" && doNotTrack != "false";
 }
 
 bool initialize(TelemetryManagerConfiguration configuration, TelemetryEnvironment environment) {
-    if (shared || isDeclinedByUser())
+    if (shared || configuration.analyticsDisabled || isDeclinedByEnvironment())
         return shared != nullptr;
     {
         const QWriteLocker locker(&sharedLock);

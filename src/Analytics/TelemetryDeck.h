@@ -6,13 +6,13 @@
 /// The application's way in: the one shared analytics client. Main thread unless said otherwise.
 namespace vantrel::TelemetryDeck {
 
-/// Whether the user wants no analytics: the environment variable DO_NOT_TRACK is set to anything but nothing,
-/// "0" or "false", or the application's setting "analyticsDisabled" is true. Nowhere else is this decided.
-[[nodiscard]] bool isDeclinedByUser();
+/// Whether the environment variable DO_NOT_TRACK is set to anything but nothing, "0" or "false".
+[[nodiscard]] bool isDeclinedByEnvironment();
 
-/// Starts the client, unless the user has declined: then nothing is recorded, read, written or sent. Returns
-/// whether it runs. Needs the application object; with its aboutToQuit() signal unsent signals are saved, and
-/// with its end the client ends. A second call does nothing.
+/// Starts the client, unless the user has declined, in the environment or by the configuration's
+/// analyticsDisabled: then nothing is recorded, read, written or sent. Returns whether it runs. Needs the
+/// application object; with its aboutToQuit() signal unsent signals are saved, and with its end the client
+/// ends. A second call does nothing.
 bool initialize(TelemetryManagerConfiguration configuration, TelemetryEnvironment environment = {});
 
 /// Records a signal; dropped while no client runs. Any thread.

@@ -8,6 +8,7 @@
 #include "App/Settings.h"
 #include "App/SingleInstance.h"
 #include "App/Updater.h"
+#include "App/UsageAnalytics.h"
 #include "App/Version.h"
 #include "App/WindowChrome.h"
 #include "State/background.h"
@@ -67,6 +68,7 @@ int main(int argc, char **argv) {
 
     Settings settings;
     settings.storeToolTipDelay();
+    startUsageAnalytics(settings);
     Updater updater(Updater::builtIn());
     updater.start();
     AppTheme::setScheme(settings.appearancePreference());
