@@ -62,13 +62,19 @@ else()
     endif()
 
     # The manual page and the changelog, compressed as packages want them and without a time stamp.
+    string(TIMESTAMP VANTREL_CHANGELOG_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
     configure_file(${VANTREL_RESOURCES}/desktop/vantrel.1.in ${VANTREL_GENERATED}/vantrel.1 @ONLY)
+    configure_file(${VANTREL_RESOURCES}/desktop/changelog.in ${VANTREL_GENERATED}/changelog.Debian @ONLY)
     find_program(GZIP gzip REQUIRED)
-    add_custom_command(
-        OUTPUT ${VANTREL_GENERATED}/vantrel.1.gz
-        COMMAND ${GZIP} -9 -n -k -f ${VANTREL_GENERATED}/vantrel.1
-        DEPENDS ${VANTREL_GENERATED}/vantrel.1)
+    foreach(document vantrel.1 changelog.Debian)
+        add_custom_command(
+            OUTPUT ${VANTREL_GENERATED}/${document}.gz
+            COMMAND ${GZIP} -9 -n -k -f ${VANTREL_GENERATED}/${document}
+            DEPENDS ${VANTREL_GENERATED}/${document})
+        list(APPEND VANTREL_DOCUMENTS ${VANTREL_GENERATED}/${document}.gz)
+    endforeach()
     install(FILES ${VANTREL_GENERATED}/vantrel.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${VANTREL_GENERATED}/changelog.Debian.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vantrel)
 
     # The icon: the drawing itself, and the sizes that desktops show without drawing.
     install(FILES ${VANTREL_RESOURCES}/icon/vantrel.svg
@@ -83,7 +89,7 @@ else()
         install(FILES ${icon} DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps
                 RENAME ${VANTREL_IDENTIFIER}.png)
     endforeach()
-    add_custom_target(vantrel_install_files DEPENDS ${VANTREL_ICONS} ${VANTREL_GENERATED}/vantrel.1.gz)
+    add_custom_target(vantrel_install_files DEPENDS ${VANTREL_ICONS} ${VANTREL_DOCUMENTS})
     add_dependencies(vantrel vantrel_install_files) # whoever builds the program can install it
     set(CPACK_GENERATOR DEB)
 endif()

@@ -61,6 +61,7 @@ TEST_F(InstallTest, IsComplete) {
 
     QStringList expected{QStringLiteral("bin/vantrel"),
                          QStringLiteral("share/applications/com.vantrelapp.Vantrel.desktop"),
+                         QStringLiteral("share/doc/vantrel/changelog.Debian.gz"),
                          QStringLiteral("share/doc/vantrel/copyright"),
                          QStringLiteral("share/icons/hicolor/scalable/apps/com.vantrelapp.Vantrel.svg"),
                          QStringLiteral("share/man/man1/vantrel.1.gz"),
