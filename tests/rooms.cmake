@@ -5,6 +5,11 @@ vantrel_test(ADBClientTests LIBRARIES vantrel_core demo_phone_fixture SOURCES AD
 vantrel_test(MacFilesTests LIBRARIES vantrel_core SOURCES MacFilesTests.cpp)
 vantrel_test(AppStateTests LIBRARIES vantrel_core demo_phone_fixture SOURCES AppStateTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_ui SOURCES KitTests.cpp)
+vantrel_gui_test(FileRowTests LIBRARIES vantrel_ui SOURCES FileRowTests.cpp)
+vantrel_gui_test(PaneTests LIBRARIES vantrel_ui demo_phone_fixture SOURCES PaneTests.cpp)
+# The same geometry on a screen of three device pixels to one.
+add_test(NAME PaneTestsAt3x COMMAND PaneTests --gtest_filter=*geometry*:*ShareTheWidth*:*headersStand*)
+set_tests_properties(PaneTestsAt3x PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_SCALE_FACTOR=3;LC_ALL=C.UTF-8")
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)
 vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.cpp)
 vantrel_test(AnalyticsNetworkTests LIBRARIES vantrel_analytics SOURCES AnalyticsNetworkTests.cpp

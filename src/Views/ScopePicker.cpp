@@ -27,6 +27,8 @@ ScopePicker::ScopePicker(QWidget *parent) : QComboBox(parent) {
     for (const AndroidSearchScope scope : allAndroidSearchScopes)
         addItem(displayTitle(scope));
     setAccessibleName(QStringLiteral("Scope"));
+    // Where the toolkit gives the chosen title as the name.
+    setAccessibleDescription(QStringLiteral("Scope"));
     setFont(titleStyle.font());
     setFocusPolicy(Qt::TabFocus);
     setFixedSize(sizeHint());

@@ -41,8 +41,6 @@ void OverlayScrollBar::follow() {
     setValue(value);
     setGeometry(m_area->width() - extent, 0, extent, m_area->height());
     setVisible(maximum() > minimum());
-    raise();
-    update();
 }
 
 bool OverlayScrollBar::eventFilter(QObject *, QEvent *event) {

@@ -1,0 +1,336 @@
+#include "Views/FileGridCell.h"
+#include "Views/FileGridView.h"
+#include "Views/FileRow.h"
+#include "Views/Kit/TextStyle.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace vantrel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+FileItem fileNamed(const QString &name) {
+    FileItem item;
+    item.id = QUuid::createUuid();
+    item.name = name;
+    item.path = u"/sdcard/"_s + name;
+    item.sizeBytes = 2048;
+    return item;
+}
+
+FileItem folderNamed(const QString &name) {
+    FileItem item = fileNamed(name);
+    item.isDirectory = true;
+    item.sizeBytes.reset();
+    return item;
+}
+
+TEST(FileRowTests, symbolsAndColoursFollowTheName) {
+    struct Case {
+        QString name;
+        const char *row;
+        ThemeColor rowColor;
+        const char *cell;
+        ThemeColor cellColor;
+    };
+    const ThemeColor plain = AppTheme::inkSecondary();
+    const ThemeColor blue = AppTheme::folderBlue();
+    const Case cases[] = {
+        {u"IMG_0001.JPG"_s, "doc.fill", plain, "photo", blue},
+        {u"a.jpeg"_s, "doc.fill", plain, "photo", blue},
+        {u"a.png"_s, "doc.fill", plain, "photo", blue},
+        {u"a.Heic"_s, "doc.fill", plain, "photo", blue},
+        {u"a.webp"_s, "doc.fill", plain, "photo", blue},
+        {u"a.mp4"_s, "film", AppTheme::systemPurple(), "film", AppTheme::systemPurple()},
+        {u"movie.MOV"_s, "film", AppTheme::systemPurple(), "film", AppTheme::systemPurple()},
+        {u"a.m4a"_s, "music.note", AppTheme::systemPink(), "music.note", AppTheme::systemPink()},
+        {u"a.mp3"_s, "music.note", AppTheme::systemPink(), "music.note", AppTheme::systemPink()},
+        {u"notes.txt.zip"_s, "doc.zipper", AppTheme::systemOrange(), "doc.zipper", AppTheme::systemOrange()},
+        {u"archive.zip.txt"_s, "doc.text", plain, "doc.text", plain},
+        {u".zip"_s, "doc.zipper", AppTheme::systemOrange(), "doc.zipper", AppTheme::systemOrange()},
+        {u"zip"_s, "doc.fill", plain, "doc.fill", plain},
+        {u"a.gif"_s, "doc.fill", plain, "doc.fill", plain},
+        {QString(), "doc.fill", plain, "doc.fill", plain},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(qPrintable(c.name));
+        const FileRow row{{fileNamed(c.name)}};
+        const FileGridCell cell{{fileNamed(c.name)}};
+        EXPECT_EQ(row.icon().toStdString(), c.row);
+        EXPECT_EQ(row.iconColor(), c.rowColor);
+        EXPECT_EQ(cell.icon().toStdString(), c.cell);
+        EXPECT_EQ(cell.iconColor(), c.cellColor);
+
+        // A folder is a folder, whatever its name.
+        const FileRow folderRow{{folderNamed(c.name)}};
+        const FileGridCell folderCell{{folderNamed(c.name)}};
+        EXPECT_EQ(folderRow.icon(), u"folder.fill");
+        EXPECT_EQ(folderCell.icon(), u"folder.fill");
+        EXPECT_EQ(folderRow.iconColor(), blue);
+        EXPECT_EQ(folderCell.iconColor(), blue);
+    }
+}
+
+TEST(FileRowTests, locationIsTheFolderAsABreadcrumb) {
+    const std::pair<QString, QString> cases[] = {
+        {u"/sdcard/a.txt"_s, u"Internal Storage"_s},
+        {u"/sdcard/DCIM/Camera/a.jpg"_s, u"Internal Storage › DCIM › Camera"_s},
+        {u"/storage/emulated/0/Music/a.mp3"_s, u"Internal Storage › Music"_s},
+        {u"/storage/1234-ABCD/a.txt"_s, u"storage › 1234-ABCD"_s},
+        {u"/sdcard/DCIM/Camera/"_s, u"Internal Storage › DCIM"_s},
+    };
+    for (const auto &[path, location] : cases) {
+        FileItem item = fileNamed(u"x"_s);
+        item.path = path;
+        EXPECT_EQ(FileEntry{item}.locationLabel(), location) << qPrintable(path);
+    }
+    FileEntry entry{fileNamed(u"a"_s)};
+    EXPECT_EQ(entry.captionLabel(), u"2 KB");
+    entry.showsLocation = true;
+    EXPECT_EQ(entry.captionLabel(), u"Internal Storage");
+}
+
+TEST(FileRowTests, onlyWhatIsSeenIsCompared) {
+    struct Case {
+        const char *what;
+        std::function<void(FileEntry &)> change;
+        bool rowsDiffer;
+        bool cellsDiffer;
+    };
+    const Case cases[] = {
+        {"id", [](FileEntry &e) { e.item.id = QUuid::createUuid(); }, true, true},
+        {"name", [](FileEntry &e) { e.item.name += u'x'; }, true, true},
+        {"isDirectory", [](FileEntry &e) { e.item.isDirectory = true; }, true, true},
+        {"sizeBytes", [](FileEntry &e) { e.item.sizeBytes = 1; }, true, true},
+        {"no sizeBytes", [](FileEntry &e) { e.item.sizeBytes.reset(); }, true, true},
+        {"modifiedAt", [](FileEntry &e) { e.item.modifiedAt = QDateTime::fromSecsSinceEpoch(1); }, true,
+         false},
+        {"path", [](FileEntry &e) { e.item.path += u'x'; }, false, false},
+        {"itemCount", [](FileEntry &e) { e.item.itemCount = 3; }, false, false},
+        {"isSelected", [](FileEntry &e) { e.isSelected = true; }, true, true},
+        {"showsLocation", [](FileEntry &e) { e.showsLocation = true; }, true, true},
+        {"showsMacContextMenu", [](FileEntry &e) { e.showsMacContextMenu = true; }, true, true},
+        {"showsOpenContextMenu", [](FileEntry &e) { e.showsOpenContextMenu = true; }, true, true},
+    };
+    const FileEntry entry{fileNamed(u"a.txt"_s)};
+    EXPECT_EQ(FileRow{entry}, FileRow{entry});
+    for (const Case &c : cases) {
+        FileEntry changed = entry;
+        c.change(changed);
+        EXPECT_EQ(FileRow{entry} != FileRow{changed}, c.rowsDiffer) << c.what;
+        EXPECT_EQ(FileGridCell{entry} != FileGridCell{changed}, c.cellsDiffer) << c.what;
+    }
+}
+
+TEST(FileRowTests, theRowsColumnsStandWhereTheHeadersStand) {
+    const QRectF rect(0, 0, 400, FileRowGeometry::height(false));
+    const FileRowGeometry row(rect, false);
+    EXPECT_EQ(row.checkbox, QRectF(12, 0, 28, rect.height()));
+    EXPECT_EQ(row.icon.left(), 40);
+    EXPECT_EQ(row.icon.width(), 16);
+    EXPECT_EQ(row.name.left(), 40 + 16 + 8);
+    EXPECT_EQ(row.name.right(), row.size.left());
+    EXPECT_EQ(row.size.left(), 400 - 12 - 100 - 88);
+    EXPECT_EQ(row.size.width(), 88);
+    EXPECT_EQ(row.modified.right(), 400 - 12);
+    EXPECT_EQ(row.modified.width(), 100);
+    EXPECT_EQ(row.name.top(), 7);
+    EXPECT_EQ(rect.bottom() - row.name.bottom(), 7);
+    EXPECT_TRUE(row.location.isEmpty());
+}
+
+TEST(FileRowTests, aLocationAddsALineAndOnePixelAboveAndBelow) {
+    const QRectF rect(0, 0, 400, FileRowGeometry::height(true));
+    const FileRowGeometry row(rect, true);
+    EXPECT_EQ(row.name.top(), 8);
+    EXPECT_EQ(row.location.top() - row.name.bottom(), 1);
+    EXPECT_EQ(row.location.left(), row.name.left());
+    EXPECT_EQ(rect.bottom() - row.location.bottom(), 8);
+    EXPECT_EQ(FileRowGeometry::height(true) - FileRowGeometry::height(false),
+              2 + 1 + TextStyle({10.5, Weight::medium}).lineHeight());
+}
+
+TEST(FileRowTests, columnsNeverOverlapHoweverNarrow) {
+    for (int width = 0; width <= 600; width += 7) {
+        const FileRowGeometry row(QRectF(0, 0, width, 30), false);
+        EXPECT_LE(row.checkbox.right(), row.icon.left()) << width;
+        EXPECT_LE(row.icon.right(), row.size.left()) << width;
+        EXPECT_GE(row.name.width(), 0) << width;
+        EXPECT_TRUE(row.name.isEmpty() || row.name.right() <= row.size.left()) << width;
+        EXPECT_LE(row.size.right(), row.modified.left()) << width;
+    }
+}
+
+TEST(FileRowTests, theCellsPartsStandOneBelowTheOther) {
+    const QRectF rect(10, 20, 104, FileGridCellGeometry::height());
+    const FileGridCellGeometry cell(rect);
+    EXPECT_EQ(cell.tile, QRectF(10, 20, 104, 72));
+    EXPECT_EQ(cell.badge.right(), rect.right() - 6);
+    EXPECT_EQ(cell.badge.top(), rect.top() + 6);
+    EXPECT_EQ(cell.badgeTarget.topRight(), rect.topRight());
+    EXPECT_EQ(cell.badgeTarget.width(), cell.badge.width() + 12);
+    EXPECT_EQ(cell.name.top(), cell.tile.bottom() + 6);
+    EXPECT_EQ(cell.name.width(), rect.width());
+    const int nameLine = TextStyle({11, Weight::semibold}).lineHeight();
+    EXPECT_EQ(cell.caption.top(), cell.name.top() + nameLine + 2);
+    // A name of two lines pushes the caption down; it still ends inside the cell.
+    EXPECT_EQ(cell.caption.bottom() + nameLine, rect.bottom());
+}
+
+TEST(FileRowTests, asManyColumnsAsFit) {
+    struct Case {
+        int width;
+        int columns;
+        int columnWidth;
+    };
+    // One more column from the pixel on at which it has 96.
+    const Case cases[] = {
+        {100, 1, 96},
+        {144, 1, 120},
+        {225, 1, 120},
+        {226, 2, 96},
+        {331, 2, 120},
+        {332, 3, 96},
+        {438, 4, 96},
+        {437, 3, 120},
+        {480, 4, (456 - 30) / 4},
+        {1000, 9, (976 - 80) / 9},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.width);
+        const FileGridGeometry grid(c.width);
+        EXPECT_EQ(grid.columns, c.columns);
+        EXPECT_EQ(grid.columnWidth, c.columnWidth);
+        const QRect first = grid.cell(0);
+        const QRect last = grid.cell(grid.columns - 1);
+        EXPECT_EQ(first.top(), 12);
+        EXPECT_EQ(grid.cell(grid.columns).top(), first.bottom() + 1 + 10);
+        if (grid.columns > 1) {
+            EXPECT_EQ(grid.cell(1).left(), first.right() + 1 + 10);
+        }
+        if (c.width >= 120) {
+            EXPECT_GE(first.left(), 12);
+            EXPECT_LE(last.right() + 1, c.width - 12);
+            // Centred, but for the one pixel that cannot be halved.
+            EXPECT_LE(qAbs(first.left() - (c.width - last.right() - 1)), 1);
+        }
+        EXPECT_EQ(grid.contentHeight(0), 0);
+        EXPECT_EQ(grid.contentHeight(grid.columns), 24 + grid.cellHeight);
+        EXPECT_EQ(grid.contentHeight(grid.columns + 1), 24 + 2 * grid.cellHeight + 10);
+    }
+}
+
+TEST(FileRowTests, aClickOnTheMarkIsToldFromOneOnTheBody) {
+    const FileRow row{{fileNamed(u"a"_s)}};
+    const FileGridCell cell{{fileNamed(u"a"_s)}};
+    const QRectF rowRect(0, 100, 400, 30);
+    const QRectF cellRect(0, 100, 100, FileGridCellGeometry::height());
+    using Part = FileEntry::Part;
+    const std::tuple<QPointF, Part> rowCases[] = {
+        {{11, 115}, Part::body},   {{12, 101}, Part::mark},  {{39, 129}, Part::mark},
+        {{40.5, 115}, Part::body}, {{200, 115}, Part::body}, {{395, 115}, Part::body},
+    };
+    for (const auto &[point, part] : rowCases)
+        EXPECT_EQ(row.hitTest(rowRect, point), part) << point.x();
+    const double side = FileGridCellGeometry(cellRect).badgeTarget.width();
+    const std::tuple<QPointF, Part> cellCases[] = {
+        {{99, 101}, Part::mark},
+        {{100 - side + 1, 100 + side - 1}, Part::mark},
+        {{100 - side - 1, 101}, Part::body},
+        {{99, 100 + side + 1}, Part::body},
+        {{50, 136}, Part::body},
+        {{50, 190}, Part::body},
+    };
+    for (const auto &[point, part] : cellCases)
+        EXPECT_EQ(cell.hitTest(cellRect, point), part) << point.x() << ' ' << point.y();
+}
+
+/// What an entry paints on white, on a screen of `ratio`.
+template <typename Entry>
+QImage painted(const Entry &entry, const QSize &size, double ratio = 1) {
+    constexpr int margin = 20;
+    QImage image((size + QSize(2 * margin, 2 * margin)) * ratio, QImage::Format_ARGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    entry.paint(painter, QRectF(QPointF(margin, margin), QSizeF(size)));
+    return image;
+}
+
+bool hasColor(const QImage &image, const QColor &color) {
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixelColor(x, y).rgba() == color.rgba())
+                return true;
+    return false;
+}
+
+QRectF inkBounds(const QImage &image) {
+    QRect bounds;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixelColor(x, y).alpha() > 0)
+                bounds |= QRect(x, y, 1, 1);
+    const double ratio = image.devicePixelRatio();
+    return {bounds.x() / ratio, bounds.y() / ratio, bounds.width() / ratio, bounds.height() / ratio};
+}
+
+TEST(FileRowTests, paintingShowsTheSelectionAndTheKind) {
+    FileEntry entry{fileNamed(u"song.mp3"_s)};
+    const QSize rowSize(400, FileRowGeometry::height(false));
+    const QSize cellSize(110, FileGridCellGeometry::height());
+    const QColor pink = AppTheme::systemPink();
+    const QColor accent = AppTheme::accent();
+    EXPECT_TRUE(hasColor(painted(FileRow{entry}, rowSize, 3), pink));
+    EXPECT_TRUE(hasColor(painted(FileGridCell{entry}, cellSize, 3), pink));
+    EXPECT_FALSE(hasColor(painted(FileRow{entry}, rowSize, 3), accent));
+    EXPECT_FALSE(hasColor(painted(FileGridCell{entry}, cellSize, 3), accent));
+    EXPECT_EQ(painted(FileRow{entry}, rowSize).pixelColor(25, 25).alpha(), 0);
+    entry.isSelected = true;
+    EXPECT_TRUE(hasColor(painted(FileRow{entry}, rowSize, 3), accent));
+    EXPECT_TRUE(hasColor(painted(FileGridCell{entry}, cellSize, 3), accent));
+    EXPECT_NEAR(painted(FileRow{entry}, rowSize).pixelColor(25, 25).alphaF(),
+                QColor(AppTheme::accentSoft()).alphaF(), 0.01);
+}
+
+TEST(FileRowTests, noNamePaintsOutsideItsRow) {
+    QString emoji;
+    for (int i = 0; i < 60; ++i)
+        emoji += u"😀"_s;
+    const QString names[] = {QString(255, u'w'),   emoji,
+                             u"שלום עולם.pdf"_s,   QChar(0x202E) + u"gpj.exe"_s,
+                             u"one\ntwo\nthree"_s, u"Zalgo"_s + QString(200, QChar(0x0335))};
+    for (const QString &name : names) {
+        for (const bool location : {false, true}) {
+            FileItem item = fileNamed(name);
+            item.path = u"/sdcard/"_s + QString(300, u'p') + u"/x"_s;
+            const FileEntry entry{item, true, location};
+            for (const double ratio : {1.0, 3.0}) {
+                SCOPED_TRACE(qPrintable(name.left(12)));
+                // Stacked accents may reach into the gap between two lines, but no farther.
+                constexpr double gap = 3;
+                const QSize row(330, FileRowGeometry::height(location));
+                const QRectF rowInk = inkBounds(painted(FileRow{entry}, row, ratio));
+                EXPECT_TRUE(QRectF(20, 20, row.width(), row.height()).contains(rowInk)) << ratio;
+                const QSize cell(96, FileGridCellGeometry::height());
+                const QRectF cellInk = inkBounds(painted(FileGridCell{entry}, cell, ratio));
+                EXPECT_TRUE(
+                    QRectF(20, 20, cell.width(), cell.height()).adjusted(-1, 0, 1, gap).contains(cellInk))
+                    << ratio;
+            }
+        }
+    }
+    EXPECT_TRUE(FileRow{{fileNamed(names[0])}}.cutsName(QRectF(0, 0, 400, 30)));
+    EXPECT_FALSE(FileRow{{fileNamed(u"short"_s)}}.cutsName(QRectF(0, 0, 400, 30)));
+    EXPECT_TRUE(FileGridCell{{fileNamed(names[0])}}.cutsName(QRectF(0, 0, 96, 120)));
+    EXPECT_FALSE(FileGridCell{{fileNamed(u"two words here"_s)}}.cutsName(QRectF(0, 0, 96, 120)));
+}
+
+} // namespace
+} // namespace vantrel

@@ -1,0 +1,1154 @@
+#include "MacFiles/MacFileClient.h"
+#include "State/AppState.h"
+#include "State/Records/Identity.h"
+#include "Views/AndroidBrowserPane.h"
+#include "Views/DualBrowserView.h"
+#include "Views/FileGridView.h"
+#include "Views/FileListView.h"
+#include "Views/FilePaneView.h"
+#include "Views/FileRow.h"
+#include "Views/Kit/IconButton.h"
+#include "Views/Kit/OverlayScrollBar.h"
+#include "Views/Kit/Spinner.h"
+#include "Views/Kit/TextLabel.h"
+#include "Views/ScopePicker.h"
+#include "Views/SelectAllBox.h"
+#include "support/DemoPhone.h"
+#include "support/FakeDesktop.h"
+
+#include <QAccessible>
+#include <QContextMenuEvent>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPaintEvent>
+#include <QPointer>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vantrel {
+namespace {
+
+using namespace Qt::StringLiterals;
+using ::testing::ElementsAre;
+
+FileItem fileNamed(const QString &name, bool isDirectory = false) {
+    FileItem item;
+    item.id = newIdentity();
+    item.name = name;
+    item.path = u"/home/me/"_s + name;
+    item.isDirectory = isDirectory;
+    item.sizeBytes = 1000;
+    return item;
+}
+
+QList<FileItem> someFiles(int count) {
+    QList<FileItem> items;
+    items.reserve(count);
+    for (int i = 0; i < count; ++i)
+        items.append(fileNamed(u"file %1.txt"_s.arg(i)));
+    return items;
+}
+
+template <typename Control>
+Control *control(QWidget &view, const QString &name) {
+    auto *found = view.findChild<Control *>(name);
+    EXPECT_NE(found, nullptr) << qPrintable(name);
+    return found;
+}
+
+QString text(QWidget &view, const QString &label) {
+    return control<TextLabel>(view, label)->text();
+}
+
+FileItemsView *entriesOf(QWidget &view) {
+    FileItemsView *list = view.findChild<FileListView *>();
+    return list->isVisibleTo(&view) ? list : view.findChild<FileGridView *>();
+}
+
+/// The middle of an entry's mark, and a point of its body.
+QPoint markOf(const FileItemsView *entries, qsizetype index) {
+    const QRect rect = entries->entryRect(index);
+    return qobject_cast<const FileListView *>(entries) ? rect.topLeft() + QPoint(20, 15)
+                                                       : rect.topRight() + QPoint(-15, 15);
+}
+QPoint bodyOf(const FileItemsView *entries, qsizetype index) {
+    return entries->entryRect(index).topLeft() + QPoint(50, 20);
+}
+
+void click(QWidget *viewport, const QPoint &point) {
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, point);
+}
+
+/// What the toolkit sends for a quick second click at the same place.
+void doubleClick(QWidget *viewport, const QPoint &point) {
+    click(viewport, point);
+    const QPointF global = viewport->mapToGlobal(point);
+    QMouseEvent second(QEvent::MouseButtonDblClick, point, global, Qt::LeftButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(viewport, &second);
+    QMouseEvent release(QEvent::MouseButtonRelease, point, global, Qt::LeftButton, Qt::NoButton, {});
+    QCoreApplication::sendEvent(viewport, &release);
+}
+
+/// Opens an entry's context menu, if it has one.
+QMenu *menuAt(FileItemsView *entries, const QPoint &point) {
+    QWidget *viewport = entries->viewport();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, point, viewport->mapToGlobal(point));
+    QCoreApplication::sendEvent(viewport, &event);
+    return qobject_cast<QMenu *>(QApplication::activePopupWidget());
+}
+
+QStringList titles(const QMenu &menu) {
+    QStringList titles;
+    for (const QAction *action : menu.actions())
+        titles += action->isSeparator() ? u"-"_s : action->text();
+    return titles;
+}
+
+void choose(QMenu *menu, const QString &title) {
+    const QPointer<QMenu> watched(menu);
+    for (QAction *action : menu->actions()) {
+        if (action->text() == title)
+            action->trigger();
+    }
+    menu->close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return watched.isNull(); })) << "the menu stays behind";
+}
+
+QAccessibleInterface *accessible(QObject *object) {
+    return QAccessible::queryAccessibleInterface(object);
+}
+
+template <typename Condition>
+bool happens(Condition condition) {
+    return QTest::qWaitFor(condition, 20000);
+}
+
+// -- The file pane alone
+
+/// A file pane on values, whose callbacks write down that they were called.
+class FilePaneTests : public ::testing::Test {
+protected:
+    FilePaneTests() {
+        pane.title = u"Title"_s;
+        pane.pathLabel = u"Path"_s;
+        pane.items = someFiles(6);
+        const auto note = [this](const QString &what) { return [this, what] { calls.append(what); }; };
+        const auto noteItem = [this](const QString &what) {
+            return [this, what](const FileItem &item) { calls.append(what + u' ' + item.name); };
+        };
+        pane.onToggle = noteItem(u"toggle"_s);
+        pane.onSelect = noteItem(u"select"_s);
+        pane.onOpen = noteItem(u"open"_s);
+        pane.onToggleSelectAll = note(u"toggleSelectAll"_s);
+        pane.onFocus = note(u"focus"_s);
+        pane.onBack = note(u"back"_s);
+        pane.onRefresh = note(u"refresh"_s);
+        pane.onChooseFolder = note(u"chooseFolder"_s);
+        pane.onNewFolder = note(u"newFolder"_s);
+        pane.onHome = note(u"home"_s);
+        pane.onClearSearch = note(u"clearSearch"_s);
+        pane.searchText = {QString(), [this](const QString &value) {
+                               calls.append(u"search "_s + value);
+                               pane.searchText->value = value;
+                               show();
+                           }};
+        pane.searchScope = {AndroidSearchScope::thisFolder, [this](AndroidSearchScope scope) {
+                                calls.append(u"scope "_s + rawValue(scope));
+                                pane.searchScope->value = scope;
+                                show();
+                            }};
+        pane.viewMode = {PaneViewMode::list, [this](PaneViewMode mode) {
+                             calls.append(u"mode "_s + rawValue(mode));
+                             pane.viewMode->value = mode;
+                             show();
+                         }};
+        pane.desktop = &desktop;
+        view.resize(480, 480);
+        show();
+        view.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));
+    }
+
+    void show() { view.setPane(pane); }
+    void showAs(PaneViewMode mode) {
+        pane.viewMode->value = mode;
+        show();
+        calls.clear();
+    }
+    FileItemsView *entries() { return entriesOf(view); }
+
+    FakeDesktop desktop;
+    FilePane pane;
+    QStringList calls;
+    FilePaneView view;
+};
+
+TEST_F(FilePaneTests, clicksBecomeCallbacksInBothLayouts) {
+    for (const PaneViewMode mode : allPaneViewModes) {
+        SCOPED_TRACE(qPrintable(rawValue(mode)));
+        showAs(mode);
+        QWidget *viewport = entries()->viewport();
+        click(viewport, bodyOf(entries(), 1));
+        EXPECT_THAT(calls, ElementsAre(u"select file 1.txt"_s));
+        calls.clear();
+        click(viewport, markOf(entries(), 2));
+        EXPECT_THAT(calls, ElementsAre(u"toggle file 2.txt"_s));
+        calls.clear();
+        doubleClick(viewport, bodyOf(entries(), 3));
+        EXPECT_THAT(calls, ElementsAre(u"select file 3.txt"_s, u"open file 3.txt"_s));
+        calls.clear();
+        // Pressed on one entry and released on another: nothing was clicked.
+        QTest::mousePress(viewport, Qt::LeftButton, {}, bodyOf(entries(), 0));
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, bodyOf(entries(), 1));
+        QTest::mouseClick(viewport, Qt::RightButton, {}, bodyOf(entries(), 1));
+        EXPECT_THAT(calls, ElementsAre());
+    }
+}
+
+TEST_F(FilePaneTests, aClickSelectsOnlyWhatTheFirstClickOfADoubleClickHit) {
+    pane.onSelect = [this](const FileItem &) {
+        pane.items = someFiles(6);
+        show();
+    };
+    show();
+    doubleClick(entries()->viewport(), bodyOf(entries(), 0));
+    EXPECT_THAT(calls, ElementsAre()) << "opened an entry that was not there at the first click";
+}
+
+TEST_F(FilePaneTests, withoutItsCallbackAClickTogglesAndADoubleClickOpensNothing) {
+    pane.onSelect = {};
+    pane.onOpen = {};
+    show();
+    doubleClick(entries()->viewport(), bodyOf(entries(), 3));
+    EXPECT_THAT(calls, ElementsAre(u"toggle file 3.txt"_s));
+}
+
+TEST_F(FilePaneTests, aClickBesideTheControlsFocusesThePane) {
+    auto *field = control<QLineEdit>(view, u"searchField"_s);
+    QWidget *const places[] = {&view, control<TextLabel>(view, u"title"_s),
+                               control<TextLabel>(view, u"path"_s),
+                               control<TextLabel>(view, u"footerLeading"_s)};
+    for (QWidget *place : places) {
+        calls.clear();
+        field->setFocus();
+        ASSERT_TRUE(field->hasFocus());
+        click(place, place == &view ? QPoint(3, 200) : place->rect().center());
+        EXPECT_THAT(calls, ElementsAre(u"focus"_s)) << qPrintable(place->objectName());
+        EXPECT_FALSE(field->hasFocus()) << "the selection's keys would still go to the field";
+    }
+    for (const PaneViewMode mode : allPaneViewModes) {
+        showAs(mode);
+        click(entries()->viewport(), QPoint(300, entries()->viewport()->height() - 5));
+        EXPECT_THAT(calls, ElementsAre(u"focus"_s)) << "below the last entry";
+    }
+}
+
+TEST_F(FilePaneTests, toolsCallTheirCallbacks) {
+    const std::tuple<QString, QString, QString> tools[] = {
+        {u"back"_s, u"Go back"_s, u"back"_s},
+        {u"home"_s, u"Go to Home"_s, u"home"_s},
+        {u"chooseFolder"_s, u"Choose folder"_s, u"chooseFolder"_s},
+        {u"newFolder"_s, u"New folder"_s, u"newFolder"_s},
+        {u"refresh"_s, u"Refresh"_s, u"refresh"_s},
+        {u"gridView"_s, u"Grid view"_s, u"mode grid"_s},
+        {u"listView"_s, u"List view"_s, u"mode list"_s},
+    };
+    int left = -1;
+    for (const auto &[name, help, call] : tools) {
+        SCOPED_TRACE(qPrintable(name));
+        auto *tool = control<IconButton>(view, name);
+        EXPECT_TRUE(tool->isVisible() && tool->isEnabled());
+        EXPECT_EQ(tool->size(), QSize(24, 24));
+        EXPECT_EQ(accessible(tool)->text(QAccessible::Name), help);
+        EXPECT_TRUE(tool->toolTip().contains(help));
+        calls.clear();
+        click(tool, tool->rect().center());
+        EXPECT_THAT(calls, ElementsAre(call));
+        if (name != u"gridView" && name != u"listView") {
+            EXPECT_GT(tool->x(), left) << "out of order";
+            left = tool->x();
+        }
+    }
+}
+
+TEST_F(FilePaneTests, anAbsentCallbackDisablesOrHidesItsControl) {
+    const auto isShown = [this](const QString &name) { return control<QWidget>(view, name)->isVisible(); };
+    const auto isOn = [this](const QString &name) { return control<QWidget>(view, name)->isEnabled(); };
+
+    pane.onHome = {};
+    pane.onNewFolder = {};
+    show();
+    EXPECT_TRUE(isShown(u"home"_s) && isShown(u"chooseFolder"_s) && isShown(u"newFolder"_s));
+    EXPECT_FALSE(isOn(u"home"_s) || isOn(u"newFolder"_s));
+    EXPECT_TRUE(isOn(u"chooseFolder"_s));
+
+    pane.onChooseFolder = {};
+    pane.onBack = {};
+    pane.onRefresh = {};
+    pane.viewMode.reset();
+    show();
+    EXPECT_FALSE(isShown(u"home"_s) || isShown(u"chooseFolder"_s) || isShown(u"newFolder"_s));
+    for (const QString &name : {u"back"_s, u"refresh"_s, u"listView"_s, u"gridView"_s}) {
+        EXPECT_TRUE(isShown(name)) << qPrintable(name);
+        EXPECT_FALSE(isOn(name)) << qPrintable(name);
+        EXPECT_EQ(control<IconButton>(view, name)->look().glyph, AppTheme::inkSecondary()) << "looks active";
+        EXPECT_EQ(control<IconButton>(view, name)->look().disabledOpacity, 0.45);
+    }
+    EXPECT_TRUE(isShown(u"fileList"_s) && isShown(u"columnSelectAll"_s));
+
+    pane.searchScope.reset();
+    show();
+    EXPECT_FALSE(isShown(u"scopePicker"_s));
+    EXPECT_TRUE(isShown(u"searchField"_s));
+    pane.searchText.reset();
+    show();
+    EXPECT_FALSE(isShown(u"searchField"_s));
+
+    pane.onToggleSelectAll = {};
+    pane.viewMode = {PaneViewMode::grid, [](PaneViewMode) {}};
+    show();
+    EXPECT_FALSE(isShown(u"gridSelectAll"_s));
+    EXPECT_TRUE(isShown(u"fileGrid"_s));
+    EXPECT_FALSE(isShown(u"fileList"_s));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    EXPECT_EQ(entries()->mapTo(&view, QPoint()).y(),
+              control<QWidget>(view, u"title"_s)->parentWidget()->geometry().bottom() + 1)
+        << "something is left between header and grid";
+}
+
+TEST_F(FilePaneTests, theActiveLayoutsToolIsLit) {
+    auto *list = control<IconButton>(view, u"listView"_s);
+    auto *grid = control<IconButton>(view, u"gridView"_s);
+    for (const PaneViewMode mode : allPaneViewModes) {
+        showAs(mode);
+        IconButton *on = mode == PaneViewMode::grid ? grid : list;
+        IconButton *off = mode == PaneViewMode::grid ? list : grid;
+        EXPECT_EQ(on->look().glyph, AppTheme::accent());
+        EXPECT_EQ(on->look().fill, AppTheme::accentSoft());
+        EXPECT_EQ(on->look().stroke, AppTheme::accent().withOpacity(0.35));
+        EXPECT_EQ(off->look().glyph, AppTheme::inkSecondary());
+        EXPECT_EQ(off->look().fill, AppTheme::surface());
+        EXPECT_EQ(off->look().stroke, AppTheme::stroke());
+        EXPECT_TRUE(accessible(on)->state().checked);
+        EXPECT_FALSE(accessible(off)->state().checked);
+    }
+}
+
+TEST_F(FilePaneTests, selectAllShowsHowMuchIsSelected) {
+    struct Case {
+        const char *what;
+        QSet<QUuid> selected;
+        PaneSelectAllState state;
+        Qt::CheckState box;
+        QString title;
+    };
+    QSet<QUuid> all;
+    for (const FileItem &item : pane.items)
+        all.insert(item.id);
+    const QUuid elsewhere = newIdentity();
+    const Case cases[] = {
+        {"none", {}, PaneSelectAllState::none, Qt::Unchecked, u"Select all"_s},
+        {"not among the items", {elsewhere}, PaneSelectAllState::none, Qt::Unchecked, u"Select all"_s},
+        {"the last",
+         {pane.items.last().id},
+         PaneSelectAllState::partial,
+         Qt::PartiallyChecked,
+         u"Select all"_s},
+        {"the first",
+         {pane.items.first().id, elsewhere},
+         PaneSelectAllState::partial,
+         Qt::PartiallyChecked,
+         u"Select all"_s},
+        {"all", all, PaneSelectAllState::all, Qt::Checked, u"Deselect all"_s},
+        {"all and more", all + QSet{elsewhere}, PaneSelectAllState::all, Qt::Checked, u"Deselect all"_s},
+    };
+    for (const auto &[boxName, mode] : {std::pair(u"columnSelectAll"_s, PaneViewMode::list),
+                                        std::pair(u"gridSelectAll"_s, PaneViewMode::grid)}) {
+        showAs(mode);
+        auto *box = control<SelectAllBox>(view, boxName);
+        for (const Case &c : cases) {
+            SCOPED_TRACE(c.what);
+            pane.selectedIDs = c.selected;
+            show();
+            EXPECT_EQ(pane.selectAllState(), c.state);
+            EXPECT_EQ(box->checkState(), c.box);
+            EXPECT_TRUE(box->toolTip().contains(c.title));
+            EXPECT_EQ(accessible(box)->text(QAccessible::Name), c.title);
+            EXPECT_EQ(text(view, u"gridSelectAllTitle"_s), c.title);
+            calls.clear();
+            click(box, box->rect().center());
+            EXPECT_THAT(calls, ElementsAre(u"focus"_s, u"toggleSelectAll"_s));
+            EXPECT_EQ(box->checkState(), c.box) << "a click alone changes nothing";
+        }
+    }
+    auto *box = control<SelectAllBox>(view, u"columnSelectAll"_s);
+    pane.items.clear();
+    show();
+    EXPECT_FALSE(box->isEnabled());
+    EXPECT_EQ(box->checkState(), Qt::Unchecked);
+    pane.items = someFiles(1);
+    pane.onToggleSelectAll = {};
+    show();
+    EXPECT_FALSE(box->isEnabled());
+}
+
+TEST_F(FilePaneTests, searchTextAndScopeAreBound) {
+    auto *field = control<QLineEdit>(view, u"searchField"_s);
+    auto *clear = control<IconButton>(view, u"clearSearch"_s);
+    auto *picker = control<ScopePicker>(view, u"scopePicker"_s);
+    EXPECT_EQ(field->placeholderText(), u"Search this folder");
+    EXPECT_FALSE(clear->isVisible());
+    QTest::keyClicks(field, u"ab"_s);
+    EXPECT_THAT(calls, ElementsAre(u"search a"_s, u"search ab"_s));
+    EXPECT_TRUE(clear->isVisible());
+
+    // The caret stays where the user put it when the same text is shown again.
+    QTest::keyClick(field, Qt::Key_Left);
+    show();
+    EXPECT_EQ(field->cursorPosition(), 1);
+
+    calls.clear();
+    click(clear, clear->rect().center());
+    EXPECT_THAT(calls, ElementsAre(u"clearSearch"_s));
+    EXPECT_EQ(field->text(), u"ab") << "clearing is the owner's business";
+    pane.onClearSearch = {};
+    show();
+    calls.clear();
+    click(clear, clear->rect().center());
+    EXPECT_THAT(calls, ElementsAre(u"search "_s));
+    EXPECT_EQ(field->text(), QString());
+    EXPECT_FALSE(clear->isVisible());
+
+    EXPECT_EQ(picker->count(), 2);
+    EXPECT_EQ(picker->itemText(0), u"This folder");
+    EXPECT_EQ(picker->itemText(1), u"Everywhere");
+    EXPECT_EQ(accessible(picker)->role(), QAccessible::ComboBox);
+    EXPECT_EQ(accessible(picker)->text(QAccessible::Value), u"This folder");
+    EXPECT_EQ(accessible(picker)->text(QAccessible::Description), u"Scope");
+    calls.clear();
+    QTest::keyClick(picker, Qt::Key_Down);
+    EXPECT_THAT(calls, ElementsAre(u"scope everywhere"_s));
+    EXPECT_EQ(field->placeholderText(), u"Search entire device");
+    EXPECT_EQ(accessible(field)->text(QAccessible::Name), u"Search entire device");
+    pane.searchScope.reset();
+    show();
+    EXPECT_EQ(field->placeholderText(), u"Search this folder");
+}
+
+TEST_F(FilePaneTests, everyChangeOfTheTokenFocusesTheSearchField) {
+    auto *field = control<QLineEdit>(view, u"searchField"_s);
+    entries()->setFocus();
+    show();
+    EXPECT_FALSE(field->hasFocus()) << "the first value asks for nothing";
+    for (int i = 0; i < 2; ++i) {
+        ++pane.focusSearchToken;
+        show();
+        EXPECT_TRUE(field->hasFocus());
+        entries()->setFocus();
+        show();
+        EXPECT_FALSE(field->hasFocus());
+    }
+}
+
+TEST_F(FilePaneTests, contextMenusFollowTheFlags) {
+    pane.items = {fileNamed(u"folder"_s, true), fileNamed(u"file"_s)};
+    show();
+    EXPECT_EQ(menuAt(entries(), bodyOf(entries(), 0)), nullptr) << "no flag, no menu";
+
+    pane.showsOpenContextMenu = true;
+    show();
+    QMenu *menu = menuAt(entries(), bodyOf(entries(), 1));
+    ASSERT_NE(menu, nullptr);
+    EXPECT_THAT(titles(*menu), ElementsAre(u"Open"_s));
+    choose(menu, u"Open"_s);
+    EXPECT_THAT(calls, ElementsAre(u"open file"_s));
+    EXPECT_THAT(desktop.opened, ElementsAre());
+    EXPECT_EQ(menuAt(entries(), QPoint(200, entries()->viewport()->height() - 5)), nullptr)
+        << "no entry, no menu";
+
+    pane.showsMacContextMenu = true;
+    show();
+    calls.clear();
+    menu = menuAt(entries(), bodyOf(entries(), 1));
+    ASSERT_NE(menu, nullptr);
+    EXPECT_THAT(titles(*menu), ElementsAre(u"Open"_s, u"Reveal in Finder"_s, u"-"_s, u"Copy Path"_s));
+    choose(menu, u"Open"_s);
+    choose(menuAt(entries(), bodyOf(entries(), 1)), u"Reveal in Finder"_s);
+    choose(menuAt(entries(), bodyOf(entries(), 0)), u"Copy Path"_s);
+    EXPECT_THAT(calls, ElementsAre());
+    EXPECT_THAT(desktop.opened, ElementsAre(u"/home/me/file"_s));
+    EXPECT_THAT(desktop.revealed, ElementsAre(u"/home/me/file"_s));
+    EXPECT_THAT(desktop.copied, ElementsAre(u"/home/me/folder"_s));
+    choose(menuAt(entries(), bodyOf(entries(), 0)), u"Open"_s);
+    EXPECT_THAT(calls, ElementsAre(u"open folder"_s));
+    EXPECT_THAT(desktop.opened, ElementsAre(u"/home/me/file"_s));
+}
+
+TEST_F(FilePaneTests, theNameColumnTellsOfLocations) {
+    EXPECT_EQ(text(view, u"nameColumn"_s), u"Name");
+    const int height = entries()->entryRect(0).height();
+    pane.showsItemLocation = true;
+    show();
+    EXPECT_EQ(text(view, u"nameColumn"_s), u"Name / Location");
+    EXPECT_GT(entries()->entryRect(0).height(), height);
+}
+
+TEST_F(FilePaneTests, headersStandAboveTheirColumns) {
+    const auto left = [this](const QWidget *widget) { return widget->mapTo(&view, QPoint()).x(); };
+    pane.items = someFiles(500);
+    show();
+    for (const int width : {view.minimumSizeHint().width(), 400, 777}) {
+        view.resize(width, 300);
+        const QWidget *viewport = entries()->viewport();
+        const FileRowGeometry row(QRectF(left(viewport), 0, viewport->width(), 30), false);
+        EXPECT_EQ(left(control<QWidget>(view, u"columnSelectAll"_s)), row.checkbox.left()) << width;
+        EXPECT_EQ(left(control<QWidget>(view, u"nameColumn"_s)), row.checkbox.right()) << width;
+        EXPECT_EQ(left(control<QWidget>(view, u"sizeColumn"_s)), row.size.left()) << width;
+        EXPECT_EQ(left(control<QWidget>(view, u"modifiedColumn"_s)), row.modified.left()) << width;
+    }
+}
+
+/// Notes which entries a view is asked to paint.
+class PaintedEntries : public QObject {
+public:
+    explicit PaintedEntries(FileItemsView *entries) : m_entries(entries) {
+        entries->viewport()->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override {
+        if (event->type() != QEvent::Paint)
+            return false;
+        const QRegion region = static_cast<QPaintEvent *>(event)->region();
+        for (qsizetype index = 0; index < m_entries->count(); ++index) {
+            // The strip below the scroll bar is painted with the bar.
+            if (region.intersects(m_entries->entryRect(index).adjusted(0, 0, -OverlayScrollBar::extent, 0)))
+                m_painted.insert(int(index));
+        }
+        return false;
+    }
+
+    /// Those since the last call, once everything that was due has been painted.
+    QList<int> take() {
+        QTest::qWait(0);
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+        QList<int> painted(m_painted.begin(), m_painted.end());
+        std::sort(painted.begin(), painted.end());
+        m_painted.clear();
+        return painted;
+    }
+
+private:
+    FileItemsView *m_entries;
+    QSet<int> m_painted;
+};
+
+TEST_F(FilePaneTests, exactlyTheEntriesThatLookDifferentAreRepainted) {
+    for (const PaneViewMode mode : allPaneViewModes) {
+        SCOPED_TRACE(qPrintable(rawValue(mode)));
+        pane.items = someFiles(200);
+        pane.selectedIDs.clear();
+        showAs(mode);
+        PaintedEntries painted(entries());
+        painted.take();
+
+        show();
+        EXPECT_THAT(painted.take(), ElementsAre()) << "nothing changed";
+        pane.selectedIDs = {pane.items.at(1).id, pane.items.at(3).id, pane.items.at(150).id};
+        show();
+        EXPECT_THAT(painted.take(), ElementsAre(1, 3));
+        pane.selectedIDs = {pane.items.at(1).id};
+        show();
+        EXPECT_THAT(painted.take(), ElementsAre(3));
+
+        // The same entries with another value: only the list shows dates.
+        pane.items[2].sizeBytes = 7;
+        pane.items[4].modifiedAt = QDateTime::currentDateTime();
+        pane.items[0].path += u"x"_s;
+        show();
+        if (mode == PaneViewMode::list)
+            EXPECT_THAT(painted.take(), ElementsAre(2, 4));
+        else
+            EXPECT_THAT(painted.take(), ElementsAre(2));
+
+        pane.footerTrailing += u"!"_s;
+        pane.searchScope->value = AndroidSearchScope::everywhere;
+        show();
+        EXPECT_THAT(painted.take(), ElementsAre()) << "other parts of the pane changed";
+
+        // An entry leaves from the middle: those after it move up, those before it stay.
+        pane.items.removeAt(4);
+        show();
+        const QList<int> moved = painted.take();
+        ASSERT_FALSE(moved.isEmpty());
+        EXPECT_EQ(moved.first(), 4);
+
+        for (const FileItem &item : std::as_const(pane.items))
+            pane.selectedIDs.insert(item.id);
+        show();
+        const QList<int> screen = painted.take();
+        EXPECT_LT(screen.size(), 40) << "what is out of sight was painted";
+        EXPECT_FALSE(screen.contains(1)) << "it was selected already";
+        EXPECT_TRUE(screen.contains(0) && screen.contains(2));
+    }
+}
+
+TEST_F(FilePaneTests, anEntryThatVanishesIsWipedOut) {
+    pane.items = someFiles(3);
+    pane.selectedIDs = {pane.items.at(2).id};
+    show();
+    const QRect third = entries()->entryRect(2);
+    const auto isPlain = [&] {
+        const QImage image = entries()->viewport()->grab(third).toImage();
+        return image.pixelColor(3, 10).rgba() == QColor(AppTheme::surface()).rgba();
+    };
+    EXPECT_FALSE(isPlain());
+    PaintedEntries painted(entries());
+    pane.items.removeLast();
+    show();
+    EXPECT_TRUE(isPlain());
+    EXPECT_EQ(entries()->indexAt(third.center()), -1);
+}
+
+TEST_F(FilePaneTests, anotherFolderStartsAtItsTopAndARefreshDoesNot) {
+    for (const PaneViewMode mode : allPaneViewModes) {
+        pane.items = someFiles(300);
+        showAs(mode);
+        QScrollBar *bar = entries()->verticalScrollBar();
+        bar->setValue(500);
+        pane.items = someFiles(301);
+        show();
+        EXPECT_EQ(bar->value(), 500);
+        pane.pathLabel += u"/sub"_s;
+        show();
+        EXPECT_EQ(bar->value(), 0);
+        bar->setValue(500);
+        pane.searchText->value += u'a';
+        show();
+        EXPECT_EQ(bar->value(), 0);
+        bar->setValue(bar->maximum());
+        pane.items = someFiles(3);
+        show();
+        EXPECT_EQ(bar->value(), 0);
+    }
+}
+
+TEST_F(FilePaneTests, theKeyboardMovesARingAndSpaceToggles) {
+    pane.items = someFiles(100);
+    for (const PaneViewMode mode : allPaneViewModes) {
+        SCOPED_TRACE(qPrintable(rawValue(mode)));
+        showAs(mode);
+        FileItemsView *list = entries();
+        list->scrollToTop();
+        const int line = mode == PaneViewMode::list ? 1 : FileGridGeometry(list->viewport()->width()).columns;
+
+        // After a click the arrow keys scroll, and Space is nobody's.
+        click(list->viewport(), bodyOf(list, 0));
+        calls.clear();
+        ASSERT_TRUE(list->hasFocus());
+        QTest::keyClick(list, Qt::Key_Down);
+        EXPECT_GT(list->verticalScrollBar()->value(), 0);
+        QTest::keyClick(list, Qt::Key_Space);
+        QTest::keyClick(list, Qt::Key_Return);
+        EXPECT_EQ(list->focusedIndex(), -1);
+        EXPECT_THAT(calls, ElementsAre());
+
+        list->scrollToTop();
+        list->clearFocus();
+        list->setFocus(Qt::TabFocusReason);
+        EXPECT_EQ(list->focusedIndex(), 0);
+        QTest::keyClick(list, Qt::Key_Up);
+        EXPECT_EQ(list->focusedIndex(), 0);
+        QTest::keyClick(list, Qt::Key_Down);
+        EXPECT_EQ(list->focusedIndex(), line);
+        QTest::keyClick(list, Qt::Key_Space);
+        EXPECT_THAT(calls, ElementsAre(u"toggle file %1.txt"_s.arg(line)));
+        QTest::keyClick(list, Qt::Key_Return);
+        QTest::keyClick(list, Qt::Key_Delete);
+        EXPECT_EQ(calls.size(), 1);
+        QTest::keyClick(list, Qt::Key_End);
+        EXPECT_EQ(list->focusedIndex(), 99);
+        EXPECT_TRUE(list->viewport()->rect().contains(list->entryRect(99)));
+        QTest::keyClick(list, Qt::Key_PageUp);
+        EXPECT_LT(list->focusedIndex(), 99 - line);
+        QTest::keyClick(list, Qt::Key_Home);
+        EXPECT_EQ(list->focusedIndex(), 0);
+        QTest::keyClick(list, Qt::Key_Right);
+        EXPECT_EQ(list->focusedIndex(), mode == PaneViewMode::list ? 0 : 1);
+        list->clearFocus();
+        EXPECT_EQ(list->focusedIndex(), -1);
+    }
+}
+
+TEST_F(FilePaneTests, tabReachesEveryControl) {
+    pane.searchText->value = u"x"_s;
+    show();
+    QSet<QString> reached;
+    view.setFocus();
+    control<QWidget>(view, u"back"_s)->setFocus(Qt::TabFocusReason);
+    for (int i = 0; i < 30 && QApplication::focusWidget(); ++i) {
+        reached.insert(QApplication::focusWidget()->objectName());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    for (const auto &name :
+         {u"back"_s, u"home"_s, u"chooseFolder"_s, u"newFolder"_s, u"refresh"_s, u"listView"_s, u"gridView"_s,
+          u"searchField"_s, u"scopePicker"_s, u"clearSearch"_s, u"columnSelectAll"_s, u"fileList"_s})
+        EXPECT_TRUE(reached.contains(name)) << qPrintable(name);
+}
+
+TEST_F(FilePaneTests, assistiveTechnologyFindsAHundredThousandEntries) {
+    pane.items = someFiles(100'000);
+    pane.selectedIDs = {pane.items.at(70'000).id};
+    for (const PaneViewMode mode : allPaneViewModes) {
+        SCOPED_TRACE(qPrintable(rawValue(mode)));
+        showAs(mode);
+        QAccessibleInterface *list = accessible(entries());
+        ASSERT_NE(list, nullptr);
+        EXPECT_EQ(list->role(), QAccessible::List);
+        EXPECT_EQ(list->text(QAccessible::Name), u"Title");
+        ASSERT_EQ(list->childCount(), 100'000);
+        EXPECT_EQ(list->child(100'000), nullptr);
+
+        QAccessibleInterface *entry = list->child(70'000);
+        ASSERT_NE(entry, nullptr);
+        EXPECT_EQ(entry->role(), QAccessible::ListItem);
+        EXPECT_EQ(entry->text(QAccessible::Name), u"file 70000.txt");
+        EXPECT_TRUE(entry->text(QAccessible::Description).contains(u"1 KB"_s));
+        EXPECT_TRUE(entry->state().checkable && entry->state().checked && entry->state().offscreen);
+        EXPECT_EQ(list->indexOfChild(entry), 70'000);
+        EXPECT_EQ(list->child(70'000), entry) << "made twice";
+        EXPECT_EQ(entry->parent(), list);
+
+        QAccessibleInterface *first = list->child(0);
+        EXPECT_FALSE(first->state().checked || first->state().offscreen);
+        EXPECT_EQ(list->childAt(first->rect().center().x(), first->rect().center().y()), first);
+        EXPECT_EQ(first->rect().topLeft(),
+                  entries()->viewport()->mapToGlobal(entries()->entryRect(0).topLeft()));
+        first->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        first->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        EXPECT_THAT(calls, ElementsAre(u"toggle file 0.txt"_s, u"select file 0.txt"_s));
+        entry->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+        EXPECT_EQ(entries()->focusedIndex(), 70'000);
+        EXPECT_FALSE(entry->state().offscreen);
+        EXPECT_TRUE(entry->state().focused);
+        EXPECT_EQ(list->focusChild(), entry);
+    }
+    // An entry that is gone says so.
+    QAccessibleInterface *last = accessible(entries())->child(99'999);
+    pane.items = someFiles(2);
+    show();
+    EXPECT_FALSE(last->isValid());
+    EXPECT_TRUE(last->state().invalid);
+    EXPECT_EQ(last->text(QAccessible::Name), QString());
+    EXPECT_EQ(accessible(&view)->role(), QAccessible::Pane);
+    EXPECT_EQ(accessible(&view)->text(QAccessible::Name), u"Title");
+}
+
+/// No visible control reaches out of its parent or into a sibling.
+void expectNothingOverlaps(QWidget &view) {
+    for (QWidget *widget : view.findChildren<QWidget *>()) {
+        // The scroll bar lies over the entries, and the spinner over the pane, on purpose.
+        const auto isOverlay = [](const QWidget *w) {
+            return w->inherits("vantrel::OverlayScrollBar") || qobject_cast<const Spinner *>(w);
+        };
+        if (!widget->isVisible() || isOverlay(widget))
+            continue;
+        const QWidget *parent = widget->parentWidget();
+        EXPECT_TRUE(parent->rect().contains(widget->geometry()))
+            << qPrintable(widget->objectName()) << " in " << qPrintable(parent->objectName());
+        for (const QWidget *sibling : parent->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+            if (sibling == widget || !sibling->isVisible() || isOverlay(sibling) ||
+                sibling->size().isEmpty() || widget->size().isEmpty())
+                continue;
+            EXPECT_FALSE(widget->geometry().intersects(sibling->geometry()))
+                << qPrintable(widget->objectName()) << " and " << qPrintable(sibling->objectName());
+        }
+    }
+}
+
+TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
+    QString emoji;
+    for (int i = 0; i < 60; ++i)
+        emoji += u"😀"_s;
+    const QSize smallest = view.minimumSizeHint();
+    const QSize hint = view.sizeHint();
+    EXPECT_LE(smallest.width(), 390) << "two panes must fit into the smallest window";
+    EXPECT_LE(smallest.height(), 320);
+    const QString texts[] = {QString(255, u'w'), emoji, u"שלום עולם.pdf"_s,
+                             u"/a/very/long/path"_s.repeated(40), u"line of an error\n"_s.repeated(10)};
+    for (const QString &text : texts) {
+        for (const PaneViewMode mode : allPaneViewModes) {
+            SCOPED_TRACE(qPrintable(text.left(10) + rawValue(mode)));
+            pane.items = {fileNamed(text), fileNamed(text, true)};
+            pane.pathLabel = pane.footerLeading = pane.footerTrailing = text;
+            pane.searchText->value = text.left(100);
+            pane.showsItemLocation = true;
+            showAs(mode);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+            EXPECT_EQ(view.minimumSizeHint(), smallest) << "a text makes the pane wider";
+            EXPECT_EQ(view.sizeHint(), hint);
+            for (const QSize size : {smallest, QSize(700, 400)}) {
+                view.resize(size);
+                EXPECT_EQ(view.size(), size);
+                expectNothingOverlaps(view);
+            }
+        }
+    }
+    // A short text beside a long one is shown in full.
+    pane.footerLeading = u"Nothing selected"_s;
+    show();
+    EXPECT_FALSE(control<TextLabel>(view, u"footerLeading"_s)->isElided());
+    EXPECT_TRUE(control<TextLabel>(view, u"footerTrailing"_s)->isElided());
+}
+
+// -- Both panes on a model
+
+class DualBrowserTests : public ::testing::Test {
+protected:
+    DualBrowserTests() : state(desktop) {
+        phone.write(u"DCIM/Camera/IMG_1.jpg"_s, QByteArray(1000, 'x'));
+        phone.write(u"DCIM/Camera/IMG_2.jpg"_s, QByteArray(2000, 'x'));
+        phone.write(u"note.txt"_s, "hello");
+        QDir(folder.path()).mkpath(u"sub/deeper"_s);
+        QFile file(folder.filePath(u"local.txt"_s));
+        EXPECT_TRUE(file.open(QFile::WriteOnly));
+        file.write("local");
+        file.close();
+
+        view = std::make_unique<DualBrowserView>(&state);
+        view->resize(1000, 500);
+        view->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(view.get()));
+    }
+
+    /// Shows the phone's storage and the local folder.
+    void connectPhone() {
+        state.refreshDevice(AppState::Spinner::hidden);
+        state.browseMac(folder.path());
+        ASSERT_TRUE(happens([this] {
+            return names(android()) == QStringList{u"DCIM"_s, u"note.txt"_s} &&
+                   names(mac()) == QStringList{u"sub"_s, u"local.txt"_s} && !state.isLoadingAndroid() &&
+                   !state.isLoadingMac();
+        }));
+    }
+
+    QWidget &android() { return *control<QWidget>(*view, u"androidPane"_s); }
+    QWidget &mac() { return *control<QWidget>(*view, u"macPane"_s); }
+    static QStringList names(QWidget &pane) {
+        QStringList names;
+        for (const FileItem &item : entriesOf(pane)->contents().items)
+            names += item.name;
+        return names;
+    }
+    static void press(QWidget &pane, const QString &tool) {
+        auto *button = control<IconButton>(pane, tool);
+        click(button, button->rect().center());
+    }
+    void clickEntry(QWidget &pane, int index) {
+        click(entriesOf(pane)->viewport(), bodyOf(entriesOf(pane), index));
+    }
+    void doubleClickEntry(QWidget &pane, int index) {
+        doubleClick(entriesOf(pane)->viewport(), bodyOf(entriesOf(pane), index));
+    }
+    bool footerSays(QWidget &pane, const QString &words) {
+        return happens([&] { return text(pane, u"footerTrailing"_s) == words; });
+    }
+    int commands(const QString &word) const {
+        int count = 0;
+        for (const QStringList &command : phone.commandLines())
+            count += command.join(u' ').contains(word) ? 1 : 0;
+        return count;
+    }
+
+    DemoPhone phone;
+    FakeDesktop desktop;
+    QTemporaryDir folder;
+    AppState state;
+    std::unique_ptr<DualBrowserView> view;
+};
+
+TEST_F(DualBrowserTests, theTwoPanesShareTheWidthEqually) {
+    for (const int width : {view->minimumSizeHint().width(), 835, 1401}) {
+        view->resize(width, 320);
+        const QRect left = android().geometry();
+        const QRect right = mac().geometry();
+        EXPECT_LE(qAbs(left.width() - right.width()), 1) << width;
+        EXPECT_EQ(right.left() - left.right() - 1, 10 + 34 + 10);
+        EXPECT_EQ(left.left(), 0);
+        EXPECT_EQ(right.right(), view->width() - 1);
+        expectNothingOverlaps(*view);
+    }
+    EXPECT_EQ(view->minimumHeight(), 320);
+    EXPECT_EQ(text(android(), u"title"_s), u"Android Device");
+    EXPECT_EQ(text(mac(), u"title"_s), u"Mac");
+    EXPECT_FALSE(mac().findChild<QLineEdit *>(u"searchField"_s)->isVisible());
+    EXPECT_FALSE(android().findChild<IconButton *>(u"home"_s)->isVisible());
+}
+
+TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
+    auto *toMac = control<IconButton>(*view, u"transferToMac"_s);
+    auto *toAndroid = control<IconButton>(*view, u"transferToAndroid"_s);
+    EXPECT_EQ(accessible(toMac)->text(QAccessible::Name), u"Transfer selected Android items to Mac");
+    EXPECT_EQ(accessible(toAndroid)->text(QAccessible::Name), u"Transfer selected Mac items to Android");
+    EXPECT_EQ(toMac->size(), QSize(34, 34));
+    EXPECT_EQ(toAndroid->y() - toMac->geometry().bottom() - 1, 10);
+
+    connectPhone();
+    EXPECT_FALSE(toMac->isEnabled() || toAndroid->isEnabled());
+    clickEntry(mac(), 1);
+    EXPECT_TRUE(happens([&] { return toAndroid->isEnabled(); }));
+    EXPECT_FALSE(toMac->isEnabled());
+    EXPECT_EQ(toAndroid->look().fill, AppTheme::accent());
+    EXPECT_EQ(toAndroid->look().strokeWidth, 0);
+    EXPECT_EQ(toMac->look().fill, AppTheme::surface());
+    EXPECT_EQ(toMac->look().strokeWidth, 1);
+    clickEntry(android(), 1);
+    EXPECT_TRUE(happens([&] { return toMac->isEnabled(); }));
+
+    click(toMac, toMac->rect().center());
+    EXPECT_TRUE(
+        happens([&] { return QFile::exists(folder.filePath(u"note.txt"_s)) && !state.isTransferring(); }));
+    EXPECT_EQ(phone.read(u"note.txt"_s), "hello");
+
+    phone.unplug();
+    state.refreshDevice(AppState::Spinner::hidden);
+    EXPECT_TRUE(happens([&] { return !state.device().isConnected && !toAndroid->isEnabled(); }));
+}
+
+TEST_F(DualBrowserTests, keysActOnTheFocusedPane) {
+    connectPhone();
+    auto *field = control<QLineEdit>(android(), u"searchField"_s);
+    const auto selected = [this] {
+        return std::pair(state.androidSelectedIDs().size(), state.macSelectedIDs().size());
+    };
+    using Counts = std::pair<qsizetype, qsizetype>;
+
+    clickEntry(mac(), 0);
+    EXPECT_EQ(state.focusedBrowserSide(), BrowserSide::mac);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(selected(), Counts(0, 2));
+    clickEntry(android(), 0);
+    EXPECT_EQ(state.focusedBrowserSide(), BrowserSide::android);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(selected(), Counts(2, 2));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape, Qt::AltModifier);
+    EXPECT_EQ(selected(), Counts(0, 2));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(selected(), Counts(0, 2)) << "other keys pass";
+
+    // In the search field the keys are the field's.
+    clickEntry(android(), 1);
+    field->setFocus();
+    QTest::keyClicks(field, u"note"_s);
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(field->selectedText(), u"note");
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_EQ(selected(), Counts(1, 2));
+
+    // An open menu keeps Escape for itself.
+    QMenu *menu = menuAt(entriesOf(mac()), bodyOf(entriesOf(mac()), 0));
+    ASSERT_NE(menu, nullptr);
+    QTest::keyClick(menu, Qt::Key_Escape);
+    EXPECT_FALSE(menu->isVisible());
+    EXPECT_EQ(selected(), Counts(1, 2));
+}
+
+TEST_F(DualBrowserTests, keysAreConsumedOnlyWhileTheViewIsShown) {
+    connectPhone();
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QKeyEvent selectAll(QEvent::KeyPress, Qt::Key_A, Qt::ControlModifier);
+    QKeyEvent other(QEvent::KeyPress, Qt::Key_B, Qt::ControlModifier);
+    using Outcome = DualBrowserView::KeyOutcome;
+    entriesOf(mac())->setFocus();
+    EXPECT_EQ(DualBrowserView::handleKeyEvent(escape, state), Outcome::consumed)
+        << "with nothing to clear, too";
+    EXPECT_EQ(DualBrowserView::handleKeyEvent(selectAll, state), Outcome::consumed);
+    EXPECT_EQ(DualBrowserView::handleKeyEvent(other, state), Outcome::passedOn);
+    EXPECT_EQ(state.androidSelectedIDs().size(), 2);
+
+    // The filter sees keys of any window, and none once the view is hidden.
+    QWidget elsewhere;
+    elsewhere.show();
+    QTest::keyClick(&elsewhere, Qt::Key_Escape);
+    EXPECT_TRUE(state.androidSelectedIDs().isEmpty());
+    view->hide();
+    QTest::keyClick(&elsewhere, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_TRUE(state.androidSelectedIDs().isEmpty());
+    view->show();
+    QTest::keyClick(&elsewhere, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(state.androidSelectedIDs().size(), 2);
+}
+
+TEST_F(DualBrowserTests, thePhonesPaneBrowses) {
+    EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
+    connectPhone();
+    EXPECT_TRUE(footerSays(android(), u"2 items • 5 bytes"_s));
+    EXPECT_EQ(text(android(), u"footerLeading"_s), u"Nothing selected");
+
+    auto *spinner = android().findChild<Spinner *>();
+    EXPECT_FALSE(spinner->isVisible());
+    phone.set(u"ls.delay"_s, "0.5");
+    doubleClickEntry(android(), 0);
+    EXPECT_EQ(state.androidCurrentPath(), u"/sdcard/DCIM");
+    EXPECT_TRUE(footerSays(android(), u"Loading…"_s));
+    EXPECT_TRUE(spinner->isVisible());
+    EXPECT_LE(
+        (spinner->mapTo(&android(), spinner->rect().center()) - android().rect().center()).manhattanLength(),
+        2);
+    phone.reset(u"ls.delay"_s);
+    EXPECT_TRUE(footerSays(android(), u"1 items • Zero KB"_s));
+    EXPECT_FALSE(spinner->isVisible());
+    EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage › DCIM");
+
+    press(android(), u"back"_s);
+    EXPECT_TRUE(happens([&] { return names(android()).contains(u"note.txt"_s); }));
+    press(android(), u"back"_s);
+    EXPECT_EQ(state.androidCurrentPath(), u"/sdcard");
+    EXPECT_TRUE(happens([&] { return !state.isLoadingAndroid(); }));
+    phone.write(u"new.txt"_s, "");
+    press(android(), u"refresh"_s);
+    EXPECT_TRUE(happens([&] { return names(android()).contains(u"new.txt"_s); }));
+
+    phone.set(u"pull.delay"_s, "0.3");
+    const auto note = int(names(android()).indexOf(u"note.txt"_s));
+    choose(menuAt(entriesOf(android()), bodyOf(entriesOf(android()), note)), u"Open"_s);
+    EXPECT_TRUE(state.isOpeningAndroidFile());
+    EXPECT_TRUE(footerSays(android(), u"Opening…"_s));
+    EXPECT_TRUE(spinner->isVisible());
+    EXPECT_TRUE(happens([&] { return desktop.opened.size() == 1; }));
+    EXPECT_TRUE(desktop.opened.first().endsWith(u"note.txt"_s));
+
+    phone.deny(u"DCIM"_s);
+    doubleClickEntry(android(), 0);
+    EXPECT_TRUE(
+        happens([&] { return text(android(), u"footerTrailing"_s).contains(u"Permission denied"_s); }));
+    EXPECT_THAT(names(android()), ElementsAre());
+}
+
+TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
+    connectPhone();
+    auto *field = control<QLineEdit>(android(), u"searchField"_s);
+    auto *picker = control<ScopePicker>(android(), u"scopePicker"_s);
+    clickEntry(android(), 0);
+    QTest::keyClicks(field, u"NOTE"_s);
+    EXPECT_TRUE(happens([&] { return names(android()) == QStringList{u"note.txt"_s}; }));
+    EXPECT_EQ(text(android(), u"footerTrailing"_s), u"1 of 2 items • 5 bytes");
+    EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
+    EXPECT_EQ(commands(u"find"_s), 0);
+    EXPECT_EQ(state.androidSelectedIDs().size(), 1);
+
+    press(android(), u"clearSearch"_s);
+    EXPECT_TRUE(happens([&] { return names(android()).size() == 2; }));
+    EXPECT_TRUE(state.androidSelectedIDs().isEmpty()) << "clearing goes through the model";
+
+    // The model is told of every change of the text and of the scope: one search, when typing rests.
+    QTest::keyClick(picker, Qt::Key_Down);
+    EXPECT_EQ(state.androidSearchScope(), AndroidSearchScope::everywhere);
+    QTest::keyClicks(field, u"img"_s);
+    EXPECT_TRUE(footerSays(android(), u"Searching device…"_s));
+    EXPECT_EQ(text(android(), u"path"_s), u"Search results");
+    EXPECT_EQ(text(android(), u"nameColumn"_s), u"Name / Location");
+    EXPECT_TRUE(android().findChild<Spinner *>()->isVisible());
+    EXPECT_TRUE(footerSays(android(), u"2 results for “img”"_s));
+    EXPECT_EQ(commands(u"find"_s), 1);
+    EXPECT_EQ(entriesOf(android())->contents().entry(0).locationLabel(), u"Internal Storage › DCIM › Camera");
+
+    press(android(), u"refresh"_s);
+    EXPECT_TRUE(happens([&] { return commands(u"find"_s) == 2 && !state.isSearchingAndroid(); }));
+    press(android(), u"back"_s);
+    EXPECT_TRUE(happens([&] { return names(android()).contains(u"note.txt"_s); }));
+    EXPECT_EQ(state.androidCurrentPath(), u"/sdcard");
+    EXPECT_EQ(field->text(), QString());
+    EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
+
+    field->clearFocus();
+    state.setAndroidSearchFocusToken(1);
+    EXPECT_TRUE(happens([&] { return field->hasFocus(); }));
+}
+
+TEST_F(DualBrowserTests, theComputersPaneBrowses) {
+    connectPhone();
+    EXPECT_EQ(text(mac(), u"path"_s), folder.path());
+    EXPECT_TRUE(text(mac(), u"footerTrailing"_s).endsWith(u" available"_s));
+    const auto shows = [this](const QString &path) {
+        return happens([&] { return text(mac(), u"path"_s) == path && !state.isLoadingMac(); });
+    };
+
+    doubleClickEntry(mac(), 1);
+    EXPECT_THAT(desktop.opened, ElementsAre()) << "a file opens from its menu only";
+    EXPECT_FALSE(state.isLoadingMac());
+    EXPECT_EQ(text(mac(), u"footerLeading"_s), u"Nothing selected");
+    EXPECT_TRUE(happens([&] { return text(mac(), u"footerLeading"_s) == u"1 selected"; }));
+
+    doubleClickEntry(mac(), 0);
+    EXPECT_TRUE(shows(folder.filePath(u"sub"_s)));
+    EXPECT_TRUE(happens([&] { return names(mac()) == QStringList{u"deeper"_s}; }));
+    press(mac(), u"back"_s);
+    EXPECT_TRUE(shows(folder.path()));
+
+    desktop.nextFolder.reset();
+    press(mac(), u"chooseFolder"_s);
+    EXPECT_TRUE(happens([&] { return desktop.folderQuestions.size() == 1; }));
+    EXPECT_TRUE(desktop.folderQuestions.first().endsWith(folder.path()));
+    desktop.nextFolder = folder.filePath(u"sub/deeper"_s);
+    press(mac(), u"chooseFolder"_s);
+    EXPECT_TRUE(shows(folder.filePath(u"sub/deeper"_s)));
+
+    desktop.nextText = u"made here"_s;
+    press(mac(), u"newFolder"_s);
+    EXPECT_TRUE(happens([&] { return names(mac()) == QStringList{u"made here"_s}; }));
+    EXPECT_TRUE(QDir(folder.filePath(u"sub/deeper/made here"_s)).exists());
+    press(mac(), u"home"_s);
+    EXPECT_TRUE(shows(QDir::homePath()));
+
+    state.browseMac(folder.filePath(u"not there"_s));
+    EXPECT_TRUE(happens([&] { return state.macBrowseError().has_value() && !state.isLoadingMac(); }));
+    EXPECT_TRUE(footerSays(mac(), *state.macBrowseError()));
+}
+
+TEST_F(DualBrowserTests, eachPaneHasItsOwnLayoutAndSelection) {
+    connectPhone();
+    press(mac(), u"gridView"_s);
+    EXPECT_EQ(state.macViewMode(), PaneViewMode::grid);
+    EXPECT_TRUE(happens([&] { return control<FileGridView>(mac(), u"fileGrid"_s)->isVisible(); }));
+    EXPECT_TRUE(control<FileListView>(android(), u"fileList"_s)->isVisible());
+
+    auto *box = control<SelectAllBox>(mac(), u"gridSelectAll"_s);
+    click(box, box->rect().center());
+    EXPECT_EQ(state.focusedBrowserSide(), BrowserSide::mac);
+    EXPECT_EQ(state.macSelectedIDs().size(), 2);
+    EXPECT_TRUE(happens([&] { return box->checkState() == Qt::Checked; }));
+    click(entriesOf(mac())->viewport(), markOf(entriesOf(mac()), 0));
+    EXPECT_TRUE(happens([&] { return box->checkState() == Qt::PartiallyChecked; }));
+    EXPECT_TRUE(state.androidSelectedIDs().isEmpty());
+
+    click(entriesOf(android())->viewport(),
+          entriesOf(android())->viewport()->rect().bottomLeft() + QPoint(50, -5));
+    EXPECT_EQ(state.focusedBrowserSide(), BrowserSide::android);
+}
+
+TEST(AndroidBrowserPaneTests, backNeverLeavesTheSharedStorage) {
+    const std::pair<QString, QString> cases[] = {
+        {u"/sdcard/DCIM/Camera"_s, u"/sdcard/DCIM"_s},
+        {u"/sdcard/DCIM/"_s, u"/sdcard"_s},
+        {u"/sdcard"_s, u"/sdcard"_s},
+        {QString(), u"/sdcard"_s},
+        {u"/"_s, u"/sdcard"_s},
+        {u"/data"_s, u"/sdcard"_s},
+        {u"/storage/emulated/0/Music"_s, u"/storage/emulated/0"_s},
+        {u"/storage/emulated/0"_s, u"/sdcard"_s},
+        {u"/storage//1234-ABCD//x"_s, u"/storage/1234-ABCD"_s},
+    };
+    for (const auto &[path, parent] : cases)
+        EXPECT_EQ(AndroidBrowserPane::parentAndroidPath(path), parent) << qPrintable(path);
+}
+
+} // namespace
+} // namespace vantrel
