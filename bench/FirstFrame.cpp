@@ -1,6 +1,7 @@
-// A plug-in that any program of the toolkit loads when QT_QPA_GENERIC_PLUGINS names it, so that the program under
-// test is the one that users get. After the first painted frame it writes "SECONDS\n", the monotonic clock, into the
-// file that VANTREL_FIRST_FRAME names; with VANTREL_QUIT_AFTER set to milliseconds it then quits the program.
+// A plug-in that any program of the toolkit loads when QT_QPA_GENERIC_PLUGINS names it, so that the program
+// under test is the one that users get. After the first painted frame it writes "SECONDS\n", the monotonic
+// clock, into the file that VANTREL_FIRST_FRAME names; with VANTREL_QUIT_AFTER set to milliseconds it then
+// quits the program.
 
 #include <QEvent>
 #include <QFile>
@@ -35,7 +36,8 @@ private:
             file.write(QByteArray::number(double(now.tv_sec) + double(now.tv_nsec) / 1e9, 'f', 6) + '\n');
         file.close();
         if (qEnvironmentVariableIsSet("VANTREL_QUIT_AFTER"))
-            QTimer::singleShot(qEnvironmentVariableIntValue("VANTREL_QUIT_AFTER"), qGuiApp, &QGuiApplication::quit);
+            QTimer::singleShot(qEnvironmentVariableIntValue("VANTREL_QUIT_AFTER"), qGuiApp,
+                               &QGuiApplication::quit);
     }
 
     bool m_seen = false;

@@ -8,9 +8,9 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDBusMessage>
 #include <QDBusServer>
 #include <QDBusVirtualObject>
-#include <QDBusMessage>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
@@ -55,7 +55,8 @@ TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
         return shown->findChild<QAbstractButton *>(name);
     };
     const Case cases[] = {
-        {"Return", [&](TextPrompt *shown) { QTest::keyClick(field(shown), Qt::Key_Return); }, u"New Folder"_s},
+        {"Return", [&](TextPrompt *shown) { QTest::keyClick(field(shown), Qt::Key_Return); },
+         u"New Folder"_s},
         {"typed over the selection",
          [&](TextPrompt *shown) {
              QTest::keyClicks(field(shown), u"Holiday"_s);
@@ -64,9 +65,7 @@ TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
          u"Holiday"_s},
         {"Escape", [&](TextPrompt *shown) { QTest::keyClick(field(shown), Qt::Key_Escape); }, {}},
         {"Cancel",
-         [&](TextPrompt *shown) {
-             QTest::mouseClick(button(shown, u"textPrompt.cancel"_s), Qt::LeftButton);
-         },
+         [&](TextPrompt *shown) { QTest::mouseClick(button(shown, u"textPrompt.cancel"_s), Qt::LeftButton); },
          {}},
         {"closed", [](TextPrompt *shown) { shown->close(); }, {}},
     };

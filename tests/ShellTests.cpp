@@ -100,14 +100,42 @@ TEST_F(SidebarTests, showsWhatIsKnownOfThePhone) {
     const QColor good = AppTheme::success();
     const QColor bad = AppTheme::danger();
     const Case cases[] = {
-        {"no phone", {{u"state"_s, "none"}}, u"No device"_s, u"Disconnected"_s, bad, u"— / —"_s,
-         u"(hidden)"_s, ADBError::noDevice().errorDescription(), 0},
-        {"a phone", {{u"storage-total"_s, "100000000000"}, {u"storage-used"_s, "25000000000"}},
-         u"demo-phone"_s, u"Connected"_s, good, u"25 GB / 100 GB"_s, u"Demo Phone"_s, u"(hidden)"_s, 25},
-        {"storage unknown", {{u"df.stdout"_s, "df: nothing\n"}}, u"demo-phone"_s, u"Connected"_s, good,
-         u"— / —"_s, u"Demo Phone"_s, u"(hidden)"_s, 0},
-        {"more used than there is", {{u"storage-total"_s, "1000000000"}, {u"storage-used"_s, "5000000000"}},
-         u"demo-phone"_s, u"Connected"_s, good, u"5 GB / 1 GB"_s, u"Demo Phone"_s, u"(hidden)"_s, 100},
+        {"no phone",
+         {{u"state"_s, "none"}},
+         u"No device"_s,
+         u"Disconnected"_s,
+         bad,
+         u"— / —"_s,
+         u"(hidden)"_s,
+         ADBError::noDevice().errorDescription(),
+         0},
+        {"a phone",
+         {{u"storage-total"_s, "100000000000"}, {u"storage-used"_s, "25000000000"}},
+         u"demo-phone"_s,
+         u"Connected"_s,
+         good,
+         u"25 GB / 100 GB"_s,
+         u"Demo Phone"_s,
+         u"(hidden)"_s,
+         25},
+        {"storage unknown",
+         {{u"df.stdout"_s, "df: nothing\n"}},
+         u"demo-phone"_s,
+         u"Connected"_s,
+         good,
+         u"— / —"_s,
+         u"Demo Phone"_s,
+         u"(hidden)"_s,
+         0},
+        {"more used than there is",
+         {{u"storage-total"_s, "1000000000"}, {u"storage-used"_s, "5000000000"}},
+         u"demo-phone"_s,
+         u"Connected"_s,
+         good,
+         u"5 GB / 1 GB"_s,
+         u"Demo Phone"_s,
+         u"(hidden)"_s,
+         100},
     };
     showSidebar();
     for (const Case &c : cases) {
@@ -151,7 +179,8 @@ TEST_F(SidebarTests, aRefreshShowsASpinnerInTheColourOfTheLastState) {
 }
 
 TEST_F(SidebarTests, aLongMessageTakesTwoLinesAndMovesNothingOutOfTheCard) {
-    phone.set(u"devices.stderr"_s, QString(u"The tool says a great deal. "_s.repeated(20) + u'\n').repeated(10));
+    phone.set(u"devices.stderr"_s,
+              QString(u"The tool says a great deal. "_s.repeated(20) + u'\n').repeated(10));
     phone.set(u"devices.exit"_s, "1");
     phone.set(u"devices.stdout"_s, "");
     showSidebar();
@@ -192,7 +221,8 @@ TEST_F(SidebarTests, aShortcutIsHighlightedAtOnceAndTurnsWhileItsFolderLoads) {
     QTest::keyClick(row(u"Music"_s), Qt::Key_Space);
     ASSERT_TRUE(waitFor([&] { return turns(u"Music"_s); }));
     for (const StorageShortcut &shortcut : state->shortcuts())
-        EXPECT_EQ(row(shortcut.title)->isChecked(), shortcut.title == u"Music"_s) << shortcut.title.toStdString();
+        EXPECT_EQ(row(shortcut.title)->isChecked(), shortcut.title == u"Music"_s)
+            << shortcut.title.toStdString();
     EXPECT_FALSE(turns(u"DCIM"_s));
     EXPECT_EQ(state->androidCurrentPath(), u"/sdcard/Music"_s);
 
@@ -233,7 +263,8 @@ TEST(QueueRowTests, theBarAndTheNumbersFollowTheStatus) {
         EXPECT_EQ(row.findChild<TextLabel *>(u"queue.row.progress"_s)->text(), c.progress);
         EXPECT_EQ(row.findChild<TextLabel *>(u"queue.row.percent"_s)->text(), c.percent);
         EXPECT_EQ(accessible(&row)->text(QAccessible::Name), u"photo.jpg"_s);
-        EXPECT_EQ(accessible(&row)->text(QAccessible::Description), QString(c.progress + u", "_s + c.percent));
+        EXPECT_EQ(accessible(&row)->text(QAccessible::Description),
+                  QString(c.progress + u", "_s + c.percent));
     }
     EXPECT_EQ(accessible(&row)->role(), QAccessible::ListItem);
     EXPECT_EQ(accessible(row.removeButton())->role(), QAccessible::Button);
@@ -568,8 +599,9 @@ TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {
         QVariant stored;
         bool dark;
     };
-    for (const auto &[stored, dark] : {Case{{}, false}, Case{u"dark"_s, true}, Case{u"light"_s, false},
-                                       Case{u"Dark"_s, false}, Case{u"solarized"_s, false}, Case{42, false}}) {
+    for (const auto &[stored, dark] :
+         {Case{{}, false}, Case{u"dark"_s, true}, Case{u"light"_s, false}, Case{u"Dark"_s, false},
+          Case{u"solarized"_s, false}, Case{42, false}}) {
         SCOPED_TRACE(stored.toString().toStdString());
         {
             QSettings store(settingsPath(), QSettings::IniFormat);

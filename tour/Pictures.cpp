@@ -42,11 +42,11 @@ void Pictures::take(QWidget &window, const QString &name) const {
             image.setDevicePixelRatio(density);
             image.fill(Qt::transparent);
             window.render(&image);
-            const QString path = QStringLiteral("%1/%2-%3%4.png")
-                                     .arg(m_folder, name,
-                                          scheme == ColorScheme::light ? QStringLiteral("light")
-                                                                       : QStringLiteral("dark"),
-                                          density == 1 ? QString() : QStringLiteral("@2x"));
+            const QString path =
+                QStringLiteral("%1/%2-%3%4.png")
+                    .arg(m_folder, name,
+                         scheme == ColorScheme::light ? QStringLiteral("light") : QStringLiteral("dark"),
+                         density == 1 ? QString() : QStringLiteral("@2x"));
             if (!image.save(path))
                 throw TourError(QStringLiteral("cannot write ") + path);
         }

@@ -36,8 +36,8 @@ QByteArray randomBytes(qsizetype size) {
 
 RealTourPhone::RealTourPhone(QString adb, QString serial, const QString &emptyResources)
     : m_adb(std::move(adb)), m_serial(std::move(serial)),
-      m_name(QStringLiteral("vantrel-tour-%1").arg(QRandomGenerator::global()->generate(), 8, 16,
-                                                   QLatin1Char('0'))) {
+      m_name(QStringLiteral("vantrel-tour-%1")
+                 .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'))) {
     qputenv("VANTREL_RESOURCES", QFile::encodeName(emptyResources));
     const QTemporaryDir here;
     run({QStringLiteral("shell"), QStringLiteral("mkdir '%1'").arg(folderPath())});

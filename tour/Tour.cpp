@@ -87,9 +87,8 @@ void Tour::openPhoneFolder(const QStringList &way) {
     m_hand.waitUntil(way.first(), loaded);
     for (const QString &name : way.mid(1)) {
         m_hand.openEntry(android, name);
-        m_hand.waitUntil(name, [&] {
-            return loaded() && state().androidCurrentPath().endsWith(QLatin1Char('/') + name);
-        });
+        m_hand.waitUntil(
+            name, [&] { return loaded() && state().androidCurrentPath().endsWith(QLatin1Char('/') + name); });
     }
 }
 
@@ -114,8 +113,8 @@ void Tour::watchCopy() {
             return progress && progress->fraction > 0.3 && progress->transferredBytes > 0;
         });
     });
-    tell(QStringLiteral("copying"), state().transferSpeedLabel() + QStringLiteral(", remaining ") +
-                                        state().remainingLabel());
+    tell(QStringLiteral("copying"),
+         state().transferSpeedLabel() + QStringLiteral(", remaining ") + state().remainingLabel());
 }
 
 void Tour::waitForQueue() {
@@ -131,7 +130,8 @@ void Tour::finishCopies() {
         if (!shows(state().macItems(), name))
             throw TourError(QStringLiteral("the pane does not show the copy ") + name);
     }
-    tell(QStringLiteral("copied"), QString::number(m_comparedFiles) + QStringLiteral(" files, every byte equal"));
+    tell(QStringLiteral("copied"),
+         QString::number(m_comparedFiles) + QStringLiteral(" files, every byte equal"));
 }
 
 void Tour::copyToPhone() {
@@ -146,7 +146,8 @@ void Tour::copyToPhone() {
     waitForQueue();
     for (const QString &name : names)
         compare(m_phone.folderPath() + QLatin1Char('/') + name, state().macPath() + QLatin1Char('/') + name);
-    tell(QStringLiteral("to-phone"), QString::number(names.size()) + QStringLiteral(" files, every byte equal"));
+    tell(QStringLiteral("to-phone"),
+         QString::number(names.size()) + QStringLiteral(" files, every byte equal"));
 }
 
 void Tour::failCopy() {
@@ -173,13 +174,15 @@ void Tour::filter() {
         const qsizetype shown = m_hand.entries(android)->count();
         return shown > 0 && shown < all;
     });
-    tell(QStringLiteral("filter"), QString::number(m_hand.entries(android)->count()) + QStringLiteral(" of ") +
-                                       QString::number(all) + QStringLiteral(" entries"));
+    tell(QStringLiteral("filter"), QString::number(m_hand.entries(android)->count()) +
+                                       QStringLiteral(" of ") + QString::number(all) +
+                                       QStringLiteral(" entries"));
 }
 
 void Tour::clearSearch() {
     m_hand.click(QStringLiteral("clearSearch"));
-    m_hand.waitUntil(QStringLiteral("an empty search"), [this] { return state().androidSearchText().isEmpty(); });
+    m_hand.waitUntil(QStringLiteral("an empty search"),
+                     [this] { return state().androidSearchText().isEmpty(); });
 }
 
 void Tour::searchEverywhere() {
@@ -202,8 +205,10 @@ void Tour::showGrid() {
     for (const QString &pane : {android, mac})
         m_hand.click(QStringLiteral("gridView"), pane);
     m_hand.waitUntil(QStringLiteral("both grids"), [this] {
-        return state().androidViewMode() == PaneViewMode::grid && state().macViewMode() == PaneViewMode::grid &&
-               m_hand.entries(android)->objectName() == QStringLiteral("fileGrid") && !state().isLoadingAndroid();
+        return state().androidViewMode() == PaneViewMode::grid &&
+               state().macViewMode() == PaneViewMode::grid &&
+               m_hand.entries(android)->objectName() == QStringLiteral("fileGrid") &&
+               !state().isLoadingAndroid();
     });
     m_hand.clickEntry(android, m_phone.files().first());
     tell(QStringLiteral("grid"), state().androidSelectionSummary());
@@ -213,7 +218,8 @@ void Tour::showGrid() {
 
 void Tour::goDark() {
     m_hand.click(QStringLiteral("toolbar.appearance"));
-    m_hand.waitUntil(QStringLiteral("the dark scheme"), [] { return AppTheme::scheme() == ColorScheme::dark; });
+    m_hand.waitUntil(QStringLiteral("the dark scheme"),
+                     [] { return AppTheme::scheme() == ColorScheme::dark; });
     tell(QStringLiteral("dark"), QStringLiteral("the window is dark"));
 }
 
@@ -246,8 +252,8 @@ void Tour::fillQueue() {
     if (lastIsInView())
         throw TourError(QStringLiteral("the queue was meant to be too long for its panel"));
     m_hand.scrollUntil(list->viewport(), QStringLiteral("the last row of the queue"), lastIsInView);
-    tell(QStringLiteral("long-queue"), QString::number(state().queue().size()) +
-                                           QStringLiteral(" copies, scrolled to the last one"));
+    tell(QStringLiteral("long-queue"),
+         QString::number(state().queue().size()) + QStringLiteral(" copies, scrolled to the last one"));
 }
 
 void Tour::compare(const QString &phonePath, const QString &path) {

@@ -81,8 +81,8 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
             throw TourError(QStringLiteral("the window does not appear"));
         const bool isWatched = QGuiApplication::platformName() != QStringLiteral("offscreen");
         const int pace = options.isSet(QStringLiteral("pace")) ? options.value(QStringLiteral("pace")).toInt()
-                         : isWatched                             ? 400
-                                                                 : 0;
+                         : isWatched                           ? 400
+                                                               : 0;
         const Hand hand(window, std::chrono::milliseconds(pace));
         try {
             Tour(window, *phone, hand, pictures, home + QStringLiteral("/Downloads")).take();
@@ -121,7 +121,8 @@ int main(int argc, char **argv) {
     options.setApplicationDescription(
         QStringLiteral("Drives the window through everything it can do and checks every copied byte."));
     options.addHelpOption();
-    options.addOption({QStringLiteral("demo"), QStringLiteral("Use the demo phone even if one is plugged in.")});
+    options.addOption(
+        {QStringLiteral("demo"), QStringLiteral("Use the demo phone even if one is plugged in.")});
     options.addOption({QStringLiteral("phone"), QStringLiteral("Use the phone that is plugged in.")});
     options.addOption({QStringLiteral("serial"), QStringLiteral("Use the phone with this serial."),
                        QStringLiteral("serial")});

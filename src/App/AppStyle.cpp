@@ -12,12 +12,12 @@ namespace vantrel {
 namespace {
 
 #ifdef Q_OS_MACOS
-QString baseStyle() {
+QString toolkitStyle() {
     return QStringLiteral("macos");
 }
 #else
 /// The one that is always there and follows the palette.
-QString baseStyle() {
+QString toolkitStyle() {
     return QStringLiteral("fusion");
 }
 #endif
@@ -29,7 +29,7 @@ void applyTheme() {
 
 } // namespace
 
-AppStyle::AppStyle() : QProxyStyle(baseStyle()) {}
+AppStyle::AppStyle() : QProxyStyle(toolkitStyle()) {}
 
 void AppStyle::install(QApplication &application) {
     QApplication::setStyle(new AppStyle);

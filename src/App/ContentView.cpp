@@ -31,7 +31,9 @@ ContentView::ContentView(AppState *state, QWidget *parent) : QWidget(parent) {
     columns->setSpacing(0);
     columns->addWidget(new SidebarView(state, this));
     columns->addWidget(new Divider(Qt::Vertical, AppTheme::stroke(), this));
-    columns->addWidget(new BrowserColumn(new DualBrowserView(state), new TransferQueueView(state), this), 1);
+    auto *browser = new DualBrowserView(state);
+    browser->setObjectName(QStringLiteral("browser"));
+    columns->addWidget(new BrowserColumn(browser, new TransferQueueView(state), this), 1);
 
     auto *stack = new QVBoxLayout(this);
     stack->setContentsMargins({});

@@ -23,7 +23,8 @@ using Answer = std::optional<QString>;
 
 /// Opens the dialog and gives its answer, which `textOf` reads when it was accepted. A dialog that is
 /// destroyed unanswered takes the promise with it, and the future is given up.
-template <class Dialog> QFuture<Answer> ask(Dialog *dialog, QString (*textOf)(const Dialog &)) {
+template <class Dialog>
+QFuture<Answer> ask(Dialog *dialog, QString (*textOf)(const Dialog &)) {
     const auto promise = std::make_shared<QPromise<Answer>>();
     promise->start();
     dialog->setAttribute(Qt::WA_DeleteOnClose);
@@ -61,8 +62,8 @@ QFuture<std::optional<QString>> QtDesktop::chooseFolder(const QString &message, 
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
     dialog->setLabelText(QFileDialog::Accept, acceptLabel);
-    return ask<QFileDialog>(
-        dialog, [](const QFileDialog &chooser) { return chooser.selectedFiles().value(0); });
+    return ask<QFileDialog>(dialog,
+                            [](const QFileDialog &chooser) { return chooser.selectedFiles().value(0); });
 }
 
 QFuture<std::optional<QString>> QtDesktop::askForText(const TextQuestion &question) {

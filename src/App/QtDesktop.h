@@ -22,9 +22,8 @@ public:
     void openFile(const QString &path) override;
     void revealFile(const QString &path) override;
     void copyText(const QString &text) override;
-    [[nodiscard]] QFuture<std::optional<QString>> chooseFolder(const QString &message,
-                                                               const QString &acceptLabel,
-                                                               const QString &startingAt) override;
+    [[nodiscard]] QFuture<std::optional<QString>>
+    chooseFolder(const QString &message, const QString &acceptLabel, const QString &startingAt) override;
     [[nodiscard]] QFuture<std::optional<QString>> askForText(const TextQuestion &question) override;
 
 private:

@@ -9,8 +9,10 @@
 
 namespace vantrel {
 
+constexpr int sheetWidth = 240 + 2 * 20; // the field with its margins
+
 TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
-    : Sheet(question.message, window) {
+    : Sheet(question.message, sheetWidth, window) {
     setObjectName(QStringLiteral("textPrompt"));
     auto *heading = new TextLabel({13, Weight::bold}, AppTheme::ink(), this);
     heading->setText(question.message);

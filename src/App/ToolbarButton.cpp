@@ -15,8 +15,7 @@ constexpr TextStyle titleStyle{9, Weight::medium};
 
 } // namespace
 
-ToolbarButton::ToolbarButton(QWidget *parent)
-    : PlainButton(parent), m_symbol{QString(), 13, Weight::medium} {
+ToolbarButton::ToolbarButton(QWidget *parent) : PlainButton(parent), m_symbol{QString(), 13, Weight::medium} {
     setFixedSize(ToolbarButton::sizeHint());
 }
 

@@ -117,14 +117,13 @@ void QueueListView::arrange() {
     }
     m_rows = rows;
 
-    QWidget *before = nullptr;
+    QWidget *before = this;
     for (const Row &row : std::as_const(m_rows)) {
         row.view->setItem(queue.at(row.index));
         row.view->setGeometry(0, int(row.index) * pitch() - offset, viewport()->width(),
                               QueueRowView::rowHeight());
         row.view->show();
-        if (before)
-            setTabOrder(before, row.view->removeButton());
+        setTabOrder(before, row.view->removeButton());
         before = row.view->removeButton();
         if (row.index == focused && !row.view->removeButton()->hasFocus())
             row.view->removeButton()->setFocus(Qt::OtherFocusReason);

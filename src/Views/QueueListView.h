@@ -50,7 +50,7 @@ private:
 
     AppState *m_state;
     double m_radius;
-    QList<Row> m_rows; ///< by index
+    QList<Row> m_rows;             ///< by index
     QList<QueueRowView *> m_spare; ///< hidden
     qsizetype m_dividedRows = 0;
 };

@@ -57,10 +57,9 @@ QueueRowView::QueueRowView(QWidget *parent) : QWidget(parent) {
     m_bar = new ProgressBar(barHeight, this);
     m_bar->setObjectName(QStringLiteral("queue.row.bar"));
     m_bar->setAccessibleName(QStringLiteral("Progress"));
-    m_progress =
-        text(QStringLiteral("queue.row.progress"), {11, Weight::medium}, AppTheme::inkSecondary());
-    m_percent = text(QStringLiteral("queue.row.percent"),
-                     {11, Weight::semibold, FontDesign::monospaced}, AppTheme::ink());
+    m_progress = text(QStringLiteral("queue.row.progress"), {11, Weight::medium}, AppTheme::inkSecondary());
+    m_percent = text(QStringLiteral("queue.row.percent"), {11, Weight::semibold, FontDesign::monospaced},
+                     AppTheme::ink());
     for (TextLabel *number : {m_progress, m_percent}) {
         number->setFixedWidth(numbersWidth);
         number->setAlignment(Qt::AlignRight | Qt::AlignVCenter);

@@ -142,8 +142,8 @@ QWidget *SidebarView::deviceCard() {
         label->setObjectName(name);
         return label;
     };
-    m_title = text(QStringLiteral("sidebar.device.title"),
-                   {12.5, Weight::semibold, FontDesign::monospaced}, AppTheme::ink());
+    m_title = text(QStringLiteral("sidebar.device.title"), {12.5, Weight::semibold, FontDesign::monospaced},
+                   AppTheme::ink());
     m_refreshing = new Spinner(Spinner::Size::mini, QStringLiteral("Checking the device"), card);
     m_refreshing->setObjectName(QStringLiteral("sidebar.device.refreshing"));
     m_dot = new StatusDot(card);
@@ -270,10 +270,9 @@ void SidebarView::render() {
     const bool storageKnown = connected && device.totalBytes >= 1;
     m_storage->setFraction(storageKnown ? double(device.usedBytes) / double(device.totalBytes) : 0);
     m_storage->setColors(connected ? AppTheme::accent() : AppTheme::strokeStrong(), AppTheme::strokeStrong());
-    m_storageText->setText(storageKnown
-                               ? formatFileSize(device.usedBytes) + QStringLiteral(" / ") +
-                                     formatFileSize(device.totalBytes)
-                               : unknownLabel() + QStringLiteral(" / ") + unknownLabel());
+    m_storageText->setText(storageKnown ? formatFileSize(device.usedBytes) + QStringLiteral(" / ") +
+                                              formatFileSize(device.totalBytes)
+                                        : unknownLabel() + QStringLiteral(" / ") + unknownLabel());
     m_model->setText(connected ? device.name : QString());
     m_model->setVisible(connected && !device.name.isEmpty());
 

@@ -53,14 +53,16 @@ protected:
     }
 
     /// Shows a view and gives it back; it is destroyed ahead of the model.
-    template <class View> View *show(View *shown, QSize size) {
+    template <class View>
+    View *show(View *shown, QSize size) {
         view.reset(shown);
         shown->resize(size);
         shown->show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(shown));
         return shown;
     }
-    template <class Child> [[nodiscard]] Child *child(const char *name) const {
+    template <class Child>
+    [[nodiscard]] Child *child(const char *name) const {
         auto *found = view->findChild<Child *>(QLatin1StringView(name));
         EXPECT_NE(found, nullptr) << name;
         return found;
@@ -77,8 +79,8 @@ protected:
             phone.write(QStringLiteral("File %1").arg(i, 5, 10, QLatin1Char('0')), contents);
         queueListed();
     }
-    /// The same for files that exist in the phone's listing only: quick to make by the thousand. They cannot be
-    /// copied, so pulls should hang.
+    /// The same for files that exist in the phone's listing only: quick to make by the thousand. They cannot
+    /// be copied, so pulls should hang.
     void queueGhosts(int count) {
         QByteArray listing;
         for (int i = 0; i < count; ++i)
