@@ -72,13 +72,19 @@ FileItemsView *Hand::entries(const QString &pane) const {
 }
 
 QRect Hand::entryRect(const QString &pane, const QString &name) const {
-    FileItemsView *view = entries(pane);
-    const QList<FileItem> &items = view->contents().items;
-    const auto entry =
-        std::find_if(items.begin(), items.end(), [&](const FileItem &item) { return item.name == name; });
-    if (entry == items.end())
+    FileItemsView *view = nullptr;
+    qsizetype index = -1;
+    // The view follows the model in a later pass of the event loop.
+    const auto isShown = [&] {
+        view = entries(pane);
+        const QList<FileItem> &items = view->contents().items;
+        const auto entry =
+            std::find_if(items.begin(), items.end(), [&](const FileItem &item) { return item.name == name; });
+        index = entry == items.end() ? -1 : entry - items.begin();
+        return index >= 0;
+    };
+    if (!QTest::qWaitFor(isShown))
         throw TourError(pane + QStringLiteral(" does not show ") + name);
-    const qsizetype index = entry - items.begin();
     const auto isInView = [&] { return view->viewport()->rect().contains(view->entryRect(index)); };
     if (!isInView()) {
         view->verticalScrollBar()->setValue(0);

@@ -139,6 +139,12 @@ void AppState::fillSlots() {
 
 QCoro::Task<> AppState::runSlot(QUuid id) {
     co_await runSingleTransfer(id);
+    // The last copy to end does the listing that was put off; it must not surprise the user a second later.
+    const bool isLast = m_runningCopies == 1 && m_queue.waitingCount() == 0;
+    if (isLast && m_receivingAndroid.listLater.isActive())
+        co_await browseAgain(BrowserSide::android);
+    if (isLast && m_receivingMac.listLater.isActive())
+        co_await browseAgain(BrowserSide::mac);
     --m_runningCopies;
     fillSlots();
 }
