@@ -129,7 +129,7 @@ void FileItemsView::paintEvent(QPaintEvent *event) {
         if (event->region().intersects(rect))
             paintEntry(painter, m_contents.entry(index), rect);
     }
-    if (m_showsFocus) {
+    if (m_showsFocus && hasFocus()) {
         const QRect ring = count() > 0 ? entryRect(m_current) : viewport()->rect();
         paintFocusRing(painter, ring, focusRadius());
     }
@@ -290,22 +290,28 @@ void FileItemsView::keyPressEvent(QKeyEvent *event) {
 
 void FileItemsView::focusInEvent(QFocusEvent *event) {
     const Qt::FocusReason reason = event->reason();
-    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-        reason == Qt::ShortcutFocusReason) {
-        m_showsFocus = true;
-        const Range visible = visibleEntries();
-        if (m_current < visible.first || m_current > visible.last)
-            m_current = std::clamp<qsizetype>(visible.first, 0, std::max<qsizetype>(0, count() - 1));
-        if (count() > 0)
-            setFocusedIndex(m_current);
-        else
+    if (reason != Qt::TabFocusReason && reason != Qt::BacktabFocusReason &&
+        reason != Qt::ShortcutFocusReason) {
+        if (m_showsFocus)
             viewport()->update();
+        return;
     }
+    m_showsFocus = true;
+    const Range visible = visibleEntries();
+    if (m_current < visible.first || m_current > visible.last)
+        m_current = visible.first;
+    if (count() > 0)
+        setFocusedIndex(m_current);
+    else
+        viewport()->update();
 }
 
 void FileItemsView::focusOutEvent(QFocusEvent *event) {
     // A menu that is open over the entry belongs to it.
-    if (event->reason() != Qt::PopupFocusReason)
+    // It is here again when the menu has closed or the window comes back.
+    if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason)
+        viewport()->update();
+    else
         hideFocus();
 }
 
