@@ -47,7 +47,7 @@ void Hand::clickAt(QWidget *control, QPoint position, Click click) const {
 
 void Hand::click(const QString &name, const QString &within) const {
     QWidget *target = control(name, within);
-    if (!target->isEnabled())
+    if (!QTest::qWaitFor([target] { return target->isEnabled(); }))
         throw TourError(name + QStringLiteral(" is disabled"));
     clickAt(target, target->rect().center(), Click::single);
 }
