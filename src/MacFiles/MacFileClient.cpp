@@ -76,7 +76,7 @@ QString standardizedPath(const QString &path) {
 }
 
 QString parentPath(const QString &path) {
-    const QString standardized = standardizedPath(path);
+    QString standardized = standardizedPath(path);
     const qsizetype slash = standardized.lastIndexOf(QLatin1Char('/'));
     if (slash < 0)
         return standardized;
