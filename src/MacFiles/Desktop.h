@@ -7,8 +7,8 @@
 
 namespace vantrel {
 
-/// What the model needs of the desktop that it runs on. The application implements it with real dialogs, tests with
-/// answers of their own. Main thread.
+/// What the model needs of the desktop that it runs on. The application implements it with real dialogs,
+/// tests with answers of their own. Main thread.
 class Desktop {
 public:
     /// A question for one line of text.
@@ -28,12 +28,10 @@ public:
     virtual void revealFile(const QString &path) = 0;
     /// Replaces the clipboard by the text.
     virtual void copyText(const QString &text) = 0;
-    /// Asks for one existing folder; the future gives its path, or nothing when the user cancels. `startingAt` is
-    /// where the dialog opens, or empty.
-    [[nodiscard]] virtual QFuture<std::optional<QString>> chooseFolder(const QString &message,
-                                                                       const QString &acceptLabel,
-                                                                       const QString &startingAt)
-        = 0;
+    /// Asks for one existing folder; the future gives its path, or nothing when the user cancels.
+    /// `startingAt` is where the dialog opens, or empty.
+    [[nodiscard]] virtual QFuture<std::optional<QString>>
+    chooseFolder(const QString &message, const QString &acceptLabel, const QString &startingAt) = 0;
     /// Asks for a text; the future gives it as typed, or nothing when the user cancels.
     [[nodiscard]] virtual QFuture<std::optional<QString>> askForText(const TextQuestion &question) = 0;
 };

@@ -20,7 +20,9 @@ public:
 
     [[nodiscard]] static MacFileError notFound(const QString &path) { return {Kind::notFound, path}; }
     [[nodiscard]] static MacFileError notDirectory(const QString &path) { return {Kind::notDirectory, path}; }
-    [[nodiscard]] static MacFileError listFailed(const QString &message) { return {Kind::listFailed, message}; }
+    [[nodiscard]] static MacFileError listFailed(const QString &message) {
+        return {Kind::listFailed, message};
+    }
 
     [[nodiscard]] Kind kind() const { return m_kind; }
     /// The user-facing description.
@@ -35,8 +37,9 @@ private:
     QString m_text;
 };
 
-/// The computer's own file system, as the computer's pane uses it. Stateless. Every path is standardized before use.
-/// What touches the disk blocks and belongs on a worker; what takes a Desktop belongs on the main thread.
+/// The computer's own file system, as the computer's pane uses it. Stateless. Every path is standardized
+/// before use. What touches the disk blocks and belongs on a worker; what takes a Desktop belongs on the main
+/// thread.
 namespace MacFileClient {
 
 /// The path with a leading "~" expanded, "." and ".." resolved and no trailing slash. Pure.
@@ -44,11 +47,13 @@ namespace MacFileClient {
 /// The folder that contains the path; "/" contains itself. Pure.
 [[nodiscard]] QString parentPath(const QString &path);
 
-/// The visible entries of a folder, folders first. A symbolic link is described by itself and is never a folder.
+/// The visible entries of a folder, folders first. A symbolic link is described by itself and is never a
+/// folder.
 [[nodiscard]] tl::expected<QList<FileItem>, MacFileError> listDirectory(const QString &path);
 /// Bytes free to the user on the volume that holds the path, if that can be told.
 [[nodiscard]] std::optional<qint64> availableBytes(const QString &path);
-/// Creates one folder and returns its path; fails with the system's own text, and leaves what exists untouched.
+/// Creates one folder and returns its path; fails with the system's own text, and leaves what exists
+/// untouched.
 [[nodiscard]] tl::expected<QString, QString> createFolder(const QString &name, const QString &parent);
 /// Whether anything, a dangling link included, stands at the path.
 [[nodiscard]] bool exists(const QString &path);

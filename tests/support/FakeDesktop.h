@@ -7,7 +7,8 @@
 
 namespace vantrel {
 
-/// A desktop that remembers what it was asked, and answers what a test says: at once, or when the test gets to it.
+/// A desktop that remembers what it was asked, and answers what a test says: at once, or when the test gets
+/// to it.
 class FakeDesktop : public Desktop {
 public:
     QStringList opened;
@@ -24,21 +25,18 @@ public:
     void copyText(const QString &text) override { copied.append(text); }
 
     QFuture<std::optional<QString>> chooseFolder(const QString &message, const QString &acceptLabel,
-                                                 const QString &startingAt) override
-    {
+                                                 const QString &startingAt) override {
         folderQuestions.append(QStringList{message, acceptLabel, startingAt}.join(QLatin1Char('|')));
         return answered(nextFolder);
     }
 
-    QFuture<std::optional<QString>> askForText(const TextQuestion &question) override
-    {
+    QFuture<std::optional<QString>> askForText(const TextQuestion &question) override {
         textQuestions.append(question);
         return answered(nextText);
     }
 
 private:
-    static QFuture<std::optional<QString>> answered(const std::optional<QString> &answer)
-    {
+    static QFuture<std::optional<QString>> answered(const std::optional<QString> &answer) {
         QPromise<std::optional<QString>> promise;
         promise.start();
         promise.addResult(answer);

@@ -5,8 +5,7 @@ namespace vantrel {
 namespace {
 
 template <class Value, size_t count>
-std::optional<Value> fromRawValue(const std::array<Value, count> &all, const QString &text)
-{
+std::optional<Value> fromRawValue(const std::array<Value, count> &all, const QString &text) {
     for (const Value value : all) {
         if (rawValue(value) == text)
             return value;
@@ -16,33 +15,29 @@ std::optional<Value> fromRawValue(const std::array<Value, count> &all, const QSt
 
 } // namespace
 
-QString rawValue(PaneViewMode mode)
-{
+QString rawValue(PaneViewMode mode) {
     return mode == PaneViewMode::list ? QStringLiteral("list") : QStringLiteral("grid");
 }
 
-QString rawValue(AndroidSearchScope scope)
-{
-    return scope == AndroidSearchScope::thisFolder ? QStringLiteral("thisFolder") : QStringLiteral("everywhere");
+QString rawValue(AndroidSearchScope scope) {
+    return scope == AndroidSearchScope::thisFolder ? QStringLiteral("thisFolder")
+                                                   : QStringLiteral("everywhere");
 }
 
-std::optional<PaneViewMode> paneViewModeFromRawValue(const QString &text)
-{
+std::optional<PaneViewMode> paneViewModeFromRawValue(const QString &text) {
     return fromRawValue(allPaneViewModes, text);
 }
 
-std::optional<AndroidSearchScope> androidSearchScopeFromRawValue(const QString &text)
-{
+std::optional<AndroidSearchScope> androidSearchScopeFromRawValue(const QString &text) {
     return fromRawValue(allAndroidSearchScopes, text);
 }
 
-QString displayTitle(AndroidSearchScope scope)
-{
-    return scope == AndroidSearchScope::thisFolder ? QStringLiteral("This folder") : QStringLiteral("Everywhere");
+QString displayTitle(AndroidSearchScope scope) {
+    return scope == AndroidSearchScope::thisFolder ? QStringLiteral("This folder")
+                                                   : QStringLiteral("Everywhere");
 }
 
-QString searchPlaceholder(AndroidSearchScope scope)
-{
+QString searchPlaceholder(AndroidSearchScope scope) {
     return scope == AndroidSearchScope::thisFolder ? QStringLiteral("Search this folder")
                                                    : QStringLiteral("Search entire device");
 }

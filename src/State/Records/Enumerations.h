@@ -23,9 +23,11 @@ enum class AndroidSearchScope { thisFolder, everywhere };
 enum class PaneSelectAllState { none, partial, all };
 
 inline constexpr std::array allPaneViewModes{PaneViewMode::list, PaneViewMode::grid};
-inline constexpr std::array allAndroidSearchScopes{AndroidSearchScope::thisFolder, AndroidSearchScope::everywhere};
+inline constexpr std::array allAndroidSearchScopes{AndroidSearchScope::thisFolder,
+                                                   AndroidSearchScope::everywhere};
 
-/// The name under which a value is stored; the same text read back gives the value, any other text gives none.
+/// The name under which a value is stored; the same text read back gives the value, any other text gives
+/// none.
 [[nodiscard]] QString rawValue(PaneViewMode mode);
 [[nodiscard]] QString rawValue(AndroidSearchScope scope);
 [[nodiscard]] std::optional<PaneViewMode> paneViewModeFromRawValue(const QString &text);

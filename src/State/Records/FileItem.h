@@ -8,8 +8,8 @@
 
 namespace vantrel {
 
-/// One file or folder of either pane, or one search hit. A plain value; two records made from the same listing line
-/// differ, because each gets an identity of its own.
+/// One file or folder of either pane, or one search hit. A plain value; two records made from the same
+/// listing line differ, because each gets an identity of its own.
 struct FileItem {
     QUuid id;                            ///< fresh random identity; selections hold these
     QString name;                        ///< last path component as shown
@@ -19,8 +19,8 @@ struct FileItem {
     std::optional<qint64> itemCount;     ///< entries inside a folder, where known
     std::optional<QDateTime> modifiedAt; ///< last modification; absent where unknown
 
-    /// The size column: a file's size, "N items" for a folder whose count is known, else "—"; "0 B" for a file of
-    /// unknown size.
+    /// The size column: a file's size, "N items" for a folder whose count is known, else "—"; "0 B" for a
+    /// file of unknown size.
     [[nodiscard]] QString sizeLabel() const;
     /// The date column, for example "May 1, 2024" in the user's locale and time zone; "—" when unknown.
     [[nodiscard]] QString modifiedLabel() const;

@@ -9,10 +9,9 @@ namespace vantrel {
 
 namespace {
 
-QCollator fileNameCollator()
-{
-    // In the "C" locale (no language set, as on a bare server) the collator compares code units and ignores the
-    // case setting: "Zebra" would come before "apple". English stands in for it.
+QCollator fileNameCollator() {
+    // In the "C" locale (no language set, as on a bare server) the collator compares code units and ignores
+    // the case setting: "Zebra" would come before "apple". English stands in for it.
     const QLocale locale;
     QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
@@ -21,8 +20,7 @@ QCollator fileNameCollator()
 
 } // namespace
 
-void sortInFileOrder(QList<FileItem> &items)
-{
+void sortInFileOrder(QList<FileItem> &items) {
     struct Entry {
         QCollatorSortKey key;
         qsizetype index;

@@ -7,9 +7,10 @@ namespace vantrel {
 /// What stands for a value that is not known: a single em dash.
 [[nodiscard]] QString unknownLabel();
 
-/// A byte count as the desktop's file manager writes it: decimal multiples, "Zero KB" for 0, "1 byte", "999 bytes",
-/// whole KB, at most one fraction digit for MB and two from GB on, no trailing zeros; a rounding that reaches 1000
-/// goes on to the next unit. The decimal point is the user's locale's. Negative counts carry a minus sign.
+/// A byte count as the desktop's file manager writes it: decimal multiples, "Zero KB" for 0, "1 byte", "999
+/// bytes", whole KB, at most one fraction digit for MB and two from GB on, no trailing zeros; a rounding that
+/// reaches 1000 goes on to the next unit. The decimal point is the user's locale's. Negative counts carry a
+/// minus sign.
 [[nodiscard]] QString formatFileSize(qint64 bytes);
 
 } // namespace vantrel

@@ -40,14 +40,18 @@ public:
     QueueItemStatus() = default;
     // NOLINTNEXTLINE(google-explicit-constructor): a status is written as one of its cases.
     template <class Case>
-        requires std::constructible_from<std::variant<Waiting, Transferring, Paused, Failed, Completed>, Case>
-    QueueItemStatus(Case value) : m_value(std::move(value))
-    {
-    }
+    requires std::constructible_from<std::variant<Waiting, Transferring, Paused, Failed, Completed>, Case>
+    QueueItemStatus(Case value) : m_value(std::move(value)) {}
 
-    template <class Case> [[nodiscard]] bool is() const { return std::holds_alternative<Case>(m_value); }
+    template <class Case>
+    [[nodiscard]] bool is() const {
+        return std::holds_alternative<Case>(m_value);
+    }
     /// The case's values, or null when the status is another case.
-    template <class Case> [[nodiscard]] const Case *as() const { return std::get_if<Case>(&m_value); }
+    template <class Case>
+    [[nodiscard]] const Case *as() const {
+        return std::get_if<Case>(&m_value);
+    }
     /// The progress of a running or paused copy, else null.
     [[nodiscard]] const Progress *progress() const;
 
@@ -59,14 +63,14 @@ private:
 
 /// One entry of the transfer queue. Only the status changes after the entry was made.
 struct QueueItem {
-    QUuid id;                ///< fresh random identity
-    QString name;            ///< the source entry's name
+    QUuid id;                 ///< fresh random identity
+    QString name;             ///< the source entry's name
     bool isDirectory = false; ///< a whole folder is copied
-    QString sourcePath;      ///< full path of the source, on the phone for a pull
-    QString destinationPath; ///< full path that the copy will have on the other side
+    QString sourcePath;       ///< full path of the source, on the phone for a pull
+    QString destinationPath;  ///< full path that the copy will have on the other side
     TransferDirection direction = TransferDirection::androidToMac;
-    QueueItemStatus status;  ///< starts as waiting
-    qint64 totalBytes = 0;   ///< expected bytes; 0 when the source's size is unknown
+    QueueItemStatus status; ///< starts as waiting
+    qint64 totalBytes = 0;  ///< expected bytes; 0 when the source's size is unknown
 
     /// The byte progress or the state in words.
     [[nodiscard]] QString progressLabel() const;

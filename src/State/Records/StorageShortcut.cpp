@@ -4,8 +4,7 @@
 
 namespace vantrel::MockData {
 
-const QList<StorageShortcut> &shortcuts()
-{
+const QList<StorageShortcut> &shortcuts() {
     static const QList<StorageShortcut> list = [] {
         const auto entry = [](const char *title, const char *path, const char *image) {
             return StorageShortcut{newIdentity(), QString::fromLatin1(title), QString::fromLatin1(path),
