@@ -99,7 +99,13 @@ bool RealTourPhone::refuse(const QString &) {
 }
 
 QByteArray RealTourPhone::read(const QString &path) {
-    return run({QStringLiteral("exec-out"), QStringLiteral("cat '%1'").arg(path)});
+    const QTemporaryDir folder;
+    const QString local = folder.filePath(QStringLiteral("copy"));
+    run({QStringLiteral("pull"), path, local});
+    QFile file(local);
+    if (!file.open(QIODevice::ReadOnly))
+        throw TourError(QStringLiteral("cannot read ") + local);
+    return file.readAll();
 }
 
 QByteArray RealTourPhone::run(const QStringList &arguments) const {
