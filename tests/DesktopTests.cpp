@@ -116,10 +116,11 @@ TEST_F(DesktopTests, theFolderChooserAnswersThroughItsFuture) {
         EXPECT_EQ(chooser->labelText(QFileDialog::Accept), u"Choose"_s);
         EXPECT_EQ(QDir(chooser->directory()).canonicalPath(), QDir(mac.path()).canonicalPath());
         chooser->selectFile(mac.filePath(u"inside"_s));
+        QDialog *dialog = chooser; // where these are public
         if (accepted)
-            chooser->accept();
+            dialog->accept();
         else
-            chooser->reject();
+            dialog->reject();
         ASSERT_TRUE(future.isFinished());
         EXPECT_EQ(future.result(), accepted ? std::optional(mac.filePath(u"inside"_s)) : std::nullopt);
         ASSERT_TRUE(waitFor([&] { return !window->findChild<QFileDialog *>(); }));

@@ -18,6 +18,7 @@
 #include "Views/StatusBarView.h"
 #include "Views/TransferQueueView.h"
 
+#include <QDialog>
 #include <QScrollBar>
 #include <QSettings>
 #include <QSignalSpy>
@@ -208,7 +209,7 @@ TEST_F(SidebarTests, aShortcutIsHighlightedAtOnceAndTurnsWhileItsFolderLoads) {
     refresh();
     showSidebar();
     const auto row = [&](const QString &title) {
-        return child<QAbstractButton>(("sidebar.shortcut." + title.toLatin1()).constData());
+        return view->findChild<QAbstractButton *>(QString(u"sidebar.shortcut."_s + title));
     };
     const auto turns = [&](const QString &title) { return row(title)->findChild<Spinner *>()->isVisible(); };
     ASSERT_TRUE(row(u"Internal Storage"_s)->isChecked());
@@ -722,7 +723,7 @@ TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesIt) {
     for (QAbstractButton *button : window->findChildren<QAbstractButton *>()) {
         if (!button->isVisible())
             continue;
-        const std::string name = (button->objectName() + u": "_s + button->text()).toStdString();
+        const std::string name = QString(button->objectName() + u": "_s + button->text()).toStdString();
         EXPECT_FALSE(accessible(button)->text(QAccessible::Name).isEmpty()) << name;
         // The window's own buttons have keys of the desktop.
         if (button->isEnabled() && !button->objectName().startsWith(u"window."_s)) {
