@@ -78,7 +78,7 @@ TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
         EXPECT_TRUE(shown->isModal());
         EXPECT_EQ(field(shown)->size(), QSize(240, 24));
         EXPECT_EQ(field(shown)->selectedText(), u"New Folder"_s);
-        ASSERT_TRUE(QTest::qWaitForWindowActive(shown));
+        ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == shown; }));
         EXPECT_TRUE(field(shown)->hasFocus());
         c.answer(shown);
         ASSERT_TRUE(future.isFinished());
@@ -99,6 +99,7 @@ TEST_F(DesktopTests, theModelMakesTheFolderThatWasAskedFor) {
     model->browseMac(mac.path());
     ASSERT_TRUE(waitFor([&] { return !model->isLoadingMac(); }));
     model->createMacFolder();
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == prompt(); }));
     QTest::keyClicks(prompt()->findChild<QLineEdit *>(), u"  Lisbon "_s);
     QTest::keyClick(prompt()->findChild<QLineEdit *>(), Qt::Key_Return);
     ASSERT_TRUE(waitFor([&] { return QDir(mac.filePath(u"Lisbon"_s)).exists(); }));

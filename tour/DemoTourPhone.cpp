@@ -29,7 +29,9 @@ DemoTourPhone::DemoTourPhone(const QString &resources, QString root) : m_root(st
 
     // Its first start furnishes it.
     const QString adb = resources + QStringLiteral("/platform-tools/adb");
-    if (QProcess::execute(adb, {QStringLiteral("devices")}) != 0)
+    QProcess start;
+    start.start(adb, {QStringLiteral("devices")});
+    if (!start.waitForFinished() || start.exitCode() != 0)
         throw TourError(QStringLiteral("the demo phone does not start: ") + adb);
     QDir().mkpath(hostPath(QStringLiteral("/sdcard/DCIM/Burst")));
     for (int i = 0; i < burstCount; ++i) {

@@ -16,6 +16,10 @@ void showInFileManager(const QDBusConnection &bus, const QString &path, QObject 
     const QStringList uris{QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded)};
     const QString startupId;
     call << uris << startupId;
+    if (!bus.isConnected()) { // a call on it would never be answered
+        QMetaObject::invokeMethod(context, onFailure, Qt::QueuedConnection);
+        return;
+    }
     auto *answer = new QDBusPendingCallWatcher(bus.asyncCall(call, patience), context);
     QObject::connect(answer, &QDBusPendingCallWatcher::finished, context, [answer, onFailure] {
         answer->deleteLater();

@@ -68,6 +68,13 @@ protected:
         return found;
     }
 
+    /// Lets the views render, be laid out and be painted; each asks for the next.
+    static void settle() {
+        constexpr int passes = 4;
+        for (int pass = 0; pass < passes; ++pass)
+            QCoreApplication::processEvents();
+    }
+
     void refresh() {
         state->refreshDevice(AppState::Spinner::shown);
         ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
