@@ -191,7 +191,7 @@ TEST_F(SidebarTests, aLongMessageTakesTwoLinesAndMovesNothingOutOfTheCard) {
     settle();
     EXPECT_TRUE(message->isElided());
     const int line = TextStyle{10.5, Weight::medium}.lineHeight();
-    EXPECT_EQ(message->height(), 2 * line) << message->text().toStdString() << message->width();
+    EXPECT_TRUE(waitFor([&] { return message->height() == 2 * line; })) << message->height();
     auto *card = child<QWidget>("sidebar.device");
     EXPECT_EQ(card->geometry(), QRect(12, 12, 216, card->height()));
     for (const auto *inside : card->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
