@@ -82,7 +82,7 @@ void DemoTourPhone::setSlow(bool slow) {
 bool DemoTourPhone::refuse(const QString &path) {
     QString name = path;
     name.replace(QStringLiteral("/sdcard"), QStringLiteral("/storage/emulated/0"));
-    set("fail=" + name.toUtf8());
+    set("pull.fail=" + name.toUtf8());
     return true;
 }
 

@@ -119,7 +119,7 @@ void Tour::watchCopy() {
 
 void Tour::waitForQueue() {
     m_hand.waitUntil(QStringLiteral("the end of the queue"),
-                     [this] { return !state().isTransferring() && !state().isLoadingMac(); });
+                     [this] { return !state().isTransferring() && !state().isLoadingMac() && !state().isLoadingAndroid(); });
 }
 
 void Tour::finishCopies() {

@@ -103,7 +103,7 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
 
 int main(int argc, char **argv) {
     // Nothing of the user's own is touched: settings, caches and the home folder are the tour's.
-    const QTemporaryDir folder;
+    const QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/vantrel-XXXXXX"));
     qputenv("HOME", QFile::encodeName(folder.filePath(QStringLiteral("sam"))));
     for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
         qputenv(variable, QFile::encodeName(folder.filePath(QStringLiteral("xdg"))));
