@@ -682,7 +682,7 @@ TEST_F(MainWindowTests, looksForThePhoneAsLongAsItIsOpen) {
     QCoreApplication::processEvents();
     EXPECT_FALSE(poll->isActive());
     view.reset();
-    endBackgroundWork();
+    Background::stop();
     EXPECT_EQ(looks(), last);
 }
 
@@ -697,8 +697,28 @@ TEST_F(MainWindowTests, isDestroyedWhileEverythingIsUnderWay) {
     view.reset();
     QElapsedTimer clock;
     clock.start();
-    endBackgroundWork();
+    Background::stop();
     EXPECT_LT(clock.elapsed(), 3000);
+}
+
+TEST_F(MainWindowTests, noControlHasTheKeyboardUntilTabIsPressed) {
+    MainWindow *window = showWindow();
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
+    settle();
+    EXPECT_EQ(QApplication::focusWidget(), nullptr);
+    QTest::keyClick(window, Qt::Key_Tab);
+    QWidget *first = QApplication::focusWidget();
+    ASSERT_NE(first, nullptr);
+
+    // What has it keeps it while another window is in front.
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == &other; }));
+    window->activateWindow();
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
+    settle();
+    EXPECT_EQ(QApplication::focusWidget(), first);
 }
 
 TEST_F(MainWindowTests, theAboutWindowOpensOverIt) {

@@ -72,7 +72,7 @@ QStringList DemoTourPhone::manyFiles() const {
 }
 
 QString DemoTourPhone::word() const {
-    return QStringLiteral("vid");
+    return QStringLiteral("img");
 }
 
 void DemoTourPhone::setSlow(bool slow) {

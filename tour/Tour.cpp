@@ -196,7 +196,7 @@ void Tour::searchEverywhere() {
         return !state().isSearchingAndroid() && !state().androidSearchResults().isEmpty();
     });
     tell(QStringLiteral("everywhere"),
-         QString::number(state().androidSearchResults().size()) + QStringLiteral(" hits"));
+         QStringLiteral("hits: ") + QString::number(state().androidSearchResults().size()));
     clearSearch();
     m_hand.press(picker, Qt::Key_Up);
 }
@@ -210,7 +210,7 @@ void Tour::showGrid() {
                m_hand.entries(android)->objectName() == QStringLiteral("fileGrid") &&
                !state().isLoadingAndroid();
     });
-    m_hand.clickEntry(android, m_phone.files().first());
+    m_hand.clickEntry(android, m_hand.entries(android)->contents().items.first().name);
     tell(QStringLiteral("grid"), state().androidSelectionSummary());
     for (const QString &pane : {android, mac})
         m_hand.click(QStringLiteral("listView"), pane);

@@ -133,7 +133,6 @@ int main(int argc, char **argv) {
     options.process(application);
 
     const int status = run(options, builtHere, folder);
-    ADBClient::stopRunningTools();
-    Background::finish();
+    Background::stop();
     return status;
 }

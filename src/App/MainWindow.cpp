@@ -82,6 +82,18 @@ void MainWindow::showAbout() {
     about->open();
 }
 
+bool MainWindow::event(QEvent *event) {
+    // When nothing has the keyboard the toolkit gives it to the first control, and the focus ring would be the
+    // first thing that is seen. Tab begins there all the same.
+    if (event->type() == QEvent::WindowActivate && !focusWidget()) {
+        QTimer::singleShot(0, this, [this] {
+            if (QWidget *first = focusWidget())
+                first->clearFocus();
+        });
+    }
+    return QMainWindow::event(event);
+}
+
 void MainWindow::showEvent(QShowEvent *event) {
     QMainWindow::showEvent(event);
     if (m_isStarted)

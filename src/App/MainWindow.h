@@ -40,6 +40,7 @@ public:
     void setAppearancePreference(ColorScheme scheme);
 
 protected:
+    bool event(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 

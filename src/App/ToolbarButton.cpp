@@ -11,6 +11,7 @@ namespace {
 
 constexpr int buttonWidth = 52;
 constexpr int gap = 2;
+constexpr int ringRoom = 4; // above and below, so that the focus ring leaves the title legible
 constexpr TextStyle titleStyle{9, Weight::medium};
 
 } // namespace
@@ -27,13 +28,14 @@ void ToolbarButton::setContent(const QString &systemImage, const QString &title,
 }
 
 QSize ToolbarButton::sizeHint() const {
-    return {buttonWidth, int(m_symbol.naturalSize().height()) + gap + titleStyle.lineHeight()};
+    return {buttonWidth,
+            int(m_symbol.naturalSize().height()) + gap + titleStyle.lineHeight() + 2 * ringRoom};
 }
 
 void ToolbarButton::paintContent(QPainter &painter) {
     const double symbolHeight = m_symbol.naturalSize().height();
-    const QRectF title(0, symbolHeight + gap, width(), titleStyle.lineHeight());
-    m_symbol.paint(painter, QRectF(0, 0, width(), symbolHeight), AppTheme::ink());
+    const QRectF title(0, ringRoom + symbolHeight + gap, width(), titleStyle.lineHeight());
+    m_symbol.paint(painter, QRectF(0, ringRoom, width(), symbolHeight), AppTheme::ink());
     paintText(painter, title, text(), titleStyle, AppTheme::ink(), Qt::AlignCenter);
 }
 

@@ -1,4 +1,3 @@
-#include "ADB/ADBClient.h"
 #include "App/AppStyle.h"
 #include "App/CommandLine.h"
 #include "App/MainWindow.h"
@@ -38,16 +37,6 @@ QStringList toArguments(int argc, char **argv) {
     return arguments;
 }
 
-/// Ends what is still under way. The model is gone by now, so nothing new is asked of the phone; but what a
-/// worker does in several steps may start its next tool after the last one was stopped.
-void stopBackgroundWork() {
-    constexpr int pause = 50; // milliseconds
-    do {
-        ADBClient::stopRunningTools();
-    } while (!Background::workers().waitForDone(pause));
-    Background::finish();
-}
-
 } // namespace
 
 int main(int argc, char **argv) {
@@ -85,6 +74,6 @@ int main(int argc, char **argv) {
         window.show();
         status = QApplication::exec();
     }
-    stopBackgroundWork();
+    Background::stop();
     return status;
 }

@@ -1,5 +1,7 @@
 #include "State/background.h"
 
+#include "ADB/ADBClient.h"
+
 namespace vantrel::Background {
 
 QThreadPool &workers() {
@@ -16,6 +18,15 @@ QThreadPool &workers() {
 void finish() {
     workers().waitForDone();
     QCoreApplication::sendPostedEvents(QCoreApplication::instance());
+}
+
+void stop() {
+    // What a worker does in several steps starts its next tool after the last one was stopped.
+    constexpr int pause = 50; // milliseconds
+    do {
+        ADBClient::stopRunningTools();
+    } while (!workers().waitForDone(pause));
+    finish();
 }
 
 } // namespace vantrel::Background

@@ -28,6 +28,10 @@ namespace Background {
 /// the model is gone and its tools were stopped: nothing of it is left afterwards.
 void finish();
 
+/// Stops the tools that are running, and those that busy workers still start, until there are none; then
+/// finishes. For quitting, under the same conditions.
+void stop();
+
 } // namespace Background
 
 /// What onWorker() gives back. It is a function with values bound to it and nothing else on purpose: with g++

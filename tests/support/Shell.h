@@ -4,7 +4,6 @@
 #include "support/FakeDesktop.h"
 #include "support/Printers.h"
 
-#include "ADB/ADBClient.h"
 #include "App/AppTheme.h"
 #include "State/AppState.h"
 #include "State/background.h"
@@ -43,13 +42,8 @@ protected:
     ~ShellTest() override {
         view.reset();
         state.reset();
-        endBackgroundWork();
+        Background::stop();
         AppTheme::setScheme(ColorScheme::light);
-    }
-
-    static void endBackgroundWork() {
-        ADBClient::stopRunningTools();
-        Background::finish();
     }
 
     /// Shows a view and gives it back; it is destroyed ahead of the model.

@@ -37,6 +37,8 @@ void TextLabel::setMaximumLines(int lines) {
     m_maximumLines = lines;
     QSizePolicy policy = sizePolicy();
     policy.setHeightForWidth(lines > 1);
+    // A layout never gives a fixed height more than the size hint, which is one line.
+    policy.setVerticalPolicy(lines > 1 ? QSizePolicy::Preferred : QSizePolicy::Fixed);
     setSizePolicy(policy);
     updateGeometry();
     update();
