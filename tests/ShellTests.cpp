@@ -2,6 +2,7 @@
 
 #include "support/Shell.h"
 
+#include "ADB/ADBError.h"
 #include "App/AppStyle.h"
 #include "App/ContentView.h"
 #include "App/MainWindow.h"

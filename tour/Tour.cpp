@@ -118,8 +118,9 @@ void Tour::watchCopy() {
 }
 
 void Tour::waitForQueue() {
-    m_hand.waitUntil(QStringLiteral("the end of the queue"),
-                     [this] { return !state().isTransferring() && !state().isLoadingMac() && !state().isLoadingAndroid(); });
+    m_hand.waitUntil(QStringLiteral("the end of the queue"), [this] {
+        return !state().isTransferring() && !state().isLoadingMac() && !state().isLoadingAndroid();
+    });
 }
 
 void Tour::finishCopies() {

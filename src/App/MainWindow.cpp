@@ -83,8 +83,8 @@ void MainWindow::showAbout() {
 }
 
 bool MainWindow::event(QEvent *event) {
-    // When nothing has the keyboard the toolkit gives it to the first control, and the focus ring would be the
-    // first thing that is seen. Tab begins there all the same.
+    // When nothing has the keyboard the toolkit gives it to the first control, and the focus ring would be
+    // the first thing that is seen. Tab begins there all the same.
     if (event->type() == QEvent::WindowActivate && !focusWidget()) {
         QTimer::singleShot(0, this, [this] {
             if (QWidget *first = focusWidget())

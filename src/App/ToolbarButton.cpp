@@ -28,8 +28,7 @@ void ToolbarButton::setContent(const QString &systemImage, const QString &title,
 }
 
 QSize ToolbarButton::sizeHint() const {
-    return {buttonWidth,
-            int(m_symbol.naturalSize().height()) + gap + titleStyle.lineHeight() + 2 * ringRoom};
+    return {buttonWidth, int(m_symbol.naturalSize().height()) + gap + titleStyle.lineHeight() + 2 * ringRoom};
 }
 
 void ToolbarButton::paintContent(QPainter &painter) {
