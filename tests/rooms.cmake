@@ -29,3 +29,8 @@ vantrel_gui_test(ShellTests LIBRARIES vantrel_ui demo_phone_fixture SOURCES Shel
 if(NOT APPLE)
     vantrel_gui_test(DesktopTests LIBRARIES vantrel_ui demo_phone_fixture SOURCES DesktopTests.cpp)
 endif()
+# The same places on a screen of three device pixels to one.
+add_test(NAME ShellTestsAt3x
+         COMMAND ShellTests --gtest_filter=*hasItsPlaces*:*aLongMessage*:*opensAtItsSize*:*thePanelGrows*:*everyRow*)
+get_property(shell_environment TEST ShellTests PROPERTY ENVIRONMENT)
+set_tests_properties(ShellTestsAt3x PROPERTIES TIMEOUT 300 ENVIRONMENT "${shell_environment};QT_SCALE_FACTOR=3")

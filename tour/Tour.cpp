@@ -226,6 +226,7 @@ void Tour::goDark() {
 
 void Tour::fillQueue() {
     m_hand.click(QStringLiteral("queue.clear"));
+    m_hand.click(QStringLiteral("home"), mac);
     m_hand.openEntry(mac, QStringLiteral("Pictures"));
     m_hand.waitUntil(QStringLiteral("the folder Pictures"), [this] {
         return state().macPath().endsWith(QStringLiteral("/Pictures")) && !state().isLoadingMac();
