@@ -72,7 +72,7 @@ TEST(ToolText, wholeNumbersOnly) {
 }
 
 TEST(DeviceText, onlyPhonesThatAreReady) {
-    EXPECT_EQ(ADBClient::parseDeviceList(transcript("devices-chatter.txt")),
+    EXPECT_EQ(ADBClient::parseDeviceList(transcript("device-list/chatter.txt")),
               (QStringList{QStringLiteral("192.168.1.20:5555"),
                            QStringLiteral("adb-R58M_x._adb-tls-connect._tcp")}));
     EXPECT_EQ(ADBClient::parseDeviceList(QStringLiteral("List of devices attached\r\nR58M\tdevice\r\n\r\n")),
@@ -108,7 +108,7 @@ TEST(DeviceText, storageFigures) {
 }
 
 TEST(ListingText, aRealListing) {
-    const auto items = ADBClient::parseLSLA(transcript("ls-toybox.txt"), QStringLiteral("/sdcard"));
+    const auto items = ADBClient::parseLSLA(transcript("listing/toybox.txt"), QStringLiteral("/sdcard"));
     EXPECT_EQ(names(items),
               QStringLiteral("DCIM/|Download/|My Photos/|Secret/|-dash|😀 emoji.txt|a|double space|"
                              "it's.txt|link|My Song.mp3|sémantique"));
@@ -122,7 +122,7 @@ TEST(ListingText, aRealListing) {
 }
 
 TEST(ListingText, oddAndHostileEntries) {
-    const auto items = ADBClient::parseLSLA(transcript("ls-unreadable.txt"), QStringLiteral("/"));
+    const auto items = ADBClient::parseLSLA(transcript("listing/unreadable.txt"), QStringLiteral("/"));
     EXPECT_EQ(names(items), QStringLiteral("vendor/|bad-date.txt|name.txt|null|sda|sdcard|too-big.bin"));
     EXPECT_EQ(named(items, "vendor").path, QStringLiteral("/vendor"));
     EXPECT_EQ(named(items, "too-big.bin").sizeBytes, std::nullopt);
@@ -131,7 +131,7 @@ TEST(ListingText, oddAndHostileEntries) {
     EXPECT_EQ(named(items, "name.txt").sizeBytes, std::nullopt);
     EXPECT_EQ(named(items, "name.txt").modifiedAt, std::nullopt);
 
-    const auto crlf = ADBClient::parseLSLA(transcript("ls-crlf.txt"), QStringLiteral("/sdcard"));
+    const auto crlf = ADBClient::parseLSLA(transcript("listing/crlf.txt"), QStringLiteral("/sdcard"));
     EXPECT_EQ(names(crlf), QStringLiteral("DCIM/|My Song.mp3"));
     EXPECT_EQ(named(crlf, "My Song.mp3").sizeBytes, 1'048'576);
 }

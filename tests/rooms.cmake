@@ -17,6 +17,7 @@ vantrel_test(AnalyticsNetworkTests LIBRARIES vantrel_analytics SOURCES Analytics
 vantrel_gui_test(ChromeTests LIBRARIES vantrel_ui SOURCES ChromeTests.cpp)
 vantrel_test(UpdaterTests LIBRARIES vantrel_ui SOURCES UpdaterTests.cpp support/HttpsServer.cpp support/HttpsServer.h)
 vantrel_gui_test(AboutTests LIBRARIES vantrel_ui SOURCES AboutTests.cpp)
+vantrel_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)
 vantrel_test(SettingsTests LIBRARIES vantrel_ui SOURCES SettingsTests.cpp)
 if(NOT APPLE)
     vantrel_test(InstallTests LIBRARIES Qt6::Gui SOURCES InstallTests.cpp)

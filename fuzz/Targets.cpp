@@ -1,0 +1,187 @@
+#include "Target.h"
+
+#include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
+#include "ADB/DeviceText.h"
+#include "ADB/ListingText.h"
+#include "ADB/SearchText.h"
+#include "ADB/ToolText.h"
+#include "ADB/TransferText.h"
+#include "Analytics/SignalJson.h"
+#include "App/Appcast.h"
+#include "App/Settings.h"
+#include "State/Records/FileOrder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QUuid>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace vantrel::fuzz {
+
+namespace {
+
+/// Ends the process the way a fuzzer notices.
+void require(bool holds, const char *what) {
+    if (!holds)
+        qFatal("Does not hold: %s", what);
+}
+
+bool isPercent(const std::optional<double> &percent) {
+    return !percent || (*percent >= 0 && *percent <= 100);
+}
+
+void deviceList(const QByteArray &input) {
+    for (const QString &serial : ADBClient::parseDeviceList(ToolText::decode(input)))
+        require(!serial.isEmpty() && ToolText::fields(serial).size() == 1, "a serial is one word");
+}
+
+void storage(const QByteArray &input) {
+    const auto bytes = ADBClient::parseDF(ToolText::decode(input));
+    if (bytes)
+        require(bytes->used % 1024 == 0 && bytes->total % 1024 == 0, "df counts blocks of 1024 bytes");
+}
+
+void listing(const QByteArray &input) {
+    const QString folder = QStringLiteral("/sdcard/Download");
+    const auto items = ADBClient::parseLSLA(ToolText::decode(input), folder);
+    for (const FileItem &item : items) {
+        require(AndroidPath::isSafeName(item.name), "a name is one component");
+        require(!item.name.startsWith(QLatin1Char('.')), "hidden names are left out");
+        require(item.path == AndroidPath::join(folder, item.name), "an entry lies in its folder");
+        require(!item.modifiedAt || item.modifiedAt->isValid(), "a date is a date");
+        require(!item.sizeLabel().isEmpty() && !item.modifiedLabel().isEmpty(), "a row has its labels");
+    }
+    auto sorted = items;
+    sortInFileOrder(sorted);
+    require(std::equal(items.begin(), items.end(), sorted.begin(),
+                       [](const FileItem &a, const FileItem &b) { return a.name == b.name; }),
+            "a listing is in file order");
+}
+
+void foundPaths(const QByteArray &input) {
+    const QString root = QStringLiteral("/sdcard");
+    const QStringList paths = ADBClient::parseFoundPaths(ToolText::decode(input), root);
+    for (const QString &path : paths) {
+        require(path.startsWith(QLatin1Char('/')) && path != root, "a hit is a path below the root");
+        require(AndroidPath::isSafeName(AndroidPath::lastComponent(path)), "a hit's name is one component");
+    }
+    require(QSet<QString>(paths.begin(), paths.end()).size() == paths.size(), "a hit comes once");
+}
+
+/// There, and without a slash at its end. It may well end with a blank.
+bool isCanonical(const QString &path) {
+    return path == QLatin1String("/") || (!path.isEmpty() && !path.endsWith(QLatin1Char('/')));
+}
+
+void searchMetadata(const QByteArray &input) {
+    const auto facts = ADBClient::parseSearchMetadata(ToolText::decode(input));
+    for (auto fact = facts.begin(); fact != facts.end(); ++fact) {
+        require(isCanonical(fact.key()), "facts go by canonical paths");
+        require(!fact->modifiedAt || fact->modifiedAt->isValid(), "a time is a time");
+    }
+}
+
+/// A terminal hands over its text in pieces of any size; where it is cut must not matter.
+void progress(const QByteArray &input) {
+    require(isPercent(ADBClient::parseProgressPercent(ToolText::decode(input))), "a percentage on stderr");
+    ADBClient::TransferOutput whole;
+    const auto latest = whole.feed(input);
+    require(isPercent(latest), "a percentage on the terminal");
+    ADBClient::TransferOutput pieces;
+    std::optional<double> last;
+    for (const char byte : input) {
+        if (const auto percent = pieces.feed(QByteArray(1, byte)))
+            last = percent;
+    }
+    require(last == latest && pieces.errorText() == whole.errorText(), "pieces read like the whole");
+}
+
+/// What a POSIX shell makes of one single-quoted word; empty when it would read anything else.
+QString shellWord(const QString &quoted) {
+    QString word;
+    bool isInside = false;
+    for (qsizetype i = 0; i < quoted.size(); ++i) {
+        if (quoted[i] == QLatin1Char('\''))
+            isInside = !isInside;
+        else if (isInside)
+            word += quoted[i];
+        else if (quoted[i] == QLatin1Char('\\') && i + 1 < quoted.size())
+            word += quoted[++i];
+        else
+            return {};
+    }
+    return isInside ? QString() : word;
+}
+
+void paths(const QByteArray &input) {
+    const QString text = ToolText::decode(input);
+    const QString path = ADBClient::normalizePath(text);
+    require(isCanonical(path), "a path is canonical");
+    require(!AndroidPath::segments(path).isEmpty() && !AndroidPath::breadcrumb(path).isEmpty(),
+            "a path has a breadcrumb");
+    require(shellWord(AndroidPath::quotedForShell(text)) == text, "the shell reads one word");
+    const QString last = AndroidPath::lastComponent(path);
+    if (AndroidPath::isSafeName(last))
+        require(QDir::cleanPath(QStringLiteral("/cache/") + last) == QStringLiteral("/cache/") + last,
+                "a safe name stays in its folder");
+    const QString query = ADBClient::sanitizeSearchQuery(text);
+    require(ADBClient::sanitizeSearchQuery(query) == query, "a clean query stays as it is");
+    require(query.indexOf(QLatin1Char('\'')) < 0 && query.indexOf(QLatin1Char('*')) < 0, "a query is text");
+}
+
+void appcast(const QByteArray &input) {
+    const auto feed = parseAppcast(input);
+    if (!feed)
+        return;
+    const auto newest = feed->newest();
+    require(newest.has_value() == !feed->items.isEmpty(), "a feed with releases has a newest");
+    for (const AppcastItem &item : feed->items)
+        require(!isNewer(item.version, newest->version), "nothing is newer than the newest");
+}
+
+void analyticsCache(const QByteArray &input) {
+    const auto batch = decodeSignals(input);
+    if (!batch)
+        return;
+    const auto written = encodeSignals(*batch, DateForm::Disk);
+    require(written && decodeSignals(*written).has_value(), "what was read can be written and read again");
+}
+
+void settings(const QByteArray &input) {
+    static const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("settings.ini"));
+    QFile file(path);
+    require(file.open(QIODevice::WriteOnly) && file.write(input) == input.size(), "the file is written");
+    file.close();
+    Settings settings(path);
+    const ColorScheme kept = settings.appearancePreference();
+    static_cast<void>(settings.analyticsDisabled());
+    static_cast<void>(settings.doubleClickAction());
+    const ColorScheme other = kept == ColorScheme::dark ? ColorScheme::light : ColorScheme::dark;
+    settings.setAppearancePreference(other);
+    require(settings.save() && Settings(path).appearancePreference() == other, "a choice can be stored");
+}
+
+} // namespace
+
+const QList<Target> &targets() {
+    static const QList<Target> all{
+        {"device-list", &deviceList},
+        {"storage", &storage},
+        {"listing", &listing},
+        {"found-paths", &foundPaths},
+        {"search-metadata", &searchMetadata},
+        {"progress", &progress},
+        {"paths", &paths},
+        {"appcast", &appcast},
+        {"analytics-cache", &analyticsCache},
+        {"settings", &settings},
+    };
+    return all;
+}
+
+} // namespace vantrel::fuzz
