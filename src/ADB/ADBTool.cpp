@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 namespace vantrel::ADBClient {
 
@@ -59,10 +60,10 @@ std::optional<QString> resolveADBPath() {
                          QStringLiteral("/Users/Shared/Android/sdk/platform-tools/adb")});
     if (installed)
         return installed;
-    const auto found =
-        runProcess(QStringLiteral("/usr/bin/which"), {QStringLiteral("adb")}, augmentedEnvironment())
-            .map(ToolText::trimmed);
-    return found && !found->isEmpty() ? std::optional(*found) : std::nullopt;
+    // Not by running which: that is a process more for every short copy.
+    const QString found = QStandardPaths::findExecutable(
+        QStringLiteral("adb"), augmentedEnvironment().value(QStringLiteral("PATH")).split(QLatin1Char(':')));
+    return found.isEmpty() ? std::nullopt : std::optional(found);
 }
 
 QProcessEnvironment augmentedEnvironment() {

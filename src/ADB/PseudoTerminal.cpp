@@ -1,8 +1,11 @@
 #include "ADB/PseudoTerminal.h"
 
 #include <array>
+#include <chrono>
+#include <condition_variable>
 #include <cstdlib>
 #include <fcntl.h>
+#include <mutex>
 #include <poll.h>
 #include <unistd.h>
 
@@ -58,6 +61,9 @@ void PseudoTerminal::finishReading() {
 
 void PseudoTerminal::read(const std::stop_token &stop, const Reader &reader) const {
     std::array<char, 65536> buffer{};
+    std::condition_variable_any pause; // ended by the request to stop
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
     for (;;) {
         // The end of the child wakes this at once; the time-out only matters when a grandchild holds the
         // terminal.
@@ -77,6 +83,10 @@ void PseudoTerminal::read(const std::stop_token &stop, const Reader &reader) con
         if (count <= 0) // EIO: the last holder of the other end is gone
             return;
         reader(QByteArray(buffer.data(), count));
+        // adb 29 writes a line for every 64 KiB that it copies. To wake for each would take the processor
+        // from adb and slow the copy; a terminal holds what comes meanwhile.
+        constexpr std::chrono::milliseconds rest{4};
+        pause.wait_for(lock, stop, rest, [] { return false; });
     }
 }
 

@@ -230,7 +230,10 @@ private:
     QCoro::Task<> runSlot(QUuid id);
     QCoro::Task<> runSingleTransfer(QUuid id);
     QCoro::Task<std::optional<QString>> refusalOfPush(QueueItem item);
-    QCoro::Task<> checkDestinations(QueueItem first);
+    [[nodiscard]] bool hasFreshCheck(const QUuid &id) const;
+    void askAhead();
+    [[nodiscard]] QList<QueueItem> pushesToAskFor(const std::optional<QueueItem> &first) const;
+    QCoro::Task<> checkDestinations(QList<QueueItem> items);
     QCoro::Task<> refreshReceivingPane(BrowserSide side);
     QCoro::Task<> browseAgain(BrowserSide side);
     [[nodiscard]] ReceivingPane &receivingPane(BrowserSide side);

@@ -234,34 +234,63 @@ AppState::ReceivingPane &AppState::receivingPane(BrowserSide side) {
 }
 
 /// Why a push must not start: something stands at its destination, or the phone did not say. The phone is
-/// asked for many waiting pushes at once, since every question is a run of adb; an answer holds for a moment
-/// only.
+/// asked for many waiting pushes at once, since every question is a run of adb, and ahead of time, so that
+/// short copies need not wait for it.
 QCoro::Task<std::optional<QString>> AppState::refusalOfPush(QueueItem item) {
-    constexpr qint64 freshMilliseconds = 2000;
-    for (;;) {
-        const auto check = m_destinationChecks.constFind(item.id);
-        if (check != m_destinationChecks.constEnd() && check->age.elapsed() <= freshMilliseconds) {
-            if (check->isTaken)
-                co_return alreadyExists(item);
-            co_return check->error;
-        }
+    while (!hasFreshCheck(item.id)) {
         if (!m_runningDestinationCheck)
-            m_runningDestinationCheck = checkDestinations(item);
+            m_runningDestinationCheck = checkDestinations(pushesToAskFor(item));
         co_await *m_runningDestinationCheck;
     }
+    askAhead();
+    const DestinationCheck check = m_destinationChecks.value(item.id);
+    if (check.isTaken)
+        co_return alreadyExists(item);
+    co_return check.error;
 }
 
-QCoro::Task<> AppState::checkDestinations(QueueItem first) {
+bool AppState::hasFreshCheck(const QUuid &id) const {
+    constexpr qint64 freshMilliseconds = 2000; // something else may write to the phone
+    const auto check = m_destinationChecks.constFind(id);
+    return check != m_destinationChecks.constEnd() && check->age.elapsed() <= freshMilliseconds;
+}
+
+/// Asks for the next pushes when the answers for the nearest are about to run out.
+void AppState::askAhead() {
+    constexpr qsizetype nearest = 4 * concurrentCopies;
+    if (m_runningDestinationCheck)
+        return;
+    const QList<QueueItem> next = m_queue.nextWaiting(nearest);
+    if (next.isEmpty() || next.last().direction != TransferDirection::macToAndroid ||
+        hasFreshCheck(next.last().id))
+        return;
+    const QList<QueueItem> items = pushesToAskFor(std::nullopt);
+    if (!items.isEmpty())
+        m_runningDestinationCheck = checkDestinations(items);
+}
+
+/// `first`, then the waiting pushes that are next and have no answer, as many as one question holds.
+QList<QueueItem> AppState::pushesToAskFor(const std::optional<QueueItem> &first) const {
     constexpr qsizetype pathsPerQuestion = 40;
-    QList<QueueItem> items{first};
+    QList<QueueItem> items;
     QSet<QString> keys = m_destinationsInUse;
-    for (const QueueItem &item : m_queue.nextWaiting(pathsPerQuestion - 1)) {
+    if (first)
+        items.append(*first);
+    for (const QueueItem &item : m_queue.nextWaiting(2 * pathsPerQuestion)) {
+        if (items.size() == pathsPerQuestion)
+            break;
         // Of two copies to one place the second is asked for when it starts, after the first has ended.
-        if (item.direction == TransferDirection::macToAndroid && !keys.contains(destinationKey(item))) {
-            keys.insert(destinationKey(item));
+        const QString key = destinationKey(item);
+        if (item.direction != TransferDirection::macToAndroid || keys.contains(key))
+            continue;
+        keys.insert(key);
+        if (!hasFreshCheck(item.id))
             items.append(item);
-        }
     }
+    return items;
+}
+
+QCoro::Task<> AppState::checkDestinations(QList<QueueItem> items) {
     QStringList paths;
     for (const QueueItem &item : items)
         paths.append(item.destinationPath);
