@@ -3,6 +3,7 @@
 #include "App/Product.h"
 #include "App/Version.h"
 
+#include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
@@ -61,7 +62,6 @@ Updater::Configuration Updater::builtIn() {
 
 Updater::Updater(Configuration configuration, QObject *parent)
     : QObject(parent), m_configuration(std::move(configuration)) {
-    m_network.setAutoDeleteReplies(true);
     m_deadline.setSingleShot(true);
     m_deadline.setInterval(m_configuration.timeout);
     connect(&m_deadline, &QTimer::timeout, this,
@@ -87,7 +87,8 @@ void Updater::checkForUpdates() {
 
 void Updater::request(const QUrl &address) {
     QNetworkRequest request(address);
-    request.setSslConfiguration(m_configuration.tls);
+    if (m_configuration.tls)
+        request.setSslConfiguration(*m_configuration.tls);
     request.setHeader(QNetworkRequest::UserAgentHeader,
                       QString(product::name() + u'/' + m_configuration.installed.shortVersion));
     request.setRawHeader("Accept", "application/rss+xml, application/xml, text/xml");
@@ -101,7 +102,11 @@ void Updater::request(const QUrl &address) {
         request.setAttribute(attribute, QNetworkRequest::Manual);
 
     m_body.clear();
-    m_reply = m_network.get(request);
+    if (!m_network) {
+        m_network = new QNetworkAccessManager(this);
+        m_network->setAutoDeleteReplies(true);
+    }
+    m_reply = m_network->get(request);
     m_reply->setReadBufferSize(maximumFeedSize / 16);
     connect(m_reply, &QNetworkReply::readyRead, this, &Updater::receive);
     connect(m_reply, &QNetworkReply::finished, this, &Updater::replyFinished);

@@ -2,7 +2,6 @@
 
 #include "App/Appcast.h"
 
-#include <QNetworkAccessManager>
 #include <QObject>
 #include <QSslConfiguration>
 #include <QString>
@@ -10,7 +9,9 @@
 #include <QUrl>
 
 #include <chrono>
+#include <optional>
 
+class QNetworkAccessManager;
 class QNetworkReply;
 
 namespace vantrel {
@@ -47,7 +48,7 @@ public:
     struct Configuration {
         QUrl feed; ///< empty: this build has none, and no check is ever offered
         AppVersion installed;
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        std::optional<QSslConfiguration> tls = std::nullopt;          ///< the system's unless given
         std::chrono::milliseconds timeout = std::chrono::seconds(30); ///< for the whole check
     };
 
@@ -82,7 +83,7 @@ private:
     [[nodiscard]] bool mayOpen(const QUrl &page) const;
 
     Configuration m_configuration;
-    QNetworkAccessManager m_network;
+    QNetworkAccessManager *m_network = nullptr; ///< from the first check on: it loads the TLS libraries
     QTimer m_deadline;
     QNetworkReply *m_reply = nullptr; ///< of the check that runs
     QByteArray m_body;
