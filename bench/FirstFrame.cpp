@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include <ctime>
+#include <limits>
 
 namespace {
 
@@ -21,10 +22,18 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override {
         if (!m_seen && event->type() == QEvent::Paint && watched->isWidgetType()) {
             m_seen = true;
-            // The frame is on its way to the screen when the event loop gets to this.
-            QTimer::singleShot(0, this, &FirstFrame::write);
+            // The frame is on its way to the screen when the event loop gets to this, ahead of all that
+            // waits.
+            QCoreApplication::postEvent(this, new QEvent(QEvent::User), std::numeric_limits<int>::max());
         }
         return false;
+    }
+
+    bool event(QEvent *event) override {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        write();
+        return true;
     }
 
 private:

@@ -195,7 +195,7 @@ TEST(AnalyticsRecord, LetsTheParametersClosestToTheSignalWin) {
     EXPECT_EQ(found, (QStringList{u"default"_s, u"s4"_s, u"own"_s, u"macOS"_s, u"enricher"_s}));
 }
 
-TEST(AnalyticsRecord, HoldsExactlyWhatThePrivacyPageLists) {
+TEST(AnalyticsRecord, HoldsExactlyWhatTheReadmeLists) {
     SessionWorld world;
     world.storeSession(2h, 30);
     world.storeSession(1h, 60);
@@ -209,9 +209,11 @@ TEST(AnalyticsRecord, HoldsExactlyWhatThePrivacyPageLists) {
     ASSERT_EQ(records.size(), 1);
     const QJsonObject payload = records[0][u"payload"].toObject();
 
-    QFile page(QDir::cleanPath(QStringLiteral(VANTREL_TEST_DATA "/../../docs/privacy.md")));
+    QFile page(QDir::cleanPath(QStringLiteral(VANTREL_TEST_DATA "/../../README.md")));
     ASSERT_TRUE(page.open(QIODevice::ReadOnly));
-    const QString section = QString::fromUtf8(page.readAll()).section(u"\n## "_s, 3, 3);
+    const QString section = QString::fromUtf8(page.readAll())
+                                .section(u"\n### What a signal holds\n"_s, 1)
+                                .section(u"\n### "_s, 0, 0);
     QSet<QString> listed;
     for (auto matches = QRegularExpression(u"`([^`]+)`"_s).globalMatch(section); matches.hasNext();)
         listed.insert(matches.next().captured(1));

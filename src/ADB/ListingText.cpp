@@ -61,6 +61,10 @@ QString joinedFrom(const ToolText::Fields &fields, qsizetype first) {
     return joined;
 }
 
+bool isHidden(const QString &name) {
+    return name.startsWith(QLatin1Char('.'));
+}
+
 /// The name without a symbolic link's target: the first piece around the first "->" that is not empty.
 QString displayName(const QString &name) {
     const qsizetype arrow = name.indexOf(QLatin1String("->"));
@@ -106,10 +110,10 @@ QList<FileItem> parseLSLA(const QString &text, const QString &parentPath) {
         if (line.isEmpty() || line.startsWith(u"total "))
             continue;
         const auto entry = parseLSLALine(line);
-        if (!entry || entry->name.startsWith(QLatin1Char('.')))
+        if (!entry || isHidden(entry->name))
             continue;
         const QString name = displayName(entry->name);
-        if (!AndroidPath::isSafeName(name))
+        if (isHidden(name) || !AndroidPath::isSafeName(name)) // "-> .name" would be shown as ".name"
             continue;
         items.append({newIdentity(), name, AndroidPath::join(parentPath, name), entry->isDirectory,
                       entry->size, std::nullopt, times.read(entry->date, entry->time)});

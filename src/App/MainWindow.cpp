@@ -10,7 +10,11 @@
 #include "App/WindowChrome.h"
 #include "State/AppState.h"
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QIcon>
+
+#include <utility>
 
 namespace vantrel {
 
@@ -96,11 +100,17 @@ bool MainWindow::event(QEvent *event) {
 
 void MainWindow::showEvent(QShowEvent *event) {
     QMainWindow::showEvent(event);
-    if (m_isStarted)
-        return;
-    m_isStarted = true;
-    // The first frame comes before the first tool is started.
-    QTimer::singleShot(0, this, &MainWindow::runStartUp);
+    centralWidget()->installEventFilter(this);
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Paint && watched == centralWidget()) {
+        watched->removeEventFilter(this);
+        // The first frame comes before the first tool is started.
+        if (!std::exchange(m_isStarted, true))
+            QTimer::singleShot(0, this, &MainWindow::runStartUp);
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event) {
@@ -112,6 +122,7 @@ void MainWindow::closeEvent(QCloseEvent *event) {
 }
 
 QCoro::Task<> MainWindow::runStartUp() {
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.svg")));
     // The model ends before this window does, and with it whatever is awaited here.
     co_await m_state->browseMac(m_state->macPath());
     co_await m_state->refreshDevice(AppState::Spinner::shown);

@@ -263,8 +263,8 @@ void WindowChrome::paintGround() {
     painter.fillPath(roundedTop(rect, radius), QColor(AppTheme::titleBar()));
     if (!fillsScreen()) {
         const double inset = hairline / 2;
-        painter.strokePath(roundedTop(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
-                           QPen(QColor(AppTheme::paneStroke()), hairline));
+        strokeLine(painter, roundedTop(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
+                   QPen(QColor(AppTheme::paneStroke()), hairline));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "App/AppStyle.h"
 #include "App/CommandLine.h"
+#include "App/FontConfiguration.h"
 #include "App/MainWindow.h"
 #include "App/Product.h"
 #include "App/QtDesktop.h"
@@ -13,7 +14,6 @@
 #include "State/background.h"
 
 #include <QApplication>
-#include <QIcon>
 
 #include <cstdio>
 
@@ -43,11 +43,11 @@ int main(int argc, char **argv) {
     if (isDone(parseCommandLine(toArguments(argc, argv), UnknownArguments::ignored)))
         return 0;
 
+    std::jthread fontConfiguration = readFontConfiguration();
     QApplication application(argc, argv);
     QApplication::setApplicationName(product::name());
     QApplication::setApplicationVersion(version::shortVersion());
     QApplication::setDesktopFileName(product::identifier());
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.svg")));
     if (isDone(parseCommandLine(QApplication::arguments(), UnknownArguments::refused)))
         return 2;
 
@@ -61,6 +61,8 @@ int main(int argc, char **argv) {
     Updater updater(Updater::builtIn());
     updater.start();
     AppTheme::setScheme(settings.appearancePreference());
+    if (fontConfiguration.joinable())
+        fontConfiguration.join();
     AppStyle::install(application);
     const QuitSignals quitSignals;
 

@@ -435,14 +435,14 @@ void FilePaneView::paintEvent(QPaintEvent *) {
     const QPainterPath shape = roundedRect(rect(), cornerRadius);
     painter.fillPath(shape, QColor(AppTheme::surface()));
     const auto tint = [&](const QWidget *section, double opacity) {
-        QPainterPath area;
-        area.addRect(
+        painter.setClipRect(
             QRectF(0, section->y(), width(), section->height())
                 .adjusted(0, section == m_header ? -border : 0, 0, section == m_footer ? border : 0));
-        painter.fillPath(shape & area, QColor(AppTheme::canvas().withOpacity(opacity)));
+        painter.fillPath(shape, QColor(AppTheme::canvas().withOpacity(opacity)));
     };
     tint(m_header, 0.65);
     tint(m_footer, 0.55);
+    painter.setClipping(false);
     paintCard(painter, rect(), cornerRadius, Qt::transparent, AppTheme::paneStroke());
 }
 

@@ -5,6 +5,7 @@
 #include "Views/Kit/Symbol.h"
 #include "Views/Kit/TextStyle.h"
 
+#include <QAbstractItemView>
 #include <QPainter>
 #include <QWheelEvent>
 
@@ -29,7 +30,6 @@ ScopePicker::ScopePicker(QWidget *parent) : QComboBox(parent) {
     setAccessibleName(QStringLiteral("Scope"));
     // Where the toolkit gives the chosen title as the name.
     setAccessibleDescription(QStringLiteral("Scope"));
-    setFont(titleStyle.font());
     setFocusPolicy(Qt::TabFocus);
     setFixedSize(sizeHint());
     connect(this, &QComboBox::activated, this,
@@ -60,6 +60,11 @@ void ScopePicker::paintEvent(QPaintEvent *) {
         AppTheme::inkTertiary());
     if (hasFocus())
         paintFocusRing(painter, rect(), radius);
+}
+
+void ScopePicker::showPopup() {
+    view()->setFont(titleStyle.font());
+    QComboBox::showPopup();
 }
 
 void ScopePicker::wheelEvent(QWheelEvent *event) {

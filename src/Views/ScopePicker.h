@@ -17,6 +17,7 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+    void showPopup() override;
 
 Q_SIGNALS:
     /// The user has chosen.

@@ -3,7 +3,9 @@
 #include "App/AppTheme.h"
 
 #include <QPainter>
+#include <QPen>
 
+#include <cmath>
 #include <numbers>
 
 namespace vantrel {
@@ -12,8 +14,8 @@ namespace {
 
 void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width) {
     const double inset = width / 2;
-    painter.strokePath(roundedRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
-                       QPen(color, width));
+    strokeLine(painter, roundedRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
+               QPen(color, width));
 }
 
 } // namespace
@@ -50,6 +52,20 @@ QPainterPath roundedRect(const QRectF &rect, double radius) {
 
 QPainterPath capsule(const QRectF &rect) {
     return roundedRect(rect, qMin(rect.width(), rect.height()) / 2);
+}
+
+void strokeLine(QPainter &painter, const QPainterPath &path, const QPen &pen) {
+    // The toolkit hands a line of more than 96 pieces, two of them in each row of pixels, to several threads,
+    // and waiting for them takes longer than painting it. So a tall line is painted in bands.
+    const double bandHeight = 44 / painter.device()->devicePixelRatioF();
+    const QRectF bounds =
+        path.boundingRect().adjusted(-pen.widthF(), -pen.widthF(), pen.widthF(), pen.widthF());
+    for (double top = std::floor(bounds.top()); top < bounds.bottom(); top += bandHeight) {
+        painter.save();
+        painter.setClipRect(QRectF(bounds.left(), top, bounds.width(), bandHeight), Qt::IntersectClip);
+        painter.strokePath(path, pen);
+        painter.restore();
+    }
 }
 
 void paintCard(QPainter &painter, const QRectF &rect, double radius, const QColor &fill, const QColor &stroke,

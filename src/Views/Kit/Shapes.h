@@ -5,6 +5,7 @@
 
 class QColor;
 class QPainter;
+class QPen;
 
 namespace vantrel {
 
@@ -18,6 +19,9 @@ inline constexpr double hairline = 1;
 
 /// A rectangle with the shorter sides fully round.
 [[nodiscard]] QPainterPath capsule(const QRectF &rect);
+
+/// Strokes a path that may be as tall as the window.
+void strokeLine(QPainter &painter, const QPainterPath &path, const QPen &pen);
 
 /// A filled shape with its line inside `rect`, so that a line of whole pixels is crisp. Either colour may be
 /// transparent; `strokeWidth` 0 draws no line.

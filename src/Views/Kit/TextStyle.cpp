@@ -40,26 +40,31 @@ const QString &family(FontDesign design) {
     return design == FontDesign::monospaced ? monospaced : standard;
 }
 
-QFont styledFont(const TextStyle &style, double scale) {
+QFont styledFont(const TextStyle &style, int pixelSize) {
     QFont font(family(style.design));
-    font.setPixelSize(qRound(style.size * scale));
+    font.setPixelSize(pixelSize);
     font.setWeight(fontWeight(style.weight));
     // Hinting would round every advance to whole pixels, and so undo half of what the sizes differ in.
     font.setHintingPreference(QFont::PreferNoHinting);
     if (style.design == FontDesign::monospaced)
         font.setStyleHint(QFont::Monospace);
     if (style.tracking != 0)
-        font.setLetterSpacing(QFont::AbsoluteSpacing, style.tracking * scale);
+        font.setLetterSpacing(QFont::AbsoluteSpacing, style.tracking * pixelSize / style.size);
     return font;
 }
 
 /// Qt 6.4 rounds every font to whole pixels, even a size given in fractions of points: 12.5 comes out as 13.
-/// So texts are laid out at twice their size, which is whole for halves, and painted through a scale of one
-/// half.
-constexpr double enlargement = 2;
+/// So every text is laid out in this size and painted through a scale. One size for all also means one font
+/// of each weight to open, which is a good part of the time that the window needs to open.
+constexpr int layoutSize = 32;
 
-QFont enlargedFont(const TextStyle &style) {
-    return styledFont(style, enlargement);
+QFont layoutFont(const TextStyle &style) {
+    return styledFont(style, layoutSize);
+}
+
+/// What a length in layout pixels is multiplied with in the layout of a text.
+double enlargement(const TextStyle &style) {
+    return layoutSize / style.size;
 }
 
 bool reorders(QChar character) {
@@ -72,10 +77,11 @@ bool breaksLine(QChar character) {
     return (code >= '\n' && code <= '\r') || code == 0x85 || code == 0x2028 || code == 0x2029;
 }
 
-/// `width` in layout pixels.
-QString elided(const QString &safeText, const QFont &enlarged, double width, Elision elision) {
-    const QFontMetricsF metrics(enlarged);
-    const double available = width * enlargement;
+/// `available` in the layout's pixels.
+QString elided(const QString &safeText, const QFont &font, double available, Elision elision) {
+    const QFontMetricsF metrics(font);
+    if (metrics.horizontalAdvance(safeText) <= available)
+        return safeText;
     const QString shortened = metrics.elidedText(
         safeText, elision == Elision::middle ? Qt::ElideMiddle : Qt::ElideRight, available);
     return metrics.horizontalAdvance(shortened) > available ? QString() : shortened;
@@ -90,15 +96,15 @@ QRectF clipFor(const QRectF &rect) {
 } // namespace
 
 QFont TextStyle::font() const {
-    return styledFont(*this, 1);
+    return styledFont(*this, qRound(size));
 }
 
 int TextStyle::lineHeight() const {
-    return qCeil(QFontMetricsF(enlargedFont(*this)).height() / enlargement);
+    return qCeil(QFontMetricsF(layoutFont(*this)).height() / enlargement(*this));
 }
 
 double TextStyle::width(const QString &text) const {
-    return QFontMetricsF(enlargedFont(*this)).horizontalAdvance(displayText(text)) / enlargement;
+    return QFontMetricsF(layoutFont(*this)).horizontalAdvance(displayText(text)) / enlargement(*this);
 }
 
 QString displayText(const QString &text) {
@@ -126,12 +132,13 @@ QString plainToolTip(const QString &text) {
 }
 
 QString elidedText(const QString &text, const TextStyle &style, double width, Elision elision) {
-    return elided(displayText(text), enlargedFont(style), width, elision);
+    return elided(displayText(text), layoutFont(style), width * enlargement(style), elision);
 }
 
 QStringList wrappedLines(const QString &text, const TextStyle &style, double width, int maximumLines) {
     const QString shown = displayText(text);
-    const QFont font = enlargedFont(style);
+    const QFont font = layoutFont(style);
+    const double available = width * enlargement(style);
     QTextLayout layout(shown, font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -144,10 +151,10 @@ QStringList wrappedLines(const QString &text, const TextStyle &style, double wid
         QTextLine line = layout.createLine();
         if (!line.isValid())
             break;
-        line.setLineWidth(width * enlargement);
+        line.setLineWidth(available);
         const bool last = lines.size() + 1 == maximumLines;
         const QString rest = shown.mid(line.textStart(), last ? -1 : line.textLength()).trimmed();
-        lines += elided(rest, font, width, Elision::end);
+        lines += elided(rest, font, available, Elision::end);
     }
     layout.endLayout();
     return lines;
@@ -155,8 +162,9 @@ QStringList wrappedLines(const QString &text, const TextStyle &style, double wid
 
 void paintText(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
                const QColor &color, Qt::Alignment alignment, Elision elision) {
-    const QFont font = enlargedFont(style);
-    const QString line = elided(displayText(text), font, rect.width(), elision);
+    const QFont font = layoutFont(style);
+    const double enlarged = enlargement(style);
+    const QString line = elided(displayText(text), font, rect.width() * enlarged, elision);
     if (line.isEmpty())
         return;
     painter.save();
@@ -166,8 +174,8 @@ void paintText(QPainter &painter, const QRectF &rect, const QString &text, const
     // The line runs from left to right whatever its first letter: an extension stays at the end of the name.
     painter.setLayoutDirection(Qt::LeftToRight);
     painter.translate(rect.topLeft());
-    painter.scale(1 / enlargement, 1 / enlargement);
-    painter.drawText(QRectF(QPointF(), rect.size() * enlargement),
+    painter.scale(1 / enlarged, 1 / enlarged);
+    painter.drawText(QRectF(QPointF(), rect.size() * enlarged),
                      int(alignment) | Qt::TextSingleLine | Qt::TextDontClip, line);
     painter.restore();
 }
