@@ -227,6 +227,9 @@ void Tour::goDark() {
 void Tour::fillQueue() {
     m_hand.click(QStringLiteral("queue.clear"));
     m_hand.click(QStringLiteral("home"), mac);
+    m_hand.waitUntil(QStringLiteral("the home folder"), [this] {
+        return state().macPath() == QFileInfo(m_folder).path() && !state().isLoadingMac();
+    });
     m_hand.openEntry(mac, QStringLiteral("Pictures"));
     m_hand.waitUntil(QStringLiteral("the folder Pictures"), [this] {
         return state().macPath().endsWith(QStringLiteral("/Pictures")) && !state().isLoadingMac();
