@@ -139,8 +139,12 @@ void appcast(const QByteArray &input) {
         return;
     const auto newest = feed->newest();
     require(newest.has_value() == !feed->items.isEmpty(), "a feed with releases has a newest");
+    const bool isComparable =
+        std::none_of(feed->items.begin(), feed->items.end(), [](const AppcastItem &item) {
+            return item.version.shortVersion.isEmpty() || item.version.build.isEmpty();
+        });
     for (const AppcastItem &item : feed->items)
-        require(!isNewer(item.version, newest->version), "nothing is newer than the newest");
+        require(!isComparable || !isNewer(item.version, newest->version), "nothing is newer than the newest");
 }
 
 void analyticsCache(const QByteArray &input) {
