@@ -43,7 +43,23 @@ void Tour::tell(const QString &name, const QString &text) {
     std::fflush(stdout);
 }
 
+/// Prints the rows of the queue as they move on, a line for each quarter of a copy.
+void Tour::watchRows() {
+    QObject::connect(&state(), &AppState::queueEntryChanged, &m_window, [this](qsizetype row) {
+        const QueueItem &item = state().queue().at(row);
+        constexpr int end = 5;
+        const auto *progress = item.status.progress();
+        const int quarter = progress ? int(progress->fraction * 4) : end;
+        if (item.status.is<QueueItemStatus::Waiting>() || m_quartersTold.value(item.id, -1) >= quarter)
+            return;
+        m_quartersTold.insert(item.id, quarter);
+        std::printf("      %-5s %-28s %s\n", qPrintable(item.percentLabel()), qPrintable(item.name),
+                    qPrintable(item.progressLabel()));
+    });
+}
+
 void Tour::take() {
+    watchRows();
     startWithoutPhone();
     connectPhone();
     selectFiles();
@@ -56,6 +72,7 @@ void Tour::take() {
     showGrid();
     goDark();
     fillQueue();
+    copyFolders();
     std::printf("    %d files compared, %s, all equal\n", m_comparedFiles,
                 qPrintable(formatFileSize(m_comparedBytes)));
 }
@@ -76,9 +93,11 @@ void Tour::connectPhone() {
         return state().device().isConnected && !state().isLoadingAndroid() && !state().isRefreshingDevice() &&
                !state().androidItems().isEmpty();
     });
-    tell(QStringLiteral("connected"), state().device().name + QStringLiteral(", ") +
-                                          QString::number(state().androidItems().size()) +
-                                          QStringLiteral(" entries"));
+    const AndroidDevice &device = state().device();
+    tell(QStringLiteral("connected"),
+         QStringLiteral("%1 (%2), %3 of %4 used, %5 entries")
+             .arg(device.name, device.id, formatFileSize(device.usedBytes),
+                  formatFileSize(device.totalBytes), QString::number(state().androidItems().size())));
 }
 
 void Tour::openPhoneFolder(const QStringList &way) {
@@ -259,6 +278,33 @@ void Tour::fillQueue() {
     m_hand.scrollUntil(list->viewport(), QStringLiteral("the last row of the queue"), lastIsInView);
     tell(QStringLiteral("long-queue"),
          QString::number(state().queue().size()) + QStringLiteral(" copies, scrolled to the last one"));
+}
+
+void Tour::copyFolders() {
+    const auto compareFolders = [this](const QString &phoneFolder, const QString &folder) {
+        for (const QString &name : m_phone.manyFiles())
+            compare(phoneFolder + QLatin1Char('/') + name, folder + QLatin1Char('/') + name);
+    };
+    const QString source = state().androidCurrentPath();
+    const QString home = QFileInfo(m_folder).path();
+    const QString pictures = QStringLiteral("Pictures");
+    m_hand.click(QStringLiteral("home"), mac);
+    m_hand.waitUntil(QStringLiteral("the home folder"),
+                     [&] { return state().macPath() == home && !state().isLoadingMac(); });
+    m_hand.markEntry(mac, pictures);
+    m_hand.click(QStringLiteral("transferToAndroid"));
+    waitForQueue();
+    compareFolders(source + QLatin1Char('/') + pictures, home + QLatin1Char('/') + pictures);
+
+    m_hand.click(QStringLiteral("back"), android);
+    m_hand.waitUntil(QStringLiteral("the folder above"), [&] {
+        return state().androidCurrentPath() == QFileInfo(source).path() && !state().isLoadingAndroid();
+    });
+    m_hand.markEntry(android, QFileInfo(source).fileName());
+    m_hand.click(QStringLiteral("transferToMac"));
+    waitForQueue();
+    compareFolders(source, home + QLatin1Char('/') + QFileInfo(source).fileName());
+    tell(QStringLiteral("folders"), QStringLiteral("a folder each way, every byte equal"));
 }
 
 void Tour::compare(const QString &phonePath, const QString &path) {

@@ -3,7 +3,9 @@
 #include "Hand.h"
 #include "Pictures.h"
 
+#include <QHash>
 #include <QString>
+#include <QUuid>
 
 namespace vantrel {
 class AppState;
@@ -37,9 +39,11 @@ private:
     void showGrid();
     void goDark();
     void fillQueue();
+    void copyFolders();
 
     void openPhoneFolder(const QStringList &way);
     void clearSearch();
+    void watchRows();
     void waitForQueue();
     void compare(const QString &phonePath, const QString &path);
     void tell(const QString &name, const QString &text);
@@ -50,6 +54,7 @@ private:
     const Hand &m_hand;
     const Pictures &m_pictures;
     QString m_folder;
+    QHash<QUuid, int> m_quartersTold; ///< of each copy, 4 and its end being 5
     int m_step = 0;
     qint64 m_comparedBytes = 0;
     int m_comparedFiles = 0;
