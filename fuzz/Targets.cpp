@@ -64,7 +64,7 @@ void listing(const QByteArray &input) {
 
 void foundPaths(const QByteArray &input) {
     const QString root = QStringLiteral("/sdcard");
-    const QStringList paths = ADBClient::parseFoundPaths(ToolText::decode(input), root);
+    const QStringList paths = ADBClient::parseFoundPaths(ToolText::decode(input), root, 200);
     for (const QString &path : paths) {
         require(path.startsWith(QLatin1Char('/')) && path != root, "a hit is a path below the root");
         require(AndroidPath::isSafeName(AndroidPath::lastComponent(path)), "a hit's name is one component");

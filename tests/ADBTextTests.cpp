@@ -205,9 +205,13 @@ TEST(SearchText, foundPathsOnceWithoutRootAndHiddenNames) {
     const QString output =
         QStringLiteral("/sdcard\n/sdcard/a\r\n/sdcard/a/\n/sdcard/.nomedia\n/sdcard/.hidden/b\n"
                        "/sdcard/c d.txt\ntail of a name with a newline\n/sdcard/x/..\n\n/sdcard/a\n");
-    EXPECT_EQ(ADBClient::parseFoundPaths(output, QStringLiteral("/sdcard")),
+    const QString root = QStringLiteral("/sdcard");
+    EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 200),
               (QStringList{QStringLiteral("/sdcard/a"), QStringLiteral("/sdcard/.hidden/b"),
                            QStringLiteral("/sdcard/c d.txt")}));
+    EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 3).size(), 1) << "lines count, not hits";
+    const QString cut = QStringLiteral("/sdcard/a%1/b\n").arg(QChar(u'\0'));
+    EXPECT_TRUE(ADBClient::parseFoundPaths(cut, root, 200).isEmpty()) << "a NUL would end the argument early";
 }
 
 TEST(SearchText, facts) {

@@ -41,7 +41,7 @@ ADBResult<QList<FileItem>> search(const QString &serial, const QString &root, co
     if (!found)
         return tl::make_unexpected(found.error());
 
-    const QStringList paths = parseFoundPaths(*found, folder);
+    const QStringList paths = parseFoundPaths(*found, folder, limit);
     const auto metadata = fetchSearchMetadata(serial, paths);
     QList<FileItem> items;
     items.reserve(paths.size());
@@ -67,9 +67,14 @@ ADBResult<QSet<QString>> existingPaths(const QString &serial, const QStringList 
     QSet<QString> existing;
     for (qsizetype first = 0; first < paths.size(); first += pathsPerStat) {
         const QStringList batch = paths.mid(first, pathsPerStat);
-        const auto facts = statBatch(serial, batch);
+        // The root is always there. An answer that does not end with it is none, or not the whole one.
+        const QString root = QStringLiteral("/");
+        const auto facts = statBatch(serial, batch + QStringList{root});
         if (!facts)
             return tl::make_unexpected(facts.error());
+        if (!facts->contains(root))
+            return tl::make_unexpected(ADBError::parseFailed(
+                QStringLiteral("The phone did not say whether this name is free there.")));
         for (const QString &path : batch) {
             if (facts->contains(normalizePath(path)))
                 existing.insert(path);

@@ -31,16 +31,20 @@ QString sanitizeSearchQuery(const QString &query) {
     return ToolText::trimmed(kept);
 }
 
-QStringList parseFoundPaths(const QString &text, const QString &root) {
+QStringList parseFoundPaths(const QString &text, const QString &root, int limit) {
     QStringList paths;
     QSet<QString> seen;
     for (const QStringView raw : ToolText::lines(text)) {
+        if (--limit < 0)
+            break;
         const QString line = ToolText::trimmed(raw.toString());
         if (line.isEmpty())
             continue;
         const QString path = normalizePath(line);
-        // A name that holds a newline comes as two lines; the second is no path.
-        if (!path.startsWith(QLatin1Char('/')) || path == root || seen.contains(path))
+        // A name that holds a newline comes as two lines; the second is no path. One with a NUL would be
+        // another path for the tool, whose arguments end there.
+        if (!path.startsWith(QLatin1Char('/')) || path.contains(QChar(u'\0')) || path == root ||
+            seen.contains(path))
             continue;
         seen.insert(path);
         const QString name = AndroidPath::lastComponent(path);

@@ -213,6 +213,7 @@ private:
     };
     /// What stood at the destination of a waiting push when the phone was asked.
     struct DestinationCheck {
+        QString serial; ///< of the phone that was asked
         bool isTaken = false;
         std::optional<QString> error;
         QElapsedTimer age;

@@ -8,6 +8,8 @@
 #include "State/Records/Identity.h"
 #include "State/background.h"
 
+#include <QDir>
+#include <QDirIterator>
 #include <QPointer>
 
 #include <algorithm>
@@ -28,6 +30,38 @@ QString alreadyExists(const QueueItem &item) {
     return QStringLiteral("“%1” already exists there. Nothing was overwritten.").arg(item.name);
 }
 
+bool isEmptyFolder(const QString &path) {
+    return QDir(path).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+/// Whether what adb calls copied is here. It writes on into a file that is deleted meanwhile, and it copies a
+/// folder that the phone does not let it read as an empty one; neither makes it fail.
+ADBResult<void> checkArrival(const CopyJob &job) {
+    const QString &here = job.item.destinationPath;
+    if (!MacFileClient::exists(here))
+        return tl::make_unexpected(ADBError::executionFailed(
+            QStringLiteral("“%1” was removed here while it was copied.").arg(job.item.name)));
+    if (!job.item.isDirectory)
+        return {};
+    QStringList empty;
+    if (isEmptyFolder(here))
+        empty.append(here);
+    QDirIterator folders(here, QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories);
+    while (folders.hasNext()) {
+        const QString folder = folders.next();
+        if (isEmptyFolder(folder))
+            empty.append(folder);
+    }
+    for (const QString &folder : empty) {
+        const auto listing =
+            ADBClient::listDirectory(job.serial, job.item.sourcePath + folder.mid(here.size()));
+        if (!listing)
+            return tl::make_unexpected(listing.error());
+    }
+    return {};
+}
+
 /// Runs on a worker. Neither adb nor the phone asks before it replaces a file, so the destination must be
 /// free; for a push the model has asked the phone before.
 ADBResult<void> runCopy(const CopyJob &job, const ADBClient::TransferProgress &onProgress) {
@@ -35,10 +69,11 @@ ADBResult<void> runCopy(const CopyJob &job, const ADBClient::TransferProgress &o
     const bool isPull = item.direction == TransferDirection::androidToMac;
     if (isPull && MacFileClient::exists(item.destinationPath))
         return tl::make_unexpected(ADBError::executionFailed(alreadyExists(item)));
-    return ADBClient::runTransfer(
+    auto copied = ADBClient::runTransfer(
         {QStringLiteral("-s"), job.serial, isPull ? QStringLiteral("pull") : QStringLiteral("push"),
          item.sourcePath, item.destinationPath},
         job.expectedBytes, isPull ? std::optional(item.destinationPath) : std::nullopt, onProgress);
+    return copied && isPull ? checkArrival(job) : copied;
 }
 
 /// One key for all spellings of one place: shared storage and the Mac ignore case.
@@ -238,6 +273,8 @@ AppState::ReceivingPane &AppState::receivingPane(BrowserSide side) {
 /// short copies need not wait for it.
 QCoro::Task<std::optional<QString>> AppState::refusalOfPush(QueueItem item) {
     while (!hasFreshCheck(item.id)) {
+        if (!m_device.isConnected) // gone while it was asked
+            co_return ADBError::noDevice().errorDescription();
         if (!m_runningDestinationCheck)
             m_runningDestinationCheck = checkDestinations(pushesToAskFor(item));
         co_await *m_runningDestinationCheck;
@@ -252,7 +289,8 @@ QCoro::Task<std::optional<QString>> AppState::refusalOfPush(QueueItem item) {
 bool AppState::hasFreshCheck(const QUuid &id) const {
     constexpr qint64 freshMilliseconds = 2000; // something else may write to the phone
     const auto check = m_destinationChecks.constFind(id);
-    return check != m_destinationChecks.constEnd() && check->age.elapsed() <= freshMilliseconds;
+    return check != m_destinationChecks.constEnd() && check->serial == m_device.id &&
+           check->age.elapsed() <= freshMilliseconds;
 }
 
 /// Asks for the next pushes when the answers for the nearest are about to run out.
@@ -291,13 +329,15 @@ QList<QueueItem> AppState::pushesToAskFor(const std::optional<QueueItem> &first)
 }
 
 QCoro::Task<> AppState::checkDestinations(QList<QueueItem> items) {
+    const QString serial = m_device.id;
     QStringList paths;
     for (const QueueItem &item : items)
         paths.append(item.destinationPath);
 
-    const auto existing = co_await onWorker(this, &ADBClient::existingPaths, m_device.id, paths);
+    const auto existing = co_await onWorker(this, &ADBClient::existingPaths, serial, paths);
     for (const QueueItem &item : items) {
         DestinationCheck check;
+        check.serial = serial;
         check.isTaken = existing && existing->contains(item.destinationPath);
         if (!existing)
             check.error = existing.error().errorDescription();

@@ -62,14 +62,20 @@ tl::expected<QString, QString> fetch(const QString &serial, const QString &remot
         return cannotWrite(folder);
     const QString local = folder + QLatin1Char('/') + name;
     const QFileInfo earlier(local);
-    if ((earlier.exists() || earlier.isSymLink()) && !QFile::remove(local))
+    const bool isFolder = earlier.isDir() && !earlier.isSymLink();
+    if ((earlier.exists() || earlier.isSymLink()) &&
+        !(isFolder ? QDir(local).removeRecursively() : QFile::remove(local)))
         return cannotWrite(local);
 
     const auto copied = ADBClient::runTransfer(
         {QStringLiteral("-s"), serial, QStringLiteral("pull"), remotePath, local}, 0, local, nullptr);
     if (!copied)
         return tl::make_unexpected(copied.error().errorDescription());
-    QFile::setPermissions(local, ownerOnlyFile);
+    const QFileInfo fetched(local);
+    if (fetched.isDir()) // the phone's link to a folder looks like a file in its listing
+        return tl::make_unexpected(QStringLiteral("This is a folder. Only files can be opened."));
+    if (!fetched.isFile() || !QFile::setPermissions(local, ownerOnlyFile))
+        return cannotWrite(local);
     return local;
 }
 
