@@ -250,6 +250,7 @@ TEST_F(TextTests, namesCannotDeceive) {
     const Case cases[] = {
         {u"photo\u202Egpj.exe"_s, u"photo\uFFFDgpj.exe"_s},
         {u"\u2066a\u2069"_s, u"\uFFFDa\uFFFD"_s},
+        {u"a.txt\u200E|\u200F|\u061C"_s, u"a.txt\uFFFD|\uFFFD|\uFFFD"_s},
         {u"one\ntwo\r\nthree\u2028four"_s, u"one↵two↵three↵four"_s},
         {u"bell\a tab\t nul"_s + QChar(0), u"bell\uFFFD tab\uFFFD nul\uFFFD"_s},
         {u"שלום.txt"_s, u"שלום.txt"_s},

@@ -67,9 +67,12 @@ double enlargement(const TextStyle &style) {
     return layoutSize / style.size;
 }
 
+/// Unicode's Bidi_Control characters. The marks among them change little, but two names that differ in one
+/// would look the same.
 bool reorders(QChar character) {
     const ushort code = character.unicode();
-    return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+    return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) || code == 0x200E ||
+           code == 0x200F || code == 0x061C;
 }
 
 bool breaksLine(QChar character) {

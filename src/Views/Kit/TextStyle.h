@@ -38,7 +38,7 @@ struct TextStyle {
 };
 
 /// `text` in a form that cannot deceive: what would reorder or break the line (bidirectional embeddings,
-/// overrides and isolates, control characters) is shown as a visible sign instead of being obeyed. A line
+/// overrides, isolates and marks, control characters) is shown as a visible sign instead of being obeyed. A line
 /// break shows as "↵". Everything below does this to the text it is given.
 [[nodiscard]] QString displayText(const QString &text);
 
