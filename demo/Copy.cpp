@@ -284,6 +284,8 @@ void Copy::transfer(const Item &item, const File &from, const File &to) {
             break;
         if (!writeAll(to.descriptor(), {block.data(), static_cast<std::size_t>(got)}))
             throw CopyError{where + ": " + std::strerror(errno)};
+        if (const std::int64_t room = m_settings.current().fullAfter; room >= 0 && m_done + got > room)
+            throw CopyError{where + ": " + std::strerror(ENOSPC)};
         own += got;
         m_done += got;
         m_printer.progress(remote, own, item.status.st_size, m_done, m_total, m_several);
@@ -369,7 +371,12 @@ void Copy::push(const Item &item) {
     const File to(::open(place.hostPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (!to.isOpen())
         refuse(errno);
-    transfer(item, from, to);
+    try {
+        transfer(item, from, to);
+    } catch (const CopyError &) { // the phone takes back what it could not store; not so one that has left
+        ::unlink(place.hostPath.c_str());
+        throw;
+    }
     // The protocol carries whole seconds.
     const std::array<timespec, 2> times{timespec{item.status.st_mtime, 0}, timespec{item.status.st_mtime, 0}};
     ::futimens(to.descriptor(), times.data());

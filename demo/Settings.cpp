@@ -27,8 +27,8 @@ struct Key {
     Member member;
 };
 
-const std::array<Key, 19> &keys() {
-    static const std::array<Key, 19> table{{
+const std::array<Key, 20> &keys() {
+    static const std::array<Key, 20> table{{
         {"serial", &Settings::serial},
         {"model", &Settings::model},
         {"state", &Settings::state},
@@ -38,6 +38,7 @@ const std::array<Key, 19> &keys() {
         {"delay", &Settings::delay},
         {"fail", &Settings::fail},
         {"unplug-after", &Settings::unplugAfter},
+        {"full-after", &Settings::fullAfter},
         {"hang", &Settings::hang},
         {"crash", &Settings::crash},
         {"chatter", &Settings::chatter},
