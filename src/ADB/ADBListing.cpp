@@ -19,9 +19,13 @@ ADBResult<QList<FileItem>> listDirectory(const QString &serial, const QString &p
     const QString folder = normalizePath(path);
     // The trailing slash makes ls list what a symbolic link such as /sdcard points to.
     const QString target = AndroidPath::quotedForShell(AndroidPath::join(folder, QString()));
-    return runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"), QStringLiteral("ls"),
-                   QStringLiteral("-la"), target})
-        .map([&](const QString &text) { return parseLSLA(text, folder); });
+    auto items = runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"), QStringLiteral("ls"),
+                         QStringLiteral("-la"), target})
+                     .map([&](const QString &text) { return parseLSLA(text, folder); });
+    if (items && items->size() == largestListing)
+        return tl::make_unexpected(
+            ADBError::parseFailed(QStringLiteral("The phone lists more than a million entries here.")));
+    return items;
 }
 
 } // namespace vantrel::ADBClient

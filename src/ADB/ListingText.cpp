@@ -106,6 +106,8 @@ QList<FileItem> parseLSLA(const QString &text, const QString &parentPath) {
     QList<FileItem> items;
     TimeReader times;
     for (const QStringView raw : ToolText::lines(text)) {
+        if (items.size() == largestListing)
+            break;
         const QStringView line = ToolText::blankTrimmed(raw);
         if (line.isEmpty() || line.startsWith(u"total "))
             continue;

@@ -21,6 +21,9 @@ struct LSEntry {
 /// Reads one line, or nothing when it has no entry's form.
 [[nodiscard]] std::optional<LSEntry> parseLSLALine(QStringView line);
 
+/// More entries than any folder has; what a phone lists beyond them is not read.
+constexpr qsizetype largestListing = 1'000'000;
+
 /// The visible entries of a listing of parentPath, in file order. Lines that make no sense are dropped, and
 /// so are names that could not be those of a file in that folder.
 [[nodiscard]] QList<FileItem> parseLSLA(const QString &text, const QString &parentPath);

@@ -2,6 +2,8 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
+
 namespace vantrel::ToolText {
 
 namespace {
@@ -15,20 +17,6 @@ bool isBlank(QChar c) {
     return c == QLatin1Char('\t') || c.category() == QChar::Separator_Space;
 }
 
-template <class Pieces, class Predicate>
-Pieces split(QStringView text, Predicate isSeparator) {
-    Pieces pieces;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i <= text.size(); ++i) {
-        if (i < text.size() && !isSeparator(text[i]))
-            continue;
-        if (i > start)
-            pieces.append(text.mid(start, i - start));
-        start = i + 1;
-    }
-    return pieces;
-}
-
 } // namespace
 
 QString decode(const QByteArray &bytes) {
@@ -37,12 +25,25 @@ QString decode(const QByteArray &bytes) {
     return decoder.hasError() ? QString() : text;
 }
 
-QList<QStringView> lines(QStringView text) {
-    return split<QList<QStringView>>(text, isNewline);
+Lines::Iterator &Lines::Iterator::operator++() {
+    const auto *first = std::find_if_not(m_rest.begin(), m_rest.end(), isNewline);
+    const auto *last = std::find_if(first, m_rest.end(), isNewline);
+    m_line = QStringView(first, last);
+    m_rest = QStringView(last, m_rest.end());
+    return *this;
 }
 
 Fields fields(QStringView line) {
-    return split<Fields>(line, [](QChar c) { return c.isSpace(); });
+    Fields pieces;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i <= line.size(); ++i) {
+        if (i < line.size() && !line[i].isSpace())
+            continue;
+        if (i > start)
+            pieces.append(line.mid(start, i - start));
+        start = i + 1;
+    }
+    return pieces;
 }
 
 QStringView blankTrimmed(QStringView text) {

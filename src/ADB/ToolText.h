@@ -12,9 +12,33 @@ namespace vantrel::ToolText {
 
 /// UTF-8; output that is not valid UTF-8 counts as no output.
 [[nodiscard]] QString decode(const QByteArray &bytes);
-/// The pieces between newline characters (line feed, vertical tab, form feed, carriage return, U+0085,
-/// U+2028, U+2029), empty ones dropped. The views stay valid as long as the text.
-[[nodiscard]] QList<QStringView> lines(QStringView text);
+/// The pieces of a text between newline characters (line feed, vertical tab, form feed, carriage return,
+/// U+0085, U+2028, U+2029), empty ones dropped; found one after the other, since there may be millions. The
+/// views stay valid as long as the text.
+class Lines {
+public:
+    class Iterator {
+    public:
+        explicit Iterator(QStringView rest) : m_rest(rest) { ++*this; }
+        [[nodiscard]] QStringView operator*() const { return m_line; }
+        Iterator &operator++();
+        [[nodiscard]] bool operator!=(std::nullptr_t) const { return !m_line.isEmpty(); }
+
+    private:
+        QStringView m_rest;
+        QStringView m_line;
+    };
+
+    explicit Lines(QStringView text) : m_text(text) {}
+    [[nodiscard]] Iterator begin() const { return Iterator(m_text); }
+    [[nodiscard]] static std::nullptr_t end() { return nullptr; }
+
+private:
+    QStringView m_text;
+};
+[[nodiscard]] inline Lines lines(QStringView text) {
+    return Lines(text);
+}
 /// The fields of one line; as many as a listing's line usually has need no allocation.
 using Fields = QVarLengthArray<QStringView, 16>;
 /// The pieces between runs of white space, empty ones dropped.
