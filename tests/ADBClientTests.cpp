@@ -378,6 +378,12 @@ TEST(Search, existingPaths) {
     const QString here = QStringLiteral("/sdcard/it's here");
     EXPECT_EQ(*ADBClient::existingPaths(DemoPhone::serial(), {here, QStringLiteral("/sdcard/not here")}),
               QSet<QString>{here});
+    // Nothing, no text, and an answer that was cut do not mean that the name is free.
+    for (const QByteArray &answer : {QByteArray(""), QByteArray("\xff|directory|1|1\n/|directory|1|1\n"),
+                                     QByteArray("/sdcard/other|regular file|1|1\n/")}) {
+        phone.set(QStringLiteral("stat.stdout"), answer);
+        EXPECT_FALSE(ADBClient::existingPaths(DemoPhone::serial(), {here}).has_value()) << answer.constData();
+    }
 }
 
 TEST(Transfer, percentagesOfTheErrorStreamAreReportedInOrder) {

@@ -490,6 +490,24 @@ TEST_F(AppStateTest, neverOverwrites) {
     EXPECT_EQ(copyOrder(), QString());
 }
 
+TEST_F(AppStateTest, whatOnePhoneSaidDoesNotCountForAnother) {
+    for (const char *name : {"A", "B", "C", "D"})
+        write(here(QString::fromLatin1(name)), "mac");
+    phone.set(QStringLiteral("bandwidth"), "0.000001"); // three copies stand still, A waits and was asked for
+    connectPhone();
+    browseHere();
+    state->selectAllVisible(BrowserSide::mac);
+    state->transferMacToAndroid();
+    ASSERT_TRUE(waitFor([&] { return copyOrder().size() == 3; }));
+    phone.write(QStringLiteral("A"), "theirs");
+    phone.set(QStringLiteral("serial"), "other-phone");
+    connectPhone();
+    phone.reset(QStringLiteral("bandwidth"));
+    waitForQueue();
+    EXPECT_TRUE(statuses().startsWith(QStringLiteral("A:“A” already exists"))) << statuses().toStdString();
+    EXPECT_EQ(phone.read(QStringLiteral("A")), "theirs");
+}
+
 TEST_F(AppStateTest, twoHitsOfOneNameDoNotMeetInOneFile) {
     phone.write(QStringLiteral("one/photo.jpg"), QByteArray(50'000, '1'));
     phone.write(QStringLiteral("two/PHOTO.jpg"), QByteArray(50'000, '2'));
