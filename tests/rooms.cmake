@@ -21,6 +21,7 @@ vantrel_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)
 vantrel_test(SettingsTests LIBRARIES vantrel_ui SOURCES SettingsTests.cpp)
 if(NOT APPLE)
     vantrel_test(FaultMatrixTests LIBRARIES vantrel_core demo_phone_fixture SOURCES FaultMatrixTests.cpp)
+    vantrel_test(HostilePhoneTests LIBRARIES vantrel_core demo_phone_fixture SOURCES HostilePhoneTests.cpp)
     vantrel_test(InstallTests LIBRARIES Qt6::Gui SOURCES InstallTests.cpp)
     add_dependencies(InstallTests vantrel)
     target_compile_definitions(

@@ -1,0 +1,210 @@
+// A phone that means harm: what it answers must not reach beyond its own row.
+
+#include "support/DemoPhone.h"
+#include "support/FakeDesktop.h"
+#include "support/Printers.h"
+#include "support/Processes.h"
+
+#include "ADB/ADBClient.h"
+#include "ADB/ListingText.h"
+#include "State/AppState.h"
+#include "State/FilePreview.h"
+#include "State/background.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace vantrel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class HostilePhone : public ::testing::Test {
+protected:
+    HostilePhone() {
+        qputenv("XDG_CACHE_HOME", QFile::encodeName(at(u"cache"_s)));
+        write(at(u"victim"_s), "mine");
+        QDir().mkpath(at(u"here"_s));
+        phone.write(u"song.bin"_s, "song");
+        phone.write(u"folder/inner"_s, "x");
+        phone.link(u"disguised"_s, u"/sdcard/folder"_s);
+        state->refreshDevice(AppState::Spinner::shown);
+        EXPECT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
+        state->browseMac(at(u"here"_s));
+        EXPECT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
+    }
+    ~HostilePhone() override {
+        state.reset();
+        Background::stop();
+    }
+
+    static bool waitFor(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, 60'000); }
+    static void write(const QString &path, const QByteArray &bytes) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    [[nodiscard]] QString at(const QString &name) const { return mac.filePath(name); }
+    /// Names without the folder's other entries, sorted.
+    static QString namesIn(const QString &folder) {
+        return QDir(folder)
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name)
+            .join(u'|');
+    }
+    void browse() {
+        state->browseAndroid(u"/sdcard"_s);
+        ASSERT_TRUE(waitFor([&] { return !state->isLoadingAndroid(); }));
+    }
+    [[nodiscard]] QString shown() const {
+        QStringList names;
+        for (const FileItem &item : state->displayedAndroidItems())
+            names.append(item.name);
+        return names.join(u'|');
+    }
+    void search(const QString &text) {
+        state->setAndroidSearchScope(AndroidSearchScope::everywhere);
+        state->setAndroidSearchText(text);
+        state->scheduleAndroidSearch();
+        ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
+    }
+    void copyAll() {
+        state->selectAllVisible(BrowserSide::android);
+        state->transferAndroidToMac();
+        ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+    }
+    /// The error that the user reads, or nothing when the file was opened.
+    QString open(const QString &name) {
+        desktop.opened.clear();
+        state->openAndroidFile({{}, name, u"/sdcard/"_s + name, false, {}, {}, {}});
+        EXPECT_TRUE(waitFor([&] { return !state->isOpeningAndroidFile(); }));
+        EXPECT_NE(desktop.opened.isEmpty(), !state->androidBrowseError());
+        return state->androidBrowseError().value_or(QString());
+    }
+    static int mode(const QString &path) {
+        struct stat facts {};
+        EXPECT_EQ(::lstat(QFile::encodeName(path).constData(), &facts), 0) << path.toStdString();
+        return int(facts.st_mode);
+    }
+
+    DemoPhone phone;
+    QTemporaryDir mac;
+    FakeDesktop desktop;
+    std::unique_ptr<AppState> state = AppState::designPreview(desktop);
+};
+
+TEST_F(HostilePhone, namesStayInTheirFolder) {
+    QByteArray listing;
+    for (const QByteArray &name :
+         {QByteArray("../victim"), QByteArray("../../victim"), QByteArray("/etc/passwd"), QByteArray(".."),
+          QByteArray("."), QByteArray("a/b"), QByteArray("nul\0l", 5), QByteArray("-> /etc/passwd"),
+          QByteArray("line\nfeed"), QByteArray("'; touch pwned; '"), QByteArray("-rf"),
+          QByteArray("song.bin")})
+        listing += "-rw-rw---- 1 root root 4 2024-05-01 10:00 " + name + "\n";
+    listing += "-rw-rw---- 1 root root 4 2024-05-01 10:00 " + QByteArray(65'536, 'w') + "\n";
+    phone.set(u"ls.stdout"_s, listing);
+    browse();
+    // The second half of the name that holds a newline has no entry's form.
+    EXPECT_EQ(shown().left(47), u"-rf|'; touch pwned; '|line|song.bin|wwwwwwwwwwww"_s.left(47));
+    EXPECT_EQ(state->androidItems().size(), 5);
+    EXPECT_EQ(state->androidItems().last().name.size(), 65'536);
+    copyAll();
+    for (const QueueItem &item : state->queue())
+        EXPECT_EQ(item.status.is<QueueItemStatus::Completed>(), item.name == u"song.bin"_s)
+            << item.progressLabel().left(200).toStdString();
+    EXPECT_EQ(namesIn(at(u"here"_s)), u"song.bin"_s);
+    EXPECT_EQ(namesIn(mac.path()), u"here|victim"_s);
+    EXPECT_FALSE(phone.exists(u"pwned"_s));
+}
+
+TEST_F(HostilePhone, hitsStayInTheirFolderAndTheirNumbersInRange) {
+    phone.set(u"find.stdout"_s,
+              "/sdcard/..\n/sdcard/a/.\nsdcard/song.bin\n../victim\n/sdcard/s" + QByteArray(1, '\0') +
+                  "/song.bin\n/sdcard/song.bin\n/sdcard/far\n/sdcard/farther\n/sdcard/extra\n");
+    phone.set(u"stat.stdout"_s, "/sdcard/song.bin|regular file|9223372036854775807|9.2e15\n"
+                                "/sdcard/far|regular file|9223372036854775807|-9.2e15\n"
+                                "/sdcard/farther|regular file|99999999999999999999|1e300\n"
+                                "/sdcard/extra|regular file|-9223372036854775808|nan\n");
+    search(u"song"_s);
+    EXPECT_EQ(shown(), u"extra|far|farther|song.bin"_s);
+    for (const FileItem &item : state->androidSearchResults())
+        EXPECT_FALSE(item.sizeLabel().isEmpty() || item.modifiedLabel().isEmpty());
+    phone.reset(u"stat.stdout"_s);
+    copyAll();
+    EXPECT_EQ(namesIn(at(u"here"_s)), u"song.bin"_s);
+
+    // As many lines as were asked for are read, whatever comes.
+    QByteArray flood;
+    for (int i = 0; i < 1000; ++i)
+        flood += "/sdcard/hit " + QByteArray::number(i) + '\n';
+    phone.set(u"find.stdout"_s, flood);
+    search(u"hit"_s);
+    EXPECT_EQ(state->androidSearchResults().size(), 200);
+}
+
+TEST_F(HostilePhone, aListingThatIsTooLongFailsInBoundedMemory) {
+    const auto peak = [] {
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss; // KB
+    };
+    const auto before = peak();
+    for (const QString &stream : {u"ls.stdout-noise"_s, u"ls.stderr-noise"_s}) {
+        phone.set(stream, "endless");
+        browse();
+        EXPECT_EQ(state->androidBrowseError(),
+                  u"The phone’s answer was longer than 64 MB and was not read to its end."_s);
+        EXPECT_TRUE(state->androidItems().isEmpty());
+        phone.reset(stream);
+    }
+    phone.set(u"ls.stdout"_s, QByteArray("- 1 2 3 4 5 6 a\n").repeated(ADBClient::largestListing));
+    browse();
+    EXPECT_EQ(state->androidBrowseError(), u"The phone lists more than a million entries here."_s);
+    EXPECT_TRUE(state->androidItems().isEmpty());
+    EXPECT_LT(peak() - before, 2'000'000) << "KB, under a sanitizer";
+}
+
+TEST(HostileListing, linesThatAreNoEntriesCostNothing) {
+    constexpr int lines = 10'000'000;
+    EXPECT_TRUE(ADBClient::parseLSLA(QString(u"x\n"_s).repeated(lines), u"/sdcard"_s).isEmpty());
+}
+
+TEST_F(HostilePhone, linksThatWerePlantedLeadNowhere) {
+    const QString cache = at(u"cache"_s);
+    const QString local = FilePreview::cacheFolder() + u"/sdcard_song.bin/song.bin"_s;
+    QFile::setPermissions(phone.hostPath(u"song.bin"_s), QFileDevice::Permissions(0x7777));
+    // At the file and at every folder above it, up to the user's own cache folder.
+    for (QString link = local; link != cache; link = QFileInfo(link).path()) {
+        SCOPED_TRACE(link.toStdString());
+        const bool isFile = link == local;
+        QDir(cache).removeRecursively();
+        QDir().mkpath(QFileInfo(link).path());
+        QDir().mkpath(at(u"elsewhere"_s));
+        const QString target = isFile ? at(u"victim"_s) : at(u"elsewhere"_s);
+        ASSERT_TRUE(QFile::link(target, link));
+        EXPECT_EQ(open(u"song.bin"_s), QString());
+        EXPECT_EQ(desktop.opened, QStringList{local});
+        EXPECT_EQ(processes::contentsOf(local), "song");
+        EXPECT_EQ(mode(local), S_IFREG | 0600) << "for the user alone, and never a program";
+        for (QString folder = QFileInfo(local).path(); folder != cache; folder = QFileInfo(folder).path())
+            EXPECT_EQ(mode(folder), S_IFDIR | 0700) << folder.toStdString();
+        EXPECT_EQ(namesIn(at(u"elsewhere"_s)), QString());
+        EXPECT_EQ(processes::contentsOf(at(u"victim"_s)), "mine");
+    }
+}
+
+TEST_F(HostilePhone, onlyFilesAreOpenedAndOnlyInTheCache) {
+    EXPECT_EQ(open(u"disguised"_s), u"This is a folder. Only files can be opened."_s);
+    EXPECT_EQ(open(u"disguised"_s), u"This is a folder. Only files can be opened."_s) << "and again";
+    for (const QString &name : {u"../../victim"_s, u".."_s, u"/etc/passwd"_s, QString(u"nul"_s + QChar(0))})
+        EXPECT_EQ(open(name), u"This file’s name can’t be used on this computer."_s);
+    EXPECT_EQ(namesIn(mac.path()), u"cache|here|victim"_s);
+    EXPECT_EQ(processes::contentsOf(at(u"victim"_s)), "mine");
+}
+
+} // namespace
+} // namespace vantrel
