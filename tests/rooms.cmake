@@ -22,6 +22,7 @@ vantrel_test(SettingsTests LIBRARIES vantrel_ui SOURCES SettingsTests.cpp)
 if(NOT APPLE)
     vantrel_test(FaultMatrixTests LIBRARIES vantrel_core demo_phone_fixture SOURCES FaultMatrixTests.cpp)
     vantrel_test(HostilePhoneTests LIBRARIES vantrel_core demo_phone_fixture SOURCES HostilePhoneTests.cpp)
+    vantrel_test(SoakTests LIBRARIES vantrel_core demo_phone_fixture SOURCES SoakTests.cpp)
     vantrel_test(InstallTests LIBRARIES Qt6::Gui SOURCES InstallTests.cpp)
     add_dependencies(InstallTests vantrel)
     target_compile_definitions(

@@ -44,7 +44,7 @@ DemoPhone::DemoPhone() {
     }
     setEnvironment("VANTREL_RESOURCES", VANTREL_DEMO_RESOURCES);
     setEnvironment("DEMO_PHONE_ROOT", QFile::encodeName(root()));
-    set(QStringLiteral("log"), "on");
+    resetAll();
 }
 
 DemoPhone::~DemoPhone() {
@@ -125,6 +125,12 @@ void DemoPhone::set(const QString &setting, const QByteArray &value) const {
 
 void DemoPhone::reset(const QString &setting) const {
     append(setting, {});
+}
+
+void DemoPhone::resetAll() const {
+    QFile::remove(root() + QStringLiteral(".conf"));
+    QFile::remove(root() + QStringLiteral(".log"));
+    set(QStringLiteral("log"), "on");
 }
 
 void DemoPhone::deny(const QString &path) const {

@@ -49,6 +49,8 @@ public:
     void set(const QString &setting, const char *value) const { set(setting, QByteArray(value)); }
     /// Puts a setting back to its default.
     void reset(const QString &setting) const;
+    /// Puts all settings back, and forgets the command lines. No adb may be running.
+    void resetAll() const;
     /// Makes a path, and everything below it, answer "Permission denied". May be called for several.
     void deny(const QString &path) const;
     void unplug() const { set(QStringLiteral("state"), "none"); }
