@@ -38,8 +38,8 @@ struct TextStyle {
 };
 
 /// `text` in a form that cannot deceive: what would reorder or break the line (bidirectional embeddings,
-/// overrides, isolates and marks, control characters) is shown as a visible sign instead of being obeyed. A line
-/// break shows as "↵". Everything below does this to the text it is given.
+/// overrides, isolates and marks, control characters) is shown as a visible sign instead of being obeyed. A
+/// line break shows as "↵". Everything below does this to the text it is given.
 [[nodiscard]] QString displayText(const QString &text);
 
 /// `text` for QWidget::setToolTip and QToolTip, shown letter for letter: a file name that looks like markup
