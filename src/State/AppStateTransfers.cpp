@@ -295,7 +295,7 @@ bool AppState::hasFreshCheck(const QUuid &id) const {
 
 /// Asks for the next pushes when the answers for the nearest are about to run out.
 void AppState::askAhead() {
-    constexpr qsizetype nearest = 4 * concurrentCopies;
+    constexpr auto nearest = static_cast<qsizetype>(4) * concurrentCopies;
     if (m_runningDestinationCheck)
         return;
     const QList<QueueItem> next = m_queue.nextWaiting(nearest);
