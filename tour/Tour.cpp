@@ -96,8 +96,8 @@ void Tour::connectPhone() {
     const AndroidDevice &device = state().device();
     tell(QStringLiteral("connected"),
          QStringLiteral("%1 (%2), %3 of %4 used, %5 entries")
-             .arg(device.name, device.id, formatFileSize(device.usedBytes),
-                  formatFileSize(device.totalBytes), QString::number(state().androidItems().size())));
+             .arg(device.name, device.id, formatFileSize(device.usedBytes), formatFileSize(device.totalBytes),
+                  QString::number(state().androidItems().size())));
 }
 
 void Tour::openPhoneFolder(const QStringList &way) {
