@@ -209,11 +209,10 @@ QCoro::Task<> AppState::runSingleTransfer(QUuid id) {
             const CopyJob job{m_device.id, item, clock.expectedBytes};
             const ADBClient::TransferProgress onProgress =
                 [model = QPointer<AppState>(this), id, clock](double fraction, qint64 done, qint64 total) {
-                    const auto apply = [model, id, clock, fraction, done, total] {
+                    Background::onMainThread([model, id, clock, fraction, done, total] {
                         if (model)
                             model->applyProgress(id, clock, fraction, done, total);
-                    };
-                    QMetaObject::invokeMethod(QCoreApplication::instance(), apply, Qt::QueuedConnection);
+                    });
                 };
             const auto copied = co_await onWorker(this, &runCopy, job, onProgress);
             if (!copied)

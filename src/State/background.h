@@ -24,6 +24,13 @@ namespace Background {
 /// can hang on a phone at once; they wait and cost no processor.
 [[nodiscard]] QThreadPool &workers();
 
+using Work = std::function<void()>;
+
+/// Runs the work on a worker. Main thread.
+void onWorker(Work work);
+/// Runs the work on the main thread, in the order of the calls. Any thread.
+void onMainThread(Work work);
+
 /// Waits until no worker is busy and delivers what they have posted. To be called on the main thread after
 /// the model is gone and its tools were stopped: nothing of it is left afterwards.
 void finish();
@@ -47,11 +54,11 @@ public:
     [[nodiscard]] bool await_ready() const noexcept { return false; }
 
     void await_suspend(std::coroutine_handle<> coroutine) {
-        Background::workers().start([shared = m_shared, coroutine] {
+        Background::onWorker([shared = m_shared, coroutine]() mutable {
             shared->result.emplace(shared->call());
             shared->call = nullptr;
-            QMetaObject::invokeMethod(
-                QCoreApplication::instance(), [coroutine] { coroutine.resume(); }, Qt::QueuedConnection);
+            shared.reset(); // the coroutine keeps it, and takes it along when it ends
+            Background::onMainThread([coroutine] { coroutine.resume(); });
         });
     }
 
