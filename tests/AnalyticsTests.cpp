@@ -272,12 +272,52 @@ TEST(AnalyticsFacade, AsksTheUserAndSavesAtTheEnd) {
     world.configuration.analyticsDisabled = false;
     ASSERT_TRUE(TelemetryDeck::initialize(world.configuration, world.environment));
     TelemetryDeck::signal(u"kept"_s);
+    TelemetryDeck::movedToBackground();
+    TelemetryDeck::returnedToForeground(); // at once: no new session
     QTimer::singleShot(0, qApp, &QCoreApplication::quit);
     QCoreApplication::exec();
     TelemetryDeck::signal(u"too late"_s);
     TelemetryDeck::shutDown();
     EXPECT_EQ(typesIn(world.cacheFileContents()), QStringList(u"kept"_s));
     qputenv("DO_NOT_TRACK", doNotTrack);
+}
+
+TEST(AnalyticsPlatform, PreferencesTimeAndLogAreThoseOfTheSystem) {
+    const QTemporaryDir directory;
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, directory.path());
+    const QStringList days{u"2024-05-31"_s, u"2024-06-01"_s};
+    {
+        const auto preferences = preferencesDomain(u"com.example.test"_s);
+        preferences->setValue(u"days"_s, days);
+        preferences->setValue(u"count"_s, 1);
+        preferences->flush();
+        preferences->setValue(u"count"_s, 2); // not stored without another flush
+        EXPECT_EQ(preferences->value(u"count"_s), 2);
+    }
+    const auto preferences = preferencesDomain(u"com.example.test"_s);
+    EXPECT_EQ(preferences->value(u"days"_s).toStringList(), days);
+    EXPECT_EQ(preferences->value(u"count"_s).toInt(), 1);
+
+    const auto clock = systemClock();
+    const auto begin = clock->uptime();
+    bool isFired = false;
+    const auto timer = clock->startTimer(20ms, [&isFired] { isFired = true; });
+    clock->startTimer(0ms, [] { ADD_FAILURE() << "its timer was given up"; }).reset();
+    EXPECT_TRUE(QTest::qWaitFor([&isFired] { return isFired; }));
+    EXPECT_GE(clock->uptime() - begin, 20ms);
+    EXPECT_LT(std::abs(clock->now().msecsTo(QDateTime::currentDateTimeUtc())), 5000);
+
+    static QStringList lines;
+    const auto previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &message) {
+            lines.append(QLatin1String(context.category) + u": "_s + message);
+        });
+    TelemetryManagerConfiguration configuration(u"app"_s);
+    configuration.logHandler = LogHandler::platformLog(LogLevel::Info);
+    for (const LogLevel level : {LogLevel::Debug, LogLevel::Info, LogLevel::Error})
+        configuration.log(level, u"level %1"_s.arg(int(level)));
+    qInstallMessageHandler(previous);
+    EXPECT_EQ(lines, (QStringList{u"vantrel.analytics: level 1"_s, u"vantrel.analytics: level 2"_s}));
 }
 
 // -- Sending

@@ -21,8 +21,6 @@
 #include <cstdio>
 #ifdef __SANITIZE_ADDRESS__
 extern "C" size_t __sanitizer_get_current_allocated_bytes(); // gcc brings no header for it
-#else
-#include <malloc.h>
 #endif
 
 namespace vantrel {
@@ -30,12 +28,13 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// What is allocated. The resident size would be that of the sanitizer, which keeps what was freed.
+/// What is allocated; 0 without the sanitizer, since nobody else counts exactly. (The resident size is that
+/// of the sanitizer, which keeps what was freed.)
 size_t allocatedBytes() {
 #ifdef __SANITIZE_ADDRESS__
     return __sanitizer_get_current_allocated_bytes();
 #else
-    return ::mallinfo2().uordblks;
+    return 0;
 #endif
 }
 

@@ -4,6 +4,7 @@
 #include "Analytics/SignalJson.h"
 #include "Analytics/TelemetryManager.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QJsonArray>
@@ -63,7 +64,14 @@ public:
                 // Also released when the timer is cancelled before it could run.
                 const auto release = std::make_shared<QSemaphoreReleaser>(fired);
                 QMetaObject::invokeMethod(
-                    timer, [work = timer->work, release] { work(); }, Qt::QueuedConnection);
+                    timer,
+                    [work = timer->work, release] {
+                        work();
+                        // What it has posted to its thread, such as the start of its next timer, comes first.
+                        QMetaObject::invokeMethod(
+                            QAbstractEventDispatcher::instance(), [release] {}, Qt::QueuedConnection);
+                    },
+                    Qt::QueuedConnection);
             }
             do
                 QCoreApplication::processEvents();
