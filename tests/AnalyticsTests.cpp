@@ -298,6 +298,12 @@ TEST(AnalyticsPlatform, PreferencesTimeAndLogAreThoseOfTheSystem) {
     EXPECT_EQ(preferences->value(u"days"_s).toStringList(), days);
     EXPECT_EQ(preferences->value(u"count"_s).toInt(), 1);
 
+    QFile file(directory.filePath(u"com.example.test.ini"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[General]\ncount=1\nlarge=@Variant(\\0\\0\\0\\t(\\0\\0\\0\\x7f)\n"); // 2 GB, says the file
+    file.close();
+    EXPECT_FALSE(preferencesDomain(u"com.example.test"_s)->value(u"count"_s).isValid());
+
     const auto clock = systemClock();
     const auto begin = clock->uptime();
     bool isFired = false;

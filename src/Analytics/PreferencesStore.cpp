@@ -1,5 +1,6 @@
 #include "Analytics/PreferencesStore.h"
 
+#include <QFile>
 #include <QMap>
 #include <QMutex>
 #include <QSettings>
@@ -8,10 +9,23 @@ namespace vantrel {
 
 namespace {
 
+/// QSettings turns "@Variant(…)" into any object of any size. Nothing of the kind is ever stored here: a file
+/// that holds it is damaged, or somebody's trick, and is taken away.
+void removeUnlessPlain(const QString &path) {
+    constexpr qint64 largest = 1024 * 1024;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    const QByteArray text = file.read(largest + 1);
+    if (text.size() > largest || text.contains("@Variant(") || text.contains("@DataStream("))
+        file.remove();
+}
+
 /// QSettings alone would rewrite the file after every change, and the session's length changes every second.
 class PreferencesDomain final : public PreferencesStore {
 public:
     explicit PreferencesDomain(QString domain) : m_domain(std::move(domain)) {
+        removeUnlessPlain(QSettings(QSettings::IniFormat, QSettings::UserScope, m_domain).fileName());
         const QSettings settings(QSettings::IniFormat, QSettings::UserScope, m_domain);
         for (const QString &key : settings.allKeys())
             m_values.insert(key, settings.value(key));
