@@ -286,27 +286,6 @@ TEST(Listing, hostileNamesAreFoundAgain) {
     EXPECT_FALSE(phone.exists(QStringLiteral("hostile/pwned")));
 }
 
-TEST(Listing, failsInThePhonesWords) {
-    DemoPhone phone;
-    phone.makeFolder(QStringLiteral("Secret"));
-    phone.deny(QStringLiteral("/sdcard/Secret"));
-    const auto error = [](const char *path) {
-        const auto items = ADBClient::listDirectory(DemoPhone::serial(), QString::fromUtf8(path));
-        return items ? QString() : items.error().errorDescription();
-    };
-    EXPECT_EQ(error("/sdcard/Secret"), QStringLiteral("ls: /sdcard/Secret/: Permission denied"));
-    EXPECT_EQ(error("/sdcard/nope/"), QStringLiteral("ls: /sdcard/nope/: No such file or directory"));
-    EXPECT_EQ(error("/sdcard"), QStringLiteral("ls: /sdcard/Secret: Permission denied"))
-        << "ls fails as a whole for one entry that it may not look at";
-    phone.makeFolder(QStringLiteral("DCIM"));
-    phone.set(QStringLiteral("chatter"), "start");
-    EXPECT_EQ(error("/sdcard/DCIM"), QString());
-    phone.unplug();
-    EXPECT_TRUE(error("/sdcard").contains(QStringLiteral("not found"))) << error("/sdcard").toStdString();
-    phone.set(QStringLiteral("state"), "offline");
-    EXPECT_TRUE(error("/sdcard").contains(QStringLiteral("offline")));
-}
-
 TEST(Search, findsNamesWithTheirFacts) {
     DemoPhone phone;
     const QDateTime noon(QDate(2024, 5, 1), QTime(12, 0));
@@ -482,21 +461,6 @@ TEST(Transfer, filesAndFoldersArriveWhole) {
     EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/DCIM"), tree), 0, tree, {})),
               QStringLiteral("(success)"));
     EXPECT_EQ(localFile(tree + QStringLiteral("/it's.bin")), content);
-}
-
-TEST(Transfer, failuresInWords) {
-    DemoPhone phone;
-    phone.set(QStringLiteral("stderr-progress"), "off");
-    QTemporaryDir folder;
-    const QString local = folder.filePath(QStringLiteral("copy"));
-    phone.write(QStringLiteral("denied.bin"), "x");
-    phone.deny(QStringLiteral("/sdcard/denied.bin"));
-    const auto error = [&](const QString &remote) {
-        return message(ADBClient::runTransfer(pull(remote, local), 0, local, {}));
-    };
-    EXPECT_EQ(error(QStringLiteral("/sdcard/nope")),
-              QStringLiteral("failed to stat remote object '/sdcard/nope': No such file or directory"));
-    EXPECT_TRUE(error(QStringLiteral("/sdcard/denied.bin")).contains(QStringLiteral("Permission denied")));
 }
 
 TEST(Transfer, errorStreamComesFirst) {

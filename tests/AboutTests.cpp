@@ -27,28 +27,6 @@ BuildInformation build(std::optional<QString> shortVersion, std::optional<QStrin
     return {.shortVersion = std::move(shortVersion), .build = std::move(number), .copyright = std::nullopt};
 }
 
-TEST(AboutTexts, NameTheVersion) {
-    struct Case {
-        BuildInformation information;
-        const char *title;
-        const char *label;
-    };
-    for (const Case &test : {
-             Case{build(QStringLiteral("1.4"), QStringLiteral("27")), "Vantrel (1.4)", "Version 1.4 (27)"},
-             Case{build(QStringLiteral("1.4"), QString()), "Vantrel (1.4)", "Version 1.4"},
-             Case{build(QStringLiteral("1.4"), std::nullopt), "Vantrel (1.4)", "Version 1.4"},
-             Case{build(std::nullopt, std::nullopt), "Vantrel (0.1.0)", "Version 0.1.0"},
-             Case{build(std::nullopt, QStringLiteral("27")), "Vantrel (0.1.0)", "Version 0.1.0 (27)"},
-         }) {
-        const AboutTexts texts(test.information);
-        EXPECT_EQ(texts.title().toStdString(), test.title);
-        EXPECT_EQ(texts.versionLabel().toStdString(), test.label);
-        EXPECT_EQ(texts.copyright(), product::copyright());
-    }
-    const AboutTexts ours(BuildInformation::ofThisBuild());
-    EXPECT_EQ(ours.shortVersion(), version::shortVersion());
-}
-
 TEST(AboutTexts, FeedbackSurvivesTheAddress) {
     const AboutTexts texts(build(QStringLiteral("1.4"), QStringLiteral("27")));
     EXPECT_EQ(texts.feedbackUrl().toEncoded().toStdString(),
@@ -156,23 +134,6 @@ TEST_F(AboutViewTest, ClosesOnReturnWhereverTheKeyboardIs) {
     EXPECT_FALSE(about.isVisible());
     EXPECT_EQ(window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly), QList<QWidget *>{&about})
         << "the window is no longer dimmed";
-}
-
-TEST_F(AboutViewTest, FollowsItsWindowAndTheScheme) {
-    AboutView about(&window);
-    about.open();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&about));
-    const auto offset = [&] { return about.pos() - window.pos(); };
-    const QPoint before = offset();
-    window.move(window.pos() + QPoint(40, 30));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return offset() == before; }));
-
-    const auto ground = [&] { return about.grab().toImage().pixel(20, 20); };
-    const QRgb light = ground();
-    AppTheme::setScheme(ColorScheme::dark);
-    EXPECT_EQ(ground(), QColor(AppTheme::surface()).rgb());
-    EXPECT_NE(ground(), light);
-    AppTheme::setScheme(ColorScheme::light);
 }
 
 TEST(ApplicationMenu, OffersItsCommands) {

@@ -44,20 +44,6 @@ qint64 peakMemory() {
     return -1;
 }
 
-TEST(AnalyticsNetwork, SendsAJsonArray) {
-    LocalHttpServer server;
-    NetworkWorld world(server.url());
-    ASSERT_TRUE(world.tryToSend());
-    ASSERT_EQ(server.heads.size(), 1);
-    const QByteArray head = server.heads[0].toLower();
-    EXPECT_TRUE(server.heads[0].startsWith("POST /v2/namespace/com.example/ HTTP/1.1\r\n"));
-    EXPECT_TRUE(head.contains("content-type: application/json\r\n"));
-    EXPECT_FALSE(head.contains("cookie"));
-    EXPECT_EQ(typesIn(server.bodies[0]), sample);
-    EXPECT_TRUE(world.messages(LogLevel::Debug).contains(u"ok"_s));
-    EXPECT_TRUE(world.messages(LogLevel::Debug).contains(QString::fromUtf8(server.bodies[0])));
-}
-
 TEST(AnalyticsNetwork, KeepsOrDropsBySortOfFailure) {
     const auto answer = [](const char *status) { return LocalHttpServer::answer(status); };
     const QByteArray half = "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nhalf";

@@ -205,19 +205,6 @@ TEST_F(AppStateTest, onlyTheNewestListingIsApplied) {
     EXPECT_EQ(state->androidCurrentPath(), QStringLiteral("/sdcard/fast"));
 }
 
-TEST_F(AppStateTest, browsingFailsInWords) {
-    connectPhone();
-    browsePhone(QStringLiteral("/sdcard/nope"));
-    EXPECT_EQ(state->androidBrowseError(), QStringLiteral("ls: /sdcard/nope/: No such file or directory"));
-    state->browseMac(QStringLiteral("/nowhere/"));
-    ASSERT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
-    EXPECT_EQ(state->macBrowseError(), QStringLiteral("Folder not found: /nowhere"));
-    EXPECT_EQ(state->macAvailableLabel(), QStringLiteral("—"));
-    browseHere();
-    EXPECT_EQ(state->macBrowseError(), std::nullopt);
-    EXPECT_TRUE(state->macAvailableLabel().endsWith(QStringLiteral(" available")));
-}
-
 TEST_F(AppStateTest, anUnfinishedCallEndsWithoutEffectWhenTheModelIsGone) {
     phone.set(QStringLiteral("devices.hang"), "on");
     state->refreshDevice(AppState::Spinner::shown);
@@ -521,24 +508,6 @@ TEST_F(AppStateTest, twoHitsOfOneNameDoNotMeetInOneFile) {
     EXPECT_EQ(QDir(mac.filePath(QStringLiteral("here"))).entryList(QDir::Files).size(), 1);
 }
 
-TEST_F(AppStateTest, aFailedCopyLeavesTheOthersAlone) {
-    for (const char *name : {"bad", "good", "nice"})
-        phone.write(QString::fromLatin1(name), "x");
-    phone.deny(QStringLiteral("/sdcard/bad"));
-    connectPhone();
-    EXPECT_EQ(state->androidItems().size(), 0) << "ls fails as a whole for an entry it may not look at";
-    phone.reset(QStringLiteral("fail"));
-    browsePhone(QStringLiteral("/sdcard"));
-    phone.deny(QStringLiteral("/sdcard/bad"));
-    browseHere();
-    state->selectAllVisible(BrowserSide::android);
-    state->transferAndroidToMac();
-    waitForQueue();
-    EXPECT_TRUE(statuses().startsWith(QStringLiteral("bad:failed to"))) << statuses().toStdString();
-    EXPECT_TRUE(statuses().endsWith(QStringLiteral("good:Done|nice:Done")));
-    EXPECT_EQ(state->queue().first().percentLabel(), QStringLiteral("Error"));
-}
-
 TEST_F(AppStateTest, aFolderThatComesWithoutItsContentsFailsInThePhonesWords) {
     phone.write(QStringLiteral("Trip/open/a.txt"), "x");
     phone.makeFolder(QStringLiteral("Trip/empty"));
@@ -577,28 +546,6 @@ TEST_F(AppStateTest, theFooterKnowsItsLimits) {
     searchFor({});
     browsePhone(QStringLiteral("/sdcard"));
     EXPECT_EQ(state->androidFooterStats(), QStringLiteral("2 items • 9.22 EB"));
-}
-
-TEST_F(AppStateTest, removingAndClearingWhileCopiesRun) {
-    for (const char *name : {"A", "B", "C", "D"})
-        phone.write(QString::fromLatin1(name), QByteArray(100'000, *name));
-    phone.set(QStringLiteral("bandwidth"), "0.3");
-    connectPhone();
-    browseHere();
-    state->selectAllVisible(BrowserSide::android);
-    state->transferAndroidToMac();
-    state->removeQueueItem(state->queue().last().id);
-    state->clearQueue();
-    EXPECT_EQ(state->queue().size(), 2) << "the running ones stay";
-    EXPECT_EQ(state->activeTransferCount(), 2);
-    EXPECT_EQ(state->waitingCount(), 0);
-    waitForQueue();
-    EXPECT_EQ(statuses(), QStringLiteral("B:Done|C:Done"));
-    EXPECT_EQ(contents(here(QStringLiteral("D"))).size(), 100'000) << "a removed copy runs to its end";
-    EXPECT_FALSE(QFile::exists(here(QStringLiteral("A"))));
-    state->removeQueueItem(QUuid::createUuid());
-    state->clearQueue();
-    EXPECT_TRUE(state->queue().isEmpty());
 }
 
 TEST_F(AppStateTest, aFolderHasNoSizeAndASmallQueueIsTakenUpAgain) {

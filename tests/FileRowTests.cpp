@@ -128,34 +128,6 @@ TEST(FileRowTests, onlyWhatIsSeenIsCompared) {
     }
 }
 
-TEST(FileRowTests, theRowsColumnsStandWhereTheHeadersStand) {
-    const QRectF rect(0, 0, 400, FileRowGeometry::height(false));
-    const FileRowGeometry row(rect, false);
-    EXPECT_EQ(row.checkbox, QRectF(12, 0, 28, rect.height()));
-    EXPECT_EQ(row.icon.left(), 40);
-    EXPECT_EQ(row.icon.width(), 16);
-    EXPECT_EQ(row.name.left(), 40 + 16 + 8);
-    EXPECT_EQ(row.name.right(), row.size.left());
-    EXPECT_EQ(row.size.left(), 400 - 12 - 100 - 88);
-    EXPECT_EQ(row.size.width(), 88);
-    EXPECT_EQ(row.modified.right(), 400 - 12);
-    EXPECT_EQ(row.modified.width(), 100);
-    EXPECT_EQ(row.name.top(), 7);
-    EXPECT_EQ(rect.bottom() - row.name.bottom(), 7);
-    EXPECT_TRUE(row.location.isEmpty());
-}
-
-TEST(FileRowTests, aLocationAddsALineAndOnePixelAboveAndBelow) {
-    const QRectF rect(0, 0, 400, FileRowGeometry::height(true));
-    const FileRowGeometry row(rect, true);
-    EXPECT_EQ(row.name.top(), 8);
-    EXPECT_EQ(row.location.top() - row.name.bottom(), 1);
-    EXPECT_EQ(row.location.left(), row.name.left());
-    EXPECT_EQ(rect.bottom() - row.location.bottom(), 8);
-    EXPECT_EQ(FileRowGeometry::height(true) - FileRowGeometry::height(false),
-              2 + 1 + TextStyle({10.5, Weight::medium}).lineHeight());
-}
-
 TEST(FileRowTests, columnsNeverOverlapHoweverNarrow) {
     for (int width = 0; width <= 600; width += 7) {
         const FileRowGeometry row(QRectF(0, 0, width, 30), false);
@@ -165,22 +137,6 @@ TEST(FileRowTests, columnsNeverOverlapHoweverNarrow) {
         EXPECT_TRUE(row.name.isEmpty() || row.name.right() <= row.size.left()) << width;
         EXPECT_LE(row.size.right(), row.modified.left()) << width;
     }
-}
-
-TEST(FileRowTests, theCellsPartsStandOneBelowTheOther) {
-    const QRectF rect(10, 20, 104, FileGridCellGeometry::height());
-    const FileGridCellGeometry cell(rect);
-    EXPECT_EQ(cell.tile, QRectF(10, 20, 104, 72));
-    EXPECT_EQ(cell.badge.right(), rect.right() - 6);
-    EXPECT_EQ(cell.badge.top(), rect.top() + 6);
-    EXPECT_EQ(cell.badgeTarget.topRight(), rect.topRight());
-    EXPECT_EQ(cell.badgeTarget.width(), cell.badge.width() + 12);
-    EXPECT_EQ(cell.name.top(), cell.tile.bottom() + 6);
-    EXPECT_EQ(cell.name.width(), rect.width());
-    const int nameLine = TextStyle({11, Weight::semibold}).lineHeight();
-    EXPECT_EQ(cell.caption.top(), cell.name.top() + nameLine + 2);
-    // A name of two lines pushes the caption down; it still ends inside the cell.
-    EXPECT_EQ(cell.caption.bottom() + nameLine, rect.bottom());
 }
 
 TEST(FileRowTests, asManyColumnsAsFit) {

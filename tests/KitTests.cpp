@@ -106,15 +106,6 @@ TEST_F(ThemeTests, coloursFollowTheScheme) {
     EXPECT_NEAR(AppTheme::accent().withOpacity(0.35).resolved(ColorScheme::dark).alphaF(), 0.35, 0.001);
 }
 
-TEST_F(ThemeTests, announcesOnlyRealChanges) {
-    QSignalSpy changes(&AppTheme::instance(), &AppTheme::schemeChanged);
-    AppTheme::setScheme(ColorScheme::light);
-    EXPECT_EQ(changes.count(), 0);
-    AppTheme::setScheme(ColorScheme::dark);
-    AppTheme::setScheme(ColorScheme::dark);
-    EXPECT_EQ(changes.count(), 1);
-}
-
 TEST_F(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
     const QStringList names = {
         u"internaldrive"_s,

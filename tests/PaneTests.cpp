@@ -225,14 +225,6 @@ TEST_F(FilePaneTests, aClickSelectsOnlyWhatTheFirstClickOfADoubleClickHit) {
     EXPECT_THAT(calls, ElementsAre()) << "opened an entry that was not there at the first click";
 }
 
-TEST_F(FilePaneTests, withoutItsCallbackAClickTogglesAndADoubleClickOpensNothing) {
-    pane.onSelect = {};
-    pane.onOpen = {};
-    show();
-    doubleClick(entries()->viewport(), bodyOf(entries(), 3));
-    EXPECT_THAT(calls, ElementsAre(u"toggle file 3.txt"_s));
-}
-
 TEST_F(FilePaneTests, aClickBesideTheControlsFocusesThePane) {
     auto *field = control<QLineEdit>(view, u"searchField"_s);
     QWidget *const places[] = {&view, control<TextLabel>(view, u"title"_s),
@@ -324,24 +316,6 @@ TEST_F(FilePaneTests, anAbsentCallbackDisablesOrHidesItsControl) {
     EXPECT_EQ(entries()->mapTo(&view, QPoint()).y(),
               control<QWidget>(view, u"title"_s)->parentWidget()->geometry().bottom() + 1)
         << "something is left between header and grid";
-}
-
-TEST_F(FilePaneTests, theActiveLayoutsToolIsLit) {
-    auto *list = control<IconButton>(view, u"listView"_s);
-    auto *grid = control<IconButton>(view, u"gridView"_s);
-    for (const PaneViewMode mode : allPaneViewModes) {
-        showAs(mode);
-        IconButton *on = mode == PaneViewMode::grid ? grid : list;
-        IconButton *off = mode == PaneViewMode::grid ? list : grid;
-        EXPECT_EQ(on->look().glyph, AppTheme::accent());
-        EXPECT_EQ(on->look().fill, AppTheme::accentSoft());
-        EXPECT_EQ(on->look().stroke, AppTheme::accent().withOpacity(0.35));
-        EXPECT_EQ(off->look().glyph, AppTheme::inkSecondary());
-        EXPECT_EQ(off->look().fill, AppTheme::surface());
-        EXPECT_EQ(off->look().stroke, AppTheme::stroke());
-        EXPECT_TRUE(accessible(on)->state().checked);
-        EXPECT_FALSE(accessible(off)->state().checked);
-    }
 }
 
 TEST_F(FilePaneTests, selectAllShowsHowMuchIsSelected) {
@@ -492,15 +466,6 @@ TEST_F(FilePaneTests, contextMenusFollowTheFlags) {
     choose(menuAt(entries(), bodyOf(entries(), 0)), u"Open"_s);
     EXPECT_THAT(calls, ElementsAre(u"open folder"_s));
     EXPECT_THAT(desktop.opened, ElementsAre(u"/home/me/file"_s));
-}
-
-TEST_F(FilePaneTests, theNameColumnTellsOfLocations) {
-    EXPECT_EQ(text(view, u"nameColumn"_s), u"Name");
-    const int height = entries()->entryRect(0).height();
-    pane.showsItemLocation = true;
-    show();
-    EXPECT_EQ(text(view, u"nameColumn"_s), u"Name / Location");
-    EXPECT_GT(entries()->entryRect(0).height(), height);
 }
 
 TEST_F(FilePaneTests, headersStandAboveTheirColumns) {

@@ -369,25 +369,6 @@ TEST_F(QueueTests, anEmptyQueueShowsTheHintAndNothingToClear) {
     EXPECT_EQ(browser->geometry(), QRect(12, 12, 840 - 24, queue->y() - 24));
 }
 
-TEST_F(QueueTests, theListHasADividerBetweenRowsOnly) {
-    showColumn();
-    queueCopies(3);
-    waitForQueue();
-    settle();
-    ASSERT_EQ(rows().size(), 3);
-    EXPECT_TRUE(child<TextLabel>("queue.note")->isVisible());
-    EXPECT_EQ(list->height(), 3 * QueueRowView::rowHeight() + 2);
-    int lines = 0;
-    const QImage image = queue->grab().toImage();
-    const int left = list->mapTo(queue, QPoint()).x() + 60;
-    const int top = list->mapTo(queue, QPoint()).y();
-    for (int index = 1; index < 3; ++index)
-        lines += image.pixelColor(left, top + index * (QueueRowView::rowHeight() + 1) - 1) !=
-                 QColor(AppTheme::surface());
-    EXPECT_EQ(lines, 2);
-    EXPECT_EQ(image.pixelColor(left, top + 30), QColor(AppTheme::surface()));
-}
-
 TEST_F(QueueTests, thePanelGrowsUntilThePanesHaveTheirLeastHeight) {
     showColumn();
     const int roomForRows = 640 - 24 - 8 - BrowserColumn::browserMinimumHeight - 24 - 8;
@@ -486,17 +467,6 @@ TEST_F(QueueTests, rowsAreRemovedByMouseAndByKeys) {
     QTest::keyClick(button(1), Qt::Key_Space);
     QTest::mouseClick(child<IconButton>("queue.clear"), Qt::LeftButton);
     EXPECT_TRUE(waitFor([&] { return child<TextLabel>("queue.hint")->isVisible(); }));
-}
-
-TEST_F(QueueTests, clearingKeepsWhatRuns) {
-    showColumn();
-    queueGhosts(10);
-    settle();
-    QTest::mouseClick(child<IconButton>("queue.clear"), Qt::LeftButton);
-    ASSERT_TRUE(waitFor([&] { return rows().size() == 3; }));
-    EXPECT_EQ(state->activeTransferCount(), 3);
-    QTest::mouseClick(list->rowView(state->queue().first().id)->removeButton(), Qt::LeftButton);
-    EXPECT_TRUE(waitFor([&] { return rows().size() == 2; })) << "a running one can be removed, too";
 }
 
 TEST_F(QueueTests, tabGoesThroughAllRowsAndScrolls) {
@@ -720,14 +690,6 @@ TEST_F(MainWindowTests, noControlHasTheKeyboardUntilTabIsPressed) {
     ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
     settle();
     EXPECT_EQ(QApplication::focusWidget(), first);
-}
-
-TEST_F(MainWindowTests, theAboutWindowOpensOverIt) {
-    MainWindow *window = showWindow();
-    QTest::mouseClick(child<ToolbarButton>("toolbar.about"), Qt::LeftButton);
-    const auto *about = window->findChild<QDialog *>();
-    ASSERT_NE(about, nullptr);
-    EXPECT_TRUE(about->isVisible() && about->isModal());
 }
 
 TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesIt) {

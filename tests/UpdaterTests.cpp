@@ -222,18 +222,6 @@ TEST_F(UpdaterTest, OffersANewerVersion) {
     EXPECT_FALSE(server.requests.constFirst().contains("Cookie"));
 }
 
-TEST_F(UpdaterTest, TellsWhenNothingIsNewer) {
-    for (const QByteArray &channel : {QByteArray(), item("1.4", "27", "https://localhost/get"),
-                                      item("1.3.9", "90", "https://localhost/get")}) {
-        answer.body = feed(channel);
-        const UpdateResult result = check();
-        EXPECT_EQ(result.kind, UpdateResult::Kind::upToDate) << channel.toStdString();
-        const UpdateMessage message = describe(result, configuration.installed);
-        EXPECT_EQ(message.detail, QStringLiteral("Vantrel 1.4 (27) is the newest version."));
-        EXPECT_EQ(message.actionLabel, QString());
-    }
-}
-
 TEST_F(UpdaterTest, OpensOnlySafePages) {
     struct Case {
         const char *link;
