@@ -263,8 +263,11 @@ void WindowChrome::paintGround() {
     painter.fillPath(roundedTop(rect, radius), QColor(AppTheme::titleBar()));
     if (!fillsScreen()) {
         const double inset = hairline / 2;
-        strokeLine(painter, roundedTop(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
-                   QPen(QColor(AppTheme::paneStroke()), hairline));
+        if (radius > 0)
+            painter.strokePath(roundedTop(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
+                               QPen(QColor(AppTheme::paneStroke()), hairline));
+        else
+            strokeInside(painter, rect, 0, AppTheme::paneStroke(), hairline);
     }
 }
 

@@ -7,15 +7,26 @@
 
 #include <cmath>
 #include <numbers>
+#include <tuple>
 
 namespace vantrel {
 
 namespace {
 
-void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width) {
-    const double inset = width / 2;
-    strokeLine(painter, roundedRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
-               QPen(color, width));
+/// One corner of a smooth rectangle: where its curve leaves the sides, and where its handles are.
+struct Corner {
+    double reach = 0;
+    double control = 0;
+};
+
+Corner cornerOf(double radius, double longest) {
+    // One cubic curve per corner. It starts farther out than an arc would, as far as the side has room, with
+    // its curvature rising from nearly nothing; its middle lies where the arc's middle does. With no room it
+    // is the arc.
+    constexpr double smoothReach = 1.5;
+    const double reach = qMin(smoothReach * radius, longest);
+    const double arcMiddle = radius * (1 - std::numbers::sqrt2 / 2);
+    return {reach, (8 * arcMiddle - reach) / 3};
 }
 
 } // namespace
@@ -28,14 +39,7 @@ QPainterPath roundedRect(const QRectF &rect, double radius) {
         path.addRect(rect);
         return path;
     }
-    // One cubic curve per corner. It starts farther out than an arc would, as far as the side has room, with
-    // its curvature rising from nearly nothing; its middle lies where the arc's middle does. With no room it
-    // is the arc.
-    constexpr double smoothReach = 1.5;
-    const double reach = qMin(smoothReach * r, half);
-    const double arcMiddle = r * (1 - std::numbers::sqrt2 / 2);
-    const double control = (8 * arcMiddle - reach) / 3;
-
+    const auto [reach, control] = cornerOf(r, half);
     const double left = rect.left(), top = rect.top(), right = rect.right(), bottom = rect.bottom();
     path.moveTo(left + reach, top);
     path.lineTo(right - reach, top);
@@ -54,16 +58,37 @@ QPainterPath capsule(const QRectF &rect) {
     return roundedRect(rect, qMin(rect.width(), rect.height()) / 2);
 }
 
-void strokeLine(QPainter &painter, const QPainterPath &path, const QPen &pen) {
-    // The toolkit hands a line of more than 96 pieces, two of them in each row of pixels, to several threads,
-    // and waiting for them takes longer than painting it. So a tall line is painted in bands.
-    const double bandHeight = 44 / painter.device()->devicePixelRatioF();
-    const QRectF bounds =
-        path.boundingRect().adjusted(-pen.widthF(), -pen.widthF(), pen.widthF(), pen.widthF());
-    for (double top = std::floor(bounds.top()); top < bounds.bottom(); top += bandHeight) {
+void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width) {
+    const double inset = width / 2;
+    const QRectF middle = rect.adjusted(inset, inset, -inset, -inset);
+    const double half = qMin(middle.width(), middle.height()) / 2;
+    const Corner corner = cornerOf(qBound(0.0, radius - inset, half), half);
+    const double side = std::ceil(inset + corner.reach);
+    constexpr double small = 44; // a control
+    if (qMax(rect.width(), rect.height()) <= small || qMin(rect.width(), rect.height()) < 2 * side) {
+        painter.strokePath(roundedRect(middle, radius - inset), QPen(color, width));
+        return;
+    }
+    // The sides as what they are, rectangles: the toolkit hands a line that is tall, as a path, to several
+    // threads, and waiting for them takes longer than painting it.
+    for (const QRectF &straight :
+         {QRectF(rect.left() + side, rect.top(), rect.width() - 2 * side, width),
+          QRectF(rect.left() + side, rect.bottom() - width, rect.width() - 2 * side, width),
+          QRectF(rect.left(), rect.top() + side, width, rect.height() - 2 * side),
+          QRectF(rect.right() - width, rect.top() + side, width, rect.height() - 2 * side)})
+        painter.fillRect(straight, color);
+    QPainterPath curve({side, inset});
+    curve.lineTo(inset + corner.reach, inset);
+    curve.cubicTo(inset + corner.control, inset, inset, inset + corner.control, inset, inset + corner.reach);
+    curve.lineTo(inset, side);
+    for (const auto &[place, x, y] : {std::tuple(rect.topLeft(), 1, 1),
+                                      {rect.topRight(), -1, 1},
+                                      {rect.bottomLeft(), 1, -1},
+                                      {rect.bottomRight(), -1, -1}}) {
         painter.save();
-        painter.setClipRect(QRectF(bounds.left(), top, bounds.width(), bandHeight), Qt::IntersectClip);
-        painter.strokePath(path, pen);
+        painter.translate(place);
+        painter.scale(x, y);
+        painter.strokePath(curve, QPen(color, width, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
         painter.restore();
     }
 }

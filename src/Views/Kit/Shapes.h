@@ -5,7 +5,6 @@
 
 class QColor;
 class QPainter;
-class QPen;
 
 namespace vantrel {
 
@@ -20,8 +19,8 @@ inline constexpr double hairline = 1;
 /// A rectangle with the shorter sides fully round.
 [[nodiscard]] QPainterPath capsule(const QRectF &rect);
 
-/// Strokes a path that may be as tall as the window.
-void strokeLine(QPainter &painter, const QPainterPath &path, const QPen &pen);
+/// The line alone of a shape like roundedRect(), inside `rect`. For a painter that smooths edges.
+void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width);
 
 /// A filled shape with its line inside `rect`, so that a line of whole pixels is crisp. Either colour may be
 /// transparent; `strokeWidth` 0 draws no line.
