@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 using namespace vantrel;
 
 namespace {
@@ -134,6 +136,22 @@ TEST(ListingText, oddAndHostileEntries) {
     const auto crlf = ADBClient::parseLSLA(transcript("listing/crlf.txt"), QStringLiteral("/sdcard"));
     EXPECT_EQ(names(crlf), QStringLiteral("DCIM/|My Song.mp3"));
     EXPECT_EQ(named(crlf, "My Song.mp3").sizeBytes, 1'048'576);
+}
+
+TEST(ListingText, timesAreReadAlsoOnADayWhenTheClockIsChanged) {
+    const QByteArray before = qgetenv("TZ");
+    qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    ::tzset();
+    for (const auto &[local, utc] : {std::pair("2026-03-28 12:00", "2026-03-28T11:00:00Z"),
+                                     std::pair("2026-03-29 01:30", "2026-03-29T00:30:00Z"),
+                                     std::pair("2026-03-29 12:00", "2026-03-29T10:00:00Z"),
+                                     std::pair("2026-07-01 00:05", "2026-06-30T22:05:00Z")}) {
+        const QString line = QStringLiteral("-rw-rw---- 1 root everybody 1 %1 a").arg(QLatin1String(local));
+        const auto items = ADBClient::parseLSLA(line, QStringLiteral("/sdcard"));
+        EXPECT_EQ(named(items, "a").modifiedAt->toString(Qt::ISODate), QLatin1String(utc)) << local;
+    }
+    before.isNull() ? qunsetenv("TZ") : qputenv("TZ", before);
+    ::tzset();
 }
 
 TEST(ListingText, linesThatAreNoEntries) {
