@@ -14,8 +14,8 @@ namespace {
 const QString appearanceKey = QStringLiteral("appearancePreference");
 const QString toolTipDelayKey = QStringLiteral("NSInitialToolTipDelay");
 const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
-constexpr QStringView generalSection = u"General";
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
+constexpr QStringView generalSection = u"General"; // of the keys above
 
 /// Where the settings are, off the Mac.
 QString userPath() {

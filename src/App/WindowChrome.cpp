@@ -261,13 +261,14 @@ void WindowChrome::paintGround() {
     const QRectF rect = m_window->rect();
     const double radius = m_hasRoundCorners && !fillsScreen() ? windowCornerRadius : 0;
     painter.fillPath(roundedTop(rect, radius), QColor(AppTheme::titleBar()));
-    if (!fillsScreen()) {
+    if (fillsScreen())
+        return;
+    if (radius > 0) {
         const double inset = hairline / 2;
-        if (radius > 0)
-            painter.strokePath(roundedTop(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
-                               QPen(QColor(AppTheme::paneStroke()), hairline));
-        else
-            strokeInside(painter, rect, 0, AppTheme::paneStroke(), hairline);
+        painter.strokePath(roundedTop(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
+                           QPen(QColor(AppTheme::paneStroke()), hairline));
+    } else {
+        strokeInside(painter, rect, 0, AppTheme::paneStroke(), hairline);
     }
 }
 

@@ -61,7 +61,8 @@ QPainterPath capsule(const QRectF &rect) {
 void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width) {
     const double inset = width / 2;
     const QRectF middle = rect.adjusted(inset, inset, -inset, -inset);
-    const double half = qMin(middle.width(), middle.height()) / 2;
+    const double half =
+        qMax(0.0, qMin(middle.width(), middle.height()) / 2); // a pane may be squeezed to nothing
     const Corner corner = cornerOf(qBound(0.0, radius - inset, half), half);
     const double side = std::ceil(inset + corner.reach);
     constexpr double small = 44; // a control
