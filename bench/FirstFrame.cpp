@@ -1,7 +1,8 @@
 // A plug-in that any program of the toolkit loads when QT_QPA_GENERIC_PLUGINS names it, so that the program
-// under test is the one that users get. After the first painted frame it writes "SECONDS\n", the monotonic
-// clock, into the file that VANTREL_FIRST_FRAME names; with VANTREL_QUIT_AFTER set to milliseconds it then
-// quits the program.
+// under test is the one that users get. Into the file that VANTREL_FIRST_FRAME names it writes lines
+// "SECONDS\n", the monotonic clock: after the first painted frame, and after the first one that shows the
+// widget whose object name VANTREL_FULL_FRAME_SHOWS gives. With VANTREL_QUIT_AFTER set to milliseconds it
+// quits the program that long after the first frame.
 
 #include <QEvent>
 #include <QFile>
@@ -11,6 +12,7 @@
 
 #include <ctime>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -20,12 +22,14 @@ public:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override {
-        if (!m_seen && event->type() == QEvent::Paint && watched->isWidgetType()) {
-            m_seen = true;
-            // The frame is on its way to the screen when the event loop gets to this, ahead of all that
-            // waits.
+        if (event->type() != QEvent::Paint || !watched->isWidgetType())
+            return false;
+        const bool isFirst = !std::exchange(m_seenFirst, true);
+        const bool isFull = !m_seenFull && !m_content.isEmpty() && watched->objectName() == m_content;
+        m_seenFull |= isFull;
+        // The frame is on its way to the screen when the event loop gets to this, ahead of all that waits.
+        if (isFirst || isFull)
             QCoreApplication::postEvent(this, new QEvent(QEvent::User), std::numeric_limits<int>::max());
-        }
         return false;
     }
 
@@ -41,15 +45,18 @@ private:
         timespec now{};
         clock_gettime(CLOCK_MONOTONIC, &now);
         QFile file(qEnvironmentVariable("VANTREL_FIRST_FRAME"));
-        if (file.open(QIODevice::WriteOnly))
+        if (file.open(QIODevice::Append))
             file.write(QByteArray::number(double(now.tv_sec) + double(now.tv_nsec) / 1e9, 'f', 6) + '\n');
         file.close();
-        if (qEnvironmentVariableIsSet("VANTREL_QUIT_AFTER"))
+        if (!std::exchange(m_isQuitting, true) && qEnvironmentVariableIsSet("VANTREL_QUIT_AFTER"))
             QTimer::singleShot(qEnvironmentVariableIntValue("VANTREL_QUIT_AFTER"), qGuiApp,
                                &QGuiApplication::quit);
     }
 
-    bool m_seen = false;
+    const QString m_content = qEnvironmentVariable("VANTREL_FULL_FRAME_SHOWS");
+    bool m_seenFirst = false;
+    bool m_seenFull = false;
+    bool m_isQuitting = false;
 };
 
 class FirstFramePlugin : public QGenericPlugin {

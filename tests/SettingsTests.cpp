@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QLocalServer>
@@ -39,9 +40,21 @@ TEST_F(SettingsTest, RemembersAcrossStarts) {
         settings.storeToolTipDelay();
         EXPECT_TRUE(settings.save());
     }
+    // The next start asks for nothing new: it does not wait for the disk.
+    const QDateTime written = QDateTime::fromSecsSinceEpoch(1'700'000'000);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(file.setFileTime(written, QFileDevice::FileModificationTime));
+    file.close();
+    {
+        Settings settings(path);
+        settings.storeToolTipDelay();
+        EXPECT_TRUE(settings.save());
+    }
+    EXPECT_EQ(QFileInfo(path).lastModified(), written);
+
     Settings settings(path);
     EXPECT_EQ(settings.appearancePreference(), ColorScheme::dark);
-    QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const std::string stored = file.readAll().toStdString();
     EXPECT_THAT(stored, ::testing::HasSubstr("appearancePreference=dark\n"));

@@ -533,7 +533,8 @@ protected:
         auto *window = new MainWindow(desktop, *settings, updater);
         view.reset(window);
         window->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(window));
+        EXPECT_TRUE(waitFor([&] { return window->isFurnished(); }));
+        settle();
         return window;
     }
     [[nodiscard]] qsizetype looks() const {
@@ -563,6 +564,41 @@ TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
     // The content does not ask for more than the window gives: at its least size nothing is cut off.
     EXPECT_LE(window->minimumSizeHint().width(), 1100);
     EXPECT_LE(window->minimumSizeHint().height(), 720);
+}
+
+TEST_F(MainWindowTests, isThereBeforeItIsFurnishedAndLooksForThePhoneLast) {
+    // What the window holds when its first frame is painted, and when its content is.
+    struct FrameWatch : QObject {
+        explicit FrameWatch(const MainWindow &watched) : window(watched) { qApp->installEventFilter(this); }
+        bool eventFilter(QObject *object, QEvent *event) override {
+            if (event->type() == QEvent::Paint && object == &window && !labels)
+                labels = window.findChildren<QLabel *>().size();
+            if (event->type() == QEvent::Paint && object->objectName() == u"content"_s && !toolsRan)
+                toolsRan = window.state().isRefreshingDevice() || !window.state().macItems().isEmpty();
+            return false;
+        }
+        const MainWindow &window;
+        std::optional<qsizetype> labels;
+        std::optional<bool> toolsRan;
+    };
+    settings.emplace(settingsPath());
+    auto *window = new MainWindow(desktop, *settings, updater);
+    view.reset(window);
+    FrameWatch watch(*window);
+    // Two first frames before the event loop gets to what follows: it is furnished once all the same.
+    for (int time = 0; time < 2; ++time) {
+        window->hide();
+        window->show();
+        window->grab();
+    }
+    EXPECT_FALSE(window->isFurnished());
+    ASSERT_TRUE(waitFor([&] { return watch.toolsRan && window->state().device().isConnected; }));
+    EXPECT_EQ(watch.labels, 0) << "a label opens a font";
+    EXPECT_EQ(watch.toolsRan, false);
+    EXPECT_EQ(window->findChildren<QWidget *>(u"content"_s).size(), 1);
+    EXPECT_EQ(window->findChildren<QWidget *>(u"toolbar.about"_s).size(), 1);
+    EXPECT_EQ(window->windowTitle(), u"Vantrel"_s);
+    EXPECT_EQ(child<TextLabel>("windowTitle")->text(), u"Vantrel"_s);
 }
 
 TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {

@@ -77,7 +77,7 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
         MainWindow window(desktop, settings, updater);
         desktop.setWindow(&window);
         window.show();
-        if (!QTest::qWaitForWindowExposed(&window))
+        if (!QTest::qWaitFor([&window] { return window.isFurnished(); }))
             throw TourError(QStringLiteral("the window does not appear"));
         const bool isWatched = QGuiApplication::platformName() != QStringLiteral("offscreen");
         const int pace = options.isSet(QStringLiteral("pace")) ? options.value(QStringLiteral("pace")).toInt()

@@ -4,6 +4,7 @@
 #include "State/AppState.h"
 #include "Views/DualBrowserView.h"
 #include "Views/Kit/Divider.h"
+#include "Views/Kit/Shapes.h"
 #include "Views/SidebarView.h"
 #include "Views/StatusBarView.h"
 #include "Views/TransferQueueView.h"
@@ -45,6 +46,18 @@ ContentView::ContentView(AppState *state, QWidget *parent) : QWidget(parent) {
 
 void ContentView::paintEvent(QPaintEvent *) {
     QPainter(this).fillRect(rect(), AppTheme::surface());
+}
+
+ContentGround::ContentGround(QWidget *parent) : QWidget(parent) {
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
+}
+
+void ContentGround::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    const QRectF sidebar(0, 0, SidebarView::columnWidth, height());
+    painter.fillRect(rect(), AppTheme::canvas());
+    painter.fillRect(sidebar, AppTheme::sidebar());
+    fillLine(painter, {sidebar.right(), 0, hairline, sidebar.height()}, AppTheme::stroke());
 }
 
 BrowserColumn::BrowserColumn(QWidget *browser, QWidget *queue, QWidget *parent)

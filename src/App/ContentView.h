@@ -19,6 +19,17 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 };
 
+/// The grounds of ContentView without anything on them, for the frame before it: no fonts are needed.
+class ContentGround : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ContentGround(QWidget *parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};
+
 /// The panes with the transfer queue below them. The queue takes the height that its rows need, as long as
 /// the panes keep their least height; a longer one scrolls. So the window is never made taller by it.
 class BrowserColumn : public QWidget {

@@ -4,14 +4,28 @@
 #include <fontconfig/fontconfig.h>
 #endif
 
+#include <thread>
+
 namespace vantrel {
 
-std::jthread readFontConfiguration() {
+namespace {
+
+std::jthread &reader() {
+    static std::jthread thread;
+    return thread;
+}
+
+} // namespace
+
+void readFontConfiguration() {
 #ifdef VANTREL_HAS_FONTCONFIG
-    return std::jthread([] { FcInit(); });
-#else
-    return {};
+    reader() = std::jthread([] { FcInit(); });
 #endif
+}
+
+void awaitFontConfiguration() {
+    if (reader().joinable())
+        reader().join();
 }
 
 } // namespace vantrel

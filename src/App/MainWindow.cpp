@@ -3,6 +3,7 @@
 #include "App/AboutView.h"
 #include "App/ApplicationMenu.h"
 #include "App/ContentView.h"
+#include "App/FontConfiguration.h"
 #include "App/Product.h"
 #include "App/Settings.h"
 #include "App/TitleBar.h"
@@ -19,16 +20,14 @@
 namespace vantrel {
 
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
-    : QMainWindow(parent), m_settings(settings), m_state(AppState::designPreview(desktop)),
-      m_pollTimer(new QTimer(this)) {
+    : QMainWindow(parent), m_settings(settings), m_updater(updater),
+      m_state(AppState::designPreview(desktop)), m_pollTimer(new QTimer(this)) {
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
-    setWindowTitle(product::name());
     setMinimumSize(minimum);
     resize(standard);
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
-    addToolbarButtons(updater);
-    setCentralWidget(new ContentView(m_state.get(), this));
+    setCentralWidget(new ContentGround(this));
 
     m_pollTimer->setObjectName(QStringLiteral("devicePoll"));
     m_pollTimer->setSingleShot(true);
@@ -41,7 +40,17 @@ MainWindow::~MainWindow() {
     delete takeCentralWidget();
 }
 
-void MainWindow::addToolbarButtons(Updater &updater) {
+void MainWindow::furnish() {
+    if (std::exchange(m_isFurnished, true))
+        return;
+    awaitFontConfiguration();
+    setWindowTitle(product::name());
+    addToolbarButtons();
+    setCentralWidget(new ContentView(m_state.get(), this));
+    centralWidget()->installEventFilter(this);
+}
+
+void MainWindow::addToolbarButtons() {
     TitleBar *bar = m_chrome->titleBar();
     m_appearance = new ToolbarButton(bar);
     m_appearance->setObjectName(QStringLiteral("toolbar.appearance"));
@@ -60,7 +69,7 @@ void MainWindow::addToolbarButtons(Updater &updater) {
 
     bar->addToolbarWidget(m_appearance);
     bar->addToolbarWidget(about);
-    auto *menu = new ApplicationMenu(this, &updater);
+    auto *menu = new ApplicationMenu(this, &m_updater);
     connect(menu, &ApplicationMenu::aboutRequested, this, &MainWindow::showAbout);
     if (QWidget *button = menu->createButton(bar))
         bar->addToolbarWidget(button);
@@ -105,10 +114,12 @@ void MainWindow::showEvent(QShowEvent *event) {
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::Paint && watched == centralWidget()) {
+        // Each step comes when the frame before it is on the screen.
         watched->removeEventFilter(this);
-        // The first frame comes before the first tool is started.
-        if (!std::exchange(m_isStarted, true))
-            QTimer::singleShot(0, this, &MainWindow::runStartUp);
+        if (!m_isFurnished)
+            QTimer::singleShot(0, this, &MainWindow::furnish);
+        else if (!std::exchange(m_isStarted, true))
+            QTimer::singleShot(0, this, &MainWindow::runStartUp); // the first tool
     }
     return QMainWindow::eventFilter(watched, event);
 }

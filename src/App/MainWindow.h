@@ -19,6 +19,10 @@ class Updater;
 class WindowChrome;
 
 /// The window of the program. It owns the model and looks for the phone for as long as it is open.
+///
+/// It comes up as its grounds and the window's buttons alone, and is furnished after that first frame:
+/// opening fonts and laying out texts takes nearly as long as all that came before, and a window answers the
+/// click.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -33,6 +37,8 @@ public:
     ~MainWindow() override;
 
     [[nodiscard]] AppState &state() const { return *m_state; }
+    /// Whether everything is there: an event-loop pass after the first frame.
+    [[nodiscard]] bool isFurnished() const { return m_isFurnished; }
 
     /// Shows the About window over this one.
     void showAbout();
@@ -46,16 +52,19 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    void addToolbarButtons(Updater &updater);
+    void furnish();
+    void addToolbarButtons();
     void renderAppearanceButton();
     QCoro::Task<> runStartUp();
     QCoro::Task<> poll();
 
     Settings &m_settings;
+    Updater &m_updater;
     std::unique_ptr<AppState> m_state;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
     QTimer *m_pollTimer;
+    bool m_isFurnished = false;
     bool m_isStarted = false;
 };
 

@@ -108,7 +108,9 @@ void Settings::setAppearancePreference(ColorScheme scheme) {
 }
 
 void Settings::storeToolTipDelay() {
-    m_store.setValue(toolTipDelayKey, toolTipDelay);
+    // Storing what is stored would write the file, and wait for the disk, at every start.
+    if (m_store.value(toolTipDelayKey).toInt() != toolTipDelay)
+        m_store.setValue(toolTipDelayKey, toolTipDelay);
 }
 
 QString Settings::doubleClickAction() const {

@@ -78,9 +78,7 @@ private:
 
 } // namespace
 
-TitleBar::TitleBar(QWidget *parent)
-    : QWidget(parent), m_title(new TextLabel({.size = 13, .weight = Weight::semibold}, AppTheme::ink())),
-      m_toolbar(new QHBoxLayout) {
+TitleBar::TitleBar(QWidget *parent) : QWidget(parent), m_toolbar(new QHBoxLayout) {
     setObjectName(QStringLiteral("titleBar"));
     setFixedHeight(bandHeight);
 
@@ -100,8 +98,7 @@ TitleBar::TitleBar(QWidget *parent)
     }
 #endif
     band->addSpacing(12);
-    m_title->setObjectName(QStringLiteral("windowTitle"));
-    band->addWidget(m_title, 1);
+    band->addStretch(); // until the title, which comes before it, takes all there is
     m_toolbar->setSpacing(2);
     band->addLayout(m_toolbar);
     connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
@@ -112,7 +109,20 @@ QAbstractButton *TitleBar::button(WindowButton button) const {
 }
 
 void TitleBar::setTitle(const QString &title) {
+    // A label without text would open its font all the same.
+    if (!m_title && title.isEmpty())
+        return;
+    if (!m_title) {
+        m_title = new TextLabel({.size = 13, .weight = Weight::semibold}, titleColor(), this);
+        m_title->setObjectName(QStringLiteral("windowTitle"));
+        auto *band = static_cast<QBoxLayout *>(layout());
+        band->insertWidget(band->indexOf(m_toolbar) - 1, m_title, 1);
+    }
     m_title->setText(title);
+}
+
+ThemeColor TitleBar::titleColor() const {
+    return m_active ? AppTheme::ink() : AppTheme::inkTertiary();
 }
 
 void TitleBar::addToolbarWidget(QWidget *widget) {
@@ -128,7 +138,8 @@ void TitleBar::setActive(bool active) {
     if (m_active == active)
         return;
     m_active = active;
-    m_title->setColor(active ? AppTheme::ink() : AppTheme::inkTertiary());
+    if (m_title)
+        m_title->setColor(titleColor());
     for (QAbstractButton *button : m_buttons) {
         if (auto *view = static_cast<WindowButtonView *>(button))
             view->setActive(active);

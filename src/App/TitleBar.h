@@ -1,5 +1,6 @@
 #pragma once
 
+#include "App/AppTheme.h"
 #include "App/WindowChromeCoordinator.h"
 
 #include <QWidget>
@@ -47,8 +48,10 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    [[nodiscard]] ThemeColor titleColor() const;
+
     std::array<QAbstractButton *, 3> m_buttons{};
-    TextLabel *m_title;
+    TextLabel *m_title = nullptr; ///< with the first title
     QHBoxLayout *m_toolbar;
     double m_cornerRadius = 0;
     bool m_active = true;

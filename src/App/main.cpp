@@ -43,7 +43,6 @@ int main(int argc, char **argv) {
     if (isDone(parseCommandLine(toArguments(argc, argv), UnknownArguments::ignored)))
         return 0;
 
-    std::jthread fontConfiguration = readFontConfiguration();
     QApplication application(argc, argv);
     QApplication::setApplicationName(product::name());
     QApplication::setApplicationVersion(version::shortVersion());
@@ -55,14 +54,13 @@ int main(int argc, char **argv) {
     if (instance.claim(qgetenv("XDG_ACTIVATION_TOKEN")) == SingleInstance::Role::second)
         return 0;
 
+    readFontConfiguration();
     Settings settings;
     settings.storeToolTipDelay();
     startUsageAnalytics(settings);
     Updater updater(Updater::builtIn());
     updater.start();
     AppTheme::setScheme(settings.appearancePreference());
-    if (fontConfiguration.joinable())
-        fontConfiguration.join();
     AppStyle::install(application);
     const QuitSignals quitSignals;
 

@@ -171,10 +171,12 @@ QWidget *FilePaneView::makeHeader() {
 }
 
 QWidget *FilePaneView::makeSearchBar() {
-    m_searchField = new QLineEdit;
+    auto *bar = new QWidget;
+    // Before the field is there: made with another font, it would open that one first.
+    bar->setFont(TextStyle{12.5, Weight::medium}.font());
+    m_searchField = new QLineEdit(bar);
     m_searchField->setObjectName(QStringLiteral("searchField"));
     m_searchField->setFrame(false);
-    m_searchField->setFont(TextStyle{12.5, Weight::medium}.font());
     m_searchField->setTextMargins(-2, 0, 0, 0); // what the toolkit keeps free before the first letter
     m_scopePicker = new ScopePicker;
     m_scopePicker->setObjectName(QStringLiteral("scopePicker"));
@@ -184,7 +186,6 @@ QWidget *FilePaneView::makeSearchBar() {
                             .glyph = AppTheme::inkTertiary()});
     m_clearSearch->setHelp(QStringLiteral("Clear search"));
 
-    auto *bar = new QWidget;
     auto *row = rowOf(bar, 8, 8);
     row->addWidget(new SearchGlyph);
     row->addWidget(m_searchField, 1);

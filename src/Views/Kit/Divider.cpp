@@ -1,5 +1,7 @@
 #include "Views/Kit/Divider.h"
 
+#include "Views/Kit/Shapes.h"
+
 #include <QPainter>
 
 namespace vantrel {
@@ -14,7 +16,8 @@ Divider::Divider(Qt::Orientation orientation, const ThemeColor &color, QWidget *
 }
 
 void Divider::paintEvent(QPaintEvent *) {
-    QPainter(this).fillRect(rect(), m_color);
+    QPainter painter(this);
+    fillLine(painter, rect(), m_color);
 }
 
 } // namespace vantrel

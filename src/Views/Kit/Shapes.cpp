@@ -58,6 +58,14 @@ QPainterPath capsule(const QRectF &rect) {
     return roundedRect(rect, qMin(rect.width(), rect.height()) / 2);
 }
 
+void fillLine(QPainter &painter, const QRectF &rect, const QColor &color) {
+    // In pieces: what is translucent and taller than 95 device pixels, the toolkit hands to several threads,
+    // and waiting for them takes longer than painting a line. Up to three device pixels make a layout pixel.
+    constexpr double tallest = 30;
+    for (double top = rect.top(); top < rect.bottom(); top += tallest)
+        painter.fillRect(QRectF(rect.left(), top, rect.width(), qMin(tallest, rect.bottom() - top)), color);
+}
+
 void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width) {
     const double inset = width / 2;
     const QRectF middle = rect.adjusted(inset, inset, -inset, -inset);
@@ -70,14 +78,12 @@ void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QC
         painter.strokePath(roundedRect(middle, radius - inset), QPen(color, width));
         return;
     }
-    // The sides as what they are, rectangles: the toolkit hands a line that is tall, as a path, to several
-    // threads, and waiting for them takes longer than painting it.
     for (const QRectF &straight :
          {QRectF(rect.left() + side, rect.top(), rect.width() - 2 * side, width),
           QRectF(rect.left() + side, rect.bottom() - width, rect.width() - 2 * side, width),
           QRectF(rect.left(), rect.top() + side, width, rect.height() - 2 * side),
           QRectF(rect.right() - width, rect.top() + side, width, rect.height() - 2 * side)})
-        painter.fillRect(straight, color);
+        fillLine(painter, straight, color);
     QPainterPath curve({side, inset});
     curve.lineTo(inset + corner.reach, inset);
     curve.cubicTo(inset + corner.control, inset, inset, inset + corner.control, inset, inset + corner.reach);

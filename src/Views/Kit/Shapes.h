@@ -19,6 +19,9 @@ inline constexpr double hairline = 1;
 /// A rectangle with the shorter sides fully round.
 [[nodiscard]] QPainterPath capsule(const QRectF &rect);
 
+/// Fills a thin rectangle of whole pixels, a divider or the side of a frame.
+void fillLine(QPainter &painter, const QRectF &rect, const QColor &color);
+
 /// The line alone of a shape like roundedRect(), inside `rect`. For a painter that smooths edges.
 void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width);
 

@@ -23,25 +23,25 @@ QFont::Weight fontWeight(Weight weight) {
     Q_UNREACHABLE();
 }
 
-QString standardFamily() {
+/// Which of them is installed the toolkit finds out when it opens the font, not before.
+QStringList standardFamilies() {
+    const QString general = QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
 #ifdef Q_OS_MACOS
-    return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+    return {general};
 #else
-    const QString inter = QStringLiteral("Inter");
-    return QFontDatabase::hasFamily(inter) ? inter
-                                           : QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+    return {QStringLiteral("Inter"), general};
 #endif
 }
 
-const QString &family(FontDesign design) {
-    // Asking the font database again for every text would be noticed while scrolling.
-    static const QString standard = standardFamily();
-    static const QString monospaced = QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+const QStringList &families(FontDesign design) {
+    // Asking for the system's fonts again for every text would be noticed while scrolling.
+    static const QStringList standard = standardFamilies();
+    static const QStringList monospaced{QFontDatabase::systemFont(QFontDatabase::FixedFont).family()};
     return design == FontDesign::monospaced ? monospaced : standard;
 }
 
 QFont styledFont(const TextStyle &style, int pixelSize) {
-    QFont font(family(style.design));
+    QFont font(families(style.design));
     font.setPixelSize(pixelSize);
     font.setWeight(fontWeight(style.weight));
     // Hinting would round every advance to whole pixels, and so undo half of what the sizes differ in.
@@ -80,6 +80,18 @@ bool breaksLine(QChar character) {
     return (code >= '\n' && code <= '\r') || code == 0x85 || code == 0x2028 || code == 0x2029;
 }
 
+/// One line from left to right whatever its first letter: an extension stays at the end of the name.
+QTextLine layOutLine(QTextLayout &layout) {
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    option.setTextDirection(Qt::LeftToRight);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    return line;
+}
+
 /// `available` in the layout's pixels.
 QString elided(const QString &safeText, const QFont &font, double available, Elision elision) {
     const QFontMetricsF metrics(font);
@@ -88,6 +100,16 @@ QString elided(const QString &safeText, const QFont &font, double available, Eli
     const QString shortened = metrics.elidedText(
         safeText, elision == Elision::middle ? Qt::ElideMiddle : Qt::ElideRight, available);
     return metrics.horizontalAdvance(shortened) > available ? QString() : shortened;
+}
+
+/// Where in a room of size `room` something of `size` begins.
+QPointF aligned(const QSizeF &size, const QSizeF &room, Qt::Alignment alignment) {
+    const QSizeF free = room - size;
+    const auto share = [alignment](Qt::Alignment center, Qt::Alignment end) {
+        return alignment & center ? 0.5 : alignment & end ? 1.0 : 0.0;
+    };
+    return {free.width() * share(Qt::AlignHCenter, Qt::AlignRight),
+            free.height() * share(Qt::AlignVCenter, Qt::AlignBottom)};
 }
 
 /// Stacked combining marks could reach into the neighbouring rows; real scripts need a little more than the
@@ -165,21 +187,22 @@ QStringList wrappedLines(const QString &text, const TextStyle &style, double wid
 
 void paintText(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
                const QColor &color, Qt::Alignment alignment, Elision elision) {
-    const QFont font = layoutFont(style);
     const double enlarged = enlargement(style);
-    const QString line = elided(displayText(text), font, rect.width() * enlarged, elision);
-    if (line.isEmpty())
+    const QSizeF room = rect.size() * enlarged;
+    QTextLayout layout(displayText(text), layoutFont(style));
+    QTextLine line = layOutLine(layout);
+    if (line.naturalTextWidth() > room.width()) {
+        layout.setText(elided(layout.text(), layout.font(), room.width(), elision));
+        line = layOutLine(layout);
+    }
+    if (layout.text().isEmpty())
         return;
     painter.save();
     painter.setClipRect(clipFor(rect), Qt::IntersectClip);
-    painter.setFont(font);
     painter.setPen(color);
-    // The line runs from left to right whatever its first letter: an extension stays at the end of the name.
-    painter.setLayoutDirection(Qt::LeftToRight);
     painter.translate(rect.topLeft());
     painter.scale(1 / enlarged, 1 / enlarged);
-    painter.drawText(QRectF(QPointF(), rect.size() * enlarged),
-                     int(alignment) | Qt::TextSingleLine | Qt::TextDontClip, line);
+    line.draw(&painter, aligned({line.naturalTextWidth(), line.ascent() + line.descent()}, room, alignment));
     painter.restore();
 }
 
