@@ -1,6 +1,6 @@
 #include "App/Appcast.h"
 #include "App/Updater.h"
-#include "support/HttpsServer.h"
+#include "support/LocalHttpServer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@
 namespace vantrel {
 namespace {
 
-using test::HttpsServer;
+using test::LocalHttpServer;
 
 constexpr auto rss =
     R"(<?xml version="1.0" encoding="utf-8"?>
@@ -182,13 +182,19 @@ TEST(Appcast, RefusesWhatIsNoFeed) {
 
 class UpdaterTest : public ::testing::Test {
 protected:
-    HttpsServer::Answer answer;
-    HttpsServer server{[this](const QByteArray &path) { return path == "/feed" ? answer : elsewhere(path); }};
+    LocalHttpServer::Answer answer;
+    LocalHttpServer server{LocalHttpServer::Transport::tls};
     Updater::Configuration configuration{.feed = server.url(QStringLiteral("/feed")),
                                          .installed = {QStringLiteral("1.4"), QStringLiteral("27")},
-                                         .tls = HttpsServer::trustingConfiguration()};
+                                         .tls = LocalHttpServer::trustingConfiguration()};
 
-    static HttpsServer::Answer elsewhere(const QByteArray &path) {
+    void SetUp() override {
+        server.behaviour = [this](QTcpSocket *socket) {
+            LocalHttpServer::answer(server.path() == "/feed" ? answer : elsewhere(server.path()))(socket);
+        };
+    }
+
+    static LocalHttpServer::Answer elsewhere(const QByteArray &path) {
         if (path == "/moved")
             return {.body = feed(item("1.5", "30", "https://localhost/get"))};
         if (path == "/loop")
@@ -217,9 +223,9 @@ TEST_F(UpdaterTest, OffersANewerVersion) {
     const UpdateMessage message = describe(result, configuration.installed);
     EXPECT_EQ(message.detail, QStringLiteral("Vantrel 1.10 (30) can be downloaded. You have 1.4 (27)."));
     EXPECT_EQ(message.actionLabel, QStringLiteral("Open Download Page"));
-    ASSERT_EQ(server.requests.size(), 1);
-    EXPECT_THAT(server.requests.constFirst().toStdString(), ::testing::StartsWith("GET /feed HTTP/1.1\r\n"));
-    EXPECT_FALSE(server.requests.constFirst().contains("Cookie"));
+    ASSERT_EQ(server.heads.size(), 1);
+    EXPECT_THAT(server.heads.constFirst().toStdString(), ::testing::StartsWith("GET /feed HTTP/1.1\r\n"));
+    EXPECT_FALSE(server.heads.constFirst().contains("Cookie"));
 }
 
 TEST_F(UpdaterTest, OpensOnlySafePages) {
@@ -272,7 +278,7 @@ TEST_F(UpdaterTest, FollowsRedirectsOnTheSameHostOnly) {
         EXPECT_EQ(result.reason.toStdString(), test.reason) << test.location.toStdString();
         EXPECT_EQ(result.kind == UpdateResult::Kind::available, result.reason.isEmpty());
     }
-    for (const QByteArray &request : server.requests)
+    for (const QByteArray &request : server.heads)
         EXPECT_FALSE(request.contains("Host: 127.0.0.1")) << "the other host was asked";
 }
 
@@ -285,10 +291,9 @@ TEST_F(UpdaterTest, RefusesBadAnswers) {
     const char *tooLarge = "The update feed is larger than 1 MB.";
     struct Case {
         const char *what;
-        HttpsServer::Answer answer;
+        LocalHttpServer::Answer answer;
         const char *reason;
     };
-    using Delivery = HttpsServer::Answer::Delivery;
     for (const Case &test : {
              Case{"missing", {.status = 404, .body = good}, "The update server answered with status 404."},
              Case{"broken server",
@@ -309,10 +314,10 @@ TEST_F(UpdaterTest, RefusesBadAnswers) {
         answer = test.answer;
         EXPECT_EQ(check().reason.toStdString(), test.reason) << test.what;
     }
-    answer = {.body = good, .delivery = Delivery::broken};
+    answer = {.body = good, .missing = 100};
     EXPECT_THAT(check().reason.toStdString(),
                 ::testing::StartsWith("The update server could not be reached: "));
-    answer.delivery = Delivery::never;
+    server.behaviour = LocalHttpServer::silence();
     configuration.timeout = std::chrono::milliseconds(300);
     EXPECT_EQ(check().reason, QStringLiteral("The update server did not answer in time."));
 }
@@ -322,12 +327,12 @@ TEST_F(UpdaterTest, InsistsOnASecureConnection) {
     configuration.tls.reset(); // the system's does not know the server's certificate
     EXPECT_THAT(check().reason.toStdString(),
                 ::testing::StartsWith("The connection to the update server is not secure: "));
-    EXPECT_TRUE(server.requests.isEmpty());
+    EXPECT_TRUE(server.heads.isEmpty());
 
-    configuration.tls = HttpsServer::trustingConfiguration();
+    configuration.tls = LocalHttpServer::trustingConfiguration();
     configuration.feed.setScheme(QStringLiteral("http"));
     EXPECT_EQ(check().reason, QStringLiteral("The address of the update feed is not an HTTPS address."));
-    EXPECT_TRUE(server.requests.isEmpty());
+    EXPECT_TRUE(server.heads.isEmpty());
 }
 
 TEST_F(UpdaterTest, OffersOneCheckAtATime) {
@@ -348,7 +353,7 @@ TEST_F(UpdaterTest, OffersOneCheckAtATime) {
     EXPECT_TRUE(updater.canCheckForUpdates());
     updater.checkForUpdates();
     ASSERT_TRUE(checked.wait());
-    EXPECT_EQ(server.requests.size(), 2);
+    EXPECT_EQ(server.heads.size(), 2);
     QList<bool> values;
     for (const QList<QVariant> &change : changes)
         values.append(change.constFirst().toBool());
@@ -360,11 +365,11 @@ TEST_F(UpdaterTest, OffersOneCheckAtATime) {
 }
 
 TEST_F(UpdaterTest, CanBeGivenUpAtAnyMoment) {
-    answer.delivery = HttpsServer::Answer::Delivery::never;
+    server.behaviour = LocalHttpServer::silence();
     auto updater = std::make_unique<Updater>(configuration);
     updater->start();
     updater->checkForUpdates();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !server.requests.isEmpty(); }));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !server.heads.isEmpty(); }));
     updater.reset(); // the sanitizers see what is left behind
     QCoreApplication::processEvents();
 }

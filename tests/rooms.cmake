@@ -15,7 +15,7 @@ vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.c
 vantrel_test(AnalyticsNetworkTests LIBRARIES vantrel_analytics SOURCES AnalyticsNetworkTests.cpp
              support/LocalHttpServer.cpp)
 vantrel_gui_test(ChromeTests LIBRARIES vantrel_ui SOURCES ChromeTests.cpp)
-vantrel_test(UpdaterTests LIBRARIES vantrel_ui SOURCES UpdaterTests.cpp support/HttpsServer.cpp support/HttpsServer.h)
+vantrel_test(UpdaterTests LIBRARIES vantrel_ui SOURCES UpdaterTests.cpp support/LocalHttpServer.cpp)
 vantrel_gui_test(AboutTests LIBRARIES vantrel_ui SOURCES AboutTests.cpp)
 vantrel_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)
 vantrel_test(SettingsTests LIBRARIES vantrel_ui SOURCES SettingsTests.cpp)

@@ -1,42 +1,35 @@
 #include "support/LocalHttpServer.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSslCertificate>
 #include <QSslKey>
 #include <QSslServer>
 #include <QTcpSocket>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <sys/socket.h>
 
 namespace vantrel::test {
 
-std::optional<QSslConfiguration> selfSignedCertificate() {
-    const QTemporaryDir directory;
-    QFile keyFile(directory.filePath(QStringLiteral("key.pem")));
-    QFile certificateFile(directory.filePath(QStringLiteral("certificate.pem")));
-    QProcess openssl;
-    openssl.start(QStringLiteral("openssl"),
-                  QStringLiteral("req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 "
-                                 "-subj /CN=localhost -addext subjectAltName=DNS:localhost -keyout")
-                          .split(u' ') +
-                      QStringList{keyFile.fileName(), QStringLiteral("-out"), certificateFile.fileName()});
-    if (!openssl.waitForFinished() || !keyFile.open(QIODevice::ReadOnly) ||
-        !certificateFile.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    QSslConfiguration result = QSslConfiguration::defaultConfiguration();
-    result.setLocalCertificate(QSslCertificate(&certificateFile));
-    result.setPrivateKey(QSslKey(&keyFile, QSsl::Ec));
-    return result;
+namespace {
+
+QByteArray read(const char *name) {
+    QFile file(QStringLiteral(VANTREL_TEST_DATA "/tls/") + QLatin1StringView(name));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    return file.readAll();
 }
 
-LocalHttpServer::LocalHttpServer(const std::optional<QSslConfiguration> &certificate) {
-    if (certificate) {
+} // namespace
+
+LocalHttpServer::LocalHttpServer(Transport transport) {
+    if (transport == Transport::tls) {
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        configuration.setLocalCertificate(QSslCertificate(read("localhost.crt")));
+        configuration.setPrivateKey(QSslKey(read("localhost.key"), QSsl::Ec));
         auto server = std::make_unique<QSslServer>();
-        server->setSslConfiguration(*certificate);
+        server->setSslConfiguration(configuration);
         m_server = std::move(server);
     } else {
         m_server = std::make_unique<QTcpServer>();
@@ -48,13 +41,18 @@ LocalHttpServer::LocalHttpServer(const std::optional<QSslConfiguration> &certifi
     m_server->listen(QHostAddress::LocalHost);
 }
 
-QUrl LocalHttpServer::url(const QString &host) const {
+QUrl LocalHttpServer::url(const QString &path, const QString &host) const {
     const bool isTls = qobject_cast<QSslServer *>(m_server.get()) != nullptr;
-    QUrl result;
-    result.setScheme(isTls ? QStringLiteral("https") : QStringLiteral("http"));
-    result.setHost(host);
-    result.setPort(m_server->serverPort());
-    return result;
+    return QUrl(QStringLiteral("%1://%2:%3%4")
+                    .arg(isTls ? QStringLiteral("https") : QStringLiteral("http"), host)
+                    .arg(m_server->serverPort())
+                    .arg(path));
+}
+
+QSslConfiguration LocalHttpServer::trustingConfiguration() {
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setCaCertificates({QSslCertificate(read("localhost.crt"))});
+    return configuration;
 }
 
 void LocalHttpServer::serve(QTcpSocket *socket) {
@@ -78,10 +76,15 @@ void LocalHttpServer::serve(QTcpSocket *socket) {
     read();
 }
 
-LocalHttpServer::Behaviour LocalHttpServer::answer(const QByteArray &status, const QByteArray &headers) {
-    return [status, headers](QTcpSocket *socket) {
-        socket->write("HTTP/1.1 " + status + "\r\nContent-Length: 2\r\nConnection: close\r\n" + headers +
-                      "\r\nok");
+LocalHttpServer::Behaviour LocalHttpServer::answer(const Answer &answer) {
+    return [answer](QTcpSocket *socket) {
+        QByteArray head =
+            "HTTP/1.1 " + QByteArray::number(answer.status) + " Answer\r\nConnection: close\r\n";
+        if (answer.announcesLength)
+            head += "Content-Length: " + QByteArray::number(answer.body.size() + answer.missing) + "\r\n";
+        if (!answer.location.isEmpty())
+            head += "Location: " + answer.location + "\r\n";
+        socket->write(head + "\r\n" + answer.body);
         socket->disconnectFromHost();
     };
 }

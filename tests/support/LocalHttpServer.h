@@ -8,32 +8,42 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 namespace vantrel::test {
-
-/// A certificate for "localhost" that nobody has signed, and its key. Made with the openssl command.
-[[nodiscard]] std::optional<QSslConfiguration> selfSignedCertificate();
 
 /// An HTTP server on this computer that misbehaves as it is told. Runs in the event loop of its thread.
 class LocalHttpServer {
 public:
+    enum class Transport {
+        plain,
+        tls, ///< with a certificate for "localhost" alone, which nobody has signed
+    };
     /// What it does with a request that has arrived completely.
     using Behaviour = std::function<void(QTcpSocket *)>;
 
-    /// With a certificate it speaks TLS only.
-    explicit LocalHttpServer(const std::optional<QSslConfiguration> &certificate = std::nullopt);
+    struct Answer {
+        int status = 200;
+        QByteArray body = "ok";
+        QByteArray location = {};    ///< of a redirect
+        bool announcesLength = true; ///< with a Content-Length
+        qint64 missing = 0;          ///< bytes that are announced and never come
+    };
 
-    [[nodiscard]] QUrl url(const QString &host = QStringLiteral("127.0.0.1")) const;
+    explicit LocalHttpServer(Transport transport = Transport::plain);
+
+    [[nodiscard]] QUrl url(const QString &path = {}, const QString &host = QStringLiteral("localhost")) const;
+    /// For clients that are to trust the certificate.
+    [[nodiscard]] static QSslConfiguration trustingConfiguration();
     /// Refuses connections from now on.
     void close() { m_server->close(); }
 
-    Behaviour behaviour = answer("200 OK");
+    Behaviour behaviour = answer({});
     QList<QByteArray> heads;  ///< of the requests so far: everything before the empty line
     QList<QByteArray> bodies; ///< of the requests so far
+    /// Of the last request.
+    [[nodiscard]] QByteArray path() const { return heads.constLast().split(' ').value(1); }
 
-    /// A complete answer.
-    [[nodiscard]] static Behaviour answer(const QByteArray &status, const QByteArray &headers = {});
+    [[nodiscard]] static Behaviour answer(const Answer &answer);
     /// The first bytes of a response, then a reset of the connection.
     [[nodiscard]] static Behaviour reset(const QByteArray &before);
     /// Nothing, for ever.
