@@ -1,6 +1,7 @@
 // The bridge on real child processes: the demo phone, and scripts where a tool must misbehave in its own way.
 
 #include "support/DemoPhone.h"
+#include "support/Files.h"
 #include "support/Printers.h"
 
 #include "ADB/ADBClient.h"
@@ -39,12 +40,8 @@ private:
 };
 
 void writeExecutable(const QString &path, const QByteArray &script) {
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("#!/bin/sh\n" + script);
-    file.close();
-    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    write(path, "#!/bin/sh\n" + script);
+    QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 }
 
 /// An adb that is a shell script, found as the bundled one.
@@ -103,18 +100,6 @@ QStringList push(const QString &local, const QString &remote) {
 
 QString message(const ADBResult<void> &result) {
     return result ? QStringLiteral("(success)") : result.error().errorDescription();
-}
-
-QByteArray localFile(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-}
-
-QStringList namesOf(const QList<FileItem> &items) {
-    QStringList names;
-    for (const FileItem &item : items)
-        names.append(item.name);
-    return names;
 }
 
 QString shell() {
@@ -278,7 +263,7 @@ TEST(Listing, hostileNamesAreFoundAgain) {
         QTemporaryDir target;
         const QString local = target.filePath(QStringLiteral("copy"));
         EXPECT_TRUE(ADBClient::runTransfer(pull(items->first().path, local), 0, local, {}).has_value());
-        EXPECT_EQ(localFile(local), name.toUtf8());
+        EXPECT_EQ(contents(local), name.toUtf8());
     }
     EXPECT_EQ(ADBClient::listDirectory(DemoPhone::serial(), QStringLiteral("/sdcard/hostile"))->size(),
               names.size());
@@ -448,7 +433,7 @@ TEST(Transfer, filesAndFoldersArriveWhole) {
     EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/DCIM/it's.bin"), local),
                                              content.size(), local, reports.receiver())),
               QStringLiteral("(success)"));
-    EXPECT_EQ(localFile(local), content);
+    EXPECT_EQ(contents(local), content);
     const auto list = reports.list();
     EXPECT_GE(list.size(), 6U);
     for (size_t i = 1; i < list.size(); ++i)
@@ -460,7 +445,7 @@ TEST(Transfer, filesAndFoldersArriveWhole) {
     const QString tree = folder.filePath(QStringLiteral("tree"));
     EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/DCIM"), tree), 0, tree, {})),
               QStringLiteral("(success)"));
-    EXPECT_EQ(localFile(tree + QStringLiteral("/it's.bin")), content);
+    EXPECT_EQ(contents(tree + QStringLiteral("/it's.bin")), content);
 }
 
 TEST(Transfer, errorStreamComesFirst) {

@@ -2,7 +2,9 @@
 
 #include "support/DemoPhone.h"
 #include "support/FakeDesktop.h"
+#include "support/Files.h"
 #include "support/Printers.h"
+#include "support/WaitFor.h"
 
 #include "ADB/ADBClient.h"
 #include "State/AppState.h"
@@ -24,30 +26,6 @@
 using namespace vantrel;
 
 namespace {
-
-/// Runs the event loop until the condition holds; false after 30 s.
-bool waitFor(const std::function<bool()> &condition) {
-    return QTest::qWaitFor(condition, 30'000);
-}
-
-QString names(const QList<FileItem> &items) {
-    QStringList list;
-    for (const FileItem &item : items)
-        list.append(item.name);
-    return list.join(QLatin1Char(' '));
-}
-
-QByteArray contents(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-}
-
-void write(const QString &path, const QByteArray &bytes) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 class AppStateTest : public ::testing::Test {
 protected:
@@ -163,7 +141,7 @@ TEST_F(AppStateTest, findsThePhoneShowsItAndLosesIt) {
     phone.plug();
     connectPhone();
     EXPECT_EQ(state->deviceStatusMessage(), std::nullopt);
-    EXPECT_EQ(names(state->androidItems()), QStringLiteral("Download"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("Download"));
 
     // While the phone stays, a refresh leaves the pane alone.
     browsePhone(QStringLiteral("/sdcard/Download/"));
@@ -183,11 +161,11 @@ TEST_F(AppStateTest, findsThePhoneShowsItAndLosesIt) {
     // Another phone in its place is shown from the highlighted shortcut on.
     phone.plug();
     connectPhone();
-    EXPECT_EQ(names(state->androidItems()), QStringLiteral("a.txt"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("a.txt"));
     phone.set(QStringLiteral("serial"), "other-phone");
     phone.write(QStringLiteral("Download/b.txt"), "x");
     connectPhone();
-    EXPECT_EQ(names(state->androidItems()), QStringLiteral("a.txt b.txt"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("a.txt b.txt"));
 }
 
 TEST_F(AppStateTest, onlyTheNewestListingIsApplied) {
@@ -199,9 +177,9 @@ TEST_F(AppStateTest, onlyTheNewestListingIsApplied) {
     ASSERT_TRUE(waitFor([&] { return phone.commandLines().last().last().contains(QStringLiteral("slow")); }));
     phone.reset(QStringLiteral("ls.delay"));
     browsePhone(QStringLiteral("/sdcard/fast"));
-    EXPECT_EQ(names(state->androidItems()), QStringLiteral("new.txt"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("new.txt"));
     ASSERT_TRUE(waitFor([&] { return first.isReady(); }));
-    EXPECT_EQ(names(state->androidItems()), QStringLiteral("new.txt"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("new.txt"));
     EXPECT_EQ(state->androidCurrentPath(), QStringLiteral("/sdcard/fast"));
 }
 
@@ -239,7 +217,7 @@ TEST_F(AppStateTest, selectionFilterAndTheirTexts) {
 
     // The filter hides the folder; its selection stays while the box toggles what is shown.
     state->setAndroidSearchText(QStringLiteral(" pdf "));
-    EXPECT_EQ(names(state->displayedAndroidItems()), QStringLiteral("Report.PDF"));
+    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), QStringLiteral("Report.PDF"));
     EXPECT_EQ(state->androidFooterStats(), QStringLiteral("1 of 4 items • 2.1 MB"));
     EXPECT_EQ(state->androidSelectionSummary(), QStringLiteral("1 items selected"));
     state->toggleSelectAllVisible(android);
@@ -290,7 +268,7 @@ TEST_F(AppStateTest, searchesOnceWhenTypingRestsAndDropsLateHits) {
     ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
     ASSERT_EQ(finds().size(), 1);
     EXPECT_TRUE(finds().first().contains(QStringLiteral("'*abc*'")));
-    EXPECT_EQ(names(state->displayedAndroidItems()), QStringLiteral("abc.txt"));
+    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), QStringLiteral("abc.txt"));
     EXPECT_EQ(state->androidFooterStats(), QStringLiteral("1 result for “abc”"));
 
     // A search that was given up: its late hits are dropped.
@@ -315,9 +293,9 @@ TEST_F(AppStateTest, searchesOnceWhenTypingRestsAndDropsLateHits) {
     state->scheduleAndroidSearch();
     ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
     EXPECT_EQ(state->androidBrowseError(), std::nullopt);
-    EXPECT_EQ(names(state->androidSearchResults()), QStringLiteral("xyz.txt"));
+    EXPECT_EQ(namesOf(state->androidSearchResults()).join(u' '), QStringLiteral("xyz.txt"));
     state->clearAndroidSearch();
-    EXPECT_EQ(names(state->displayedAndroidItems()), QStringLiteral("DCIM Download"));
+    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), QStringLiteral("DCIM Download"));
 }
 
 TEST_F(AppStateTest, opensAFileFromTheCacheSafely) {
@@ -355,7 +333,7 @@ TEST_F(AppStateTest, opensAFileFromTheCacheSafely) {
     ASSERT_TRUE(waitFor([&] { return !state->isOpeningAndroidFile(); }));
     EXPECT_TRUE(state->androidBrowseError()->contains(QStringLiteral("Permission denied")));
     EXPECT_EQ(desktop.opened.size(), 2);
-    EXPECT_EQ(names(state->androidItems()), QStringLiteral("a.pdf"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("a.pdf"));
 }
 
 TEST(FilePreview, foldersStayInsideTheCache) {
@@ -387,11 +365,11 @@ TEST_F(AppStateTest, createsAFolder) {
 
     desktop.nextText = QStringLiteral("  Trip ");
     state->createMacFolder();
-    ASSERT_TRUE(waitFor([&] { return names(state->macItems()) == QStringLiteral("Trip"); }));
+    ASSERT_TRUE(waitFor([&] { return namesOf(state->macItems()).join(u' ') == QStringLiteral("Trip"); }));
     state->createMacFolder();
     ASSERT_TRUE(waitFor([&] { return state->macBrowseError().has_value(); }));
     EXPECT_EQ(state->macBrowseError(), QStringLiteral("File exists"));
-    EXPECT_EQ(names(state->macItems()), QStringLiteral("Trip"));
+    EXPECT_EQ(namesOf(state->macItems()).join(u' '), QStringLiteral("Trip"));
 }
 
 TEST_F(AppStateTest, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
@@ -406,7 +384,7 @@ TEST_F(AppStateTest, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
     EXPECT_TRUE(state->androidSelectedIDs().isEmpty());
     EXPECT_EQ(state->activeTransferCount(), 3);
     EXPECT_EQ(state->waitingCount(), 2);
-    EXPECT_EQ(names(QList<FileItem>()), QString());
+    EXPECT_EQ(namesOf(QList<FileItem>()).join(u' '), QString());
     EXPECT_EQ(
         statuses(),
         QStringLiteral("A:Waiting…|B:Waiting…|C:Zero KB / 100 KB|D:Zero KB / 100 KB|E:Zero KB / 100 KB"));
@@ -439,8 +417,8 @@ TEST_F(AppStateTest, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
         EXPECT_EQ(contents(here(QString::fromLatin1(name))), QByteArray(100'000, *name));
     EXPECT_EQ(phone.read(QStringLiteral("F")), "from here");
     // Both panes show what they received.
-    EXPECT_EQ(names(state->macItems()), QStringLiteral("A B C D E F"));
-    EXPECT_EQ(names(state->androidItems()), QStringLiteral("A B C D E F"));
+    EXPECT_EQ(namesOf(state->macItems()).join(u' '), QStringLiteral("A B C D E F"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("A B C D E F"));
 }
 
 TEST_F(AppStateTest, neverOverwrites) {

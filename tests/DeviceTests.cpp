@@ -1,6 +1,7 @@
 // On a real phone through the real adb, in a folder of its own that it clears: ./test --device SERIAL. Not
 // part of the usual run, which has no phone.
 
+#include "support/Files.h"
 #include "support/Printers.h"
 
 #include "ADB/ADBClient.h"
@@ -27,25 +28,6 @@ QByteArray pattern(qsizetype size) {
     for (qsizetype i = 0; i < size; ++i)
         bytes[i] = static_cast<char>(i * 31 + i / 253);
     return bytes;
-}
-
-QByteArray contents(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-}
-
-void write(const QString &path, const QByteArray &bytes) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(bytes);
-}
-
-QStringList namesOf(const QList<FileItem> &items) {
-    QStringList names;
-    for (const FileItem &item : items)
-        names.append(item.name);
-    return names;
 }
 
 class DeviceTest : public ::testing::Test {

@@ -5,6 +5,7 @@
 #include "support/FakeDesktop.h"
 #include "support/Printers.h"
 #include "support/Processes.h"
+#include "support/WaitFor.h"
 
 #include "ADB/ADBClient.h"
 #include "State/AppState.h"
@@ -182,7 +183,6 @@ protected:
         for (const QString &path : m_closed)
             ::chmod(QFile::encodeName(path).constData(), 0755);
     }
-    static bool waitFor(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, 30'000); }
 
     [[nodiscard]] QString here() const { return mac.filePath(u"here"_s); }
     [[nodiscard]] QString mine() const { return mac.filePath(u"mine"_s); }

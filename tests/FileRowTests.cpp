@@ -33,7 +33,7 @@ FileItem folderNamed(const QString &name) {
 
 TEST(FileRowTests, symbolsAndColoursFollowTheName) {
     struct Case {
-        QString name;
+        QString names;
         const char *row;
         ThemeColor rowColor;
         const char *cell;
@@ -41,39 +41,33 @@ TEST(FileRowTests, symbolsAndColoursFollowTheName) {
     };
     const ThemeColor plain = AppTheme::inkSecondary();
     const ThemeColor blue = AppTheme::folderBlue();
+    const ThemeColor film = AppTheme::systemPurple();
+    const ThemeColor music = AppTheme::systemPink();
+    const ThemeColor packed = AppTheme::systemOrange();
     const Case cases[] = {
-        {u"IMG_0001.JPG"_s, "doc.fill", plain, "photo", blue},
-        {u"a.jpeg"_s, "doc.fill", plain, "photo", blue},
-        {u"a.png"_s, "doc.fill", plain, "photo", blue},
-        {u"a.Heic"_s, "doc.fill", plain, "photo", blue},
-        {u"a.webp"_s, "doc.fill", plain, "photo", blue},
-        {u"a.mp4"_s, "film", AppTheme::systemPurple(), "film", AppTheme::systemPurple()},
-        {u"movie.MOV"_s, "film", AppTheme::systemPurple(), "film", AppTheme::systemPurple()},
-        {u"a.m4a"_s, "music.note", AppTheme::systemPink(), "music.note", AppTheme::systemPink()},
-        {u"a.mp3"_s, "music.note", AppTheme::systemPink(), "music.note", AppTheme::systemPink()},
-        {u"notes.txt.zip"_s, "doc.zipper", AppTheme::systemOrange(), "doc.zipper", AppTheme::systemOrange()},
+        {u"IMG_0001.JPG a.jpeg a.png a.Heic a.webp"_s, "doc.fill", plain, "photo", blue},
+        {u"a.mp4 movie.MOV"_s, "film", film, "film", film},
+        {u"a.m4a a.mp3"_s, "music.note", music, "music.note", music},
+        {u"notes.txt.zip .zip"_s, "doc.zipper", packed, "doc.zipper", packed},
         {u"archive.zip.txt"_s, "doc.text", plain, "doc.text", plain},
-        {u".zip"_s, "doc.zipper", AppTheme::systemOrange(), "doc.zipper", AppTheme::systemOrange()},
-        {u"zip"_s, "doc.fill", plain, "doc.fill", plain},
-        {u"a.gif"_s, "doc.fill", plain, "doc.fill", plain},
-        {QString(), "doc.fill", plain, "doc.fill", plain},
+        {u"zip a.gif "_s, "doc.fill", plain, "doc.fill", plain}, // and a name without letters
     };
     for (const Case &c : cases) {
-        SCOPED_TRACE(qPrintable(c.name));
-        const FileRow row{{fileNamed(c.name)}};
-        const FileGridCell cell{{fileNamed(c.name)}};
-        EXPECT_EQ(row.icon().toStdString(), c.row);
-        EXPECT_EQ(row.iconColor(), c.rowColor);
-        EXPECT_EQ(cell.icon().toStdString(), c.cell);
-        EXPECT_EQ(cell.iconColor(), c.cellColor);
+        for (const QString &name : c.names.split(u' ')) {
+            SCOPED_TRACE(qPrintable(name));
+            const FileRow row{{fileNamed(name)}};
+            const FileGridCell cell{{fileNamed(name)}};
+            EXPECT_EQ(row.icon().toStdString(), c.row);
+            EXPECT_EQ(row.iconColor(), c.rowColor);
+            EXPECT_EQ(cell.icon().toStdString(), c.cell);
+            EXPECT_EQ(cell.iconColor(), c.cellColor);
 
-        // A folder is a folder, whatever its name.
-        const FileRow folderRow{{folderNamed(c.name)}};
-        const FileGridCell folderCell{{folderNamed(c.name)}};
-        EXPECT_EQ(folderRow.icon(), u"folder.fill");
-        EXPECT_EQ(folderCell.icon(), u"folder.fill");
-        EXPECT_EQ(folderRow.iconColor(), blue);
-        EXPECT_EQ(folderCell.iconColor(), blue);
+            // A folder is a folder, whatever its name.
+            EXPECT_EQ(FileRow{{folderNamed(name)}}.icon(), u"folder.fill");
+            EXPECT_EQ(FileGridCell{{folderNamed(name)}}.icon(), u"folder.fill");
+            EXPECT_EQ(FileRow{{folderNamed(name)}}.iconColor(), blue);
+            EXPECT_EQ(FileGridCell{{folderNamed(name)}}.iconColor(), blue);
+        }
     }
 }
 

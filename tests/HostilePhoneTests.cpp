@@ -2,8 +2,10 @@
 
 #include "support/DemoPhone.h"
 #include "support/FakeDesktop.h"
+#include "support/Files.h"
 #include "support/Printers.h"
 #include "support/Processes.h"
+#include "support/WaitFor.h"
 
 #include "ADB/ADBClient.h"
 #include "ADB/ListingText.h"
@@ -43,12 +45,6 @@ protected:
         Background::stop();
     }
 
-    static bool waitFor(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, 60'000); }
-    static void write(const QString &path, const QByteArray &bytes) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
     [[nodiscard]] QString at(const QString &name) const { return mac.filePath(name); }
     /// Names without the folder's other entries, sorted.
     static QString namesIn(const QString &folder) {

@@ -1,4 +1,5 @@
 #include "support/FakeDesktop.h"
+#include "support/Files.h"
 #include "support/Printers.h"
 
 #include "MacFiles/MacFileClient.h"
@@ -12,16 +13,6 @@
 #include <unistd.h>
 
 using namespace vantrel;
-
-namespace {
-
-void write(const QString &path, const QByteArray &contents) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(contents);
-}
-
-} // namespace
 
 TEST(MacFilePaths, areStandardized) {
     const QString home = QDir::homePath();

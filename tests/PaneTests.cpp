@@ -1,5 +1,4 @@
 #include "MacFiles/MacFileClient.h"
-#include "State/AppState.h"
 #include "State/Records/Identity.h"
 #include "Views/AndroidBrowserPane.h"
 #include "Views/DualBrowserView.h"
@@ -13,10 +12,9 @@
 #include "Views/Kit/TextLabel.h"
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
-#include "support/DemoPhone.h"
-#include "support/FakeDesktop.h"
+#include "support/Files.h"
+#include "support/Shell.h"
 
-#include <QAccessible>
 #include <QContextMenuEvent>
 #include <QDir>
 #include <QFile>
@@ -25,8 +23,6 @@
 #include <QPaintEvent>
 #include <QPointer>
 #include <QScrollBar>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -118,15 +114,6 @@ void choose(QMenu *menu, const QString &title) {
     }
     menu->close();
     EXPECT_TRUE(QTest::qWaitFor([&] { return watched.isNull(); })) << "the menu stays behind";
-}
-
-QAccessibleInterface *accessible(QObject *object) {
-    return QAccessible::queryAccessibleInterface(object);
-}
-
-template <typename Condition>
-bool happens(Condition condition) {
-    return QTest::qWaitFor(condition, 20000);
 }
 
 // -- The file pane alone
@@ -323,28 +310,18 @@ TEST_F(FilePaneTests, selectAllShowsHowMuchIsSelected) {
         const char *what;
         QSet<QUuid> selected;
         PaneSelectAllState state;
-        Qt::CheckState box;
-        QString title;
     };
     QSet<QUuid> all;
     for (const FileItem &item : pane.items)
         all.insert(item.id);
     const QUuid elsewhere = newIdentity();
     const Case cases[] = {
-        {"none", {}, PaneSelectAllState::none, Qt::Unchecked, u"Select all"_s},
-        {"not among the items", {elsewhere}, PaneSelectAllState::none, Qt::Unchecked, u"Select all"_s},
-        {"the last",
-         {pane.items.last().id},
-         PaneSelectAllState::partial,
-         Qt::PartiallyChecked,
-         u"Select all"_s},
-        {"the first",
-         {pane.items.first().id, elsewhere},
-         PaneSelectAllState::partial,
-         Qt::PartiallyChecked,
-         u"Select all"_s},
-        {"all", all, PaneSelectAllState::all, Qt::Checked, u"Deselect all"_s},
-        {"all and more", all + QSet{elsewhere}, PaneSelectAllState::all, Qt::Checked, u"Deselect all"_s},
+        {"none", {}, PaneSelectAllState::none},
+        {"not among the items", {elsewhere}, PaneSelectAllState::none},
+        {"the last", {pane.items.last().id}, PaneSelectAllState::partial},
+        {"the first", {pane.items.first().id, elsewhere}, PaneSelectAllState::partial},
+        {"all", all, PaneSelectAllState::all},
+        {"all and more", all + QSet{elsewhere}, PaneSelectAllState::all},
     };
     for (const auto &[boxName, mode] : {std::pair(u"columnSelectAll"_s, PaneViewMode::list),
                                         std::pair(u"gridSelectAll"_s, PaneViewMode::grid)}) {
@@ -355,14 +332,19 @@ TEST_F(FilePaneTests, selectAllShowsHowMuchIsSelected) {
             pane.selectedIDs = c.selected;
             show();
             EXPECT_EQ(pane.selectAllState(), c.state);
-            EXPECT_EQ(box->checkState(), c.box);
-            EXPECT_TRUE(box->toolTip().contains(c.title));
-            EXPECT_EQ(accessible(box)->text(QAccessible::Name), c.title);
-            EXPECT_EQ(text(view, u"gridSelectAllTitle"_s), c.title);
+            const bool isAll = c.state == PaneSelectAllState::all;
+            const Qt::CheckState mark = isAll                                    ? Qt::Checked
+                                        : c.state == PaneSelectAllState::partial ? Qt::PartiallyChecked
+                                                                                 : Qt::Unchecked;
+            const QString title = isAll ? u"Deselect all"_s : u"Select all"_s;
+            EXPECT_EQ(box->checkState(), mark);
+            EXPECT_TRUE(box->toolTip().contains(title));
+            EXPECT_EQ(accessible(box)->text(QAccessible::Name), title);
+            EXPECT_EQ(text(view, u"gridSelectAllTitle"_s), title);
             calls.clear();
             click(box, box->rect().center());
             EXPECT_THAT(calls, ElementsAre(u"focus"_s, u"toggleSelectAll"_s));
-            EXPECT_EQ(box->checkState(), c.box) << "a click alone changes nothing";
+            EXPECT_EQ(box->checkState(), mark) << "a click alone changes nothing";
         }
     }
     auto *box = control<SelectAllBox>(view, u"columnSelectAll"_s);
@@ -783,11 +765,7 @@ protected:
         phone.write(u"DCIM/Camera/IMG_2.jpg"_s, QByteArray(2000, 'x'));
         phone.write(u"note.txt"_s, "hello");
         QDir(folder.path()).mkpath(u"sub/deeper"_s);
-        QFile file(folder.filePath(u"local.txt"_s));
-        EXPECT_TRUE(file.open(QFile::WriteOnly));
-        file.write("local");
-        file.close();
-
+        write(folder.filePath(u"local.txt"_s), "local");
         view = std::make_unique<DualBrowserView>(&state);
         view->resize(1000, 500);
         view->show();
@@ -798,7 +776,7 @@ protected:
     void connectPhone() {
         state.refreshDevice(AppState::Spinner::hidden);
         state.browseMac(folder.path());
-        ASSERT_TRUE(happens([this] {
+        ASSERT_TRUE(waitFor([this] {
             return names(android()) == QStringList{u"DCIM"_s, u"note.txt"_s} &&
                    names(mac()) == QStringList{u"sub"_s, u"local.txt"_s} && !state.isLoadingAndroid() &&
                    !state.isLoadingMac();
@@ -807,12 +785,7 @@ protected:
 
     QWidget &android() { return *control<QWidget>(*view, u"androidPane"_s); }
     QWidget &mac() { return *control<QWidget>(*view, u"macPane"_s); }
-    static QStringList names(QWidget &pane) {
-        QStringList names;
-        for (const FileItem &item : entriesOf(pane)->contents().items)
-            names += item.name;
-        return names;
-    }
+    static QStringList names(QWidget &pane) { return namesOf(entriesOf(pane)->contents().items); }
     static void press(QWidget &pane, const QString &tool) {
         auto *button = control<IconButton>(pane, tool);
         click(button, button->rect().center());
@@ -824,7 +797,7 @@ protected:
         doubleClick(entriesOf(pane)->viewport(), bodyOf(entriesOf(pane), index));
     }
     bool footerSays(QWidget &pane, const QString &words) {
-        return happens([&] { return text(pane, u"footerTrailing"_s) == words; });
+        return waitFor([&] { return text(pane, u"footerTrailing"_s) == words; });
     }
     int commands(const QString &word) const {
         int count = 0;
@@ -869,23 +842,23 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
     connectPhone();
     EXPECT_FALSE(toMac->isEnabled() || toAndroid->isEnabled());
     clickEntry(mac(), 1);
-    EXPECT_TRUE(happens([&] { return toAndroid->isEnabled(); }));
+    EXPECT_TRUE(waitFor([&] { return toAndroid->isEnabled(); }));
     EXPECT_FALSE(toMac->isEnabled());
     EXPECT_EQ(toAndroid->look().fill, AppTheme::accent());
     EXPECT_EQ(toAndroid->look().strokeWidth, 0);
     EXPECT_EQ(toMac->look().fill, AppTheme::surface());
     EXPECT_EQ(toMac->look().strokeWidth, 1);
     clickEntry(android(), 1);
-    EXPECT_TRUE(happens([&] { return toMac->isEnabled(); }));
+    EXPECT_TRUE(waitFor([&] { return toMac->isEnabled(); }));
 
     click(toMac, toMac->rect().center());
     EXPECT_TRUE(
-        happens([&] { return QFile::exists(folder.filePath(u"note.txt"_s)) && !state.isTransferring(); }));
+        waitFor([&] { return QFile::exists(folder.filePath(u"note.txt"_s)) && !state.isTransferring(); }));
     EXPECT_EQ(phone.read(u"note.txt"_s), "hello");
 
     phone.unplug();
     state.refreshDevice(AppState::Spinner::hidden);
-    EXPECT_TRUE(happens([&] { return !state.device().isConnected && !toAndroid->isEnabled(); }));
+    EXPECT_TRUE(waitFor([&] { return !state.device().isConnected && !toAndroid->isEnabled(); }));
 }
 
 TEST_F(DualBrowserTests, keysActOnTheFocusedPane) {
@@ -975,13 +948,13 @@ TEST_F(DualBrowserTests, thePhonesPaneBrowses) {
     EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage › DCIM");
 
     press(android(), u"back"_s);
-    EXPECT_TRUE(happens([&] { return names(android()).contains(u"note.txt"_s); }));
+    EXPECT_TRUE(waitFor([&] { return names(android()).contains(u"note.txt"_s); }));
     press(android(), u"back"_s);
     EXPECT_EQ(state.androidCurrentPath(), u"/sdcard");
-    EXPECT_TRUE(happens([&] { return !state.isLoadingAndroid(); }));
+    EXPECT_TRUE(waitFor([&] { return !state.isLoadingAndroid(); }));
     phone.write(u"new.txt"_s, "");
     press(android(), u"refresh"_s);
-    EXPECT_TRUE(happens([&] { return names(android()).contains(u"new.txt"_s); }));
+    EXPECT_TRUE(waitFor([&] { return names(android()).contains(u"new.txt"_s); }));
 
     phone.set(u"pull.delay"_s, "0.3");
     const auto note = int(names(android()).indexOf(u"note.txt"_s));
@@ -989,13 +962,13 @@ TEST_F(DualBrowserTests, thePhonesPaneBrowses) {
     EXPECT_TRUE(state.isOpeningAndroidFile());
     EXPECT_TRUE(footerSays(android(), u"Opening…"_s));
     EXPECT_TRUE(spinner->isVisible());
-    EXPECT_TRUE(happens([&] { return desktop.opened.size() == 1; }));
+    EXPECT_TRUE(waitFor([&] { return desktop.opened.size() == 1; }));
     EXPECT_TRUE(desktop.opened.first().endsWith(u"note.txt"_s));
 
     phone.deny(u"DCIM"_s);
     doubleClickEntry(android(), 0);
     EXPECT_TRUE(
-        happens([&] { return text(android(), u"footerTrailing"_s).contains(u"Permission denied"_s); }));
+        waitFor([&] { return text(android(), u"footerTrailing"_s).contains(u"Permission denied"_s); }));
     EXPECT_THAT(names(android()), ElementsAre());
 }
 
@@ -1005,14 +978,14 @@ TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     auto *picker = control<ScopePicker>(android(), u"scopePicker"_s);
     clickEntry(android(), 0);
     QTest::keyClicks(field, u"NOTE"_s);
-    EXPECT_TRUE(happens([&] { return names(android()) == QStringList{u"note.txt"_s}; }));
+    EXPECT_TRUE(waitFor([&] { return names(android()) == QStringList{u"note.txt"_s}; }));
     EXPECT_EQ(text(android(), u"footerTrailing"_s), u"1 of 2 items • 5 bytes");
     EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
     EXPECT_EQ(commands(u"find"_s), 0);
     EXPECT_EQ(state.androidSelectedIDs().size(), 1);
 
     press(android(), u"clearSearch"_s);
-    EXPECT_TRUE(happens([&] { return names(android()).size() == 2; }));
+    EXPECT_TRUE(waitFor([&] { return names(android()).size() == 2; }));
     EXPECT_TRUE(state.androidSelectedIDs().isEmpty()) << "clearing goes through the model";
 
     // The model is told of every change of the text and of the scope: one search, when typing rests.
@@ -1028,16 +1001,16 @@ TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     EXPECT_EQ(entriesOf(android())->contents().entry(0).locationLabel(), u"Internal Storage › DCIM › Camera");
 
     press(android(), u"refresh"_s);
-    EXPECT_TRUE(happens([&] { return commands(u"find"_s) == 2 && !state.isSearchingAndroid(); }));
+    EXPECT_TRUE(waitFor([&] { return commands(u"find"_s) == 2 && !state.isSearchingAndroid(); }));
     press(android(), u"back"_s);
-    EXPECT_TRUE(happens([&] { return names(android()).contains(u"note.txt"_s); }));
+    EXPECT_TRUE(waitFor([&] { return names(android()).contains(u"note.txt"_s); }));
     EXPECT_EQ(state.androidCurrentPath(), u"/sdcard");
     EXPECT_EQ(field->text(), QString());
     EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
 
     field->clearFocus();
     state.setAndroidSearchFocusToken(1);
-    EXPECT_TRUE(happens([&] { return field->hasFocus(); }));
+    EXPECT_TRUE(waitFor([&] { return field->hasFocus(); }));
 }
 
 TEST_F(DualBrowserTests, theComputersPaneBrowses) {
@@ -1045,24 +1018,24 @@ TEST_F(DualBrowserTests, theComputersPaneBrowses) {
     EXPECT_EQ(text(mac(), u"path"_s), folder.path());
     EXPECT_TRUE(text(mac(), u"footerTrailing"_s).endsWith(u" available"_s));
     const auto shows = [this](const QString &path) {
-        return happens([&] { return text(mac(), u"path"_s) == path && !state.isLoadingMac(); });
+        return waitFor([&] { return text(mac(), u"path"_s) == path && !state.isLoadingMac(); });
     };
 
     doubleClickEntry(mac(), 1);
     EXPECT_THAT(desktop.opened, ElementsAre()) << "a file opens from its menu only";
     EXPECT_FALSE(state.isLoadingMac());
     EXPECT_EQ(text(mac(), u"footerLeading"_s), u"Nothing selected");
-    EXPECT_TRUE(happens([&] { return text(mac(), u"footerLeading"_s) == u"1 selected"; }));
+    EXPECT_TRUE(waitFor([&] { return text(mac(), u"footerLeading"_s) == u"1 selected"; }));
 
     doubleClickEntry(mac(), 0);
     EXPECT_TRUE(shows(folder.filePath(u"sub"_s)));
-    EXPECT_TRUE(happens([&] { return names(mac()) == QStringList{u"deeper"_s}; }));
+    EXPECT_TRUE(waitFor([&] { return names(mac()) == QStringList{u"deeper"_s}; }));
     press(mac(), u"back"_s);
     EXPECT_TRUE(shows(folder.path()));
 
     desktop.nextFolder.reset();
     press(mac(), u"chooseFolder"_s);
-    EXPECT_TRUE(happens([&] { return desktop.folderQuestions.size() == 1; }));
+    EXPECT_TRUE(waitFor([&] { return desktop.folderQuestions.size() == 1; }));
     EXPECT_TRUE(desktop.folderQuestions.first().endsWith(folder.path()));
     desktop.nextFolder = folder.filePath(u"sub/deeper"_s);
     press(mac(), u"chooseFolder"_s);
@@ -1070,13 +1043,13 @@ TEST_F(DualBrowserTests, theComputersPaneBrowses) {
 
     desktop.nextText = u"made here"_s;
     press(mac(), u"newFolder"_s);
-    EXPECT_TRUE(happens([&] { return names(mac()) == QStringList{u"made here"_s}; }));
+    EXPECT_TRUE(waitFor([&] { return names(mac()) == QStringList{u"made here"_s}; }));
     EXPECT_TRUE(QDir(folder.filePath(u"sub/deeper/made here"_s)).exists());
     press(mac(), u"home"_s);
     EXPECT_TRUE(shows(QDir::homePath()));
 
     state.browseMac(folder.filePath(u"not there"_s));
-    EXPECT_TRUE(happens([&] { return state.macBrowseError().has_value() && !state.isLoadingMac(); }));
+    EXPECT_TRUE(waitFor([&] { return state.macBrowseError().has_value() && !state.isLoadingMac(); }));
     EXPECT_TRUE(footerSays(mac(), *state.macBrowseError()));
 }
 
@@ -1084,16 +1057,16 @@ TEST_F(DualBrowserTests, eachPaneHasItsOwnLayoutAndSelection) {
     connectPhone();
     press(mac(), u"gridView"_s);
     EXPECT_EQ(state.macViewMode(), PaneViewMode::grid);
-    EXPECT_TRUE(happens([&] { return control<FileGridView>(mac(), u"fileGrid"_s)->isVisible(); }));
+    EXPECT_TRUE(waitFor([&] { return control<FileGridView>(mac(), u"fileGrid"_s)->isVisible(); }));
     EXPECT_TRUE(control<FileListView>(android(), u"fileList"_s)->isVisible());
 
     auto *box = control<SelectAllBox>(mac(), u"gridSelectAll"_s);
     click(box, box->rect().center());
     EXPECT_EQ(state.focusedBrowserSide(), BrowserSide::mac);
     EXPECT_EQ(state.macSelectedIDs().size(), 2);
-    EXPECT_TRUE(happens([&] { return box->checkState() == Qt::Checked; }));
+    EXPECT_TRUE(waitFor([&] { return box->checkState() == Qt::Checked; }));
     click(entriesOf(mac())->viewport(), markOf(entriesOf(mac()), 0));
-    EXPECT_TRUE(happens([&] { return box->checkState() == Qt::PartiallyChecked; }));
+    EXPECT_TRUE(waitFor([&] { return box->checkState() == Qt::PartiallyChecked; }));
     EXPECT_TRUE(state.androidSelectedIDs().isEmpty());
 
     click(entriesOf(android())->viewport(),

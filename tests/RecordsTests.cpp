@@ -51,19 +51,6 @@ TEST(Equality, takesEveryField) {
     }
     different.insert(file);
     EXPECT_EQ(different.size(), 8);
-
-    using Status = QueueItemStatus;
-    const QList<Status> statuses{Status::Waiting{},
-                                 Status::Transferring{{0.5, 1, 2}},
-                                 Status::Transferring{{0.5, 2, 2}},
-                                 Status::Paused{{0.5, 1, 2}},
-                                 Status::Completed{},
-                                 Status::Failed{QStringLiteral("a")},
-                                 Status::Failed{QStringLiteral("b")}};
-    for (qsizetype i = 0; i < statuses.size(); ++i) {
-        for (qsizetype j = 0; j < statuses.size(); ++j)
-            EXPECT_EQ(statuses[i] == statuses[j], i == j) << i << " and " << j;
-    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "App/Settings.h"
 #include "App/SingleInstance.h"
+#include "support/Files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,13 +24,6 @@ class SettingsTest : public ::testing::Test {
 protected:
     QTemporaryDir directory;
     QString path = directory.filePath(QStringLiteral("vantrel/settings.ini"));
-
-    void write(const QByteArray &text) const {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
-    }
 };
 
 TEST_F(SettingsTest, RemembersAcrossStarts) {
@@ -84,7 +78,7 @@ TEST_F(SettingsTest, ReadsWhatIsStored) {
                   ColorScheme::light, "Maximize", true},
              Case{"[Other]\nappearancePreference=dark\n", ColorScheme::light, "Maximize", false},
          }) {
-        write(test.text);
+        write(path, test.text);
         const Settings settings(path);
         EXPECT_EQ(settings.appearancePreference(), test.scheme) << test.text.toStdString();
         EXPECT_EQ(settings.doubleClickAction().toStdString(), test.doubleClick) << test.text.toStdString();
@@ -96,7 +90,7 @@ TEST_F(SettingsTest, DamagedOnesAreSetAside) {
     constexpr char binary[] = "\x89PNG\0\xff\xfe[]=%%\n]]";
     const QByteArray random = QByteArray(binary, sizeof binary).repeated(200);
     for (const QByteArray &damaged : {QByteArray("[General\nappearancePreference dark\n"), random}) {
-        write(damaged);
+        write(path, damaged);
         {
             Settings settings(path);
             EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
@@ -106,9 +100,7 @@ TEST_F(SettingsTest, DamagedOnesAreSetAside) {
             EXPECT_TRUE(settings.save());
         }
         EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::dark);
-        QFile aside(path + QStringLiteral(".damaged"));
-        ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
-        EXPECT_TRUE(aside.readAll() == damaged);
+        EXPECT_TRUE(contents(path + QStringLiteral(".damaged")) == damaged);
     }
 }
 

@@ -4,8 +4,10 @@
 
 #include "support/DemoPhone.h"
 #include "support/FakeDesktop.h"
+#include "support/Files.h"
 #include "support/Printers.h"
 #include "support/Processes.h"
+#include "support/WaitFor.h"
 
 #include "ADB/ADBClient.h"
 #include "State/AppState.h"
@@ -69,15 +71,6 @@ protected:
         Background::stop();
     }
 
-    static void write(const QString &path, const QByteArray &bytes) {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-    static bool waitFor(const std::function<bool()> &condition) {
-        return QTest::qWaitFor(condition, 120'000);
-    }
     [[nodiscard]] QString here(const QString &name) const { return mac.filePath(name); }
 
     /// Mostly small, sometimes empty, sometimes long enough to be interrupted.

@@ -32,29 +32,14 @@ QByteArray item(const QByteArray &shortVersion, const QByteArray &build, const Q
 
 TEST(AppcastVersions, AreOrderedByTheirNumbers) {
     // Each is less than the next one.
-    const std::array ascending{"",
-                               "0.9",
-                               "1.0-alpha",
-                               "1.0-beta1",
-                               "1.0-beta2",
-                               "1.0-beta10",
-                               "1.0rc",
-                               "1.0",
-                               "1.0.1",
-                               "1.2",
-                               "1.10",
-                               "2",
-                               "10",
-                               "20260101",
-                               "202601011200599",
-                               "99999999999999999999999999"};
-    for (size_t i = 0; i < ascending.size(); ++i) {
-        for (size_t j = 0; j < ascending.size(); ++j) {
-            const QString left = QString::fromLatin1(ascending[i]);
-            const QString right = QString::fromLatin1(ascending[j]);
-            EXPECT_EQ(compareVersions(left, right), i <=> j) << ascending[i] << " and " << ascending[j];
-        }
-    }
+    const QStringList ascending =
+        QString::fromLatin1(" 0.9 1.0-alpha 1.0-beta1 1.0-beta2 1.0-beta10 1.0rc 1.0 1.0.1 1.2 1.10 2 10 "
+                            "20260101 202601011200599 99999999999999999999999999")
+            .split(u' ');
+    for (qsizetype i = 0; i < ascending.size(); ++i)
+        for (qsizetype j = 0; j < ascending.size(); ++j)
+            EXPECT_EQ(compareVersions(ascending[i], ascending[j]), i <=> j)
+                << ascending[i].toStdString() << " and " << ascending[j].toStdString();
     for (const auto &[left, right] : {std::pair{"1.0", "1.0.0"},
                                       {"1", "1.0"},
                                       {"01.002", "1.2"},

@@ -3,6 +3,7 @@
 #include "support/DemoPhone.h"
 #include "support/FakeDesktop.h"
 #include "support/Printers.h"
+#include "support/WaitFor.h"
 
 #include "App/AppTheme.h"
 #include "State/AppState.h"
@@ -19,11 +20,6 @@
 #include <memory>
 
 namespace vantrel {
-
-/// Runs the event loop until the condition holds; false after 30 s.
-inline bool waitFor(const std::function<bool()> &condition) {
-    return QTest::qWaitFor(condition, 30'000);
-}
 
 inline QAccessibleInterface *accessible(QObject *object) {
     return QAccessible::queryAccessibleInterface(object);
