@@ -60,7 +60,8 @@ void PseudoTerminal::finishReading() {
 }
 
 void PseudoTerminal::read(const std::stop_token &stop, const Reader &reader) const {
-    std::array<char, 65536> buffer{};
+    // What a terminal holds at most. More would be fresh memory for every copy: this thread lives for one.
+    std::array<char, 4096> buffer{};
     std::condition_variable_any pause; // ended by the request to stop
     std::mutex mutex;
     std::unique_lock lock(mutex);
