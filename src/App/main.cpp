@@ -75,5 +75,6 @@ int main(int argc, char **argv) {
         status = QApplication::exec();
     }
     Background::stop();
+    awaitFontConfiguration(); // it may have been closed before it was furnished
     return status;
 }
