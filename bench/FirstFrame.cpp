@@ -30,6 +30,9 @@ protected:
         // The frame is on its way to the screen when the event loop gets to this, ahead of all that waits.
         if (isFirst || isFull)
             QCoreApplication::postEvent(this, new QEvent(QEvent::User), std::numeric_limits<int>::max());
+        if (isFirst && qEnvironmentVariableIsSet("VANTREL_QUIT_AFTER"))
+            QTimer::singleShot(qEnvironmentVariableIntValue("VANTREL_QUIT_AFTER"), qGuiApp,
+                               &QGuiApplication::quit);
         return false;
     }
 
@@ -47,16 +50,11 @@ private:
         QFile file(qEnvironmentVariable("VANTREL_FIRST_FRAME"));
         if (file.open(QIODevice::Append))
             file.write(QByteArray::number(double(now.tv_sec) + double(now.tv_nsec) / 1e9, 'f', 6) + '\n');
-        file.close();
-        if (!std::exchange(m_isQuitting, true) && qEnvironmentVariableIsSet("VANTREL_QUIT_AFTER"))
-            QTimer::singleShot(qEnvironmentVariableIntValue("VANTREL_QUIT_AFTER"), qGuiApp,
-                               &QGuiApplication::quit);
     }
 
     const QString m_content = qEnvironmentVariable("VANTREL_FULL_FRAME_SHOWS");
     bool m_seenFirst = false;
     bool m_seenFull = false;
-    bool m_isQuitting = false;
 };
 
 class FirstFramePlugin : public QGenericPlugin {

@@ -3,11 +3,11 @@
 
     bench/startup_bench.py [BUILD_FOLDER] [--runs N] [--idle SECONDS]
 
-Prints medians, and ends with status 1 when a limit is exceeded. The first frame is the window, its ground and its
-buttons; the full frame shows all that is in it. The build folder is build/release unless given; it
-must hold the targets vantrel, bare_window, first_frame and demo_phone. The two programs take turns, so that whatever
-else the machine does hits both alike. Without a display they run under Xvfb, or offscreen when that is missing;
-always without a session bus, which would answer in its own time.
+Prints medians, and ends with status 1 when a limit is exceeded. The first frame is the window, its grounds and its
+buttons; the full frame shows all that is in it. The build folder is build/release unless given; it must hold the
+targets vantrel, bare_window, first_frame and demo_phone. The two programs take turns, so that whatever else the machine
+does hits both alike. Without a display they run under Xvfb, or offscreen when that is missing; always without a session
+bus, which would answer in its own time.
 """
 
 import argparse
