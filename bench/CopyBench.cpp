@@ -6,7 +6,7 @@
 #include "ADB/ADBClient.h"
 #include "MacFiles/Desktop.h"
 #include "State/AppState.h"
-#include "State/background.h"
+#include "Worker/Worker.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -1,8 +1,8 @@
 // The engine's own work, without a phone: reading listings, and keeping the queue.
 
 #include "ADB/ListingText.h"
-#include "State/Records/Identity.h"
-#include "State/TransferQueue.h"
+#include "Records/Identity.h"
+#include "Transfers/TransferQueue.h"
 
 #include <benchmark/benchmark.h>
 

@@ -28,9 +28,3 @@ function(vantrel_target target)
     endif()
 endfunction()
 
-# vantrel_precompile(NAME HEADER...): precompiles the headers for the target, unless that is switched off.
-function(vantrel_precompile target)
-    if(VANTREL_PRECOMPILED_HEADERS)
-        target_precompile_headers(${target} PRIVATE ${ARGN})
-    endif()
-endfunction()

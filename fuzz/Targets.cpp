@@ -8,9 +8,9 @@
 #include "ADB/ToolText.h"
 #include "ADB/TransferText.h"
 #include "Analytics/SignalJson.h"
-#include "App/Appcast.h"
-#include "App/Settings.h"
-#include "State/Records/FileOrder.h"
+#include "App/System/Settings.h"
+#include "App/Updates/Appcast.h"
+#include "Records/FileOrder.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,12 +1,12 @@
-#include "App/AboutTexts.h"
-#include "App/AboutView.h"
-#include "App/AppTheme.h"
-#include "App/ApplicationMenu.h"
-#include "App/CommandLine.h"
-#include "App/Product.h"
-#include "App/Updater.h"
-#include "App/Version.h"
-#include "App/WindowChrome.h"
+#include "App/Sheets/AboutTexts.h"
+#include "App/Sheets/AboutView.h"
+#include "App/System/CommandLine.h"
+#include "App/System/Product.h"
+#include "App/System/Version.h"
+#include "App/Updates/Updater.h"
+#include "App/Window/ApplicationMenu.h"
+#include "App/Window/WindowChrome.h"
+#include "Theme/AppTheme.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

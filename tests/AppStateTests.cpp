@@ -9,7 +9,7 @@
 #include "ADB/ADBClient.h"
 #include "State/AppState.h"
 #include "State/FilePreview.h"
-#include "State/background.h"
+#include "Worker/Worker.h"
 
 #include <QDir>
 #include <QFile>

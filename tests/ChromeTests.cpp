@@ -1,8 +1,8 @@
-#include "App/AppTheme.h"
-#include "App/TitleBar.h"
-#include "App/WindowChrome.h"
-#include "App/WindowChromeCoordinator.h"
-#include "App/WindowPlacement.h"
+#include "App/Window/TitleBar.h"
+#include "App/Window/WindowChrome.h"
+#include "App/Window/WindowChromeCoordinator.h"
+#include "App/Window/WindowPlacement.h"
+#include "Theme/AppTheme.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

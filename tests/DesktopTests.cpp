@@ -2,9 +2,9 @@
 
 #include "support/Shell.h"
 
-#include "App/FileManager.h"
-#include "App/QtDesktop.h"
-#include "App/TextPrompt.h"
+#include "App/Sheets/TextPrompt.h"
+#include "App/System/FileManager.h"
+#include "App/System/QtDesktop.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -40,7 +40,7 @@ protected:
                                 u"Cancel"_s, u"New Folder"_s});
     }
 
-    QtDesktop real;
+    QtDesktop real{&askForText};
     QMainWindow *window = nullptr;
 };
 

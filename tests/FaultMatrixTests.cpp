@@ -10,7 +10,7 @@
 #include "ADB/ADBClient.h"
 #include "State/AppState.h"
 #include "State/FilePreview.h"
-#include "State/background.h"
+#include "Worker/Worker.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
@@ -164,7 +164,7 @@ protected:
     ~FaultMatrix() override {
         isDiskFull = false;
         state.reset();
-        Background::stop();
+        Background::stop(&ADBClient::stopRunningTools);
         reopen();
         qputenv("PATH", m_savedPath);
     }
@@ -477,7 +477,7 @@ TEST_P(FaultMatrix, isSurvivedAndSaid) {
     QElapsedTimer clock;
     clock.start();
     state.reset();
-    Background::stop();
+    Background::stop(&ADBClient::stopRunningTools);
     EXPECT_LT(clock.elapsed(), 5000);
     EXPECT_TRUE(processes::children().isEmpty());
     reopen();

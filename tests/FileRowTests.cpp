@@ -1,7 +1,7 @@
+#include "Kit/TextStyle.h"
 #include "Views/FileGridCell.h"
 #include "Views/FileGridView.h"
 #include "Views/FileRow.h"
-#include "Views/Kit/TextStyle.h"
 
 #include <QImage>
 #include <QPainter>

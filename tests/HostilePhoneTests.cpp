@@ -11,7 +11,7 @@
 #include "ADB/ListingText.h"
 #include "State/AppState.h"
 #include "State/FilePreview.h"
-#include "State/background.h"
+#include "Worker/Worker.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -42,7 +42,7 @@ protected:
     }
     ~HostilePhone() override {
         state.reset();
-        Background::stop();
+        Background::stop(&ADBClient::stopRunningTools);
     }
 
     [[nodiscard]] QString at(const QString &name) const { return mac.filePath(name); }

@@ -1,11 +1,11 @@
-#include "App/AppTheme.h"
-#include "Views/Kit/IconButton.h"
-#include "Views/Kit/ProgressBar.h"
-#include "Views/Kit/RenderScheduler.h"
-#include "Views/Kit/Shapes.h"
-#include "Views/Kit/Spinner.h"
-#include "Views/Kit/Symbol.h"
-#include "Views/Kit/TextLabel.h"
+#include "Kit/IconButton.h"
+#include "Kit/ProgressBar.h"
+#include "Kit/RenderScheduler.h"
+#include "Kit/Shapes.h"
+#include "Kit/Spinner.h"
+#include "Kit/Symbol.h"
+#include "Kit/TextLabel.h"
+#include "Theme/AppTheme.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>

@@ -1,12 +1,12 @@
 #include "support/Printers.h"
 
-#include "State/Records/Enumerations.h"
-#include "State/Records/FileItem.h"
-#include "State/Records/FileOrder.h"
-#include "State/Records/FileSizeFormat.h"
-#include "State/Records/Identity.h"
-#include "State/Records/QueueItem.h"
-#include "State/Records/TextLength.h"
+#include "Records/Enumerations.h"
+#include "Records/FileItem.h"
+#include "Records/FileOrder.h"
+#include "Records/FileSizeFormat.h"
+#include "Records/Identity.h"
+#include "Records/QueueItem.h"
+#include "Records/TextLength.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "App/Settings.h"
-#include "App/SingleInstance.h"
+#include "App/System/Settings.h"
+#include "App/System/SingleInstance.h"
 #include "support/Files.h"
 
 #include <gmock/gmock.h>

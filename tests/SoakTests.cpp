@@ -11,7 +11,7 @@
 
 #include "ADB/ADBClient.h"
 #include "State/AppState.h"
-#include "State/background.h"
+#include "Worker/Worker.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>
@@ -68,7 +68,7 @@ protected:
     }
     ~Soak() override {
         state.reset();
-        Background::stop();
+        Background::stop(&ADBClient::stopRunningTools);
     }
 
     [[nodiscard]] QString here(const QString &name) const { return mac.filePath(name); }

@@ -1,5 +1,5 @@
-#include "App/Appcast.h"
-#include "App/Updater.h"
+#include "App/Updates/Appcast.h"
+#include "App/Updates/Updater.h"
 #include "support/LocalHttpServer.h"
 
 #include <gmock/gmock.h>

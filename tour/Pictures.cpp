@@ -2,7 +2,7 @@
 
 #include "TourError.h"
 
-#include "App/AppTheme.h"
+#include "Theme/AppTheme.h"
 
 #include <QCoreApplication>
 #include <QDir>

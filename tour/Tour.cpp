@@ -3,9 +3,9 @@
 #include "TourError.h"
 #include "TourPhone.h"
 
-#include "App/MainWindow.h"
+#include "App/Window/MainWindow.h"
+#include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
-#include "State/Records/FileSizeFormat.h"
 #include "Views/FileItemsView.h"
 #include "Views/QueueListView.h"
 #include "Views/QueueRowView.h"

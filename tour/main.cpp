@@ -4,13 +4,14 @@
 #include "TourError.h"
 
 #include "ADB/ADBClient.h"
-#include "App/AppStyle.h"
-#include "App/MainWindow.h"
-#include "App/Product.h"
-#include "App/QtDesktop.h"
-#include "App/Settings.h"
-#include "App/Updater.h"
-#include "State/background.h"
+#include "App/Sheets/TextPrompt.h"
+#include "App/System/Product.h"
+#include "App/System/QtDesktop.h"
+#include "App/System/Settings.h"
+#include "App/Updates/Updater.h"
+#include "App/Window/MainWindow.h"
+#include "Kit/AppStyle.h"
+#include "Worker/Worker.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -73,7 +74,7 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
 
         Settings settings(folder.filePath(QStringLiteral("settings.ini")));
         Updater updater{Updater::Configuration()};
-        QtDesktop desktop;
+        QtDesktop desktop(&askForText);
         MainWindow window(desktop, settings, updater);
         desktop.setWindow(&window);
         window.show();
@@ -114,7 +115,7 @@ int main(int argc, char **argv) {
 #endif
     QApplication application(argc, argv);
     QApplication::setApplicationName(product::name());
-    AppStyle::install(application);
+    AppStyle::install(application, Settings::toolTipDelay);
 
     const QString builtHere = QDir::cleanPath(QApplication::applicationDirPath() + QStringLiteral("/.."));
     QCommandLineParser options;
@@ -133,6 +134,6 @@ int main(int argc, char **argv) {
     options.process(application);
 
     const int status = run(options, builtHere, folder);
-    Background::stop();
+    Background::stop(&ADBClient::stopRunningTools);
     return status;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ADB/ADBError.h"
-#include "State/Records/AndroidDevice.h"
-#include "State/Records/FileItem.h"
+#include "Records/AndroidDevice.h"
+#include "Records/FileItem.h"
 
 #include <QHash>
 #include <QList>

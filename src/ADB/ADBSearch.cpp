@@ -2,9 +2,9 @@
 
 #include "ADB/AndroidPath.h"
 #include "ADB/SearchText.h"
-#include "State/Records/FileOrder.h"
-#include "State/Records/Identity.h"
-#include "State/Records/TextLength.h"
+#include "Records/FileOrder.h"
+#include "Records/Identity.h"
+#include "Records/TextLength.h"
 
 namespace vantrel::ADBClient {
 

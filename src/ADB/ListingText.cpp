@@ -2,8 +2,8 @@
 
 #include "ADB/AndroidPath.h"
 #include "ADB/ToolText.h"
-#include "State/Records/FileOrder.h"
-#include "State/Records/Identity.h"
+#include "Records/FileOrder.h"
+#include "Records/Identity.h"
 
 #include <QHash>
 

@@ -1,17 +1,19 @@
-#include "App/AppStyle.h"
-#include "App/CommandLine.h"
-#include "App/FontConfiguration.h"
-#include "App/MainWindow.h"
-#include "App/Product.h"
-#include "App/QtDesktop.h"
-#include "App/QuitSignals.h"
-#include "App/Settings.h"
-#include "App/SingleInstance.h"
-#include "App/Updater.h"
-#include "App/UsageAnalytics.h"
-#include "App/Version.h"
-#include "App/WindowChrome.h"
-#include "State/background.h"
+#include "ADB/ADBClient.h"
+#include "App/Sheets/TextPrompt.h"
+#include "App/System/CommandLine.h"
+#include "App/System/FontConfiguration.h"
+#include "App/System/Product.h"
+#include "App/System/QtDesktop.h"
+#include "App/System/QuitSignals.h"
+#include "App/System/Settings.h"
+#include "App/System/SingleInstance.h"
+#include "App/System/UsageAnalytics.h"
+#include "App/System/Version.h"
+#include "App/Updates/Updater.h"
+#include "App/Window/MainWindow.h"
+#include "App/Window/WindowChrome.h"
+#include "Kit/AppStyle.h"
+#include "Worker/Worker.h"
 
 #include <QApplication>
 
@@ -61,12 +63,12 @@ int main(int argc, char **argv) {
     Updater updater(Updater::builtIn());
     updater.start();
     AppTheme::setScheme(settings.appearancePreference());
-    AppStyle::install(application);
+    AppStyle::install(application, Settings::toolTipDelay);
     const QuitSignals quitSignals;
 
     int status = 0;
     {
-        QtDesktop desktop;
+        QtDesktop desktop(&askForText);
         MainWindow window(desktop, settings, updater);
         desktop.setWindow(&window);
         QObject::connect(&instance, &SingleInstance::raiseRequested, &window,
@@ -74,7 +76,7 @@ int main(int argc, char **argv) {
         window.show();
         status = QApplication::exec();
     }
-    Background::stop();
+    Background::stop(&ADBClient::stopRunningTools);
     awaitFontConfiguration(); // it may have been closed before it was furnished
     return status;
 }

@@ -1,8 +1,8 @@
 #include "MacFiles/MacFileClient.h"
 
 #include "MacFiles/Desktop.h"
-#include "State/Records/FileOrder.h"
-#include "State/Records/Identity.h"
+#include "Records/FileOrder.h"
+#include "Records/Identity.h"
 
 #include <QDir>
 #include <QFile>

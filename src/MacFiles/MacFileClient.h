@@ -1,6 +1,6 @@
 #pragma once
 
-#include "State/Records/FileItem.h"
+#include "Records/FileItem.h"
 
 #include <QFuture>
 #include <QList>

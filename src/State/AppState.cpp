@@ -1,7 +1,7 @@
 #include "State/AppState.h"
 
+#include "Records/FileSizeFormat.h"
 #include "State/AppStateAssign.h"
-#include "State/Records/FileSizeFormat.h"
 
 #include <QDir>
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "State/Records/AndroidDevice.h"
-#include "State/Records/Enumerations.h"
-#include "State/Records/FileItem.h"
-#include "State/Records/QueueItem.h"
-#include "State/Records/StorageShortcut.h"
-#include "State/TransferQueue.h"
+#include "Records/AndroidDevice.h"
+#include "Records/Enumerations.h"
+#include "Records/FileItem.h"
+#include "Records/QueueItem.h"
+#include "Records/StorageShortcut.h"
+#include "Transfers/TransferQueue.h"
 
 #include <QCoroTask>
 #include <QElapsedTimer>

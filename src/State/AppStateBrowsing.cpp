@@ -4,10 +4,10 @@
 #include "ADB/AndroidPath.h"
 #include "MacFiles/Desktop.h"
 #include "MacFiles/MacFileClient.h"
+#include "Records/FileSizeFormat.h"
 #include "State/AppStateAssign.h"
 #include "State/FilePreview.h"
-#include "State/Records/FileSizeFormat.h"
-#include "State/background.h"
+#include "Worker/Worker.h"
 
 #include <algorithm>
 

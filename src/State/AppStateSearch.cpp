@@ -1,9 +1,9 @@
 #include "State/AppState.h"
 
 #include "ADB/ADBClient.h"
+#include "Records/TextLength.h"
 #include "State/AppStateAssign.h"
-#include "State/Records/TextLength.h"
-#include "State/background.h"
+#include "Worker/Worker.h"
 
 namespace vantrel {
 

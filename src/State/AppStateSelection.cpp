@@ -1,8 +1,8 @@
 #include "State/AppState.h"
 
+#include "Records/FileSizeFormat.h"
+#include "Records/TextLength.h"
 #include "State/AppStateAssign.h"
-#include "State/Records/FileSizeFormat.h"
-#include "State/Records/TextLength.h"
 
 #include <algorithm>
 

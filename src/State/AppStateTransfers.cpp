@@ -3,10 +3,10 @@
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
 #include "MacFiles/MacFileClient.h"
+#include "Records/FileSizeFormat.h"
+#include "Records/Identity.h"
 #include "State/AppStateAssign.h"
-#include "State/Records/FileSizeFormat.h"
-#include "State/Records/Identity.h"
-#include "State/background.h"
+#include "Worker/Worker.h"
 
 #include <QDir>
 #include <QDirIterator>

@@ -1,9 +1,9 @@
 #include "Views/AndroidBrowserPane.h"
 
 #include "ADB/ADBClient.h"
+#include "Kit/Spinner.h"
 #include "State/AppState.h"
 #include "Views/FilePaneView.h"
-#include "Views/Kit/Spinner.h"
 
 #include <QGridLayout>
 

@@ -1,7 +1,7 @@
 #include "Views/FileContextMenu.h"
 
-#include "App/AppTheme.h"
 #include "MacFiles/MacFileClient.h"
+#include "Theme/AppTheme.h"
 #include "Views/FileEntry.h"
 
 #include <QMenu>

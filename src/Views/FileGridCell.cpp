@@ -1,9 +1,9 @@
 #include "Views/FileGridCell.h"
 
+#include "Kit/Shapes.h"
+#include "Kit/Symbol.h"
+#include "Kit/TextStyle.h"
 #include "Views/FileRow.h"
-#include "Views/Kit/Shapes.h"
-#include "Views/Kit/Symbol.h"
-#include "Views/Kit/TextStyle.h"
 
 #include <QPainter>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "App/AppTheme.h"
+#include "Theme/AppTheme.h"
 #include "Views/FileEntry.h"
 
 #include <QRectF>

@@ -1,7 +1,7 @@
 #include "Views/FileItemsAccessibility.h"
 
+#include "Kit/TextStyle.h"
 #include "Views/FileItemsView.h"
-#include "Views/Kit/TextStyle.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

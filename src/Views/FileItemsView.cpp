@@ -1,10 +1,10 @@
 #include "Views/FileItemsView.h"
 
-#include "App/AppTheme.h"
+#include "Kit/OverlayScrollBar.h"
+#include "Kit/Shapes.h"
+#include "Kit/TextStyle.h"
+#include "Theme/AppTheme.h"
 #include "Views/FileItemsAccessibility.h"
-#include "Views/Kit/OverlayScrollBar.h"
-#include "Views/Kit/Shapes.h"
-#include "Views/Kit/TextStyle.h"
 
 #include <QAccessible>
 #include <QMouseEvent>

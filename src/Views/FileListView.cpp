@@ -1,6 +1,6 @@
 #include "Views/FileListView.h"
 
-#include "App/AppTheme.h"
+#include "Theme/AppTheme.h"
 #include "Views/FileRow.h"
 
 #include <QPainter>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "State/Records/Enumerations.h"
-#include "State/Records/FileItem.h"
+#include "Records/Enumerations.h"
+#include "Records/FileItem.h"
 
 #include <QList>
 #include <QSet>

@@ -1,7 +1,7 @@
 #include "Views/FileRow.h"
 
-#include "Views/Kit/Symbol.h"
-#include "Views/Kit/TextStyle.h"
+#include "Kit/Symbol.h"
+#include "Kit/TextStyle.h"
 
 #include <QPainter>
 

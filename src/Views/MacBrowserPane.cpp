@@ -1,9 +1,9 @@
 #include "Views/MacBrowserPane.h"
 
+#include "Kit/Spinner.h"
 #include "MacFiles/MacFileClient.h"
 #include "State/AppState.h"
 #include "Views/FilePaneView.h"
-#include "Views/Kit/Spinner.h"
 
 #include <QDir>
 #include <QGridLayout>

@@ -1,11 +1,11 @@
 #include "Views/QueueListView.h"
 
-#include "App/AppTheme.h"
+#include "Kit/Accessibility.h"
+#include "Kit/IconButton.h"
+#include "Kit/OverlayScrollBar.h"
+#include "Kit/Shapes.h"
 #include "State/AppState.h"
-#include "Views/Kit/Accessibility.h"
-#include "Views/Kit/IconButton.h"
-#include "Views/Kit/OverlayScrollBar.h"
-#include "Views/Kit/Shapes.h"
+#include "Theme/AppTheme.h"
 #include "Views/QueueRowView.h"
 
 #include <QPainter>

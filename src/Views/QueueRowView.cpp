@@ -1,10 +1,10 @@
 #include "Views/QueueRowView.h"
 
-#include "App/AppTheme.h"
-#include "Views/Kit/Accessibility.h"
-#include "Views/Kit/IconButton.h"
-#include "Views/Kit/ProgressBar.h"
-#include "Views/Kit/TextLabel.h"
+#include "Kit/Accessibility.h"
+#include "Kit/IconButton.h"
+#include "Kit/ProgressBar.h"
+#include "Kit/TextLabel.h"
+#include "Theme/AppTheme.h"
 
 #include <QHBoxLayout>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "State/Records/QueueItem.h"
+#include "Records/QueueItem.h"
 
 #include <QWidget>
 

@@ -1,9 +1,9 @@
 #include "Views/ScopePicker.h"
 
-#include "App/AppTheme.h"
-#include "Views/Kit/Shapes.h"
-#include "Views/Kit/Symbol.h"
-#include "Views/Kit/TextStyle.h"
+#include "Kit/Shapes.h"
+#include "Kit/Symbol.h"
+#include "Kit/TextStyle.h"
+#include "Theme/AppTheme.h"
 
 #include <QAbstractItemView>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "State/Records/Enumerations.h"
+#include "Records/Enumerations.h"
 
 #include <QComboBox>
 

@@ -1,16 +1,16 @@
 #include "Views/SidebarView.h"
 
-#include "App/AppTheme.h"
+#include "Kit/Accessibility.h"
+#include "Kit/Card.h"
+#include "Kit/IconButton.h"
+#include "Kit/OverlayScrollBar.h"
+#include "Kit/ProgressBar.h"
+#include "Kit/Shapes.h"
+#include "Kit/Spinner.h"
+#include "Kit/TextLabel.h"
+#include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
-#include "State/Records/FileSizeFormat.h"
-#include "Views/Kit/Accessibility.h"
-#include "Views/Kit/Card.h"
-#include "Views/Kit/IconButton.h"
-#include "Views/Kit/OverlayScrollBar.h"
-#include "Views/Kit/ProgressBar.h"
-#include "Views/Kit/Shapes.h"
-#include "Views/Kit/Spinner.h"
-#include "Views/Kit/TextLabel.h"
+#include "Theme/AppTheme.h"
 
 #include <QPainter>
 #include <QScrollArea>

@@ -1,10 +1,10 @@
 #include "Views/StatusBarView.h"
 
-#include "App/AppTheme.h"
+#include "Kit/Accessibility.h"
+#include "Kit/Shapes.h"
+#include "Kit/TextLabel.h"
 #include "State/AppState.h"
-#include "Views/Kit/Accessibility.h"
-#include "Views/Kit/Shapes.h"
-#include "Views/Kit/TextLabel.h"
+#include "Theme/AppTheme.h"
 
 #include <QHBoxLayout>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #include "Views/TransferButtons.h"
 
+#include "Kit/IconButton.h"
 #include "State/AppState.h"
-#include "Views/Kit/IconButton.h"
 
 #include <QVBoxLayout>
 

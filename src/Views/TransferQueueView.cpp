@@ -1,11 +1,11 @@
 #include "Views/TransferQueueView.h"
 
-#include "App/AppTheme.h"
+#include "Kit/Accessibility.h"
+#include "Kit/Card.h"
+#include "Kit/IconButton.h"
+#include "Kit/TextLabel.h"
 #include "State/AppState.h"
-#include "Views/Kit/Accessibility.h"
-#include "Views/Kit/Card.h"
-#include "Views/Kit/IconButton.h"
-#include "Views/Kit/TextLabel.h"
+#include "Theme/AppTheme.h"
 #include "Views/QueueListView.h"
 
 #include <QVBoxLayout>

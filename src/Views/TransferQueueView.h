@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Views/Kit/RenderScheduler.h"
+#include "Kit/RenderScheduler.h"
 
 #include <QWidget>
 

@@ -5,9 +5,10 @@
 #include "support/Printers.h"
 #include "support/WaitFor.h"
 
-#include "App/AppTheme.h"
+#include "ADB/ADBClient.h"
 #include "State/AppState.h"
-#include "State/background.h"
+#include "Theme/AppTheme.h"
+#include "Worker/Worker.h"
 
 #include <QAccessible>
 #include <QTemporaryDir>
@@ -38,7 +39,7 @@ protected:
     ~ShellTest() override {
         view.reset();
         state.reset();
-        Background::stop();
+        Background::stop(&ADBClient::stopRunningTools);
         AppTheme::setScheme(ColorScheme::light);
     }
 

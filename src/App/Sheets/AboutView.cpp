@@ -1,0 +1,109 @@
+#include "App/Sheets/AboutView.h"
+
+#include "App/Sheets/SheetButtons.h"
+#include "App/System/Product.h"
+#include "Kit/Divider.h"
+#include "Kit/TextLabel.h"
+#include "Theme/AppTheme.h"
+
+#include <QDesktopServices>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int viewWidth = 340;
+constexpr int iconSize = 52;
+
+class IconView : public QWidget {
+public:
+    IconView() : m_drawing(QStringLiteral(":/icon/vantrel.svg")) { setFixedSize(iconSize, iconSize); }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        m_drawing.render(&painter, rect());
+    }
+
+private:
+    QSvgRenderer m_drawing;
+};
+
+TextLabel *centred(const QString &text, const TextStyle &style, const ThemeColor &color) {
+    auto *label = new TextLabel(style, color);
+    label->setAlignment(Qt::AlignCenter);
+    label->setText(text);
+    return label;
+}
+
+LinkButton *link(const QString &title, const QString &help, const QString &name) {
+    auto *button = new LinkButton(title);
+    button->setToolTip(help);
+    button->setAccessibleDescription(help);
+    button->setObjectName(name);
+    return button;
+}
+
+} // namespace
+
+AboutView::AboutView(QWidget *window, const AboutTexts &texts)
+    : Sheet(QStringLiteral("About ") + product::name(), viewWidth, window), m_texts(texts) {
+    constexpr TextStyle small{.size = 12, .weight = Weight::medium};
+    constexpr int gap = 18;
+    constexpr int linkGap = gap - LinkButton::margin; // a link has room around its text
+    auto *main = new QVBoxLayout;
+    main->setContentsMargins(28, 28, 28, 22);
+    main->setSpacing(0);
+    main->addWidget(new IconView, 0, Qt::AlignHCenter);
+    main->addSpacing(gap);
+    main->addWidget(centred(m_texts.title(), {.size = 18, .weight = Weight::semibold}, AppTheme::ink()));
+    main->addSpacing(gap);
+    main->addWidget(centred(QStringLiteral("Transfer files between Mac and Android"),
+                            {.size = 13, .weight = Weight::medium}, AppTheme::inkSecondary()));
+    main->addSpacing(linkGap);
+    LinkButton *site = link(product::websiteDomain(), QStringLiteral("Open ") + product::websiteDomain(),
+                            QStringLiteral("about.website"));
+    connect(site, &QAbstractButton::clicked, this, &AboutView::openWebsite);
+    main->addWidget(site, 0, Qt::AlignHCenter);
+    main->addSpacing(linkGap);
+    main->addWidget(
+        centred(QStringLiteral("Connect your phone with USB debugging on."), small, AppTheme::inkTertiary()));
+    main->addSpacing(gap + 2);
+    main->addWidget(centred(QStringLiteral("Found a bug or have an idea?"), small, AppTheme::inkTertiary()));
+    main->addSpacing(6 - LinkButton::margin);
+    LinkButton *mail = link(QStringLiteral("Send Feedback"), QStringLiteral("Email feedback about Vantrel"),
+                            QStringLiteral("about.feedback"));
+    connect(mail, &QAbstractButton::clicked, this, &AboutView::openFeedbackMail);
+    main->addWidget(mail, 0, Qt::AlignHCenter);
+    main->addSpacing(linkGap + 4);
+    main->addWidget(centred(m_texts.copyright(), {.size = 11}, AppTheme::inkTertiary()));
+    content()->addLayout(main);
+
+    content()->addWidget(new Divider);
+    auto *close = new BorderedButton(QStringLiteral("Close"), BorderedButton::Prominence::prominent);
+    close->setToolTip(QStringLiteral("Close About"));
+    close->setObjectName(QStringLiteral("about.close"));
+    connect(close, &QAbstractButton::clicked, this, &QDialog::accept);
+    setDefaultButton(close);
+    content()->addSpacing(14);
+    content()->addWidget(close, 0, Qt::AlignHCenter);
+    content()->addSpacing(14);
+}
+
+void AboutView::openWebsite() {
+    const QUrl address(product::website(), QUrl::StrictMode);
+    if (address.isValid())
+        QDesktopServices::openUrl(address);
+}
+
+void AboutView::openFeedbackMail() const {
+    const QUrl message = m_texts.feedbackUrl();
+    if (message.isValid())
+        QDesktopServices::openUrl(message);
+}
+
+} // namespace vantrel

@@ -1,0 +1,69 @@
+#include "App/Sheets/TextPrompt.h"
+
+#include "App/Sheets/SheetButtons.h"
+#include "App/System/DialogAnswer.h"
+#include "Kit/TextLabel.h"
+#include "Theme/AppTheme.h"
+
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+constexpr int sheetWidth = 240 + 2 * 20; // the field with its margins
+
+TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
+    : Sheet(question.message, sheetWidth, window) {
+    setObjectName(QStringLiteral("textPrompt"));
+    auto *heading = new TextLabel({13, Weight::bold}, AppTheme::ink(), this);
+    heading->setText(question.message);
+    auto *information = new TextLabel({11, Weight::medium}, AppTheme::inkSecondary(), this);
+    information->setText(question.informativeText);
+
+    m_field = new QLineEdit(question.initialText, this);
+    m_field->setObjectName(QStringLiteral("textPrompt.field"));
+    m_field->setAccessibleName(question.informativeText);
+    m_field->setFixedSize(240, 24);
+    m_field->setFont(TextStyle{13}.font());
+
+    auto *cancel = new BorderedButton(question.cancelLabel, BorderedButton::Prominence::normal, this);
+    cancel->setObjectName(QStringLiteral("textPrompt.cancel"));
+    auto *accept = new BorderedButton(question.acceptLabel, BorderedButton::Prominence::prominent, this);
+    accept->setObjectName(QStringLiteral("textPrompt.accept"));
+    connect(cancel, &QAbstractButton::clicked, this, &QDialog::reject);
+    connect(accept, &QAbstractButton::clicked, this, &QDialog::accept);
+    setDefaultButton(accept);
+
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addStretch();
+    buttons->addWidget(cancel);
+    buttons->addWidget(accept);
+    content()->setContentsMargins(20, 18, 20, 18);
+    content()->addWidget(heading);
+    content()->addSpacing(4);
+    content()->addWidget(information);
+    content()->addSpacing(12);
+    content()->addWidget(m_field);
+    content()->addSpacing(16);
+    content()->addLayout(buttons);
+    setTabOrder(m_field, cancel);
+    setTabOrder(cancel, accept);
+}
+
+QString TextPrompt::text() const {
+    return m_field->text();
+}
+
+void TextPrompt::showEvent(QShowEvent *event) {
+    Sheet::showEvent(event);
+    m_field->setFocus(Qt::OtherFocusReason);
+    m_field->selectAll();
+}
+
+QFuture<std::optional<QString>> askForText(const Desktop::TextQuestion &question, QWidget *window) {
+    return answerOf<TextPrompt>(new TextPrompt(question, window),
+                                [](const TextPrompt &prompt) { return prompt.text(); });
+}
+
+} // namespace vantrel

@@ -1,0 +1,150 @@
+#include "App/Window/MainWindow.h"
+
+#include "App/Sheets/AboutView.h"
+#include "App/System/FontConfiguration.h"
+#include "App/System/Product.h"
+#include "App/System/Settings.h"
+#include "App/Window/ApplicationMenu.h"
+#include "App/Window/ContentView.h"
+#include "App/Window/TitleBar.h"
+#include "App/Window/ToolbarButton.h"
+#include "App/Window/WindowChrome.h"
+#include "State/AppState.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QIcon>
+
+#include <utility>
+
+namespace vantrel {
+
+MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
+    : QMainWindow(parent), m_settings(settings), m_updater(updater),
+      m_state(AppState::designPreview(desktop)), m_pollTimer(new QTimer(this)) {
+    AppTheme::setScheme(settings.appearancePreference());
+    setObjectName(QStringLiteral("mainWindow"));
+    setMinimumSize(minimum);
+    resize(standard);
+    m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
+    setCentralWidget(new ContentGround(this));
+
+    m_pollTimer->setObjectName(QStringLiteral("devicePoll"));
+    m_pollTimer->setSingleShot(true);
+    m_pollTimer->setInterval(pollInterval);
+    connect(m_pollTimer, &QTimer::timeout, this, &MainWindow::poll);
+}
+
+MainWindow::~MainWindow() {
+    // The views hold on to the model and go first.
+    delete takeCentralWidget();
+}
+
+void MainWindow::furnish() {
+    if (std::exchange(m_isFurnished, true))
+        return;
+    awaitFontConfiguration();
+    setWindowTitle(product::name());
+    addToolbarButtons();
+    setCentralWidget(new ContentView(m_state.get(), this));
+    centralWidget()->installEventFilter(this);
+}
+
+void MainWindow::addToolbarButtons() {
+    TitleBar *bar = m_chrome->titleBar();
+    m_appearance = new ToolbarButton(bar);
+    m_appearance->setObjectName(QStringLiteral("toolbar.appearance"));
+    connect(m_appearance, &QAbstractButton::clicked, this, [this] {
+        setAppearancePreference(AppTheme::scheme() == ColorScheme::dark ? ColorScheme::light
+                                                                        : ColorScheme::dark);
+    });
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, &MainWindow::renderAppearanceButton);
+    renderAppearanceButton();
+
+    auto *about = new ToolbarButton(bar);
+    about->setObjectName(QStringLiteral("toolbar.about"));
+    about->setContent(QStringLiteral("info.circle"), QStringLiteral("About"),
+                      QStringLiteral("About Vantrel"));
+    connect(about, &QAbstractButton::clicked, this, &MainWindow::showAbout);
+
+    bar->addToolbarWidget(m_appearance);
+    bar->addToolbarWidget(about);
+    auto *menu = new ApplicationMenu(this, &m_updater);
+    connect(menu, &ApplicationMenu::aboutRequested, this, &MainWindow::showAbout);
+    if (QWidget *button = menu->createButton(bar))
+        bar->addToolbarWidget(button);
+}
+
+void MainWindow::renderAppearanceButton() {
+    if (AppTheme::scheme() == ColorScheme::dark)
+        m_appearance->setContent(QStringLiteral("sun.max"), QStringLiteral("Light"),
+                                 QStringLiteral("Switch to Light mode"));
+    else
+        m_appearance->setContent(QStringLiteral("moon"), QStringLiteral("Dark"),
+                                 QStringLiteral("Switch to Dark mode"));
+}
+
+void MainWindow::setAppearancePreference(ColorScheme scheme) {
+    m_settings.setAppearancePreference(scheme);
+    AppTheme::setScheme(scheme);
+}
+
+void MainWindow::showAbout() {
+    auto *about = new AboutView(this);
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->open();
+}
+
+bool MainWindow::event(QEvent *event) {
+    // When nothing has the keyboard the toolkit gives it to the first control, and the focus ring would be
+    // the first thing that is seen. Tab begins there all the same.
+    if (event->type() == QEvent::WindowActivate && !focusWidget()) {
+        QTimer::singleShot(0, this, [this] {
+            if (QWidget *first = focusWidget())
+                first->clearFocus();
+        });
+    }
+    return QMainWindow::event(event);
+}
+
+void MainWindow::showEvent(QShowEvent *event) {
+    QMainWindow::showEvent(event);
+    centralWidget()->installEventFilter(this);
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Paint && watched == centralWidget()) {
+        // Each step comes when the frame before it is on the screen.
+        watched->removeEventFilter(this);
+        if (!m_isFurnished)
+            QTimer::singleShot(0, this, &MainWindow::furnish);
+        else if (!std::exchange(m_isStarted, true))
+            QTimer::singleShot(0, this, &MainWindow::runStartUp); // the first tool
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event) {
+    QMainWindow::closeEvent(event);
+    if (event->isAccepted()) {
+        m_pollTimer->stop();
+        m_isStarted = false;
+    }
+}
+
+QCoro::Task<> MainWindow::runStartUp() {
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.svg")));
+    // The model ends before this window does, and with it whatever is awaited here.
+    co_await m_state->browseMac(m_state->macPath());
+    co_await m_state->refreshDevice(AppState::Spinner::shown);
+    if (m_isStarted)
+        m_pollTimer->start();
+}
+
+QCoro::Task<> MainWindow::poll() {
+    co_await m_state->refreshDevice(AppState::Spinner::hidden);
+    if (m_isStarted)
+        m_pollTimer->start();
+}
+
+} // namespace vantrel

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Theme/AppTheme.h"
+
+#include <QCoroTask>
+#include <QMainWindow>
+#include <QTimer>
+
+#include <chrono>
+#include <memory>
+
+namespace vantrel {
+
+class AppState;
+class Desktop;
+class Settings;
+class ToolbarButton;
+class Updater;
+class WindowChrome;
+
+/// The window of the program. It owns the model and looks for the phone for as long as it is open.
+///
+/// It comes up as its grounds and the window's buttons alone, and is furnished after that first frame:
+/// opening fonts and laying out texts takes nearly as long as all that came before, and a window answers the
+/// click.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    static constexpr QSize minimum{1100, 720}; ///< layout pixels, with the title bar
+    static constexpr QSize standard{1280, 820};
+    /// From the end of one look at the phone to the next.
+    static constexpr std::chrono::seconds pollInterval{3};
+
+    /// All of them must outlive the window. It takes the colour scheme from the settings at once.
+    MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    [[nodiscard]] AppState &state() const { return *m_state; }
+    /// Whether everything is there: an event-loop pass after the first frame.
+    [[nodiscard]] bool isFurnished() const { return m_isFurnished; }
+
+    /// Shows the About window over this one.
+    void showAbout();
+    /// Changes the colour scheme of everything, for this start and the next ones.
+    void setAppearancePreference(ColorScheme scheme);
+
+protected:
+    bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void furnish();
+    void addToolbarButtons();
+    void renderAppearanceButton();
+    QCoro::Task<> runStartUp();
+    QCoro::Task<> poll();
+
+    Settings &m_settings;
+    Updater &m_updater;
+    std::unique_ptr<AppState> m_state;
+    WindowChrome *m_chrome;
+    ToolbarButton *m_appearance = nullptr;
+    QTimer *m_pollTimer;
+    bool m_isFurnished = false;
+    bool m_isStarted = false;
+};
+
+} // namespace vantrel

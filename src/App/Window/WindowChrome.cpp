@@ -1,0 +1,371 @@
+#include "App/Window/WindowChrome.h"
+
+#include "App/Window/TitleBar.h"
+#include "App/Window/WindowPlacement.h"
+#include "Kit/WindowFrame.h"
+#include "Theme/AppTheme.h"
+#ifdef Q_OS_MACOS
+#include "App/Window/MacTitleBar.h"
+#endif
+#include "Kit/Shapes.h"
+
+#include <QAbstractButton>
+#include <QAbstractSlider>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScreen>
+#include <QWindow>
+
+#include <utility>
+
+namespace vantrel {
+
+namespace {
+
+bool isWayland() {
+    return QGuiApplication::platformName().startsWith(QLatin1StringView("wayland"));
+}
+
+Qt::CursorShape cursorFor(Qt::Edges edges) {
+    if (edges == (Qt::TopEdge | Qt::LeftEdge) || edges == (Qt::BottomEdge | Qt::RightEdge))
+        return Qt::SizeFDiagCursor;
+    if (edges == (Qt::TopEdge | Qt::RightEdge) || edges == (Qt::BottomEdge | Qt::LeftEdge))
+        return Qt::SizeBDiagCursor;
+    return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
+}
+
+bool takesClicks(const QWidget *widget) {
+    return qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QLineEdit *>(widget) ||
+           qobject_cast<const QComboBox *>(widget) || qobject_cast<const QAbstractSlider *>(widget) ||
+           qobject_cast<const QAbstractSpinBox *>(widget) ||
+           QLatin1StringView(widget->metaObject()->className()).contains(QLatin1StringView("Button"));
+}
+
+} // namespace
+
+WindowChrome::WindowChrome(QMainWindow *window, std::function<QString()> doubleClickAction)
+    : QObject(window), m_window(window), m_titleBar(new TitleBar(window)),
+      m_coordinator(std::move(doubleClickAction)) {
+#ifdef Q_OS_MACOS
+    // Made transparent as soon as there is a native window, and again when full screen has reset it.
+#else
+    m_window->setWindowFlag(Qt::FramelessWindowHint);
+    if (desktopBlendsWindows()) {
+        m_window->setAttribute(Qt::WA_TranslucentBackground);
+        m_hasRoundCorners = true;
+    }
+#endif
+    m_titleBar->setTitle(m_window->windowTitle());
+    m_window->setMenuWidget(m_titleBar);
+    m_window->installEventFilter(this);
+    m_coordinator.attach(this);
+    connect(m_titleBar, &TitleBar::windowButtonClicked, this, [this](WindowButton button) {
+        switch (button) {
+        case WindowButton::close:
+            m_window->close();
+            break;
+        case WindowButton::minimise:
+            minimise();
+            break;
+        case WindowButton::zoom:
+            m_coordinator.toggleZoom();
+            break;
+        }
+    });
+    connect(&AppTheme::instance(), &AppTheme::schemeChanged, m_window, qOverload<>(&QWidget::update));
+    watchNativeWindow();
+    watchScreens();
+    fitShape();
+}
+
+WindowChrome::~WindowChrome() {
+    pointAt({});
+}
+
+void WindowChrome::watchScreens() {
+    const auto watch = [this](const QScreen *screen) {
+        connect(screen, &QScreen::availableGeometryChanged, this, &WindowChrome::stayReachable);
+    };
+    for (const QScreen *screen : QGuiApplication::screens())
+        watch(screen);
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, watch);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &WindowChrome::stayReachable);
+}
+
+void WindowChrome::watchNativeWindow() {
+    QWindow *native = m_window->windowHandle();
+    if (!native || native == m_nativeWindow)
+        return;
+    // The window below the widgets sees the mouse before any of them, and in its own coordinates.
+    m_nativeWindow = native;
+    native->installEventFilter(this);
+#ifdef Q_OS_MACOS
+    makeTitleBarTransparent(native);
+#endif
+}
+
+bool WindowChrome::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == m_nativeWindow)
+        return nativeWindowEvent(event);
+    if (watched == m_window) {
+        if (event->type() == QEvent::Paint) {
+            paintGround();
+            return true;
+        }
+        windowEvent(event);
+    }
+    return false;
+}
+
+void WindowChrome::windowEvent(QEvent *event) {
+    switch (event->type()) {
+    case QEvent::WinIdChange:
+        watchNativeWindow();
+        break;
+    case QEvent::Show:
+        watchNativeWindow();
+        stayReachable();
+        break;
+    case QEvent::WindowStateChange:
+        fitShape();
+        break;
+    case QEvent::WindowTitleChange:
+        m_titleBar->setTitle(m_window->windowTitle());
+        break;
+    case QEvent::WindowActivate:
+    case QEvent::WindowDeactivate:
+        m_titleBar->setActive(event->type() == QEvent::WindowActivate);
+        break;
+    default:
+        break;
+    }
+}
+
+bool WindowChrome::nativeWindowEvent(QEvent *event) {
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        return mousePressed(*static_cast<QMouseEvent *>(event));
+    case QEvent::MouseMove:
+        return mouseMoved(*static_cast<QMouseEvent *>(event));
+    case QEvent::MouseButtonRelease:
+        return mouseReleased(*static_cast<QMouseEvent *>(event));
+    case QEvent::Leave:
+        if (!m_grip)
+            pointAt({});
+        return false;
+    default:
+        return false;
+    }
+}
+
+ChromeMouseEvent WindowChrome::chromeEvent(const QMouseEvent &event) const {
+    return {this, event.position(), m_clickCount};
+}
+
+bool WindowChrome::mousePressed(const QMouseEvent &event) {
+    if (event.button() != Qt::LeftButton)
+        return false;
+    // The toolkit tells of the second click twice, as a press and as a double-click.
+    const bool second = event.type() == QEvent::MouseButtonDblClick ||
+                        event.flags().testFlag(Qt::MouseEventCreatedDoubleClick);
+    m_clickCount = second ? 2 : 1;
+    m_grip.reset();
+    if (const Qt::Edges edges = edgesAt(event.position())) {
+        if (!second && !m_nativeWindow->startSystemResize(edges))
+            m_grip = Grip{edges, event.globalPosition().toPoint(), frame()};
+        return true;
+    }
+    return m_coordinator.mousePressed(chromeEvent(event)) == EventOutcome::swallow;
+}
+
+bool WindowChrome::mouseMoved(const QMouseEvent &event) {
+    if (!event.buttons().testFlag(Qt::LeftButton)) {
+        m_grip.reset(); // its release went elsewhere
+        pointAt(event.buttons() ? Qt::Edges() : edgesAt(event.position()));
+        return false;
+    }
+    if (m_grip) {
+        followMouse(event.globalPosition().toPoint());
+        return true;
+    }
+    return m_coordinator.mouseDragged(chromeEvent(event)) == EventOutcome::swallow;
+}
+
+bool WindowChrome::mouseReleased(const QMouseEvent &event) {
+    if (event.button() != Qt::LeftButton)
+        return false;
+    m_grip.reset();
+    m_coordinator.mouseReleased(chromeEvent(event));
+    // Never swallowed: the toolkit keeps count of the buttons that are down, and nothing in the band minds.
+    return false;
+}
+
+void WindowChrome::followMouse(QPoint position) {
+    const QPoint offset = position - m_grip->pressedAt;
+    if (m_grip->edges)
+        m_window->setGeometry(resizedFrame(m_grip->frame, m_grip->edges, offset,
+                                           m_window->minimumSize().expandedTo(m_window->minimumSizeHint())));
+    else
+        m_window->move(m_grip->frame.topLeft() + offset);
+    stayReachable();
+}
+
+Qt::Edges WindowChrome::edgesAt(QPointF position) const {
+#ifdef Q_OS_MACOS
+    Q_UNUSED(position)
+    return {}; // the window has native edges
+#else
+    return fillsScreen() ? Qt::Edges() : resizeEdgesAt(position, m_window->size());
+#endif
+}
+
+void WindowChrome::pointAt(Qt::Edges edges) {
+    if (edges == m_pointedEdges)
+        return;
+    // An override, since the widgets that reach to the edge have cursors of their own.
+    if (m_pointedEdges)
+        QGuiApplication::restoreOverrideCursor();
+    if (edges)
+        QGuiApplication::setOverrideCursor(cursorFor(edges));
+    m_pointedEdges = edges;
+}
+
+bool WindowChrome::fillsScreen() const {
+    return m_window->isMaximized() || m_window->isFullScreen();
+}
+
+void WindowChrome::fitShape() {
+#ifdef Q_OS_MACOS
+    if (m_nativeWindow)
+        makeTitleBarTransparent(m_nativeWindow);
+#else
+    const bool fills = fillsScreen();
+    const int line = fills ? 0 : int(hairline);
+    m_window->setContentsMargins(line, line, line, line);
+    m_titleBar->setCornerRadius(m_hasRoundCorners && !fills ? windowCornerRadius - line : 0);
+    pointAt({});
+    m_window->update();
+#endif
+}
+
+void WindowChrome::paintGround() {
+    QPainter painter(m_window);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF rect = m_window->rect();
+    const double radius = m_hasRoundCorners && !fillsScreen() ? windowCornerRadius : 0;
+    painter.fillPath(roundedTop(rect, radius), QColor(AppTheme::titleBar()));
+    if (fillsScreen())
+        return;
+    if (radius > 0) {
+        const double inset = hairline / 2;
+        painter.strokePath(roundedTop(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
+                           QPen(QColor(AppTheme::paneStroke()), hairline));
+    } else {
+        strokeInside(painter, rect, 0, AppTheme::paneStroke(), hairline);
+    }
+}
+
+void WindowChrome::stayReachable() {
+    if (fillsScreen() || !m_window->isVisible() || isWayland()) // there the compositor alone places windows
+        return;
+    QList<QRect> screens;
+    for (const QScreen *screen : QGuiApplication::screens())
+        screens.append(screen->availableGeometry());
+    const QRect reachable = reachableFrame(frame(), screens);
+    if (reachable != frame())
+        m_window->move(reachable.topLeft());
+}
+
+QRect WindowChrome::frame() const {
+    return m_window->geometry();
+}
+
+std::optional<QRect> WindowChrome::visibleScreenFrame() const {
+    const QScreen *screen = m_window->screen();
+    return screen ? std::optional(screen->availableGeometry()) : std::nullopt;
+}
+
+qreal WindowChrome::contentTop() const {
+    return m_titleBar->mapTo(m_window, QPoint(0, m_titleBar->height())).y();
+}
+
+std::optional<QRectF> WindowChrome::buttonFrame(WindowButton button) const {
+    const QAbstractButton *view = m_titleBar->button(button);
+    if (!view || !view->isVisible())
+        return std::nullopt;
+    return QRectF(view->mapTo(m_window, QPoint()), view->size());
+}
+
+bool WindowChrome::isOverControl(QPointF position) const {
+    for (const QWidget *widget = m_window->childAt(position.toPoint()); widget && widget != m_window;
+         widget = widget->parentWidget()) {
+        if (takesClicks(widget))
+            return true;
+    }
+    return false;
+}
+
+bool WindowChrome::isZoomed() const {
+    return m_window->isMaximized();
+}
+
+bool WindowChrome::isFullScreen() const {
+    return m_window->isFullScreen();
+}
+
+void WindowChrome::setFrame(const QRect &frame) {
+    // To fill the screen is to be maximised: then the desktop knows, squares the corners and puts the window
+    // back when it is dragged away. On Wayland there is no other way.
+    if (frame == visibleScreenFrame()) {
+        m_window->showMaximized();
+        return;
+    }
+    if (fillsScreen())
+        m_window->showNormal();
+    m_window->setGeometry(frame);
+    stayReachable();
+}
+
+void WindowChrome::toggleZoom() {
+    if (m_window->isMaximized())
+        m_window->showNormal();
+    else
+        m_window->showMaximized();
+}
+
+void WindowChrome::toggleFullScreen() {
+    m_window->setWindowState(m_window->windowState() ^ Qt::WindowFullScreen);
+}
+
+void WindowChrome::minimise() {
+    m_window->showMinimized();
+}
+
+void WindowChrome::startMove(QPointF pressed) {
+    const QPoint pressedAt = m_window->mapToGlobal(pressed).toPoint();
+    if (m_window->isMaximized() && !isWayland()) { // Wayland's compositors do this themselves
+        const QRect normal = frameDraggedOutOf(frame(), pressed, m_window->normalGeometry().size());
+        m_window->showNormal();
+        m_window->setGeometry(normal);
+    }
+    if (!m_nativeWindow->startSystemMove())
+        m_grip = Grip{{}, pressedAt, frame()};
+}
+
+void bringToFront(QWidget *window, const QByteArray &activationToken) {
+    if (!activationToken.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken); // where the toolkit looks for it
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+} // namespace vantrel

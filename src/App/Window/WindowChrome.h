@@ -1,0 +1,94 @@
+#pragma once
+
+#include "App/Window/WindowChromeCoordinator.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QRect>
+
+#include <functional>
+#include <optional>
+
+class QMainWindow;
+class QMouseEvent;
+class QWidget;
+class QWindow;
+
+namespace vantrel {
+
+class TitleBar;
+
+/// Gives a main window a frame of our own: the title bar, moving, zooming and resizing with the mouse. Moves
+/// and resizes are left to the window system where it offers that, so that its snapping and tiling work;
+/// elsewhere the window follows the mouse by itself. The window is kept where its title bar can be reached.
+///
+/// On the Mac the window keeps its native buttons, edges and shadow under a transparent title bar, and only
+/// the rules for the mouse are ours; that part has not been run.
+///
+/// Made before the window is shown; lives as long as the window.
+class WindowChrome : public QObject, private ChromeWindow {
+    Q_OBJECT
+
+public:
+    /// `doubleClickAction` is asked at every double-click in the title bar.
+    WindowChrome(QMainWindow *window, std::function<QString()> doubleClickAction);
+    ~WindowChrome() override;
+
+    [[nodiscard]] TitleBar *titleBar() const { return m_titleBar; }
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    /// What the mouse does to the window while the window system does not do it.
+    struct Grip {
+        Qt::Edges edges;  ///< none: it moves the window
+        QPoint pressedAt; ///< on the screen
+        QRect frame;      ///< at that time
+    };
+
+    void watchNativeWindow();
+    void watchScreens();
+    bool nativeWindowEvent(QEvent *event);
+    void windowEvent(QEvent *event);
+    bool mousePressed(const QMouseEvent &event);
+    bool mouseMoved(const QMouseEvent &event);
+    bool mouseReleased(const QMouseEvent &event);
+    void followMouse(QPoint position);
+    void pointAt(Qt::Edges edges);
+    void paintGround();
+    void fitShape();
+    void stayReachable();
+    [[nodiscard]] bool fillsScreen() const;
+    [[nodiscard]] Qt::Edges edgesAt(QPointF position) const;
+    [[nodiscard]] ChromeMouseEvent chromeEvent(const QMouseEvent &event) const;
+
+    // The coordinator's view of the window.
+    [[nodiscard]] QRect frame() const override;
+    [[nodiscard]] std::optional<QRect> visibleScreenFrame() const override;
+    [[nodiscard]] qreal contentTop() const override;
+    [[nodiscard]] std::optional<QRectF> buttonFrame(WindowButton button) const override;
+    [[nodiscard]] bool isOverControl(QPointF position) const override;
+    [[nodiscard]] bool isZoomed() const override;
+    [[nodiscard]] bool isFullScreen() const override;
+    void setFrame(const QRect &frame) override;
+    void toggleZoom() override;
+    void toggleFullScreen() override;
+    void minimise() override;
+    void startMove(QPointF pressed) override;
+
+    QMainWindow *m_window;
+    TitleBar *m_titleBar;
+    QPointer<QWindow> m_nativeWindow;
+    WindowChromeCoordinator m_coordinator;
+    std::optional<Grip> m_grip;
+    Qt::Edges m_pointedEdges;
+    int m_clickCount = 1;
+    bool m_hasRoundCorners = false;
+};
+
+/// Shows the window, whatever state it is in, in front of the others and with the keyboard. `activationToken`
+/// is what the desktop gave the start that asks for it; without one some desktops only mark the window as
+/// wanting attention.
+void bringToFront(QWidget *window, const QByteArray &activationToken);
+
+} // namespace vantrel

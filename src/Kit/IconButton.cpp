@@ -1,0 +1,32 @@
+#include "Kit/IconButton.h"
+
+#include "Kit/Shapes.h"
+
+#include <QPainter>
+
+namespace vantrel {
+
+IconButton::IconButton(QSize size, double radius, QWidget *parent)
+    : PlainButton(parent), m_size(size), m_radius(qMin(radius, qMin(size.width(), size.height()) / 2.0)) {
+    setFixedSize(size);
+    setRingRadius(m_radius);
+}
+
+void IconButton::setLook(const Look &look) {
+    if (m_look == look)
+        return;
+    m_look = look;
+    update();
+}
+
+QSize IconButton::sizeHint() const {
+    return m_size;
+}
+
+void IconButton::paintContent(QPainter &painter) {
+    painter.setOpacity(isEnabled() ? 1 : m_look.disabledOpacity);
+    paintCard(painter, rect(), m_radius, m_look.fill, m_look.stroke, m_look.strokeWidth);
+    m_look.symbol.paint(painter, rect(), m_look.glyph);
+}
+
+} // namespace vantrel

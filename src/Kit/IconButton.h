@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Kit/PlainButton.h"
+#include "Kit/Symbol.h"
+#include "Theme/AppTheme.h"
+
+namespace vantrel {
+
+/// A button that shows one symbol on a small card. The view sets the look that fits its state:
+///
+///     auto *refresh = new IconButton({24, 24}, IconButton::circle);
+///     refresh->setLook({.symbol = {u"arrow.clockwise"_s, 11, Weight::semibold},
+///                       .glyph = AppTheme::inkSecondary(),
+///                       .fill = AppTheme::canvas(),
+///                       .stroke = AppTheme::stroke()});
+///     refresh->setHelp(u"Refresh"_s);
+class IconButton : public PlainButton {
+    Q_OBJECT
+
+public:
+    struct Look {
+        Symbol symbol = {};
+        ThemeColor glyph = AppTheme::inkSecondary();
+        ThemeColor fill = {};
+        ThemeColor stroke = {};
+        double strokeWidth = 1;
+        double disabledOpacity = 1; ///< of the whole button while it is disabled
+
+        friend bool operator==(const Look &, const Look &) = default;
+    };
+
+    /// As `radius`: as round as the size allows.
+    static constexpr double circle = 1e6;
+
+    /// A button of a fixed size; `radius` is that of its corners, both in layout pixels.
+    IconButton(QSize size, double radius, QWidget *parent = nullptr);
+
+    /// Repaints only when the look differs.
+    void setLook(const Look &look);
+    [[nodiscard]] const Look &look() const { return m_look; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintContent(QPainter &painter) override;
+
+private:
+    QSize m_size;
+    double m_radius;
+    Look m_look;
+};
+
+} // namespace vantrel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Kit/TextStyle.h"
+#include "Theme/AppTheme.h"
+
+#include <QLabel>
+
+namespace vantrel {
+
+/// Text that yields: it asks for its natural width but shrinks to nothing before it makes its parent wider,
+/// and is shortened with "…". While it is, the tool tip shows the whole text. Assistive technology always
+/// reads the whole.
+///
+/// One line, unless setMaximumLines() allows more. Alignment is QLabel's, vertically centred by default.
+class TextLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    TextLabel(const TextStyle &style, const ThemeColor &color, QWidget *parent = nullptr);
+
+    /// Repaints and lays out again only when the text differs.
+    void setText(const QString &text);
+    void setColor(const ThemeColor &color);
+    void setElision(Elision elision);
+    void setMaximumLines(int lines);
+
+    /// Whether the text is shortened at the current width.
+    [[nodiscard]] bool isElided() const;
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] bool hasHeightForWidth() const override;
+    [[nodiscard]] int heightForWidth(int width) const override;
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    TextStyle m_style;
+    ThemeColor m_color;
+    Elision m_elision = Elision::end;
+    int m_maximumLines = 1;
+};
+
+} // namespace vantrel
