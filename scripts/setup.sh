@@ -9,7 +9,7 @@ debian_test="libgtest-dev libgmock-dev desktop-file-utils appstream dpkg-dev fil
 debian_bench="python3 xvfb"
 debian_coverage="gcovr"
 debian_fuzz="clang-14 libclang-rt-14-dev"
-debian_lint="clang-format-14 clang-tidy-14"
+debian_lint="clang-format-14 clang-tidy-14 python3"
 brew_all="cmake ninja ccache qt qcoro6 tl-expected googletest google-benchmark clang-format llvm"
 
 as_root() {
