@@ -1,0 +1,620 @@
+#include "Transfers/CopyRun.h"
+
+#include "ADB/AndroidPath.h"
+#include "ADB/PhoneCopies.h"
+#include "Transfers/LocalStaging.h"
+#include "Transfers/StagedName.h"
+
+#include <QFile>
+#include <QSet>
+
+#include <algorithm>
+#include <mutex>
+#include <sys/stat.h>
+
+namespace vantrel {
+
+namespace {
+
+/// FAT keeps times in steps of two seconds.
+constexpr qint64 timeTolerance = 2;
+
+/// One file that is missing on the other side.
+struct PlannedFile {
+    qsizetype entry = 0;
+    QString source;
+    QString destination;
+    QString shownPath; ///< below the entry; its name for a single file
+    qint64 sizeBytes = 0;
+    qint64 modified = 0;
+};
+
+bool isSameContent(const TreeEntry &there, qint64 sizeBytes, qint64 modified) {
+    return there.kind == TreeEntry::Kind::file && there.sizeBytes == sizeBytes &&
+           std::abs(there.modified - modified) <= timeTolerance;
+}
+
+QString parentOf(const QString &path) {
+    const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
+    return slash <= 0 ? QStringLiteral("/") : path.left(slash);
+}
+
+QString below(const QString &root, const QString &path) {
+    return path.isEmpty() ? root : AndroidPath::join(root, path);
+}
+
+/// Each folder once per run of the program: what is swept are the remains of programs that have ended.
+bool isFirstVisit(const QString &place) {
+    static std::mutex guard;
+    static QSet<QString> visited;
+    const std::scoped_lock lock(guard);
+    const bool isFirst = !visited.contains(place);
+    visited.insert(place);
+    return isFirst;
+}
+
+/// What adb's error line means to the user.
+QString explained(const QString &error) {
+    const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
+    const QString reason = colon < 0 ? error : error.mid(colon + 2);
+    if (error.contains(QLatin1String("remote open failed")))
+        return QStringLiteral("The phone can’t read it: ") + reason;
+    if (error.contains(QLatin1String("remote ")))
+        return QStringLiteral("The phone can’t write it: ") + reason;
+    if (error.startsWith(QLatin1String("cannot create")) || error.startsWith(QLatin1String("cannot write")))
+        return QStringLiteral("This computer can’t write it: ") + reason;
+    if (error.startsWith(QLatin1String("cannot ")))
+        return QStringLiteral("This computer can’t read it: ") + reason;
+    return reason;
+}
+
+class CopyRun {
+public:
+    CopyRun(const CopyJob &job, const CopyWatcher &watcher, std::stop_token stop)
+        : m_job(job), m_watcher(watcher), m_stop(std::move(stop)), m_states(job.entries.size()) {}
+
+    void run() {
+        sweep();
+        readSources();
+        readDestinations();
+        plan();
+        makeFolders();
+        copyMissing();
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry)
+            end(entry);
+    }
+
+private:
+    /// What is known of one entry.
+    struct State {
+        FileTree source;
+        CopyReport report;
+        CopyProgress progress;
+        qsizetype filesLeft = 0; ///< planned files that have not ended
+        qint64 stagedBytes = 0;  ///< through, but without their names
+        qsizetype stagedFiles = 0;
+        bool hasEnded = false;
+    };
+
+    [[nodiscard]] bool isPull() const { return m_job.direction == TransferDirection::androidToMac; }
+    [[nodiscard]] bool isWanted(qsizetype entry) const {
+        return !m_watcher.isWanted || m_watcher.isWanted(m_job.entries.at(entry).id);
+    }
+    [[nodiscard]] bool isGivenUp(qsizetype entry) const {
+        return m_states.at(entry).hasEnded || m_stop.stop_requested() || !isWanted(entry);
+    }
+
+    void end(qsizetype entry) {
+        State &state = m_states[entry];
+        if (state.hasEnded)
+            return;
+        state.hasEnded = true;
+        if (m_watcher.onEnd && isWanted(entry))
+            m_watcher.onEnd(m_job.entries.at(entry).id, state.report);
+    }
+    void fail(qsizetype entry, const QString &message) {
+        if (m_states.at(entry).hasEnded)
+            return;
+        m_states[entry].report.failure = message;
+        end(entry);
+    }
+    void failAll(const QString &message) {
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry)
+            fail(entry, message);
+    }
+
+    // -- Looking
+
+    /// Removes what programs that died have left in the folder that is to be written into.
+    void sweep() const {
+        if (!isFirstVisit(isPull() ? m_job.folder : QString(m_job.serial % QLatin1Char(':') % m_job.folder)))
+            return;
+        if (isPull()) {
+            LocalFiles::sweep(m_job.folder);
+            return;
+        }
+        const auto names =
+            ADBClient::namesBeginningWith(m_job.serial, m_job.folder, StagedName::prefix(), m_stop);
+        if (!names)
+            return; // the phone says why at the next question
+        for (const QString &path : *names) {
+            const QString name = AndroidPath::lastComponent(path);
+            if (StagedName::isLeftOver(name))
+                ADBClient::removeFolder(m_job.serial, AndroidPath::join(m_job.folder, name));
+        }
+    }
+
+    void readSources() {
+        QStringList single;
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            const CopyEntry &copied = m_job.entries.at(entry);
+            if (!isPull())
+                m_states[entry].source = LocalFiles::readTree(copied.source);
+            else if (copied.isFolder)
+                readPhoneTree(entry);
+            else
+                single.append(copied.source);
+        }
+        if (single.isEmpty())
+            return;
+        const auto facts = ADBClient::fetchFacts(m_job.serial, single, m_stop);
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            const CopyEntry &copied = m_job.entries.at(entry);
+            if (copied.isFolder)
+                continue;
+            if (!facts)
+                fail(entry, facts.error().errorDescription());
+            else if (const auto found = facts->constFind(copied.source); found != facts->constEnd())
+                found->kind == TreeEntry::Kind::folder
+                    ? readPhoneTree(entry)
+                    : m_states[entry].source.entries.append(
+                          {{}, found->kind, found->sizeBytes, found->modified});
+        }
+    }
+
+    void readPhoneTree(qsizetype entry) {
+        auto tree = ADBClient::fetchTree(m_job.serial, m_job.entries.at(entry).source, m_stop);
+        if (tree)
+            m_states[entry].source = std::move(*tree);
+        else
+            fail(entry, tree.error().errorDescription());
+    }
+
+    /// The phone is asked at once for all that stands there; this computer is looked at file by file.
+    void readDestinations() {
+        if (isPull())
+            return;
+        constexpr int numbersToTry = 20;
+        QStringList single;
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            const CopyEntry &copied = m_job.entries.at(entry);
+            if (m_states.at(entry).source.entries.isEmpty() || m_states.at(entry).hasEnded)
+                continue;
+            const bool isFolder = m_states.at(entry).source.entries.first().kind == TreeEntry::Kind::folder;
+            if (isFolder) {
+                const auto tree = ADBClient::fetchTree(m_job.serial, copied.destination, m_stop);
+                if (!tree)
+                    return failAll(tree.error().errorDescription());
+                for (const TreeEntry &found : tree->entries)
+                    m_there.insert(below(copied.destination, found.path), found);
+            } else {
+                single.append(copied.destination);
+            }
+            for (int number = 2; copied.whenTaken == WhenTaken::keepBoth && number <= numbersToTry; ++number)
+                single.append(AndroidPath::join(
+                    m_job.folder, numberedName(AndroidPath::lastComponent(copied.destination), number)));
+        }
+        if (single.isEmpty())
+            return;
+        const auto facts = ADBClient::fetchFacts(m_job.serial, single, m_stop);
+        if (!facts)
+            return failAll(facts.error().errorDescription());
+        for (auto fact = facts->cbegin(); fact != facts->cend(); ++fact)
+            m_there.insert(fact.key(), fact.value());
+    }
+
+    [[nodiscard]] std::optional<TreeEntry> lookAtDestination(const QString &path) const {
+        if (isPull())
+            return LocalFiles::look(path);
+        const auto found = m_there.constFind(path);
+        return found == m_there.constEnd() ? std::nullopt : std::optional(*found);
+    }
+
+    // -- Planning
+
+    void plan() {
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            State &state = m_states[entry];
+            if (state.hasEnded)
+                continue;
+            const QString name = AndroidPath::lastComponent(m_job.entries.at(entry).source);
+            if (state.source.entries.isEmpty())
+                fail(entry, QStringLiteral("“%1” is not there any more.").arg(name));
+            else if (state.source.entries.first().kind == TreeEntry::Kind::other)
+                fail(entry,
+                     QStringLiteral("“%1” is neither a file nor a folder and was not copied.").arg(name));
+            else
+                planEntry(entry);
+            state.source.entries.clear(); // a million of them would be a lot to keep
+        }
+    }
+
+    void planEntry(qsizetype entry) {
+        const CopyEntry &copied = m_job.entries.at(entry);
+        State &state = m_states[entry];
+        state.report.leftOut = state.source.leftOut;
+        const bool isFolder = state.source.entries.first().kind == TreeEntry::Kind::folder;
+        QString root = copied.destination;
+        if (isFolder) {
+            const auto there = lookAtDestination(root);
+            if (there && there->kind != TreeEntry::Kind::folder) {
+                if (copied.whenTaken == WhenTaken::ask) {
+                    state.report.fileCount = 1;
+                    state.report.taken.append({AndroidPath::lastComponent(root), takenReason()});
+                    return;
+                }
+                root = freeName(root);
+            }
+        }
+        QString closed; // below it nothing can be put
+        for (const TreeEntry &found : std::as_const(state.source.entries)) {
+            const QString destination = below(root, found.path);
+            const QString shown =
+                found.path.isEmpty() ? AndroidPath::lastComponent(copied.source) : found.path;
+            const bool isClosed =
+                !closed.isEmpty() && found.path.startsWith(QString(closed % QLatin1Char('/')));
+            if (StagedName::isStaged(AndroidPath::lastComponent(destination)))
+                continue;
+            if (found.kind == TreeEntry::Kind::other) {
+                state.report.leftOut.append({shown, QStringLiteral("Neither a file nor a folder")});
+            } else if (found.kind == TreeEntry::Kind::folder) {
+                const auto there = lookAtDestination(destination);
+                if (!there)
+                    m_folders.append({entry, {}, destination, found.path, 0, 0});
+                else if (there->kind != TreeEntry::Kind::folder && !isClosed)
+                    closed = found.path;
+            } else {
+                ++state.report.fileCount;
+                state.progress.totalBytes += found.sizeBytes;
+                if (isClosed)
+                    state.report.failed.append(
+                        {shown, QStringLiteral("“%1” there is no folder.").arg(closed)});
+                else
+                    planFile({entry, below(copied.source, found.path), destination, shown, found.sizeBytes,
+                              found.modified});
+            }
+        }
+        state.progress.fileCount = state.report.fileCount;
+        report(entry, 0);
+    }
+
+    /// Whether the file is missing, there already, or kept from its place by another content.
+    void planFile(PlannedFile file) {
+        State &state = m_states[file.entry];
+        const QString wanted = file.destination;
+        const bool keepsBoth = m_job.entries.at(file.entry).whenTaken == WhenTaken::keepBoth;
+        for (int number = 2;; ++number) {
+            const auto there = lookAtDestination(file.destination);
+            const bool isPlanned = m_planned.contains(file.destination);
+            if (!there && !isPlanned) {
+                // The first free name means that no copy of this content stands under the others.
+                if (file.destination != wanted && !keepsBoth)
+                    break;
+                m_planned.insert(file.destination);
+                ++state.filesLeft;
+                m_files.append(std::move(file));
+                return;
+            }
+            if (there && isSameContent(*there, file.sizeBytes, file.modified)) {
+                ++state.report.alreadyThere;
+                ++state.progress.files;
+                state.progress.bytes += file.sizeBytes;
+                return;
+            }
+            file.destination =
+                AndroidPath::join(parentOf(wanted), numberedName(AndroidPath::lastComponent(wanted), number));
+        }
+        state.report.taken.append({file.shownPath, takenReason()});
+    }
+
+    [[nodiscard]] QString freeName(const QString &path) const {
+        QString free = path;
+        for (int number = 2; lookAtDestination(free); ++number)
+            free = AndroidPath::join(parentOf(path), numberedName(AndroidPath::lastComponent(path), number));
+        return free;
+    }
+
+    static QString takenReason() { return QStringLiteral("Another content stands under this name"); }
+
+    // -- Copying
+
+    void makeFolders() {
+        if (isPull()) {
+            for (const PlannedFile &folder : std::as_const(m_folders)) {
+                if (isGivenUp(folder.entry))
+                    continue;
+                if (const auto made = LocalFiles::makeFolder(folder.destination); !made)
+                    m_states[folder.entry].report.failed.append(
+                        {folder.shownPath.isEmpty() ? AndroidPath::lastComponent(folder.destination)
+                                                    : folder.shownPath,
+                         QStringLiteral("This computer can’t make the folder: ") + made.error()});
+            }
+            return;
+        }
+        QStringList paths;
+        for (const PlannedFile &folder : std::as_const(m_folders))
+            paths.append(folder.destination);
+        if (paths.isEmpty() || m_stop.stop_requested())
+            return;
+        if (const auto made = ADBClient::makeFolders(m_job.serial, paths, m_stop); !made)
+            failAll(made.error().errorDescription());
+    }
+
+    void copyMissing() {
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            if (m_states.at(entry).filesLeft == 0) // what is there already ends at once
+                end(entry);
+        }
+        if (m_files.isEmpty())
+            return;
+        isPull() ? pullMissing() : pushMissing();
+        if (m_stop.stop_requested())
+            failAll(QStringLiteral("The copy was stopped."));
+    }
+
+    void pullMissing() {
+        const auto staging = LocalStaging::create(m_job.folder);
+        if (!staging)
+            return failAll(QStringLiteral("Can’t write into “%1”: %2")
+                               .arg(AndroidPath::lastComponent(m_job.folder), staging.error()));
+        while (!m_stop.stop_requested() && takeBatch()) {
+            const auto errors = copyBatch(staging->path());
+            for (const PlannedFile &file : std::as_const(m_batch)) {
+                const QString staged =
+                    AndroidPath::join(staging->path(), AndroidPath::lastComponent(file.source));
+                const auto arrived = LocalFiles::look(staged);
+                if (arrived && isSameContent(*arrived, file.sizeBytes, file.modified))
+                    takeName(file, staged, staging->newFileMode());
+                else if (errors)
+                    explain(file, arrived.has_value(), *errors);
+                QFile::remove(staged); // what was not placed is not whole or not wanted
+            }
+            if (!LocalFiles::look(m_job.folder))
+                return failAll(vanished());
+            if (!errors)
+                return failAll(errors.error().errorDescription());
+        }
+    }
+
+    void takeName(const PlannedFile &file, const QString &staged, mode_t mode) {
+        if (isGivenUp(file.entry))
+            return;
+        ::chmod(QFile::encodeName(staged).constData(), mode);
+        switch (LocalFiles::place(staged, file.destination)) {
+        case LocalFiles::Placing::placed:
+            return placed(file);
+        case LocalFiles::Placing::nameTaken:
+            return problem(file, &CopyReport::taken, takenReason());
+        case LocalFiles::Placing::failed:
+            return problem(file, &CopyReport::failed,
+                           QStringLiteral("This computer can’t write it: ") + qt_error_string(errno));
+        }
+    }
+
+    void pushMissing() {
+        const QString staging = AndroidPath::join(m_job.folder, StagedName::make());
+        if (const auto made = ADBClient::makeFolder(m_job.serial, staging, m_stop); !made) {
+            const QString reason = made.error().errorDescription();
+            return failAll(reason == QLatin1String("No such file or directory") ? vanished()
+                           : reason.contains(QLatin1String("ermission denied")) ||
+                                   reason.contains(QLatin1String("space left")) ||
+                                   reason.contains(QLatin1String("ead-only"))
+                               ? QStringLiteral("Can’t write into “%1” on the phone: %2")
+                                     .arg(AndroidPath::lastComponent(m_job.folder), reason)
+                               : reason);
+        }
+        while (!m_stop.stop_requested() && takeBatch()) {
+            if (const auto pushed = pushBatch(staging); !pushed) {
+                failAll(pushed.error().errorDescription());
+                break;
+            }
+        }
+        // A phone that is gone keeps it until the next copy into this folder.
+        ADBClient::removeFolder(m_job.serial, staging);
+    }
+
+    ADBResult<void> pushBatch(const QString &staging) {
+        const auto errors = copyBatch(staging);
+        if (!errors)
+            return tl::make_unexpected(errors.error());
+        const auto arrived = ADBClient::fetchTree(m_job.serial, staging, m_stop);
+        if (!arrived)
+            return tl::make_unexpected(arrived.error());
+        if (arrived->entries.isEmpty())
+            return tl::make_unexpected(ADBError::executionFailed(vanished()));
+        QHash<QString, TreeEntry> byName;
+        for (const TreeEntry &entry : arrived->entries)
+            byName.insert(entry.path, entry);
+
+        QList<ADBClient::PhoneMove> moves;
+        QList<PlannedFile> moved;
+        for (const PlannedFile &file : std::as_const(m_batch)) {
+            const QString name = AndroidPath::lastComponent(file.source);
+            const auto there = byName.constFind(name);
+            const auto here = LocalFiles::look(file.source);
+            const bool isThere = there != byName.constEnd();
+            if (!isThere || !isSameContent(*there, file.sizeBytes, file.modified) ||
+                (here && here->kind == TreeEntry::Kind::file &&
+                 !isSameContent(*here, file.sizeBytes, file.modified))) {
+                explain(file, isThere, *errors);
+            } else if (!isGivenUp(file.entry)) {
+                moves.append({AndroidPath::join(staging, name), file.destination});
+                moved.append(file);
+            }
+        }
+        if (moves.isEmpty())
+            return {};
+        const auto unmoved = ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
+        if (!unmoved)
+            return tl::make_unexpected(unmoved.error());
+        for (qsizetype i = 0; i < moves.size(); ++i) {
+            const auto left = unmoved->constFind(moves.at(i).from);
+            if (left == unmoved->constEnd())
+                placed(moved.at(i));
+            else if (left->isEmpty())
+                problem(moved.at(i), &CopyReport::taken, takenReason());
+            else
+                problem(moved.at(i), &CopyReport::failed,
+                        QStringLiteral("The phone can’t write it: ") + *left);
+        }
+        return {};
+    }
+
+    /// Fills the batch with the next files that may be copied by one run of adb into one folder: no two of
+    /// one name, not more than the command line takes. False when none is left.
+    bool takeBatch() {
+        constexpr qsizetype mostFiles = 256;
+        constexpr qint64 mostBytes = 256'000'000; // what a killed program has to copy again
+        constexpr qsizetype mostPathBytes = 40'000;
+        m_batch.clear();
+        QSet<QString> names;
+        qint64 bytes = 0;
+        qsizetype pathBytes = 0;
+        QList<PlannedFile> sameName;
+        for (; m_nextFile < m_files.size() && m_batch.size() < mostFiles; ++m_nextFile) {
+            const PlannedFile &file = m_files.at(m_nextFile);
+            if (isGivenUp(file.entry))
+                continue;
+            const QString name = AndroidPath::lastComponent(file.source).toCaseFolded();
+            if (names.contains(name)) {
+                sameName.append(file);
+                continue;
+            }
+            bytes += file.sizeBytes;
+            pathBytes += 4 * (file.source.size() + m_job.folder.size());
+            if (!m_batch.isEmpty() && (bytes > mostBytes || pathBytes > mostPathBytes))
+                break;
+            names.insert(name);
+            m_batch.append(file);
+        }
+        m_files += sameName;
+        return !m_batch.isEmpty();
+    }
+
+    ADBResult<QStringList> copyBatch(const QString &staging) {
+        QStringList sources;
+        for (const PlannedFile &file : std::as_const(m_batch))
+            sources.append(file.source);
+        int reported = 0;
+        const auto onProgress = [&](int ended, double fraction) {
+            const auto count = static_cast<int>(m_batch.size());
+            for (; reported < std::min(ended, count); ++reported) {
+                State &state = m_states[m_batch.at(reported).entry];
+                state.stagedBytes += m_batch.at(reported).sizeBytes;
+                ++state.stagedFiles;
+                report(m_batch.at(reported).entry, 0);
+            }
+            if (reported < count) {
+                const PlannedFile &next = m_batch.at(reported);
+                const auto partly = static_cast<qint64>(fraction * static_cast<double>(next.sizeBytes));
+                report(next.entry, partly);
+            }
+        };
+        auto copied =
+            ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, m_stop, onProgress);
+        for (const PlannedFile &file : std::as_const(m_batch)) {
+            m_states[file.entry].stagedBytes = 0;
+            m_states[file.entry].stagedFiles = 0;
+        }
+        return copied;
+    }
+
+    // -- Outcomes
+
+    /// Why a file of the batch is not to be used.
+    void explain(const PlannedFile &file, bool hasArrived, const QStringList &errors) {
+        QString reason;
+        for (const QString &error : errors) {
+            if (m_batch.size() == 1 ||
+                error.contains(QString(QLatin1Char('\'') % file.source % QLatin1Char('\''))))
+                reason = explained(error);
+            if (error.contains(QLatin1String("No space left on device")))
+                return failAll(isPull() ? QStringLiteral("The disk of this computer is full.")
+                                        : QStringLiteral("The phone’s storage is full."));
+        }
+        if (reason.isEmpty())
+            reason = hasArrived ? QStringLiteral("It was changed while it was copied.")
+                                : QStringLiteral("It did not arrive.");
+        problem(file, &CopyReport::failed, reason);
+    }
+
+    void placed(const PlannedFile &file) {
+        State &state = m_states[file.entry];
+        ++state.report.copied;
+        ++state.progress.files;
+        state.progress.bytes += file.sizeBytes;
+        fileEnded(file.entry);
+    }
+    void problem(const PlannedFile &file, QList<CopyProblem> CopyReport::*list, const QString &reason) {
+        (m_states[file.entry].report.*list).append({file.shownPath, reason});
+        fileEnded(file.entry);
+    }
+    void fileEnded(qsizetype entry) {
+        if (--m_states[entry].filesLeft == 0)
+            end(entry);
+    }
+
+    /// Tells how far an entry has come; `underWay` bytes of its next file are through.
+    void report(qsizetype entry, qint64 underWay) {
+        constexpr double highest = 0.99;
+        constexpr double step = 0.001;
+        State &state = m_states[entry];
+        if (state.hasEnded || !m_watcher.onProgress)
+            return;
+        CopyProgress now = state.progress;
+        now.bytes = std::min(now.bytes + state.stagedBytes + underWay, now.totalBytes);
+        now.files += state.stagedFiles;
+        now.fraction =
+            now.totalBytes > 0
+                ? std::min(highest, static_cast<double>(now.bytes) / static_cast<double>(now.totalBytes))
+                : 0;
+        if (now.fraction <= state.progress.fraction + step)
+            return;
+        state.progress.fraction = now.fraction;
+        m_watcher.onProgress(m_job.entries.at(entry).id, now);
+    }
+
+    [[nodiscard]] QString vanished() const {
+        return QStringLiteral("The folder “%1” is not there any more.")
+            .arg(AndroidPath::lastComponent(m_job.folder));
+    }
+
+    const CopyJob &m_job;
+    const CopyWatcher &m_watcher;
+    std::stop_token m_stop;
+    QList<State> m_states;
+    QHash<QString, TreeEntry> m_there; ///< what stands on the phone
+    QList<PlannedFile> m_folders;
+    QList<PlannedFile> m_files;
+    QSet<QString> m_planned; ///< where the files of this run go
+    qsizetype m_nextFile = 0;
+    QList<PlannedFile> m_batch;
+};
+
+} // namespace
+
+void runCopyJob(const CopyJob &job, const CopyWatcher &watcher, const std::stop_token &stop) {
+    CopyRun(job, watcher, stop).run();
+}
+
+QString numberedName(const QString &name, int number) {
+    constexpr qsizetype longest = 255; // bytes
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    const QString ending = QStringLiteral(" %1").arg(number) + (dot > 0 ? name.mid(dot) : QString());
+    QString stem = dot > 0 ? name.left(dot) : name;
+    while (!stem.isEmpty() && (stem + ending).toUtf8().size() > longest)
+        stem.chop(stem.back().isLowSurrogate() ? 2 : 1);
+    return stem + ending;
+}
+
+} // namespace vantrel
