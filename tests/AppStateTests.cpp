@@ -60,7 +60,7 @@ protected:
         ASSERT_TRUE(waitFor([&] { return !state->isLoadingAndroid(); }));
     }
     void select(BrowserSide side, const QString &name) {
-        for (const FileItem &item : state->visibleItems(side)) {
+        for (const FileItem &item : state->pane(side).visibleItems()) {
             if (item.name == name)
                 return state->selectItem(item, side);
         }

@@ -3,8 +3,6 @@
 #include "Records/FileSizeFormat.h"
 #include "State/AppStateAssign.h"
 
-#include <QDir>
-
 namespace vantrel {
 
 namespace {
@@ -15,11 +13,26 @@ constexpr std::chrono::milliseconds searchDebounce{400};
 } // namespace
 
 AppState::AppState(Desktop &desktop, QObject *parent)
-    : QObject(parent), m_desktop(desktop), m_macPath(QDir::homePath()), m_macAvailableLabel(unknownLabel()),
+    : QObject(parent), m_desktop(desktop), m_macAvailableLabel(unknownLabel()),
       m_transferSpeedLabel(unknownLabel()), m_remainingLabel(unknownLabel()),
       m_shortcuts(MockData::shortcuts()) {
     if (!m_shortcuts.isEmpty())
         m_selectedShortcutID = m_shortcuts.first().id;
+    const auto forward = [this](const PaneState &pane, auto... pairs) {
+        (connect(&pane, pairs.first, this, pairs.second), ...);
+    };
+    forward(m_androidPane, std::pair(&PaneState::pathChanged, &AppState::androidCurrentPathChanged),
+            std::pair(&PaneState::itemsChanged, &AppState::androidItemsChanged),
+            std::pair(&PaneState::selectedIDsChanged, &AppState::androidSelectedIDsChanged),
+            std::pair(&PaneState::isLoadingChanged, &AppState::isLoadingAndroidChanged),
+            std::pair(&PaneState::browseErrorChanged, &AppState::androidBrowseErrorChanged),
+            std::pair(&PaneState::viewModeChanged, &AppState::androidViewModeChanged));
+    forward(m_macPane, std::pair(&PaneState::pathChanged, &AppState::macPathChanged),
+            std::pair(&PaneState::itemsChanged, &AppState::macItemsChanged),
+            std::pair(&PaneState::selectedIDsChanged, &AppState::macSelectedIDsChanged),
+            std::pair(&PaneState::isLoadingChanged, &AppState::isLoadingMacChanged),
+            std::pair(&PaneState::browseErrorChanged, &AppState::macBrowseErrorChanged),
+            std::pair(&PaneState::viewModeChanged, &AppState::macViewModeChanged));
     m_androidSearchDebounce.setSingleShot(true);
     m_androidSearchDebounce.setInterval(searchDebounce);
     for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac}) {
@@ -43,22 +56,16 @@ void AppState::setSelectedShortcutID(const std::optional<QUuid> &id) {
 
 void AppState::setAndroidSearchText(const QString &text) {
     assign(m_androidSearchText, text, &AppState::androidSearchTextChanged);
+    showFilterOrHits();
 }
 
 void AppState::setAndroidSearchScope(AndroidSearchScope scope) {
     assign(m_androidSearchScope, scope, &AppState::androidSearchScopeChanged);
+    showFilterOrHits();
 }
 
 void AppState::setAndroidSearchFocusToken(qint64 token) {
     assign(m_androidSearchFocusToken, token, &AppState::androidSearchFocusTokenChanged);
-}
-
-void AppState::setAndroidViewMode(PaneViewMode mode) {
-    assign(m_androidViewMode, mode, &AppState::androidViewModeChanged);
-}
-
-void AppState::setMacViewMode(PaneViewMode mode) {
-    assign(m_macViewMode, mode, &AppState::macViewModeChanged);
 }
 
 void AppState::setFocusedBrowserSide(BrowserSide side) {

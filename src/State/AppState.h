@@ -2,12 +2,13 @@
 
 #include "Records/AndroidDevice.h"
 #include "Records/Enumerations.h"
-#include "Records/FileItem.h"
 #include "Records/QueueItem.h"
 #include "Records/StorageShortcut.h"
+#include "State/PaneState.h"
 #include "Transfers/TransferQueue.h"
 
 #include <QCoroTask>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QSet>
@@ -52,32 +53,40 @@ public:
     [[nodiscard]] bool isRefreshingDevice() const { return m_isRefreshingDevice; }
 
     // -- The phone pane
-    [[nodiscard]] bool isLoadingAndroid() const { return m_isLoadingAndroid; }
+    [[nodiscard]] bool isLoadingAndroid() const { return m_androidPane.isLoading(); }
     [[nodiscard]] bool isOpeningAndroidFile() const { return m_isOpeningAndroidFile; }
-    [[nodiscard]] const std::optional<QString> &androidBrowseError() const { return m_androidBrowseError; }
-    [[nodiscard]] const QString &androidCurrentPath() const { return m_androidCurrentPath; }
+    [[nodiscard]] const std::optional<QString> &androidBrowseError() const {
+        return m_androidPane.browseError();
+    }
+    [[nodiscard]] const QString &androidCurrentPath() const { return m_androidPane.path(); }
     [[nodiscard]] const std::optional<QUuid> &selectedShortcutID() const { return m_selectedShortcutID; }
     [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments; }
-    [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidItems; }
-    [[nodiscard]] const QSet<QUuid> &androidSelectedIDs() const { return m_androidSelectedIDs; }
+    [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidPane.items(); }
+    [[nodiscard]] const QSet<QUuid> &androidSelectedIDs() const { return m_androidPane.selectedIDs(); }
     [[nodiscard]] const QString &androidSearchText() const { return m_androidSearchText; }
     [[nodiscard]] AndroidSearchScope androidSearchScope() const { return m_androidSearchScope; }
     [[nodiscard]] const QList<FileItem> &androidSearchResults() const { return m_androidSearchResults; }
     [[nodiscard]] bool isSearchingAndroid() const { return m_isSearchingAndroid; }
     /// A counter; every change asks the phone pane to put the caret into its search field.
     [[nodiscard]] qint64 androidSearchFocusToken() const { return m_androidSearchFocusToken; }
-    [[nodiscard]] PaneViewMode androidViewMode() const { return m_androidViewMode; }
+    [[nodiscard]] PaneViewMode androidViewMode() const { return m_androidPane.viewMode(); }
 
     // -- The computer's pane
-    [[nodiscard]] PaneViewMode macViewMode() const { return m_macViewMode; }
-    [[nodiscard]] const QString &macPath() const { return m_macPath; }
-    [[nodiscard]] const QList<FileItem> &macItems() const { return m_macItems; }
-    [[nodiscard]] const QSet<QUuid> &macSelectedIDs() const { return m_macSelectedIDs; }
-    [[nodiscard]] bool isLoadingMac() const { return m_isLoadingMac; }
-    [[nodiscard]] const std::optional<QString> &macBrowseError() const { return m_macBrowseError; }
+    [[nodiscard]] PaneViewMode macViewMode() const { return m_macPane.viewMode(); }
+    [[nodiscard]] const QString &macPath() const { return m_macPane.path(); }
+    [[nodiscard]] const QList<FileItem> &macItems() const { return m_macPane.items(); }
+    [[nodiscard]] const QSet<QUuid> &macSelectedIDs() const { return m_macPane.selectedIDs(); }
+    [[nodiscard]] bool isLoadingMac() const { return m_macPane.isLoading(); }
+    [[nodiscard]] const std::optional<QString> &macBrowseError() const { return m_macPane.browseError(); }
     [[nodiscard]] const QString &macAvailableLabel() const { return m_macAvailableLabel; }
 
     // -- Both panes
+    [[nodiscard]] PaneState &pane(BrowserSide side) {
+        return side == BrowserSide::mac ? m_macPane : m_androidPane;
+    }
+    [[nodiscard]] const PaneState &pane(BrowserSide side) const {
+        return side == BrowserSide::mac ? m_macPane : m_androidPane;
+    }
     /// The pane that keyboard commands act on.
     [[nodiscard]] BrowserSide focusedBrowserSide() const { return m_focusedBrowserSide; }
     /// The sidebar's shortcuts; never change.
@@ -97,8 +106,8 @@ public:
     void setAndroidSearchText(const QString &text);
     void setAndroidSearchScope(AndroidSearchScope scope);
     void setAndroidSearchFocusToken(qint64 token);
-    void setAndroidViewMode(PaneViewMode mode);
-    void setMacViewMode(PaneViewMode mode);
+    void setAndroidViewMode(PaneViewMode mode) { m_androidPane.setViewMode(mode); }
+    void setMacViewMode(PaneViewMode mode) { m_macPane.setViewMode(mode); }
     void setFocusedBrowserSide(BrowserSide side);
 
     // -- Device and browsing (AppStateBrowsing.cpp)
@@ -118,16 +127,17 @@ public:
     // -- Selection and summaries (AppStateSelection.cpp)
 
     /// What the phone pane shows: the listing, the filtered listing, or the hits.
-    [[nodiscard]] QList<FileItem> displayedAndroidItems() const;
-    /// What a pane shows.
-    [[nodiscard]] QList<FileItem> visibleItems(BrowserSide side) const;
-    [[nodiscard]] const QSet<QUuid> &selectedIDs(BrowserSide side) const;
-    void toggleSelection(const FileItem &item, BrowserSide side);
-    void selectItem(const FileItem &item, BrowserSide side);
-    void selectAllVisible(BrowserSide side);
-    void toggleSelectAllVisible(BrowserSide side);
-    void clearSelection(BrowserSide side);
-    [[nodiscard]] PaneSelectAllState selectAllState(BrowserSide side) const;
+    [[nodiscard]] const QList<FileItem> &displayedAndroidItems() const {
+        return m_androidPane.visibleItems();
+    }
+    void toggleSelection(const FileItem &item, BrowserSide side) { pane(side).toggleSelection(item); }
+    void selectItem(const FileItem &item, BrowserSide side) { pane(side).selectItem(item); }
+    void selectAllVisible(BrowserSide side) { pane(side).selectAllVisible(); }
+    void toggleSelectAllVisible(BrowserSide side) { pane(side).toggleSelectAllVisible(); }
+    void clearSelection(BrowserSide side) { pane(side).clearSelection(); }
+    [[nodiscard]] PaneSelectAllState selectAllState(BrowserSide side) const {
+        return pane(side).selectAllState();
+    }
     /// Footer texts.
     [[nodiscard]] QString androidSelectionSummary() const;
     [[nodiscard]] QString macSelectionSummary() const;
@@ -194,8 +204,6 @@ private:
     template <class T>
     void assign(T &property, std::type_identity_t<T> value, void (AppState::*changed)());
 
-    [[nodiscard]] QSet<QUuid> &mutableSelectedIDs(BrowserSide side);
-    void selectionChanged(BrowserSide side);
     [[nodiscard]] QString trimmedSearchText() const;
 
     struct SearchRequest {
@@ -204,6 +212,7 @@ private:
         quint64 token = 0;
     };
     void cancelAndroidSearch();
+    void showFilterOrHits();
     QCoro::Task<> runAndroidSearch(SearchRequest request);
 
     struct CopyClock {
@@ -244,33 +253,23 @@ private:
     void setTransferSpeed(double bytesPerSecond);
 
     Desktop &m_desktop;
+    PaneState m_androidPane{BrowserSide::android, QStringLiteral("/sdcard")};
+    PaneState m_macPane{BrowserSide::mac, QDir::homePath()};
 
     AndroidDevice m_device;
     std::optional<QString> m_deviceStatusMessage;
     bool m_isRefreshingDevice = false;
 
-    bool m_isLoadingAndroid = false;
     bool m_isOpeningAndroidFile = false;
-    std::optional<QString> m_androidBrowseError;
-    QString m_androidCurrentPath = QStringLiteral("/sdcard");
     std::optional<QUuid> m_selectedShortcutID;
     QStringList m_androidPathSegments{QStringLiteral("Internal Storage")};
-    QList<FileItem> m_androidItems;
-    QSet<QUuid> m_androidSelectedIDs;
     QString m_androidSearchText;
     AndroidSearchScope m_androidSearchScope = AndroidSearchScope::thisFolder;
     QList<FileItem> m_androidSearchResults;
     bool m_isSearchingAndroid = false;
     qint64 m_androidSearchFocusToken = 0;
-    PaneViewMode m_androidViewMode = PaneViewMode::list;
 
-    PaneViewMode m_macViewMode = PaneViewMode::list;
     BrowserSide m_focusedBrowserSide = BrowserSide::android;
-    QString m_macPath;
-    QList<FileItem> m_macItems;
-    QSet<QUuid> m_macSelectedIDs;
-    bool m_isLoadingMac = false;
-    std::optional<QString> m_macBrowseError;
     QString m_macAvailableLabel;
 
     TransferQueue m_queue;
@@ -290,18 +289,6 @@ private:
 
     const QList<StorageShortcut> m_shortcuts;
 
-    /// The last filtered listing: several texts of one render are made from it.
-    struct FilteredItems {
-        QList<FileItem> source;
-        QString query;
-        QList<FileItem> matches;
-    };
-    mutable FilteredItems m_filtered;
-
-    /// A listing is applied only while it is the newest one asked for: the path may be the same, the phone
-    /// not.
-    quint64 m_androidBrowseToken = 0;
-    quint64 m_macBrowseToken = 0;
     /// The newest search; an outcome that carries an older token is dropped.
     quint64 m_androidSearchToken = 0;
     SearchRequest m_androidSearchRequest;

@@ -38,10 +38,7 @@ QCoro::Task<> AppState::refreshDevice(Spinner spinner) {
         assign(m_deviceStatusMessage, found.error().errorDescription(),
                &AppState::deviceStatusMessageChanged);
         // A listing that is still under way belongs to the phone that is gone.
-        ++m_androidBrowseToken;
-        assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
-        assign(m_androidItems, {}, &AppState::androidItemsChanged);
-        assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
+        m_androidPane.empty();
     }
     if (spinner == Spinner::shown)
         assign(m_isRefreshingDevice, false, &AppState::isRefreshingDeviceChanged);
@@ -49,16 +46,14 @@ QCoro::Task<> AppState::refreshDevice(Spinner spinner) {
 
 QCoro::Task<> AppState::browseAndroid(QString path) {
     const QString folder = ADBClient::normalizePath(path);
-    const quint64 token = ++m_androidBrowseToken;
-    assign(m_androidCurrentPath, folder, &AppState::androidCurrentPathChanged);
+    const quint64 token = m_androidPane.open(folder);
     assign(m_androidPathSegments, AndroidPath::segments(folder), &AppState::androidPathSegmentsChanged);
 
     cancelAndroidSearch();
-    assign(m_androidSelectedIDs, {}, &AppState::androidSelectedIDsChanged);
     assign(m_androidSearchText, {}, &AppState::androidSearchTextChanged);
     assign(m_androidSearchResults, {}, &AppState::androidSearchResultsChanged);
     assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
-    assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
+    showFilterOrHits();
 
     for (const StorageShortcut &shortcut : m_shortcuts) {
         if (ADBClient::normalizePath(shortcut.path) == folder) {
@@ -68,65 +63,57 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
     }
 
     if (!m_device.isConnected) {
-        assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
-        assign(m_androidItems, {}, &AppState::androidItemsChanged);
-        assign(m_androidBrowseError, QStringLiteral("Connect an Android device to browse storage."),
-               &AppState::androidBrowseErrorChanged);
+        m_androidPane.empty(QStringLiteral("Connect an Android device to browse storage."));
         co_return;
     }
 
-    assign(m_isLoadingAndroid, true, &AppState::isLoadingAndroidChanged);
+    m_androidPane.setLoading(true);
     auto listing = co_await onWorker(this, &ADBClient::listDirectory, m_device.id, folder);
-    if (token != m_androidBrowseToken)
+    if (!m_androidPane.isNewest(token))
         co_return;
     if (!listing)
-        assign(m_androidBrowseError, listing.error().errorDescription(),
-               &AppState::androidBrowseErrorChanged);
-    assign(m_androidItems, std::move(listing).value_or(QList<FileItem>()), &AppState::androidItemsChanged);
-    assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
+        m_androidPane.setBrowseError(listing.error().errorDescription());
+    m_androidPane.setItems(std::move(listing).value_or(QList<FileItem>()));
+    m_androidPane.setLoading(false);
 }
 
 QCoro::Task<> AppState::browseMac(QString path) {
     const QString folder = MacFileClient::standardizedPath(path);
-    const quint64 token = ++m_macBrowseToken;
-    assign(m_macPath, folder, &AppState::macPathChanged);
-    assign(m_macSelectedIDs, {}, &AppState::macSelectedIDsChanged);
-    assign(m_macBrowseError, std::nullopt, &AppState::macBrowseErrorChanged);
-    assign(m_isLoadingMac, true, &AppState::isLoadingMacChanged);
+    const quint64 token = m_macPane.open(folder);
+    m_macPane.setLoading(true);
 
     auto listing = co_await onWorker(this, &MacFileClient::listDirectory, folder);
     std::optional<qint64> available;
-    if (listing && token == m_macBrowseToken)
+    if (listing && m_macPane.isNewest(token))
         available = co_await onWorker(this, &MacFileClient::availableBytes, folder);
-    if (token != m_macBrowseToken)
+    if (!m_macPane.isNewest(token))
         co_return;
     if (!listing)
-        assign(m_macBrowseError, listing.error().errorDescription(), &AppState::macBrowseErrorChanged);
-    assign(m_macItems, std::move(listing).value_or(QList<FileItem>()), &AppState::macItemsChanged);
+        m_macPane.setBrowseError(listing.error().errorDescription());
+    m_macPane.setItems(std::move(listing).value_or(QList<FileItem>()));
     assign(m_macAvailableLabel,
            available ? formatFileSize(*available) + QStringLiteral(" available") : unknownLabel(),
            &AppState::macAvailableLabelChanged);
-    assign(m_isLoadingMac, false, &AppState::isLoadingMacChanged);
+    m_macPane.setLoading(false);
 }
 
 QCoro::Task<> AppState::openAndroidFile(FileItem item) {
     if (item.isDirectory)
         co_return;
     if (!m_device.isConnected) {
-        assign(m_androidBrowseError, QStringLiteral("Connect an Android device to open files."),
-               &AppState::androidBrowseErrorChanged);
+        m_androidPane.setBrowseError(QStringLiteral("Connect an Android device to open files."));
         co_return;
     }
     if (m_isOpeningAndroidFile)
         co_return;
     assign(m_isOpeningAndroidFile, true, &AppState::isOpeningAndroidFileChanged);
-    assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
+    m_androidPane.setBrowseError(std::nullopt);
 
     const auto local = co_await onWorker(this, &FilePreview::fetch, m_device.id, item.path, item.name);
     if (local)
         MacFileClient::open(m_desktop, *local);
     else
-        assign(m_androidBrowseError, local.error(), &AppState::androidBrowseErrorChanged);
+        m_androidPane.setBrowseError(local.error());
     assign(m_isOpeningAndroidFile, false, &AppState::isOpeningAndroidFileChanged);
 }
 
@@ -138,11 +125,11 @@ QCoro::Task<> AppState::createMacFolder() {
     const QString name = answer.value_or(QString()).trimmed();
     if (name.isEmpty())
         co_return;
-    const auto created = co_await onWorker(this, &MacFileClient::createFolder, name, m_macPath);
+    const auto created = co_await onWorker(this, &MacFileClient::createFolder, name, m_macPane.path());
     if (created)
-        co_await browseMac(m_macPath);
+        co_await browseMac(m_macPane.path());
     else
-        assign(m_macBrowseError, created.error(), &AppState::macBrowseErrorChanged);
+        m_macPane.setBrowseError(created.error());
 }
 
 } // namespace vantrel

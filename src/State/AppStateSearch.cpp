@@ -11,6 +11,13 @@ bool AppState::isAndroidEverywhereSearchActive() const {
     return m_androidSearchScope == AndroidSearchScope::everywhere && !trimmedSearchText().isEmpty();
 }
 
+/// Lets the phone pane show what the search says: the hits, or the entries that match.
+void AppState::showFilterOrHits() {
+    const bool showsHits = isAndroidEverywhereSearchActive();
+    m_androidPane.setFilter(showsHits ? QString() : trimmedSearchText());
+    m_androidPane.setHits(showsHits ? std::optional(m_androidSearchResults) : std::nullopt);
+}
+
 void AppState::cancelAndroidSearch() {
     ++m_androidSearchToken;
     m_androidSearchDebounce.stop();
@@ -19,7 +26,7 @@ void AppState::cancelAndroidSearch() {
 void AppState::scheduleAndroidSearch() {
     cancelAndroidSearch();
     if (m_androidSearchScope == AndroidSearchScope::everywhere) {
-        assign(m_androidSelectedIDs, {}, &AppState::androidSelectedIDsChanged);
+        m_androidPane.clearSelection();
         const QString query = trimmedSearchText();
         if (characterCount(query) >= shortestSearchQuery) {
             if (m_device.isConnected) {
@@ -28,12 +35,12 @@ void AppState::scheduleAndroidSearch() {
                 m_androidSearchDebounce.start();
                 return;
             }
-            assign(m_androidBrowseError, QStringLiteral("Connect an Android device to search."),
-                   &AppState::androidBrowseErrorChanged);
+            m_androidPane.setBrowseError(QStringLiteral("Connect an Android device to search."));
         }
     }
     assign(m_androidSearchResults, {}, &AppState::androidSearchResultsChanged);
     assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
+    showFilterOrHits();
 }
 
 QCoro::Task<> AppState::runAndroidSearch(SearchRequest request) {
@@ -43,8 +50,8 @@ QCoro::Task<> AppState::runAndroidSearch(SearchRequest request) {
     if (request.token != m_androidSearchToken)
         co_return;
     assign(m_androidSearchResults, found.value_or(QList<FileItem>()), &AppState::androidSearchResultsChanged);
-    assign(m_androidBrowseError, found ? std::nullopt : std::optional(found.error().errorDescription()),
-           &AppState::androidBrowseErrorChanged);
+    showFilterOrHits();
+    m_androidPane.setBrowseError(found ? std::nullopt : std::optional(found.error().errorDescription()));
     assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
 }
 
@@ -53,7 +60,8 @@ void AppState::clearAndroidSearch() {
     assign(m_androidSearchText, {}, &AppState::androidSearchTextChanged);
     assign(m_androidSearchResults, {}, &AppState::androidSearchResultsChanged);
     assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
-    assign(m_androidSelectedIDs, {}, &AppState::androidSelectedIDsChanged);
+    m_androidPane.clearSelection();
+    showFilterOrHits();
 }
 
 } // namespace vantrel

@@ -105,7 +105,7 @@ void AppState::transferAndroidToMac() {
 }
 
 void AppState::transferMacToAndroid() {
-    enqueue(m_macItems, TransferDirection::macToAndroid);
+    enqueue(macItems(), TransferDirection::macToAndroid);
 }
 
 void AppState::enqueue(const QList<FileItem> &sources, TransferDirection direction) {
@@ -116,10 +116,10 @@ void AppState::enqueue(const QList<FileItem> &sources, TransferDirection directi
     }
     const bool isPull = direction == TransferDirection::androidToMac;
     const BrowserSide side = isPull ? BrowserSide::android : BrowserSide::mac;
-    const QString &folder = isPull ? m_macPath : m_androidCurrentPath;
+    const QString &folder = isPull ? macPath() : androidCurrentPath();
     QList<QueueItem> entries;
     for (const FileItem &source : sources) {
-        if (selectedIDs(side).contains(source.id))
+        if (pane(side).selectedIDs().contains(source.id))
             entries.append({newIdentity(),
                             source.name,
                             source.isDirectory,
@@ -256,9 +256,9 @@ QCoro::Task<> AppState::browseAgain(BrowserSide side) {
     pane.listLater.stop();
     pane.isBeingListed = true;
     if (side == BrowserSide::mac)
-        co_await browseMac(m_macPath);
+        co_await browseMac(macPath());
     else
-        co_await browseAndroid(m_androidCurrentPath);
+        co_await browseAndroid(androidCurrentPath());
     pane.isBeingListed = false;
     pane.sinceListed.start();
 }
