@@ -5,7 +5,6 @@
 #include "MacFiles/Desktop.h"
 #include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
-#include "State/AppStateAssign.h"
 #include "State/FilePreview.h"
 #include "Worker/Worker.h"
 
@@ -14,47 +13,58 @@
 namespace vantrel {
 
 QCoro::Task<> AppState::refreshDevice(Spinner spinner) {
-    if (spinner == Spinner::shown) {
-        if (m_isRefreshingDevice)
-            co_return;
-        assign(m_isRefreshingDevice, true, &AppState::isRefreshingDeviceChanged);
-    }
-    const AndroidDevice known = m_device;
+    const bool isShown = spinner == Spinner::shown;
+    if (isShown ? isRefreshingDevice() : m_isAskingForDevice)
+        co_return;
+    if (isShown)
+        m_isRefreshingDevice = true;
+    const quint64 token = ++m_refreshToken;
+    m_isAskingForDevice = true;
     const auto found = co_await onWorker(this, &ADBClient::fetchPrimaryDevice);
-    if (found) {
-        assign(m_device, *found, &AppState::deviceChanged);
-        assign(m_deviceStatusMessage, std::nullopt, &AppState::deviceStatusMessageChanged);
-        // Another phone in the old one's place is new, too: its folders are not those that the pane shows.
-        if (!known.isConnected || known.id != found->id) {
-            const auto shortcut =
-                std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [this](const StorageShortcut &entry) {
-                    return entry.id == m_selectedShortcutID;
-                });
-            const QString folder = shortcut != m_shortcuts.end() ? shortcut->path : QStringLiteral("/sdcard");
-            co_await browseAndroid(folder);
-        }
-    } else {
-        assign(m_device, AndroidDevice(), &AppState::deviceChanged);
-        assign(m_deviceStatusMessage, found.error().errorDescription(),
-               &AppState::deviceStatusMessageChanged);
-        // A listing that is still under way belongs to the phone that is gone.
-        m_androidPane.empty();
+    if (token == m_refreshToken) {
+        m_isAskingForDevice = false;
+        if (found)
+            co_await showPhone(*found);
+        else
+            showNoPhone(found.error().errorDescription());
     }
-    if (spinner == Spinner::shown)
-        assign(m_isRefreshingDevice, false, &AppState::isRefreshingDeviceChanged);
+    if (isShown)
+        m_isRefreshingDevice = false;
+}
+
+QCoro::Task<> AppState::showPhone(AndroidDevice found) {
+    // Another phone in the old one's place is new, too: its folders are not those that the pane shows.
+    const bool isNew = connectedSerial() != found.id;
+    std::optional<QString> message;
+    if (found.totalBytes < 1) {
+        message = QStringLiteral("Its storage use could not be read. Copying still works.");
+        if (!isNew) {
+            found.usedBytes = device().usedBytes;
+            found.totalBytes = device().totalBytes;
+        }
+    }
+    m_device = found;
+    m_deviceStatusMessage = message;
+    if (!isNew)
+        co_return;
+    const auto shortcut = std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [this](const auto &entry) {
+        return entry.id == selectedShortcutID();
+    });
+    const QString folder = shortcut != m_shortcuts.end() ? shortcut->path : QStringLiteral("/sdcard");
+    co_await browseAndroid(folder);
+}
+
+void AppState::showNoPhone(const QString &reason) {
+    m_device = AndroidDevice();
+    m_deviceStatusMessage = reason;
+    m_androidPane.empty(); // with the listing that is still under way: it is of the phone that is gone
 }
 
 QCoro::Task<> AppState::browseAndroid(QString path) {
     const QString folder = ADBClient::normalizePath(path);
     const quint64 token = m_androidPane.open(folder);
-    assign(m_androidPathSegments, AndroidPath::segments(folder), &AppState::androidPathSegmentsChanged);
-
-    cancelAndroidSearch();
-    assign(m_androidSearchText, {}, &AppState::androidSearchTextChanged);
-    assign(m_androidSearchResults, {}, &AppState::androidSearchResultsChanged);
-    assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
-    showFilterOrHits();
-
+    m_androidPathSegments = AndroidPath::segments(folder);
+    m_search.clear();
     for (const StorageShortcut &shortcut : m_shortcuts) {
         if (ADBClient::normalizePath(shortcut.path) == folder) {
             setSelectedShortcutID(shortcut.id);
@@ -62,13 +72,14 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
         }
     }
 
-    if (!m_device.isConnected) {
+    const auto serial = connectedSerial();
+    if (!serial) {
         m_androidPane.empty(QStringLiteral("Connect an Android device to browse storage."));
         co_return;
     }
 
     m_androidPane.setLoading(true);
-    auto listing = co_await onWorker(this, &ADBClient::listDirectory, m_device.id, folder);
+    auto listing = co_await onWorker(this, &ADBClient::listDirectory, *serial, folder);
     if (!m_androidPane.isNewest(token))
         co_return;
     if (!listing)
@@ -91,30 +102,30 @@ QCoro::Task<> AppState::browseMac(QString path) {
     if (!listing)
         m_macPane.setBrowseError(listing.error().errorDescription());
     m_macPane.setItems(std::move(listing).value_or(QList<FileItem>()));
-    assign(m_macAvailableLabel,
-           available ? formatFileSize(*available) + QStringLiteral(" available") : unknownLabel(),
-           &AppState::macAvailableLabelChanged);
+    m_macAvailableLabel =
+        available ? QString(formatFileSize(*available) + QStringLiteral(" available")) : unknownLabel();
     m_macPane.setLoading(false);
 }
 
 QCoro::Task<> AppState::openAndroidFile(FileItem item) {
     if (item.isDirectory)
         co_return;
-    if (!m_device.isConnected) {
+    const auto serial = connectedSerial();
+    if (!serial) {
         m_androidPane.setBrowseError(QStringLiteral("Connect an Android device to open files."));
         co_return;
     }
     if (m_isOpeningAndroidFile)
         co_return;
-    assign(m_isOpeningAndroidFile, true, &AppState::isOpeningAndroidFileChanged);
+    m_isOpeningAndroidFile = true;
     m_androidPane.setBrowseError(std::nullopt);
 
-    const auto local = co_await onWorker(this, &FilePreview::fetch, m_device.id, item.path, item.name);
+    const auto local = co_await onWorker(this, &FilePreview::fetch, *serial, item.path, item.name);
     if (local)
         MacFileClient::open(m_desktop, *local);
     else
         m_androidPane.setBrowseError(local.error());
-    assign(m_isOpeningAndroidFile, false, &AppState::isOpeningAndroidFileChanged);
+    m_isOpeningAndroidFile = false;
 }
 
 QCoro::Task<> AppState::createMacFolder() {

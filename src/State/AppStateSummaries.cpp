@@ -2,7 +2,6 @@
 
 #include "Records/FileSizeFormat.h"
 #include "Records/TextLength.h"
-#include "State/AppStateAssign.h"
 
 namespace vantrel {
 
@@ -13,10 +12,6 @@ QString plural(qsizetype count, const QString &noun) {
 }
 
 } // namespace
-
-QString AppState::trimmedSearchText() const {
-    return m_androidSearchText.trimmed();
-}
 
 QString AppState::macSelectionSummary() const {
     if (macSelectedIDs().isEmpty())
@@ -41,13 +36,13 @@ QString AppState::androidSelectionSummary() const {
 }
 
 QString AppState::androidFooterStats() const {
-    const QString query = trimmedSearchText();
-    if (m_androidSearchScope == AndroidSearchScope::everywhere && !query.isEmpty()) {
-        if (characterCount(query) < shortestSearchQuery)
+    const QString query = m_search.query();
+    if (m_search.isEverywhereActive()) {
+        if (characterCount(query) < DeviceSearch::shortestQuery)
             return QStringLiteral("Type at least 2 characters");
-        const qsizetype hits = m_androidSearchResults.size();
+        const qsizetype hits = androidSearchResults().size();
         const QString quoted = QStringLiteral(" for “") % query % QStringLiteral("”");
-        if (hits < searchResultLimit)
+        if (hits < DeviceSearch::resultLimit)
             return plural(hits, QStringLiteral("result")) + quoted;
         return QStringLiteral("Showing first ") % QString::number(hits) % QStringLiteral(" results") % quoted;
     }
