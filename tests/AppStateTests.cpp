@@ -60,7 +60,7 @@ protected:
         ASSERT_TRUE(waitFor([&] { return !state->isLoadingAndroid(); }));
     }
     void select(BrowserSide side, const QString &name) {
-        for (const FileItem &item : state->visibleItems(side)) {
+        for (const FileItem &item : state->pane(side).visibleItems()) {
             if (item.name == name)
                 return state->selectItem(item, side);
         }
@@ -509,7 +509,7 @@ TEST_F(AppStateTest, aFolderThatComesWithoutItsContentsFailsInThePhonesWords) {
 }
 
 TEST_F(AppStateTest, theFooterKnowsItsLimits) {
-    for (int i = 0; i <= AppState::searchResultLimit; ++i)
+    for (int i = 0; i <= DeviceSearch::resultLimit; ++i)
         phone.write(QStringLiteral("hit%1").arg(i), "x");
     connectPhone();
     state->setAndroidSearchScope(AndroidSearchScope::everywhere);
@@ -550,10 +550,10 @@ TEST_F(AppStateTest, aFolderHasNoSizeAndASmallQueueIsTakenUpAgain) {
 }
 
 TEST(FormatDuration, hoursAreNotWrapped) {
-    EXPECT_EQ(AppState::formatDuration(0), QStringLiteral("00:00:00"));
-    EXPECT_EQ(AppState::formatDuration(3725.4), QStringLiteral("01:02:05"));
-    EXPECT_EQ(AppState::formatDuration(59.5), QStringLiteral("00:01:00"));
-    EXPECT_EQ(AppState::formatDuration(360'000), QStringLiteral("100:00:00"));
+    EXPECT_EQ(TransferRunner::formatDuration(0), QStringLiteral("00:00:00"));
+    EXPECT_EQ(TransferRunner::formatDuration(3725.4), QStringLiteral("01:02:05"));
+    EXPECT_EQ(TransferRunner::formatDuration(59.5), QStringLiteral("00:01:00"));
+    EXPECT_EQ(TransferRunner::formatDuration(360'000), QStringLiteral("100:00:00"));
 }
 
 TEST(TransferQueue, keepsOrderCountsAndClaims) {
