@@ -4,6 +4,7 @@
 #include "ADB/AndroidPath.h"
 #include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
+#include "Records/TransferFormat.h"
 #include "Worker/Worker.h"
 
 #include <QDir>
@@ -90,12 +91,7 @@ double TransferRunner::CopyClock::bytesPerSecond(qint64 bytes) const {
 }
 
 QString TransferRunner::formatDuration(double seconds) {
-    const qint64 whole = std::llround(seconds);
-    const auto twoDigits = [](qint64 number) {
-        return QString::number(number).rightJustified(2, QLatin1Char('0'));
-    };
-    return twoDigits(whole / 3600) % QLatin1Char(':') % twoDigits(whole % 3600 / 60) % QLatin1Char(':') %
-           twoDigits(whole % 60);
+    return vantrel::formatDuration(seconds);
 }
 
 TransferRunner::TransferRunner(TransferHost &host) : m_host(host) {
