@@ -41,7 +41,6 @@ void AppState::forwardSignals() {
     connect(&m_search, &DeviceSearch::resultsChanged, this, &AppState::androidSearchResultsChanged);
     connect(&m_search, &DeviceSearch::isSearchingChanged, this, &AppState::isSearchingAndroidChanged);
     connect(&m_transfers, &TransferRunner::queueChanged, this, &AppState::queueChanged);
-    connect(&m_transfers, &TransferRunner::queueEntryChanged, this, &AppState::queueEntryChanged);
     connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
     connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
     connect(&m_transfers, &TransferRunner::isTransferringChanged, this, &AppState::isTransferringChanged);

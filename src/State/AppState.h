@@ -116,6 +116,8 @@ public:
 
     // -- Transfers
     [[nodiscard]] const QList<QueueItem> &queue() const { return m_transfers.queue().items(); }
+    /// The queue as an item model, which tells which rows change: a TransferQueue.
+    [[nodiscard]] QAbstractItemModel *queueModel() { return m_transfers.model(); }
     [[nodiscard]] const QString &transferSpeedLabel() const { return m_transfers.speedLabel(); }
     [[nodiscard]] const QString &remainingLabel() const { return m_transfers.remainingLabel(); }
     [[nodiscard]] bool isTransferring() const { return m_transfers.isTransferring(); }
@@ -155,8 +157,8 @@ Q_SIGNALS:
     void isLoadingMacChanged();
     void macBrowseErrorChanged();
     void macAvailableLabelChanged();
+    /// The queue changed in any way; comes after what queueModel() tells of it.
     void queueChanged();
-    void queueEntryChanged(qsizetype row); ///< only the status of this row; comes before its queueChanged
     void transferSpeedLabelChanged();
     void remainingLabelChanged();
     void isTransferringChanged();

@@ -341,11 +341,8 @@ void TransferRunner::forgetSpeed() {
 }
 
 void TransferRunner::updateStatus(const QUuid &id, const QueueItemStatus &status) {
-    const qsizetype row = m_queue.setStatus(id, status);
-    if (row < 0)
-        return;
-    Q_EMIT queueEntryChanged(row);
-    Q_EMIT queueChanged();
+    if (m_queue.setStatus(id, status) >= 0)
+        Q_EMIT queueChanged();
 }
 
 } // namespace vantrel

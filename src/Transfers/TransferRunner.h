@@ -43,6 +43,8 @@ public:
     explicit TransferRunner(TransferHost &host);
 
     [[nodiscard]] const TransferQueue &queue() const { return m_queue; }
+    /// The queue as an item model, which tells which rows change.
+    [[nodiscard]] QAbstractItemModel *model() { return &m_queue; }
     /// Both texts are "—" while nothing is known.
     [[nodiscard]] const QString &speedLabel() const { return m_speedLabel.value(); }
     [[nodiscard]] const QString &remainingLabel() const { return m_remainingLabel.value(); }
@@ -61,8 +63,6 @@ public:
 Q_SIGNALS:
     /// The queue changed in any way.
     void queueChanged();
-    /// Only the status of this row changed; comes right before its queueChanged.
-    void queueEntryChanged(qsizetype row);
     void speedLabelChanged();
     void remainingLabelChanged();
     void isTransferringChanged();
