@@ -121,11 +121,11 @@ ADBResult<FileTree> fetchTree(const QString &serial, const QString &path, const 
     auto tree = parseTree(answer->output);
     if (!tree)
         return tl::make_unexpected(unreadableAnswer());
-    tree->leftOut += parseFindComplaints(answer->errors, path);
+    tree->unreadable += parseFindComplaints(answer->errors, path);
     if (tree->entries.isEmpty() && !answer->errors.isEmpty()) {
         if (!answer->errors.endsWith(QLatin1String("No such file or directory")))
             return tl::make_unexpected(failure(answer->errors));
-        tree->leftOut.clear();
+        tree->unreadable.clear();
     }
     return *tree;
 }
@@ -135,7 +135,7 @@ ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QSt
     QHash<QString, TreeEntry> facts;
     const auto asked = forEachLine(quotedAll(paths), [&](const QStringList &words) -> ADBResult<void> {
         const auto answer = runShell(serial,
-                                     QStringLiteral("find ") % words.join(QLatin1Char(' ')) %
+                                     QStringLiteral("find -H ") % words.join(QLatin1Char(' ')) %
                                          QStringLiteral(" -maxdepth 0 -printf '") %
                                          QString::fromLatin1(factsFormat) % QLatin1Char('\''),
                                      stop);
@@ -162,7 +162,7 @@ ADBResult<QStringList> namesBeginningWith(const QString &serial, const QString &
                  stop);
     if (!answer)
         return tl::make_unexpected(answer.error());
-    const auto facts = parseFacts(answer->output);
+    const auto facts = parseFacts(answer->output); // the format of a tree: paths below the folder
     return facts ? ADBResult<QStringList>(facts->keys()) : tl::make_unexpected(unreadableAnswer());
 }
 

@@ -19,7 +19,7 @@ namespace vantrel::ADBClient {
 /// say so.
 [[nodiscard]] ADBResult<FileTree> fetchTree(const QString &serial, const QString &path,
                                             const std::stop_token &stop);
-/// What stands at each path; paths where nothing stands are missing. Links are not followed. A run of adb for
+/// What stands at each path; paths where nothing stands are missing. Links are followed where they lead somewhere. A run of adb for
 /// every 48 KB of paths.
 [[nodiscard]] ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QStringList &paths,
                                                               const std::stop_token &stop);

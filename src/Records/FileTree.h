@@ -29,8 +29,9 @@ struct TreeEntry {
 
 /// A file, or a folder with everything below it, as it was when it was looked at.
 struct FileTree {
-    QList<TreeEntry> entries;   ///< the root first; empty when nothing stands there
-    QList<CopyProblem> leftOut; ///< what could not be read or has a name that cannot be copied
+    QList<TreeEntry> entries;      ///< the root first; empty when nothing stands there
+    QList<CopyProblem> leftOut;    ///< names that cannot be copied
+    QList<CopyProblem> unreadable; ///< folders that may not be read, what went away meanwhile
     friend bool operator==(const FileTree &, const FileTree &) = default;
 };
 

@@ -1,5 +1,6 @@
 #include "Transfers/CopyRun.h"
 
+#include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
 #include "ADB/PhoneCopies.h"
 #include "Transfers/LocalStaging.h"
@@ -89,7 +90,7 @@ private:
     struct State {
         FileTree source;
         CopyReport report;
-        CopyProgress progress;
+        QueueItemStatus::Progress progress;
         qsizetype filesLeft = 0; ///< planned files that have not ended
         qint64 stagedBytes = 0;  ///< through, but without their names
         qsizetype stagedFiles = 0;
@@ -116,7 +117,16 @@ private:
         if (m_states.at(entry).hasEnded)
             return;
         m_states[entry].report.failure = message;
+        m_states[entry].report.isPhoneGone = m_isPhoneGone;
+        m_states[entry].report.wasStopped = m_stop.stop_requested();
         end(entry);
+    }
+    /// The phone ended it for all: it left, or it did not answer.
+    void failAll(const ADBError &error) {
+        const auto serials = ADBClient::listDeviceSerials();
+        m_isPhoneGone =
+            serials && !serials->contains(m_job.serial); // what cannot be asked is not known to be gone
+        failAll(error.errorDescription());
     }
     void failAll(const QString &message) {
         for (qsizetype entry = 0; entry < m_states.size(); ++entry)
@@ -147,24 +157,24 @@ private:
     void readSources() {
         QStringList single;
         for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
-            const CopyEntry &copied = m_job.entries.at(entry);
+            const QueueItem &copied = m_job.entries.at(entry);
             if (!isPull())
-                m_states[entry].source = LocalFiles::readTree(copied.source);
-            else if (copied.isFolder)
+                m_states[entry].source = LocalFiles::readTree(copied.sourcePath);
+            else if (copied.isDirectory)
                 readPhoneTree(entry);
             else
-                single.append(copied.source);
+                single.append(copied.sourcePath);
         }
         if (single.isEmpty())
             return;
         const auto facts = ADBClient::fetchFacts(m_job.serial, single, m_stop);
         for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
-            const CopyEntry &copied = m_job.entries.at(entry);
-            if (copied.isFolder)
+            const QueueItem &copied = m_job.entries.at(entry);
+            if (copied.isDirectory)
                 continue;
             if (!facts)
-                fail(entry, facts.error().errorDescription());
-            else if (const auto found = facts->constFind(copied.source); found != facts->constEnd())
+                return failAll(facts.error());
+            else if (const auto found = facts->constFind(copied.sourcePath); found != facts->constEnd())
                 found->kind == TreeEntry::Kind::folder
                     ? readPhoneTree(entry)
                     : m_states[entry].source.entries.append(
@@ -173,11 +183,11 @@ private:
     }
 
     void readPhoneTree(qsizetype entry) {
-        auto tree = ADBClient::fetchTree(m_job.serial, m_job.entries.at(entry).source, m_stop);
+        auto tree = ADBClient::fetchTree(m_job.serial, m_job.entries.at(entry).sourcePath, m_stop);
         if (tree)
             m_states[entry].source = std::move(*tree);
         else
-            fail(entry, tree.error().errorDescription());
+            failAll(tree.error());
     }
 
     /// The phone is asked at once for all that stands there; this computer is looked at file by file.
@@ -187,28 +197,28 @@ private:
         constexpr int numbersToTry = 20;
         QStringList single;
         for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
-            const CopyEntry &copied = m_job.entries.at(entry);
+            const QueueItem &copied = m_job.entries.at(entry);
             if (m_states.at(entry).source.entries.isEmpty() || m_states.at(entry).hasEnded)
                 continue;
             const bool isFolder = m_states.at(entry).source.entries.first().kind == TreeEntry::Kind::folder;
             if (isFolder) {
-                const auto tree = ADBClient::fetchTree(m_job.serial, copied.destination, m_stop);
+                const auto tree = ADBClient::fetchTree(m_job.serial, copied.destinationPath, m_stop);
                 if (!tree)
-                    return failAll(tree.error().errorDescription());
+                    return failAll(tree.error());
                 for (const TreeEntry &found : tree->entries)
-                    m_there.insert(below(copied.destination, found.path), found);
+                    m_there.insert(below(copied.destinationPath, found.path), found);
             } else {
-                single.append(copied.destination);
+                single.append(copied.destinationPath);
             }
             for (int number = 2; copied.whenTaken == WhenTaken::keepBoth && number <= numbersToTry; ++number)
                 single.append(AndroidPath::join(
-                    m_job.folder, numberedName(AndroidPath::lastComponent(copied.destination), number)));
+                    m_job.folder, numberedName(AndroidPath::lastComponent(copied.destinationPath), number)));
         }
         if (single.isEmpty())
             return;
         const auto facts = ADBClient::fetchFacts(m_job.serial, single, m_stop);
         if (!facts)
-            return failAll(facts.error().errorDescription());
+            return failAll(facts.error());
         for (auto fact = facts->cbegin(); fact != facts->cend(); ++fact)
             m_there.insert(fact.key(), fact.value());
     }
@@ -227,7 +237,7 @@ private:
             State &state = m_states[entry];
             if (state.hasEnded)
                 continue;
-            const QString name = AndroidPath::lastComponent(m_job.entries.at(entry).source);
+            const QString name = AndroidPath::lastComponent(m_job.entries.at(entry).sourcePath);
             if (state.source.entries.isEmpty())
                 fail(entry, QStringLiteral("“%1” is not there any more.").arg(name));
             else if (state.source.entries.first().kind == TreeEntry::Kind::other)
@@ -240,11 +250,13 @@ private:
     }
 
     void planEntry(qsizetype entry) {
-        const CopyEntry &copied = m_job.entries.at(entry);
+        const QueueItem &copied = m_job.entries.at(entry);
         State &state = m_states[entry];
         state.report.leftOut = state.source.leftOut;
+        state.report.failed = state.source.unreadable;
+        state.report.fileCount = state.report.failed.size();
         const bool isFolder = state.source.entries.first().kind == TreeEntry::Kind::folder;
-        QString root = copied.destination;
+        QString root = copied.destinationPath;
         if (isFolder) {
             const auto there = lookAtDestination(root);
             if (there && there->kind != TreeEntry::Kind::folder) {
@@ -256,35 +268,37 @@ private:
                 root = freeName(root);
             }
         }
-        QString closed; // below it nothing can be put
+        QSet<QString> closed; // folders below which nothing can be put
         for (const TreeEntry &found : std::as_const(state.source.entries)) {
             const QString destination = below(root, found.path);
             const QString shown =
-                found.path.isEmpty() ? AndroidPath::lastComponent(copied.source) : found.path;
-            const bool isClosed =
-                !closed.isEmpty() && found.path.startsWith(QString(closed % QLatin1Char('/')));
+                found.path.isEmpty() ? AndroidPath::lastComponent(copied.sourcePath) : found.path;
+            const QString parent =
+                found.path.left(std::max<qsizetype>(found.path.lastIndexOf(QLatin1Char('/')), 0));
+            const bool isClosed = closed.contains(parent);
             if (StagedName::isStaged(AndroidPath::lastComponent(destination)))
                 continue;
             if (found.kind == TreeEntry::Kind::other) {
                 state.report.leftOut.append({shown, QStringLiteral("Neither a file nor a folder")});
             } else if (found.kind == TreeEntry::Kind::folder) {
                 const auto there = lookAtDestination(destination);
-                if (!there)
+                if (isClosed || (there && there->kind != TreeEntry::Kind::folder))
+                    closed.insert(found.path);
+                else if (!there)
                     m_folders.append({entry, {}, destination, found.path, 0, 0});
-                else if (there->kind != TreeEntry::Kind::folder && !isClosed)
-                    closed = found.path;
             } else {
                 ++state.report.fileCount;
                 state.progress.totalBytes += found.sizeBytes;
                 if (isClosed)
                     state.report.failed.append(
-                        {shown, QStringLiteral("“%1” there is no folder.").arg(closed)});
+                        {shown, QStringLiteral("“%1” is no folder there").arg(parent)});
                 else
-                    planFile({entry, below(copied.source, found.path), destination, shown, found.sizeBytes,
-                              found.modified});
+                    planFile({entry, below(copied.sourcePath, found.path), destination, shown,
+                              found.sizeBytes, found.modified});
             }
         }
         state.progress.fileCount = state.report.fileCount;
+        state.report.totalBytes = state.progress.totalBytes;
         report(entry, 0);
     }
 
@@ -308,7 +322,7 @@ private:
             if (there && isSameContent(*there, file.sizeBytes, file.modified)) {
                 ++state.report.alreadyThere;
                 ++state.progress.files;
-                state.progress.bytes += file.sizeBytes;
+                state.progress.transferredBytes += file.sizeBytes;
                 return;
             }
             file.destination =
@@ -347,7 +361,7 @@ private:
         if (paths.isEmpty() || m_stop.stop_requested())
             return;
         if (const auto made = ADBClient::makeFolders(m_job.serial, paths, m_stop); !made)
-            failAll(made.error().errorDescription());
+            failAll(made.error());
     }
 
     void copyMissing() {
@@ -382,7 +396,7 @@ private:
             if (!LocalFiles::look(m_job.folder))
                 return failAll(vanished());
             if (!errors)
-                return failAll(errors.error().errorDescription());
+                return failAll(errors.error());
         }
     }
 
@@ -415,7 +429,7 @@ private:
         }
         while (!m_stop.stop_requested() && takeBatch()) {
             if (const auto pushed = pushBatch(staging); !pushed) {
-                failAll(pushed.error().errorDescription());
+                failAll(pushed.error());
                 break;
             }
         }
@@ -430,7 +444,7 @@ private:
         const auto arrived = ADBClient::fetchTree(m_job.serial, staging, m_stop);
         if (!arrived)
             return tl::make_unexpected(arrived.error());
-        if (arrived->entries.isEmpty())
+        if (arrived->entries.isEmpty() || arrived->entries.first().kind != TreeEntry::Kind::folder)
             return tl::make_unexpected(ADBError::executionFailed(vanished()));
         QHash<QString, TreeEntry> byName;
         for (const TreeEntry &entry : arrived->entries)
@@ -552,7 +566,7 @@ private:
         State &state = m_states[file.entry];
         ++state.report.copied;
         ++state.progress.files;
-        state.progress.bytes += file.sizeBytes;
+        state.progress.transferredBytes += file.sizeBytes;
         fileEnded(file.entry);
     }
     void problem(const PlannedFile &file, QList<CopyProblem> CopyReport::*list, const QString &reason) {
@@ -571,13 +585,12 @@ private:
         State &state = m_states[entry];
         if (state.hasEnded || !m_watcher.onProgress)
             return;
-        CopyProgress now = state.progress;
-        now.bytes = std::min(now.bytes + state.stagedBytes + underWay, now.totalBytes);
+        QueueItemStatus::Progress now = state.progress;
+        now.transferredBytes = std::min(now.transferredBytes + state.stagedBytes + underWay, now.totalBytes);
         now.files += state.stagedFiles;
-        now.fraction =
-            now.totalBytes > 0
-                ? std::min(highest, static_cast<double>(now.bytes) / static_cast<double>(now.totalBytes))
-                : 0;
+        now.fraction = now.totalBytes > 0 ? std::min(highest, static_cast<double>(now.transferredBytes) /
+                                                                  static_cast<double>(now.totalBytes))
+                                          : 0;
         if (now.fraction <= state.progress.fraction + step)
             return;
         state.progress.fraction = now.fraction;
@@ -597,14 +610,46 @@ private:
     QList<PlannedFile> m_folders;
     QList<PlannedFile> m_files;
     QSet<QString> m_planned; ///< where the files of this run go
+    bool m_isPhoneGone = false;
     qsizetype m_nextFile = 0;
     QList<PlannedFile> m_batch;
 };
 
 } // namespace
 
-void runCopyJob(const CopyJob &job, const CopyWatcher &watcher, const std::stop_token &stop) {
+bool runCopyJob(const CopyJob &job, const CopyWatcher &watcher, const std::stop_token &stop) {
     CopyRun(job, watcher, stop).run();
+    return !stop.stop_requested();
+}
+
+QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
+    if (!report.failure.isEmpty())
+        return QueueItemStatus::Failed{report.failure, report.failed};
+    const bool isFolder = item.isDirectory;
+    if (!report.failed.isEmpty())
+        return QueueItemStatus::Failed{isFolder ? QStringLiteral("%1 of %2 could not be copied")
+                                                      .arg(report.failed.size())
+                                                      .arg(report.fileCount)
+                                                : report.failed.first().reason,
+                                       report.failed};
+    if (!report.taken.isEmpty())
+        return QueueItemStatus::NameTaken{
+            isFolder && report.fileCount > 1
+                ? QStringLiteral("%1 of %2 differ from what is there")
+                      .arg(report.taken.size())
+                      .arg(report.fileCount)
+                : QStringLiteral("Another “%1” is already there.").arg(item.name),
+            report.taken};
+    QStringList parts;
+    if (report.alreadyThere > 0 && report.copied > 0)
+        parts.append(QStringLiteral("%1 copied").arg(report.copied));
+    if (report.alreadyThere > 0)
+        parts.append(report.copied > 0 || report.fileCount > 1 || isFolder
+                         ? QStringLiteral("%1 already there").arg(report.alreadyThere)
+                         : QStringLiteral("Already there"));
+    if (!report.leftOut.isEmpty())
+        parts.append(QStringLiteral("%1 left out").arg(report.leftOut.size()));
+    return QueueItemStatus::Completed{parts.join(QStringLiteral(", ")), report.leftOut, report.totalBytes};
 }
 
 QString numberedName(const QString &name, int number) {

@@ -134,7 +134,7 @@ FileTree readTree(const QString &path) {
         const QString folder = below.isEmpty() ? path : AndroidPath::join(path, below);
         const auto names = namesIn(folder);
         if (!names) {
-            tree.leftOut.append({below, systemText(names.error())});
+            tree.unreadable.append({below, systemText(names.error())});
             continue;
         }
         for (const QByteArray &bytes : *names) {
@@ -149,7 +149,7 @@ FileTree readTree(const QString &path) {
             if (::lstat(QFile::encodeName(AndroidPath::join(folder, name)).constData(), &facts) == 0)
                 tree.entries.append(entryOf(entry, facts));
             else
-                tree.leftOut.append({entry, systemText(errno)});
+                tree.unreadable.append({entry, systemText(errno)});
         }
     }
     return tree;
