@@ -87,7 +87,7 @@ protected:
             if (!isPull && line.value(2) != QStringLiteral("push"))
                 continue;
             const QStringList sources = line.mid(isPull ? 4 : 3); // behind "pull -a" or "push"
-            for (const QString &source : sources.chopped(1))
+            for (const QString &source : sources.mid(0, sources.size() - 1))
                 list.append(QFileInfo(source).fileName());
         }
         return list.join(QString());
@@ -380,7 +380,7 @@ TEST_F(AppStateTest, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
     for (const char *name : {"A", "B", "C", "D", "E"})
         phone.write(QString::fromLatin1(name), QByteArray(100'000, *name));
     write(here(QStringLiteral("F")), "from here");
-    phone.set(QStringLiteral("bandwidth"), "0.5");
+    phone.set(QStringLiteral("bandwidth"), "0.15");
     connectPhone();
     browseHere();
     state->selectAllVisible(BrowserSide::android);

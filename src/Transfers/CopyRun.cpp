@@ -54,21 +54,6 @@ bool isFirstVisit(const QString &place) {
     return isFirst;
 }
 
-/// What adb's error line means to the user.
-QString explained(const QString &error) {
-    const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
-    const QString reason = colon < 0 ? error : error.mid(colon + 2);
-    if (error.contains(QLatin1String("remote open failed")))
-        return QStringLiteral("The phone can’t read it: ") + reason;
-    if (error.contains(QLatin1String("remote ")))
-        return QStringLiteral("The phone can’t write it: ") + reason;
-    if (error.startsWith(QLatin1String("cannot create")) || error.startsWith(QLatin1String("cannot write")))
-        return QStringLiteral("This computer can’t write it: ") + reason;
-    if (error.startsWith(QLatin1String("cannot ")))
-        return QStringLiteral("This computer can’t read it: ") + reason;
-    return reason;
-}
-
 class CopyRun {
 public:
     CopyRun(const CopyJob &job, const CopyWatcher &watcher, std::stop_token stop)
@@ -299,7 +284,8 @@ private:
         }
         state.progress.fileCount = state.report.fileCount;
         state.report.totalBytes = state.progress.totalBytes;
-        report(entry, 0);
+        if (m_watcher.onProgress)
+            m_watcher.onProgress(copied.id, state.progress);
     }
 
     /// Whether the file is missing, there already, or kept from its place by another content.
@@ -383,6 +369,8 @@ private:
                                .arg(AndroidPath::lastComponent(m_job.folder), staging.error()));
         while (!m_stop.stop_requested() && takeBatch()) {
             const auto errors = copyBatch(staging->path());
+            if (!LocalFiles::look(m_job.folder))
+                return failAll(vanished());
             for (const PlannedFile &file : std::as_const(m_batch)) {
                 const QString staged =
                     AndroidPath::join(staging->path(), AndroidPath::lastComponent(file.source));
@@ -393,8 +381,6 @@ private:
                     explain(file, arrived.has_value(), *errors);
                 QFile::remove(staged); // what was not placed is not whole or not wanted
             }
-            if (!LocalFiles::look(m_job.folder))
-                return failAll(vanished());
             if (!errors)
                 return failAll(errors.error());
         }
@@ -551,7 +537,7 @@ private:
         for (const QString &error : errors) {
             if (m_batch.size() == 1 ||
                 error.contains(QString(QLatin1Char('\'') % file.source % QLatin1Char('\''))))
-                reason = explained(error);
+                reason = explainedCopyError(error);
             if (error.contains(QLatin1String("No space left on device")))
                 return failAll(isPull() ? QStringLiteral("The disk of this computer is full.")
                                         : QStringLiteral("The phone’s storage is full."));
@@ -650,6 +636,20 @@ QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
     if (!report.leftOut.isEmpty())
         parts.append(QStringLiteral("%1 left out").arg(report.leftOut.size()));
     return QueueItemStatus::Completed{parts.join(QStringLiteral(", ")), report.leftOut, report.totalBytes};
+}
+
+QString explainedCopyError(const QString &error) {
+    const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
+    const QString reason = colon < 0 ? error : error.mid(colon + 2);
+    if (error.contains(QLatin1String("remote open failed")))
+        return QStringLiteral("The phone can’t read it: ") + reason;
+    if (error.contains(QLatin1String("remote ")))
+        return QStringLiteral("The phone can’t write it: ") + reason;
+    if (error.startsWith(QLatin1String("cannot create")) || error.startsWith(QLatin1String("cannot write")))
+        return QStringLiteral("This computer can’t write it: ") + reason;
+    if (error.startsWith(QLatin1String("cannot ")))
+        return QStringLiteral("This computer can’t read it: ") + reason;
+    return reason;
 }
 
 QString numberedName(const QString &name, int number) {
