@@ -10,6 +10,7 @@
 #include "Views/StatusBarView.h"
 #include "Views/TransferQueueView.h"
 
+#include <QAbstractItemModelTester>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QPushButton>
@@ -75,6 +76,48 @@ QString toolTipAt(QueueListView *list, QPoint place) {
     QHelpEvent event(QEvent::ToolTip, place, list->viewport()->mapToGlobal(place));
     QCoreApplication::sendEvent(list->viewport(), &event);
     return QToolTip::text();
+}
+
+// -- What the queue announces
+
+TEST(TransferQueueTests, tellsAViewEveryChangeRowByRow) {
+    TransferQueue queue;
+    const QAbstractItemModelTester tester(&queue, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    // The list of somebody who knows only what is announced.
+    QList<QueueItem> known;
+    const auto itemAt = [&](int row) { return queueItemAt(queue.index(row)); };
+    QObject::connect(&queue, &QAbstractItemModel::rowsInserted,
+                     [&](const QModelIndex &, int first, int last) {
+                         for (int row = first; row <= last; ++row)
+                             known.insert(row, itemAt(row));
+                     });
+    QObject::connect(&queue, &QAbstractItemModel::rowsRemoved, [&](const QModelIndex &, int first, int last) {
+        known.remove(first, last - first + 1);
+    });
+    QObject::connect(&queue, &QAbstractItemModel::dataChanged,
+                     [&](const QModelIndex &changed) { known[changed.row()] = itemAt(changed.row()); });
+
+    const auto insert = [&](int count) {
+        QList<QueueItem> block;
+        for (int index = 0; index < count; ++index)
+            block.append(queueItem({}));
+        queue.insertFront(block);
+    };
+    insert(5);
+    insert(0);
+    (void)queue.claimNextWaiting();
+    insert(3);
+    (void)queue.claimNextWaiting();
+    queue.setStatus(known.at(0).id, transferring(0.5));
+    queue.setStatus(known.at(4).id, QueueItemStatus::Completed());
+    EXPECT_EQ(known, queue.items());
+    queue.remove(known.at(1).id);
+    EXPECT_EQ(known, queue.items());
+    ASSERT_EQ(known.size(), 7);
+    queue.clear(); // all but the first and the last two
+    EXPECT_EQ(known, queue.items());
+    ASSERT_EQ(known.size(), 3);
+    EXPECT_FALSE(queue.clear());
 }
 
 // -- The rows
