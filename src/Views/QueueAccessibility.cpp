@@ -66,35 +66,26 @@ public:
     }
 
     [[nodiscard]] QAccessible::Role role() const override {
-        switch (m_part) {
-        case Part::row:
-            return QAccessible::ListItem;
-        case Part::bar:
-            return QAccessible::ProgressBar;
-        case Part::removeButton:
-            break;
-        }
-        return QAccessible::Button;
+        constexpr QAccessible::Role roles[] = {QAccessible::ListItem, QAccessible::ProgressBar,
+                                               QAccessible::Button};
+        return roles[int(m_part)];
     }
     [[nodiscard]] QString text(QAccessible::Text kind) const override {
         if (!isValid())
             return {};
         const QueueItem item = queueItemAt(m_row);
-        const QString progress =
-            displayText(item.progressLabel()) + QStringLiteral(", ") + item.percentLabel();
-        const bool isName = kind == QAccessible::Name;
-        switch (m_part) {
-        case Part::row:
-            return isName ? displayText(item.name) : kind == QAccessible::Description ? progress : QString();
-        case Part::bar:
-            return isName ? QStringLiteral("Progress") : QString();
-        case Part::removeButton:
-            break;
-        }
-        return isName ? QueueDelegate::removeHelp() : QString();
+        if (kind == QAccessible::Description && m_part == Part::row)
+            return displayText(item.progressLabel()) + QStringLiteral(", ") + item.percentLabel();
+        if (kind != QAccessible::Name)
+            return {};
+        const QString names[] = {displayText(item.name), QStringLiteral("Progress"),
+                                 QueueDelegate::removeHelp()};
+        return names[int(m_part)];
     }
     void setText(QAccessible::Text, const QString &) override {}
-    [[nodiscard]] QRect rect() const override { return placed(placeInViewport()); }
+    [[nodiscard]] QRect rect() const override {
+        return isValid() ? placeInViewport().translated(m_view->viewport()->mapToGlobal(QPoint())) : QRect();
+    }
     [[nodiscard]] QAccessible::State state() const override {
         QAccessible::State state;
         state.invalid = !isValid();
@@ -143,16 +134,9 @@ public:
 
 private:
     [[nodiscard]] QRect placeInViewport() const {
-        if (!isValid())
-            return {};
         const QRect row = m_view->visualRect(m_row);
-        return m_part == Part::row   ? row
-               : m_part == Part::bar ? QueueRowGeometry(row).bar
-                                     : m_view->removeButtonRect(m_row);
-    }
-    [[nodiscard]] QRect placed(const QRect &inViewport) const {
-        return isValid() ? QRect(m_view->viewport()->mapToGlobal(inViewport.topLeft()), inViewport.size())
-                         : QRect();
+        const QRect places[] = {row, QueueRowGeometry(row).bar, m_view->removeButtonRect(m_row)};
+        return places[int(m_part)];
     }
 
     QPointer<QueueListView> m_view;

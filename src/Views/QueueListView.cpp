@@ -108,7 +108,9 @@ void QueueListView::focusInEvent(QFocusEvent *event) {
         setCurrentIndex(lowest.isValid() ? lowest : model()->index(model()->rowCount() - 1, 0));
     }
     QListView::focusInEvent(event);
-    announceFocus(this);
+    // After the toolkit has said that the whole list has the keyboard.
+    QMetaObject::invokeMethod(
+        this, [this] { announceFocus(this); }, Qt::QueuedConnection);
 }
 
 void QueueListView::keyPressEvent(QKeyEvent *event) {
