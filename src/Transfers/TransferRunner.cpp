@@ -188,12 +188,12 @@ QCoro::Task<> TransferRunner::runSingleTransfer(QUuid id) {
             const ADBClient::TransferProgress onProgress = [runner = QPointer<TransferRunner>(this), id,
                                                             clock](double fraction, qint64 done,
                                                                    qint64 total) {
-                Background::onMainThread([runner, id, clock, fraction, done, total] {
+                Background::post([runner, id, clock, fraction, done, total] {
                     if (runner)
                         runner->applyProgress(id, clock, fraction, done, total);
                 });
             };
-            const auto copied = co_await onWorker(this, &runCopy, job, onProgress);
+            const auto copied = co_await Background::run(this, &runCopy, job, onProgress);
             if (!copied)
                 failure = copied.error().errorDescription();
         }
@@ -306,7 +306,7 @@ QCoro::Task<> TransferRunner::checkDestinations(QString serial, QList<QueueItem>
     for (const QueueItem &item : items)
         paths.append(item.destinationPath);
 
-    const auto existing = co_await onWorker(this, &ADBClient::existingPaths, serial, paths);
+    const auto existing = co_await Background::run(this, &ADBClient::existingPaths, serial, paths);
     for (const QueueItem &item : items) {
         DestinationCheck check;
         check.serial = serial;
