@@ -28,31 +28,6 @@ QueueItemStatus transferring(double fraction, qint64 done, qint64 total) {
     return progress;
 }
 
-TEST(Equality, takesEveryField) {
-    const FileItem file{newIdentity(),
-                        QStringLiteral("a"),
-                        QStringLiteral("/a"),
-                        false,
-                        1,
-                        2,
-                        QDateTime::fromSecsSinceEpoch(0)};
-    QList<FileItem> others(7, file);
-    others[0].id = newIdentity();
-    others[1].name.clear();
-    others[2].path.clear();
-    others[3].isDirectory = true;
-    others[4].sizeBytes.reset();
-    others[5].itemCount.reset();
-    others[6].modifiedAt.reset();
-    QSet<FileItem> different{file};
-    for (const FileItem &other : others) {
-        EXPECT_FALSE(other == file);
-        different.insert(other);
-    }
-    different.insert(file);
-    EXPECT_EQ(different.size(), 8);
-}
-
 } // namespace
 
 TEST(FileSize, isWrittenAsTheFileManagerWritesIt) {

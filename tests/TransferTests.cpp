@@ -119,8 +119,8 @@ TEST_F(TransferTests, anAnswerAboutAFreeNameRunsOut) {
 TEST_F(TransferTests, thePaneShowsWhatArrivedBeforeTheLastCopyFailed) {
     for (const char *name : {"b", "c"})
         phone.write(QString::fromLatin1(name), "x");
-    phone.write(u"a"_s, QByteArray(1'000'000, 'x'));
-    phone.set(u"bandwidth"_s, "0.01");
+    phone.write(u"a"_s, QByteArray(10'000'000, 'x'));
+    phone.set(u"bandwidth"_s, "0.5");
     connectPhone();
     browseHere();
     state->selectAllVisible(BrowserSide::android);
