@@ -22,7 +22,7 @@ QList<FileItem> files(const char *names) {
     return items;
 }
 
-class PaneStateTest : public ::testing::Test {
+class PaneStateTests : public ::testing::Test {
 protected:
     [[nodiscard]] QString shown() const { return namesOf(pane.visibleItems()).join(QString()); }
 
@@ -31,7 +31,7 @@ protected:
 
 } // namespace
 
-TEST_F(PaneStateTest, identitiesThatAreGoneLeaveTheSelection) {
+TEST_F(PaneStateTests, identitiesThatAreGoneLeaveTheSelection) {
     const QList<FileItem> old = files("abc");
     pane.setItems(old);
     const quint64 listing = pane.open(u"/sdcard"_s);
@@ -67,7 +67,7 @@ TEST_F(PaneStateTest, identitiesThatAreGoneLeaveTheSelection) {
     EXPECT_TRUE(pane.selectedIDs().isEmpty());
 }
 
-TEST_F(PaneStateTest, showsTheFolderWhatMatchesOrTheHitsAndSaysWhenThatChanges) {
+TEST_F(PaneStateTests, showsTheFolderWhatMatchesOrTheHitsAndSaysWhenThatChanges) {
     QSignalSpy changes(&pane, &PaneState::visibleItemsChanged);
     auto isTold = [&, told = 0](bool expected) mutable {
         const bool wasTold = changes.count() == told + (expected ? 1 : 0);
@@ -94,7 +94,7 @@ TEST_F(PaneStateTest, showsTheFolderWhatMatchesOrTheHitsAndSaysWhenThatChanges) 
     EXPECT_TRUE(pane.visibleItems().isSharedWith(pane.items()));
 }
 
-TEST_F(PaneStateTest, aListingIsAwaitedUntilAnotherIsAskedForOrThePaneIsEmptied) {
+TEST_F(PaneStateTests, aListingIsAwaitedUntilAnotherIsAskedForOrThePaneIsEmptied) {
     const quint64 first = pane.open(u"/sdcard"_s);
     const quint64 second = pane.open(u"/sdcard"_s);
     EXPECT_FALSE(pane.isNewest(first));

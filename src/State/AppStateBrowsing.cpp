@@ -20,7 +20,7 @@ QCoro::Task<> AppState::refreshDevice(Spinner spinner) {
         m_isRefreshingDevice = true;
     const quint64 token = ++m_refreshToken;
     m_isAskingForDevice = true;
-    const auto found = co_await onWorker(this, &ADBClient::fetchPrimaryDevice);
+    const auto found = co_await Background::run(this, &ADBClient::fetchPrimaryDevice);
     if (token == m_refreshToken) {
         m_isAskingForDevice = false;
         if (found)
@@ -81,7 +81,7 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
     }
 
     m_androidPane.setLoading(true);
-    auto listing = co_await onWorker(this, &ADBClient::listDirectory, *serial, folder);
+    auto listing = co_await Background::run(this, &ADBClient::listDirectory, *serial, folder);
     if (!m_androidPane.isNewest(token))
         co_return;
     if (!listing)
@@ -95,10 +95,10 @@ QCoro::Task<> AppState::browseMac(QString path) {
     const quint64 token = m_macPane.open(folder);
     m_macPane.setLoading(true);
 
-    auto listing = co_await onWorker(this, &MacFileClient::listDirectory, folder);
+    auto listing = co_await Background::run(this, &MacFileClient::listDirectory, folder);
     std::optional<qint64> available;
     if (listing && m_macPane.isNewest(token))
-        available = co_await onWorker(this, &MacFileClient::availableBytes, folder);
+        available = co_await Background::run(this, &MacFileClient::availableBytes, folder);
     if (!m_macPane.isNewest(token))
         co_return;
     if (!listing)
@@ -122,7 +122,7 @@ QCoro::Task<> AppState::openAndroidFile(FileItem item) {
     m_isOpeningAndroidFile = true;
     m_androidPane.setBrowseError(std::nullopt);
 
-    const auto local = co_await onWorker(this, &FilePreview::fetch, *serial, item.path, item.name);
+    const auto local = co_await Background::run(this, &FilePreview::fetch, *serial, item.path, item.name);
     if (local)
         MacFileClient::open(m_desktop, *local);
     else
@@ -134,11 +134,11 @@ QCoro::Task<> AppState::createMacFolder() {
     const Desktop::TextQuestion question{
         QStringLiteral("New Folder"), QStringLiteral("Enter a name for the new folder:"),
         QStringLiteral("Create"), QStringLiteral("Cancel"), QStringLiteral("New Folder")};
-    const auto answer = co_await onAnswer(this, m_desktop.askForText(question));
+    const auto answer = co_await Background::answer(this, m_desktop.askForText(question));
     const QString name = answer.value_or(QString()).trimmed();
     if (name.isEmpty())
         co_return;
-    const auto created = co_await onWorker(this, &MacFileClient::createFolder, name, m_macPane.path());
+    const auto created = co_await Background::run(this, &MacFileClient::createFolder, name, m_macPane.path());
     if (created)
         co_await browseMac(m_macPane.path());
     else

@@ -55,7 +55,7 @@ void DeviceSearch::schedule(const std::optional<QString> &serial) {
 
 QCoro::Task<> DeviceSearch::run(QString serial, QString query, quint64 token) {
     const QString root = QStringLiteral("/sdcard");
-    const auto found = co_await onWorker(this, &ADBClient::search, serial, root, query, resultLimit);
+    const auto found = co_await Background::run(this, &ADBClient::search, serial, root, query, resultLimit);
     if (token != m_token)
         co_return;
     m_results = found.value_or(QList<FileItem>());

@@ -206,7 +206,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     CopyWatcher watcher;
     watcher.isWanted = [run](const QUuid &id) { return run->isWanted(id); };
     watcher.onProgress = [self](const QUuid &id, const QueueItemStatus::Progress &progress) {
-        Background::onMainThread([self, id, progress] {
+        Background::post([self, id, progress] {
             if (self)
                 self->applyProgress(id, progress);
         });
@@ -214,13 +214,13 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     watcher.onEnd = [self, entries](const QUuid &id, const CopyReport &report) {
         const auto item = std::find_if(entries.begin(), entries.end(),
                                        [&](const QueueItem &entry) { return entry.id == id; });
-        Background::onMainThread([self, entry = *item, report] {
+        Background::post([self, entry = *item, report] {
             if (self)
                 self->finish(entry, report);
         });
     };
     const std::stop_token stop = run->stopToken();
-    co_await onWorker(this, &runCopyJob, job, watcher, stop);
+    co_await Background::run(this, &runCopyJob, job, watcher, stop);
     for (const QueueItem &item : std::as_const(entries))
         m_destinationsInUse.remove(destinationKey(item));
     m_runs.removeOne(run);

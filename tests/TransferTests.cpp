@@ -1,0 +1,302 @@
+// Copies: their order, what they refuse, and what is seen of them meanwhile and afterwards.
+
+#include "support/ModelTest.h"
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+using namespace vantrel;
+
+using TransferTests = ModelTest;
+
+TEST_F(TransferTests, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
+    for (const char *name : {"A", "B", "C", "D", "E"})
+        phone.write(QString::fromLatin1(name), QByteArray(100'000, *name));
+    write(here(u"F"_s), "from here");
+    phone.set(u"bandwidth"_s, "0.15");
+    connectPhone();
+    browseHere();
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    EXPECT_TRUE(state->androidSelectedIDs().isEmpty());
+    EXPECT_EQ(state->activeTransferCount(), 3);
+    EXPECT_EQ(state->waitingCount(), 2);
+    EXPECT_EQ(namesOf(QList<FileItem>()).join(u' '), QString());
+    EXPECT_EQ(statuses(),
+              u"A:Waiting…|B:Waiting…|C:Zero KB / 100 KB|D:Zero KB / 100 KB|E:Zero KB / 100 KB"_s);
+    select(BrowserSide::mac, u"F"_s);
+    state->transferMacToAndroid();
+    EXPECT_EQ(state->queue().first().name, u"F"_s);
+    EXPECT_EQ(state->queue().first().destinationPath, u"/sdcard/F"_s);
+
+    int mostAtOnce = 0;
+    bool sawSpeed = false;
+    // The order in which copies take a slot; their processes may overtake each other on the way up.
+    QString started;
+    QObject::connect(state.get(), &AppState::queueChanged, state.get(), [&] {
+        mostAtOnce = std::max(mostAtOnce, state->activeTransferCount());
+        for (const QueueItem &item : state->queue()) {
+            if (item.status.is<QueueItemStatus::Transferring>() && !started.contains(item.name))
+                started += item.name;
+        }
+    });
+    QObject::connect(state.get(), &AppState::remainingLabelChanged, state.get(),
+                     [&] { sawSpeed = sawSpeed || state->transferSpeedLabel().endsWith(u"/s"_s); });
+    waitForQueue();
+    EXPECT_EQ(mostAtOnce, 3);
+    EXPECT_TRUE(sawSpeed);
+    EXPECT_EQ(statuses(), u"F:Done|A:Done|B:Done|C:Done|D:Done|E:Done"_s);
+    EXPECT_EQ(QStringView(started).mid(3), u"BAF"_s);
+    EXPECT_EQ(state->transferSpeedLabel() + state->remainingLabel(), u"——"_s);
+    for (const char *name : {"A", "B", "C", "D", "E"})
+        EXPECT_EQ(contents(here(QString::fromLatin1(name))), QByteArray(100'000, *name));
+    EXPECT_EQ(phone.read(u"F"_s), "from here");
+    // Both panes show what they received.
+    const QString all = u"A B C D E F"_s;
+    EXPECT_TRUE(waitFor([&] { return namesOf(state->macItems()).join(u' ') == all; }));
+    EXPECT_TRUE(waitFor([&] { return namesOf(state->androidItems()).join(u' ') == all; }));
+}
+
+TEST_F(TransferTests, neverOverwrites) {
+    phone.write(u"same.txt"_s, "phone");
+    phone.write(u"Dir/inner"_s, "phone");
+    write(here(u"same.txt"_s), "mac");
+    write(here(u"Dir/mine"_s), "mac");
+    connectPhone();
+    browseHere();
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    waitForQueue();
+    // The folder merges, the file with another content waits for the user.
+    const QString outcome = u"Dir:Done|same.txt:Another “same.txt” is already there."_s;
+    EXPECT_EQ(statuses(), outcome);
+    EXPECT_EQ(contents(here(u"same.txt"_s)), "mac");
+    EXPECT_EQ(contents(here(u"Dir/inner"_s)), "phone");
+    EXPECT_EQ(contents(here(u"Dir/mine"_s)), "mac");
+    state->clearQueue();
+
+    state->selectAllVisible(BrowserSide::mac);
+    state->transferMacToAndroid();
+    waitForQueue();
+    EXPECT_EQ(statuses(), u"Dir:1 copied, 1 already there|same.txt:Another “same.txt” is already there."_s);
+    EXPECT_EQ(phone.read(u"same.txt"_s), "phone");
+    EXPECT_EQ(phone.read(u"Dir/mine"_s), "mac");
+    EXPECT_FALSE(phone.exists(u"Dir/Dir"_s));
+}
+
+TEST_F(TransferTests, pushesNothingWhenThePhoneDoesNotSayWhetherTheNameIsFree) {
+    write(here(u"same.txt"_s), "mac");
+    phone.write(u"same.txt"_s, "phone");
+    connectPhone();
+    browseHere();
+    phone.set(u"facts.exit"_s, "1");
+    phone.set(u"facts.stderr"_s, "error: closed\n");
+    state->selectAllVisible(BrowserSide::mac);
+    state->transferMacToAndroid();
+    waitForQueue();
+    EXPECT_EQ(statuses(), u"same.txt:error: closed"_s);
+    EXPECT_EQ(copyOrder(), QString());
+    EXPECT_EQ(phone.read(u"same.txt"_s), "phone");
+}
+
+TEST_F(TransferTests, whatAppearsAtTheDestinationMeanwhileIsKept) {
+    for (const BrowserSide from : {BrowserSide::mac, BrowserSide::android}) {
+        write(here(u"push"_s), QByteArray(100'000, 'm'));
+        phone.write(u"pull"_s, QByteArray(100'000, 'p'));
+        phone.set(u"bandwidth"_s, "0.000001"); // it stands still after the first block
+        connectPhone();
+        browsePhone(u"/sdcard"_s);
+        browseHere();
+        const bool isPush = from == BrowserSide::mac;
+        select(from, isPush ? u"push"_s : u"pull"_s);
+        isPush ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        ASSERT_TRUE(waitFor([&] {
+            return state->queue().first().status.progress() &&
+                   state->queue().first().status.progress()->transferredBytes > 0;
+        }));
+        isPush ? phone.write(u"push"_s, "theirs") : write(here(u"pull"_s), "theirs");
+        phone.reset(u"bandwidth"_s);
+        waitForQueue();
+        EXPECT_TRUE(state->queue().first().canKeepBoth()) << statuses().toStdString();
+        EXPECT_EQ(isPush ? phone.read(u"push"_s) : contents(here(u"pull"_s)), "theirs");
+        state->clearQueue();
+    }
+}
+
+TEST_F(TransferTests, thePaneShowsWhatArrivedBeforeTheLastCopyFailed) {
+    for (const char *name : {"b", "c"})
+        phone.write(QString::fromLatin1(name), "x");
+    phone.write(u"a"_s, QByteArray(10'000'000, 'x'));
+    phone.set(u"bandwidth"_s, "0.5");
+    connectPhone();
+    browseHere();
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    // b and c share a listing: the second of them comes less than a second after the first.
+    ASSERT_TRUE(waitFor([&] { return statuses().count(u":Done"_s) == 2; }));
+    phone.set(u"full-after"_s, "1");
+    waitForQueue();
+    EXPECT_TRUE(state->queue().first().status.is<QueueItemStatus::Failed>()) << statuses().toStdString();
+    EXPECT_TRUE(waitFor([&] {
+        return namesOf(state->macItems()).filter(QRegularExpression(u"[bc]"_s)) ==
+               QStringList{u"b"_s, u"c"_s};
+    }));
+}
+
+TEST_F(TransferTests, aPaneIsListedOnceASecondWhileCopiesAreUnderWay) {
+    constexpr int count = 30;
+    for (int i = 0; i < count; ++i)
+        phone.write(QString::number(i), "x");
+    connectPhone();
+    browseHere();
+    int listings = 0;
+    QObject::connect(state.get(), &AppState::macItemsChanged, state.get(), [&] { ++listings; });
+    QElapsedTimer clock;
+    clock.start();
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    waitForQueue();
+    EXPECT_TRUE(waitFor([&] { return state->macItems().size() == count; }));
+    EXPECT_LE(listings, 3 + clock.elapsed() / 1000); // the first, the last, one that both may overlap
+}
+
+TEST_F(TransferTests, anEntryWaitsForThePhoneThatItWasQueuedFor) {
+    for (const char *name : {"A", "B", "C", "D"})
+        write(here(QString::fromLatin1(name)), QByteArray(100'000, *name));
+    phone.set(u"bandwidth"_s, "0.000001"); // three copies stand still, A waits
+    connectPhone();
+    browseHere();
+    state->selectAllVisible(BrowserSide::mac);
+    state->transferMacToAndroid();
+    ASSERT_TRUE(waitFor([&] { return copyOrder().size() == 3; }));
+    phone.set(u"serial"_s, "other-phone");
+    phone.unplug();
+    ASSERT_TRUE(waitFor([&] { return state->activeTransferCount() == 0; }));
+    phone.plug();
+    connectPhone();
+    ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+    EXPECT_EQ(statuses().count(u"Waiting for the phone…"_s), 4) << statuses().toStdString();
+    for (const char *name : {"A", "B", "C", "D"})
+        EXPECT_FALSE(phone.exists(QString::fromLatin1(name)));
+
+    phone.reset(u"bandwidth"_s);
+    phone.set(u"serial"_s, DemoPhone::serial());
+    connectPhone();
+    ASSERT_TRUE(waitFor([&] { return state->waitingCount() == 0; }));
+    waitForQueue();
+    EXPECT_EQ(statuses(), u"A:Done|B:Done|C:Done|D:Done"_s);
+    for (const char *name : {"A", "B", "C", "D"})
+        EXPECT_EQ(phone.read(QString::fromLatin1(name)), QByteArray(100'000, *name));
+}
+
+TEST_F(TransferTests, twoSpellingsOfOneNameAreTwoWhereTheFileSystemSaysSo) {
+    phone.write(u"one/photo.jpg"_s, QByteArray(50'000, '1'));
+    phone.write(u"two/PHOTO.jpg"_s, QByteArray(50'000, '2'));
+    phone.set(u"bandwidth"_s, "0.5");
+    connectPhone();
+    browseHere();
+    state->setAndroidSearchScope(AndroidSearchScope::everywhere);
+    searchFor(u"photo"_s);
+    ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
+    ASSERT_EQ(state->androidSearchResults().size(), 2);
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    waitForQueue();
+    EXPECT_EQ(statuses(), u"photo.jpg:Done|PHOTO.jpg:Done"_s);
+    EXPECT_EQ(contents(here(u"photo.jpg"_s)), QByteArray(50'000, '1'));
+    EXPECT_EQ(contents(here(u"PHOTO.jpg"_s)), QByteArray(50'000, '2'));
+}
+
+TEST_F(TransferTests, aFolderIsNotDoneWhileAFolderInItCannotBeRead) {
+    phone.write(u"Trip/open/a.txt"_s, "x");
+    phone.makeFolder(u"Trip/empty"_s);
+    phone.write(u"Trip/closed/b.txt"_s, "x");
+    connectPhone();
+    browseHere();
+    for (const bool isClosed : {false, true}) {
+        if (isClosed) {
+            ASSERT_TRUE(QFile::setPermissions(phone.hostPath(u"Trip/closed"_s), {}));
+        }
+        select(BrowserSide::android, u"Trip"_s);
+        state->transferAndroidToMac();
+        waitForQueue();
+        EXPECT_EQ(statuses(), isClosed ? u"Trip:1 of 2 could not be copied"_s : u"Trip:Done"_s);
+        state->clearQueue();
+        QDir(here(u"Trip"_s)).removeRecursively();
+    }
+    QFile::setPermissions(phone.hostPath(u"Trip/closed"_s),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+TEST_F(TransferTests, aFolderHasNoSizeAndASmallQueueIsTakenUpAgain) {
+    phone.write(u"Dir/sub/a.txt"_s, "deep");
+    connectPhone();
+    browseHere();
+    select(BrowserSide::android, u"Dir"_s);
+    QStringList speeds;
+    QObject::connect(state.get(), &AppState::transferSpeedLabelChanged, state.get(),
+                     [&] { speeds.append(state->transferSpeedLabel()); });
+    state->transferAndroidToMac();
+    EXPECT_EQ(state->queue().first().progressLabel(), u"Transferring…"_s);
+    // Queued from within the notification of the end: a new run takes it.
+    QObject::connect(state.get(), &AppState::isTransferringChanged, state.get(), [&] {
+        if (!state->isTransferring() && state->queue().size() == 1) {
+            state->selectItem(state->androidItems().first(), BrowserSide::android);
+            state->transferAndroidToMac();
+        }
+    });
+    ASSERT_TRUE(waitFor([&] { return state->queue().size() == 2 && !state->isTransferring(); }));
+    EXPECT_EQ(contents(here(u"Dir/sub/a.txt"_s)), "deep");
+    EXPECT_TRUE(speeds.isEmpty()) << "too short to have a speed";
+    EXPECT_TRUE(statuses().startsWith(u"Dir:1 already there"_s));
+}
+
+TEST(TransferQueueTests, keepsOrderCountsAndClaims) {
+    const auto item = [](const char *name, qint64 bytes, const char *folder = "/in") {
+        QueueItem made;
+        made.id = QUuid::createUuid();
+        made.name = QString::fromLatin1(name);
+        made.destinationPath = QString::fromLatin1(folder) + u'/' + made.name;
+        made.totalBytes = bytes;
+        return made;
+    };
+    const auto anything = [](const QueueItem &) { return true; };
+    const auto names = [](const QList<QueueItem> &items) {
+        QString text;
+        for (const QueueItem &each : items)
+            text += each.name;
+        return text;
+    };
+    TransferQueue queue;
+    const QueueItem a = item("a", -5);
+    const QueueItem b = item("b", 10);
+    const QueueItem c = item("c", 20);
+    const QueueItem d = item("d", 30, "/elsewhere");
+    const QueueItem e = item("e", 15'000'000);
+    queue.insertFront({e, d, a, b});
+    queue.insertFront({c});
+    EXPECT_EQ(names(queue.claim(1, anything)), u"b"_s);
+    EXPECT_EQ(names(queue.claim(9, [&](const QueueItem &i) { return i.id != a.id; })), u"d"_s)
+        << "what may not start is passed over; another folder is another run";
+    EXPECT_EQ(names(queue.claim(9, anything)), u"a"_s) << "only neighbours go together";
+    EXPECT_EQ(queue.find(a.id)->status.progress()->totalBytes, 0);
+    EXPECT_EQ(queue.activeCount(), 3);
+    EXPECT_EQ(queue.totalBytes(), 15'000'060);
+    queue.setStatus(b.id, QueueItemStatus::Completed{{}, {}, 10});
+    EXPECT_EQ(queue.completedCount(), 1);
+    EXPECT_EQ(queue.doneBytes(), 10);
+    EXPECT_EQ(names(queue.claim(9, anything)), u"ec"_s);
+    EXPECT_EQ(names(queue.claim(9, anything)), QString());
+    queue.setStatus(b.id, QueueItemStatus::Waiting());
+    EXPECT_EQ(names(queue.claim(9, anything)), u"b"_s) << "one that waits again is seen";
+    queue.setStatus(c.id, QueueItemStatus::Failed());
+    EXPECT_TRUE(queue.remove(c.id));
+    EXPECT_FALSE(queue.remove(c.id));
+    EXPECT_EQ(queue.setStatus(c.id, QueueItemStatus::Completed()), -1);
+    queue.setStatus(a.id, QueueItemStatus::NameTaken());
+    EXPECT_TRUE(queue.clear());
+    EXPECT_EQ(queue.items().size(), 3);
+    EXPECT_EQ(queue.activeCount(), 3);
+    EXPECT_EQ(queue.nameTakenCount() + queue.failedCount() + queue.completedCount(), 0);
+}
