@@ -86,7 +86,8 @@ TEST_F(CopyTests, theSecondTimeBringsJustWhatIsNew) {
         copyAllFrom(from);
         EXPECT_EQ(statuses().count(u":Done"_s), state->queue().size()) << statuses().toStdString();
         EXPECT_TRUE(QFileInfo(pathOn(to, name + u"/empty/deep"_s)).isDir()) << "empty folders are created";
-        for (const QString &file : QStringList{name + u"/a.txt"_s, name + u"/sub/b.txt"_s, name + u".txt"_s}) {
+        for (const QString &file :
+             QStringList{name + u"/a.txt"_s, name + u"/sub/b.txt"_s, name + u".txt"_s}) {
             EXPECT_EQ(QFileInfo(pathOn(to, file)).lastModified(), oldTime) << file.toStdString();
             EXPECT_EQ(contents(pathOn(to, file)), contents(pathOn(from, file)));
         }
@@ -120,9 +121,9 @@ TEST_F(CopyTests, anotherContentWaitsForTheUserWhileTheRestGoesOn) {
         state->keepAllBoth();
         waitForQueue();
         EXPECT_EQ(state->transferQueue().completedCount(), state->queue().size()) << statuses().toStdString();
-        const std::pair<const char *, const char *> expected[] = {{"a.tar.gz", "first"}, {"a.tar 2.gz", "new"},
-                                                                  {"b", "first"},        {"b 2", "second"},
-                                                                  {"b 3", "new"},      {"c", "new"}};
+        const std::pair<const char *, const char *> expected[] = {
+            {"a.tar.gz", "first"}, {"a.tar 2.gz", "new"}, {"b", "first"},
+            {"b 2", "second"},     {"b 3", "new"},        {"c", "new"}};
         for (const auto &[name, bytes] : expected)
             EXPECT_EQ(contents(pathOn(to, QString::fromLatin1(name))), bytes) << name;
         for (const QString &root : {here(QString()), phone.root()}) {
@@ -173,7 +174,7 @@ TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
     start();
     state->selectAllVisible(BrowserSide::android);
     state->transferAndroidToMac();
-    ASSERT_TRUE(waitFor([&] { return state->transferQueue().doneBytes() > 0; }));
+    ASSERT_TRUE(waitFor([&] { return runsOf(u"pull"_s) == 3; }));
     state->pauseTransfers();
     ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
     EXPECT_TRUE(state->isPaused());

@@ -32,22 +32,23 @@ public:
     /// It ended without all of it; another try may bring the rest.
     struct Failed {
         QString message;             ///< what the user reads
-        QList<CopyProblem> problems; ///< of a folder: each file that is missing
+        QList<CopyProblem> problems = {}; ///< of a folder: each file that is missing
         friend bool operator==(const Failed &, const Failed &) = default;
     };
     /// Another content stands under its name, or under that of some of its files: the user decides.
     struct NameTaken {
         QString message;
-        QList<CopyProblem> problems;
+        QList<CopyProblem> problems = {};
         friend bool operator==(const NameTaken &, const NameTaken &) = default;
     };
     struct Waiting {
-        bool forPhone = false; ///< for the phone that it was queued for to come back
+        bool forPhone = false;  ///< for the phone that it was queued for to come back
+        bool isClaimed = false; ///< its turn in a run of several files has been fixed
         friend bool operator==(const Waiting &, const Waiting &) = default;
     };
     struct Completed {
         QString note;               ///< what is worth saying; empty when everything was copied
-        QList<CopyProblem> leftOut; ///< what cannot be copied at all
+        QList<CopyProblem> leftOut = {}; ///< what cannot be copied at all
         qint64 totalBytes = 0;
         friend bool operator==(const Completed &, const Completed &) = default;
     };
@@ -94,7 +95,7 @@ struct QueueItem {
     TransferDirection direction = TransferDirection::androidToMac;
     QueueItemStatus status; ///< starts as waiting
     qint64 totalBytes = 0;  ///< expected bytes; 0 when the source's size is unknown
-    QString serial;         ///< of the phone that it was queued for, and of no other
+    QString serial = {};    ///< of the phone that it was queued for, and of no other
     WhenTaken whenTaken = WhenTaken::ask;
 
     /// The byte progress or the state in words.

@@ -6,6 +6,7 @@
 #include "State/PaneState.h"
 #include "Transfers/TransferRunner.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace vantrel {
@@ -121,8 +122,14 @@ public:
     [[nodiscard]] const QString &transferSpeedLabel() const { return m_transfers.speedLabel(); }
     [[nodiscard]] const QString &remainingLabel() const { return m_transfers.remainingLabel(); }
     [[nodiscard]] bool isTransferring() const { return m_transfers.isTransferring(); }
-    [[nodiscard]] int activeTransferCount() const { return m_transfers.queue().activeCount(); }
-    [[nodiscard]] int waitingCount() const { return m_transfers.queue().waitingCount(); }
+    /// Entries that are being copied at this moment: one for each run.
+    [[nodiscard]] int activeTransferCount() const {
+        return std::min(m_transfers.queue().activeCount(), TransferRunner::concurrentCopies);
+    }
+    /// Entries that wait for their turn, or only for the others of their run.
+    [[nodiscard]] int waitingCount() const {
+        return m_transfers.queue().waitingCount() + m_transfers.queue().activeCount() - activeTransferCount();
+    }
     /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
     void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
     void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }

@@ -284,7 +284,7 @@ private:
         }
         state.progress.fileCount = state.report.fileCount;
         state.report.totalBytes = state.progress.totalBytes;
-        if (m_watcher.onProgress)
+        if (m_watcher.onProgress && m_job.entries.size() == 1) // one of several waits for its turn
             m_watcher.onProgress(copied.id, state.progress);
     }
 

@@ -55,7 +55,8 @@ void TransferQueue::insertFront(const QList<QueueItem> &block) {
 QList<QueueItem> TransferQueue::claim(qsizetype most,
                                       const std::function<bool(const QueueItem &)> &mayStart) {
     const auto isWaiting = [this](qsizetype row) {
-        return m_items.at(row).status.is<QueueItemStatus::Waiting>();
+        const auto *waiting = m_items.at(row).status.as<QueueItemStatus::Waiting>();
+        return waiting && !waiting->isClaimed;
     };
     while (m_waitingEnd > 0 && !isWaiting(m_waitingEnd - 1))
         --m_waitingEnd;
@@ -74,7 +75,8 @@ QList<QueueItem> TransferQueue::claim(qsizetype most,
         QueueItemStatus::Transferring started;
         started.totalBytes = std::max<qint64>(item.totalBytes, 0);
         claimed.append(item);
-        setStatus(item.id, started);
+        setStatus(item.id, isFirst ? QueueItemStatus(started)
+                                   : QueueItemStatus(QueueItemStatus::Waiting{false, true}));
     }
     return claimed;
 }
@@ -86,7 +88,7 @@ qsizetype TransferQueue::setStatus(const QUuid &id, const QueueItemStatus &statu
     count(m_items.at(row), -1);
     m_items[row].status = status;
     count(m_items.at(row), +1);
-    if (status.is<QueueItemStatus::Waiting>())
+    if (const auto *waiting = status.as<QueueItemStatus::Waiting>(); waiting && !waiting->isClaimed)
         m_waitingEnd = std::max(m_waitingEnd, row + 1);
     const QModelIndex changed = index(int(row));
     Q_EMIT dataChanged(changed, changed);

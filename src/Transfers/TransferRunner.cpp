@@ -87,6 +87,12 @@ void TransferRunner::remove(const QUuid &id) {
 }
 
 void TransferRunner::clear() {
+    for (const QueueItem &item : m_queue.items()) {
+        if (item.status.is<QueueItemStatus::Transferring>())
+            continue;
+        for (const auto &run : std::as_const(m_runs)) // one whose turn was fixed
+            run->drop(item.id);
+    }
     if (m_queue.clear())
         Q_EMIT queueChanged();
     fillSlots();
@@ -141,7 +147,8 @@ void TransferRunner::phoneWasAsked() {
     if (serial)
         m_gonePhones.remove(*serial);
     const bool isChanged = m_queue.setStatuses([&](const QueueItem &item) {
-        if (!item.status.is<QueueItemStatus::Waiting>())
+        const auto *waiting = item.status.as<QueueItemStatus::Waiting>();
+        if (!waiting || waiting->isClaimed)
             return item.status;
         return QueueItemStatus(QueueItemStatus::Waiting{item.serial != serial});
     });
@@ -285,10 +292,11 @@ QCoro::Task<> TransferRunner::browseAgain(BrowserSide side) {
 
 void TransferRunner::applyProgress(const QUuid &id, const QueueItemStatus::Progress &progress) {
     const QueueItem *entry = m_queue.find(id);
-    const auto *before = entry ? entry->status.as<QueueItemStatus::Transferring>() : nullptr;
-    if (!before)
+    if (!entry ||
+        !(entry->status.is<QueueItemStatus::Transferring>() || entry->status.is<QueueItemStatus::Waiting>()))
         return;
-    m_rate.add(progress.transferredBytes - before->transferredBytes);
+    const auto *before = entry->status.progress();
+    m_rate.add(progress.transferredBytes - (before ? before->transferredBytes : 0));
     QueueItemStatus::Transferring now;
     static_cast<QueueItemStatus::Progress &>(now) = progress;
     setStatus(id, now);

@@ -5,15 +5,17 @@
 #include "FakeDesktop.h"
 #include "WaitFor.h"
 
+#include "ADB/ADBClient.h"
 #include "State/AppState.h"
+#include "Worker/Worker.h"
 
 #include <QCoreApplication>
 
 using namespace vantrel;
 
-int main(int argc, char **argv) {
-    const QCoreApplication application(argc, argv);
-    const QString folder = QCoreApplication::arguments().value(1);
+namespace {
+
+int copyBothWays(const QString &folder) {
     FakeDesktop desktop;
     AppState state(desktop);
     state.refreshDevice(AppState::Spinner::shown);
@@ -33,4 +35,13 @@ int main(int argc, char **argv) {
     state.selectAllVisible(BrowserSide::mac);
     state.transferMacToAndroid();
     return waitFor([&] { return !state.isTransferring(); }) ? 0 : 3;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    const QCoreApplication application(argc, argv);
+    const int status = copyBothWays(QCoreApplication::arguments().value(1));
+    Background::stop(&ADBClient::stopRunningTools);
+    return status;
 }
