@@ -318,6 +318,9 @@ TEST(StagedNames, areOnlySweptWhenTheirProgramHasEnded) {
     EXPECT_EQ(mine.toUtf8().size(), 48);
     EXPECT_TRUE(StagedName::isStaged(mine));
     EXPECT_FALSE(StagedName::isLeftOver(mine)) << "this program lives";
+    const QString released = StagedName::make();
+    StagedName::release(released);
+    EXPECT_TRUE(StagedName::isLeftOver(released)) << "a phone that left could keep it";
     const QString dead = StagedName::prefix() + u"0123456789abcdef-00000001.part"_s;
     EXPECT_TRUE(StagedName::isLeftOver(dead));
     const QString strange = u".vantrel-00000000-0123456789abcdef-00000001.part"_s;

@@ -90,7 +90,8 @@ TEST_F(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
             "arrow.clockwise trash folder.fill doc.fill xmark chevron.left chevron.right chevron.down "
             "house folder folder.badge.plus list.bullet square.grid.2x2 magnifyingglass "
             "xmark.circle.fill square minus.square.fill checkmark.square.fill circle "
-            "checkmark.circle.fill doc.zipper doc.text sun.max moon info.circle")
+            "checkmark.circle.fill doc.zipper doc.text sun.max moon info.circle "
+            "pause.fill play.fill doc.on.doc")
             .split(u' ');
     for (const QString &name : names) {
         SCOPED_TRACE(name.toStdString());

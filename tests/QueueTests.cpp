@@ -501,6 +501,7 @@ TEST_F(QueueTests, progressRepaintsOnlyTheRowsThatItConcerns) {
 TEST_F(QueueTests, anErrorOfTenLinesStaysOneLine) {
     showPanel();
     phone.set(u"pull.stderr"_s, u"adb: error: something went wrong\n"_s.repeated(10));
+    phone.set(u"pull.stdout"_s, "");
     phone.set(u"pull.exit"_s, "1");
     queueCopies(1);
     waitForQueue();
@@ -579,6 +580,7 @@ TEST_F(QueueTests, tabGoesThroughAllRowsAndScrolls) {
     settle();
     ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
     auto *clear = child<IconButton>("queue.clear");
+    auto *pause = child<IconButton>("queue.pause");
     const auto press = [](Qt::Key key) {
         QTest::keyClick(QApplication::focusWidget(), key);
         settle();
@@ -590,7 +592,7 @@ TEST_F(QueueTests, tabGoesThroughAllRowsAndScrolls) {
         EXPECT_TRUE(isInView(index)) << index;
     }
     press(Qt::Key_Tab);
-    EXPECT_TRUE(clear->hasFocus()) << "behind the last row it leaves";
+    EXPECT_TRUE(pause->hasFocus()) << "behind the last row it leaves";
     press(Qt::Key_Backtab);
     EXPECT_EQ(focusedRow(), 19);
     press(Qt::Key_Backtab);

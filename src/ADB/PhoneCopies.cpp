@@ -54,7 +54,7 @@ ADBResult<ShellAnswer> runShell(const QString &serial, const QString &line, cons
             return tl::make_unexpected(failure(
                 QStringLiteral("The phone’s answer was longer than 512 MB and was not read to its end.")));
     }
-    answer.errors = ToolText::trimmed(QString::fromUtf8(errors));
+    answer.errors = ToolText::reason(QString::fromUtf8(errors)).text;
     if (run.wasStopped())
         return tl::make_unexpected(failure(QStringLiteral("The copy was stopped.")));
     if (!run.succeeded())
@@ -287,7 +287,7 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
         return tl::make_unexpected(failure(QStringLiteral("The phone was disconnected during the copy.")));
     if (!output.errors().isEmpty())
         return output.errors();
-    const QString message = ToolText::trimmed(ToolText::decode(errors));
+    const QString message = ToolText::reason(ToolText::decode(errors)).text;
     return tl::make_unexpected(
         failure(message.isEmpty() ? QStringLiteral("adb exited with %1").arg(run.exitStatus()) : message));
 }

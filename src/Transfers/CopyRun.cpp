@@ -44,14 +44,31 @@ QString below(const QString &root, const QString &path) {
     return path.isEmpty() ? root : AndroidPath::join(root, path);
 }
 
-/// Each folder once per run of the program: what is swept are the remains of programs that have ended.
-bool isFirstVisit(const QString &place) {
-    static std::mutex guard;
-    static QSet<QString> visited;
-    const std::scoped_lock lock(guard);
-    const bool isFirst = !visited.contains(place);
-    visited.insert(place);
-    return isFirst;
+/// The folders that were swept. Once per run of the program is enough: what is swept are the remains of
+/// programs that have ended. Any thread.
+class SweptFolders {
+public:
+    /// Whether the folder has not been visited before.
+    [[nodiscard]] bool visit(const QString &place) {
+        const std::scoped_lock lock(m_guard);
+        const bool isFirst = !m_places.contains(place);
+        m_places.insert(place);
+        return isFirst;
+    }
+    /// Something had to be left there.
+    void forget(const QString &place) {
+        const std::scoped_lock lock(m_guard);
+        m_places.remove(place);
+    }
+
+private:
+    std::mutex m_guard;
+    QSet<QString> m_places;
+};
+
+SweptFolders &sweptFolders() {
+    static SweptFolders folders;
+    return folders;
 }
 
 class CopyRun {
@@ -120,9 +137,14 @@ private:
 
     // -- Looking
 
+    /// The folder that is written into, with the phone that it is on.
+    [[nodiscard]] QString place() const {
+        return isPull() ? m_job.folder : QString(m_job.serial % QLatin1Char(':') % m_job.folder);
+    }
+
     /// Removes what programs that died have left in the folder that is to be written into.
     void sweep() const {
-        if (!isFirstVisit(isPull() ? m_job.folder : QString(m_job.serial % QLatin1Char(':') % m_job.folder)))
+        if (!sweptFolders().visit(place()))
             return;
         if (isPull()) {
             LocalFiles::sweep(m_job.folder);
@@ -402,9 +424,11 @@ private:
     }
 
     void pushMissing() {
-        const QString staging = AndroidPath::join(m_job.folder, StagedName::make());
+        const QString name = StagedName::make();
+        const QString staging = AndroidPath::join(m_job.folder, name);
         if (const auto made = ADBClient::makeFolder(m_job.serial, staging, m_stop); !made) {
             const QString reason = made.error().errorDescription();
+            StagedName::release(name);
             return failAll(reason == QLatin1String("No such file or directory") ? vanished()
                            : reason.contains(QLatin1String("ermission denied")) ||
                                    reason.contains(QLatin1String("space left")) ||
@@ -420,7 +444,9 @@ private:
             }
         }
         // A phone that is gone keeps it until the next copy into this folder.
-        ADBClient::removeFolder(m_job.serial, staging);
+        if (!ADBClient::removeFolder(m_job.serial, staging))
+            sweptFolders().forget(place());
+        StagedName::release(name);
     }
 
     ADBResult<void> pushBatch(const QString &staging) {

@@ -65,9 +65,13 @@ bool isNotKnownHere(int error) {
 
 tl::expected<LocalStaging, QString> LocalStaging::create(const QString &folder) {
     LocalStaging staging;
-    const QString path = AndroidPath::join(folder, StagedName::make());
-    if (::mkdir(QFile::encodeName(path).constData(), 0700) != 0)
-        return tl::make_unexpected(systemText(errno));
+    const QString name = StagedName::make();
+    const QString path = AndroidPath::join(folder, name);
+    if (::mkdir(QFile::encodeName(path).constData(), 0700) != 0) {
+        const int error = errno;
+        StagedName::release(name);
+        return tl::make_unexpected(systemText(error));
+    }
     staging.m_path = path;
     // The umask can only be asked for by changing it, which another thread would feel.
     const QByteArray probe = QFile::encodeName(path + QStringLiteral("/mode"));
@@ -88,8 +92,10 @@ LocalStaging::LocalStaging(LocalStaging &&other) noexcept
 
 LocalStaging::~LocalStaging() {
     std::error_code ignored; // the next program sweeps what cannot be removed now
-    if (!m_path.isEmpty())
-        std::filesystem::remove_all(nativePath(m_path), ignored);
+    if (m_path.isEmpty())
+        return;
+    std::filesystem::remove_all(nativePath(m_path), ignored);
+    StagedName::release(AndroidPath::lastComponent(m_path));
 }
 
 namespace LocalFiles {

@@ -5,12 +5,14 @@
 #include <QFile>
 #include <QRandomGenerator>
 #include <QRegularExpression>
+#include <QSet>
 #include <QStandardPaths>
 #include <QSysInfo>
 
 #include <atomic>
 #include <cerrno>
 #include <fcntl.h>
+#include <mutex>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -73,6 +75,32 @@ bool isRunning(const QString &program) {
     return !isFree;
 }
 
+/// The names of this program that are in use.
+class NamesInUse {
+public:
+    void add(const QString &name) {
+        const std::scoped_lock lock(m_guard);
+        m_names.insert(name);
+    }
+    void remove(const QString &name) {
+        const std::scoped_lock lock(m_guard);
+        m_names.remove(name);
+    }
+    [[nodiscard]] bool contains(const QString &name) {
+        const std::scoped_lock lock(m_guard);
+        return m_names.contains(name);
+    }
+
+private:
+    std::mutex m_guard;
+    QSet<QString> m_names;
+};
+
+NamesInUse &namesInUse() {
+    static NamesInUse names;
+    return names;
+}
+
 const QRegularExpression &form() {
     static const QRegularExpression pattern(
         QStringLiteral("\\A\\.vantrel-[0-9a-f]{8}-([0-9a-f]{16})-[0-9a-f]{8}\\.part\\z"));
@@ -92,8 +120,14 @@ QString prefix() {
 
 QString make() {
     static std::atomic<quint32> last{0};
-    return prefix() % thisProgram().name() % QStringLiteral("-%1").arg(++last, 8, 16, QLatin1Char('0')) %
-           suffix;
+    const QString name =
+        prefix() % thisProgram().name() % QStringLiteral("-%1").arg(++last, 8, 16, QLatin1Char('0')) % suffix;
+    namesInUse().add(name);
+    return name;
+}
+
+void release(const QString &name) {
+    namesInUse().remove(name);
 }
 
 bool isStaged(const QString &name) {
@@ -102,8 +136,10 @@ bool isStaged(const QString &name) {
 
 bool isLeftOver(const QString &name) {
     const auto match = form().match(name);
-    return match.hasMatch() && name.startsWith(prefix()) && match.captured(1) != thisProgram().name() &&
-           !isRunning(match.captured(1));
+    if (!match.hasMatch() || !name.startsWith(prefix()))
+        return false;
+    return match.captured(1) == thisProgram().name() ? !namesInUse().contains(name)
+                                                     : !isRunning(match.captured(1));
 }
 
 } // namespace vantrel::StagedName

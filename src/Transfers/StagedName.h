@@ -12,8 +12,11 @@ namespace StagedName {
 
 /// How every name of this user on this computer begins; letters, digits, "." and "-".
 [[nodiscard]] QString prefix();
-/// A name that has never been given before. 52 bytes, whatever the copied file is called.
+/// A name that has never been given before, in use until it is released. 48 bytes, whatever the copied file
+/// is called.
 [[nodiscard]] QString make();
+/// What bears the name is of no use any more, and gone unless its phone is.
+void release(const QString &name);
 /// Whether the name has the form of anybody's staged copy. Such a thing is never copied itself.
 [[nodiscard]] bool isStaged(const QString &name);
 /// Whether the name is this user's on this computer, and the program that gave it has ended: what bears it

@@ -42,9 +42,9 @@ public:
 
     /// Inserts the block before everything else, in its own order.
     void insertFront(const QList<QueueItem> &block);
-    /// Claims waiting entries and gives them: the one nearest the end of the list that may start, which becomes
-    /// transferring, and up to `most` altogether with its neighbours that may be copied with it, small files into
-    /// one folder, which wait for their turn.
+    /// Claims waiting entries and gives them: the one nearest the end of the list that may start, which
+    /// becomes transferring, and up to `most` altogether with its neighbours that may be copied with it,
+    /// small files into one folder, which wait for their turn.
     QList<QueueItem> claim(qsizetype most, const std::function<bool(const QueueItem &)> &mayStart);
     /// Replaces the entry's status. Returns its row, or -1 when there is none.
     qsizetype setStatus(const QUuid &id, const QueueItemStatus &status);

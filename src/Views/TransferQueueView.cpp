@@ -90,7 +90,8 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     stack->addWidget(m_header);
     stack->addWidget(m_card, 1);
 
-    m_rendering.watch(state, &AppState::queueChanged, &AppState::isPausedChanged);
+    m_rendering.watch(state, &AppState::queueChanged, &AppState::isPausedChanged,
+                      &AppState::isTransferringChanged);
     m_rendering.renderNow();
 }
 
