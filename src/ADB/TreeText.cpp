@@ -39,6 +39,9 @@ std::optional<Record> parseRecord(QByteArrayView text) {
         time = time.first(point);
     bool isTime = false;
     const qint64 modified = time.toLongLong(&isTime);
+    constexpr qint64 latest = qint64(1) << 40; // seconds: far beyond every calendar, and safe to add to
+    if (std::abs(std::clamp(modified, -latest, latest)) == latest)
+        return std::nullopt;
     if (mode.size() < modeLength || !isSize || size < 0 || !isTime)
         return std::nullopt;
     const TreeEntry::Kind kind = kindOf(mode.front());

@@ -3,6 +3,7 @@
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
 #include "ADB/PhoneCopies.h"
+#include "Records/TransferFormat.h"
 #include "Transfers/LocalStaging.h"
 #include "Transfers/StagedName.h"
 
@@ -10,6 +11,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <limits>
 #include <mutex>
 #include <sys/stat.h>
 
@@ -32,7 +34,12 @@ struct PlannedFile {
 
 bool isSameContent(const TreeEntry &there, qint64 sizeBytes, qint64 modified) {
     return there.kind == TreeEntry::Kind::file && there.sizeBytes == sizeBytes &&
-           std::abs(there.modified - modified) <= timeTolerance;
+           there.modified <= modified + timeTolerance && modified <= there.modified + timeTolerance;
+}
+
+/// The sum of two sizes; as much as 64 bits hold, since a phone may claim any size.
+qint64 sum(qint64 a, qint64 b) {
+    return b > std::numeric_limits<qint64>::max() - a ? std::numeric_limits<qint64>::max() : a + b;
 }
 
 QString parentOf(const QString &path) {
@@ -69,6 +76,18 @@ private:
 SweptFolders &sweptFolders() {
     static SweptFolders folders;
     return folders;
+}
+
+/// Whether adb's reason is that the phone is not there; it may be back by now.
+bool speaksOfAbsence(const QString &reason) {
+    const QLatin1String reasons[] = {QLatin1String("device '"),
+                                     QLatin1String("device offline"),
+                                     QLatin1String("device unauthorized"),
+                                     QLatin1String("device still "),
+                                     QLatin1String("no devices/emulators found"),
+                                     QLatin1String("The phone was disconnected")};
+    return std::any_of(std::begin(reasons), std::end(reasons),
+                       [&](QLatin1String known) { return reason.contains(known); });
 }
 
 class CopyRun {
@@ -123,11 +142,12 @@ private:
         m_states[entry].report.wasStopped = m_stop.stop_requested();
         end(entry);
     }
-    /// The phone ended it for all: it left, or it did not answer.
+    /// The phone or its tool ended it for all.
     void failAll(const ADBError &error) {
         const auto serials = ADBClient::listDeviceSerials();
         m_isPhoneGone =
-            serials && !serials->contains(m_job.serial); // what cannot be asked is not known to be gone
+            speaksOfAbsence(error.errorDescription()) ||
+            (serials && !serials->contains(m_job.serial)); // what cannot be asked is not known to be gone
         failAll(error.errorDescription());
     }
     void failAll(const QString &message) {
@@ -295,7 +315,7 @@ private:
                     m_folders.append({entry, {}, destination, found.path, 0, 0});
             } else {
                 ++state.report.fileCount;
-                state.progress.totalBytes += found.sizeBytes;
+                state.progress.totalBytes = sum(state.progress.totalBytes, found.sizeBytes);
                 if (isClosed)
                     state.report.failed.append(
                         {shown, QStringLiteral("“%1” is no folder there").arg(parent)});
@@ -330,7 +350,7 @@ private:
             if (there && isSameContent(*there, file.sizeBytes, file.modified)) {
                 ++state.report.alreadyThere;
                 ++state.progress.files;
-                state.progress.transferredBytes += file.sizeBytes;
+                state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
                 return;
             }
             file.destination =
@@ -516,7 +536,7 @@ private:
                 sameName.append(file);
                 continue;
             }
-            bytes += file.sizeBytes;
+            bytes = sum(bytes, file.sizeBytes);
             pathBytes += 4 * (file.source.size() + m_job.folder.size());
             if (!m_batch.isEmpty() && (bytes > mostBytes || pathBytes > mostPathBytes))
                 break;
@@ -536,13 +556,13 @@ private:
             const auto count = static_cast<int>(m_batch.size());
             for (; reported < std::min(ended, count); ++reported) {
                 State &state = m_states[m_batch.at(reported).entry];
-                state.stagedBytes += m_batch.at(reported).sizeBytes;
+                state.stagedBytes = sum(state.stagedBytes, m_batch.at(reported).sizeBytes);
                 ++state.stagedFiles;
                 report(m_batch.at(reported).entry, 0);
             }
             if (reported < count) {
                 const PlannedFile &next = m_batch.at(reported);
-                const auto partly = static_cast<qint64>(fraction * static_cast<double>(next.sizeBytes));
+                const qint64 partly = wholeBytes(fraction * static_cast<double>(next.sizeBytes));
                 report(next.entry, partly);
             }
         };
@@ -578,7 +598,7 @@ private:
         State &state = m_states[file.entry];
         ++state.report.copied;
         ++state.progress.files;
-        state.progress.transferredBytes += file.sizeBytes;
+        state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
         fileEnded(file.entry);
     }
     void problem(const PlannedFile &file, QList<CopyProblem> CopyReport::*list, const QString &reason) {
@@ -598,7 +618,8 @@ private:
         if (state.hasEnded || !m_watcher.onProgress)
             return;
         QueueItemStatus::Progress now = state.progress;
-        now.transferredBytes = std::min(now.transferredBytes + state.stagedBytes + underWay, now.totalBytes);
+        now.transferredBytes =
+            std::min(sum(sum(now.transferredBytes, state.stagedBytes), underWay), now.totalBytes);
         now.files += state.stagedFiles;
         now.fraction = now.totalBytes > 0 ? std::min(highest, static_cast<double>(now.transferredBytes) /
                                                                   static_cast<double>(now.totalBytes))

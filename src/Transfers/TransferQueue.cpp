@@ -9,6 +9,12 @@ namespace {
 /// What is started together: as much as a user who stops it is ready to lose.
 constexpr qint64 mostBytesTogether = 16'000'000;
 
+/// What an entry adds to the sums: a phone may claim any size, and a million such sizes must fit 64 bits.
+qint64 counted(qint64 bytes) {
+    constexpr qint64 largest = qint64(1) << 42;
+    return std::clamp<qint64>(bytes, 0, largest);
+}
+
 QStringView folderOf(const QString &path) {
     return QStringView(path).left(path.lastIndexOf(QLatin1Char('/')));
 }
@@ -67,7 +73,7 @@ QList<QueueItem> TransferQueue::claim(qsizetype most,
     qint64 bytes = 0;
     for (; row >= 0 && claimed.size() < most; --row) {
         const QueueItem &item = m_items.at(row);
-        bytes += item.totalBytes;
+        bytes += counted(item.totalBytes);
         const bool isFirst = claimed.isEmpty();
         if (!isFirst && !(isWaiting(row) && mayStart(item) && belongTogether(claimed.first(), item) &&
                           bytes <= mostBytesTogether))
@@ -163,14 +169,14 @@ void TransferQueue::count(const QueueItem &item, int change) {
     m_nameTakenCount += status.is<QueueItemStatus::NameTaken>() ? change : 0;
     if (status.is<QueueItemStatus::Waiting>()) {
         m_waitingCount += change;
-        m_totalBytes += change * std::max<qint64>(item.totalBytes, 0);
+        m_totalBytes += change * counted(item.totalBytes);
     } else if (const auto *progress = status.progress()) {
-        m_totalBytes += change * progress->totalBytes;
-        m_doneBytes += change * progress->transferredBytes;
+        m_totalBytes += change * counted(progress->totalBytes);
+        m_doneBytes += change * counted(progress->transferredBytes);
     } else if (const auto *completed = status.as<QueueItemStatus::Completed>()) {
         m_completedCount += change;
-        m_totalBytes += change * completed->totalBytes;
-        m_doneBytes += change * completed->totalBytes;
+        m_totalBytes += change * counted(completed->totalBytes);
+        m_doneBytes += change * counted(completed->totalBytes);
     }
 }
 

@@ -13,6 +13,8 @@ constexpr qint64 shortest = 500;
 } // namespace
 
 void TransferRate::addAt(qint64 bytes, qint64 time) {
+    constexpr qint64 most = qint64(1) << 42; // a phone may claim any size
+    bytes = std::clamp(bytes, -most, most);
     m_samples.removeIf([time](const Sample &sample) { return sample.time < time - window; });
     if (!m_samples.isEmpty() && time - m_samples.last().time < sampleLength)
         m_samples.last().bytes += bytes;
