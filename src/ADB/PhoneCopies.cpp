@@ -10,6 +10,8 @@
 
 #include <QMap>
 
+#include <algorithm>
+
 namespace vantrel::ADBClient {
 
 namespace {
@@ -285,8 +287,14 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
         return output.errors();
     if (isGone(serial))
         return tl::make_unexpected(failure(QStringLiteral("The phone was disconnected during the copy.")));
-    if (!output.errors().isEmpty())
-        return output.errors();
+    const QStringList lines = output.errors();
+    const auto noPhone = std::find_if(lines.begin(), lines.end(), [](const QString &line) {
+        return line.contains(QLatin1String("failed to get feature set"));
+    });
+    if (noPhone != lines.end()) // and back by now
+        return tl::make_unexpected(failure(*noPhone));
+    if (!lines.isEmpty())
+        return lines;
     const QString message = ToolText::reason(ToolText::decode(errors)).text;
     return tl::make_unexpected(
         failure(message.isEmpty() ? QStringLiteral("adb exited with %1").arg(run.exitStatus()) : message));

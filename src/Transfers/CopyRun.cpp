@@ -449,6 +449,8 @@ private:
         if (const auto made = ADBClient::makeFolder(m_job.serial, staging, m_stop); !made) {
             const QString reason = made.error().errorDescription();
             StagedName::release(name);
+            if (speaksOfAbsence(reason))
+                return failAll(made.error());
             return failAll(reason == QLatin1String("No such file or directory") ? vanished()
                            : reason.contains(QLatin1String("ermission denied")) ||
                                    reason.contains(QLatin1String("space left")) ||
@@ -566,8 +568,16 @@ private:
                 report(next.entry, partly);
             }
         };
-        auto copied =
-            ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, m_stop, onProgress);
+        // A phone that leaves ends adb without a word. When it is back before it is missed, it is tried
+        // again.
+        constexpr int mostTries = 3;
+        ADBResult<QStringList> copied;
+        for (int tries = 0; tries < mostTries; ++tries) {
+            copied =
+                ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, m_stop, onProgress);
+            if (copied || copied.error().errorDescription() != QLatin1String("adb exited with 1"))
+                break;
+        }
         for (const PlannedFile &file : std::as_const(m_batch)) {
             m_states[file.entry].stagedBytes = 0;
             m_states[file.entry].stagedFiles = 0;
