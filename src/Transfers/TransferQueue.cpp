@@ -151,6 +151,10 @@ void TransferQueue::erase(qsizetype first, qsizetype last) {
 
 void TransferQueue::reindex() {
     m_rows.clear();
+    if (m_items.isEmpty()) { // what a long queue took is given back
+        m_items.squeeze();
+        m_rows.squeeze();
+    }
     m_rows.reserve(m_items.size());
     m_activeCount = m_waitingCount = m_completedCount = m_failedCount = m_nameTakenCount = m_pausedCount = 0;
     m_totalBytes = m_doneBytes = 0;

@@ -165,7 +165,7 @@ bool TransferRunner::mayStart(const QueueItem &item) const {
 /// Starts copies until all slots are taken or nothing may start, and ends the run when nothing is left: both
 /// in one step on the main thread, so that nothing that is queued meanwhile is left waiting.
 void TransferRunner::fillSlots() {
-    constexpr qsizetype mostTogether = 100;
+    constexpr qsizetype mostTogether = 256;
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
