@@ -19,8 +19,8 @@ namespace vantrel::ADBClient {
 /// say so.
 [[nodiscard]] ADBResult<FileTree> fetchTree(const QString &serial, const QString &path,
                                             const std::stop_token &stop);
-/// What stands at each path; paths where nothing stands are missing. Links are followed where they lead somewhere. A run of adb for
-/// every 48 KB of paths.
+/// What stands at each path; paths where nothing stands are missing. Links are followed where they lead
+/// somewhere. A run of adb for every 48 KB of paths.
 [[nodiscard]] ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QStringList &paths,
                                                               const std::stop_token &stop);
 /// The names in a folder that bear a mark: that begin with `prefix`, which holds letters, digits, "." and

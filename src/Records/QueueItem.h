@@ -31,7 +31,7 @@ public:
     };
     /// It ended without all of it; another try may bring the rest.
     struct Failed {
-        QString message;             ///< what the user reads
+        QString message;                  ///< what the user reads
         QList<CopyProblem> problems = {}; ///< of a folder: each file that is missing
         friend bool operator==(const Failed &, const Failed &) = default;
     };
@@ -47,7 +47,7 @@ public:
         friend bool operator==(const Waiting &, const Waiting &) = default;
     };
     struct Completed {
-        QString note;               ///< what is worth saying; empty when everything was copied
+        QString note;                    ///< what is worth saying; empty when everything was copied
         QList<CopyProblem> leftOut = {}; ///< what cannot be copied at all
         qint64 totalBytes = 0;
         friend bool operator==(const Completed &, const Completed &) = default;
