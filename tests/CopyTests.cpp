@@ -10,7 +10,9 @@
 
 #include <QDirIterator>
 #include <QElapsedTimer>
+#include <QStandardPaths>
 
+#include <sys/file.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -323,6 +325,17 @@ TEST(StagedNames, areOnlySweptWhenTheirProgramHasEnded) {
     EXPECT_TRUE(StagedName::isLeftOver(released)) << "a phone that left could keep it";
     const QString dead = StagedName::prefix() + u"0123456789abcdef-00000001.part"_s;
     EXPECT_TRUE(StagedName::isLeftOver(dead));
+    // Another program of this user, which works at this moment.
+    const QString other = u"fedcba9876543210"_s;
+    const QString working = StagedName::prefix() + other + u"-00000001.part"_s;
+    {
+        QFile lock(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + u"/vantrel-copies/"_s +
+                   other);
+        ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+        ASSERT_EQ(::flock(lock.handle(), LOCK_EX), 0);
+        EXPECT_FALSE(StagedName::isLeftOver(working));
+    }
+    EXPECT_TRUE(StagedName::isLeftOver(working));
     const QString strange = u".vantrel-00000000-0123456789abcdef-00000001.part"_s;
     EXPECT_TRUE(StagedName::isStaged(strange));
     EXPECT_FALSE(StagedName::isLeftOver(strange)) << "another user's, or another computer's";
