@@ -360,12 +360,12 @@ TEST(WindowPlacement, KeepsTheTitleBarReachable) {
 }
 
 TEST(WindowPlacement, DragsAMaximisedWindowOutUnderTheMouse) {
-    constexpr QRect maximised(0, 28, 1920, 1052);
-    for (const qreal x : {0.0, 480.0, 1919.0}) {
-        const QRect frame = frameDraggedOutOf(maximised, {x, 20}, {1280, 820});
-        EXPECT_EQ(frame.size(), QSize(1280, 820));
-        EXPECT_EQ(frame.top(), 28) << "the mouse keeps its place in the band";
-        EXPECT_TRUE(frame.contains(QPoint(qRound(x), 48))) << text(frame) << " at " << x;
+    for (const double x : {0.0, 480.0, 1919.0}) {
+        const QPoint mouse(qRound(x) + 7, 90); // it has moved on since the press
+        const QRect frame(placeDraggedOut(1920, {x, 20}, {1280, 820}, mouse), QSize(1280, 820));
+        EXPECT_EQ(frame.top(), 70) << "the mouse keeps its place in the band";
+        EXPECT_NEAR((mouse.x() - frame.left()) / 1280.0, x / 1920, 0.001);
+        EXPECT_TRUE(frame.contains(mouse)) << text(frame) << " at " << x;
     }
 }
 

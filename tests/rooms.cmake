@@ -18,6 +18,7 @@ vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.
 vantrel_gui_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)
 if(NOT APPLE)
     vantrel_gui_test(DesktopTests LIBRARIES vantrel_app_window demo_phone_fixture SOURCES DesktopTests.cpp)
+    vantrel_wayland_test(WaylandTests 1024x600 1366x768 1920x1080)
     vantrel_test(FaultMatrixTests LIBRARIES vantrel_state demo_phone_fixture SOURCES FaultMatrixTests.cpp)
     vantrel_test(HostilePhoneTests LIBRARIES vantrel_state demo_phone_fixture SOURCES HostilePhoneTests.cpp)
     vantrel_test(SoakTests LIBRARIES vantrel_state demo_phone_fixture SOURCES SoakTests.cpp)

@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
+#include <QScreen>
 
 #include <utility>
 
@@ -24,9 +25,9 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
       m_state(AppState::designPreview(desktop)), m_pollTimer(new QTimer(this)) {
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
-    setMinimumSize(minimum);
-    resize(standard);
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
+    m_chrome->setMinimumSize(minimum);
+    resize(screen() ? standard.boundedTo(screen()->availableSize()) : standard);
     setCentralWidget(new ContentGround(this));
 
     m_pollTimer->setObjectName(QStringLiteral("devicePoll"));
