@@ -1,6 +1,6 @@
 // The desktop that the program runs on: its questions, and what it passes on to the system.
 
-#include "support/Shell.h"
+#include "support/WindowFixture.h"
 
 #include "App/Sheets/TextPrompt.h"
 #include "App/System/FileManager.h"
@@ -23,7 +23,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-class DesktopTests : public ShellTest {
+class DesktopTests : public WindowFixture {
 protected:
     DesktopTests() {
         window = show(new QMainWindow, {1100, 720});

@@ -13,7 +13,7 @@
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 #include "support/Files.h"
-#include "support/Shell.h"
+#include "support/WindowFixture.h"
 
 #include <QContextMenuEvent>
 #include <QDir>

@@ -59,12 +59,13 @@ protected:
             write(mac.filePath(name), "kept");
         }
         QObject::connect(state.get(), &AppState::queueChanged, state.get(), [this] { followQueue(); });
-        QObject::connect(state.get(), &AppState::queueEntryChanged, state.get(), [this](qsizetype row) {
-            follow(state->queue().at(row));
+        const auto onRow = [this](const QModelIndex &changed) {
+            follow(state->queue().at(changed.row()));
             constexpr quint32 oneIn = 6;
             if (m_isRestless && random.bounded(oneIn) == 0)
                 QTimer::singleShot(0, state.get(), [this] { doSomething(); });
-        });
+        };
+        QObject::connect(state->queueModel(), &QAbstractItemModel::dataChanged, state.get(), onRow);
     }
     ~Soak() override {
         state.reset();

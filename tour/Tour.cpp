@@ -8,7 +8,6 @@
 #include "State/AppState.h"
 #include "Views/FileItemsView.h"
 #include "Views/QueueListView.h"
-#include "Views/QueueRowView.h"
 
 #include <QApplication>
 #include <QFile>
@@ -45,8 +44,8 @@ void Tour::tell(const QString &name, const QString &text) {
 
 /// Prints the rows of the queue as they move on, a line for each quarter of a copy.
 void Tour::watchRows() {
-    QObject::connect(&state(), &AppState::queueEntryChanged, &m_window, [this](qsizetype row) {
-        const QueueItem &item = state().queue().at(row);
+    const auto onRow = [this](const QModelIndex &changed) {
+        const QueueItem &item = state().queue().at(changed.row());
         constexpr int end = 5;
         const auto *progress = item.status.progress();
         const int quarter = progress ? int(progress->fraction * 4) : end;
@@ -55,7 +54,8 @@ void Tour::watchRows() {
         m_quartersTold.insert(item.id, quarter);
         std::printf("      %-5s %-28s %s\n", qPrintable(item.percentLabel()), qPrintable(item.name),
                     qPrintable(item.progressLabel()));
-    });
+    };
+    QObject::connect(state().queueModel(), &QAbstractItemModel::dataChanged, &m_window, onRow);
 }
 
 void Tour::take() {
@@ -270,8 +270,8 @@ void Tour::fillQueue() {
 
     auto *list = m_window.findChild<QueueListView *>();
     const auto lastIsInView = [&] {
-        const QueueRowView *row = list->rowView(state().queue().last().id);
-        return row && list->viewport()->rect().contains(row->geometry());
+        const QModelIndex last = list->model()->index(list->model()->rowCount() - 1, 0);
+        return list->viewport()->rect().contains(list->visualRect(last));
     };
     if (lastIsInView())
         throw TourError(QStringLiteral("the queue was meant to be too long for its panel"));

@@ -86,6 +86,8 @@ public:
 
     // -- The transfer queue
     [[nodiscard]] const QList<QueueItem> &queue() const { return m_queue.items(); }
+    /// The queue as an item model, which tells which rows change: a TransferQueue.
+    [[nodiscard]] QAbstractItemModel *queueModel() { return &m_queue; }
     [[nodiscard]] const QString &transferSpeedLabel() const { return m_transferSpeedLabel; }
     [[nodiscard]] const QString &remainingLabel() const { return m_remainingLabel; }
     [[nodiscard]] bool isTransferring() const { return m_isTransferring; }
@@ -181,11 +183,8 @@ Q_SIGNALS:
     void isLoadingMacChanged();
     void macBrowseErrorChanged();
     void macAvailableLabelChanged();
-    /// The queue changed in any way.
+    /// The queue changed in any way; comes after what queueModel() tells of it.
     void queueChanged();
-    /// Only the status of this row changed; comes right before its queueChanged. A view of a long queue
-    /// repaints this row and looks at no other.
-    void queueEntryChanged(qsizetype row);
     void transferSpeedLabelChanged();
     void remainingLabelChanged();
     void isTransferringChanged();

@@ -369,11 +369,8 @@ void AppState::setTransferSpeed(double bytesPerSecond) {
 }
 
 void AppState::updateQueueStatus(const QUuid &id, const QueueItemStatus &status) {
-    const qsizetype row = m_queue.setStatus(id, status);
-    if (row < 0)
-        return;
-    Q_EMIT queueEntryChanged(row);
-    Q_EMIT queueChanged();
+    if (m_queue.setStatus(id, status) >= 0)
+        Q_EMIT queueChanged();
 }
 
 void AppState::removeQueueItem(const QUuid &id) {

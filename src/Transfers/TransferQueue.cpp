@@ -2,6 +2,19 @@
 
 namespace vantrel {
 
+int TransferQueue::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : int(m_items.size());
+}
+
+QVariant TransferQueue::data(const QModelIndex &index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const QueueItem &item = m_items.at(index.row());
+    if (role == Qt::DisplayRole)
+        return item.name;
+    return role == itemRole ? QVariant::fromValue(item) : QVariant();
+}
+
 qsizetype TransferQueue::indexOf(const QUuid &id) const {
     return m_rows.value(id, -1);
 }
@@ -12,8 +25,12 @@ const QueueItem *TransferQueue::find(const QUuid &id) const {
 }
 
 void TransferQueue::insertFront(const QList<QueueItem> &block) {
+    if (block.isEmpty())
+        return;
+    beginInsertRows({}, 0, int(block.size()) - 1);
     m_items = block + m_items;
     reindex();
+    endInsertRows();
 }
 
 std::optional<QUuid> TransferQueue::claimNextWaiting() {
@@ -45,6 +62,8 @@ qsizetype TransferQueue::setStatus(const QUuid &id, const QueueItemStatus &statu
     count(m_items.at(row).status, -1);
     m_items[row].status = status;
     count(status, +1);
+    const QModelIndex changed = index(int(row));
+    Q_EMIT dataChanged(changed, changed);
     return row;
 }
 
@@ -52,16 +71,31 @@ bool TransferQueue::remove(const QUuid &id) {
     const qsizetype row = indexOf(id);
     if (row < 0)
         return false;
-    m_items.removeAt(row);
-    reindex();
+    erase(row, row);
     return true;
 }
 
 bool TransferQueue::clear() {
-    const auto removed = m_items.removeIf(
-        [](const QueueItem &item) { return !item.status.is<QueueItemStatus::Transferring>(); });
+    const auto isRunning = [this](qsizetype row) {
+        return m_items.at(row).status.is<QueueItemStatus::Transferring>();
+    };
+    const qsizetype before = m_items.size();
+    for (qsizetype first = before - 1; first >= 0; --first) {
+        if (isRunning(first))
+            continue;
+        const qsizetype last = first;
+        while (first > 0 && !isRunning(first - 1))
+            --first;
+        erase(first, last);
+    }
+    return m_items.size() < before;
+}
+
+void TransferQueue::erase(qsizetype first, qsizetype last) {
+    beginRemoveRows({}, int(first), int(last));
+    m_items.remove(first, last - first + 1);
     reindex();
-    return removed > 0;
+    endRemoveRows();
 }
 
 void TransferQueue::reindex() {

@@ -2,8 +2,8 @@
 
 #include "Records/QueueItem.h"
 
+#include <QAbstractListModel>
 #include <QHash>
-#include <QList>
 
 #include <optional>
 
@@ -11,8 +11,18 @@ namespace vantrel {
 
 /// The list of copies and the only place that changes it. Finding, counting and updating an entry cost the
 /// same however long the list is; the order is the one the user sees, newest batch first.
-class TransferQueue {
+///
+/// As an item model it announces what it does, row by row, to the view that shows it. Main thread only.
+class TransferQueue : public QAbstractListModel {
+    Q_OBJECT
+
 public:
+    /// An entry as a QueueItem; its name is the display role.
+    static constexpr int itemRole = Qt::UserRole;
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+
     [[nodiscard]] const QList<QueueItem> &items() const { return m_items; }
     [[nodiscard]] int activeCount() const { return m_activeCount; }
     [[nodiscard]] int waitingCount() const { return m_waitingCount; }
@@ -36,6 +46,7 @@ public:
     bool clear();
 
 private:
+    void erase(qsizetype first, qsizetype last);
     void reindex();
     void count(const QueueItemStatus &status, int change);
 

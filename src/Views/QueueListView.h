@@ -1,58 +1,55 @@
 #pragma once
 
-#include <QAbstractScrollArea>
-#include <QList>
+#include <QListView>
 
 class QUuid;
 
 namespace vantrel {
 
-class AppState;
-class QueueRowView;
-
-/// The rows of the transfer queue. Every row is as high as the next, so that where it lies is arithmetic;
-/// row views exist for the visible rows and one beyond either end, which is the one that Tab goes to next.
-/// However long the queue is, a change costs as much as one screen of rows.
-class QueueListView : public QAbstractScrollArea {
+/// The rows of the transfer queue, painted by QueueDelegate. A report of progress repaints its row and costs
+/// the same however long the queue is.
+///
+/// Each row ends in a button that removes it. The keyboard is always on one of them, that of currentIndex():
+/// Tab enters at a row in sight, goes from row to row and leaves behind the last; the list's own keys go
+/// there, too. Space and Return press the button, and the mouse does without taking the keyboard along.
+class QueueListView : public QListView {
     Q_OBJECT
 
 public:
-    /// The model must outlive the view. `radius`: of the corners that the rows are clipped to, layout pixels.
-    QueueListView(AppState *state, double radius, QWidget *parent = nullptr);
-
-    /// Shows what the queue holds now.
-    void render();
+    /// `queue` is a TransferQueue and must outlive the view. `radius`: of the corners that the rows are
+    /// clipped to, layout pixels.
+    QueueListView(QAbstractItemModel *queue, double radius, QWidget *parent = nullptr);
 
     /// The height that `count` rows take with their dividers, layout pixels.
     [[nodiscard]] static int heightOfRows(qsizetype count);
 
-    /// The row view of an entry, or null while it is not near what is visible.
-    [[nodiscard]] QueueRowView *rowView(const QUuid &id) const;
+    /// Where the remove button of a row lies, in the viewport.
+    [[nodiscard]] QRect removeButtonRect(const QModelIndex &row) const;
+    /// Does what the remove button of a row does.
+    void pressRemoveButton(const QModelIndex &row);
+
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                     const QList<int> &roles) override;
+
+Q_SIGNALS:
+    void removeRequested(const QUuid &id);
 
 protected:
-    void resizeEvent(QResizeEvent *event) override;
-    void scrollContentsBy(int dx, int dy) override;
-    bool viewportEvent(QEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    void rowsAboutToBeRemoved(const QModelIndex &parent, int first, int last) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    bool focusNextPrevChild(bool next) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
 
 private:
-    struct Row {
-        qsizetype index;
-        QueueRowView *view;
-    };
+    /// The row whose remove button is at a place of the viewport.
+    [[nodiscard]] QModelIndex removeButtonAt(const QPoint &place) const;
 
-    void arrange();
-    void fitScrollBar();
-    void ensureVisible(qsizetype index);
-    [[nodiscard]] QueueRowView *newRowView();
-    [[nodiscard]] const Row *focusedRow() const;
-    void paintDividers();
-
-    AppState *m_state;
-    double m_radius;
-    QList<Row> m_rows;             ///< by index
-    QList<QueueRowView *> m_spare; ///< hidden
-    qsizetype m_dividedRows = 0;
+    QPersistentModelIndex m_pressed; ///< whose button the mouse holds down
 };
 
 } // namespace vantrel

@@ -57,7 +57,8 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     auto *padding = new QVBoxLayout(m_hint);
     padding->setContentsMargins(hintPadding, hintPadding, hintPadding, hintPadding);
     padding->addWidget(hint);
-    m_list = new QueueListView(state, cardRadius, m_card);
+    m_list = new QueueListView(state->queueModel(), cardRadius, m_card);
+    connect(m_list, &QueueListView::removeRequested, state, &AppState::removeQueueItem);
     auto *card = new QVBoxLayout(m_card);
     card->setContentsMargins({});
     card->setSpacing(0);
@@ -70,7 +71,8 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     stack->addWidget(m_header);
     stack->addWidget(m_card, 1);
 
-    m_rendering.watch(state, &AppState::queueChanged);
+    m_rendering.watch(state->queueModel(), &QAbstractItemModel::rowsInserted,
+                      &QAbstractItemModel::rowsRemoved);
     m_rendering.renderNow();
 }
 
@@ -80,11 +82,7 @@ void TransferQueueView::render() {
     m_clear->setVisible(count > 0);
     m_hint->setVisible(count == 0);
     m_list->setVisible(count > 0);
-    if (count != m_shownCount) {
-        m_shownCount = count;
-        updateGeometry();
-    }
-    m_list->render();
+    updateGeometry();
 }
 
 int TransferQueueView::heightAround(int bodyHeight) const {

@@ -37,7 +37,6 @@ private:
     Card *m_card;
     QWidget *m_hint;
     QueueListView *m_list;
-    qsizetype m_shownCount = 0; ///< rows that the height was last asked for
     RenderScheduler m_rendering{[this] { render(); }};
 };
 

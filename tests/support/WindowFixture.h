@@ -11,6 +11,7 @@
 #include "Worker/Worker.h"
 
 #include <QAccessible>
+#include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWidget>
@@ -26,17 +27,29 @@ inline QAccessibleInterface *accessible(QObject *object) {
     return QAccessible::queryAccessibleInterface(object);
 }
 
+/// How many pixels of a row of pixels have that colour, nearly.
+inline int pixelsOf(const QColor &color, const QImage &image, int y) {
+    int count = 0;
+    for (int x = 0; x < image.width(); ++x) {
+        const QColor pixel = image.pixelColor(x, y);
+        count += qAbs(pixel.red() - color.red()) + qAbs(pixel.green() - color.green()) +
+                     qAbs(pixel.blue() - color.blue()) <
+                 12;
+    }
+    return count;
+}
+
 /// A model between a demo phone and a temporary folder of this computer. Everything that it started is over
 /// when the test ends.
-class ShellTest : public ::testing::Test {
+class WindowFixture : public ::testing::Test {
 protected:
-    ShellTest() {
+    WindowFixture() {
         phone.set(QStringLiteral("stderr-progress"), "off");
         qputenv("HOME", QFile::encodeName(mac.path()));
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(mac.filePath(QStringLiteral("config"))));
         state = AppState::designPreview(desktop);
     }
-    ~ShellTest() override {
+    ~WindowFixture() override {
         view.reset();
         state.reset();
         Background::stop(&ADBClient::stopRunningTools);

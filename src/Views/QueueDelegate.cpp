@@ -1,0 +1,157 @@
+#include "Views/QueueDelegate.h"
+
+#include "Kit/ProgressBar.h"
+#include "Kit/Shapes.h"
+#include "Kit/Symbol.h"
+#include "Kit/TextStyle.h"
+#include "Theme/AppTheme.h"
+#include "Transfers/TransferQueue.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int horizontalPadding = 12;
+constexpr int verticalPadding = 10;
+constexpr int columnGap = 12;
+constexpr int lineGap = 4;
+constexpr int numbersGap = 2;
+constexpr int iconWidth = 22;
+constexpr int numbersWidth = 110;
+constexpr int barHeight = 5;
+constexpr int buttonSize = 22;
+
+constexpr TextStyle nameStyle{12.5, Weight::semibold};
+constexpr TextStyle routeStyle{10.5, Weight::medium};
+constexpr TextStyle progressStyle{11, Weight::medium};
+constexpr TextStyle percentStyle{11, Weight::semibold, FontDesign::monospaced};
+
+ThemeColor barColor(const QueueItemStatus &status) {
+    if (status.is<QueueItemStatus::Completed>())
+        return AppTheme::success();
+    if (status.is<QueueItemStatus::Failed>())
+        return AppTheme::danger();
+    if (status.is<QueueItemStatus::Waiting>())
+        return AppTheme::strokeStrong();
+    return AppTheme::progress();
+}
+
+QString routeOf(const QueueItem &item) {
+    return item.sourcePath + QStringLiteral("  →  ") + item.destinationPath;
+}
+
+void paintRemoveButton(QPainter &painter, const QRect &rect, bool hasFocus) {
+    constexpr double radius = buttonSize / 2.0;
+    paintCard(painter, rect, radius, AppTheme::canvas(), AppTheme::stroke());
+    Symbol{QStringLiteral("xmark"), 10, Weight::bold}.paint(painter, rect, AppTheme::inkSecondary());
+    if (hasFocus)
+        paintFocusRing(painter, rect, radius);
+}
+
+} // namespace
+
+QueueItem queueItemAt(const QModelIndex &index) {
+    return index.data(TransferQueue::itemRole).value<QueueItem>();
+}
+
+double shownFraction(const QueueItemStatus &status) {
+    if (const auto *progress = status.progress())
+        return progress->fraction;
+    return status.is<QueueItemStatus::Completed>() ? 1 : 0;
+}
+
+QueueRowGeometry::QueueRowGeometry(const QRect &row)
+    : icon(row.left() + horizontalPadding, row.top(), iconWidth, row.height()),
+      removeButton(row.right() + 1 - horizontalPadding - buttonSize,
+                   row.top() + (row.height() - buttonSize) / 2, buttonSize, buttonSize) {
+    const int progressHeight = progressStyle.lineHeight();
+    const int percentHeight = percentStyle.lineHeight();
+    const int numbersLeft = removeButton.left() - columnGap - numbersWidth;
+    const int numbersTop = row.top() + (row.height() - progressHeight - numbersGap - percentHeight + 1) / 2;
+    progress = {numbersLeft, numbersTop, numbersWidth, progressHeight};
+    percent = {numbersLeft, numbersTop + progressHeight + numbersGap, numbersWidth, percentHeight};
+
+    const int left = icon.right() + 1 + columnGap;
+    const int width = qMax(0, numbersLeft - columnGap - left);
+    name = {left, row.top() + verticalPadding, width, nameStyle.lineHeight()};
+    route = {left, name.bottom() + 1 + lineGap, width, routeStyle.lineHeight()};
+    bar = {left, route.bottom() + 1 + lineGap, width, barHeight};
+}
+
+int QueueRowGeometry::rowHeight() {
+    static const int height = 2 * verticalPadding + nameStyle.lineHeight() + lineGap +
+                              routeStyle.lineHeight() + lineGap + barHeight;
+    return height;
+}
+
+QueueDelegate::QueueDelegate(double radius, QObject *parent)
+    : QAbstractItemDelegate(parent), m_radius(radius) {}
+
+QString QueueDelegate::removeHelp() {
+    return QStringLiteral("Remove this transfer from the queue");
+}
+
+QSize QueueDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const {
+    return {0, QueueRowGeometry::rowHeight() + dividerHeight};
+}
+
+void QueueDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const {
+    const QueueItem item = queueItemAt(index);
+    const QRect row = option.rect.adjusted(0, 0, 0, -dividerHeight);
+    const QueueRowGeometry parts(row);
+
+    const Symbol symbol{item.isDirectory ? QStringLiteral("folder.fill") : QStringLiteral("doc.fill"), 14,
+                        Weight::semibold};
+    symbol.paint(*painter, parts.icon, item.isDirectory ? AppTheme::folderBlue() : AppTheme::inkSecondary());
+    paintText(*painter, parts.name, item.name, nameStyle, AppTheme::ink());
+    paintText(*painter, parts.route, routeOf(item), routeStyle, AppTheme::inkTertiary(),
+              Qt::AlignLeft | Qt::AlignVCenter, Elision::middle);
+    paintProgress(*painter, parts.bar, shownFraction(item.status), barColor(item.status), AppTheme::stroke());
+    constexpr auto trailing = Qt::AlignRight | Qt::AlignVCenter;
+    paintText(*painter, parts.progress, item.progressLabel(), progressStyle, AppTheme::inkSecondary(),
+              trailing);
+    paintText(*painter, parts.percent, item.percentLabel(), percentStyle, AppTheme::ink(), trailing);
+    paintRemoveButton(*painter, parts.removeButton, option.state.testFlag(QStyle::State_HasFocus));
+
+    if (index.row() + 1 < index.model()->rowCount()) {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setClipPath(roundedRect(option.widget->rect(), m_radius));
+        painter->fillRect(QRect(row.left(), row.bottom() + 1, row.width(), dividerHeight),
+                          AppTheme::stroke());
+        painter->restore();
+    }
+}
+
+bool QueueDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) {
+    if (event->type() != QEvent::ToolTip || !index.isValid())
+        return QAbstractItemDelegate::helpEvent(event, view, option, index);
+    const QueueItem item = queueItemAt(index);
+    const QueueRowGeometry parts(option.rect.adjusted(0, 0, 0, -dividerHeight));
+    const struct {
+        QRect rect;
+        QString text;
+        TextStyle style;
+    } texts[] = {{parts.name, item.name, nameStyle},
+                 {parts.route, routeOf(item), routeStyle},
+                 {parts.progress, item.progressLabel(), progressStyle}};
+    QString help = parts.removeButton.contains(event->pos()) ? removeHelp() : QString();
+    for (const auto &[rect, text, style] : texts) {
+        if (rect.contains(event->pos()) && style.width(text) > rect.width())
+            help = text;
+    }
+    if (help.isEmpty())
+        QToolTip::hideText();
+    else
+        QToolTip::showText(event->globalPos(), plainToolTip(help), view->viewport(), option.rect);
+    return true;
+}
+
+} // namespace vantrel

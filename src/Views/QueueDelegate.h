@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QAbstractItemDelegate>
+
+namespace vantrel {
+
+struct QueueItem;
+class QueueItemStatus;
+
+/// The copy that stands in a row of a TransferQueue.
+[[nodiscard]] QueueItem queueItemAt(const QModelIndex &index);
+
+/// How much of the bar is filled; 0 to 1, as far as what was reported is.
+[[nodiscard]] double shownFraction(const QueueItemStatus &status);
+
+/// Where the parts of a row lie, in layout pixels: of the row at `row`, which is as high as rowHeight() and
+/// ends above its divider.
+struct QueueRowGeometry {
+    explicit QueueRowGeometry(const QRect &row);
+
+    /// The same for every row, whatever it shows.
+    [[nodiscard]] static int rowHeight();
+
+    QRect icon;
+    QRect name;
+    QRect route;
+    QRect bar;
+    QRect progress;
+    QRect percent;
+    QRect removeButton;
+};
+
+/// Paints the rows of the transfer queue, each with the divider below it, and tells the whole of a text that
+/// is shortened. The remove button of the row that has the keyboard carries the focus ring.
+class QueueDelegate : public QAbstractItemDelegate {
+    Q_OBJECT
+
+public:
+    static constexpr int dividerHeight = 1;
+
+    /// `radius`: of the card's corners, where dividers end; layout pixels.
+    explicit QueueDelegate(double radius, QObject *parent = nullptr);
+
+    /// What the remove button does.
+    [[nodiscard]] static QString removeHelp();
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
+
+private:
+    double m_radius;
+};
+
+} // namespace vantrel

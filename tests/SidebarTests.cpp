@@ -1,0 +1,140 @@
+// The sidebar on a demo phone.
+
+#include "support/WindowFixture.h"
+
+#include "ADB/ADBError.h"
+#include "Kit/IconButton.h"
+#include "Kit/ProgressBar.h"
+#include "Kit/Spinner.h"
+#include "Kit/TextLabel.h"
+#include "Views/SidebarView.h"
+
+namespace vantrel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class SidebarTests : public WindowFixture {
+protected:
+    void showSidebar() { show(new SidebarView(state.get()), {SidebarView::columnWidth, 640}); }
+    [[nodiscard]] QString text(const char *name) const {
+        const auto *label = child<TextLabel>(name);
+        return label->isVisible() ? label->text() : u"(hidden)"_s;
+    }
+    [[nodiscard]] ProgressBar *storage() const { return child<ProgressBar>("sidebar.storage"); }
+};
+
+TEST_F(SidebarTests, showsWhatIsKnownOfThePhone) {
+    struct Case {
+        const char *name;
+        QByteArray state, total, used;
+        QString storage;
+        int percent;
+    };
+    const QByteArray giga = "000000000";
+    const Case cases[] = {
+        {"no phone", "none", "1" + giga, "1" + giga, u"— / —"_s, 0},
+        {"a phone", "device", "100" + giga, "25" + giga, u"25 GB / 100 GB"_s, 25},
+        {"storage unknown", "device", "0", "0", u"— / —"_s, 0},
+        {"more used than there is", "device", "1" + giga, "5" + giga, u"5 GB / 1 GB"_s, 100},
+    };
+    showSidebar();
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        phone.set(u"state"_s, c.state);
+        phone.set(u"storage-total"_s, c.total);
+        phone.set(u"storage-used"_s, c.used);
+        refresh();
+        const bool isThere = c.state == "device";
+        const QString status = isThere ? u"Connected"_s : u"Disconnected"_s;
+        ASSERT_TRUE(waitFor([&] { return text("sidebar.device.status") == status; }));
+        EXPECT_EQ(text("sidebar.device.title"), isThere ? u"demo-phone"_s : u"No device"_s);
+        EXPECT_EQ(text("sidebar.storage.text"), c.storage);
+        EXPECT_EQ(text("sidebar.device.model"), isThere ? u"Demo Phone"_s : u"(hidden)"_s);
+        EXPECT_EQ(text("sidebar.device.message"),
+                  isThere ? u"(hidden)"_s : ADBError::noDevice().errorDescription());
+        EXPECT_EQ(storage()->value(), c.percent);
+        EXPECT_NEAR(pixelsOf(AppTheme::accent(), storage()->grab().toImage(), 3),
+                    storage()->width() * c.percent / 100, 3);
+        const QColor dot = isThere ? AppTheme::success() : AppTheme::danger();
+        EXPECT_TRUE(pixelsOf(dot, child<QWidget>("sidebar.device.statusDot")->grab().toImage(), 3) > 3);
+    }
+}
+
+TEST_F(SidebarTests, aRefreshShowsASpinnerInTheColourOfTheLastState) {
+    refresh();
+    showSidebar();
+    auto *button = child<IconButton>("sidebar.refresh");
+    auto *spinner = child<Spinner>("sidebar.device.refreshing");
+    EXPECT_FALSE(spinner->isVisible());
+
+    phone.set(u"devices.hang"_s, "on");
+    QTest::mouseClick(button, Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return spinner->isVisible(); }));
+    EXPECT_EQ(text("sidebar.device.status"), u"Checking…"_s);
+    EXPECT_FALSE(child<QWidget>("sidebar.device.statusDot")->isVisible());
+    EXPECT_FALSE(button->isEnabled());
+    EXPECT_EQ(text("sidebar.device.title"), u"demo-phone"_s) << "known until proven gone";
+
+    phone.unplug();
+    phone.reset(u"devices.hang"_s);
+    ASSERT_TRUE(waitFor([&] { return button->isEnabled(); }));
+    EXPECT_FALSE(spinner->isVisible());
+    EXPECT_EQ(text("sidebar.device.status"), u"Disconnected"_s);
+}
+
+TEST_F(SidebarTests, aLongMessageTakesTwoLinesAndMovesNothingOutOfTheCard) {
+    phone.set(u"devices.stderr"_s,
+              QString(u"The tool says a great deal. "_s.repeated(20) + u'\n').repeated(10));
+    phone.set(u"devices.exit"_s, "1");
+    phone.set(u"devices.stdout"_s, "");
+    showSidebar();
+    refresh();
+    auto *message = child<TextLabel>("sidebar.device.message");
+    ASSERT_TRUE(waitFor([&] { return message->isVisible(); }));
+    settle();
+    EXPECT_TRUE(message->isElided());
+    const int line = TextStyle{10.5, Weight::medium}.lineHeight();
+    EXPECT_TRUE(waitFor([&] { return message->height() == 2 * line; })) << message->height();
+    auto *card = child<QWidget>("sidebar.device");
+    EXPECT_EQ(card->geometry(), QRect(12, 12, 216, card->height()));
+    for (const auto *inside : card->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+        if (inside->isVisible()) {
+            EXPECT_TRUE(card->rect().adjusted(12, 12, -12, -12).contains(inside->geometry()))
+                << inside->objectName().toStdString();
+        }
+    }
+    EXPECT_GE(storage()->y(), message->geometry().bottom() + 10) << "the storage bar moved down";
+}
+
+TEST_F(SidebarTests, aShortcutIsHighlightedAtOnceAndTurnsWhileItsFolderLoads) {
+    phone.makeFolder(u"DCIM"_s);
+    phone.makeFolder(u"Music"_s);
+    refresh();
+    showSidebar();
+    const auto row = [&](const QString &title) {
+        return view->findChild<QAbstractButton *>(QString(u"sidebar.shortcut."_s + title));
+    };
+    const auto turns = [&](const QString &title) { return row(title)->findChild<Spinner *>()->isVisible(); };
+    ASSERT_TRUE(row(u"Internal Storage"_s)->isChecked());
+    EXPECT_EQ(accessible(row(u"DCIM"_s))->text(QAccessible::Name), u"Browse DCIM"_s);
+
+    phone.set(u"ls.hang"_s, "on");
+    QTest::mouseClick(row(u"DCIM"_s), Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return turns(u"DCIM"_s); }));
+    row(u"Music"_s)->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(row(u"Music"_s), Qt::Key_Space);
+    ASSERT_TRUE(waitFor([&] { return turns(u"Music"_s); }));
+    for (const StorageShortcut &shortcut : state->shortcuts())
+        EXPECT_EQ(row(shortcut.title)->isChecked(), shortcut.title == u"Music"_s)
+            << shortcut.title.toStdString();
+    EXPECT_FALSE(turns(u"DCIM"_s));
+    EXPECT_EQ(state->androidCurrentPath(), u"/sdcard/Music"_s);
+
+    phone.reset(u"ls.hang"_s);
+    ASSERT_TRUE(waitFor([&] { return !turns(u"Music"_s); }));
+    EXPECT_TRUE(row(u"Music"_s)->isChecked());
+}
+
+} // namespace
+} // namespace vantrel
