@@ -2,7 +2,6 @@
 
 #include "Kit/Accessibility.h"
 #include "Kit/IconButton.h"
-#include "Kit/OverlayScrollBar.h"
 #include "Kit/Shapes.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
@@ -33,9 +32,7 @@ QueueListView::QueueListView(AppState *state, double radius, QWidget *parent)
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    new OverlayScrollBar(this);
     viewport()->setAutoFillBackground(false);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, viewport(), qOverload<>(&QWidget::update));
 }
 
 int QueueListView::heightOfRows(qsizetype count) {

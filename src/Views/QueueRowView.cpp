@@ -2,12 +2,13 @@
 
 #include "Kit/Accessibility.h"
 #include "Kit/IconButton.h"
-#include "Kit/ProgressBar.h"
+#include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QProgressBar>
 
 namespace vantrel {
 
@@ -42,6 +43,31 @@ double barFraction(const QueueItemStatus &status) {
 
 } // namespace
 
+/// A progress bar in the colour of its copy's state.
+class QueueBar : public QProgressBar {
+public:
+    using QProgressBar::QProgressBar;
+
+    void setProgress(double fraction, const ThemeColor &fill) {
+        if (qFuzzyCompare(1 + fraction, 1 + m_fraction) && fill == m_fill)
+            return;
+        m_fraction = fraction;
+        m_fill = fill;
+        setValue(qRound(qBound(0.0, fraction, 1.0) * 100));
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        paintProgress(painter, rect(), m_fraction, m_fill, AppTheme::stroke());
+    }
+
+private:
+    double m_fraction = 0;
+    ThemeColor m_fill = AppTheme::progress();
+};
+
 QueueRowView::QueueRowView(QWidget *parent) : QWidget(parent) {
     setObjectName(QStringLiteral("queue.row"));
     describe(this, QAccessible::ListItem, {});
@@ -54,7 +80,8 @@ QueueRowView::QueueRowView(QWidget *parent) : QWidget(parent) {
     m_name = text(QStringLiteral("queue.row.name"), nameStyle, AppTheme::ink());
     m_route = text(QStringLiteral("queue.row.route"), routeStyle, AppTheme::inkTertiary());
     m_route->setElision(Elision::middle);
-    m_bar = new ProgressBar(barHeight, this);
+    m_bar = new QueueBar(this);
+    m_bar->setFixedHeight(barHeight);
     m_bar->setObjectName(QStringLiteral("queue.row.bar"));
     m_bar->setAccessibleName(QStringLiteral("Progress"));
     m_progress = text(QStringLiteral("queue.row.progress"), {11, Weight::medium}, AppTheme::inkSecondary());
@@ -72,7 +99,6 @@ QueueRowView::QueueRowView(QWidget *parent) : QWidget(parent) {
                        .fill = AppTheme::canvas(),
                        .stroke = AppTheme::stroke()});
     connect(m_remove, &QAbstractButton::clicked, this, [this] { Q_EMIT removeRequested(m_item.id); });
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 
     auto *details = new QVBoxLayout;
     details->setSpacing(lineGap);
@@ -107,8 +133,7 @@ void QueueRowView::setItem(const QueueItem &item) {
     m_item = item;
     m_name->setText(item.name);
     m_route->setText(item.sourcePath + QStringLiteral("  →  ") + item.destinationPath);
-    m_bar->setColors(barColor(item.status), AppTheme::stroke());
-    m_bar->setFraction(barFraction(item.status));
+    m_bar->setProgress(barFraction(item.status), barColor(item.status));
     m_progress->setText(item.progressLabel());
     m_percent->setText(item.percentLabel());
 

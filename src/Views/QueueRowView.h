@@ -7,7 +7,7 @@
 namespace vantrel {
 
 class IconButton;
-class ProgressBar;
+class QueueBar;
 class TextLabel;
 
 /// One copy of the transfer queue. It shows a QueueItem, which may be another one from one moment to the
@@ -36,7 +36,7 @@ private:
     QueueItem m_item;
     TextLabel *m_name;
     TextLabel *m_route;
-    ProgressBar *m_bar;
+    QueueBar *m_bar;
     TextLabel *m_progress;
     TextLabel *m_percent;
     IconButton *m_remove;
