@@ -1,6 +1,7 @@
 // A pane with 100,000 entries, in the window's own middle on the real model: from what changes in the model
 // to the painted frame. The label says how long it may take. Offscreen, on the demo phone.
 
+#include "Kit/AppStyle.h"
 #include "State/AppState.h"
 #include "Views/DualBrowserView.h"
 #include "Views/FileGridView.h"
@@ -212,7 +213,8 @@ BOTH_LAYOUTS(switchLayout);
 
 int main(int argc, char **argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
+    QApplication application(argc, argv);
+    AppStyle::install(application, std::chrono::milliseconds(250));
     benchmark::Initialize(&argc, argv);
     LargeFolder large;
     folder = &large;

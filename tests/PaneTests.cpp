@@ -1,5 +1,4 @@
 #include "Kit/IconButton.h"
-#include "Kit/OverlayScrollBar.h"
 #include "Kit/Spinner.h"
 #include "Kit/TextLabel.h"
 #include "MacFiles/MacFileClient.h"
@@ -478,7 +477,8 @@ public:
         const QRegion region = static_cast<QPaintEvent *>(event)->region();
         for (qsizetype index = 0; index < m_entries->count(); ++index) {
             // The strip below the scroll bar is painted with the bar.
-            if (region.intersects(m_entries->entryRect(index).adjusted(0, 0, -OverlayScrollBar::extent, 0)))
+            if (region.intersects(
+                    m_entries->entryRect(index).adjusted(0, 0, -m_entries->verticalScrollBar()->width(), 0)))
                 m_painted.insert(int(index));
         }
         return false;
@@ -704,7 +704,8 @@ void expectNothingOverlaps(QWidget &view) {
     for (QWidget *widget : view.findChildren<QWidget *>()) {
         // The scroll bar lies over the entries, and the spinner over the pane, on purpose.
         const auto isOverlay = [](const QWidget *w) {
-            return w->inherits("vantrel::OverlayScrollBar") || qobject_cast<const Spinner *>(w);
+            return w->findChild<const QScrollBar *>(QString(), Qt::FindDirectChildrenOnly) ||
+                   qobject_cast<const Spinner *>(w);
         };
         if (!widget->isVisible() || isOverlay(widget))
             continue;

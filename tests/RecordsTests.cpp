@@ -1,10 +1,11 @@
 #include "support/Printers.h"
 
-#include "Records/Enumerations.h"
+#include "Records/AndroidSearchScope.h"
 #include "Records/FileItem.h"
 #include "Records/FileOrder.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/Identity.h"
+#include "Records/Pane.h"
 #include "Records/QueueItem.h"
 #include "Records/TextLength.h"
 
@@ -143,7 +144,7 @@ TEST(QueueItem, labelsByStatus) {
     }
 }
 
-TEST(Enumerations, areReadFromExactlyTheirRawValues) {
+TEST(RawValueTests, onlyTheExactTextGivesAValue) {
     for (const PaneViewMode mode : allPaneViewModes)
         EXPECT_EQ(paneViewModeFromRawValue(rawValue(mode)), mode);
     for (const AndroidSearchScope scope : allAndroidSearchScopes)

@@ -14,6 +14,7 @@
 #include "Views/TransferQueueView.h"
 
 #include <QDialog>
+#include <QProgressBar>
 #include <QScrollBar>
 #include <QSettings>
 #include <QSignalSpy>
@@ -167,6 +168,7 @@ TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {
         };
         shows(dark);
         QTest::mouseClick(child<ToolbarButton>("toolbar.appearance"), Qt::LeftButton);
+        QCoreApplication::processEvents(); // the toolkit tells the widgets in its next pass
         shows(!dark);
         ASSERT_TRUE(settings->save());
         const QSettings store(settingsPath(), QSettings::IniFormat);

@@ -62,8 +62,8 @@ int main(int argc, char **argv) {
     startUsageAnalytics(settings);
     Updater updater(Updater::builtIn());
     updater.start();
-    AppTheme::setScheme(settings.appearancePreference());
     AppStyle::install(application, Settings::toolTipDelay);
+    AppTheme::setScheme(settings.appearancePreference());
     const QuitSignals quitSignals;
 
     int status = 0;

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "Records/Enumerations.h"
-
 #include <QString>
 #include <QUuid>
 
 #include <variant>
 
 namespace vantrel {
+
+/// Which way a copy goes: a pull from the phone or a push to it.
+enum class TransferDirection { androidToMac, macToAndroid };
 
 /// The state of one queued copy.
 class QueueItemStatus {

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "Records/AndroidDevice.h"
-#include "Records/Enumerations.h"
+#include "Records/AndroidSearchScope.h"
 #include "Records/FileItem.h"
+#include "Records/Pane.h"
 #include "Records/QueueItem.h"
 #include "Records/StorageShortcut.h"
 #include "Transfers/TransferQueue.h"

@@ -1,6 +1,5 @@
 #include "Views/FileItemsView.h"
 
-#include "Kit/OverlayScrollBar.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextStyle.h"
 #include "Theme/AppTheme.h"
@@ -25,9 +24,7 @@ FileItemsView::FileItemsView(QWidget *parent) : QAbstractScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    new OverlayScrollBar(this);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, viewport(), qOverload<>(&QWidget::update));
 }
 
 // -- Contents

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "Records/Enumerations.h"
+#include "Records/AndroidSearchScope.h"
 #include "Records/FileItem.h"
+#include "Records/Pane.h"
 
 #include <QList>
 #include <QSet>

@@ -39,10 +39,7 @@ TextLabel *label(const QString &objectName, const TextStyle &style, const ThemeC
 /// The sign in front of the search field; assistive technology hears the field's own name.
 class SearchGlyph : public QWidget {
 public:
-    SearchGlyph() {
-        setFixedSize(m_symbol.naturalSize().toSize());
-        connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
-    }
+    SearchGlyph() { setFixedSize(m_symbol.naturalSize().toSize()); }
 
 protected:
     void paintEvent(QPaintEvent *) override {
@@ -117,9 +114,6 @@ FilePaneView::FilePaneView(QWidget *parent) : QWidget(parent) {
     stack->addWidget(m_list, 1);
     stack->addWidget(m_grid, 1);
     stack->addWidget(m_footer);
-
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, &FilePaneView::recolor);
-    recolor();
 }
 
 IconButton *FilePaneView::makeTool(const QString &objectName, const QString &symbol, const QString &help) {
@@ -423,11 +417,6 @@ QSize FilePaneView::minimumSizeHint() const {
     constexpr int narrowest = 320;
     const QSize hint = QWidget::minimumSizeHint();
     return {qMax(narrowest, hint.width()), hint.height()};
-}
-
-void FilePaneView::recolor() {
-    setPalette(AppTheme::palette());
-    update();
 }
 
 void FilePaneView::paintEvent(QPaintEvent *) {

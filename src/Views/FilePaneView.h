@@ -59,7 +59,6 @@ private:
     void clearSearch();
     void toggleSelectAll();
     void showContextMenu(const FileEntry &entry, const QPoint &position);
-    void recolor();
 
     FilePane m_pane;
     bool m_isFirst = true; ///< nothing was shown yet

@@ -68,8 +68,6 @@ ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater)
     connect(this, &QObject::destroyed, menuBar, &QObject::deleteLater);
 #else
     window->addActions(m_menu->actions());
-    dress(m_menu);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, m_menu, [menu = m_menu] { dress(menu); });
 #endif
 }
 
@@ -84,6 +82,7 @@ QWidget *ApplicationMenu::createButton(QWidget *parent) const {
     button->setHelp(QStringLiteral("Menu"));
     button->setObjectName(QStringLiteral("applicationMenu"));
     connect(button, &QAbstractButton::clicked, m_menu, [menu = m_menu, button] {
+        dress(menu); // in the scheme of the moment
         const QSize size = menu->sizeHint();
         menu->popup(button->mapToGlobal(QPoint(button->width() - size.width(), button->height() + 2)));
     });

@@ -59,7 +59,6 @@ void MainWindow::addToolbarButtons() {
         setAppearancePreference(AppTheme::scheme() == ColorScheme::dark ? ColorScheme::light
                                                                         : ColorScheme::dark);
     });
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, &MainWindow::renderAppearanceButton);
     renderAppearanceButton();
 
     auto *about = new ToolbarButton(bar);
@@ -105,6 +104,8 @@ bool MainWindow::event(QEvent *event) {
                 first->clearFocus();
         });
     }
+    if (event->type() == QEvent::PaletteChange && m_appearance)
+        renderAppearanceButton();
     return QMainWindow::event(event);
 }
 

@@ -79,7 +79,6 @@ WindowChrome::WindowChrome(QMainWindow *window, std::function<QString()> doubleC
             break;
         }
     });
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, m_window, qOverload<>(&QWidget::update));
     watchNativeWindow();
     watchScreens();
     fitShape();
