@@ -14,11 +14,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <csignal>
 #include <fcntl.h>
 #include <limits>
 #include <mutex>
+#include <poll.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace vantrel;
 
@@ -184,6 +188,8 @@ TEST(RunProcess, outcomes) {
          nullptr, "adb exited with 4"},
         {"printf '* daemon started successfully\\nerror: device offline\\n' >&2; exit 1", nullptr,
          "error: device offline"},
+        {"printf '*.bin: not found\\n' >&2; exit 1", nullptr, "*.bin: not found"},
+        {"printf 'error: one\\nerror: two\\n' >&2; exit 1", nullptr, "error: one\nerror: two"},
         {"printf 'WARNING: linker\\r\\nerror: device unauthorized.\\nLook at the phone.\\n' >&2; exit 1",
          nullptr, "error: device unauthorized.\nLook at the phone."},
         {"printf 'ls: /x: Permission denied\\n* daemon started successfully\\nls: /y: gone\\n' >&2; exit 1",
@@ -212,8 +218,12 @@ TEST(RunProcess, drainsBothStreamsAndBoundsThem) {
     const auto megabyte =
         run("head -c 1000000 /dev/zero | tr '\\0' e >&2; head -c 1000000 /dev/zero | tr '\\0' o");
     EXPECT_EQ(megabyte->size(), 1'000'000);
-    EXPECT_EQ(run("yes").error().errorDescription(),
-              QStringLiteral("The phone’s answer was longer than 64 MB and was not read to its end."));
+    for (const char *tooMuch : {"yes", "head -c 64000001 /dev/zero", "head -c 64000001 /dev/zero >&2"}) {
+        const auto answer = run(tooMuch);
+        ASSERT_FALSE(answer.has_value()) << tooMuch;
+        EXPECT_EQ(answer.error().errorDescription(),
+                  QStringLiteral("The phone’s answer was longer than 64 MB and was not read to its end."));
+    }
 }
 
 TEST(RunProcess, passesArgumentsUnchangedAndExactlyTheEnvironment) {
@@ -245,6 +255,31 @@ TEST(RunProcess, stopsWhenToolsAreStopped) {
                                       ADBClient::augmentedEnvironment())
                     .has_value());
 }
+
+#ifdef Q_OS_LINUX
+TEST(RunProcess, noToolOutlivesTheProgram) {
+    QTemporaryDir folder;
+    const QString started = folder.filePath(QStringLiteral("started"));
+    int ends[2] = {-1,
+                   -1}; // the program and its tool hold the second; the first reads an end when both are gone
+    ASSERT_EQ(::pipe(ends), 0);
+    const pid_t program = ::fork();
+    if (program == 0) {
+        (void)ADBClient::runProcess(
+            shell(), {QStringLiteral("-c"), QStringLiteral("echo > '%1'; exec sleep 600").arg(started)},
+            ADBClient::augmentedEnvironment());
+        ::_exit(1);
+    }
+    ::close(ends[1]);
+    while (!QFile::exists(started))
+        std::this_thread::yield();
+    ::kill(program, SIGKILL);
+    ::waitpid(program, nullptr, 0);
+    pollfd end{ends[0], POLLIN, 0};
+    EXPECT_EQ(::poll(&end, 1, 10'000), 1) << "the tool still runs";
+    ::close(ends[0]);
+}
+#endif
 
 TEST(Device, theFirstPhoneThatIsReady) {
     DemoPhone phone;
@@ -547,6 +582,27 @@ TEST(Transfer, theGrowingDestinationIsProgressToo) {
     EXPECT_EQ(ADBClient::allocatedByteCount(QStringLiteral("/nowhere")), 0);
 }
 
+TEST(Transfer, growthIsNoProgressOfAnUnknownSize) {
+    const ScriptedADB adb("exit 0");
+    const QString out = adb.filePath("out");
+    write(out, "12345");
+    Reports reports;
+    EXPECT_EQ(
+        message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/out"), out), 0, out, reports.receiver())),
+        QStringLiteral("(success)"));
+    EXPECT_EQ(reports.list(), std::vector<Report>());
+}
+
+TEST(Transfer, aLongSilenceIsNoEnd) {
+    // The phone is busy for longer than the reader waits for the terminal at a time.
+    const ScriptedADB adb("sleep 0.3; printf '\\r[ 25%%] /sdcard/a\\033[K'");
+    Reports reports;
+    EXPECT_EQ(message(ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), 0, {},
+                                             reports.receiver())),
+              QStringLiteral("(success)"));
+    EXPECT_EQ(reports.list(), (std::vector<Report>{{0.25, 0, 0}}));
+}
+
 TEST(Transfer, filesAndFoldersArriveWhole) {
     DemoPhone phone;
     QTemporaryDir folder;
@@ -601,6 +657,22 @@ TEST(Transfer, theReasonIsTheToolsOwnAndNeverItsChatter) {
     }
 }
 
+TEST(Transfer, theReasonIsReadAlsoWhenTheToolHasEndedBefore) {
+    const ScriptedADB adb("cd \"$(dirname \"$0\")\"; echo $$ > pid; printf '\\r[ 25%%] /sdcard/a\\033[K'\n"
+                          "read x < step; printf '\\r\\nadb: error: the last words\\n'; exit 1");
+    const QString fifo = adb.filePath("platform-tools/step");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    const auto whenItHasEnded = [&](double, qint64, qint64) { // holds up the thread that reads
+        const QByteArray process = contents(adb.filePath("platform-tools/pid")).trimmed();
+        write(fifo, "\n");
+        while (QFile::exists(QStringLiteral("/proc/") + QString::fromLatin1(process)))
+            std::this_thread::yield();
+    };
+    EXPECT_EQ(message(ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), 0, {},
+                                             whenItHasEnded)),
+              QStringLiteral("the last words"));
+}
+
 TEST(Transfer, theLargestSizeIsANumberOfBytesToo) {
     const ScriptedADB adb("printf '\\r[100%%] /sdcard/a\\033[K'");
     constexpr qint64 largest = std::numeric_limits<qint64>::max();
@@ -630,7 +702,10 @@ TEST(Transfer, theToolsOwnChildDoesNotHoldUpTheEnd) {
 TEST(Transfer, endlessOutputIsReadInBoundedMemory) {
     const ScriptedADB adb("[ \"$1\" = devices ] && exit 1\n"
                           "head -c 20000000 /dev/zero | tr '\\0' x >&2; head -c 20000000 /dev/zero; exit 1");
+    QElapsedTimer elapsed;
+    elapsed.start();
     const auto result =
         ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/tmp/a")), 0, {}, {});
     EXPECT_LT(message(result).size(), 1'000'000);
+    EXPECT_LT(elapsed.elapsed(), 15'000) << "4 KiB at a time, with a rest after each, take 20 seconds";
 }

@@ -69,7 +69,8 @@ TEST(ToolText, wholeNumbersOnly) {
     EXPECT_EQ(ToolText::wholeNumber(u"-9223372036854775808"), std::numeric_limits<qint64>::min());
     for (const QStringView bad :
          {QStringView(u""), QStringView(u"-"), QStringView(u"18%"), QStringView(u"1,000"), QStringView(u" 5"),
-          QStringView(u"0x10"), QStringView(u"9223372036854775808"), QStringView(u"٣")})
+          QStringView(u"0x10"), QStringView(u"1e3"), QStringView(u"\u22125"), QStringView(u"5\u00a0"),
+          QStringView(u"5\n"), QStringView(u"9223372036854775808"), QStringView(u"٣")})
         EXPECT_EQ(ToolText::wholeNumber(bad), std::nullopt) << bad.toString().toStdString();
 }
 
@@ -260,6 +261,11 @@ TEST(SearchText, facts) {
     EXPECT_FALSE(facts[QStringLiteral("/sdcard/link")].isDirectory);
     EXPECT_EQ(facts[QStringLiteral("/sdcard/link")].modifiedAt, std::nullopt);
     EXPECT_EQ(facts[QStringLiteral("/sdcard/odd")], ADBClient::SearchMetadata());
+    for (const char *time : {"1e300", "9.3e15", "-9.3e15", "nan", "inf", ""}) {
+        const QString answer = path("a") + QStringLiteral("|regular file|1|") + QLatin1String(time);
+        EXPECT_EQ(ADBClient::parseSearchMetadata(answer, {path("a")})[path("a")].modifiedAt, std::nullopt)
+            << time;
+    }
 }
 
 TEST(TransferText, percentOfTheErrorStream) {

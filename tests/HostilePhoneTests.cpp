@@ -193,7 +193,7 @@ TEST_F(HostilePhone, aListingThatIsTooLongFailsInBoundedMemory) {
         EXPECT_TRUE(state->androidItems().isEmpty());
         phone.reset(stream);
     }
-    phone.set(u"ls.stdout"_s, QByteArray("- 1 2 3 4 5 6 a\n").repeated(ADBClient::largestListing));
+    phone.set(u"ls.stdout"_s, QByteArray("- 1 2 3 4 5 6 a\n").repeated(ADBClient::largestListing + 1));
     browse();
     EXPECT_EQ(state->androidBrowseError(), u"The phone lists more than a million entries here."_s);
     EXPECT_TRUE(state->androidItems().isEmpty());

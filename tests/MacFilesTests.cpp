@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -83,6 +84,14 @@ TEST(MacFileListing, failsInWords) {
     EXPECT_EQ(error(folder.path() + QStringLiteral("/gone/")),
               QStringLiteral("Folder not found: ") + folder.filePath(QStringLiteral("gone")));
     EXPECT_EQ(error(file), QStringLiteral("Not a folder: ") + file);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const auto unread = MacFileClient::listDirectory(folder.path());
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    ASSERT_FALSE(unread.has_value());
+    EXPECT_EQ(unread.error().errorDescription(), QStringLiteral("Too many open files"));
     const QString locked = folder.filePath(QStringLiteral("locked"));
     QDir().mkdir(locked);
     QFile::setPermissions(locked, QFileDevice::Permissions());
