@@ -18,6 +18,11 @@ function(vantrel_target target)
                 -Wnon-virtual-dtor
                 -Woverloaded-virtual
                 $<$<BOOL:${VANTREL_WARNINGS_AS_ERRORS}>:-Werror>)
+    if(NOT VANTREL_DEVELOPMENT_RESOURCES)
+        # What is installed says nothing of the machine that built it.
+        target_compile_options(${target} PRIVATE -ffile-prefix-map=${PROJECT_BINARY_DIR}=build
+                                                 -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+    endif()
     if(CMAKE_CXX_COMPILER_LAUNCHER AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         target_compile_options(${target} PRIVATE -fpch-preprocess)
     endif()

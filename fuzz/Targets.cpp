@@ -78,11 +78,17 @@ bool isCanonical(const QString &path) {
 }
 
 void searchMetadata(const QByteArray &input) {
-    const auto facts = ADBClient::parseSearchMetadata(ToolText::decode(input));
+    const QString text = ToolText::decode(input);
+    QStringList asked; // every name that the answer could be about
+    for (const QString &line : text.split(QLatin1Char('\n')))
+        asked.append(line.section(QLatin1Char('|'), 0, -4));
+    const auto facts = ADBClient::parseSearchMetadata(text, asked);
     for (auto fact = facts.begin(); fact != facts.end(); ++fact) {
-        require(isCanonical(fact.key()), "facts go by canonical paths");
+        require(asked.contains(fact.key()), "facts go by what was asked");
         require(!fact->modifiedAt || fact->modifiedAt->isValid(), "a time is a time");
     }
+    const auto answers = ADBClient::parseExistence(text, asked.size());
+    require(!answers || answers->size() == asked.size(), "an answer for each question");
 }
 
 /// A terminal hands over its text in pieces of any size; where it is cut must not matter.

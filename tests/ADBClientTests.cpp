@@ -13,9 +13,16 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <csignal>
+#include <fcntl.h>
+#include <limits>
 #include <mutex>
+#include <poll.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace vantrel;
 
@@ -106,7 +113,16 @@ QString shell() {
     return QStringLiteral("/bin/sh");
 }
 
+std::atomic<int> terminalFlags{0};
+
 } // namespace
+
+/// Stands before the system's own, to see how a terminal is opened: what happens between that and a later
+/// flag cannot be provoked.
+extern "C" int posix_openpt(int flags) {
+    terminalFlags = flags;
+    return ::open("/dev/ptmx", flags);
+}
 
 TEST(Tool, isLookedForInTheResourcesThenTheSearchPathThenMissed) {
     const EnvironmentGuard guard({"VANTREL_RESOURCES", "PATH", "HOME"});
@@ -139,6 +155,22 @@ TEST(Tool, isLookedForInTheResourcesThenTheSearchPathThenMissed) {
               ADBError::adbNotFound());
 }
 
+TEST(Tool, isNeverOneThatLiesBelowTheWorkingFolder) {
+    const EnvironmentGuard guard({"VANTREL_RESOURCES", "PATH", "HOME"});
+    qunsetenv("VANTREL_RESOURCES");
+    qputenv("PATH", "/nowhere");
+    const QString before = QDir::currentPath();
+    QTemporaryDir folder;
+    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("build/asan")));
+    for (const char *planted :
+         {"src/Resources", "Resources", "build/asan/Resources", "build/asan/src/Resources"})
+        writeExecutable(folder.filePath(QLatin1String(planted) + QStringLiteral("/platform-tools/adb")),
+                        "exit 0");
+    ASSERT_TRUE(QDir::setCurrent(folder.filePath(QStringLiteral("build/asan"))));
+    EXPECT_EQ(ADBClient::resolveADBPath(), std::nullopt);
+    QDir::setCurrent(before);
+}
+
 TEST(RunProcess, outcomes) {
     const struct {
         const char *script;
@@ -151,6 +183,17 @@ TEST(RunProcess, outcomes) {
         {"echo lost; printf '  the reason\\r\\n' >&2; exit 1", nullptr, "the reason"},
         {"exit 255", nullptr, "adb exited with 255"},
         {"printf '\\377' >&2; exit 3", nullptr, "adb exited with 3"},
+        {"printf '* daemon not running; starting now at tcp:5037\\n* daemon started successfully\\n' >&2; "
+         "exit 4",
+         nullptr, "adb exited with 4"},
+        {"printf '* daemon started successfully\\nerror: device offline\\n' >&2; exit 1", nullptr,
+         "error: device offline"},
+        {"printf '*.bin: not found\\n' >&2; exit 1", nullptr, "*.bin: not found"},
+        {"printf 'error: one\\nerror: two\\n' >&2; exit 1", nullptr, "error: one\nerror: two"},
+        {"printf 'WARNING: linker\\r\\nerror: device unauthorized.\\nLook at the phone.\\n' >&2; exit 1",
+         nullptr, "error: device unauthorized.\nLook at the phone."},
+        {"printf 'ls: /x: Permission denied\\n* daemon started successfully\\nls: /y: gone\\n' >&2; exit 1",
+         nullptr, "ls: /x: Permission denied\nls: /y: gone"},
         {"kill -9 $$", nullptr, "adb exited with 9"},
     };
     for (const auto &c : cases) {
@@ -175,8 +218,12 @@ TEST(RunProcess, drainsBothStreamsAndBoundsThem) {
     const auto megabyte =
         run("head -c 1000000 /dev/zero | tr '\\0' e >&2; head -c 1000000 /dev/zero | tr '\\0' o");
     EXPECT_EQ(megabyte->size(), 1'000'000);
-    EXPECT_EQ(run("yes").error().errorDescription(),
-              QStringLiteral("The phone’s answer was longer than 64 MB and was not read to its end."));
+    for (const char *tooMuch : {"yes", "head -c 64000001 /dev/zero", "head -c 64000001 /dev/zero >&2"}) {
+        const auto answer = run(tooMuch);
+        ASSERT_FALSE(answer.has_value()) << tooMuch;
+        EXPECT_EQ(answer.error().errorDescription(),
+                  QStringLiteral("The phone’s answer was longer than 64 MB and was not read to its end."));
+    }
 }
 
 TEST(RunProcess, passesArgumentsUnchangedAndExactlyTheEnvironment) {
@@ -208,6 +255,31 @@ TEST(RunProcess, stopsWhenToolsAreStopped) {
                                       ADBClient::augmentedEnvironment())
                     .has_value());
 }
+
+#ifdef Q_OS_LINUX
+TEST(RunProcess, noToolOutlivesTheProgram) {
+    QTemporaryDir folder;
+    const QString started = folder.filePath(QStringLiteral("started"));
+    int ends[2] = {-1,
+                   -1}; // the program and its tool hold the second; the first reads an end when both are gone
+    ASSERT_EQ(::pipe(ends), 0);
+    const pid_t program = ::fork();
+    if (program == 0) {
+        (void)ADBClient::runProcess(
+            shell(), {QStringLiteral("-c"), QStringLiteral("echo > '%1'; exec sleep 600").arg(started)},
+            ADBClient::augmentedEnvironment());
+        ::_exit(1);
+    }
+    ::close(ends[1]);
+    while (!QFile::exists(started))
+        std::this_thread::yield();
+    ::kill(program, SIGKILL);
+    ::waitpid(program, nullptr, 0);
+    pollfd end{ends[0], POLLIN, 0};
+    EXPECT_EQ(::poll(&end, 1, 10'000), 1) << "the tool still runs";
+    ::close(ends[0]);
+}
+#endif
 
 TEST(Device, theFirstPhoneThatIsReady) {
     DemoPhone phone;
@@ -325,8 +397,6 @@ TEST(Search, asksForFactsInBatchesAndLivesWithoutThem) {
     ASSERT_EQ(bare->size(), 50);
     EXPECT_EQ(bare->first().sizeBytes, std::nullopt);
     EXPECT_EQ(bare->first().modifiedAt, std::nullopt);
-    EXPECT_FALSE(ADBClient::existingPaths(DemoPhone::serial(), {QStringLiteral("/sdcard/many")}).has_value())
-        << "what the phone did not say must not count as free";
 
     phone.set(QStringLiteral("find.exit"), "1");
     phone.set(QStringLiteral("find.stderr"), "error: device offline\n");
@@ -336,17 +406,109 @@ TEST(Search, asksForFactsInBatchesAndLivesWithoutThem) {
               QStringLiteral("error: device offline"));
 }
 
-TEST(Search, existingPaths) {
+TEST(Search, existingPathsAreMatchedWhateverTheirNamesHold) {
     DemoPhone phone;
-    phone.write(QStringLiteral("it's here"), "x");
-    const QString here = QStringLiteral("/sdcard/it's here");
-    EXPECT_EQ(*ADBClient::existingPaths(DemoPhone::serial(), {here, QStringLiteral("/sdcard/not here")}),
-              QSet<QString>{here});
-    // Nothing, no text, and an answer that was cut do not mean that the name is free.
-    for (const QByteArray &answer : {QByteArray(""), QByteArray("\xff|directory|1|1\n/|directory|1|1\n"),
-                                     QByteArray("/sdcard/other|regular file|1|1\n/")}) {
-        phone.set(QStringLiteral("stat.stdout"), answer);
-        EXPECT_FALSE(ADBClient::existingPaths(DemoPhone::serial(), {here}).has_value()) << answer.constData();
+    QStringList taken;
+    QStringList asked;
+    for (const char16_t *name : {u"it's here",
+                                 u"line\nfeed",
+                                 u"\n",
+                                 u"return\r",
+                                 u"next\u0085line",
+                                 u"line\u2028separator",
+                                 u"blank ",
+                                 u" blank",
+                                 u"tab\t",
+                                 u"wide\u3000",
+                                 u"e\u0301",
+                                 u"two  blanks",
+                                 u"a|directory|1|1",
+                                 u"taken",
+                                 u"free\nfree",
+                                 u"-e",
+                                 u"$(touch pwned)",
+                                 u"back\\slash",
+                                 u"'",
+                                 u"* daemon",
+                                 u"\\n"}) {
+        const QString text = QString::fromUtf16(name);
+        phone.write(text, "x");
+        taken.append(QStringLiteral("/sdcard/") + text);
+        asked += {QStringLiteral("/sdcard/not ") + text, taken.last(), taken.last() + QStringLiteral("  ")};
+    }
+    phone.link(QStringLiteral("dangling"), QStringLiteral("nowhere"));
+    taken.append(QStringLiteral("/sdcard/dangling"));
+    asked += {taken.last(), QStringLiteral("/sdcard/blank"), QStringLiteral("/sdcard/line")};
+    const auto existing = ADBClient::existingPaths(DemoPhone::serial(), asked);
+    ASSERT_TRUE(existing.has_value()) << existing.error().errorDescription().toStdString();
+    EXPECT_EQ(*existing, QSet<QString>(taken.begin(), taken.end()));
+    EXPECT_FALSE(phone.exists(QStringLiteral("pwned")));
+    EXPECT_EQ(phone.commandLines().size(), 2) << "40 paths at a time";
+}
+
+TEST(Search, existingPathsAreAskedInQuestionsOfBoundedLength) {
+    DemoPhone phone;
+    const QString longest = QString(40, QLatin1Char('\'')) + QString(69, QChar(0x65E5)); // 247 bytes
+    QStringList paths;
+    for (int i = 0; i < 40; ++i)
+        paths.append(QStringLiteral("/sdcard") + QString(QLatin1Char('/') + longest).repeated(16) +
+                     QString::number(i));
+    EXPECT_EQ(*ADBClient::existingPaths(DemoPhone::serial(), paths), QSet<QString>());
+    qsizetype asked = 0;
+    for (const QStringList &line : phone.commandLines()) {
+        EXPECT_LE(line.last().toUtf8().size(), 65'535) << "adb refuses longer ones";
+        asked += line.last().count(QStringLiteral("/sdcard"));
+    }
+    EXPECT_EQ(asked, paths.size());
+}
+
+TEST(Search, whatThePhoneDidNotSayIsNotFree) {
+    const struct {
+        const char *answer;
+        bool isKnown;
+    } cases[] = {
+        {"free\\ntaken\\n", true},
+        {"* daemon not running; starting now at tcp:5037\\n* daemon started "
+         "successfully\\nfree\\r\\ntaken\\r\\n",
+         true},
+        {"", false},
+        {"free\\n", false},
+        {"free\\ntake", false},
+        {"free\\ntaken\\nfree\\n", false},
+        {"free\\n/sdcard/b\\ntaken\\n", false},
+        {"free\\n\\377\\ntaken\\n", false},
+        {"/sdcard/b|regular file|1|1\\n/|directory|1|1\\n", false},
+    };
+    const QString a = QStringLiteral("/sdcard/a");
+    const QString b = QStringLiteral("/sdcard/b");
+    for (const auto &c : cases) {
+        const ScriptedADB adb("printf '" + QByteArray(c.answer) + "'");
+        const auto existing = ADBClient::existingPaths(DemoPhone::serial(), {a, b});
+        ASSERT_EQ(existing.has_value(), c.isKnown) << c.answer;
+        if (existing)
+            EXPECT_EQ(*existing, QSet<QString>{b});
+        else
+            EXPECT_EQ(existing.error().errorDescription(),
+                      QStringLiteral("The phone did not say whether this name is free there."));
+    }
+    const ScriptedADB failing("echo free; exit 1");
+    EXPECT_FALSE(ADBClient::existingPaths(DemoPhone::serial(), {b}).has_value());
+}
+
+TEST(Search, factsAreMatchedByTheirPlaceInTheAnswer) {
+    DemoPhone phone;
+    QStringList paths;
+    for (const char16_t *name :
+         {u"line\u2028separator", u"blank ", u"blank", u"a|directory|1|1", u"line\nfeed", u"e\u0301", u"a"}) {
+        phone.write(QString::fromUtf16(name), QByteArray(paths.size() + 1, 'x'));
+        paths.append(QStringLiteral("/sdcard/") + QString::fromUtf16(name));
+    }
+    const QString gone = QStringLiteral("/sdcard/gone ");
+    const auto facts = ADBClient::fetchSearchMetadata(DemoPhone::serial(), QStringList{gone} + paths);
+    EXPECT_EQ(facts.size(), paths.size());
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        EXPECT_EQ(facts.value(paths[i]).sizeBytes, i + 1) << paths[i].toStdString();
+        EXPECT_FALSE(facts.value(paths[i]).isDirectory) << paths[i].toStdString();
     }
 }
 
@@ -420,6 +582,27 @@ TEST(Transfer, theGrowingDestinationIsProgressToo) {
     EXPECT_EQ(ADBClient::allocatedByteCount(QStringLiteral("/nowhere")), 0);
 }
 
+TEST(Transfer, growthIsNoProgressOfAnUnknownSize) {
+    const ScriptedADB adb("exit 0");
+    const QString out = adb.filePath("out");
+    write(out, "12345");
+    Reports reports;
+    EXPECT_EQ(
+        message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/out"), out), 0, out, reports.receiver())),
+        QStringLiteral("(success)"));
+    EXPECT_EQ(reports.list(), std::vector<Report>());
+}
+
+TEST(Transfer, aLongSilenceIsNoEnd) {
+    // The phone is busy for longer than the reader waits for the terminal at a time.
+    const ScriptedADB adb("sleep 0.3; printf '\\r[ 25%%] /sdcard/a\\033[K'");
+    Reports reports;
+    EXPECT_EQ(message(ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), 0, {},
+                                             reports.receiver())),
+              QStringLiteral("(success)"));
+    EXPECT_EQ(reports.list(), (std::vector<Report>{{0.25, 0, 0}}));
+}
+
 TEST(Transfer, filesAndFoldersArriveWhole) {
     DemoPhone phone;
     QTemporaryDir folder;
@@ -448,17 +631,81 @@ TEST(Transfer, filesAndFoldersArriveWhole) {
     EXPECT_EQ(contents(tree + QStringLiteral("/it's.bin")), content);
 }
 
-TEST(Transfer, errorStreamComesFirst) {
-    const ScriptedADB adb("echo 'adb: error: from the output'; printf '\\n the reason \\n' >&2; exit 1");
+TEST(Transfer, theReasonIsTheToolsOwnAndNeverItsChatter) {
+    const struct {
+        const char *script;
+        const char *reason;
+    } cases[] = {
+        {"printf '\\n the reason \\n' >&2", "the reason"},
+        {"echo 'not read'; echo 'the reason' >&2", "the reason"},
+        {"echo 'adb: error: of the tool'; echo 'WARNING: something else' >&2", "of the tool"},
+        {"echo 'adb: error: of the output'; printf '[ 5%%] a\\nadb: error: of the stream\\n' >&2",
+         "adb: error: of the stream"},
+        {"echo 'adb: error: of the tool'; printf '* daemon not running; starting now at tcp:5037\\n"
+         "* daemon started successfully\\n' >&2",
+         "of the tool"},
+        {"printf '* daemon not running; starting now at tcp:5037\\n* daemon started successfully\\n'",
+         "adb exited with 1"},
+        {"printf '* daemon not running; starting now at tcp:5037\\n' >&2", "adb exited with 1"},
+    };
+    for (const auto &c : cases) {
+        const ScriptedADB adb("[ \"$1\" = devices ] && exit 2\n" + QByteArray(c.script) + "; exit 1");
+        EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/tmp/a")),
+                                                 0, {}, {})),
+                  QString::fromUtf8(c.reason))
+            << c.script;
+    }
+}
+
+TEST(Transfer, theReasonIsReadAlsoWhenTheToolHasEndedBefore) {
+    const ScriptedADB adb("cd \"$(dirname \"$0\")\"; echo $$ > pid; printf '\\r[ 25%%] /sdcard/a\\033[K'\n"
+                          "read x < step; printf '\\r\\nadb: error: the last words\\n'; exit 1");
+    const QString fifo = adb.filePath("platform-tools/step");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    const auto whenItHasEnded = [&](double, qint64, qint64) { // holds up the thread that reads
+        const QByteArray process = contents(adb.filePath("platform-tools/pid")).trimmed();
+        write(fifo, "\n");
+        while (QFile::exists(QStringLiteral("/proc/") + QString::fromLatin1(process)))
+            std::this_thread::yield();
+    };
+    EXPECT_EQ(message(ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), 0, {},
+                                             whenItHasEnded)),
+              QStringLiteral("the last words"));
+}
+
+TEST(Transfer, theLargestSizeIsANumberOfBytesToo) {
+    const ScriptedADB adb("printf '\\r[100%%] /sdcard/a\\033[K'");
+    constexpr qint64 largest = std::numeric_limits<qint64>::max();
+    Reports reports;
+    EXPECT_EQ(message(ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), largest,
+                                             {}, reports.receiver())),
+              QStringLiteral("(success)"));
+    EXPECT_EQ(reports.list(), (std::vector<Report>{{0.99, largest, largest}}));
+}
+
+TEST(Transfer, noOtherChildInheritsTheTerminal) {
+    const ScriptedADB adb("exit 0");
+    terminalFlags = 0;
     EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/tmp/a")), 0,
                                              {}, {})),
-              QStringLiteral("the reason"));
+              QStringLiteral("(success)"));
+    EXPECT_EQ(terminalFlags, O_RDWR | O_NOCTTY | O_CLOEXEC) << "a flag that is set later comes too late";
+}
+
+TEST(Transfer, theToolsOwnChildDoesNotHoldUpTheEnd) {
+    const ScriptedADB adb("trap '' HUP; (exec 2>/dev/null; yes) & exit 0");
+    EXPECT_EQ(
+        message(ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), 0, {}, {})),
+        QStringLiteral("(success)"));
 }
 
 TEST(Transfer, endlessOutputIsReadInBoundedMemory) {
     const ScriptedADB adb("[ \"$1\" = devices ] && exit 1\n"
                           "head -c 20000000 /dev/zero | tr '\\0' x >&2; head -c 20000000 /dev/zero; exit 1");
+    QElapsedTimer elapsed;
+    elapsed.start();
     const auto result =
         ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/tmp/a")), 0, {}, {});
     EXPECT_LT(message(result).size(), 1'000'000);
+    EXPECT_LT(elapsed.elapsed(), 15'000) << "4 KiB at a time, with a rest after each, take 20 seconds";
 }

@@ -69,7 +69,8 @@ TEST(ToolText, wholeNumbersOnly) {
     EXPECT_EQ(ToolText::wholeNumber(u"-9223372036854775808"), std::numeric_limits<qint64>::min());
     for (const QStringView bad :
          {QStringView(u""), QStringView(u"-"), QStringView(u"18%"), QStringView(u"1,000"), QStringView(u" 5"),
-          QStringView(u"0x10"), QStringView(u"9223372036854775808"), QStringView(u"٣")})
+          QStringView(u"0x10"), QStringView(u"1e3"), QStringView(u"\u22125"), QStringView(u"5\u00a0"),
+          QStringView(u"5\n"), QStringView(u"9223372036854775808"), QStringView(u"٣")})
         EXPECT_EQ(ToolText::wholeNumber(bad), std::nullopt) << bad.toString().toStdString();
 }
 
@@ -183,6 +184,8 @@ TEST(AndroidPath, normalizedAndShown) {
         {"/storage/emulated/0", "/storage/emulated/0", "Internal Storage"},
         {"/storage/emulated/0/Music", "/storage/emulated/0/Music", "Internal Storage › Music"},
         {"/storage/1234-5678/Pictures", "/storage/1234-5678/Pictures", "storage › 1234-5678 › Pictures"},
+        {" /sdcard/DCIM/ ", "/sdcard/DCIM", "Internal Storage › DCIM"},
+        {"/sdcard/blank ", "/sdcard/blank ", "Internal Storage › blank "},
         {"/sdcard/a//b/../c", "/sdcard/a//b/../c", "Internal Storage › a › b › .. › c"},
     };
     for (const auto &c : cases) {
@@ -222,24 +225,33 @@ TEST(SearchText, queriesLoseWhatTheShellCouldRead) {
 TEST(SearchText, foundPathsOnceWithoutRootAndHiddenNames) {
     const QString output =
         QStringLiteral("/sdcard\n/sdcard/a\r\n/sdcard/a/\n/sdcard/.nomedia\n/sdcard/.hidden/b\n"
-                       "/sdcard/c d.txt\ntail of a name with a newline\n/sdcard/x/..\n\n/sdcard/a\n");
+                       "/sdcard/c d.txt\n/sdcard/a \n /sdcard/e\ntail of a name with a "
+                       "newline\n/sdcard/x/..\n\n/sdcard/a\n");
     const QString root = QStringLiteral("/sdcard");
     EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 200),
               (QStringList{QStringLiteral("/sdcard/a"), QStringLiteral("/sdcard/.hidden/b"),
-                           QStringLiteral("/sdcard/c d.txt")}));
+                           QStringLiteral("/sdcard/c d.txt"), QStringLiteral("/sdcard/a "),
+                           QStringLiteral("/sdcard/e")}));
     EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 3).size(), 1) << "lines count, not hits";
     const QString cut = QStringLiteral("/sdcard/a%1/b\n").arg(QChar(u'\0'));
     EXPECT_TRUE(ADBClient::parseFoundPaths(cut, root, 200).isEmpty()) << "a NUL would end the argument early";
 }
 
 TEST(SearchText, facts) {
+    const auto path = [](const char *name) -> QString {
+        return QStringLiteral("/sdcard/") + QString::fromUtf8(name);
+    };
     const auto facts =
-        ADBClient::parseSearchMetadata(QStringLiteral("/sdcard/DCIM|directory|4096|1714567890\n"
+        ADBClient::parseSearchMetadata(QStringLiteral("WARNING: of something else\n"
+                                                      "/sdcard/DCIM|Directory|1|1714567890\n"
                                                       "/sdcard/a|b.txt|regular file|17|1714567890\r\n"
                                                       "/sdcard/link|symbolic link|4|x\n"
                                                       "/sdcard/odd|regular empty file|-|1e400\n"
                                                       "/sdcard/short|regular file|17\n"
-                                                      "/sdcard/DCIM|Directory|1|1.5\n"));
+                                                      "x/sdcard/late|regular file|17|1\n"
+                                                      "/sdcard/DCIM|directory|2|1.5\n"),
+                                       {path("a"), path("gone"), path("DCIM"), path("a|b.txt"), path("link"),
+                                        path("odd"), path("short"), path("late")});
     EXPECT_EQ(facts.size(), 4);
     EXPECT_EQ(
         facts[QStringLiteral("/sdcard/a|b.txt")],
@@ -249,6 +261,11 @@ TEST(SearchText, facts) {
     EXPECT_FALSE(facts[QStringLiteral("/sdcard/link")].isDirectory);
     EXPECT_EQ(facts[QStringLiteral("/sdcard/link")].modifiedAt, std::nullopt);
     EXPECT_EQ(facts[QStringLiteral("/sdcard/odd")], ADBClient::SearchMetadata());
+    for (const char *time : {"1e300", "9.3e15", "-9.3e15", "nan", "inf", ""}) {
+        const QString answer = path("a") + QStringLiteral("|regular file|1|") + QLatin1String(time);
+        EXPECT_EQ(ADBClient::parseSearchMetadata(answer, {path("a")})[path("a")].modifiedAt, std::nullopt)
+            << time;
+    }
 }
 
 TEST(TransferText, percentOfTheErrorStream) {

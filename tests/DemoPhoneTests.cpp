@@ -146,6 +146,11 @@ TEST(DemoPhoneShell, refusesEveryLineThatIsNotOneOfItsOwn) {
         "find -L '/sdcard' -iname '*a*' 2>/dev/null | head -n 5; false",
         "stat -c '%n' '/sdcard/a.txt'",
         "stat -c '%n|%F|%s|%Y'",
+        "for p in '/sdcard/a.txt'; do rm \"$p\"; done",
+        "for p in '/sdcard/a.txt'; true; do if [ -e \"$p\" ] || [ -L \"$p\" ]; then echo taken; else echo "
+        "free; fi; "
+        "done",
+        "for p in $HOME; do if [ -e \"$p\" ] || [ -L \"$p\" ]; then echo taken; else echo free; fi; done",
     };
     for (const char *line : lines) {
         const Outcome run = shell(line);

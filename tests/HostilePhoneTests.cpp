@@ -142,6 +142,42 @@ TEST_F(HostilePhone, hitsStayInTheirFolderAndTheirNumbersInRange) {
     EXPECT_EQ(state->androidSearchResults().size(), 200);
 }
 
+TEST_F(HostilePhone, whatStandsOnThePhoneIsNeverReplaced) {
+    const auto pushAll = [&] {
+        state->browseMac(at(u"here"_s));
+        ASSERT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
+        state->selectAllVisible(BrowserSide::mac);
+        state->transferMacToAndroid();
+        ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+    };
+    const QStringList names{u"line\nfeed"_s, u"return\rhere"_s, u"next\u0085line"_s, u"sep\u2028arator"_s,
+                            u"blank "_s,     u"e\u0301"_s,      u"taken\nfree"_s};
+    for (const QString &name : names) {
+        phone.write(name, "theirs");
+        write(at(u"here/"_s + name), "mine");
+    }
+    browse();
+    pushAll();
+    ASSERT_EQ(state->queue().size(), names.size());
+    for (const QueueItem &item : state->queue())
+        EXPECT_EQ(item.progressLabel(),
+                  u"“%1” already exists there. Nothing was overwritten."_s.arg(item.name));
+
+    // A question that fails is no answer.
+    for (const auto &[setting, value] :
+         {std::pair(u"exists.exit"_s, "1"), std::pair(u"exists.stdout"_s, "free\n")}) {
+        state->clearQueue();
+        phone.set(setting, value);
+        pushAll();
+        ASSERT_EQ(state->queue().size(), names.size());
+        for (const QueueItem &item : state->queue())
+            EXPECT_TRUE(item.status.is<QueueItemStatus::Failed>()) << setting.toStdString();
+        phone.reset(setting);
+    }
+    for (const QString &name : names)
+        EXPECT_EQ(phone.read(name), "theirs") << name.toStdString();
+}
+
 TEST_F(HostilePhone, aListingThatIsTooLongFailsInBoundedMemory) {
     const auto peak = [] {
         rusage usage{};
@@ -157,7 +193,7 @@ TEST_F(HostilePhone, aListingThatIsTooLongFailsInBoundedMemory) {
         EXPECT_TRUE(state->androidItems().isEmpty());
         phone.reset(stream);
     }
-    phone.set(u"ls.stdout"_s, QByteArray("- 1 2 3 4 5 6 a\n").repeated(ADBClient::largestListing));
+    phone.set(u"ls.stdout"_s, QByteArray("- 1 2 3 4 5 6 a\n").repeated(ADBClient::largestListing + 1));
     browse();
     EXPECT_EQ(state->androidBrowseError(), u"The phone lists more than a million entries here."_s);
     EXPECT_TRUE(state->androidItems().isEmpty());

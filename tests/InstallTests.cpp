@@ -99,6 +99,23 @@ TEST_F(InstallTest, SatisfiesTheDesktopsValidators) {
     }
 }
 
+TEST_F(InstallTest, HoldsNoPathOfTheMachineThatBuiltIt) {
+    const auto check = [](const char *folder) {
+        return run(QStringLiteral(VANTREL_SOURCE_DIRECTORY "/scripts/holds-no-paths"),
+                   {installed(folder), QStringLiteral(VANTREL_BUILD_DIRECTORY),
+                    QStringLiteral(VANTREL_SOURCE_DIRECTORY)});
+    };
+    const Outcome data = check("share");
+    EXPECT_EQ(data.status, 0) << data.output << data.errors;
+    // Of the program the promise holds once it is built for others: a development build looks into its source
+    // tree, and shows that the check would notice.
+    const Outcome program = check("bin");
+    EXPECT_EQ(program.status, VANTREL_IS_DEVELOPMENT ? 1 : 0) << program.output << program.errors;
+    if (VANTREL_IS_DEVELOPMENT) {
+        EXPECT_THAT(program.output, ::testing::HasSubstr("bin/vantrel holds "));
+    }
+}
+
 TEST_F(InstallTest, AnswersWithoutADisplay) {
     QProcessEnvironment bare = QProcessEnvironment::systemEnvironment();
     bare.remove(QStringLiteral("DISPLAY"));

@@ -5,11 +5,15 @@
 #include "MacFiles/MacFileClient.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace vantrel;
@@ -59,7 +63,15 @@ TEST(MacFileListing, visibleEntriesByTheirOwnProperties) {
     EXPECT_EQ(described.join(QLatin1Char(',')),
               QStringLiteral("Alpha/-1,Gamma/-1,beta.txt 0,dangling 7,link 5,zeta.txt 5"));
     EXPECT_EQ(items->last().path, folder.filePath(QStringLiteral("zeta.txt")));
-    EXPECT_LE(items->last().modifiedAt->secsTo(QDateTime::currentDateTime()), 60);
+
+    const QDateTime time(QDate(2024, 5, 1), QTime(12, 51, 30, 987));
+    QFile zeta(items->last().path);
+    ASSERT_TRUE(zeta.open(QIODevice::ReadWrite) && zeta.setFileTime(time, QFileDevice::FileModificationTime));
+    const timespec early[] = {{-2, 250'000'000}, {-2, 250'000'000}}; // 1.75 seconds before 1970
+    ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(items->at(2).path).constData(), early, 0), 0);
+    const auto dated = MacFileClient::listDirectory(folder.path());
+    EXPECT_EQ(dated->last().modifiedAt, time) << "to the millisecond";
+    EXPECT_EQ(dated->at(2).modifiedAt->toMSecsSinceEpoch(), -1750);
 }
 
 TEST(MacFileListing, failsInWords) {
@@ -72,6 +84,14 @@ TEST(MacFileListing, failsInWords) {
     EXPECT_EQ(error(folder.path() + QStringLiteral("/gone/")),
               QStringLiteral("Folder not found: ") + folder.filePath(QStringLiteral("gone")));
     EXPECT_EQ(error(file), QStringLiteral("Not a folder: ") + file);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const auto unread = MacFileClient::listDirectory(folder.path());
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    ASSERT_FALSE(unread.has_value());
+    EXPECT_EQ(unread.error().errorDescription(), QStringLiteral("Too many open files"));
     const QString locked = folder.filePath(QStringLiteral("locked"));
     QDir().mkdir(locked);
     QFile::setPermissions(locked, QFileDevice::Permissions());
@@ -94,6 +114,45 @@ TEST(MacFiles, foldersAreCreatedAndNothingIsTouched) {
     EXPECT_EQ(
         MacFileClient::createFolder(QStringLiteral("a"), folder.filePath(QStringLiteral("gone"))).error(),
         QStringLiteral("No such file or directory"));
+}
+
+TEST(MacFiles, aFoldersNameIsOneComponent) {
+    QTemporaryDir folder;
+    const QString parent = folder.filePath(QStringLiteral("parent"));
+    ASSERT_TRUE(QDir().mkpath(parent + QStringLiteral("/a")));
+    const QString slash = QStringLiteral("A folder’s name can’t contain “/”.");
+    const QString noName = QStringLiteral("This can’t be a folder’s name. Choose another one.");
+    const QString tooLong = QStringLiteral("This name is too long for a folder here. Choose a shorter one.");
+    const struct {
+        QString name;
+        QString reason;
+    } cases[] = {
+        {QStringLiteral("a/b"), slash},
+        {QStringLiteral("../x"), slash},
+        {folder.filePath(QStringLiteral("absolute")), slash},
+        {QStringLiteral("x/"), slash},
+        {QString(), noName},
+        {QStringLiteral("."), noName},
+        {QStringLiteral(".."), noName},
+        {QStringLiteral("nul%1x").arg(QChar(u'\0')), noName},
+        {QString(256, QLatin1Char('n')), tooLong},
+        {QString(128, QChar(0xfc)), tooLong},
+    };
+    for (const auto &c : cases) {
+        const auto created = MacFileClient::createFolder(c.name, parent);
+        EXPECT_EQ(created ? QStringLiteral("(created)") : created.error(), c.reason) << c.name.toStdString();
+    }
+    QStringList names;
+    QDirIterator all(folder.path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                     QDirIterator::Subdirectories);
+    while (all.hasNext())
+        names.append(QDir(folder.path()).relativeFilePath(all.next()));
+    names.sort();
+    EXPECT_EQ(names, (QStringList{QStringLiteral("parent"), QStringLiteral("parent/a")}));
+    for (const QString &name : {QString(255, QLatin1Char('n')), QStringLiteral("..."), QStringLiteral("a b "),
+                                QStringLiteral("~"), QStringLiteral("~root")})
+        EXPECT_EQ(MacFileClient::createFolder(name, parent).value_or(QString()),
+                  parent + QLatin1Char('/') + name);
 }
 
 TEST(MacFiles, existenceAndFreeSpace) {

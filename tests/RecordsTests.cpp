@@ -8,8 +8,11 @@
 #include "Records/Pane.h"
 #include "Records/QueueItem.h"
 #include "Records/TextLength.h"
+#include "Records/TransferFormat.h"
 
 #include <gtest/gtest.h>
+
+#include <limits>
 
 using namespace vantrel;
 
@@ -27,31 +30,6 @@ QueueItemStatus transferring(double fraction, qint64 done, qint64 total) {
     progress.transferredBytes = done;
     progress.totalBytes = total;
     return progress;
-}
-
-TEST(Equality, takesEveryField) {
-    const FileItem file{newIdentity(),
-                        QStringLiteral("a"),
-                        QStringLiteral("/a"),
-                        false,
-                        1,
-                        2,
-                        QDateTime::fromSecsSinceEpoch(0)};
-    QList<FileItem> others(7, file);
-    others[0].id = newIdentity();
-    others[1].name.clear();
-    others[2].path.clear();
-    others[3].isDirectory = true;
-    others[4].sizeBytes.reset();
-    others[5].itemCount.reset();
-    others[6].modifiedAt.reset();
-    QSet<FileItem> different{file};
-    for (const FileItem &other : others) {
-        EXPECT_FALSE(other == file);
-        different.insert(other);
-    }
-    different.insert(file);
-    EXPECT_EQ(different.size(), 8);
 }
 
 } // namespace
@@ -187,4 +165,37 @@ TEST(TextLength, countsWhatAPersonSees) {
     EXPECT_EQ(characterCount(QStringLiteral("ab")), 2);
     EXPECT_EQ(characterCount(QStringLiteral("e\u0301")), 1);
     EXPECT_EQ(characterCount(QStringLiteral("👩‍👩‍👧")), 1);
+}
+
+TEST(TransferFormat, everyNumberHasAText) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    constexpr qint64 most = std::numeric_limits<qint64>::max();
+    const struct {
+        double number;
+        qint64 bytes;
+        const char *rate;
+        const char *duration;
+    } cases[] = {
+        {0, 0, "Zero KB/s", "00:00:00"},
+        {59.5, 59, "59 bytes/s", "00:01:00"},
+        {3725.4, 3725, "4 KB/s", "01:02:05"},
+        {360'000, 360'000, "360 KB/s", "100:00:00"},
+        {3'599'999, 3'599'999, "3.6 MB/s", "999:59:59"},
+        {3'599'999.5, 3'599'999, "3.6 MB/s", "—"},
+        {1e20, most, "9.22 EB/s", "—"},
+        {0x1p63, most, "9.22 EB/s", "—"},
+        {0x1.fffffffffffffp62, most - 1023, "9.22 EB/s", "—"},
+        {infinity, most, "—", "—"},
+        {none, 0, "—", "—"},
+        {-0.4, 0, "—", "00:00:00"},
+        {-1e20, -most - 1, "—", "00:00:00"},
+        {-0x1p63, -most - 1, "—", "00:00:00"},
+        {-infinity, -most - 1, "—", "00:00:00"},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(wholeBytes(c.number), c.bytes) << c.number;
+        EXPECT_EQ(formatTransferRate(c.number), QString::fromUtf8(c.rate)) << c.number;
+        EXPECT_EQ(formatDuration(c.number), QString::fromUtf8(c.duration)) << c.number;
+    }
 }

@@ -27,5 +27,7 @@ if(NOT APPLE)
     add_dependencies(InstallTests vantrel)
     target_compile_definitions(
         InstallTests PRIVATE VANTREL_CMAKE="${CMAKE_COMMAND}" VANTREL_BUILD_DIRECTORY="${PROJECT_BINARY_DIR}"
+                             VANTREL_SOURCE_DIRECTORY="${PROJECT_SOURCE_DIR}"
+                             VANTREL_IS_DEVELOPMENT=$<BOOL:${VANTREL_DEVELOPMENT_RESOURCES}>
                              VANTREL_VERSION="${PROJECT_VERSION} \(${VANTREL_BUILD_NUMBER}\)")
 endif()

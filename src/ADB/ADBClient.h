@@ -23,7 +23,8 @@ namespace vantrel::ADBClient {
 // -- The tool (ADBTool.cpp)
 
 /// The copy of adb that ships inside the application, if present and executable. The environment variable
-/// VANTREL_RESOURCES names a resource directory that is looked into ahead of the installed one.
+/// VANTREL_RESOURCES names a resource directory that is looked into ahead of the installed one; a development
+/// build looks into the source tree's last.
 [[nodiscard]] std::optional<QString> bundledADBPath();
 /// The adb to use: the bundled one, a usual install location, or the first on the search path.
 [[nodiscard]] std::optional<QString> resolveADBPath();
@@ -56,7 +57,8 @@ struct StorageBytes {
 
 // -- Folders (ADBListing.cpp)
 
-/// The canonical form of a phone path: trimmed, "/sdcard" for nothing, no trailing slash but for "/".
+/// The canonical form of a phone path: "/sdcard" for nothing, no trailing slash but for "/". Blanks around it
+/// go, unless it begins with "/": then those at its end belong to a name.
 [[nodiscard]] QString normalizePath(const QString &path);
 /// The visible entries of a folder, folders first. Fails with the phone's own words.
 [[nodiscard]] ADBResult<QList<FileItem>> listDirectory(const QString &serial, const QString &path);
@@ -75,11 +77,13 @@ struct SearchMetadata {
 /// than two characters after sanitizeSearchQuery.
 [[nodiscard]] ADBResult<QList<FileItem>> search(const QString &serial, const QString &root,
                                                 const QString &query, int limit);
-/// Facts about each path; what cannot be learned is missing. One adb run per 40 paths.
+/// Facts about each path, by the path as it was asked for; what cannot be learned is missing. One adb run per
+/// 40 paths, or fewer where they are long.
 [[nodiscard]] QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial,
                                                                  const QStringList &paths);
-/// Which of the paths exist on the phone. One adb run per 40 paths; unlike fetchSearchMetadata it fails when
-/// the phone does not answer, since "not there" must not be guessed.
+/// Which of the paths exist on the phone, whatever characters their names hold. As many adb runs as
+/// fetchSearchMetadata; unlike that it fails when the phone does not answer for every path, since "not there"
+/// must not be guessed.
 [[nodiscard]] ADBResult<QSet<QString>> existingPaths(const QString &serial, const QStringList &paths);
 
 // -- Copies (ADBTransfer.cpp)

@@ -7,7 +7,7 @@
 namespace vantrel::ADBClient {
 
 QString normalizePath(const QString &path) {
-    QString normalized = ToolText::trimmed(path);
+    QString normalized = path.startsWith(QLatin1Char('/')) ? path : ToolText::trimmed(path);
     if (normalized.isEmpty())
         return QStringLiteral("/sdcard");
     while (normalized.size() >= 2 && normalized.endsWith(QLatin1Char('/')))

@@ -10,19 +10,35 @@ namespace vantrel::ADBClient {
 
 namespace {
 
-constexpr qsizetype pathsPerStat = 40;
-
 ADBResult<QString> runShellText(const QString &serial, const QString &command) {
     return runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"), command});
 }
 
-ADBResult<QHash<QString, SearchMetadata>> statBatch(const QString &serial, const QStringList &paths) {
-    QStringList quoted;
-    for (const QString &path : paths)
-        quoted.append(AndroidPath::quotedForShell(path));
-    return runShellText(serial, QStringLiteral("stat -c '%n|%F|%s|%Y' ") % quoted.join(QLatin1Char(' ')) %
-                                    QStringLiteral(" 2>/dev/null; true"))
-        .map(parseSearchMetadata);
+/// Paths that are asked for with one run of adb.
+struct Question {
+    QStringList paths;
+    QString quoted; ///< for the phone's shell, separated by blanks
+};
+
+QList<Question> questionsFor(const QStringList &paths) {
+    constexpr qsizetype mostPaths = 40;
+    // adb 29 was seen to refuse a line of more than 64 KiB. A path holds 4 KiB, four times that in quotes.
+    constexpr qsizetype mostBytes = 48'000;
+    QList<Question> questions;
+    qsizetype bytes = 0; // of the last question
+    for (const QString &path : paths) {
+        const QString quoted = AndroidPath::quotedForShell(path);
+        const qsizetype length = quoted.toUtf8().size() + 1;
+        bytes += length;
+        if (questions.isEmpty() || questions.last().paths.size() == mostPaths || bytes > mostBytes) {
+            questions.append({{path}, quoted});
+            bytes = length;
+        } else {
+            questions.last().paths.append(path);
+            questions.last().quoted += QLatin1Char(' ') % quoted;
+        }
+    }
+    return questions;
 }
 
 } // namespace
@@ -56,28 +72,28 @@ ADBResult<QList<FileItem>> search(const QString &serial, const QString &root, co
 
 QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial, const QStringList &paths) {
     QHash<QString, SearchMetadata> metadata;
-    for (qsizetype first = 0; first < paths.size(); first += pathsPerStat) {
-        if (const auto batch = statBatch(serial, paths.mid(first, pathsPerStat)))
-            metadata.insert(*batch);
+    for (const Question &question : questionsFor(paths)) {
+        const auto answer = runShellText(serial, QStringLiteral("stat -c '%n|%F|%s|%Y' ") % question.quoted %
+                                                     QStringLiteral(" 2>/dev/null; true"));
+        if (answer)
+            metadata.insert(parseSearchMetadata(*answer, question.paths));
     }
     return metadata;
 }
 
 ADBResult<QSet<QString>> existingPaths(const QString &serial, const QStringList &paths) {
     QSet<QString> existing;
-    for (qsizetype first = 0; first < paths.size(); first += pathsPerStat) {
-        const QStringList batch = paths.mid(first, pathsPerStat);
-        // The root is always there. An answer that does not end with it is none, or not the whole one.
-        const QString root = QStringLiteral("/");
-        const auto facts = statBatch(serial, batch + QStringList{root});
-        if (!facts)
-            return tl::make_unexpected(facts.error());
-        if (!facts->contains(root))
+    for (const Question &question : questionsFor(paths)) {
+        const auto answer = runShellText(serial, existenceQuestion(question.quoted));
+        if (!answer)
+            return tl::make_unexpected(answer.error());
+        const auto isTaken = parseExistence(*answer, question.paths.size());
+        if (!isTaken)
             return tl::make_unexpected(ADBError::parseFailed(
                 QStringLiteral("The phone did not say whether this name is free there.")));
-        for (const QString &path : batch) {
-            if (facts->contains(normalizePath(path)))
-                existing.insert(path);
+        for (qsizetype i = 0; i < question.paths.size(); ++i) {
+            if (isTaken->at(i))
+                existing.insert(question.paths.at(i));
         }
     }
     return existing;

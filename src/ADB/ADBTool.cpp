@@ -36,9 +36,11 @@ QStringList resourceDirectories() {
 #else
     directories.append(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/vantrel"));
 #endif
-    // A development build finds the copy in the source tree: beside the folder of this file.
-    directories.append(QFileInfo(QFileInfo(QString::fromUtf8(__FILE__)).path()).path() +
-                       QStringLiteral("/Resources"));
+#ifdef VANTREL_DEVELOPMENT_RESOURCES
+    // Given by the build and absolute: __FILE__ may be relative, and then it is whatever folder the program
+    // is started in that decides which adb runs.
+    directories.append(QStringLiteral(VANTREL_DEVELOPMENT_RESOURCES));
+#endif
     return directories;
 }
 
@@ -98,7 +100,7 @@ ADBResult<QString> runProcess(const QString &executable, const QStringList &argu
         return tl::make_unexpected(ADBError::executionFailed(QStringLiteral("adb was stopped.")));
     if (run.succeeded())
         return ToolText::decode(output);
-    const QString message = ToolText::trimmed(ToolText::decode(errors));
+    const QString message = ToolText::reason(ToolText::decode(errors)).text;
     return tl::make_unexpected(ADBError::executionFailed(
         message.isEmpty() ? QStringLiteral("adb exited with ") + QString::number(run.exitStatus())
                           : message));

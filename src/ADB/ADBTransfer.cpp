@@ -4,6 +4,7 @@
 #include "ADB/ToolRun.h"
 #include "ADB/ToolText.h"
 #include "ADB/TransferText.h"
+#include "Records/TransferFormat.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
@@ -27,12 +28,14 @@ public:
 
     void reportPercent(double percent) {
         const double fraction = percent / 100;
-        report(fraction,
-               m_expectedBytes >= 1 ? std::llround(fraction * static_cast<double>(m_expectedBytes)) : 0);
+        report(fraction, m_expectedBytes >= 1
+                             ? wholeBytes(std::round(fraction * static_cast<double>(m_expectedBytes)))
+                             : 0);
     }
 
+    /// Only where the expected bytes are known.
     void reportBytes(qint64 bytes) {
-        if (m_expectedBytes > 0 && bytes > 0)
+        if (bytes > 0)
             report(static_cast<double>(bytes) / static_cast<double>(m_expectedBytes), bytes);
     }
 
@@ -92,14 +95,14 @@ bool isListed(const QString &serial) {
 
 /// Why a copy failed, from the best source there is. adb writes its reason to standard output, and none at
 /// all when the phone goes away in the middle.
-QString failureMessage(const ToolRun &run, const QString &errorStream, const QString &outputError,
+QString failureMessage(const ToolRun &run, const ToolText::Reason &errorStream, const QString &outputError,
                        const QStringList &arguments) {
     if (run.wasStopped())
         return QStringLiteral("The copy was stopped.");
-    if (!errorStream.isEmpty())
-        return errorStream;
-    if (!outputError.isEmpty())
+    if (!outputError.isEmpty() && !errorStream.isTheToolsOwn)
         return outputError;
+    if (!errorStream.text.isEmpty())
+        return errorStream.text;
     const qsizetype serial = arguments.indexOf(QStringLiteral("-s")) + 1;
     if (serial > 0 && serial < arguments.size() && !isListed(arguments.at(serial)))
         return QStringLiteral("The phone was disconnected during the copy.");
@@ -147,7 +150,7 @@ ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
     if (run.succeeded() && !run.wasStopped())
         return {};
     return tl::make_unexpected(ADBError::executionFailed(
-        failureMessage(run, ToolText::trimmed(errors.text()), output.errorText(), arguments)));
+        failureMessage(run, ToolText::reason(errors.text()), output.errorText(), arguments)));
 }
 
 qint64 allocatedByteCount(const QString &path) {

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <mutex>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace vantrel {
@@ -24,16 +25,16 @@ void closeDescriptor(int &descriptor) {
 PseudoTerminal::PseudoTerminal() {
     // Neither end may reach another child that is started at the same moment, or the end of this one's output
     // would not be seen; and the terminal must not become this process's controlling one.
-    m_master = ::posix_openpt(O_RDWR | O_NOCTTY);
+    m_master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (m_master < 0)
         return;
-    ::fcntl(m_master, F_SETFD, FD_CLOEXEC);
+    ::fcntl(m_master, F_SETFL, ::fcntl(m_master, F_GETFL) | O_NONBLOCK);
     std::array<char, 128> name{};
     if (::grantpt(m_master) == 0 && ::unlockpt(m_master) == 0
 #ifdef Q_OS_LINUX
         && ::ptsname_r(m_master, name.data(), name.size()) == 0
 #else
-        && ::strlcpy(name.data(), ::ptsname(m_master), name.size()) < name.size()
+        && ::ioctl(m_master, TIOCPTYGNAME, name.data()) == 0 // ptsname's buffer is shared by all threads
 #endif
     )
         m_slave = ::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
@@ -60,8 +61,6 @@ void PseudoTerminal::finishReading() {
 }
 
 void PseudoTerminal::read(const std::stop_token &stop, const Reader &reader) const {
-    // What a terminal holds at most. More would be fresh memory for every copy: this thread lives for one.
-    std::array<char, 4096> buffer{};
     std::condition_variable_any pause; // ended by the request to stop
     std::mutex mutex;
     std::unique_lock lock(mutex);
@@ -78,17 +77,27 @@ void PseudoTerminal::read(const std::stop_token &stop, const Reader &reader) con
             continue;
         if (ready <= 0)
             return;
-        const ssize_t count = ::read(m_master, buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0) // EIO: the last holder of the other end is gone
+        if (!readWhatIsThere(reader) || stopRequested)
             return;
-        reader(QByteArray(buffer.data(), count));
         // adb 29 writes a line for every 64 KiB that it copies. To wake for each would take the processor
         // from adb and slow the copy; a terminal holds what comes meanwhile.
         constexpr std::chrono::milliseconds rest{4};
         pause.wait_for(lock, stop, rest, [] { return false; });
     }
+}
+
+bool PseudoTerminal::readWhatIsThere(const Reader &reader) const {
+    // What one read of a terminal gives at most. More would be fresh memory for every copy.
+    std::array<char, 4096> buffer{};
+    constexpr int mostReads = 256; // more than a terminal holds; a child that writes on and on has no end
+    for (int reads = 0; reads < mostReads; ++reads) {
+        const ssize_t count = ::read(m_master, buffer.data(), buffer.size());
+        if (count > 0)
+            reader(QByteArray(buffer.data(), count));
+        else if (count == 0 || errno != EINTR)
+            return count < 0 && errno == EAGAIN; // EIO: the last holder of the other end is gone
+    }
+    return true;
 }
 
 } // namespace vantrel

@@ -29,6 +29,8 @@ public:
 
 private:
     void read(const std::stop_token &stop, const Reader &reader) const;
+    /// Returns whether more may come.
+    [[nodiscard]] bool readWhatIsThere(const Reader &reader) const;
 
     int m_master = -1;
     int m_slave = -1;

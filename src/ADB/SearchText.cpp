@@ -19,6 +19,26 @@ std::optional<QDateTime> timeSinceEpoch(QStringView text) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000), Qt::UTC);
 }
 
+/// The facts behind "PATH|" in the first line at or after the position that has them; the position moves
+/// behind that line.
+std::optional<SearchMetadata> nextFacts(const QString &text, const QString &path, qsizetype &position) {
+    const QString prefix = path + QLatin1Char('|');
+    for (qsizetype at = text.indexOf(prefix, position); at >= 0; at = text.indexOf(prefix, at + 1)) {
+        if (at > 0 && text[at - 1] != QLatin1Char('\n'))
+            continue;
+        const QStringView rest = QStringView(text).mid(at + prefix.size());
+        const qsizetype feed = rest.indexOf(u'\n');
+        const QStringView line = feed < 0 ? rest : rest.left(feed);
+        const auto pieces = line.trimmed().split(u'|');
+        if (pieces.size() != 3) // a longer path that begins like this one
+            continue;
+        position = at + prefix.size() + line.size();
+        return SearchMetadata{pieces[0].contains(u"directory", Qt::CaseInsensitive),
+                              ToolText::wholeNumber(pieces[1]), timeSinceEpoch(pieces[2])};
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 QString sanitizeSearchQuery(const QString &query) {
@@ -37,10 +57,7 @@ QStringList parseFoundPaths(const QString &text, const QString &root, int limit)
     for (const QStringView raw : ToolText::lines(text)) {
         if (--limit < 0)
             break;
-        const QString line = ToolText::trimmed(raw.toString());
-        if (line.isEmpty())
-            continue;
-        const QString path = normalizePath(line);
+        const QString path = normalizePath(raw.toString());
         // A name that holds a newline comes as two lines; the second is no path. One with a NUL would be
         // another path for the tool, whose arguments end there.
         if (!path.startsWith(QLatin1Char('/')) || path.contains(QChar(u'\0')) || path == root ||
@@ -54,23 +71,32 @@ QStringList parseFoundPaths(const QString &text, const QString &root, int limit)
     return paths;
 }
 
-QHash<QString, SearchMetadata> parseSearchMetadata(const QString &text) {
+QHash<QString, SearchMetadata> parseSearchMetadata(const QString &text, const QStringList &paths) {
     QHash<QString, SearchMetadata> metadata;
-    for (const QStringView raw : ToolText::lines(text)) {
-        const QString line = ToolText::trimmed(raw.toString());
-        const qsizetype time = line.lastIndexOf(QLatin1Char('|'));
-        const qsizetype size = time > 0 ? line.lastIndexOf(QLatin1Char('|'), time - 1) : -1;
-        const qsizetype type = size > 0 ? line.lastIndexOf(QLatin1Char('|'), size - 1) : -1;
-        if (type < 0)
-            continue;
-        SearchMetadata facts;
-        facts.isDirectory =
-            QStringView(line).mid(type + 1, size - type - 1).contains(u"directory", Qt::CaseInsensitive);
-        facts.sizeBytes = ToolText::wholeNumber(QStringView(line).mid(size + 1, time - size - 1));
-        facts.modifiedAt = timeSinceEpoch(QStringView(line).mid(time + 1));
-        metadata.insert(normalizePath(line.left(type)), facts);
+    qsizetype position = 0;
+    for (const QString &path : paths) {
+        if (const auto facts = nextFacts(text, path, position))
+            metadata.insert(path, *facts);
     }
     return metadata;
+}
+
+QString existenceQuestion(const QString &quotedPaths) {
+    return QStringLiteral("for p in ") % quotedPaths %
+           QStringLiteral(
+               "; do if [ -e \"$p\" ] || [ -L \"$p\" ]; then echo taken; else echo free; fi; done");
+}
+
+std::optional<QList<bool>> parseExistence(const QString &text, qsizetype count) {
+    QList<bool> answers;
+    for (const QStringView line : ToolText::lines(text)) {
+        if (ToolText::isNotice(line))
+            continue;
+        if (line != u"taken" && line != u"free")
+            return std::nullopt;
+        answers.append(line == u"taken");
+    }
+    return answers.size() == count ? std::optional(answers) : std::nullopt;
 }
 
 } // namespace vantrel::ADBClient

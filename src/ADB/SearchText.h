@@ -11,11 +11,21 @@ namespace vantrel::ADBClient {
 /// The query without what the phone's shell or find's patterns could read as more than text, trimmed.
 [[nodiscard]] QString sanitizeSearchQuery(const QString &query);
 
-/// The paths of find's output, in its order: each once, without the root itself and without hidden names.
-/// Reads at most `limit` lines; a phone may print more than it was asked for.
+/// The paths of find's output, in its order: each once, without the root itself and without hidden names. A
+/// blank at the end of a line belongs to the name. Reads at most `limit` lines; a phone may print more than
+/// it was asked for.
 [[nodiscard]] QStringList parseFoundPaths(const QString &text, const QString &root, int limit);
 
-/// The facts in the output of `stat -c '%n|%F|%s|%Y'`, by normalized path. A path may itself contain "|".
-[[nodiscard]] QHash<QString, SearchMetadata> parseSearchMetadata(const QString &text);
+/// The facts in the output of `stat -c '%n|%F|%s|%Y'` for these paths, which answers in their order and
+/// leaves out what is not there. Each path's answer is looked for behind the one before, so that a name may
+/// hold "|" and line breaks.
+[[nodiscard]] QHash<QString, SearchMetadata> parseSearchMetadata(const QString &text,
+                                                                 const QStringList &paths);
+
+/// The question which of the quoted paths exist, as a line for the phone's shell: it prints "taken" or "free"
+/// for each, in their order. It echoes no name, since what comes back of one may be spelt in another way.
+[[nodiscard]] QString existenceQuestion(const QString &quotedPaths);
+/// Its answers; nothing unless there is exactly one for each of the `count` paths.
+[[nodiscard]] std::optional<QList<bool>> parseExistence(const QString &text, qsizetype count);
 
 } // namespace vantrel::ADBClient

@@ -58,8 +58,29 @@ QString trimmed(const QString &text) {
     return text.trimmed();
 }
 
+bool isNotice(QStringView line) {
+    return line.startsWith(u"* ");
+}
+
+Reason reason(const QString &standardError) {
+    Reason reason;
+    QStringList kept;
+    for (const QString &line : standardError.split(QLatin1Char('\n'))) {
+        if (isNotice(line))
+            continue;
+        if (!reason.isTheToolsOwn &&
+            (line.startsWith(QLatin1String("adb: error: ")) || line.startsWith(QLatin1String("error: ")))) {
+            reason.isTheToolsOwn = true;
+            kept.clear();
+        }
+        kept.append(line);
+    }
+    reason.text = trimmed(kept.join(QLatin1Char('\n')));
+    return reason;
+}
+
 std::optional<qint64> wholeNumber(QStringView text) {
-    // QStringView::toLongLong alone would also take "1,000" and surrounding blanks.
+    // QStringView::toLongLong alone would also take surrounding blanks and other signs.
     const QStringView digits = text.startsWith(u'-') || text.startsWith(u'+') ? text.mid(1) : text;
     if (digits.isEmpty())
         return std::nullopt;

@@ -47,6 +47,16 @@ using Fields = QVarLengthArray<QStringView, 16>;
 [[nodiscard]] QStringView blankTrimmed(QStringView text);
 /// Without leading and trailing white space, newline characters included.
 [[nodiscard]] QString trimmed(const QString &text);
+/// Why a tool failed, from its standard error.
+struct Reason {
+    QString text;               ///< trimmed; may be empty
+    bool isTheToolsOwn = false; ///< the text begins with the tool's own "adb: error: " or "error: "
+};
+/// Without the notices of a server that was started on the way (lines that begin with "* "), and without what
+/// stands before the first line in which the tool itself says what is wrong.
+[[nodiscard]] Reason reason(const QString &standardError);
+/// Whether a line is such a notice.
+[[nodiscard]] bool isNotice(QStringView line);
 /// A whole decimal number, with an optional sign, that fits 64 bits.
 [[nodiscard]] std::optional<qint64> wholeNumber(QStringView text);
 

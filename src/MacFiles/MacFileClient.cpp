@@ -38,6 +38,11 @@ QString systemText(const std::error_code &error) {
     return QString::fromLocal8Bit(error.message().c_str());
 }
 
+QString pathInFolder(const QString &folder, const QString &name) {
+    return folder.endsWith(QLatin1Char('/')) ? QString(folder % name)
+                                             : QString(folder % QLatin1Char('/') % name);
+}
+
 bool isHidden([[maybe_unused]] const QString &path, const QString &name) {
     if (name.startsWith(QLatin1Char('.')))
         return true;
@@ -56,7 +61,13 @@ FileItem describe(const QString &path, const QString &name) {
         return item;
     item.isDirectory = S_ISDIR(facts.st_mode);
     item.sizeBytes = item.isDirectory ? std::nullopt : std::optional<qint64>(facts.st_size);
-    item.modifiedAt = QDateTime::fromSecsSinceEpoch(facts.st_mtime);
+#ifdef Q_OS_MACOS
+    const timespec &modified = facts.st_mtimespec;
+#else
+    const timespec &modified = facts.st_mtim;
+#endif
+    item.modifiedAt =
+        QDateTime::fromMSecsSinceEpoch(qint64{modified.tv_sec} * 1000 + modified.tv_nsec / 1'000'000);
     return item;
 }
 
@@ -97,8 +108,7 @@ tl::expected<QList<FileItem>, MacFileError> listDirectory(const QString &path) {
     for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
         const QString name =
             QFile::decodeName(QByteArray::fromStdString(entries->path().filename().native()));
-        const QString entry = folder.endsWith(QLatin1Char('/')) ? QString(folder % name)
-                                                                : QString(folder % QLatin1Char('/') % name);
+        const QString entry = pathInFolder(folder, name);
         if (!isHidden(entry, name))
             items.append(describe(entry, name));
     }
@@ -117,10 +127,19 @@ std::optional<qint64> availableBytes(const QString &path) {
 }
 
 tl::expected<QString, QString> createFolder(const QString &name, const QString &parent) {
-    const QString path = QDir(standardizedPath(parent)).filePath(name);
-    if (::mkdir(QFile::encodeName(path).constData(), 0777) != 0)
-        return tl::make_unexpected(systemText(std::error_code(errno, std::generic_category())));
-    return path;
+    if (name.contains(QLatin1Char('/')))
+        return tl::make_unexpected(QStringLiteral("A folder’s name can’t contain “/”."));
+    if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..") ||
+        name.contains(QChar(u'\0')))
+        return tl::make_unexpected(QStringLiteral("This can’t be a folder’s name. Choose another one."));
+    const QString path = pathInFolder(standardizedPath(parent), name);
+    if (::mkdir(QFile::encodeName(path).constData(), 0777) == 0)
+        return path;
+    const std::error_code error(errno, std::generic_category());
+    if (error == std::errc::filename_too_long)
+        return tl::make_unexpected(
+            QStringLiteral("This name is too long for a folder here. Choose a shorter one."));
+    return tl::make_unexpected(systemText(error));
 }
 
 bool exists(const QString &path) {

@@ -52,8 +52,8 @@ namespace MacFileClient {
 [[nodiscard]] tl::expected<QList<FileItem>, MacFileError> listDirectory(const QString &path);
 /// Bytes free to the user on the volume that holds the path, if that can be told.
 [[nodiscard]] std::optional<qint64> availableBytes(const QString &path);
-/// Creates one folder and returns its path; fails with the system's own text, and leaves what exists
-/// untouched.
+/// Creates one folder and returns its path. Fails, in words, when the name is not a single path component,
+/// and with the system's own text; leaves what exists untouched.
 [[nodiscard]] tl::expected<QString, QString> createFolder(const QString &name, const QString &parent);
 /// Whether anything, a dangling link included, stands at the path.
 [[nodiscard]] bool exists(const QString &path);

@@ -5,6 +5,7 @@
 #include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/Identity.h"
+#include "Records/TransferFormat.h"
 #include "State/AppStateAssign.h"
 #include "Worker/Worker.h"
 
@@ -92,12 +93,7 @@ double AppState::CopyClock::bytesPerSecond(qint64 bytes) const {
 }
 
 QString AppState::formatDuration(double seconds) {
-    const qint64 whole = std::llround(seconds);
-    const auto twoDigits = [](qint64 number) {
-        return QString::number(number).rightJustified(2, QLatin1Char('0'));
-    };
-    return twoDigits(whole / 3600) % QLatin1Char(':') % twoDigits(whole % 3600 / 60) % QLatin1Char(':') %
-           twoDigits(whole % 60);
+    return vantrel::formatDuration(seconds);
 }
 
 void AppState::transferAndroidToMac() {
@@ -364,8 +360,7 @@ void AppState::applyProgress(const QUuid &id, const CopyClock &clock, double fra
 }
 
 void AppState::setTransferSpeed(double bytesPerSecond) {
-    assign(m_transferSpeedLabel, formatFileSize(static_cast<qint64>(bytesPerSecond)) + QStringLiteral("/s"),
-           &AppState::transferSpeedLabelChanged);
+    assign(m_transferSpeedLabel, formatTransferRate(bytesPerSecond), &AppState::transferSpeedLabelChanged);
 }
 
 void AppState::updateQueueStatus(const QUuid &id, const QueueItemStatus &status) {
