@@ -286,10 +286,14 @@ TEST(Device, theFirstPhoneThatIsReady) {
     phone.set(QStringLiteral("model"), "Pixel 7");
     EXPECT_EQ(ADBClient::fetchPrimaryDevice(), (AndroidDevice{DemoPhone::serial(), QStringLiteral("Pixel 7"),
                                                               true, 20'606'418'944, 118'082'764'800}));
-    // The model's name is not essential, the storage is.
+    // A phone that answers one of the two questions is there.
     phone.set(QStringLiteral("getprop.exit"), "1");
     EXPECT_EQ(ADBClient::fetchPrimaryDevice()->name, DemoPhone::serial());
     phone.set(QStringLiteral("df.stdout"), "Filesystem 1K-blocks\n");
+    phone.reset(QStringLiteral("getprop.exit"));
+    EXPECT_EQ(ADBClient::fetchPrimaryDevice(),
+              (AndroidDevice{DemoPhone::serial(), QStringLiteral("Pixel 7"), true, 0, 0}));
+    phone.set(QStringLiteral("getprop.exit"), "1");
     EXPECT_EQ(ADBClient::fetchPrimaryDevice().error().errorDescription(),
               QStringLiteral("Could not read device storage (df)."));
 

@@ -1,121 +1,36 @@
 // The model on the demo phone and on temporary folders: what a person would see in its properties.
 
-#include "support/DemoPhone.h"
-#include "support/FakeDesktop.h"
-#include "support/Files.h"
-#include "support/Printers.h"
-#include "support/WaitFor.h"
+#include "support/ModelTest.h"
 
-#include "ADB/ADBClient.h"
-#include "State/AppState.h"
 #include "State/FilePreview.h"
-#include "Worker/Worker.h"
 
-#include <QDir>
-#include <QFile>
 #include <QSignalSpy>
-#include <QStandardPaths>
-#include <QTemporaryDir>
-#include <QTest>
 
-#include <gtest/gtest.h>
-
-#include <functional>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
 using namespace vantrel;
 
-namespace {
+using AppStateTests = ModelTest;
 
-class AppStateTest : public ::testing::Test {
-protected:
-    AppStateTest() {
-        phone.set(QStringLiteral("stderr-progress"), "off");
-        qputenv("XDG_CACHE_HOME", QFile::encodeName(mac.filePath(QStringLiteral("cache"))));
-    }
-    ~AppStateTest() override {
-        state.reset();
-        ADBClient::stopRunningTools();
-        Background::finish();
-    }
-
-    [[nodiscard]] QString here(const QString &name) const {
-        return mac.filePath(QStringLiteral("here/") + name);
-    }
-
-    void browseHere() {
-        QDir(mac.path()).mkpath(QStringLiteral("here"));
-        state->browseMac(mac.filePath(QStringLiteral("here")));
-        ASSERT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
-    }
-    void connectPhone() {
-        state->refreshDevice(AppState::Spinner::shown);
-        ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
-        ASSERT_TRUE(state->device().isConnected)
-            << state->deviceStatusMessage().value_or(QString()).toStdString();
-        ASSERT_FALSE(state->isLoadingAndroid());
-    }
-    void browsePhone(const QString &path) {
-        state->browseAndroid(path);
-        ASSERT_TRUE(waitFor([&] { return !state->isLoadingAndroid(); }));
-    }
-    void select(BrowserSide side, const QString &name) {
-        for (const FileItem &item : state->visibleItems(side)) {
-            if (item.name == name)
-                return state->selectItem(item, side);
-        }
-        FAIL() << "no entry " << name.toStdString();
-    }
-    void searchFor(const QString &text) {
-        state->setAndroidSearchText(text);
-        state->scheduleAndroidSearch();
-    }
-    void waitForQueue() {
-        ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
-    }
-    [[nodiscard]] QString statuses() const {
-        QStringList list;
-        for (const QueueItem &item : state->queue())
-            list.append(QString(item.name % QLatin1Char(':') % item.progressLabel()));
-        return list.join(QLatin1Char('|'));
-    }
-    /// The names in the order in which adb was asked to copy them.
-    [[nodiscard]] QString copyOrder() const {
-        QStringList list;
-        for (const QStringList &line : phone.commandLines()) {
-            if (line.contains(QStringLiteral("pull")) || line.contains(QStringLiteral("push")))
-                list.append(QFileInfo(line.last()).fileName());
-        }
-        return list.join(QString());
-    }
-
-    DemoPhone phone;
-    QTemporaryDir mac;
-    FakeDesktop desktop;
-    std::unique_ptr<AppState> state = AppState::designPreview(desktop);
-};
-
-} // namespace
-
-TEST_F(AppStateTest, startsEmptyAndWithoutAPhone) {
+TEST_F(AppStateTests, startsEmptyAndWithoutAPhone) {
     EXPECT_EQ(state->device(), AndroidDevice());
     EXPECT_EQ(state->macPath(), QDir::homePath());
-    EXPECT_EQ(state->androidPathSegments(), QStringList{QStringLiteral("Internal Storage")});
+    EXPECT_EQ(state->androidPathSegments(), QStringList{u"Internal Storage"_s});
     EXPECT_EQ(state->selectedShortcutID(), state->shortcuts().first().id);
-    EXPECT_EQ(state->transferSpeedLabel() + state->remainingLabel() + state->macAvailableLabel(),
-              QStringLiteral("———"));
-    state->browseAndroid(QStringLiteral("/sdcard"));
-    EXPECT_EQ(state->androidBrowseError(), QStringLiteral("Connect an Android device to browse storage."));
-    state->openAndroidFile({{}, QStringLiteral("a"), QStringLiteral("/sdcard/a"), false, {}, {}, {}});
-    EXPECT_EQ(state->androidBrowseError(), QStringLiteral("Connect an Android device to open files."));
+    EXPECT_EQ(state->transferSpeedLabel() + state->remainingLabel() + state->macAvailableLabel(), u"———"_s);
+    state->browseAndroid(u"/sdcard"_s);
+    EXPECT_EQ(state->androidBrowseError(), u"Connect an Android device to browse storage."_s);
+    state->openAndroidFile({{}, u"a"_s, u"/sdcard/a"_s, false, {}, {}, {}});
+    EXPECT_EQ(state->androidBrowseError(), u"Connect an Android device to open files."_s);
     state->setAndroidSearchScope(AndroidSearchScope::everywhere);
-    searchFor(QStringLiteral("ab"));
-    EXPECT_EQ(state->androidBrowseError(), QStringLiteral("Connect an Android device to search."));
+    searchFor(u"ab"_s);
+    EXPECT_EQ(state->androidBrowseError(), u"Connect an Android device to search."_s);
     state->transferMacToAndroid();
-    EXPECT_EQ(state->deviceStatusMessage(), QStringLiteral("Connect an Android device to transfer."));
+    EXPECT_EQ(state->deviceStatusMessage(), u"Connect an Android device to transfer."_s);
 }
 
-TEST_F(AppStateTest, notificationsAreSilentForEqualValues) {
+TEST_F(AppStateTests, notificationsAreSilentForEqualValues) {
     QSignalSpy scope(state.get(), &AppState::androidSearchScopeChanged);
     QSignalSpy selection(state.get(), &AppState::macSelectedIDsChanged);
     state->setAndroidSearchScope(AndroidSearchScope::thisFolder);
@@ -129,9 +44,9 @@ TEST_F(AppStateTest, notificationsAreSilentForEqualValues) {
     EXPECT_EQ(selection.count(), 1);
 }
 
-TEST_F(AppStateTest, findsThePhoneShowsItAndLosesIt) {
-    phone.write(QStringLiteral("Download/a.txt"), "x");
-    phone.set(QStringLiteral("state"), "unauthorized");
+TEST_F(AppStateTests, findsThePhoneShowsItAndLosesIt) {
+    phone.write(u"Download/a.txt"_s, "x");
+    phone.set(u"state"_s, "unauthorized");
     state->refreshDevice(AppState::Spinner::shown);
     EXPECT_TRUE(state->isRefreshingDevice());
     state->refreshDevice(AppState::Spinner::shown);
@@ -141,17 +56,17 @@ TEST_F(AppStateTest, findsThePhoneShowsItAndLosesIt) {
     phone.plug();
     connectPhone();
     EXPECT_EQ(state->deviceStatusMessage(), std::nullopt);
-    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("Download"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"Download"_s);
 
     // While the phone stays, a refresh leaves the pane alone.
-    browsePhone(QStringLiteral("/sdcard/Download/"));
+    browsePhone(u"/sdcard/Download/"_s);
     EXPECT_EQ(state->selectedShortcutID(), state->shortcuts().at(1).id);
-    select(BrowserSide::android, QStringLiteral("a.txt"));
-    state->setAndroidSearchText(QStringLiteral("a"));
+    select(BrowserSide::android, u"a.txt"_s);
+    state->setAndroidSearchText(u"a"_s);
     connectPhone();
-    EXPECT_EQ(state->androidCurrentPath(), QStringLiteral("/sdcard/Download"));
+    EXPECT_EQ(state->androidCurrentPath(), u"/sdcard/Download"_s);
     EXPECT_EQ(state->androidSelectedIDs().size(), 1);
-    EXPECT_EQ(state->androidSearchText(), QStringLiteral("a"));
+    EXPECT_EQ(state->androidSearchText(), u"a"_s);
 
     phone.unplug();
     state->refreshDevice(AppState::Spinner::hidden);
@@ -161,30 +76,135 @@ TEST_F(AppStateTest, findsThePhoneShowsItAndLosesIt) {
     // Another phone in its place is shown from the highlighted shortcut on.
     phone.plug();
     connectPhone();
-    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("a.txt"));
-    phone.set(QStringLiteral("serial"), "other-phone");
-    phone.write(QStringLiteral("Download/b.txt"), "x");
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"a.txt"_s);
+    phone.set(u"serial"_s, "other-phone");
+    phone.write(u"Download/b.txt"_s, "x");
     connectPhone();
-    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("a.txt b.txt"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"a.txt b.txt"_s);
 }
 
-TEST_F(AppStateTest, onlyTheNewestListingIsApplied) {
-    phone.write(QStringLiteral("slow/old.txt"), "x");
-    phone.write(QStringLiteral("fast/new.txt"), "x");
+TEST_F(AppStateTests, whatAnOlderRefreshLearnsIsDropped) {
+    phone.write(u"Download/a.txt"_s, "x");
+    for (const char *olderAnswer : {"none", "device"}) {
+        phone.unplug();
+        const auto gone = state->refreshDevice(AppState::Spinner::hidden);
+        ASSERT_TRUE(waitFor([&] { return gone.isReady(); }));
+        ASSERT_FALSE(state->device().isConnected);
+        phone.set(u"state"_s, olderAnswer);
+        phone.set(u"devices.delay"_s, "0.5");
+        const qsizetype asked = phone.commandLines().size();
+        const auto older = state->refreshDevice(AppState::Spinner::hidden);
+        ASSERT_TRUE(waitFor([&] { return phone.commandLines().size() > asked; }));
+        phone.reset(u"devices.delay"_s);
+        phone.plug();
+        connectPhone();
+        browsePhone(u"/sdcard/Download"_s);
+        state->setAndroidSearchText(u"a"_s);
+        ASSERT_FALSE(older.isReady());
+        ASSERT_TRUE(waitFor([&] { return older.isReady(); }));
+        EXPECT_TRUE(state->device().isConnected) << olderAnswer;
+        EXPECT_EQ(state->deviceStatusMessage(), std::nullopt) << olderAnswer;
+        EXPECT_EQ(state->androidCurrentPath(), u"/sdcard/Download"_s) << olderAnswer;
+        EXPECT_EQ(state->androidSearchText(), u"a"_s) << olderAnswer;
+        EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), u"a.txt"_s) << olderAnswer;
+        EXPECT_FALSE(state->isRefreshingDevice());
+    }
+}
+
+TEST_F(AppStateTests, refreshesDoNotPileUp) {
+    const auto questions = [&] { return phone.commandLines().count(QStringList{u"devices"_s}); };
     connectPhone();
-    phone.set(QStringLiteral("ls.delay"), "0.5");
-    auto first = state->browseAndroid(QStringLiteral("/sdcard/slow"));
-    ASSERT_TRUE(waitFor([&] { return phone.commandLines().last().last().contains(QStringLiteral("slow")); }));
-    phone.reset(QStringLiteral("ls.delay"));
-    browsePhone(QStringLiteral("/sdcard/fast"));
-    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("new.txt"));
+    const auto before = questions();
+    phone.set(u"devices.hang"_s, "on");
+    const auto first = state->refreshDevice(AppState::Spinner::hidden);
+    state->refreshDevice(AppState::Spinner::hidden);
+    const auto shown = state->refreshDevice(AppState::Spinner::shown);
+    EXPECT_TRUE(state->isRefreshingDevice());
+    state->refreshDevice(AppState::Spinner::shown);
+    state->refreshDevice(AppState::Spinner::hidden);
+    ASSERT_TRUE(waitFor([&] { return questions() >= before + 2; }));
+    phone.reset(u"devices.hang"_s);
+    ASSERT_TRUE(waitFor([&] { return Background::workers().activeThreadCount() == 0; }));
+    ASSERT_TRUE(waitFor([&] { return first.isReady() && shown.isReady(); }));
+    EXPECT_EQ(questions(), before + 2);
+    EXPECT_FALSE(state->isRefreshingDevice());
+    // And the next one asks again.
+    connectPhone();
+    EXPECT_EQ(questions(), before + 3);
+}
+
+TEST_F(AppStateTests, aPhoneWhoseStorageCannotBeReadIsThere) {
+    phone.write(u"Download/a.txt"_s, "x");
+    phone.set(u"df.exit"_s, "1");
+    connectPhone();
+    EXPECT_EQ(state->device().totalBytes, 0);
+    EXPECT_TRUE(state->deviceStatusMessage()->contains(u"storage"_s));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"Download"_s);
+    phone.reset(u"df.exit"_s);
+    connectPhone();
+    EXPECT_EQ(state->deviceStatusMessage(), std::nullopt);
+    const AndroidDevice known = state->device();
+    EXPECT_GT(known.totalBytes, 0);
+
+    // What was known before stays, and so does the folder.
+    browsePhone(u"/sdcard/Download"_s);
+    phone.set(u"df.exit"_s, "1");
+    connectPhone();
+    EXPECT_EQ(state->device(), known);
+    EXPECT_TRUE(state->deviceStatusMessage().has_value());
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"a.txt"_s);
+    // Another phone's bytes are not its own.
+    phone.set(u"serial"_s, "other-phone");
+    connectPhone();
+    EXPECT_EQ(state->device().totalBytes, 0);
+}
+
+TEST_F(AppStateTests, aListingOfThePhoneThatLeftIsDropped) {
+    phone.write(u"a.txt"_s, "x");
+    connectPhone();
+    phone.set(u"ls.delay"_s, "0.5");
+    const qsizetype asked = phone.commandLines().size();
+    const auto listing = state->browseAndroid(u"/sdcard"_s);
+    ASSERT_TRUE(waitFor([&] { return phone.commandLines().size() > asked; }));
+    phone.unplug();
+    state->refreshDevice(AppState::Spinner::hidden);
+    ASSERT_TRUE(waitFor([&] { return !state->device().isConnected; }));
+    EXPECT_FALSE(state->isLoadingAndroid());
+    ASSERT_FALSE(listing.isReady());
+    ASSERT_TRUE(waitFor([&] { return listing.isReady(); }));
+    EXPECT_TRUE(state->androidItems().isEmpty());
+    EXPECT_EQ(state->androidBrowseError(), std::nullopt);
+}
+
+TEST_F(AppStateTests, theSelectionHoldsNothingThatIsGone) {
+    phone.write(u"a.txt"_s, "x");
+    connectPhone();
+    phone.set(u"ls.delay"_s, "0.3");
+    state->browseAndroid(u"/sdcard"_s);
+    state->selectAllVisible(BrowserSide::android);
+    ASSERT_EQ(state->androidSelectedIDs().size(), 1);
+    ASSERT_TRUE(waitFor([&] { return !state->isLoadingAndroid(); }));
+    EXPECT_EQ(state->androidSelectionSummary(), u"Nothing selected"_s);
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"a.txt"_s);
+}
+
+TEST_F(AppStateTests, onlyTheNewestListingIsApplied) {
+    phone.write(u"slow/old.txt"_s, "x");
+    phone.write(u"fast/new.txt"_s, "x");
+    connectPhone();
+    phone.set(u"ls.delay"_s, "0.5");
+    auto first = state->browseAndroid(u"/sdcard/slow"_s);
+    ASSERT_TRUE(waitFor([&] { return phone.commandLines().last().last().contains(u"slow"_s); }));
+    phone.reset(u"ls.delay"_s);
+    browsePhone(u"/sdcard/fast"_s);
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"new.txt"_s);
     ASSERT_TRUE(waitFor([&] { return first.isReady(); }));
-    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("new.txt"));
-    EXPECT_EQ(state->androidCurrentPath(), QStringLiteral("/sdcard/fast"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"new.txt"_s);
+    EXPECT_EQ(state->androidCurrentPath(), u"/sdcard/fast"_s);
 }
 
-TEST_F(AppStateTest, anUnfinishedCallEndsWithoutEffectWhenTheModelIsGone) {
-    phone.set(QStringLiteral("devices.hang"), "on");
+TEST_F(AppStateTests, anUnfinishedCallEndsWithoutEffectWhenTheModelIsGone) {
+    phone.set(u"devices.hang"_s, "on");
     state->refreshDevice(AppState::Spinner::shown);
     ASSERT_TRUE(waitFor([&] { return !phone.commandLines().isEmpty(); }));
     state.reset();
@@ -193,58 +213,58 @@ TEST_F(AppStateTest, anUnfinishedCallEndsWithoutEffectWhenTheModelIsGone) {
     EXPECT_EQ(Background::workers().activeThreadCount(), 0);
 }
 
-TEST_F(AppStateTest, selectionFilterAndTheirTexts) {
-    phone.write(QStringLiteral("Report.PDF"), QByteArray(2'100'000, 'x'));
-    phone.write(QStringLiteral("b.txt"), "x");
-    phone.write(QStringLiteral("c.txt"), "x");
-    phone.makeFolder(QStringLiteral("Dir"));
+TEST_F(AppStateTests, selectionFilterAndTheirTexts) {
+    phone.write(u"Report.PDF"_s, QByteArray(2'100'000, 'x'));
+    phone.write(u"b.txt"_s, "x");
+    phone.write(u"c.txt"_s, "x");
+    phone.makeFolder(u"Dir"_s);
     connectPhone();
     const auto android = BrowserSide::android;
-    EXPECT_EQ(state->androidFooterStats(), QStringLiteral("4 items • 2.1 MB"));
-    EXPECT_EQ(state->androidSelectionSummary(), QStringLiteral("Nothing selected"));
+    EXPECT_EQ(state->androidFooterStats(), u"4 items • 2.1 MB"_s);
+    EXPECT_EQ(state->androidSelectionSummary(), u"Nothing selected"_s);
     EXPECT_EQ(state->selectAllState(android), PaneSelectAllState::none);
 
-    select(android, QStringLiteral("b.txt"));
-    EXPECT_EQ(state->androidSelectionSummary(), QStringLiteral("1 file selected"));
-    select(android, QStringLiteral("c.txt"));
-    EXPECT_EQ(state->androidSelectionSummary(), QStringLiteral("2 files selected"));
-    select(android, QStringLiteral("Dir"));
-    EXPECT_EQ(state->androidSelectionSummary(), QStringLiteral("3 items selected"));
+    select(android, u"b.txt"_s);
+    EXPECT_EQ(state->androidSelectionSummary(), u"1 file selected"_s);
+    select(android, u"c.txt"_s);
+    EXPECT_EQ(state->androidSelectionSummary(), u"2 files selected"_s);
+    select(android, u"Dir"_s);
+    EXPECT_EQ(state->androidSelectionSummary(), u"3 items selected"_s);
     EXPECT_EQ(state->selectAllState(android), PaneSelectAllState::partial);
     state->clearSelection(android);
-    select(android, QStringLiteral("Dir"));
-    EXPECT_EQ(state->androidSelectionSummary(), QStringLiteral("1 folder selected"));
+    select(android, u"Dir"_s);
+    EXPECT_EQ(state->androidSelectionSummary(), u"1 folder selected"_s);
 
     // The filter hides the folder; its selection stays while the box toggles what is shown.
-    state->setAndroidSearchText(QStringLiteral(" pdf "));
-    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), QStringLiteral("Report.PDF"));
-    EXPECT_EQ(state->androidFooterStats(), QStringLiteral("1 of 4 items • 2.1 MB"));
-    EXPECT_EQ(state->androidSelectionSummary(), QStringLiteral("1 items selected"));
+    state->setAndroidSearchText(u" pdf "_s);
+    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), u"Report.PDF"_s);
+    EXPECT_EQ(state->androidFooterStats(), u"1 of 4 items • 2.1 MB"_s);
+    EXPECT_EQ(state->androidSelectionSummary(), u"1 items selected"_s);
     state->toggleSelectAllVisible(android);
     EXPECT_EQ(state->androidSelectedIDs().size(), 2);
     EXPECT_EQ(state->selectAllState(android), PaneSelectAllState::all);
     state->toggleSelectAllVisible(android);
     EXPECT_EQ(state->androidSelectedIDs().size(), 1);
-    state->setAndroidSearchText(QStringLiteral("   "));
-    EXPECT_EQ(state->androidFooterStats(), QStringLiteral("4 items • 2.1 MB"));
-    state->setAndroidSearchText(QStringLiteral("no such name"));
+    state->setAndroidSearchText(u"   "_s);
+    EXPECT_EQ(state->androidFooterStats(), u"4 items • 2.1 MB"_s);
+    state->setAndroidSearchText(u"no such name"_s);
     state->toggleSelectAllVisible(android);
     EXPECT_EQ(state->selectAllState(android), PaneSelectAllState::none);
     EXPECT_EQ(state->androidSelectedIDs().size(), 1);
 
-    write(here(QStringLiteral("one")), "x");
-    write(here(QStringLiteral("two")), "x");
+    write(here(u"one"_s), "x");
+    write(here(u"two"_s), "x");
     browseHere();
-    EXPECT_EQ(state->macSelectionSummary(), QStringLiteral("Nothing selected"));
+    EXPECT_EQ(state->macSelectionSummary(), u"Nothing selected"_s);
     state->selectAllVisible(BrowserSide::mac);
-    EXPECT_EQ(state->macSelectionSummary(), QStringLiteral("2 selected"));
+    EXPECT_EQ(state->macSelectionSummary(), u"2 selected"_s);
     state->toggleSelection(state->macItems().first(), BrowserSide::mac);
-    EXPECT_EQ(state->macSelectionSummary(), QStringLiteral("1 selected"));
+    EXPECT_EQ(state->macSelectionSummary(), u"1 selected"_s);
 }
 
-TEST_F(AppStateTest, searchesOnceWhenTypingRestsAndDropsLateHits) {
-    phone.write(QStringLiteral("Download/abc.txt"), "12");
-    phone.write(QStringLiteral("DCIM/xyz.txt"), "12");
+TEST_F(AppStateTests, searchesOnceWhenTypingRestsAndDropsLateHits) {
+    phone.write(u"Download/abc.txt"_s, "12");
+    phone.write(u"DCIM/xyz.txt"_s, "12");
     connectPhone();
     const auto finds = [&] {
         QStringList list;
@@ -255,25 +275,25 @@ TEST_F(AppStateTest, searchesOnceWhenTypingRestsAndDropsLateHits) {
         return list;
     };
     state->setAndroidSearchScope(AndroidSearchScope::everywhere);
-    select(BrowserSide::android, QStringLiteral("DCIM"));
-    searchFor(QStringLiteral("a"));
+    select(BrowserSide::android, u"DCIM"_s);
+    searchFor(u"a"_s);
     EXPECT_TRUE(state->androidSelectedIDs().isEmpty());
     EXPECT_TRUE(state->isAndroidEverywhereSearchActive());
     EXPECT_FALSE(state->isSearchingAndroid());
-    EXPECT_EQ(state->androidFooterStats(), QStringLiteral("Type at least 2 characters"));
+    EXPECT_EQ(state->androidFooterStats(), u"Type at least 2 characters"_s);
     EXPECT_TRUE(state->displayedAndroidItems().isEmpty());
-    searchFor(QStringLiteral("xy"));
-    searchFor(QStringLiteral(" abc "));
+    searchFor(u"xy"_s);
+    searchFor(u" abc "_s);
     EXPECT_TRUE(state->isSearchingAndroid());
     ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
     ASSERT_EQ(finds().size(), 1);
-    EXPECT_TRUE(finds().first().contains(QStringLiteral("'*abc*'")));
-    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), QStringLiteral("abc.txt"));
-    EXPECT_EQ(state->androidFooterStats(), QStringLiteral("1 result for “abc”"));
+    EXPECT_TRUE(finds().first().contains(u"'*abc*'"_s));
+    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), u"abc.txt"_s);
+    EXPECT_EQ(state->androidFooterStats(), u"1 result for “abc”"_s);
 
     // A search that was given up: its late hits are dropped.
-    phone.set(QStringLiteral("find.delay"), "0.3");
-    searchFor(QStringLiteral("xyz"));
+    phone.set(u"find.delay"_s, "0.3");
+    searchFor(u"xyz"_s);
     ASSERT_TRUE(waitFor([&] { return finds().size() == 2; }));
     state->setAndroidSearchScope(AndroidSearchScope::thisFolder);
     state->scheduleAndroidSearch();
@@ -283,29 +303,29 @@ TEST_F(AppStateTest, searchesOnceWhenTypingRestsAndDropsLateHits) {
     EXPECT_TRUE(state->androidSearchResults().isEmpty());
 
     // A failed one says why; a good one takes the message away.
-    phone.set(QStringLiteral("find.exit"), "1");
-    phone.set(QStringLiteral("find.stderr"), "error: device offline\n");
+    phone.set(u"find.exit"_s, "1");
+    phone.set(u"find.stderr"_s, "error: device offline\n");
     state->setAndroidSearchScope(AndroidSearchScope::everywhere);
     state->scheduleAndroidSearch();
     ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
-    EXPECT_EQ(state->androidBrowseError(), QStringLiteral("error: device offline"));
-    phone.reset(QStringLiteral("find.exit"));
+    EXPECT_EQ(state->androidBrowseError(), u"error: device offline"_s);
+    phone.reset(u"find.exit"_s);
     state->scheduleAndroidSearch();
     ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
     EXPECT_EQ(state->androidBrowseError(), std::nullopt);
-    EXPECT_EQ(namesOf(state->androidSearchResults()).join(u' '), QStringLiteral("xyz.txt"));
+    EXPECT_EQ(namesOf(state->androidSearchResults()).join(u' '), u"xyz.txt"_s);
     state->clearAndroidSearch();
-    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), QStringLiteral("DCIM Download"));
+    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u' '), u"DCIM Download"_s);
 }
 
-TEST_F(AppStateTest, opensAFileFromTheCacheSafely) {
-    phone.write(QStringLiteral("Download/a.pdf"), "first");
+TEST_F(AppStateTests, opensAFileFromTheCacheSafely) {
+    phone.write(u"Download/a.pdf"_s, "first");
     connectPhone();
-    browsePhone(QStringLiteral("/sdcard/Download"));
-    const QString folder = FilePreview::cacheFolder() + QStringLiteral("/sdcard_Download_a.pdf");
-    const QString local = folder + QStringLiteral("/a.pdf");
+    browsePhone(u"/sdcard/Download"_s);
+    const QString folder = FilePreview::cacheFolder() + u"/sdcard_Download_a.pdf"_s;
+    const QString local = folder + u"/a.pdf"_s;
     // A link that someone planted in the cache leads nowhere.
-    const QString elsewhere = mac.filePath(QStringLiteral("elsewhere"));
+    const QString elsewhere = mac.filePath(u"elsewhere"_s);
     QDir().mkpath(elsewhere);
     QDir().mkpath(FilePreview::cacheFolder());
     ASSERT_EQ(::symlink(QFile::encodeName(elsewhere).constData(), QFile::encodeName(folder).constData()), 0);
@@ -323,267 +343,66 @@ TEST_F(AppStateTest, opensAFileFromTheCacheSafely) {
                         QFileDevice::ExeOther;
     EXPECT_FALSE(QFile::permissions(local) & others);
 
-    phone.write(QStringLiteral("Download/a.pdf"), "second");
+    phone.write(u"Download/a.pdf"_s, "second");
     state->openAndroidFile(file);
     ASSERT_TRUE(waitFor([&] { return !state->isOpeningAndroidFile(); }));
     EXPECT_EQ(contents(local), "second");
 
-    phone.deny(QStringLiteral("/sdcard/Download/a.pdf"));
+    phone.deny(u"/sdcard/Download/a.pdf"_s);
     state->openAndroidFile(file);
     ASSERT_TRUE(waitFor([&] { return !state->isOpeningAndroidFile(); }));
-    EXPECT_TRUE(state->androidBrowseError()->contains(QStringLiteral("Permission denied")));
+    EXPECT_TRUE(state->androidBrowseError()->contains(u"Permission denied"_s));
     EXPECT_EQ(desktop.opened.size(), 2);
-    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("a.pdf"));
+    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), u"a.pdf"_s);
 }
 
-TEST(FilePreview, foldersStayInsideTheCache) {
-    EXPECT_EQ(FilePreview::folderName(QStringLiteral("/sdcard/a b/c.pdf")),
-              QStringLiteral("sdcard_a b_c.pdf"));
+TEST(FilePreviewTests, foldersStayInsideTheCache) {
+    EXPECT_EQ(FilePreview::folderName(u"/sdcard/a b/c.pdf"_s), u"sdcard_a b_c.pdf"_s);
     for (const char *path : {"/", "///", "/..", "/.", ""})
-        EXPECT_EQ(FilePreview::folderName(QString::fromLatin1(path)), QStringLiteral("root")) << path;
-    const QString longPath = QStringLiteral("/sdcard/") + QString(300, QLatin1Char('x'));
+        EXPECT_EQ(FilePreview::folderName(QString::fromLatin1(path)), u"root"_s) << path;
+    const QString longPath = u"/sdcard/"_s + QString(300, QLatin1Char('x'));
     EXPECT_EQ(FilePreview::folderName(longPath).size(), 64);
     EXPECT_NE(FilePreview::folderName(longPath), FilePreview::folderName(longPath + QLatin1Char('y')));
-    EXPECT_FALSE(
-        FilePreview::fetch(QStringLiteral("x"), QStringLiteral("/a"), QStringLiteral("../x")).has_value());
+    EXPECT_FALSE(FilePreview::fetch(u"x"_s, u"/a"_s, u"../x"_s).has_value());
 }
 
-TEST_F(AppStateTest, createsAFolder) {
+TEST_F(AppStateTests, createsAFolder) {
     browseHere();
-    desktop.nextText = QStringLiteral(" \n ");
+    desktop.nextText = u" \n "_s;
     state->createMacFolder();
     desktop.nextText = std::nullopt;
     state->createMacFolder();
     ASSERT_EQ(desktop.textQuestions.size(), 2);
     const auto &question = desktop.textQuestions.first();
-    EXPECT_EQ(
-        (QStringList{question.message, question.informativeText, question.acceptLabel, question.cancelLabel,
-                     question.initialText}),
-        (QStringList{QStringLiteral("New Folder"), QStringLiteral("Enter a name for the new folder:"),
-                     QStringLiteral("Create"), QStringLiteral("Cancel"), QStringLiteral("New Folder")}));
-    EXPECT_TRUE(QDir(mac.filePath(QStringLiteral("here"))).isEmpty());
+    EXPECT_EQ((QStringList{question.message, question.informativeText, question.acceptLabel,
+                           question.cancelLabel, question.initialText}),
+              (QStringList{u"New Folder"_s, u"Enter a name for the new folder:"_s, u"Create"_s, u"Cancel"_s,
+                           u"New Folder"_s}));
+    EXPECT_TRUE(QDir(mac.filePath(u"here"_s)).isEmpty());
 
-    desktop.nextText = QStringLiteral("  Trip ");
+    desktop.nextText = u"  Trip "_s;
     state->createMacFolder();
-    ASSERT_TRUE(waitFor([&] { return namesOf(state->macItems()).join(u' ') == QStringLiteral("Trip"); }));
+    ASSERT_TRUE(waitFor([&] { return namesOf(state->macItems()).join(u' ') == u"Trip"_s; }));
     state->createMacFolder();
     ASSERT_TRUE(waitFor([&] { return state->macBrowseError().has_value(); }));
-    EXPECT_EQ(state->macBrowseError(), QStringLiteral("File exists"));
-    EXPECT_EQ(namesOf(state->macItems()).join(u' '), QStringLiteral("Trip"));
+    EXPECT_EQ(state->macBrowseError(), u"File exists"_s);
+    EXPECT_EQ(namesOf(state->macItems()).join(u' '), u"Trip"_s);
 }
 
-TEST_F(AppStateTest, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
-    for (const char *name : {"A", "B", "C", "D", "E"})
-        phone.write(QString::fromLatin1(name), QByteArray(100'000, *name));
-    write(here(QStringLiteral("F")), "from here");
-    phone.set(QStringLiteral("bandwidth"), "0.5");
-    connectPhone();
-    browseHere();
-    state->selectAllVisible(BrowserSide::android);
-    state->transferAndroidToMac();
-    EXPECT_TRUE(state->androidSelectedIDs().isEmpty());
-    EXPECT_EQ(state->activeTransferCount(), 3);
-    EXPECT_EQ(state->waitingCount(), 2);
-    EXPECT_EQ(namesOf(QList<FileItem>()).join(u' '), QString());
-    EXPECT_EQ(
-        statuses(),
-        QStringLiteral("A:Waiting…|B:Waiting…|C:Zero KB / 100 KB|D:Zero KB / 100 KB|E:Zero KB / 100 KB"));
-    select(BrowserSide::mac, QStringLiteral("F"));
-    state->transferMacToAndroid();
-    EXPECT_EQ(state->queue().first().name, QStringLiteral("F"));
-    EXPECT_EQ(state->queue().first().destinationPath, QStringLiteral("/sdcard/F"));
-
-    int mostAtOnce = 0;
-    bool sawSpeed = false;
-    // The order in which copies take a slot; their processes may overtake each other on the way up.
-    QString started;
-    QObject::connect(state.get(), &AppState::queueChanged, state.get(), [&] {
-        mostAtOnce = std::max(mostAtOnce, state->activeTransferCount());
-        for (const QueueItem &item : state->queue()) {
-            if (item.status.is<QueueItemStatus::Transferring>() && !started.contains(item.name))
-                started += item.name;
-        }
-    });
-    QObject::connect(state.get(), &AppState::remainingLabelChanged, state.get(), [&] {
-        sawSpeed = sawSpeed || state->transferSpeedLabel().endsWith(QStringLiteral("/s"));
-    });
-    waitForQueue();
-    EXPECT_EQ(mostAtOnce, 3);
-    EXPECT_TRUE(sawSpeed);
-    EXPECT_EQ(statuses(), QStringLiteral("F:Done|A:Done|B:Done|C:Done|D:Done|E:Done"));
-    EXPECT_EQ(QStringView(started).mid(3), QStringLiteral("BAF"));
-    EXPECT_EQ(state->transferSpeedLabel() + state->remainingLabel(), QStringLiteral("——"));
-    for (const char *name : {"A", "B", "C", "D", "E"})
-        EXPECT_EQ(contents(here(QString::fromLatin1(name))), QByteArray(100'000, *name));
-    EXPECT_EQ(phone.read(QStringLiteral("F")), "from here");
-    // Both panes show what they received.
-    EXPECT_EQ(namesOf(state->macItems()).join(u' '), QStringLiteral("A B C D E F"));
-    EXPECT_EQ(namesOf(state->androidItems()).join(u' '), QStringLiteral("A B C D E F"));
-}
-
-TEST_F(AppStateTest, neverOverwrites) {
-    phone.write(QStringLiteral("same.txt"), "phone");
-    phone.write(QStringLiteral("Dir/inner"), "phone");
-    write(here(QStringLiteral("same.txt")), "mac");
-    write(here(QStringLiteral("Dir/mine")), "mac");
-    connectPhone();
-    browseHere();
-    state->selectAllVisible(BrowserSide::android);
-    state->transferAndroidToMac();
-    waitForQueue();
-    const QString refused =
-        QStringLiteral("Dir:“Dir” already exists there. Nothing was overwritten.|"
-                       "same.txt:“same.txt” already exists there. Nothing was overwritten.");
-    EXPECT_EQ(statuses(), refused);
-    EXPECT_EQ(contents(here(QStringLiteral("same.txt"))), "mac");
-    EXPECT_EQ(QDir(here(QStringLiteral("Dir"))).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-              QStringList{QStringLiteral("mine")});
-    state->clearQueue();
-
-    state->selectAllVisible(BrowserSide::mac);
-    state->transferMacToAndroid();
-    waitForQueue();
-    EXPECT_EQ(statuses(), refused);
-    EXPECT_EQ(phone.read(QStringLiteral("same.txt")), "phone");
-    EXPECT_FALSE(phone.exists(QStringLiteral("Dir/mine")));
-    EXPECT_FALSE(phone.exists(QStringLiteral("Dir/Dir")));
-    EXPECT_EQ(copyOrder(), QString());
-}
-
-TEST_F(AppStateTest, whatOnePhoneSaidDoesNotCountForAnother) {
-    for (const char *name : {"A", "B", "C", "D"})
-        write(here(QString::fromLatin1(name)), "mac");
-    phone.set(QStringLiteral("bandwidth"), "0.000001"); // three copies stand still, A waits and was asked for
-    connectPhone();
-    browseHere();
-    state->selectAllVisible(BrowserSide::mac);
-    state->transferMacToAndroid();
-    ASSERT_TRUE(waitFor([&] { return copyOrder().size() == 3; }));
-    phone.write(QStringLiteral("A"), "theirs");
-    phone.set(QStringLiteral("serial"), "other-phone");
-    connectPhone();
-    phone.reset(QStringLiteral("bandwidth"));
-    waitForQueue();
-    EXPECT_TRUE(statuses().startsWith(QStringLiteral("A:“A” already exists"))) << statuses().toStdString();
-    EXPECT_EQ(phone.read(QStringLiteral("A")), "theirs");
-}
-
-TEST_F(AppStateTest, twoHitsOfOneNameDoNotMeetInOneFile) {
-    phone.write(QStringLiteral("one/photo.jpg"), QByteArray(50'000, '1'));
-    phone.write(QStringLiteral("two/PHOTO.jpg"), QByteArray(50'000, '2'));
-    phone.set(QStringLiteral("bandwidth"), "0.5");
-    connectPhone();
-    browseHere();
-    state->setAndroidSearchScope(AndroidSearchScope::everywhere);
-    searchFor(QStringLiteral("photo"));
-    ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
-    ASSERT_EQ(state->androidSearchResults().size(), 2);
-    state->selectAllVisible(BrowserSide::android);
-    state->transferAndroidToMac();
-    waitForQueue();
-    EXPECT_EQ(statuses().count(QStringLiteral(":Done")), 1) << statuses().toStdString();
-    EXPECT_EQ(statuses().count(QStringLiteral("already exists")), 1);
-    EXPECT_EQ(QDir(mac.filePath(QStringLiteral("here"))).entryList(QDir::Files).size(), 1);
-}
-
-TEST_F(AppStateTest, aFolderThatComesWithoutItsContentsFailsInThePhonesWords) {
-    phone.write(QStringLiteral("Trip/open/a.txt"), "x");
-    phone.makeFolder(QStringLiteral("Trip/empty"));
-    phone.write(QStringLiteral("Trip/closed/b.txt"), "x");
-    connectPhone();
-    browseHere();
-    for (const bool isClosed : {false, true}) {
-        if (isClosed) {
-            ASSERT_TRUE(QFile::setPermissions(phone.hostPath(QStringLiteral("Trip/closed")), {}));
-        }
-        select(BrowserSide::android, QStringLiteral("Trip"));
-        state->transferAndroidToMac();
-        waitForQueue();
-        EXPECT_EQ(statuses(), isClosed ? QStringLiteral("Trip:ls: /sdcard/Trip/closed/: Permission denied")
-                                       : QStringLiteral("Trip:Done"));
-        state->clearQueue();
-        QDir(here(QStringLiteral("Trip"))).removeRecursively();
-    }
-    QFile::setPermissions(phone.hostPath(QStringLiteral("Trip/closed")),
-                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-}
-
-TEST_F(AppStateTest, theFooterKnowsItsLimits) {
-    for (int i = 0; i <= AppState::searchResultLimit; ++i)
-        phone.write(QStringLiteral("hit%1").arg(i), "x");
+TEST_F(AppStateTests, theFooterKnowsItsLimits) {
+    for (int i = 0; i <= DeviceSearch::resultLimit; ++i)
+        phone.write(u"hit%1"_s.arg(i), "x");
     connectPhone();
     state->setAndroidSearchScope(AndroidSearchScope::everywhere);
-    searchFor(QStringLiteral("hit"));
+    searchFor(u"hit"_s);
     ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
-    EXPECT_EQ(state->androidFooterStats(), QStringLiteral("Showing first 200 results for “hit”"));
+    EXPECT_EQ(state->androidFooterStats(), u"Showing first 200 results for “hit”"_s);
 
     // Two sizes whose sum is beyond 64 bits.
     const QByteArray line = "-rw-rw---- 1 root everybody 9223372036854775807 2026-11-22 19:53 ";
-    phone.set(QStringLiteral("ls.stdout"), line + "a\n" + line + "b\n");
+    phone.set(u"ls.stdout"_s, line + "a\n" + line + "b\n");
     state->setAndroidSearchScope(AndroidSearchScope::thisFolder);
     searchFor({});
-    browsePhone(QStringLiteral("/sdcard"));
-    EXPECT_EQ(state->androidFooterStats(), QStringLiteral("2 items • 9.22 EB"));
-}
-
-TEST_F(AppStateTest, aFolderHasNoSizeAndASmallQueueIsTakenUpAgain) {
-    phone.write(QStringLiteral("Dir/sub/a.txt"), "deep");
-    connectPhone();
-    browseHere();
-    select(BrowserSide::android, QStringLiteral("Dir"));
-    QStringList speeds;
-    QObject::connect(state.get(), &AppState::transferSpeedLabelChanged, state.get(),
-                     [&] { speeds.append(state->transferSpeedLabel()); });
-    state->transferAndroidToMac();
-    EXPECT_EQ(state->queue().first().progressLabel(), QStringLiteral("Transferring…"));
-    // Queued from within the notification of the end: a new run takes it.
-    QObject::connect(state.get(), &AppState::isTransferringChanged, state.get(), [&] {
-        if (!state->isTransferring() && state->queue().size() == 1) {
-            state->selectItem(state->androidItems().first(), BrowserSide::android);
-            state->transferAndroidToMac();
-        }
-    });
-    ASSERT_TRUE(waitFor([&] { return state->queue().size() == 2 && !state->isTransferring(); }));
-    EXPECT_EQ(contents(here(QStringLiteral("Dir/sub/a.txt"))), "deep");
-    EXPECT_TRUE(speeds.isEmpty()) << "nothing is known of a folder's bytes";
-    EXPECT_TRUE(statuses().startsWith(QStringLiteral("Dir:“Dir” already exists")));
-}
-
-TEST(FormatDuration, hoursAreNotWrapped) {
-    EXPECT_EQ(AppState::formatDuration(0), QStringLiteral("00:00:00"));
-    EXPECT_EQ(AppState::formatDuration(3725.4), QStringLiteral("01:02:05"));
-    EXPECT_EQ(AppState::formatDuration(59.5), QStringLiteral("00:01:00"));
-    EXPECT_EQ(AppState::formatDuration(360'000), QStringLiteral("100:00:00"));
-}
-
-TEST(TransferQueue, keepsOrderCountsAndClaims) {
-    const auto item = [](const char *name) {
-        QueueItem made;
-        made.id = QUuid::createUuid();
-        made.name = QString::fromLatin1(name);
-        made.totalBytes = -5;
-        return made;
-    };
-    TransferQueue queue;
-    const QueueItem a = item("a");
-    const QueueItem b = item("b");
-    const QueueItem c = item("c");
-    queue.insertFront({a, b});
-    EXPECT_EQ(queue.claimNextWaiting(), b.id);
-    queue.insertFront({c});
-    EXPECT_EQ(queue.nextWaiting(9).size(), 2);
-    EXPECT_EQ(queue.nextWaiting(1).first().id, a.id);
-    EXPECT_EQ(queue.find(b.id)->status.progress()->totalBytes, 0);
-    queue.setStatus(b.id, QueueItemStatus::Completed());
-    EXPECT_EQ(queue.activeCount(), 0);
-    EXPECT_EQ(queue.waitingCount(), 2);
-    EXPECT_EQ(queue.claimNextWaiting(), a.id);
-    EXPECT_TRUE(queue.remove(c.id));
-    EXPECT_FALSE(queue.remove(c.id));
-    EXPECT_EQ(queue.claimNextWaiting(), std::nullopt);
-    EXPECT_EQ(queue.setStatus(c.id, QueueItemStatus::Completed()), -1);
-    EXPECT_TRUE(queue.clear());
-    EXPECT_EQ(queue.items().size(), 1);
-    EXPECT_EQ(queue.indexOf(a.id), 0);
-    EXPECT_EQ(queue.activeCount(), 1);
+    browsePhone(u"/sdcard"_s);
+    EXPECT_EQ(state->androidFooterStats(), u"2 items • 9.22 EB"_s);
 }

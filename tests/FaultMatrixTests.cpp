@@ -219,7 +219,7 @@ protected:
     void start() {
         const BrowserSide side = isPush() ? BrowserSide::mac : BrowserSide::android;
         FileItem chosen;
-        for (const FileItem &item : state->visibleItems(side)) {
+        for (const FileItem &item : state->pane(side).visibleItems()) {
             if (item.name == entry())
                 chosen = item;
         }

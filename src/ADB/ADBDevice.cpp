@@ -19,11 +19,13 @@ ADBResult<AndroidDevice> fetchPrimaryDevice() {
 
     const auto model = runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"),
                                QStringLiteral("getprop"), QStringLiteral("ro.product.model")})
-                           .map(ToolText::trimmed)
-                           .value_or(QString());
-    return fetchStorageBytes(serial).map([&](const StorageBytes &bytes) {
-        return AndroidDevice{serial, model.isEmpty() ? serial : model, true, bytes.used, bytes.total};
-    });
+                           .map(ToolText::trimmed);
+    const auto bytes = fetchStorageBytes(serial);
+    if (!model && !bytes) // nothing that is asked of it is answered
+        return tl::make_unexpected(bytes.error());
+    const QString name = model.value_or(QString());
+    const auto [used, total] = bytes.value_or(StorageBytes());
+    return AndroidDevice{serial, name.isEmpty() ? serial : name, true, used, total};
 }
 
 ADBResult<StorageBytes> fetchStorageBytes(const QString &serial) {

@@ -1,68 +1,85 @@
 #include "State/AppState.h"
 
+#include "ADB/AndroidPath.h"
 #include "Records/FileSizeFormat.h"
-#include "State/AppStateAssign.h"
+#include "Records/Identity.h"
 
 #include <QDir>
 
 namespace vantrel {
 
-namespace {
-
-/// How long typing must rest before the phone is searched.
-constexpr std::chrono::milliseconds searchDebounce{400};
-
-} // namespace
-
 AppState::AppState(Desktop &desktop, QObject *parent)
-    : QObject(parent), m_desktop(desktop), m_macPath(QDir::homePath()), m_macAvailableLabel(unknownLabel()),
-      m_transferSpeedLabel(unknownLabel()), m_remainingLabel(unknownLabel()),
-      m_shortcuts(MockData::shortcuts()) {
+    : QObject(parent), m_desktop(desktop), m_shortcuts(MockData::shortcuts()),
+      m_androidPane(BrowserSide::android, QStringLiteral("/sdcard")),
+      m_macPane(BrowserSide::mac, QDir::homePath()),
+      m_androidPathSegments(AndroidPath::segments(m_androidPane.path())),
+      m_macAvailableLabel(unknownLabel()) {
     if (!m_shortcuts.isEmpty())
         m_selectedShortcutID = m_shortcuts.first().id;
-    m_androidSearchDebounce.setSingleShot(true);
-    m_androidSearchDebounce.setInterval(searchDebounce);
-    for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac}) {
-        QTimer &timer = receivingPane(side).listLater;
-        timer.setSingleShot(true);
-        connect(&timer, &QTimer::timeout, this, [this, side] { browseAgain(side); });
-    }
-    connect(&m_androidSearchDebounce, &QTimer::timeout, this,
-            [this] { runAndroidSearch(m_androidSearchRequest); });
+    forwardSignals();
 }
-
-AppState::~AppState() = default;
 
 std::unique_ptr<AppState> AppState::designPreview(Desktop &desktop) {
     return std::make_unique<AppState>(desktop);
 }
 
-void AppState::setSelectedShortcutID(const std::optional<QUuid> &id) {
-    assign(m_selectedShortcutID, id, &AppState::selectedShortcutIDChanged);
+void AppState::forwardSignals() {
+    connect(&m_androidPane, &PaneState::pathChanged, this, &AppState::androidCurrentPathChanged);
+    connect(&m_androidPane, &PaneState::itemsChanged, this, &AppState::androidItemsChanged);
+    connect(&m_androidPane, &PaneState::selectedIDsChanged, this, &AppState::androidSelectedIDsChanged);
+    connect(&m_androidPane, &PaneState::isLoadingChanged, this, &AppState::isLoadingAndroidChanged);
+    connect(&m_androidPane, &PaneState::browseErrorChanged, this, &AppState::androidBrowseErrorChanged);
+    connect(&m_androidPane, &PaneState::viewModeChanged, this, &AppState::androidViewModeChanged);
+    connect(&m_macPane, &PaneState::pathChanged, this, &AppState::macPathChanged);
+    connect(&m_macPane, &PaneState::itemsChanged, this, &AppState::macItemsChanged);
+    connect(&m_macPane, &PaneState::selectedIDsChanged, this, &AppState::macSelectedIDsChanged);
+    connect(&m_macPane, &PaneState::isLoadingChanged, this, &AppState::isLoadingMacChanged);
+    connect(&m_macPane, &PaneState::browseErrorChanged, this, &AppState::macBrowseErrorChanged);
+    connect(&m_macPane, &PaneState::viewModeChanged, this, &AppState::macViewModeChanged);
+    connect(&m_search, &DeviceSearch::textChanged, this, &AppState::androidSearchTextChanged);
+    connect(&m_search, &DeviceSearch::scopeChanged, this, &AppState::androidSearchScopeChanged);
+    connect(&m_search, &DeviceSearch::resultsChanged, this, &AppState::androidSearchResultsChanged);
+    connect(&m_search, &DeviceSearch::isSearchingChanged, this, &AppState::isSearchingAndroidChanged);
+    connect(&m_transfers, &TransferRunner::queueChanged, this, &AppState::queueChanged);
+    connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
+    connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
+    connect(&m_transfers, &TransferRunner::isTransferringChanged, this, &AppState::isTransferringChanged);
 }
 
-void AppState::setAndroidSearchText(const QString &text) {
-    assign(m_androidSearchText, text, &AppState::androidSearchTextChanged);
+/// Queues copies of the source pane's selected entries, as far as they are shown, for the other pane's
+/// folder.
+void AppState::transfer(TransferDirection direction) {
+    if (!connectedSerial()) {
+        m_deviceStatusMessage = QStringLiteral("Connect an Android device to transfer.");
+        return;
+    }
+    const bool isPull = direction == TransferDirection::androidToMac;
+    PaneState &source = isPull ? m_androidPane : m_macPane;
+    const QString folder = isPull ? macPath() : androidCurrentPath();
+    QList<QueueItem> entries;
+    for (const FileItem &item : source.visibleItems()) {
+        if (source.selectedIDs().contains(item.id))
+            entries.append({newIdentity(),
+                            item.name,
+                            item.isDirectory,
+                            item.path,
+                            AndroidPath::join(folder, item.name),
+                            direction,
+                            {},
+                            item.sizeBytes.value_or(0)});
+    }
+    if (entries.isEmpty())
+        return;
+    source.clearSelection();
+    m_transfers.enqueue(entries);
 }
 
-void AppState::setAndroidSearchScope(AndroidSearchScope scope) {
-    assign(m_androidSearchScope, scope, &AppState::androidSearchScopeChanged);
+std::optional<QString> AppState::connectedSerial() const {
+    return device().isConnected ? std::optional(device().id) : std::nullopt;
 }
 
-void AppState::setAndroidSearchFocusToken(qint64 token) {
-    assign(m_androidSearchFocusToken, token, &AppState::androidSearchFocusTokenChanged);
-}
-
-void AppState::setAndroidViewMode(PaneViewMode mode) {
-    assign(m_androidViewMode, mode, &AppState::androidViewModeChanged);
-}
-
-void AppState::setMacViewMode(PaneViewMode mode) {
-    assign(m_macViewMode, mode, &AppState::macViewModeChanged);
-}
-
-void AppState::setFocusedBrowserSide(BrowserSide side) {
-    assign(m_focusedBrowserSide, side, &AppState::focusedBrowserSideChanged);
+QCoro::Task<> AppState::listAgain(BrowserSide side) {
+    return side == BrowserSide::mac ? browseMac(macPath()) : browseAndroid(androidCurrentPath());
 }
 
 } // namespace vantrel

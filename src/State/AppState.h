@@ -1,21 +1,12 @@
 #pragma once
 
 #include "Records/AndroidDevice.h"
-#include "Records/AndroidSearchScope.h"
-#include "Records/FileItem.h"
-#include "Records/Pane.h"
-#include "Records/QueueItem.h"
 #include "Records/StorageShortcut.h"
-#include "Transfers/TransferQueue.h"
-
-#include <QCoroTask>
-#include <QElapsedTimer>
-#include <QObject>
-#include <QSet>
-#include <QTimer>
+#include "State/DeviceSearch.h"
+#include "State/PaneState.h"
+#include "Transfers/TransferRunner.h"
 
 #include <memory>
-#include <optional>
 
 namespace vantrel {
 
@@ -27,136 +18,118 @@ class Desktop;
 /// followed by "Changed"; assigning an equal value is silent, a change in place always notifies. Operations
 /// that return a task have done their first step when they return and finish later; the task may be dropped,
 /// and it ends without effect when the model is destroyed first. Every failure ends as a text in a property.
-class AppState : public QObject {
+class AppState : public QObject, private TransferHost {
     Q_OBJECT
 
 public:
-    /// A search of the phone takes at least this many characters and gives at most this many hits.
-    static constexpr qsizetype shortestSearchQuery = 2;
-    static constexpr int searchResultLimit = 200;
-    /// Copies that run at once.
-    static constexpr int concurrentCopies = 3;
-
     /// How loudly a refresh goes about its work: a visible one sets isRefreshingDevice.
     enum class Spinner { hidden, shown };
 
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
-    ~AppState() override;
-
     /// A new model with its initial values.
     [[nodiscard]] static std::unique_ptr<AppState> designPreview(Desktop &desktop);
-
-    // -- The phone
-    [[nodiscard]] const AndroidDevice &device() const { return m_device; }
-    [[nodiscard]] const std::optional<QString> &deviceStatusMessage() const { return m_deviceStatusMessage; }
-    [[nodiscard]] bool isRefreshingDevice() const { return m_isRefreshingDevice; }
-
-    // -- The phone pane
-    [[nodiscard]] bool isLoadingAndroid() const { return m_isLoadingAndroid; }
-    [[nodiscard]] bool isOpeningAndroidFile() const { return m_isOpeningAndroidFile; }
-    [[nodiscard]] const std::optional<QString> &androidBrowseError() const { return m_androidBrowseError; }
-    [[nodiscard]] const QString &androidCurrentPath() const { return m_androidCurrentPath; }
-    [[nodiscard]] const std::optional<QUuid> &selectedShortcutID() const { return m_selectedShortcutID; }
-    [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments; }
-    [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidItems; }
-    [[nodiscard]] const QSet<QUuid> &androidSelectedIDs() const { return m_androidSelectedIDs; }
-    [[nodiscard]] const QString &androidSearchText() const { return m_androidSearchText; }
-    [[nodiscard]] AndroidSearchScope androidSearchScope() const { return m_androidSearchScope; }
-    [[nodiscard]] const QList<FileItem> &androidSearchResults() const { return m_androidSearchResults; }
-    [[nodiscard]] bool isSearchingAndroid() const { return m_isSearchingAndroid; }
-    /// A counter; every change asks the phone pane to put the caret into its search field.
-    [[nodiscard]] qint64 androidSearchFocusToken() const { return m_androidSearchFocusToken; }
-    [[nodiscard]] PaneViewMode androidViewMode() const { return m_androidViewMode; }
-
-    // -- The computer's pane
-    [[nodiscard]] PaneViewMode macViewMode() const { return m_macViewMode; }
-    [[nodiscard]] const QString &macPath() const { return m_macPath; }
-    [[nodiscard]] const QList<FileItem> &macItems() const { return m_macItems; }
-    [[nodiscard]] const QSet<QUuid> &macSelectedIDs() const { return m_macSelectedIDs; }
-    [[nodiscard]] bool isLoadingMac() const { return m_isLoadingMac; }
-    [[nodiscard]] const std::optional<QString> &macBrowseError() const { return m_macBrowseError; }
-    [[nodiscard]] const QString &macAvailableLabel() const { return m_macAvailableLabel; }
-
-    // -- Both panes
-    /// The pane that keyboard commands act on.
-    [[nodiscard]] BrowserSide focusedBrowserSide() const { return m_focusedBrowserSide; }
-    /// The sidebar's shortcuts; never change.
-    [[nodiscard]] const QList<StorageShortcut> &shortcuts() const { return m_shortcuts; }
     [[nodiscard]] Desktop &desktop() const { return m_desktop; }
 
-    // -- The transfer queue
-    [[nodiscard]] const QList<QueueItem> &queue() const { return m_queue.items(); }
-    /// The queue as an item model, which tells which rows change: a TransferQueue.
-    [[nodiscard]] QAbstractItemModel *queueModel() { return &m_queue; }
-    [[nodiscard]] const QString &transferSpeedLabel() const { return m_transferSpeedLabel; }
-    [[nodiscard]] const QString &remainingLabel() const { return m_remainingLabel; }
-    [[nodiscard]] bool isTransferring() const { return m_isTransferring; }
-    [[nodiscard]] int activeTransferCount() const { return m_queue.activeCount(); }
-    [[nodiscard]] int waitingCount() const { return m_queue.waitingCount(); }
-
-    // -- What the views may assign
-    void setSelectedShortcutID(const std::optional<QUuid> &id);
-    void setAndroidSearchText(const QString &text);
-    void setAndroidSearchScope(AndroidSearchScope scope);
-    void setAndroidSearchFocusToken(qint64 token);
-    void setAndroidViewMode(PaneViewMode mode);
-    void setMacViewMode(PaneViewMode mode);
-    void setFocusedBrowserSide(BrowserSide side);
-
-    // -- Device and browsing (AppStateBrowsing.cpp)
-
-    /// Looks for the phone. When it has just been found, the phone pane opens the highlighted shortcut's
-    /// folder.
+    // -- The phone
+    [[nodiscard]] const AndroidDevice &device() const { return m_device.value(); }
+    [[nodiscard]] const std::optional<QString> &deviceStatusMessage() const {
+        return m_deviceStatusMessage.value();
+    }
+    [[nodiscard]] bool isRefreshingDevice() const { return m_isRefreshingDevice; }
+    /// Looks for the phone. When it was just found, the phone pane opens the highlighted shortcut's folder. A
+    /// hidden refresh does nothing while another is asking, a shown one supersedes it.
     QCoro::Task<> refreshDevice(Spinner spinner);
+
+    // -- Both panes
+    [[nodiscard]] PaneState &pane(BrowserSide side) {
+        return side == BrowserSide::mac ? m_macPane : m_androidPane;
+    }
+    /// The pane that keyboard commands act on.
+    [[nodiscard]] BrowserSide focusedBrowserSide() const { return m_focusedBrowserSide; }
+    void setFocusedBrowserSide(BrowserSide side) { m_focusedBrowserSide = side; }
+    void toggleSelection(const FileItem &item, BrowserSide side) { pane(side).toggleSelection(item); }
+    void selectItem(const FileItem &item, BrowserSide side) { pane(side).selectItem(item); }
+    void selectAllVisible(BrowserSide side) { pane(side).selectAllVisible(); }
+    void toggleSelectAllVisible(BrowserSide side) { pane(side).toggleSelectAllVisible(); }
+    void clearSelection(BrowserSide side) { pane(side).clearSelection(); }
+    [[nodiscard]] PaneSelectAllState selectAllState(BrowserSide side) { return pane(side).selectAllState(); }
+
+    // -- The phone pane
+    [[nodiscard]] bool isLoadingAndroid() const { return m_androidPane.isLoading(); }
+    [[nodiscard]] bool isOpeningAndroidFile() const { return m_isOpeningAndroidFile; }
+    [[nodiscard]] const std::optional<QString> &androidBrowseError() const {
+        return m_androidPane.browseError();
+    }
+    [[nodiscard]] const QString &androidCurrentPath() const { return m_androidPane.path(); }
+    [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments.value(); }
+    [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidPane.items(); }
+    [[nodiscard]] const QList<FileItem> &displayedAndroidItems() const {
+        return m_androidPane.visibleItems();
+    }
+    [[nodiscard]] const QSet<QUuid> &androidSelectedIDs() const { return m_androidPane.selectedIDs(); }
+    [[nodiscard]] PaneViewMode androidViewMode() const { return m_androidPane.viewMode(); }
+    void setAndroidViewMode(PaneViewMode mode) { m_androidPane.setViewMode(mode); }
+    [[nodiscard]] QString androidSelectionSummary() const;
+    [[nodiscard]] QString androidFooterStats() const;
+    /// The sidebar's shortcuts; never change.
+    [[nodiscard]] const QList<StorageShortcut> &shortcuts() const { return m_shortcuts; }
+    [[nodiscard]] const std::optional<QUuid> &selectedShortcutID() const {
+        return m_selectedShortcutID.value();
+    }
+    void setSelectedShortcutID(const std::optional<QUuid> &id) { m_selectedShortcutID = id; }
     /// Shows a phone folder.
     QCoro::Task<> browseAndroid(QString path);
-    /// Shows a folder of the computer.
-    QCoro::Task<> browseMac(QString path);
     /// Copies a phone file into the cache and opens it with its default application. Folders are ignored.
     QCoro::Task<> openAndroidFile(FileItem item);
+
+    // -- The phone pane's search
+    [[nodiscard]] const QString &androidSearchText() const { return m_search.text(); }
+    void setAndroidSearchText(const QString &text) { m_search.setText(text); }
+    [[nodiscard]] AndroidSearchScope androidSearchScope() const { return m_search.scope(); }
+    void setAndroidSearchScope(AndroidSearchScope scope) { m_search.setScope(scope); }
+    [[nodiscard]] const QList<FileItem> &androidSearchResults() const { return m_search.results(); }
+    [[nodiscard]] bool isSearchingAndroid() const { return m_search.isSearching(); }
+    /// A counter; every change asks the phone pane to put the caret into its search field.
+    [[nodiscard]] qint64 androidSearchFocusToken() const { return m_androidSearchFocusToken; }
+    void setAndroidSearchFocusToken(qint64 token) { m_androidSearchFocusToken = token; }
+    /// Whether the phone pane shows hits of the whole phone in place of a folder.
+    [[nodiscard]] bool isAndroidEverywhereSearchActive() const { return m_search.isEverywhereActive(); }
+    /// To be called whenever the search text or scope has changed.
+    void scheduleAndroidSearch() { m_search.schedule(connectedSerial()); }
+    void clearAndroidSearch() { m_search.clear(); }
+
+    // -- The computer's pane
+    [[nodiscard]] PaneViewMode macViewMode() const { return m_macPane.viewMode(); }
+    void setMacViewMode(PaneViewMode mode) { m_macPane.setViewMode(mode); }
+    [[nodiscard]] const QString &macPath() const { return m_macPane.path(); }
+    [[nodiscard]] const QList<FileItem> &macItems() const { return m_macPane.items(); }
+    [[nodiscard]] const QSet<QUuid> &macSelectedIDs() const { return m_macPane.selectedIDs(); }
+    [[nodiscard]] bool isLoadingMac() const { return m_macPane.isLoading(); }
+    [[nodiscard]] const std::optional<QString> &macBrowseError() const { return m_macPane.browseError(); }
+    [[nodiscard]] const QString &macAvailableLabel() const { return m_macAvailableLabel.value(); }
+    [[nodiscard]] QString macSelectionSummary() const;
+    /// Shows a folder of the computer.
+    QCoro::Task<> browseMac(QString path);
     /// Asks for a name and creates a folder in macPath.
     QCoro::Task<> createMacFolder();
 
-    // -- Selection and summaries (AppStateSelection.cpp)
-
-    /// What the phone pane shows: the listing, the filtered listing, or the hits.
-    [[nodiscard]] QList<FileItem> displayedAndroidItems() const;
-    /// What a pane shows.
-    [[nodiscard]] QList<FileItem> visibleItems(BrowserSide side) const;
-    [[nodiscard]] const QSet<QUuid> &selectedIDs(BrowserSide side) const;
-    void toggleSelection(const FileItem &item, BrowserSide side);
-    void selectItem(const FileItem &item, BrowserSide side);
-    void selectAllVisible(BrowserSide side);
-    void toggleSelectAllVisible(BrowserSide side);
-    void clearSelection(BrowserSide side);
-    [[nodiscard]] PaneSelectAllState selectAllState(BrowserSide side) const;
-    /// Footer texts.
-    [[nodiscard]] QString androidSelectionSummary() const;
-    [[nodiscard]] QString macSelectionSummary() const;
-    [[nodiscard]] QString androidFooterStats() const;
-
-    // -- Device search (AppStateSearch.cpp)
-
-    /// To be called whenever the search text or scope has changed: searches the phone 0.4 s later in the
-    /// everywhere scope, unless called again before.
-    void scheduleAndroidSearch();
-    void clearAndroidSearch();
-    /// Whether the phone pane shows hits of the whole phone in place of a folder.
-    [[nodiscard]] bool isAndroidEverywhereSearchActive() const;
-
-    // -- Transfers (AppStateTransfers.cpp)
-
-    /// Queues the selected entries that the phone pane shows for the computer's folder, and runs the queue.
-    void transferAndroidToMac();
-    /// Queues the computer's selected entries for the phone folder, and runs the queue.
-    void transferMacToAndroid();
+    // -- Transfers
+    [[nodiscard]] const QList<QueueItem> &queue() const { return m_transfers.queue().items(); }
+    /// Tells which rows of the queue change.
+    [[nodiscard]] QAbstractItemModel *queueModel() { return m_transfers.queueModel(); }
+    [[nodiscard]] const QString &transferSpeedLabel() const { return m_transfers.speedLabel(); }
+    [[nodiscard]] const QString &remainingLabel() const { return m_transfers.remainingLabel(); }
+    [[nodiscard]] bool isTransferring() const { return m_transfers.isTransferring(); }
+    [[nodiscard]] int activeTransferCount() const { return m_transfers.queue().activeCount(); }
+    [[nodiscard]] int waitingCount() const { return m_transfers.queue().waitingCount(); }
+    /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
+    void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
+    void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }
     /// Removes one entry. A running copy runs on to its end unseen.
-    void removeQueueItem(const QUuid &id);
+    void removeQueueItem(const QUuid &id) { m_transfers.remove(id); }
     /// Removes every entry that is not running.
-    void clearQueue();
-    /// Seconds as "HH:MM:SS"; hours are not wrapped.
-    [[nodiscard]] static QString formatDuration(double seconds);
+    void clearQueue() { m_transfers.clear(); }
 
 Q_SIGNALS:
     void deviceChanged();
@@ -191,121 +164,38 @@ Q_SIGNALS:
     void isTransferringChanged();
 
 private:
-    template <class T>
-    void assign(T &property, std::type_identity_t<T> value, void (AppState::*changed)());
-
-    [[nodiscard]] QSet<QUuid> &mutableSelectedIDs(BrowserSide side);
-    void selectionChanged(BrowserSide side);
-    [[nodiscard]] QString trimmedSearchText() const;
-
-    struct SearchRequest {
-        QString serial;
-        QString query;
-        quint64 token = 0;
-    };
-    void cancelAndroidSearch();
-    QCoro::Task<> runAndroidSearch(SearchRequest request);
-
-    struct CopyClock {
-        QElapsedTimer start;
-        qint64 expectedBytes = 0;
-        [[nodiscard]] double bytesPerSecond(qint64 bytes) const;
-    };
-    /// What stood at the destination of a waiting push when the phone was asked.
-    struct DestinationCheck {
-        QString serial; ///< of the phone that was asked
-        bool isTaken = false;
-        std::optional<QString> error;
-        QElapsedTimer age;
-    };
-    /// When a pane that receives copies was last listed again, and the listing that is put off.
-    struct ReceivingPane {
-        bool isBeingListed = false;
-        QElapsedTimer sinceListed;
-        QTimer listLater;
-    };
-    /// Queues copies of the selected entries among the sources.
-    void enqueue(const QList<FileItem> &sources, TransferDirection direction);
-    void processTransferQueue();
-    void fillSlots();
-    QCoro::Task<> runSlot(QUuid id);
-    QCoro::Task<> runSingleTransfer(QUuid id);
-    QCoro::Task<std::optional<QString>> refusalOfPush(QueueItem item);
-    [[nodiscard]] bool hasFreshCheck(const QUuid &id) const;
-    void askAhead();
-    [[nodiscard]] QList<QueueItem> pushesToAskFor(const std::optional<QueueItem> &first) const;
-    QCoro::Task<> checkDestinations(QList<QueueItem> items);
-    QCoro::Task<> refreshReceivingPane(BrowserSide side);
-    QCoro::Task<> browseAgain(BrowserSide side);
-    [[nodiscard]] ReceivingPane &receivingPane(BrowserSide side);
-    void applyProgress(const QUuid &id, const CopyClock &clock, double fraction, qint64 transferred,
-                       qint64 total);
-    void updateQueueStatus(const QUuid &id, const QueueItemStatus &status);
-    void setTransferSpeed(double bytesPerSecond);
+    void forwardSignals();
+    void transfer(TransferDirection direction);
+    QCoro::Task<> showPhone(AndroidDevice found);
+    void showNoPhone(const QString &reason);
+    [[nodiscard]] std::optional<QString> connectedSerial() const override;
+    QCoro::Task<> listAgain(BrowserSide side) override;
 
     Desktop &m_desktop;
-
-    AndroidDevice m_device;
-    std::optional<QString> m_deviceStatusMessage;
-    bool m_isRefreshingDevice = false;
-
-    bool m_isLoadingAndroid = false;
-    bool m_isOpeningAndroidFile = false;
-    std::optional<QString> m_androidBrowseError;
-    QString m_androidCurrentPath = QStringLiteral("/sdcard");
-    std::optional<QUuid> m_selectedShortcutID;
-    QStringList m_androidPathSegments{QStringLiteral("Internal Storage")};
-    QList<FileItem> m_androidItems;
-    QSet<QUuid> m_androidSelectedIDs;
-    QString m_androidSearchText;
-    AndroidSearchScope m_androidSearchScope = AndroidSearchScope::thisFolder;
-    QList<FileItem> m_androidSearchResults;
-    bool m_isSearchingAndroid = false;
-    qint64 m_androidSearchFocusToken = 0;
-    PaneViewMode m_androidViewMode = PaneViewMode::list;
-
-    PaneViewMode m_macViewMode = PaneViewMode::list;
-    BrowserSide m_focusedBrowserSide = BrowserSide::android;
-    QString m_macPath;
-    QList<FileItem> m_macItems;
-    QSet<QUuid> m_macSelectedIDs;
-    bool m_isLoadingMac = false;
-    std::optional<QString> m_macBrowseError;
-    QString m_macAvailableLabel;
-
-    TransferQueue m_queue;
-    QString m_transferSpeedLabel;
-    QString m_remainingLabel;
-    bool m_isTransferring = false;
-    bool m_transferTaskRunning = false;
-
-    int m_runningCopies = 0;
-    bool m_isFillingSlots = false;
-    /// Where the running copies write, so that two never write to one place.
-    QSet<QString> m_destinationsInUse;
-    QHash<QUuid, DestinationCheck> m_destinationChecks;
-    std::optional<QCoro::Task<>> m_runningDestinationCheck;
-    ReceivingPane m_receivingAndroid;
-    ReceivingPane m_receivingMac;
-
     const QList<StorageShortcut> m_shortcuts;
+    PaneState m_androidPane;
+    PaneState m_macPane;
+    DeviceSearch m_search{m_androidPane};
+    TransferRunner m_transfers{*this};
 
-    /// The last filtered listing: several texts of one render are made from it.
-    struct FilteredItems {
-        QList<FileItem> source;
-        QString query;
-        QList<FileItem> matches;
-    };
-    mutable FilteredItems m_filtered;
-
-    /// A listing is applied only while it is the newest one asked for: the path may be the same, the phone
-    /// not.
-    quint64 m_androidBrowseToken = 0;
-    quint64 m_macBrowseToken = 0;
-    /// The newest search; an outcome that carries an older token is dropped.
-    quint64 m_androidSearchToken = 0;
-    SearchRequest m_androidSearchRequest;
-    QTimer m_androidSearchDebounce;
+    quint64 m_refreshToken = 0; ///< of the newest refresh; what an older one learns is dropped
+    bool m_isAskingForDevice = false;
+    Q_OBJECT_BINDABLE_PROPERTY(AppState, AndroidDevice, m_device, &AppState::deviceChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(AppState, std::optional<QString>, m_deviceStatusMessage,
+                               &AppState::deviceStatusMessageChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, m_isRefreshingDevice, false,
+                                         &AppState::isRefreshingDeviceChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, m_isOpeningAndroidFile, false,
+                                         &AppState::isOpeningAndroidFileChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(AppState, std::optional<QUuid>, m_selectedShortcutID,
+                               &AppState::selectedShortcutIDChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(AppState, QStringList, m_androidPathSegments,
+                               &AppState::androidPathSegmentsChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, qint64, m_androidSearchFocusToken, 0,
+                                         &AppState::androidSearchFocusTokenChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, BrowserSide, m_focusedBrowserSide, BrowserSide::android,
+                                         &AppState::focusedBrowserSideChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(AppState, QString, m_macAvailableLabel, &AppState::macAvailableLabelChanged)
 };
 
 } // namespace vantrel

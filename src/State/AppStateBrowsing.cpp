@@ -5,7 +5,6 @@
 #include "MacFiles/Desktop.h"
 #include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
-#include "State/AppStateAssign.h"
 #include "State/FilePreview.h"
 #include "Worker/Worker.h"
 
@@ -14,52 +13,58 @@
 namespace vantrel {
 
 QCoro::Task<> AppState::refreshDevice(Spinner spinner) {
-    if (spinner == Spinner::shown) {
-        if (m_isRefreshingDevice)
-            co_return;
-        assign(m_isRefreshingDevice, true, &AppState::isRefreshingDeviceChanged);
+    const bool isShown = spinner == Spinner::shown;
+    if (isShown ? isRefreshingDevice() : m_isAskingForDevice)
+        co_return;
+    if (isShown)
+        m_isRefreshingDevice = true;
+    const quint64 token = ++m_refreshToken;
+    m_isAskingForDevice = true;
+    const auto found = co_await Background::run(this, &ADBClient::fetchPrimaryDevice);
+    if (token == m_refreshToken) {
+        m_isAskingForDevice = false;
+        if (found)
+            co_await showPhone(*found);
+        else
+            showNoPhone(found.error().errorDescription());
     }
-    const AndroidDevice known = m_device;
-    const auto found = co_await onWorker(this, &ADBClient::fetchPrimaryDevice);
-    if (found) {
-        assign(m_device, *found, &AppState::deviceChanged);
-        assign(m_deviceStatusMessage, std::nullopt, &AppState::deviceStatusMessageChanged);
-        // Another phone in the old one's place is new, too: its folders are not those that the pane shows.
-        if (!known.isConnected || known.id != found->id) {
-            const auto shortcut =
-                std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [this](const StorageShortcut &entry) {
-                    return entry.id == m_selectedShortcutID;
-                });
-            const QString folder = shortcut != m_shortcuts.end() ? shortcut->path : QStringLiteral("/sdcard");
-            co_await browseAndroid(folder);
+    if (isShown)
+        m_isRefreshingDevice = false;
+}
+
+QCoro::Task<> AppState::showPhone(AndroidDevice found) {
+    // Another phone in the old one's place is new, too: its folders are not those that the pane shows.
+    const bool isNew = connectedSerial() != found.id;
+    std::optional<QString> message;
+    if (found.totalBytes < 1) {
+        message = QStringLiteral("Its storage use could not be read. Copying still works.");
+        if (!isNew) {
+            found.usedBytes = device().usedBytes;
+            found.totalBytes = device().totalBytes;
         }
-    } else {
-        assign(m_device, AndroidDevice(), &AppState::deviceChanged);
-        assign(m_deviceStatusMessage, found.error().errorDescription(),
-               &AppState::deviceStatusMessageChanged);
-        // A listing that is still under way belongs to the phone that is gone.
-        ++m_androidBrowseToken;
-        assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
-        assign(m_androidItems, {}, &AppState::androidItemsChanged);
-        assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
     }
-    if (spinner == Spinner::shown)
-        assign(m_isRefreshingDevice, false, &AppState::isRefreshingDeviceChanged);
+    m_device = found;
+    m_deviceStatusMessage = message;
+    if (!isNew)
+        co_return;
+    const auto shortcut = std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [this](const auto &entry) {
+        return entry.id == selectedShortcutID();
+    });
+    const QString folder = shortcut != m_shortcuts.end() ? shortcut->path : QStringLiteral("/sdcard");
+    co_await browseAndroid(folder);
+}
+
+void AppState::showNoPhone(const QString &reason) {
+    m_device = AndroidDevice();
+    m_deviceStatusMessage = reason;
+    m_androidPane.empty(); // with the listing that is still under way: it is of the phone that is gone
 }
 
 QCoro::Task<> AppState::browseAndroid(QString path) {
     const QString folder = ADBClient::normalizePath(path);
-    const quint64 token = ++m_androidBrowseToken;
-    assign(m_androidCurrentPath, folder, &AppState::androidCurrentPathChanged);
-    assign(m_androidPathSegments, AndroidPath::segments(folder), &AppState::androidPathSegmentsChanged);
-
-    cancelAndroidSearch();
-    assign(m_androidSelectedIDs, {}, &AppState::androidSelectedIDsChanged);
-    assign(m_androidSearchText, {}, &AppState::androidSearchTextChanged);
-    assign(m_androidSearchResults, {}, &AppState::androidSearchResultsChanged);
-    assign(m_isSearchingAndroid, false, &AppState::isSearchingAndroidChanged);
-    assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
-
+    const quint64 token = m_androidPane.open(folder);
+    m_androidPathSegments = AndroidPath::segments(folder);
+    m_search.clear();
     for (const StorageShortcut &shortcut : m_shortcuts) {
         if (ADBClient::normalizePath(shortcut.path) == folder) {
             setSelectedShortcutID(shortcut.id);
@@ -67,82 +72,75 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
         }
     }
 
-    if (!m_device.isConnected) {
-        assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
-        assign(m_androidItems, {}, &AppState::androidItemsChanged);
-        assign(m_androidBrowseError, QStringLiteral("Connect an Android device to browse storage."),
-               &AppState::androidBrowseErrorChanged);
+    const auto serial = connectedSerial();
+    if (!serial) {
+        m_androidPane.empty(QStringLiteral("Connect an Android device to browse storage."));
         co_return;
     }
 
-    assign(m_isLoadingAndroid, true, &AppState::isLoadingAndroidChanged);
-    auto listing = co_await onWorker(this, &ADBClient::listDirectory, m_device.id, folder);
-    if (token != m_androidBrowseToken)
+    m_androidPane.setLoading(true);
+    auto listing = co_await Background::run(this, &ADBClient::listDirectory, *serial, folder);
+    if (!m_androidPane.isNewest(token))
         co_return;
     if (!listing)
-        assign(m_androidBrowseError, listing.error().errorDescription(),
-               &AppState::androidBrowseErrorChanged);
-    assign(m_androidItems, std::move(listing).value_or(QList<FileItem>()), &AppState::androidItemsChanged);
-    assign(m_isLoadingAndroid, false, &AppState::isLoadingAndroidChanged);
+        m_androidPane.setBrowseError(listing.error().errorDescription());
+    m_androidPane.setItems(std::move(listing).value_or(QList<FileItem>()));
+    m_androidPane.setLoading(false);
 }
 
 QCoro::Task<> AppState::browseMac(QString path) {
     const QString folder = MacFileClient::standardizedPath(path);
-    const quint64 token = ++m_macBrowseToken;
-    assign(m_macPath, folder, &AppState::macPathChanged);
-    assign(m_macSelectedIDs, {}, &AppState::macSelectedIDsChanged);
-    assign(m_macBrowseError, std::nullopt, &AppState::macBrowseErrorChanged);
-    assign(m_isLoadingMac, true, &AppState::isLoadingMacChanged);
+    const quint64 token = m_macPane.open(folder);
+    m_macPane.setLoading(true);
 
-    auto listing = co_await onWorker(this, &MacFileClient::listDirectory, folder);
+    auto listing = co_await Background::run(this, &MacFileClient::listDirectory, folder);
     std::optional<qint64> available;
-    if (listing && token == m_macBrowseToken)
-        available = co_await onWorker(this, &MacFileClient::availableBytes, folder);
-    if (token != m_macBrowseToken)
+    if (listing && m_macPane.isNewest(token))
+        available = co_await Background::run(this, &MacFileClient::availableBytes, folder);
+    if (!m_macPane.isNewest(token))
         co_return;
     if (!listing)
-        assign(m_macBrowseError, listing.error().errorDescription(), &AppState::macBrowseErrorChanged);
-    assign(m_macItems, std::move(listing).value_or(QList<FileItem>()), &AppState::macItemsChanged);
-    assign(m_macAvailableLabel,
-           available ? formatFileSize(*available) + QStringLiteral(" available") : unknownLabel(),
-           &AppState::macAvailableLabelChanged);
-    assign(m_isLoadingMac, false, &AppState::isLoadingMacChanged);
+        m_macPane.setBrowseError(listing.error().errorDescription());
+    m_macPane.setItems(std::move(listing).value_or(QList<FileItem>()));
+    m_macAvailableLabel =
+        available ? QString(formatFileSize(*available) + QStringLiteral(" available")) : unknownLabel();
+    m_macPane.setLoading(false);
 }
 
 QCoro::Task<> AppState::openAndroidFile(FileItem item) {
     if (item.isDirectory)
         co_return;
-    if (!m_device.isConnected) {
-        assign(m_androidBrowseError, QStringLiteral("Connect an Android device to open files."),
-               &AppState::androidBrowseErrorChanged);
+    const auto serial = connectedSerial();
+    if (!serial) {
+        m_androidPane.setBrowseError(QStringLiteral("Connect an Android device to open files."));
         co_return;
     }
     if (m_isOpeningAndroidFile)
         co_return;
-    assign(m_isOpeningAndroidFile, true, &AppState::isOpeningAndroidFileChanged);
-    assign(m_androidBrowseError, std::nullopt, &AppState::androidBrowseErrorChanged);
+    m_isOpeningAndroidFile = true;
+    m_androidPane.setBrowseError(std::nullopt);
 
-    const auto local = co_await onWorker(this, &FilePreview::fetch, m_device.id, item.path, item.name);
+    const auto local = co_await Background::run(this, &FilePreview::fetch, *serial, item.path, item.name);
     if (local)
         MacFileClient::open(m_desktop, *local);
     else
-        assign(m_androidBrowseError, local.error(), &AppState::androidBrowseErrorChanged);
-    assign(m_isOpeningAndroidFile, false, &AppState::isOpeningAndroidFileChanged);
+        m_androidPane.setBrowseError(local.error());
+    m_isOpeningAndroidFile = false;
 }
 
 QCoro::Task<> AppState::createMacFolder() {
     const Desktop::TextQuestion question{
         QStringLiteral("New Folder"), QStringLiteral("Enter a name for the new folder:"),
         QStringLiteral("Create"), QStringLiteral("Cancel"), QStringLiteral("New Folder")};
-    const auto answer = co_await onAnswer(this, m_desktop.askForText(question));
+    const auto answer = co_await Background::answer(this, m_desktop.askForText(question));
     const QString name = answer.value_or(QString()).trimmed();
     if (name.isEmpty())
         co_return;
-    const auto created = co_await onWorker(this, &MacFileClient::createFolder, name, m_macPath);
+    const auto created = co_await Background::run(this, &MacFileClient::createFolder, name, m_macPane.path());
     if (created)
-        co_await browseMac(m_macPath);
+        co_await browseMac(m_macPane.path());
     else
-        assign(m_macBrowseError, created.error(), &AppState::macBrowseErrorChanged);
+        m_macPane.setBrowseError(created.error());
 }
 
 } // namespace vantrel

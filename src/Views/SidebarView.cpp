@@ -264,7 +264,7 @@ void SidebarView::render() {
     m_status->setColor(statusColor);
     m_refresh->setEnabled(!refreshing);
 
-    const QString message = connected ? QString() : m_state->deviceStatusMessage().value_or(QString());
+    const QString message = m_state->deviceStatusMessage().value_or(QString());
     m_message->setText(message);
     m_message->setVisible(!message.isEmpty());
 

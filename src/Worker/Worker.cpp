@@ -1,48 +1,13 @@
 #include "Worker/Worker.h"
 
-#include <deque>
 #include <mutex>
 
 namespace vantrel::Background {
 
-namespace {
-
-/// Work on its way to another thread, first in, first out. The toolkit carries a mere wake-up: what passes
-/// through this lock is seen by ThreadSanitizer, which the toolkit's libraries are not built for.
-class Queue {
-public:
-    void put(Work work) {
-        const std::scoped_lock lock(m_mutex);
-        m_works.push_back(std::move(work));
-    }
-
-    /// There is a put() for every call.
-    void runNext() {
-        std::unique_lock lock(m_mutex);
-        const Work work = std::move(m_works.front());
-        m_works.pop_front();
-        lock.unlock();
-        work();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::deque<Work> m_works;
-};
-
-struct MainThread : QObject {
-    Queue queue;
-
-protected:
-    void customEvent(QEvent * /*wakeUp*/) override { queue.runNext(); }
-};
-
-MainThread &mainThread() {
-    static MainThread thread;
-    return thread;
+void handOver() {
+    static std::mutex mutex;
+    const std::scoped_lock lock(mutex);
 }
-
-} // namespace
 
 QThreadPool &workers() {
     static QThreadPool pool;
@@ -55,21 +20,10 @@ QThreadPool &workers() {
     return pool;
 }
 
-void onWorker(Work work) {
-    static Queue queue;
-    static_cast<void>(mainThread()); // made on its thread, before another posts to it
-    queue.put(std::move(work));
-    workers().start([] { queue.runNext(); });
-}
-
-void onMainThread(Work work) {
-    mainThread().queue.put(std::move(work));
-    QCoreApplication::postEvent(&mainThread(), new QEvent(QEvent::User)); // which deletes it
-}
-
 void finish() {
     workers().waitForDone();
-    QCoreApplication::sendPostedEvents(&mainThread());
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void stop(void (*interrupt)()) {

@@ -1,12 +1,10 @@
-#include "State/AppState.h"
+#include "Transfers/TransferRunner.h"
 
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
 #include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
-#include "Records/Identity.h"
 #include "Records/TransferFormat.h"
-#include "State/AppStateAssign.h"
 #include "Worker/Worker.h"
 
 #include <QDir>
@@ -86,66 +84,44 @@ QString destinationKey(const QueueItem &item) {
 
 } // namespace
 
-double AppState::CopyClock::bytesPerSecond(qint64 bytes) const {
+double TransferRunner::CopyClock::bytesPerSecond(qint64 bytes) const {
     constexpr double shortest = 0.001;
     const double seconds = std::max(static_cast<double>(start.nsecsElapsed()) / 1e9, shortest);
     return static_cast<double>(bytes) / seconds;
 }
 
-QString AppState::formatDuration(double seconds) {
-    return vantrel::formatDuration(seconds);
-}
-
-void AppState::transferAndroidToMac() {
-    enqueue(displayedAndroidItems(), TransferDirection::androidToMac);
-}
-
-void AppState::transferMacToAndroid() {
-    enqueue(m_macItems, TransferDirection::macToAndroid);
-}
-
-void AppState::enqueue(const QList<FileItem> &sources, TransferDirection direction) {
-    if (!m_device.isConnected) {
-        assign(m_deviceStatusMessage, QStringLiteral("Connect an Android device to transfer."),
-               &AppState::deviceStatusMessageChanged);
-        return;
+TransferRunner::TransferRunner(TransferHost &host) : m_host(host) {
+    forgetSpeed();
+    for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac}) {
+        QTimer &timer = receivingPane(side).listLater;
+        timer.setSingleShot(true);
+        connect(&timer, &QTimer::timeout, this, [this, side] { browseAgain(side); });
     }
-    const bool isPull = direction == TransferDirection::androidToMac;
-    const BrowserSide side = isPull ? BrowserSide::android : BrowserSide::mac;
-    const QString &folder = isPull ? m_macPath : m_androidCurrentPath;
-    QList<QueueItem> entries;
-    for (const FileItem &source : sources) {
-        if (selectedIDs(side).contains(source.id))
-            entries.append({newIdentity(),
-                            source.name,
-                            source.isDirectory,
-                            source.path,
-                            AndroidPath::join(folder, source.name),
-                            direction,
-                            {},
-                            source.sizeBytes.value_or(0)});
-    }
-    if (entries.isEmpty())
-        return;
-    assign(m_transferSpeedLabel, unknownLabel(), &AppState::transferSpeedLabelChanged);
-    assign(m_remainingLabel, unknownLabel(), &AppState::remainingLabelChanged);
+}
+
+void TransferRunner::enqueue(const QList<QueueItem> &entries) {
+    forgetSpeed();
     m_queue.insertFront(entries);
     Q_EMIT queueChanged();
-    clearSelection(side);
-    processTransferQueue();
+    if (m_isTransferring)
+        return;
+    m_isTransferring = true;
+    fillSlots();
 }
 
-void AppState::processTransferQueue() {
-    if (m_transferTaskRunning)
-        return;
-    m_transferTaskRunning = true;
-    assign(m_isTransferring, true, &AppState::isTransferringChanged);
-    fillSlots();
+void TransferRunner::remove(const QUuid &id) {
+    if (m_queue.remove(id))
+        Q_EMIT queueChanged();
+}
+
+void TransferRunner::clear() {
+    if (m_queue.clear())
+        Q_EMIT queueChanged();
 }
 
 /// Starts copies until all slots are taken or nothing waits, and ends the run when nothing is left: both in
 /// one step on the main thread, so that nothing that is queued meanwhile is left waiting.
-void AppState::fillSlots() {
+void TransferRunner::fillSlots() {
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
@@ -161,26 +137,24 @@ void AppState::fillSlots() {
     if (m_runningCopies > 0)
         return;
 
-    m_transferTaskRunning = false;
     m_destinationChecks.clear();
-    assign(m_isTransferring, false, &AppState::isTransferringChanged);
-    assign(m_transferSpeedLabel, unknownLabel(), &AppState::transferSpeedLabelChanged);
-    assign(m_remainingLabel, unknownLabel(), &AppState::remainingLabelChanged);
+    forgetSpeed();
+    m_isTransferring = false; // whoever is told may queue more
 }
 
-QCoro::Task<> AppState::runSlot(QUuid id) {
+QCoro::Task<> TransferRunner::runSlot(QUuid id) {
     co_await runSingleTransfer(id);
     // The last copy to end does the listing that was put off; it must not surprise the user a second later.
     const bool isLast = m_runningCopies == 1 && m_queue.waitingCount() == 0;
-    if (isLast && m_receivingAndroid.listLater.isActive())
+    if (isLast && receivingPane(BrowserSide::android).listLater.isActive())
         co_await browseAgain(BrowserSide::android);
-    if (isLast && m_receivingMac.listLater.isActive())
+    if (isLast && receivingPane(BrowserSide::mac).listLater.isActive())
         co_await browseAgain(BrowserSide::mac);
     --m_runningCopies;
     fillSlots();
 }
 
-QCoro::Task<> AppState::runSingleTransfer(QUuid id) {
+QCoro::Task<> TransferRunner::runSingleTransfer(QUuid id) {
     const QueueItem *entry = m_queue.find(id);
     if (!entry)
         co_return;
@@ -191,7 +165,7 @@ QCoro::Task<> AppState::runSingleTransfer(QUuid id) {
     clock.start.start();
 
     std::optional<QString> failure;
-    if (!m_device.isConnected)
+    if (!m_host.connectedSerial())
         failure = ADBError::noDevice().errorDescription();
     else if (!AndroidPath::isSafeName(item.name))
         failure = QStringLiteral("This name can’t be used on the other side.");
@@ -202,15 +176,16 @@ QCoro::Task<> AppState::runSingleTransfer(QUuid id) {
         if (item.direction == TransferDirection::macToAndroid)
             failure = co_await refusalOfPush(item);
         if (!failure) {
-            const CopyJob job{m_device.id, item, clock.expectedBytes};
-            const ADBClient::TransferProgress onProgress =
-                [model = QPointer<AppState>(this), id, clock](double fraction, qint64 done, qint64 total) {
-                    Background::onMainThread([model, id, clock, fraction, done, total] {
-                        if (model)
-                            model->applyProgress(id, clock, fraction, done, total);
-                    });
-                };
-            const auto copied = co_await onWorker(this, &runCopy, job, onProgress);
+            const CopyJob job{m_host.connectedSerial().value_or(QString()), item, clock.expectedBytes};
+            const ADBClient::TransferProgress onProgress = [runner = QPointer<TransferRunner>(this), id,
+                                                            clock](double fraction, qint64 done,
+                                                                   qint64 total) {
+                Background::post([runner, id, clock, fraction, done, total] {
+                    if (runner)
+                        runner->applyProgress(id, clock, fraction, done, total);
+                });
+            };
+            const auto copied = co_await Background::run(this, &runCopy, job, onProgress);
             if (!copied)
                 failure = copied.error().errorDescription();
         }
@@ -220,13 +195,13 @@ QCoro::Task<> AppState::runSingleTransfer(QUuid id) {
 
     if (failure) {
         const QueueItemStatus::Failed failed{*failure};
-        updateQueueStatus(id, failed);
+        updateStatus(id, failed);
         co_return;
     }
     if (clock.expectedBytes >= 1)
-        setTransferSpeed(clock.bytesPerSecond(clock.expectedBytes));
-    assign(m_remainingLabel, QStringLiteral("00:00:00"), &AppState::remainingLabelChanged);
-    updateQueueStatus(id, QueueItemStatus::Completed());
+        showSpeed(clock.bytesPerSecond(clock.expectedBytes));
+    m_remainingLabel = QStringLiteral("00:00:00");
+    updateStatus(id, QueueItemStatus::Completed());
     co_await refreshReceivingPane(item.direction == TransferDirection::androidToMac ? BrowserSide::mac
                                                                                     : BrowserSide::android);
 }
@@ -235,7 +210,7 @@ QCoro::Task<> AppState::runSingleTransfer(QUuid id) {
 /// longer than copying a photo into it; after each of 20,000 photos it would make the whole job several times
 /// as long. So while other copies are under way a pane is listed once a second, and the copies of that second
 /// share the listing.
-QCoro::Task<> AppState::refreshReceivingPane(BrowserSide side) {
+QCoro::Task<> TransferRunner::refreshReceivingPane(BrowserSide side) {
     constexpr int pauseMilliseconds = 1000;
     ReceivingPane &pane = receivingPane(side);
     const bool othersAreUnderWay = m_runningCopies > 1 || m_queue.waitingCount() > 0;
@@ -247,31 +222,25 @@ QCoro::Task<> AppState::refreshReceivingPane(BrowserSide side) {
         pane.listLater.start(pauseMilliseconds);
 }
 
-QCoro::Task<> AppState::browseAgain(BrowserSide side) {
+QCoro::Task<> TransferRunner::browseAgain(BrowserSide side) {
     ReceivingPane &pane = receivingPane(side);
     pane.listLater.stop();
     pane.isBeingListed = true;
-    if (side == BrowserSide::mac)
-        co_await browseMac(m_macPath);
-    else
-        co_await browseAndroid(m_androidCurrentPath);
+    co_await m_host.listAgain(side);
     pane.isBeingListed = false;
     pane.sinceListed.start();
-}
-
-AppState::ReceivingPane &AppState::receivingPane(BrowserSide side) {
-    return side == BrowserSide::mac ? m_receivingMac : m_receivingAndroid;
 }
 
 /// Why a push must not start: something stands at its destination, or the phone did not say. The phone is
 /// asked for many waiting pushes at once, since every question is a run of adb, and ahead of time, so that
 /// short copies need not wait for it.
-QCoro::Task<std::optional<QString>> AppState::refusalOfPush(QueueItem item) {
+QCoro::Task<std::optional<QString>> TransferRunner::refusalOfPush(QueueItem item) {
     while (!hasFreshCheck(item.id)) {
-        if (!m_device.isConnected) // gone while it was asked
+        const auto serial = m_host.connectedSerial();
+        if (!serial) // gone while it was asked
             co_return ADBError::noDevice().errorDescription();
         if (!m_runningDestinationCheck)
-            m_runningDestinationCheck = checkDestinations(pushesToAskFor(item));
+            m_runningDestinationCheck = checkDestinations(*serial, pushesToAskFor(item));
         co_await *m_runningDestinationCheck;
     }
     askAhead();
@@ -281,17 +250,18 @@ QCoro::Task<std::optional<QString>> AppState::refusalOfPush(QueueItem item) {
     co_return check.error;
 }
 
-bool AppState::hasFreshCheck(const QUuid &id) const {
+bool TransferRunner::hasFreshCheck(const QUuid &id) const {
     constexpr qint64 freshMilliseconds = 2000; // something else may write to the phone
     const auto check = m_destinationChecks.constFind(id);
-    return check != m_destinationChecks.constEnd() && check->serial == m_device.id &&
+    return check != m_destinationChecks.constEnd() && check->serial == m_host.connectedSerial() &&
            check->age.elapsed() <= freshMilliseconds;
 }
 
 /// Asks for the next pushes when the answers for the nearest are about to run out.
-void AppState::askAhead() {
+void TransferRunner::askAhead() {
     constexpr auto nearest = static_cast<qsizetype>(4) * concurrentCopies;
-    if (m_runningDestinationCheck)
+    const auto serial = m_host.connectedSerial();
+    if (!serial || m_runningDestinationCheck)
         return;
     const QList<QueueItem> next = m_queue.nextWaiting(nearest);
     if (next.isEmpty() || next.last().direction != TransferDirection::macToAndroid ||
@@ -299,11 +269,11 @@ void AppState::askAhead() {
         return;
     const QList<QueueItem> items = pushesToAskFor(std::nullopt);
     if (!items.isEmpty())
-        m_runningDestinationCheck = checkDestinations(items);
+        m_runningDestinationCheck = checkDestinations(*serial, items);
 }
 
 /// `first`, then the waiting pushes that are next and have no answer, as many as one question holds.
-QList<QueueItem> AppState::pushesToAskFor(const std::optional<QueueItem> &first) const {
+QList<QueueItem> TransferRunner::pushesToAskFor(const std::optional<QueueItem> &first) const {
     constexpr qsizetype pathsPerQuestion = 40;
     QList<QueueItem> items;
     QSet<QString> keys = m_destinationsInUse;
@@ -323,13 +293,12 @@ QList<QueueItem> AppState::pushesToAskFor(const std::optional<QueueItem> &first)
     return items;
 }
 
-QCoro::Task<> AppState::checkDestinations(QList<QueueItem> items) {
-    const QString serial = m_device.id;
+QCoro::Task<> TransferRunner::checkDestinations(QString serial, QList<QueueItem> items) {
     QStringList paths;
     for (const QueueItem &item : items)
         paths.append(item.destinationPath);
 
-    const auto existing = co_await onWorker(this, &ADBClient::existingPaths, serial, paths);
+    const auto existing = co_await Background::run(this, &ADBClient::existingPaths, serial, paths);
     for (const QueueItem &item : items) {
         DestinationCheck check;
         check.serial = serial;
@@ -342,39 +311,33 @@ QCoro::Task<> AppState::checkDestinations(QList<QueueItem> items) {
     m_runningDestinationCheck.reset();
 }
 
-void AppState::applyProgress(const QUuid &id, const CopyClock &clock, double fraction, qint64 transferred,
-                             qint64 total) {
+void TransferRunner::applyProgress(const QUuid &id, const CopyClock &clock, double fraction,
+                                   qint64 transferred, qint64 total) {
     const qint64 effective = std::max(total, clock.expectedBytes);
     QueueItemStatus::Transferring progress;
     progress.fraction = fraction;
     progress.transferredBytes = transferred;
     progress.totalBytes = effective;
-    updateQueueStatus(id, progress);
+    updateStatus(id, progress);
     if (transferred < 1)
         return;
     const double speed = clock.bytesPerSecond(transferred);
-    setTransferSpeed(speed);
+    showSpeed(speed);
     if (transferred < effective && speed > 0)
-        assign(m_remainingLabel, formatDuration(static_cast<double>(effective - transferred) / speed),
-               &AppState::remainingLabelChanged);
+        m_remainingLabel = formatDuration(static_cast<double>(effective - transferred) / speed);
 }
 
-void AppState::setTransferSpeed(double bytesPerSecond) {
-    assign(m_transferSpeedLabel, formatTransferRate(bytesPerSecond), &AppState::transferSpeedLabelChanged);
+void TransferRunner::showSpeed(double bytesPerSecond) {
+    m_speedLabel = formatTransferRate(bytesPerSecond);
 }
 
-void AppState::updateQueueStatus(const QUuid &id, const QueueItemStatus &status) {
+void TransferRunner::forgetSpeed() {
+    m_speedLabel = unknownLabel();
+    m_remainingLabel = unknownLabel();
+}
+
+void TransferRunner::updateStatus(const QUuid &id, const QueueItemStatus &status) {
     if (m_queue.setStatus(id, status) >= 0)
-        Q_EMIT queueChanged();
-}
-
-void AppState::removeQueueItem(const QUuid &id) {
-    if (m_queue.remove(id))
-        Q_EMIT queueChanged();
-}
-
-void AppState::clearQueue() {
-    if (m_queue.clear())
         Q_EMIT queueChanged();
 }
 

@@ -1,0 +1,63 @@
+#include "State/AppState.h"
+
+#include "Records/FileSizeFormat.h"
+#include "Records/TextLength.h"
+
+namespace vantrel {
+
+namespace {
+
+QString plural(qsizetype count, const QString &noun) {
+    return QString::number(count) % QLatin1Char(' ') % noun % (count == 1 ? QString() : QStringLiteral("s"));
+}
+
+} // namespace
+
+QString AppState::macSelectionSummary() const {
+    if (macSelectedIDs().isEmpty())
+        return QStringLiteral("Nothing selected");
+    return QString::number(macSelectedIDs().size()) + QStringLiteral(" selected");
+}
+
+QString AppState::androidSelectionSummary() const {
+    if (androidSelectedIDs().isEmpty())
+        return QStringLiteral("Nothing selected");
+    qsizetype files = 0;
+    qsizetype folders = 0;
+    for (const FileItem &item : displayedAndroidItems()) {
+        if (androidSelectedIDs().contains(item.id))
+            ++(item.isDirectory ? folders : files);
+    }
+    if (folders > 0 && files == 0)
+        return plural(folders, QStringLiteral("folder")) + QStringLiteral(" selected");
+    if (files > 0 && folders == 0)
+        return plural(files, QStringLiteral("file")) + QStringLiteral(" selected");
+    return QString::number(androidSelectedIDs().size()) + QStringLiteral(" items selected");
+}
+
+QString AppState::androidFooterStats() const {
+    const QString query = m_search.query();
+    if (m_search.isEverywhereActive()) {
+        if (characterCount(query) < DeviceSearch::shortestQuery)
+            return QStringLiteral("Type at least 2 characters");
+        const qsizetype hits = androidSearchResults().size();
+        const QString quoted = QStringLiteral(" for “") % query % QStringLiteral("”");
+        if (hits < DeviceSearch::resultLimit)
+            return plural(hits, QStringLiteral("result")) + quoted;
+        return QStringLiteral("Showing first ") % QString::number(hits) % QStringLiteral(" results") % quoted;
+    }
+
+    const QList<FileItem> &shown = displayedAndroidItems();
+    qint64 bytes = 0;
+    for (const FileItem &item : shown) {
+        // Sizes come from the phone: their sum may not fit.
+        if (__builtin_add_overflow(bytes, item.sizeBytes.value_or(0), &bytes))
+            bytes = std::numeric_limits<qint64>::max();
+    }
+    const QString counted =
+        query.isEmpty() ? QString() : QString::number(shown.size()) + QStringLiteral(" of ");
+    return counted % QString::number(androidItems().size()) % QStringLiteral(" items • ") %
+           formatFileSize(bytes);
+}
+
+} // namespace vantrel

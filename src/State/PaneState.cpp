@@ -1,0 +1,132 @@
+#include "State/PaneState.h"
+
+#include <algorithm>
+
+namespace vantrel {
+
+PaneState::PaneState(BrowserSide side, const QString &path) : m_side(side), m_path(path) {}
+
+void PaneState::toggleSelection(const FileItem &item) {
+    if (!m_selectedIDs.remove(item.id))
+        m_selectedIDs.insert(item.id);
+    Q_EMIT selectedIDsChanged();
+}
+
+void PaneState::selectItem(const FileItem &item) {
+    if (m_selectedIDs.contains(item.id))
+        return;
+    m_selectedIDs.insert(item.id);
+    Q_EMIT selectedIDsChanged();
+}
+
+void PaneState::selectAllVisible() {
+    if (m_visibleItems.isEmpty())
+        return;
+    m_selectedIDs.reserve(m_selectedIDs.size() + m_visibleItems.size());
+    for (const FileItem &item : std::as_const(m_visibleItems))
+        m_selectedIDs.insert(item.id);
+    Q_EMIT selectedIDsChanged();
+}
+
+void PaneState::toggleSelectAllVisible() {
+    if (selectAllState() != PaneSelectAllState::all) {
+        selectAllVisible();
+        return;
+    }
+    for (const FileItem &item : std::as_const(m_visibleItems))
+        m_selectedIDs.remove(item.id);
+    Q_EMIT selectedIDsChanged();
+}
+
+void PaneState::clearSelection() {
+    if (m_selectedIDs.isEmpty())
+        return;
+    m_selectedIDs.clear();
+    Q_EMIT selectedIDsChanged();
+}
+
+PaneSelectAllState PaneState::selectAllState() const {
+    const auto selected = std::count_if(m_visibleItems.begin(), m_visibleItems.end(),
+                                        [this](const auto &item) { return m_selectedIDs.contains(item.id); });
+    if (selected == 0)
+        return PaneSelectAllState::none;
+    return selected == m_visibleItems.size() ? PaneSelectAllState::all : PaneSelectAllState::partial;
+}
+
+quint64 PaneState::open(const QString &path) {
+    m_path = path;
+    clearSelection();
+    m_browseError = std::nullopt;
+    return ++m_token;
+}
+
+void PaneState::setItems(const QList<FileItem> &items) {
+    if (items == m_items)
+        return;
+    m_items = items;
+    updateVisibleItems();
+    Q_EMIT itemsChanged();
+}
+
+void PaneState::empty(const std::optional<QString> &error) {
+    ++m_token;
+    m_isLoading = false;
+    setItems({});
+    m_browseError = error;
+}
+
+void PaneState::setFilter(const QString &text) {
+    if (text == m_filter)
+        return;
+    m_filter = text;
+    updateVisibleItems();
+}
+
+void PaneState::setHits(const std::optional<QList<FileItem>> &hits) {
+    if (hits == m_hits)
+        return;
+    m_hits = hits;
+    updateVisibleItems();
+}
+
+void PaneState::updateVisibleItems() {
+    const QList<FileItem> visible = m_hits ? *m_hits : filteredItems();
+    const bool hasChanged = !visible.isSharedWith(m_visibleItems);
+    m_visibleItems = visible;
+    const bool lostGhosts = dropGhosts(); // before anybody is told of what is shown
+    if (hasChanged)
+        Q_EMIT visibleItemsChanged();
+    if (lostGhosts)
+        Q_EMIT selectedIDsChanged();
+}
+
+QList<FileItem> PaneState::filteredItems() const {
+    if (m_filter.isEmpty())
+        return m_items;
+    QList<FileItem> matches;
+    std::copy_if(m_items.begin(), m_items.end(), std::back_inserter(matches),
+                 [this](const auto &item) { return item.name.contains(m_filter, Qt::CaseInsensitive); });
+    return matches;
+}
+
+/// Takes out of the selection what neither the folder nor the hits hold any more. Returns whether there was
+/// any.
+bool PaneState::dropGhosts() {
+    if (m_selectedIDs.isEmpty())
+        return false;
+    QSet<QUuid> present;
+    const auto keep = [&](const QList<FileItem> &items) {
+        for (const FileItem &item : items) {
+            if (m_selectedIDs.contains(item.id))
+                present.insert(item.id);
+        }
+    };
+    keep(m_items);
+    keep(m_visibleItems);
+    if (present.size() == m_selectedIDs.size())
+        return false;
+    m_selectedIDs = present;
+    return true;
+}
+
+} // namespace vantrel

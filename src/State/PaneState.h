@@ -1,0 +1,97 @@
+#pragma once
+
+#include "Records/FileItem.h"
+#include "Records/Pane.h"
+
+#include <QObject>
+#include <QProperty>
+#include <QSet>
+
+#include <optional>
+
+namespace vantrel {
+
+/// One file pane: the folder it shows, what it shows of it and what of that is selected.
+///
+/// Main thread only. Assigning a property the value that it holds is silent. Identities of entries that are
+/// gone leave the selection; entries that a filter hides stay selected.
+class PaneState : public QObject {
+    Q_OBJECT
+
+public:
+    PaneState(BrowserSide side, const QString &path);
+
+    [[nodiscard]] BrowserSide side() const { return m_side; }
+    /// The folder shown, in the normal form of its side.
+    [[nodiscard]] const QString &path() const { return m_path.value(); }
+    /// The folder's entries.
+    [[nodiscard]] const QList<FileItem> &items() const { return m_items; }
+    /// What the pane shows: the listing, the filtered listing, or the hits of a search. Cheap to call.
+    [[nodiscard]] const QList<FileItem> &visibleItems() const { return m_visibleItems; }
+    [[nodiscard]] const QSet<QUuid> &selectedIDs() const { return m_selectedIDs; }
+    /// Whether a listing is under way.
+    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+    /// Why the pane could not do what was asked of it last, in words for its footer.
+    [[nodiscard]] const std::optional<QString> &browseError() const { return m_browseError.value(); }
+    [[nodiscard]] PaneViewMode viewMode() const { return m_viewMode; }
+
+    // -- What the user does
+    void toggleSelection(const FileItem &item);
+    void selectItem(const FileItem &item);
+    /// Adds every visible entry to the selection.
+    void selectAllVisible();
+    /// The select-all box: takes every visible entry out when all are selected, else adds them.
+    void toggleSelectAllVisible();
+    void clearSelection();
+    [[nodiscard]] PaneSelectAllState selectAllState() const;
+    void setViewMode(PaneViewMode mode) { m_viewMode = mode; }
+
+    // -- What the model fills in
+
+    /// Names the folder, whose listing is asked for now: nothing is selected, no error stands, and a listing
+    /// that was asked for earlier will find that isNewest() is false. Returns what stands for this one.
+    quint64 open(const QString &path);
+    /// Whether no other folder was opened, and the pane not emptied, since open() returned the token. The
+    /// path may be the same, the phone not.
+    [[nodiscard]] bool isNewest(quint64 token) const { return token == m_token; }
+    void setLoading(bool isLoading) { m_isLoading = isLoading; }
+    void setItems(const QList<FileItem> &items);
+    void setBrowseError(const std::optional<QString> &error) { m_browseError = error; }
+    /// Empties the pane, because what it lists is gone, and drops the listing that is under way.
+    void empty(const std::optional<QString> &error = std::nullopt);
+
+    /// Shows only the entries whose names contain the text, in whatever case; an empty text shows all.
+    void setFilter(const QString &text);
+    /// Shows these in place of the folder's entries; nothing shows the folder again.
+    void setHits(const std::optional<QList<FileItem>> &hits);
+
+Q_SIGNALS:
+    void pathChanged();
+    void itemsChanged();
+    void visibleItemsChanged();
+    void selectedIDsChanged();
+    void isLoadingChanged();
+    void browseErrorChanged();
+    void viewModeChanged();
+
+private:
+    void updateVisibleItems();
+    bool dropGhosts();
+    [[nodiscard]] QList<FileItem> filteredItems() const;
+
+    const BrowserSide m_side;
+    QList<FileItem> m_items;
+    QList<FileItem> m_visibleItems;
+    QSet<QUuid> m_selectedIDs;
+    QString m_filter;
+    std::optional<QList<FileItem>> m_hits;
+    quint64 m_token = 0;
+    Q_OBJECT_BINDABLE_PROPERTY(PaneState, QString, m_path, &PaneState::pathChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(PaneState, bool, m_isLoading, false, &PaneState::isLoadingChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(PaneState, std::optional<QString>, m_browseError,
+                               &PaneState::browseErrorChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(PaneState, PaneViewMode, m_viewMode, PaneViewMode::list,
+                                         &PaneState::viewModeChanged)
+};
+
+} // namespace vantrel
