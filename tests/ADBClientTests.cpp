@@ -292,7 +292,7 @@ TEST(Device, theFirstPhoneThatIsReady) {
     phone.set(QStringLiteral("df.stdout"), "Filesystem 1K-blocks\n");
     phone.reset(QStringLiteral("getprop.exit"));
     EXPECT_EQ(ADBClient::fetchPrimaryDevice(),
-              (AndroidDevice{DemoPhone::serial(), QStringLiteral("Pixel 7"), true, 0, 0}));
+              (AndroidDevice{DemoPhone::serial(), QStringLiteral("Pixel 7"), true, 0, -1}));
     phone.set(QStringLiteral("getprop.exit"), "1");
     EXPECT_EQ(ADBClient::fetchPrimaryDevice().error().errorDescription(),
               QStringLiteral("Could not read device storage (df)."));

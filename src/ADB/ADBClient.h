@@ -43,8 +43,8 @@ void stopRunningTools();
 
 /// The serials of the phones that are ready, in adb's order.
 [[nodiscard]] ADBResult<QStringList> listDeviceSerials();
-/// The first phone that is ready, with its model name and storage. Its bytes are 0 when only they cannot be
-/// read; a phone that answers neither question is an error.
+/// The first phone that is ready, with its model name and storage. Its total is -1 when only its bytes
+/// cannot be read; a phone that answers neither question is an error.
 [[nodiscard]] ADBResult<AndroidDevice> fetchPrimaryDevice();
 
 /// Bytes of a volume.
