@@ -4,8 +4,7 @@
 #include "Kit/AppStyle.h"
 #include "State/AppState.h"
 #include "Views/DualBrowserView.h"
-#include "Views/FileGridView.h"
-#include "Views/FileListView.h"
+#include "Views/FileItemsView.h"
 #include "support/DemoPhone.h"
 #include "support/FakeDesktop.h"
 
@@ -63,8 +62,8 @@ public:
     }
     void expectFrame() { isPainted = false; }
 
-    FileItemsView *list() { return view.findChild<FileListView *>(); }
-    FileItemsView *grid() { return view.findChild<FileGridView *>(); }
+    FileItemsView *list() { return view.findChild<FileItemsView *>(QStringLiteral("fileList")); }
+    FileItemsView *grid() { return view.findChild<FileItemsView *>(QStringLiteral("fileGrid")); }
     FileItemsView *shown() { return model.androidViewMode() == PaneViewMode::grid ? grid() : list(); }
 
     DemoPhone phone;
