@@ -17,6 +17,8 @@
 #include <atomic>
 #include <thread>
 
+#include <sys/stat.h>
+
 namespace vantrel {
 namespace {
 
@@ -77,6 +79,9 @@ TEST_F(SettingsTest, ReadsWhatIsStored) {
                   "light\nAppleActionOnDoubleClick=\nanalyticsDisabled=1\n",
                   ColorScheme::light, "Maximize", true},
              Case{"[Other]\nappearancePreference=dark\n", ColorScheme::light, "Maximize", false},
+             Case{"# mine\n; too\n\n  appearancePreference = dark \r\nanalyticsDisabled = TRUE\n",
+                  ColorScheme::dark, "Maximize", true},
+             Case{"\xef\xbb\xbf[General]\nanalyticsDisabled=please\n", ColorScheme::light, "Maximize", true},
          }) {
         write(path, test.text);
         const Settings settings(path);
@@ -86,7 +91,7 @@ TEST_F(SettingsTest, ReadsWhatIsStored) {
     }
 }
 
-TEST_F(SettingsTest, DamagedOnesAreSetAside) {
+TEST_F(SettingsTest, DamagedOnesAreSetAsideAndMayHaveSaidNo) {
     constexpr char binary[] = "\x89PNG\0\xff\xfe[]=%%\n]]";
     const QByteArray random = QByteArray(binary, sizeof binary).repeated(200);
     for (const QByteArray &damaged : {QByteArray("[General\nappearancePreference dark\n"), random}) {
@@ -95,12 +100,53 @@ TEST_F(SettingsTest, DamagedOnesAreSetAside) {
             Settings settings(path);
             EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
             EXPECT_EQ(settings.doubleClickAction(), QStringLiteral("Maximize"));
-            EXPECT_FALSE(settings.analyticsDisabled());
-            settings.setAppearancePreference(ColorScheme::dark);
-            EXPECT_TRUE(settings.save());
+            EXPECT_TRUE(settings.analyticsDisabled());
         }
-        EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::dark);
+        {
+            Settings settings(path);
+            EXPECT_TRUE(settings.analyticsDisabled()) << "the next start has not forgotten";
+            QSignalSpy changes(&settings, &Settings::analyticsDisabledChanged);
+            settings.setAnalyticsDisabled(false);
+            settings.setAnalyticsDisabled(false);
+            EXPECT_EQ(changes.count(), 1);
+        }
+        EXPECT_FALSE(Settings(path).analyticsDisabled());
         EXPECT_TRUE(contents(path + QStringLiteral(".damaged")) == damaged);
+    }
+    // A pipe that nobody ever writes to: it is not waited for.
+    QFile::remove(path);
+    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    EXPECT_TRUE(Settings(path).analyticsDisabled());
+}
+
+TEST_F(SettingsTest, AreChangedWithoutDisturbingWhatPeopleWrote) {
+    struct Case {
+        QByteArray before, after;
+    };
+    for (const Case &test : {
+             Case{"", "analyticsDisabled=true\nappearancePreference=dark\n"},
+             Case{"# my choices\n\nappearancePreference = light\n# the end",
+                  "# my choices\n\nappearancePreference=dark\n# the end\nanalyticsDisabled=true\n"},
+             Case{"[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n\n[Last]\nk=v\n",
+                  "[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n"
+                  "analyticsDisabled=true\nappearancePreference=dark\n\n[Last]\nk=v\n"},
+             Case{"appearancePreference=a\nother=@Variant(x)\nappearancePreference=b\n",
+                  "appearancePreference=dark\nother=@Variant(x)\nappearancePreference=dark\n"
+                  "analyticsDisabled=true\n"},
+         }) {
+        write(path, test.before);
+        Settings settings(path);
+        settings.setAppearancePreference(ColorScheme::dark);
+        settings.setAnalyticsDisabled(true);
+        EXPECT_TRUE(settings.save());
+        EXPECT_EQ(contents(path).toStdString(), test.after.toStdString());
+        // Another copy of the program stores its own changes and no others.
+        Settings other(path);
+        write(path, contents(path).replace("=dark", "=light"));
+        other.setAnalyticsDisabled(false);
+        EXPECT_TRUE(other.save());
+        EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::light);
+        EXPECT_FALSE(Settings(path).analyticsDisabled());
     }
 }
 
@@ -114,7 +160,12 @@ TEST_F(SettingsTest, WorkWithoutAPlaceToStoreThem) {
         Settings settings(nowhere);
         EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
         settings.setAppearancePreference(ColorScheme::dark);
+        QSignalSpy problems(&settings, &Settings::problemChanged);
+        EXPECT_TRUE(problems.wait()) << "it is tried without being told";
         EXPECT_FALSE(settings.save()) << nowhere.toStdString();
+        EXPECT_THAT(settings.problem().toStdString(),
+                    ::testing::StartsWith("The settings could not be stored: " + nowhere.toStdString()));
+        EXPECT_EQ(problems.count(), 1) << "said once";
         EXPECT_EQ(settings.appearancePreference(), ColorScheme::dark) << "until the program ends";
     }
 }
