@@ -1,6 +1,8 @@
 #include "App/System/Settings.h"
 #include "App/System/SingleInstance.h"
+#include "App/System/UsageAnalytics.h"
 #include "support/Files.h"
+#include "support/WaitFor.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,10 +13,12 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <atomic>
+#include <map>
 #include <thread>
 
 #include <sys/stat.h>
@@ -170,6 +174,50 @@ TEST_F(SettingsTest, WorkWithoutAPlaceToStoreThem) {
     }
 }
 
+TEST(UsageAnalyticsTest, FollowsTheSettings) {
+    const QTemporaryDir home;
+    const std::pair<const char *, QByteArray> variables[] = {{"XDG_CONFIG_HOME", home.path().toUtf8()},
+                                                             {"XDG_CACHE_HOME", home.path().toUtf8()},
+                                                             {"DO_NOT_TRACK", "0"}};
+    std::map<std::string, QByteArray> before;
+    for (const auto &[name, value] : variables) {
+        before[name] = qgetenv(name);
+        qputenv(name, value);
+    }
+    Settings settings(home.filePath(QStringLiteral("settings.ini")));
+    settings.setAnalyticsDisabled(true);
+    const auto identifier = [&home]() -> QString {
+        const QStringList files = QDir(home.path()).entryList({QStringLiteral("com.telemetrydeck.*.ini")});
+        return files.isEmpty() ? QString()
+                               : PreferencesFile(home.filePath(files.constFirst()))
+                                     .value(QStringLiteral("defaultUserIdentifier"));
+    };
+    startUsageAnalytics(settings, QUrl());
+    settings.setAnalyticsDisabled(false);
+    EXPECT_FALSE(QTest::qWaitFor([&] { return !identifier().isEmpty(); }, 1000)) << "no destination";
+    settings.setAnalyticsDisabled(true);
+
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation) +
+                          QStringLiteral("/telemetrysignalcache");
+    write(cache, "[]"); // left by an earlier run
+    startUsageAnalytics(settings, QUrl(QStringLiteral("https://localhost:1/")));
+    QStringList users;
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_TRUE(settings.save());
+        EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden),
+                  QStringList(QStringLiteral("settings.ini")))
+            << "nothing is kept for those who say no";
+        EXPECT_FALSE(QFile::exists(cache));
+        settings.setAnalyticsDisabled(false);
+        EXPECT_TRUE(waitFor([&] { return !identifier().isEmpty(); }));
+        users.append(identifier());
+        settings.setAnalyticsDisabled(true);
+    }
+    EXPECT_NE(users.constFirst(), users.constLast());
+    for (const auto &[name, value] : variables)
+        qputenv(name, before[name]);
+}
+
 class SingleInstanceTest : public ::testing::Test {
 protected:
     using Role = SingleInstance::Role;
@@ -177,11 +225,11 @@ protected:
     QTemporaryDir directory{QDir::tempPath() + QStringLiteral("/v-XXXXXX")}; // sockets have short names
 
     /// A start while the event loop of the first one runs.
-    Role startAgain(const QByteArray &token = {}) {
+    Role startAgain(const QByteArray &token = {}, const QString &screen = {}) {
         std::atomic<bool> ended = false;
         Role role = Role::alone;
         std::thread second([&] {
-            role = SingleInstance(directory.path()).claim(token);
+            role = SingleInstance(directory.path(), screen).claim(token);
             ended = true;
         });
         EXPECT_TRUE(QTest::qWaitFor([&] { return ended.load(); }));
@@ -191,7 +239,7 @@ protected:
 };
 
 TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
-    auto first = std::make_unique<SingleInstance>(directory.path());
+    auto first = std::make_unique<SingleInstance>(directory.path(), QString());
     ASSERT_EQ(first->claim(), Role::first);
     QSignalSpy raised(first.get(), &SingleInstance::raiseRequested);
     EXPECT_EQ(startAgain("token-1"), Role::second);
@@ -200,8 +248,16 @@ TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
     EXPECT_EQ(raised.at(0).constFirst().toByteArray(), "token-1");
     EXPECT_EQ(raised.at(1).constFirst().toByteArray(), "");
 
+    // The user's other session would not see that window: it has one of its own, and a second start there.
+    SingleInstance elsewhere(directory.path(), QStringLiteral("/tmp/a path/:1"));
+    EXPECT_EQ(elsewhere.claim(), Role::first);
+    QSignalSpy raisedElsewhere(&elsewhere, &SingleInstance::raiseRequested);
+    EXPECT_EQ(startAgain("token-2", QStringLiteral("/tmp/a path/:1")), Role::second);
+    EXPECT_EQ(raisedElsewhere.count(), 1);
+    EXPECT_EQ(raised.count(), 2);
+
     first.reset();
-    SingleInstance next(directory.path());
+    SingleInstance next(directory.path(), QString());
     EXPECT_EQ(next.claim(), Role::first);
 }
 
@@ -215,7 +271,7 @@ TEST_F(SingleInstanceTest, TakesOverAfterABadEnd) {
         ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
         lock.write("4194304\nvantrel\n" + QSysInfo::machineHostName().toLocal8Bit() + "\n\n\n");
     }
-    SingleInstance first(directory.path());
+    SingleInstance first(directory.path(), QString());
     EXPECT_EQ(first.claim(), Role::first);
     EXPECT_EQ(startAgain(), Role::second);
 }
@@ -225,14 +281,14 @@ TEST_F(SingleInstanceTest, StartsAnywayWhenItCannotFindOut) {
     EXPECT_EQ(SingleInstance(QStringLiteral("/proc/vantrel")).claim(), Role::alone);
     EXPECT_EQ(SingleInstance(directory.filePath(QStringLiteral("missing"))).claim(), Role::alone);
 
-    SingleInstance first(directory.path());
+    SingleInstance first(directory.path(), QString());
     ASSERT_EQ(first.claim(), Role::first);
     // Its event loop stands still: it hears nothing. The second does not wait for ever.
-    EXPECT_EQ(SingleInstance(directory.path()).claim({}, 200), Role::alone);
+    EXPECT_EQ(SingleInstance(directory.path(), QString()).claim({}, 200), Role::alone);
 }
 
 TEST_F(SingleInstanceTest, IgnoresStrangersOnItsSocket) {
-    SingleInstance first(directory.path());
+    SingleInstance first(directory.path(), QString());
     ASSERT_EQ(first.claim(), Role::first);
     QSignalSpy raised(&first, &SingleInstance::raiseRequested);
     for (const QByteArray &said : {QByteArray("hello\n"), QByteArray(100'000, 'x'), QByteArray("raise")}) {

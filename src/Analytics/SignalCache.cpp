@@ -97,7 +97,9 @@ void SignalCache::save() {
 
     const auto json = encodeSignals(m_signals, DateForm::Disk);
     QSaveFile file(path);
-    if (json && file.open(QIODevice::WriteOnly) && file.write(*json) == json->size() && file.commit())
+    // The commit alone overlooks what comes of the last flush, a full disk above all.
+    if (json && file.open(QIODevice::WriteOnly) && file.write(*json) == json->size() && file.flush() &&
+        file.commit())
         m_configuration->log(LogLevel::Info, QStringLiteral("Saved Telemetry cache %1 of %2 signals")
                                                  .arg(m_cacheFileURL->toString())
                                                  .arg(m_signals.size()));

@@ -149,7 +149,9 @@ QString PreferencesFile::write(const QString &text) const {
         return QStringLiteral("%1 cannot be read").arg(m_path);
     QSaveFile file(m_path);
     const QByteArray bytes = text.toUtf8();
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+    // On a full disk the commit alone would put an empty file in the old one's place: it overlooks what comes
+    // of the last flush.
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() && file.commit())
         return {};
     return m_path + QStringLiteral(": ") + file.errorString();
 }

@@ -84,10 +84,7 @@ void Updater::start() {
 }
 
 QString Updater::whyNever() const {
-    return m_configuration.feed.isEmpty()
-               ? QStringLiteral("This build does not know where to look for updates. New versions come the "
-                                "way this one came.")
-               : QString();
+    return m_configuration.feed.isEmpty() ? QStringLiteral("This build has no update feed") : QString();
 }
 
 void Updater::checkForUpdates() {

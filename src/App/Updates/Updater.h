@@ -61,7 +61,7 @@ public:
     [[nodiscard]] bool canCheckForUpdates() const { return m_canCheck; }
     [[nodiscard]] const AppVersion &installedVersion() const { return m_configuration.installed; }
 
-    /// Why no check is ever offered, a sentence for the user; empty in a build with a feed.
+    /// Why no check is ever offered, for the user; empty in a build with a feed.
     [[nodiscard]] QString whyNever() const;
 
     /// Starts a check whose outcome comes as checked(); does nothing while canCheckForUpdates() is false.

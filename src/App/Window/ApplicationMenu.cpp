@@ -18,11 +18,16 @@ namespace vantrel {
 
 namespace {
 
-/// Says more about an action, to the mouse and to assistive technology.
+/// Says more about an action, to those who point at it.
 void explain(QAction *action, const QString &text) {
     action->setToolTip(text);
     action->setStatusTip(text);
-    action->setWhatsThis(text);
+}
+
+/// Says below an action why it is grey: in words of their own, because assistive technology is told of a menu
+/// item's name and no more.
+void addReason(QMenu *menu, const QString &text) {
+    menu->addAction(text)->setEnabled(false);
 }
 
 #ifndef Q_OS_MACOS
@@ -82,8 +87,10 @@ void ApplicationMenu::addUpdates(Updater *updater) {
     m_update = m_menu->addAction(QStringLiteral("Check for Updates…"));
     m_update->setMenuRole(QAction::ApplicationSpecificRole);
     m_update->setEnabled(updater->canCheckForUpdates());
-    if (const QString reason = updater->whyNever(); !reason.isEmpty())
+    if (const QString reason = updater->whyNever(); !reason.isEmpty()) {
         explain(m_update, reason);
+        addReason(m_menu, reason);
+    }
     connect(updater, &Updater::canCheckForUpdatesChanged, m_update, &QAction::setEnabled);
     connect(m_update, &QAction::triggered, updater, &Updater::checkForUpdates);
     connect(updater, &Updater::checked, this,
@@ -97,10 +104,11 @@ void ApplicationMenu::addAnalytics(Settings *settings) {
     const bool isDeclined = TelemetryDeck::isDeclinedByEnvironment();
     m_analytics->setChecked(!isDeclined && !settings->analyticsDisabled());
     m_analytics->setEnabled(!isDeclined);
-    explain(m_analytics, isDeclined
-                             ? QStringLiteral("The environment variable DO_NOT_TRACK forbids it.")
-                             : QStringLiteral("Never holds names of files, folders or phones. Turning it off "
-                                              "removes what was kept for it."));
+    explain(m_analytics,
+            QStringLiteral("Never holds names of files, folders or phones. Turning it off removes "
+                           "what was kept for it."));
+    if (isDeclined)
+        addReason(m_menu, QStringLiteral("Off, because DO_NOT_TRACK is set"));
     connect(m_analytics, &QAction::triggered, settings,
             [settings](bool isOn) { settings->setAnalyticsDisabled(!isOn); });
 }
