@@ -7,6 +7,7 @@
 #include <QDirIterator>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QTcpServer>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -107,6 +108,9 @@ QStringList tracesOf(qint64 pid) {
 }
 
 TEST(ProgramTests, withoutADestinationItDoesNothing) {
+    QTcpServer listening;
+    ASSERT_TRUE(listening.listen(QHostAddress::LocalHost));
+    EXPECT_TRUE(tracesOf(getpid()).contains(u"a connection"_s)) << "one would be seen";
     Program program;
     QProcess process;
     program.start(process);
