@@ -36,8 +36,8 @@ void recordSignal(benchmark::State &state) {
 
 void pushIntoCache(benchmark::State &state) {
     SignalCache cache(std::make_shared<TelemetryManagerConfiguration>(silentConfiguration()), QString());
-    const SignalPostBody body{.receivedAt = QDateTime::currentDateTimeUtc(),
-                              .type = QStringLiteral("waiting")};
+    SignalPostBody body;
+    body.type = QStringLiteral("waiting");
     for (qint64 i = 0; i < state.range(0); ++i)
         cache.push({body});
     for (auto _ : state)

@@ -186,12 +186,12 @@ TEST(UsageAnalyticsTest, FollowsTheSettings) {
     }
     Settings settings(home.filePath(QStringLiteral("settings.ini")));
     settings.setAnalyticsDisabled(true);
-    const auto identifier = [&home]() -> QString {
+    const auto kept = [&home](const char *key) -> QString {
         const QStringList files = QDir(home.path()).entryList({QStringLiteral("com.telemetrydeck.*.ini")});
         return files.isEmpty() ? QString()
-                               : PreferencesFile(home.filePath(files.constFirst()))
-                                     .value(QStringLiteral("defaultUserIdentifier"));
+                               : PreferencesFile(home.filePath(files.constFirst())).value(QLatin1String(key));
     };
+    const auto identifier = [&kept] { return kept("defaultUserIdentifier"); };
     startUsageAnalytics(settings, QUrl());
     settings.setAnalyticsDisabled(false);
     EXPECT_FALSE(QTest::qWaitFor([&] { return !identifier().isEmpty(); }, 1000)) << "no destination";
@@ -211,6 +211,8 @@ TEST(UsageAnalyticsTest, FollowsTheSettings) {
         settings.setAnalyticsDisabled(false);
         EXPECT_TRUE(waitFor([&] { return !identifier().isEmpty(); }));
         users.append(identifier());
+        // From its first second on, and not with the half minute that follows.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !kept("recentSessions").isEmpty(); }, 20'000));
         settings.setAnalyticsDisabled(true);
     }
     EXPECT_NE(users.constFirst(), users.constLast());

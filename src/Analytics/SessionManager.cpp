@@ -72,7 +72,9 @@ SessionManager::SessionManager(PreferencesFile &preferences, std::function<Momen
         m_preferences.setValue(u"distinctDaysUsed"_s, (used << today()).join(u','));
     m_sessionDurationUpdater.callOnTimeout([this] {
         updateSessionDuration();
-        m_sessionDurationUpdater.start(updateInterval);
+        // A timer may be early: then the session is not a second long yet.
+        const bool isStored = m_currentSession.durationInSeconds >= 1;
+        m_sessionDurationUpdater.start(isStored ? updateInterval : 1s);
     });
 }
 
