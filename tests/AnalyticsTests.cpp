@@ -31,11 +31,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using ::testing::Contains;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-const QString installSignal = u"TelemetryDeck.Acquisition.newInstallDetected"_s;
-const QString sessionSignal = u"TelemetryDeck.Session.started"_s;
 
 SignalPostBody sample(const QString &type = u"na\"me\\\n\u0001 ü"_s) {
     return {QDateTime(QDate(2024, 5, 31), QTime(23, 59, 7, 125), Qt::UTC),
@@ -59,11 +55,10 @@ QStringList typesIn(const QByteArray &json) {
 /// A client's surroundings: files of its own, a server that answers as it is told, a log, a clock.
 struct World {
     World() {
-        configuration.logHandler =
-            LogHandler{LogLevel::Debug, [this](LogLevel level, const QString &message) {
-                           const QMutexLocker locker(&lock);
-                           log.append({level, message});
-                       }};
+        configuration.logHandler = LogHandler{LogLevel::Debug, [this](LogLevel level, const QString &text) {
+                                                  const QMutexLocker locker(&lock);
+                                                  log[level].append(text);
+                                              }};
         configuration.urlSession = [this](const HttpRequest &request, QObject *, const HttpCompletion &done) {
             QMutexLocker locker(&lock);
             requests.append(request);
@@ -101,11 +96,7 @@ struct World {
     }
     QStringList messages(LogLevel level) {
         const QMutexLocker locker(&lock);
-        QStringList result;
-        for (const auto &[entryLevel, message] : log)
-            if (entryLevel == level)
-                result.append(message);
-        return result;
+        return log.value(level);
     }
     std::shared_ptr<TelemetryManagerConfiguration> shared() const {
         return std::make_shared<TelemetryManagerConfiguration>(configuration);
@@ -117,7 +108,7 @@ struct World {
 
     QTemporaryDir directory;
     QMutex lock;
-    QList<std::pair<LogLevel, QString>> log;
+    QMap<LogLevel, QStringList> log;
     QList<HttpRequest> requests;
     QList<tl::expected<HttpResponse, HttpError>> answers; ///< 200 when there is none
     bool isHeld = false;                                  ///< true: no answer ever comes
@@ -165,7 +156,7 @@ TEST(AnalyticsRecordTests, DISABLED_sendsOne) {
 }
 
 TEST(AnalyticsRecordTests, everyValueIsTrueAndListedInTheDocuments) {
-    QSet<QString> sent{u"payload"_s, u"sessionID"_s};
+    QStringList sent{u"payload"_s, u"sessionID"_s};
     for (const auto &[zone, language] :
          {std::pair("UTC0", "C.UTF-8"), std::pair("EST5", "de_AT.UTF-8"),
           std::pair("IST-5:30", "en_IN.UTF-8"), std::pair("NST3:30NDT,M3.2.0,M11.1.0", "pt_BR.UTF-8")}) {
@@ -200,15 +191,17 @@ TEST(AnalyticsRecordTests, everyValueIsTrueAndListedInTheDocuments) {
         shell.setProcessEnvironment(variables);
         shell.start(u"sh"_s, {QStringLiteral(VANTREL_TEST_DATA "/signal/expected.sh")});
         ASSERT_TRUE(shell.waitForFinished());
-        std::map<std::string, std::string> expected;
-        std::map<std::string, std::string> found;
-        for (const QByteArray &line : shell.readAllStandardOutput().trimmed().split('\n'))
-            if (const QByteArray value = line.mid(line.indexOf('=') + 1); !value.isEmpty())
-                expected[line.left(line.indexOf('=')).toStdString()] = value.toStdString();
+        QStringList expected =
+            QString::fromUtf8(shell.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+        expected.removeIf([](const QString &line) { return line.endsWith(u'='); });
+        QStringList found;
         for (const QJsonObject &part : {record, payload})
-            for (auto it = part.begin(); it != part.end(); ++it)
-                found[it.key().toStdString()] = it->toString().toStdString(), sent.insert(it.key());
-        EXPECT_EQ(found, expected);
+            for (const QString &key : part.keys())
+                found.append(key + u'=' + part[key].toString());
+        sent += record.keys() + payload.keys();
+        expected.sort();
+        found.sort();
+        EXPECT_EQ(found.join(u'\n').toStdString(), expected.join(u'\n').toStdString());
     }
 
     const QByteArray page = contents(QStringLiteral(VANTREL_TEST_DATA "/../../docs/privacy.md"));
@@ -217,7 +210,7 @@ TEST(AnalyticsRecordTests, everyValueIsTrueAndListedInTheDocuments) {
     QSet<QString> listed;
     for (auto matches = QRegularExpression(u"`([^`]+)`"_s).globalMatch(section); matches.hasNext();)
         listed.insert(matches.next().captured(1));
-    EXPECT_EQ(listed, sent) << "docs/privacy.md";
+    EXPECT_EQ(listed, QSet<QString>(sent.begin(), sent.end())) << "docs/privacy.md";
 }
 
 TEST(AnalyticsRecordTests, holdsWhatWasRecordedAndWhoRecordedIt) {
@@ -247,10 +240,10 @@ TEST(AnalyticsRecordTests, holdsWhatWasRecordedAndWhoRecordedIt) {
     EXPECT_EQ(records[0][u"floatValue"], 1.5);
     EXPECT_FALSE(records[1].contains(u"floatValue"));
     EXPECT_EQ(records[0][u"isTestMode"], u"true"_s);
-    const QJsonValue payload = records[0][u"payload"];
-    EXPECT_THAT((QStringList{payload[u"a"].toString(), payload[u"b"].toString(), payload[u"c"].toString(),
-                             payload[u"platform"].toString(), payload[u"locale"].toString()}),
-                ElementsAre(u"default"_s, u"one1.5"_s, u"own"_s, u"macOS"_s, u"enricher"_s));
+    QStringList values;
+    for (const char *key : {"a", "b", "c", "platform", "locale"})
+        values.append(records[0][u"payload"][QLatin1String(key)].toString());
+    EXPECT_EQ(values.join(u' '), u"default one1.5 own macOS enricher"_s);
     const QString identifier = PreferencesFile(world.preferencesFile()).value(u"defaultUserIdentifier"_s);
     EXPECT_EQ(records[1][u"clientUser"], hashed(identifier, u"salt"_s));
     EXPECT_EQ(QUuid(identifier).toString(QUuid::WithoutBraces).toUpper(), identifier);
@@ -365,14 +358,14 @@ TEST(AnalyticsSendingTests, goesOutInBatchesBacksOffAndRecovers) {
     EXPECT_THAT(world.messages(LogLevel::Debug), Contains(u"Current signal cache count: 250"_s));
     manager.push(sample(u"s"_s));
     for (const int delay : {20, 40, 80, 160, 300, 300, 10}) {
-        if (delay != 10)
-            world.answers.append(delay % 40 ? HttpResponse{503, {}}
-                                            : decltype(world.answers)::value_type(tl::unexpected(
-                                                  HttpError{HttpError::Kind::failed, u"unplugged"_s})));
+        if (delay == 40)
+            world.answers = {tl::unexpected(HttpError{HttpError::Kind::failed, u"unplugged"_s})};
+        else if (delay != 10)
+            world.answers = {HttpResponse{503, {}}};
         EXPECT_EQ(attempt(manager, world), std::pair(QStringList(u"s"_s), delay));
     }
     EXPECT_EQ(attempt(manager, world), std::pair(QStringList(), 10));
-    EXPECT_EQ(world.messages(LogLevel::Error), QStringList(3, u"unplugged"_s));
+    EXPECT_EQ(world.messages(LogLevel::Error), QStringList(u"unplugged"_s));
 }
 
 TEST(AnalyticsSendingTests, judgesEveryStatus) {
@@ -384,32 +377,26 @@ TEST(AnalyticsSendingTests, judgesEveryStatus) {
     for (const int code : {0,   100, 200, 202, 299, 301, 307, 400, 401, 402, 403,
                            404, 408, 413, 422, 429, 500, 501, 502, 503, 505, 599}) {
         SCOPED_TRACE(code);
-        const bool isDelivered = code / 100 == 2;
-        const bool isKept = !isDelivered && !rejected.contains(code);
+        const bool isKept = code / 100 != 2 && !rejected.contains(code);
         World world;
         SignalManager manager(world.shared(), world.directory.path());
         for (const QString &type : {u"1"_s, u"2"_s, u"3"_s})
             manager.push(sample(type));
         world.answers.append(HttpResponse{code, "the answer"});
         EXPECT_EQ(attempt(manager, world).first.size(), 3);
-        EXPECT_EQ(manager.consecutiveFailures(), isKept ? 1 : 0);
+        const QString later = u"Failed to send events (status %1), will try again later"_s.arg(code);
+        EXPECT_EQ(world.messages(LogLevel::Debug).contains(later), isKept);
         EXPECT_EQ(attempt(manager, world).first.size(), isKept ? 3 : 0);
-        EXPECT_EQ(world.messages(LogLevel::Error),
-                  rejected.contains(code)
-                      ? QStringList(u"Dropping 3 signal(s): rejected by server "_s + rejected[code])
-                      : QStringList());
-        EXPECT_EQ(world.messages(LogLevel::Debug)
-                      .contains(u"Failed to send events (status %1), will try again later"_s.arg(code)),
-                  isKept);
+        const QString dropped = u"Dropping 3 signal(s): rejected by server "_s + rejected.value(code);
+        EXPECT_EQ(world.messages(LogLevel::Error), QStringList(rejected.count(code), dropped));
     }
     World world;
     world.configuration.nameSpace = u"a b"_s;
     SignalManager manager(world.shared(), world.directory.path());
     manager.push(sample());
     EXPECT_EQ(attempt(manager, world).first, QStringList());
-    EXPECT_THAT(
-        world.messages(LogLevel::Error),
-        ElementsAre(u"Unable to construct signal API URL for namespace a b"_s, u"Invalid endpoint URL"_s));
+    EXPECT_EQ(world.messages(LogLevel::Error).join(u". "_s),
+              u"Unable to construct signal API URL for namespace a b. Invalid endpoint URL"_s);
     EXPECT_EQ(manager.consecutiveFailures(), 1);
 }
 
@@ -477,9 +464,8 @@ TEST(AnalyticsCacheTests, keepsTheNewestAndSaysWhatItCannotWrite) {
     std::signal(SIGXFSZ, previous);
     EXPECT_EQ(typesIn(contents(world.cacheFile())), saved);
     SignalCache(world.shared(), QString()).save();
-    EXPECT_THAT(
-        world.messages(LogLevel::Error),
-        ElementsAre(u"Error saving Telemetry cache"_s, u"Failed to get disk cache url from FileManager."_s));
+    EXPECT_EQ(world.messages(LogLevel::Error).join(u". "_s),
+              u"Error saving Telemetry cache. Failed to get disk cache url from FileManager."_s);
 }
 
 TEST(AnalyticsCacheTests, savesSignalsUnderWayAndNeverKeepsTheWindowOpen) {
@@ -599,9 +585,8 @@ TEST(AnalyticsSessionTests, aLongAbsenceBeginsANewOne) {
     }
     QStringList types;
     for (const QJsonObject &record : world.records(6))
-        types.append(record[u"type"].toString());
-    EXPECT_EQ(types,
-              (QStringList{installSignal, sessionSignal, u"back"_s, u"back"_s, sessionSignal, u"back"_s}));
+        types.append(record[u"type"].toString().section(u'.', -1));
+    EXPECT_EQ(types.join(u' '), u"newInstallDetected started back back started back"_s);
 }
 
 } // namespace
