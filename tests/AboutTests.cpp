@@ -2,6 +2,7 @@
 #include "App/Sheets/AboutView.h"
 #include "App/System/CommandLine.h"
 #include "App/System/Product.h"
+#include "App/System/Settings.h"
 #include "App/System/Version.h"
 #include "App/Updates/Updater.h"
 #include "App/Window/ApplicationMenu.h"
@@ -12,11 +13,15 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QAction>
 #include <QDesktopServices>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUrlQuery>
 
@@ -136,15 +141,38 @@ TEST_F(AboutViewTest, ClosesOnReturnWhereverTheKeyboardIs) {
         << "the window is no longer dimmed";
 }
 
-TEST(ApplicationMenu, OffersItsCommands) {
+class ApplicationMenuTest : public ::testing::Test {
+protected:
+    QTemporaryDir directory;
+    Settings settings{directory.filePath(QStringLiteral("settings.ini"))};
     QMainWindow window;
+
+    QList<Sheet *> openSheets() const {
+        QList<Sheet *> open = window.findChildren<Sheet *>();
+        open.removeIf([](const Sheet *sheet) { return !sheet->isVisible(); });
+        return open;
+    }
+    /// What assistive technology finds in an action's menu.
+    static QStringList itemsBeside(QAction *action) {
+        auto *menu = qobject_cast<QMenu *>(action->associatedObjects().constFirst());
+        EXPECT_TRUE(menu->toolTipsVisible());
+        const auto *list = QAccessible::queryAccessibleInterface(menu);
+        QStringList names;
+        for (int i = 0; i < list->childCount(); ++i)
+            names.append(list->child(i)->text(QAccessible::Name));
+        return names;
+    }
+};
+
+TEST_F(ApplicationMenuTest, OffersItsCommands) {
     Updater updater(
         {.feed = QUrl(QStringLiteral("http://localhost/feed")), .installed = {QStringLiteral("1"), {}}});
-    ApplicationMenu menu(&window, &updater);
+    ApplicationMenu menu(&window, &updater, &settings);
     EXPECT_EQ(menu.aboutAction()->text(), QStringLiteral("About Vantrel"));
     EXPECT_EQ(menu.updateAction()->text(), QStringLiteral("Check for Updates…"));
     EXPECT_EQ(menu.quitAction()->text(), QStringLiteral("Quit Vantrel"));
     EXPECT_EQ(menu.quitAction()->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+    EXPECT_EQ(menu.analyticsAction() != nullptr, !version::analyticsService().isEmpty());
 
     EXPECT_FALSE(menu.updateAction()->isEnabled());
     updater.start();
@@ -153,19 +181,74 @@ TEST(ApplicationMenu, OffersItsCommands) {
     QSignalSpy about(&menu, &ApplicationMenu::aboutRequested);
     menu.aboutAction()->trigger();
     EXPECT_EQ(about.count(), 1);
-
-    window.show();
-    menu.updateAction()->trigger(); // plain HTTP: refused at once
-    auto *sheet = window.findChild<Sheet *>();
-    ASSERT_TRUE(sheet);
-    EXPECT_EQ(sheet->findChild<QLabel *>(QStringLiteral("update.detail"))->text(),
-              QStringLiteral("The address of the update feed is not an HTTPS address."));
-    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(QStringLiteral("update.open")));
-    sheet->findChild<QAbstractButton *>(QStringLiteral("update.close"))->click();
-    EXPECT_FALSE(sheet->isVisible());
-
     menu.quitAction()->trigger();
     EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(ApplicationMenuTest, SaysWhyThereAreNoUpdatesAndWhatCannotBeStored) {
+    Updater updater({});
+    updater.start();
+    ApplicationMenu menu(&window, &updater, &settings);
+    EXPECT_FALSE(menu.updateAction()->isEnabled());
+    EXPECT_EQ(menu.updateAction()->toolTip(), QStringLiteral("This build has no update feed"));
+    EXPECT_TRUE(itemsBeside(menu.updateAction()).contains(menu.updateAction()->toolTip()));
+
+    EXPECT_FALSE(menu.problemAction()->isVisible());
+    QDir(directory.path()).mkdir(QStringLiteral("settings.ini"));
+    settings.setAppearancePreference(ColorScheme::dark);
+    EXPECT_FALSE(settings.save());
+    EXPECT_TRUE(menu.problemAction()->isVisible());
+    EXPECT_EQ(menu.problemAction()->toolTip(), settings.problem());
+    QDir(directory.path()).rmdir(QStringLiteral("settings.ini"));
+    EXPECT_TRUE(settings.save());
+    EXPECT_FALSE(menu.problemAction()->isVisible());
+}
+
+TEST_F(ApplicationMenuTest, ShowsTheLatestOutcomeAloneAndNeverOverAnotherSheet) {
+    Updater updater(
+        {.feed = QUrl(QStringLiteral("http://localhost/feed")), .installed = {QStringLiteral("1"), {}}});
+    updater.start();
+    ApplicationMenu menu(&window, &updater, &settings);
+    window.show();
+    QPointer<AboutView> about = new AboutView(&window);
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->open();
+    menu.updateAction()->trigger(); // plain HTTP: refused at once
+    menu.updateAction()->trigger();
+    EXPECT_EQ(openSheets(), QList<Sheet *>{about});
+    about->close();
+    ASSERT_EQ(openSheets().size(), 1);
+    EXPECT_EQ(openSheets().constFirst()->findChild<QLabel *>(QStringLiteral("update.detail"))->text(),
+              QStringLiteral("The address of the update feed is not an HTTPS address."));
+    UpdateResult upToDate;
+    upToDate.kind = UpdateResult::Kind::upToDate;
+    Q_EMIT updater.checked(upToDate);
+    ASSERT_EQ(openSheets().size(), 1);
+    Sheet *sheet = openSheets().constFirst();
+    EXPECT_THAT(sheet->findChild<QLabel *>(QStringLiteral("update.detail"))->text().toStdString(),
+                ::testing::HasSubstr("is the newest version."));
+    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(QStringLiteral("update.open")));
+    sheet->findChild<QAbstractButton *>(QStringLiteral("update.close"))->click();
+    EXPECT_TRUE(openSheets().isEmpty());
+}
+
+TEST_F(ApplicationMenuTest, SwitchesUsageStatistics) {
+    Updater updater({});
+    const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
+    qputenv("DO_NOT_TRACK", "1");
+    const ApplicationMenu grey(&window, &updater, &settings, true);
+    EXPECT_FALSE(grey.analyticsAction()->isEnabled());
+    EXPECT_TRUE(
+        itemsBeside(grey.analyticsAction()).contains(QStringLiteral("Off, because DO_NOT_TRACK is set")));
+    qunsetenv("DO_NOT_TRACK");
+    ApplicationMenu menu(&window, &updater, &settings, true);
+    EXPECT_TRUE(menu.analyticsAction()->isChecked());
+    menu.analyticsAction()->trigger();
+    EXPECT_TRUE(settings.analyticsDisabled());
+    EXPECT_FALSE(ApplicationMenu(&window, &updater, &settings, true).analyticsAction()->isChecked());
+    menu.analyticsAction()->trigger();
+    EXPECT_FALSE(settings.analyticsDisabled());
+    qputenv("DO_NOT_TRACK", doNotTrack);
 }
 
 TEST(CommandLine, IsUnderstoodOrRefused) {

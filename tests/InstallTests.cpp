@@ -138,6 +138,8 @@ TEST_F(InstallTest, StartsInAHostileHomeAndStepsBackForTheFirst) {
     for (const char *place : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
         hostile.insert(QString::fromLatin1(place),
                        QStringLiteral("/dev/null")); // no folder can be made there
+    for (const char *screen : {"DISPLAY", "WAYLAND_DISPLAY"})
+        hostile.remove(QString::fromLatin1(screen));
     hostile.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
     QProcess first;
     first.setProcessEnvironment(hostile);

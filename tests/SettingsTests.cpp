@@ -1,6 +1,8 @@
 #include "App/System/Settings.h"
 #include "App/System/SingleInstance.h"
+#include "App/System/UsageAnalytics.h"
 #include "support/Files.h"
+#include "support/WaitFor.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,11 +13,15 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <atomic>
+#include <map>
 #include <thread>
+
+#include <sys/stat.h>
 
 namespace vantrel {
 namespace {
@@ -77,6 +83,9 @@ TEST_F(SettingsTest, ReadsWhatIsStored) {
                   "light\nAppleActionOnDoubleClick=\nanalyticsDisabled=1\n",
                   ColorScheme::light, "Maximize", true},
              Case{"[Other]\nappearancePreference=dark\n", ColorScheme::light, "Maximize", false},
+             Case{"# mine\n; too\n\n  appearancePreference = dark \r\nanalyticsDisabled = TRUE\n",
+                  ColorScheme::dark, "Maximize", true},
+             Case{"\xef\xbb\xbf[General]\nanalyticsDisabled=please\n", ColorScheme::light, "Maximize", true},
          }) {
         write(path, test.text);
         const Settings settings(path);
@@ -86,7 +95,7 @@ TEST_F(SettingsTest, ReadsWhatIsStored) {
     }
 }
 
-TEST_F(SettingsTest, DamagedOnesAreSetAside) {
+TEST_F(SettingsTest, DamagedOnesAreSetAsideAndMayHaveSaidNo) {
     constexpr char binary[] = "\x89PNG\0\xff\xfe[]=%%\n]]";
     const QByteArray random = QByteArray(binary, sizeof binary).repeated(200);
     for (const QByteArray &damaged : {QByteArray("[General\nappearancePreference dark\n"), random}) {
@@ -95,12 +104,53 @@ TEST_F(SettingsTest, DamagedOnesAreSetAside) {
             Settings settings(path);
             EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
             EXPECT_EQ(settings.doubleClickAction(), QStringLiteral("Maximize"));
-            EXPECT_FALSE(settings.analyticsDisabled());
-            settings.setAppearancePreference(ColorScheme::dark);
-            EXPECT_TRUE(settings.save());
+            EXPECT_TRUE(settings.analyticsDisabled());
         }
-        EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::dark);
+        {
+            Settings settings(path);
+            EXPECT_TRUE(settings.analyticsDisabled()) << "the next start has not forgotten";
+            QSignalSpy changes(&settings, &Settings::analyticsDisabledChanged);
+            settings.setAnalyticsDisabled(false);
+            settings.setAnalyticsDisabled(false);
+            EXPECT_EQ(changes.count(), 1);
+        }
+        EXPECT_FALSE(Settings(path).analyticsDisabled());
         EXPECT_TRUE(contents(path + QStringLiteral(".damaged")) == damaged);
+    }
+    // A pipe that nobody ever writes to: it is not waited for.
+    QFile::remove(path);
+    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    EXPECT_TRUE(Settings(path).analyticsDisabled());
+}
+
+TEST_F(SettingsTest, AreChangedWithoutDisturbingWhatPeopleWrote) {
+    struct Case {
+        QByteArray before, after;
+    };
+    for (const Case &test : {
+             Case{"", "analyticsDisabled=true\nappearancePreference=dark\n"},
+             Case{"# my choices\n\nappearancePreference = light\n# the end",
+                  "# my choices\n\nappearancePreference=dark\n# the end\nanalyticsDisabled=true\n"},
+             Case{"[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n\n[Last]\nk=v\n",
+                  "[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n"
+                  "analyticsDisabled=true\nappearancePreference=dark\n\n[Last]\nk=v\n"},
+             Case{"appearancePreference=a\nother=@Variant(x)\nappearancePreference=b\n",
+                  "appearancePreference=dark\nother=@Variant(x)\nappearancePreference=dark\n"
+                  "analyticsDisabled=true\n"},
+         }) {
+        write(path, test.before);
+        Settings settings(path);
+        settings.setAppearancePreference(ColorScheme::dark);
+        settings.setAnalyticsDisabled(true);
+        EXPECT_TRUE(settings.save());
+        EXPECT_EQ(contents(path).toStdString(), test.after.toStdString());
+        // Another copy of the program stores its own changes and no others.
+        Settings other(path);
+        write(path, contents(path).replace("=dark", "=light"));
+        other.setAnalyticsDisabled(false);
+        EXPECT_TRUE(other.save());
+        EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::light);
+        EXPECT_FALSE(Settings(path).analyticsDisabled());
     }
 }
 
@@ -114,9 +164,60 @@ TEST_F(SettingsTest, WorkWithoutAPlaceToStoreThem) {
         Settings settings(nowhere);
         EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
         settings.setAppearancePreference(ColorScheme::dark);
+        QSignalSpy problems(&settings, &Settings::problemChanged);
+        EXPECT_TRUE(problems.wait()) << "it is tried without being told";
         EXPECT_FALSE(settings.save()) << nowhere.toStdString();
+        EXPECT_THAT(settings.problem().toStdString(),
+                    ::testing::StartsWith("The settings could not be stored: " + nowhere.toStdString()));
+        EXPECT_EQ(problems.count(), 1) << "said once";
         EXPECT_EQ(settings.appearancePreference(), ColorScheme::dark) << "until the program ends";
     }
+}
+
+TEST(UsageAnalyticsTest, FollowsTheSettings) {
+    const QTemporaryDir home;
+    const std::pair<const char *, QByteArray> variables[] = {{"XDG_CONFIG_HOME", home.path().toUtf8()},
+                                                             {"XDG_CACHE_HOME", home.path().toUtf8()},
+                                                             {"DO_NOT_TRACK", "0"}};
+    std::map<std::string, QByteArray> before;
+    for (const auto &[name, value] : variables) {
+        before[name] = qgetenv(name);
+        qputenv(name, value);
+    }
+    Settings settings(home.filePath(QStringLiteral("settings.ini")));
+    settings.setAnalyticsDisabled(true);
+    const auto kept = [&home](const char *key) -> QString {
+        const QStringList files = QDir(home.path()).entryList({QStringLiteral("com.telemetrydeck.*.ini")});
+        return files.isEmpty() ? QString()
+                               : PreferencesFile(home.filePath(files.constFirst())).value(QLatin1String(key));
+    };
+    const auto identifier = [&kept] { return kept("defaultUserIdentifier"); };
+    startUsageAnalytics(settings, QUrl());
+    settings.setAnalyticsDisabled(false);
+    EXPECT_FALSE(QTest::qWaitFor([&] { return !identifier().isEmpty(); }, 1000)) << "no destination";
+    settings.setAnalyticsDisabled(true);
+
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation) +
+                          QStringLiteral("/telemetrysignalcache");
+    write(cache, "[]"); // left by an earlier run
+    startUsageAnalytics(settings, QUrl(QStringLiteral("https://localhost:1/")));
+    QStringList users;
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_TRUE(settings.save());
+        EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden),
+                  QStringList(QStringLiteral("settings.ini")))
+            << "nothing is kept for those who say no";
+        EXPECT_FALSE(QFile::exists(cache));
+        settings.setAnalyticsDisabled(false);
+        EXPECT_TRUE(waitFor([&] { return !identifier().isEmpty(); }));
+        users.append(identifier());
+        // From its first second on, and not with the half minute that follows.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !kept("recentSessions").isEmpty(); }, 20'000));
+        settings.setAnalyticsDisabled(true);
+    }
+    EXPECT_NE(users.constFirst(), users.constLast());
+    for (const auto &[name, value] : variables)
+        qputenv(name, before[name]);
 }
 
 class SingleInstanceTest : public ::testing::Test {
@@ -126,11 +227,11 @@ protected:
     QTemporaryDir directory{QDir::tempPath() + QStringLiteral("/v-XXXXXX")}; // sockets have short names
 
     /// A start while the event loop of the first one runs.
-    Role startAgain(const QByteArray &token = {}) {
+    Role startAgain(const QByteArray &token = {}, const QString &screen = {}) {
         std::atomic<bool> ended = false;
         Role role = Role::alone;
         std::thread second([&] {
-            role = SingleInstance(directory.path()).claim(token);
+            role = SingleInstance(directory.path(), screen).claim(token);
             ended = true;
         });
         EXPECT_TRUE(QTest::qWaitFor([&] { return ended.load(); }));
@@ -140,7 +241,7 @@ protected:
 };
 
 TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
-    auto first = std::make_unique<SingleInstance>(directory.path());
+    auto first = std::make_unique<SingleInstance>(directory.path(), QString());
     ASSERT_EQ(first->claim(), Role::first);
     QSignalSpy raised(first.get(), &SingleInstance::raiseRequested);
     EXPECT_EQ(startAgain("token-1"), Role::second);
@@ -149,8 +250,16 @@ TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
     EXPECT_EQ(raised.at(0).constFirst().toByteArray(), "token-1");
     EXPECT_EQ(raised.at(1).constFirst().toByteArray(), "");
 
+    // The user's other session would not see that window: it has one of its own, and a second start there.
+    SingleInstance elsewhere(directory.path(), QStringLiteral("/tmp/a path/:1"));
+    EXPECT_EQ(elsewhere.claim(), Role::first);
+    QSignalSpy raisedElsewhere(&elsewhere, &SingleInstance::raiseRequested);
+    EXPECT_EQ(startAgain("token-2", QStringLiteral("/tmp/a path/:1")), Role::second);
+    EXPECT_EQ(raisedElsewhere.count(), 1);
+    EXPECT_EQ(raised.count(), 2);
+
     first.reset();
-    SingleInstance next(directory.path());
+    SingleInstance next(directory.path(), QString());
     EXPECT_EQ(next.claim(), Role::first);
 }
 
@@ -164,7 +273,7 @@ TEST_F(SingleInstanceTest, TakesOverAfterABadEnd) {
         ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
         lock.write("4194304\nvantrel\n" + QSysInfo::machineHostName().toLocal8Bit() + "\n\n\n");
     }
-    SingleInstance first(directory.path());
+    SingleInstance first(directory.path(), QString());
     EXPECT_EQ(first.claim(), Role::first);
     EXPECT_EQ(startAgain(), Role::second);
 }
@@ -174,14 +283,14 @@ TEST_F(SingleInstanceTest, StartsAnywayWhenItCannotFindOut) {
     EXPECT_EQ(SingleInstance(QStringLiteral("/proc/vantrel")).claim(), Role::alone);
     EXPECT_EQ(SingleInstance(directory.filePath(QStringLiteral("missing"))).claim(), Role::alone);
 
-    SingleInstance first(directory.path());
+    SingleInstance first(directory.path(), QString());
     ASSERT_EQ(first.claim(), Role::first);
     // Its event loop stands still: it hears nothing. The second does not wait for ever.
-    EXPECT_EQ(SingleInstance(directory.path()).claim({}, 200), Role::alone);
+    EXPECT_EQ(SingleInstance(directory.path(), QString()).claim({}, 200), Role::alone);
 }
 
 TEST_F(SingleInstanceTest, IgnoresStrangersOnItsSocket) {
-    SingleInstance first(directory.path());
+    SingleInstance first(directory.path(), QString());
     ASSERT_EQ(first.claim(), Role::first);
     QSignalSpy raised(&first, &SingleInstance::raiseRequested);
     for (const QByteArray &said : {QByteArray("hello\n"), QByteArray(100'000, 'x'), QByteArray("raise")}) {

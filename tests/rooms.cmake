@@ -1,7 +1,7 @@
 # One executable per room of src/, from the ground up; then what crosses all of them.
 vantrel_test(RecordsTests LIBRARIES vantrel_records SOURCES RecordsTests.cpp)
-vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics
-             SOURCES AnalyticsTests.cpp AnalyticsNetworkTests.cpp support/LocalHttpServer.cpp)
+vantrel_test(NetworkTests LIBRARIES vantrel_network SOURCES NetworkTests.cpp support/LocalHttpServer.cpp)
+vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.cpp support/LocalHttpServer.cpp)
 vantrel_test(ADBTests LIBRARIES vantrel_adb demo_phone_fixture SOURCES ADBTextTests.cpp ADBClientTests.cpp)
 vantrel_test(MacFilesTests LIBRARIES vantrel_macfiles SOURCES MacFilesTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_kit SOURCES KitTests.cpp)
@@ -24,6 +24,9 @@ if(NOT APPLE)
     vantrel_test(FaultMatrixTests LIBRARIES vantrel_state demo_phone_fixture SOURCES FaultMatrixTests.cpp)
     vantrel_test(HostilePhoneTests LIBRARIES vantrel_state demo_phone_fixture SOURCES HostilePhoneTests.cpp)
     vantrel_test(SoakTests LIBRARIES vantrel_state demo_phone_fixture SOURCES SoakTests.cpp)
+    vantrel_test(ProgramTests LIBRARIES Qt6::Core SOURCES ProgramTests.cpp)
+    add_dependencies(ProgramTests vantrel)
+    target_compile_definitions(ProgramTests PRIVATE VANTREL_PROGRAM="$<TARGET_FILE:vantrel>")
     vantrel_gui_test(InstallTests LIBRARIES Qt6::Gui SOURCES InstallTests.cpp)
     add_dependencies(InstallTests vantrel)
     target_compile_definitions(

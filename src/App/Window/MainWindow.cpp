@@ -69,7 +69,7 @@ void MainWindow::addToolbarButtons() {
 
     bar->addToolbarWidget(m_appearance);
     bar->addToolbarWidget(about);
-    auto *menu = new ApplicationMenu(this, &m_updater);
+    auto *menu = new ApplicationMenu(this, &m_updater, &m_settings);
     connect(menu, &ApplicationMenu::aboutRequested, this, &MainWindow::showAbout);
     if (QWidget *button = menu->createButton(bar))
         bar->addToolbarWidget(button);
