@@ -89,8 +89,8 @@ TEST_F(TransferTests, pushesNothingWhenThePhoneDoesNotSayWhetherTheNameIsFree) {
     phone.write(u"same.txt"_s, "phone");
     connectPhone();
     browseHere();
-    phone.set(u"stat.exit"_s, "1");
-    phone.set(u"stat.stderr"_s, "error: closed\n");
+    phone.set(u"exists.exit"_s, "1");
+    phone.set(u"exists.stderr"_s, "error: closed\n");
     state->selectAllVisible(BrowserSide::mac);
     state->transferMacToAndroid();
     waitForQueue();
