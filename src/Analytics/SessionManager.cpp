@@ -39,7 +39,7 @@ QList<StoredSession> decode(QString text) {
         text = text.chopped(2).sliced(begin.size()).replace(u"\\\""_s, u"\""_s);
     QList<StoredSession> sessions;
     const QJsonArray array = QJsonDocument::fromJson(text.toUtf8()).array();
-    for (const QJsonValue &value : array) {
+    for (const QJsonValue value : array) {
         const QJsonValue startedAt = value[u"startedAt"_s];
         const QJsonValue duration = value[u"durationInSeconds"_s];
         if (!startedAt.isDouble() || !duration.isDouble())

@@ -14,7 +14,7 @@ namespace vantrel {
 namespace {
 
 /// More than the JSON parser takes. 10,000 signals are a quarter of it.
-constexpr qint64 maximumFileSize = 128 * 1024 * 1024;
+constexpr qint64 maximumFileSize = 134'217'728;
 
 /// Several copies of the program share the file. Where the lock cannot be had, because the directory is
 /// read-only or the other copy hangs, going on without it is better than losing the signals for certain.
@@ -60,7 +60,7 @@ void SignalCache::push(const QList<SignalPostBody> &batch) {
 }
 
 QList<SignalPostBody> SignalCache::pop() {
-    const QList<SignalPostBody> batch =
+    QList<SignalPostBody> batch =
         m_signals.first(std::min(m_signals.size(), maximumNumberOfSignalsToPopAtOnce));
     m_signals.remove(0, batch.size());
     return batch;

@@ -19,7 +19,7 @@ struct HttpRequest {
     QByteArray json = {}; ///< posted as "application/json"; without any the address is read with GET
     QList<std::pair<QByteArray, QByteArray>> headers = {};
     std::chrono::milliseconds timeout = std::chrono::seconds(60); ///< for everything, redirects included
-    qint64 maximumSize = 64 * 1024;                               ///< of the answer's body, in bytes
+    qint64 maximumSize = 65'536;                                  ///< of the answer's body, in bytes
     int maximumRedirects = 0; ///< followed on the same host over HTTPS; with 0 a redirect is the answer
     std::optional<QSslConfiguration> tls = std::nullopt; ///< the system's unless given
 };

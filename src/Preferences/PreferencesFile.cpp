@@ -13,7 +13,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr qint64 maximumSize = 4 * 1024 * 1024;
+constexpr qint64 maximumSize = 4'194'304;
 
 struct Line {
     enum class Kind { other, heading, entry, nonsense };

@@ -40,7 +40,7 @@ class Updater : public QObject {
 
 public:
     /// A feed larger than this is refused.
-    static constexpr qint64 maximumFeedSize = 1024 * 1024;
+    static constexpr qint64 maximumFeedSize = 1'048'576;
 
     struct Configuration {
         QUrl feed; ///< empty: this build has none, and no check is ever offered
