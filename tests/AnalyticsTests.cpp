@@ -7,14 +7,7 @@
 #include "support/LocalHttpServer.h"
 #include "support/WaitFor.h"
 
-#include <QCoreApplication>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QMutex>
-#include <QProcess>
-#include <QRegularExpression>
-#include <QTemporaryDir>
+#include <QtTest>
 
 #include <gmock/gmock.h>
 
@@ -44,11 +37,10 @@ SignalPostBody sample(const QString &type = u"na\"me\\\n\u0001 ü"_s) {
             u"false"_s};
 }
 
-QStringList typesIn(const QByteArray &json) {
+QStringList typesIn(const QJsonArray &records) {
     QStringList types;
-    const QJsonArray array = QJsonDocument::fromJson(json).array();
-    for (const QJsonValue &value : array)
-        types.append(value[u"type"].toString());
+    for (const QJsonValue &record : records)
+        types.append(record[u"type"].toString());
     return types;
 }
 
@@ -61,7 +53,8 @@ struct World {
                                               }};
         configuration.urlSession = [this](const HttpRequest &request, QObject *, const HttpCompletion &done) {
             QMutexLocker locker(&lock);
-            requests.append(request);
+            for (const QJsonValueRef record : QJsonDocument::fromJson(request.json).array())
+                sent.append(record);
             if (isHeld)
                 return;
             const auto answer = answers.isEmpty() ? HttpResponse{200, "the answer"} : answers.takeFirst();
@@ -77,18 +70,13 @@ struct World {
     }
     void start() { manager = std::make_unique<TelemetryManager>(configuration, environment); }
     /// Every record sent so far, once there are that many.
-    QList<QJsonObject> records(qsizetype count) {
-        QList<QJsonObject> found;
+    QJsonArray records(qsizetype count) {
         EXPECT_TRUE(waitFor([&] {
             const QMutexLocker locker(&lock);
-            found.clear();
-            for (const HttpRequest &request : requests)
-                for (const QJsonValueRef value : QJsonDocument::fromJson(request.json).array())
-                    found.append(value.toObject());
-            return found.size() >= count;
+            return sent.size() >= count;
         }));
-        found.resize(count);
-        return found;
+        const QMutexLocker locker(&lock);
+        return sent;
     }
     void pass(std::chrono::seconds date, std::chrono::milliseconds uptime = 0ms) {
         const QMutexLocker locker(&lock);
@@ -102,6 +90,7 @@ struct World {
         return std::make_shared<TelemetryManagerConfiguration>(configuration);
     }
     QString cacheFile() const { return SignalCache::filePath(directory.path()); }
+    QStringList saved() const { return typesIn(QJsonDocument::fromJson(contents(cacheFile())).array()); }
     QString preferencesFile() const {
         return preferencesPath(directory.path(), configuration.telemetryAppID);
     }
@@ -109,7 +98,7 @@ struct World {
     QTemporaryDir directory;
     QMutex lock;
     QMap<LogLevel, QStringList> log;
-    QList<HttpRequest> requests;
+    QJsonArray sent;
     QList<tl::expected<HttpResponse, HttpError>> answers; ///< 200 when there is none
     bool isHeld = false;                                  ///< true: no answer ever comes
     Moment now{QDateTime(QDate(2024, 5, 31), QTime(12, 0), Qt::UTC), 0ms};
@@ -140,7 +129,7 @@ TEST(AnalyticsRecordTests, isWrittenInOrderWithBothFormsOfDates) {
 }
 
 /// Not a test of its own: what everyValueIsTrue runs where the language and the time zone are others.
-TEST(AnalyticsRecordTests, DISABLED_sendsOne) {
+TEST(AnalyticsRecordTests, dISABLED_sendsOne) {
     TelemetryManagerConfiguration configuration(u"app"_s, {}, QUrl(qEnvironmentVariable("VANTREL_TEST_URL")));
     configuration.logHandler.reset();
     configuration.transmitInterval = 0.01;
@@ -157,24 +146,25 @@ TEST(AnalyticsRecordTests, DISABLED_sendsOne) {
 
 TEST(AnalyticsRecordTests, everyValueIsTrueAndListedInTheDocuments) {
     QStringList sent{u"payload"_s, u"sessionID"_s};
-    for (const auto &[zone, language] :
-         {std::pair("UTC0", "C.UTF-8"), std::pair("EST5", "de_AT.UTF-8"),
-          std::pair("IST-5:30", "en_IN.UTF-8"), std::pair("NST3:30NDT,M3.2.0,M11.1.0", "pt_BR.UTF-8")}) {
-        SCOPED_TRACE(zone);
+    for (const auto &[zone, language] : {std::pair(u"UTC0"_s, u"C.UTF-8"_s),
+                                         {u"EST5"_s, u"de_AT.UTF-8"_s},
+                                         {u"IST-5:30"_s, u"en_IN.UTF-8"_s},
+                                         {u"NST3:30NDT,M3.2.0,M11.1.0"_s, u"pt_BR.UTF-8"_s}}) {
+        SCOPED_TRACE(zone.toStdString());
         const QTemporaryDir directory;
         // Left by a version that used the toolkit's own format.
-        ASSERT_TRUE(QFile::copy(QStringLiteral(VANTREL_TEST_DATA "/signal/earlier.ini"),
+        ASSERT_TRUE(QFile::copy(u"" VANTREL_TEST_DATA "/signal/earlier.ini"_s,
                                 preferencesPath(directory.path(), u"app"_s)));
         test::LocalHttpServer server;
         QProcess client;
-        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
-        variables.insert(u"TZ"_s, QLatin1String(zone));
-        variables.insert(u"LC_ALL"_s, QLatin1String(language));
-        variables.insert(u"USER_ID"_s, u"ME-AND-NOBODY-ELSE"_s);
-        variables.insert(u"VANTREL_TEST_URL"_s, server.url().toString());
-        variables.insert(u"VANTREL_TEST_DIRECTORY"_s, directory.path());
-        variables.remove(u"LANGUAGE"_s);
-        client.setProcessEnvironment(variables);
+        QStringList variables =
+            QProcess::systemEnvironment() + QStringList{u"TZ="_s + zone,
+                                                        u"LC_ALL="_s + language,
+                                                        u"LANGUAGE="_s,
+                                                        u"USER_ID=ME-AND-NOBODY-ELSE"_s,
+                                                        u"VANTREL_TEST_URL="_s + server.url().toString(),
+                                                        u"VANTREL_TEST_DIRECTORY="_s + directory.path()};
+        client.setEnvironment(variables);
         client.start(QCoreApplication::applicationFilePath(),
                      {u"--gtest_filter=*DISABLED_sendsOne"_s, u"--gtest_also_run_disabled_tests"_s});
         ASSERT_TRUE(waitFor([&] { return !server.bodies.isEmpty(); }));
@@ -184,16 +174,13 @@ TEST(AnalyticsRecordTests, everyValueIsTrueAndListedInTheDocuments) {
 
         QJsonObject record = QJsonDocument::fromJson(server.bodies.first()).array().first().toObject();
         const QJsonObject payload = record.take(u"payload"_s).toObject();
-        const QString session = record.take(u"sessionID"_s).toString();
-        EXPECT_EQ(session, QUuid(session).toString(QUuid::WithoutBraces).toUpper());
-        variables.insert(u"AT"_s, record[u"receivedAt"_s].toString());
+        EXPECT_FALSE(QUuid(record.take(u"sessionID"_s).toString()).isNull());
         QProcess shell;
-        shell.setProcessEnvironment(variables);
-        shell.start(u"sh"_s, {QStringLiteral(VANTREL_TEST_DATA "/signal/expected.sh")});
+        shell.setEnvironment(variables << u"AT="_s + record[u"receivedAt"_s].toString());
+        shell.start(u"sh"_s, {u"" VANTREL_TEST_DATA "/signal/expected.sh"_s});
         ASSERT_TRUE(shell.waitForFinished());
-        QStringList expected =
-            QString::fromUtf8(shell.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
-        expected.removeIf([](const QString &line) { return line.endsWith(u'='); });
+        QStringList expected = QString::fromUtf8(shell.readAllStandardOutput()).split(u'\n');
+        expected.removeIf([](const QString &line) { return line.isEmpty() || line.endsWith(u'='); });
         QStringList found;
         for (const QJsonObject &part : {record, payload})
             for (const QString &key : part.keys())
@@ -204,7 +191,7 @@ TEST(AnalyticsRecordTests, everyValueIsTrueAndListedInTheDocuments) {
         EXPECT_EQ(found.join(u'\n').toStdString(), expected.join(u'\n').toStdString());
     }
 
-    const QByteArray page = contents(QStringLiteral(VANTREL_TEST_DATA "/../../docs/privacy.md"));
+    const QByteArray page = contents(u"" VANTREL_TEST_DATA "/../../docs/privacy.md"_s);
     const QString section =
         QString::fromUtf8(page).section(u"## What a signal holds"_s, 1).section(u"\n## "_s, 0, 0);
     QSet<QString> listed;
@@ -218,10 +205,8 @@ TEST(AnalyticsRecordTests, holdsWhatWasRecordedAndWhoRecordedIt) {
     world.configuration.salt = u"salt"_s;
     world.configuration.testMode = true;
     world.configuration.sendNewSessionBeganSignal = world.configuration.sessionStatsEnabled = false;
-    world.configuration.defaultParameters = [] {
-        return SignalParameters{
-            {u"a"_s, u"default"_s}, {u"b"_s, u"default"_s}, {u"platform"_s, u"default"_s}};
-    };
+    const SignalParameters defaults{{u"a"_s, u"base"_s}, {u"b"_s, u"base"_s}, {u"platform"_s, u"base"_s}};
+    world.configuration.defaultParameters = [&] { return defaults; };
     world.configuration.metadataEnrichers = {[](const QString &type, const auto &, auto value) {
         return SignalParameters{{u"b"_s, type + QString::number(value.value_or(0))},
                                 {u"locale"_s, u"enricher"_s},
@@ -238,12 +223,12 @@ TEST(AnalyticsRecordTests, holdsWhatWasRecordedAndWhoRecordedIt) {
     EXPECT_EQ(records[0][u"clientUser"], hashed(u"abcsalt"_s, {}));
     EXPECT_EQ(hashed(u"abc"_s, {}), u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s);
     EXPECT_EQ(records[0][u"floatValue"], 1.5);
-    EXPECT_FALSE(records[1].contains(u"floatValue"));
+    EXPECT_TRUE(records[1][u"floatValue"].isUndefined());
     EXPECT_EQ(records[0][u"isTestMode"], u"true"_s);
     QStringList values;
-    for (const char *key : {"a", "b", "c", "platform", "locale"})
-        values.append(records[0][u"payload"][QLatin1String(key)].toString());
-    EXPECT_EQ(values.join(u' '), u"default one1.5 own macOS enricher"_s);
+    for (const QString &key : {u"a"_s, u"b"_s, u"c"_s, u"platform"_s, u"locale"_s})
+        values.append(records[0][u"payload"][key].toString());
+    EXPECT_EQ(values.join(u' '), u"base one1.5 own macOS enricher"_s);
     const QString identifier = PreferencesFile(world.preferencesFile()).value(u"defaultUserIdentifier"_s);
     EXPECT_EQ(records[1][u"clientUser"], hashed(identifier, u"salt"_s));
     EXPECT_EQ(QUuid(identifier).toString(QUuid::WithoutBraces).toUpper(), identifier);
@@ -251,14 +236,10 @@ TEST(AnalyticsRecordTests, holdsWhatWasRecordedAndWhoRecordedIt) {
 }
 
 TEST(AnalyticsRecordTests, prefixesNamesAndWarnsOfReservedOnes) {
-    const auto warning = [](const QString &what, const QString &remedy) {
-        return u"Sending %1 will cause unexpected behavior. Please use another %2 instead."_s.arg(what,
-                                                                                                  remedy);
-    };
-    const QString name = warning(u"signal with reserved prefix 'TelemetryDeck.'"_s, u"prefix"_s);
-    const QString key = warning(u"parameter with reserved key prefix 'TelemetryDeck.'"_s, u"prefix"_s);
-    const QStringList both{warning(u"signal with reserved name 'Type'"_s, u"name"_s),
-                           warning(u"parameter with reserved key 'appversion'"_s, u"key"_s)};
+    const QString name = u"signal with reserved prefix 'TelemetryDeck.'|prefix"_s;
+    const QString key = u"parameter with reserved key prefix 'TelemetryDeck.'|prefix"_s;
+    const QStringList both{u"signal with reserved name 'Type'|name"_s,
+                           u"parameter with reserved key 'appversion'|key"_s};
     for (const auto &[prefix, signal, parameter, warnings] :
          {std::tuple(u"My."_s, u"TelemetryDeck.x"_s, u"platform"_s, QStringList()),
           {u""_s, u"telemetrydeck.x"_s, u"TELEMETRYDECK.y"_s, {name, key}},
@@ -271,7 +252,12 @@ TEST(AnalyticsRecordTests, prefixesNamesAndWarnsOfReservedOnes) {
         const auto records = world.records(1);
         EXPECT_EQ(records[0][u"type"].toString(), prefix + signal);
         EXPECT_EQ(records[0][u"payload"][prefix + parameter], u"mine"_s);
-        EXPECT_EQ(world.messages(LogLevel::Error), warnings) << signal.toStdString();
+        QStringList expected;
+        for (const QString &warning : warnings)
+            expected.append(
+                u"Sending %1 will cause unexpected behavior. Please use another %2 instead."_s.arg(
+                    warning.section(u'|', 0, 0), warning.section(u'|', 1)));
+        EXPECT_EQ(world.messages(LogLevel::Error), expected) << signal.toStdString();
     }
 }
 
@@ -279,16 +265,15 @@ TEST(AnalyticsRecordTests, prefixesNamesAndWarnsOfReservedOnes) {
 
 TEST(AnalyticsChoiceTests, nothingHappensWithoutADestinationOrForThoseWhoDecline) {
     const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
-    using Edit = std::function<void(TelemetryManagerConfiguration &)>;
-    for (const auto &[variable, edit] : {std::pair<const char *, Edit>{"1", [](auto &) {}},
-                                         {"yes", [](auto &) {}},
-                                         {"0", [](auto &edited) { edited.apiBaseURL.clear(); }},
-                                         {"0", [](auto &edited) { edited.analyticsDisabled = true; }},
-                                         {"0", [](auto &edited) { edited.previewMode = true; }}}) {
+    for (const std::string reason : {"1", "yes", "no destination", "disabled", "preview"}) {
+        SCOPED_TRACE(reason);
         World world;
-        qputenv("DO_NOT_TRACK", variable);
-        edit(world.configuration);
-        EXPECT_FALSE(TelemetryDeck::initialize(world.configuration, world.environment)) << variable;
+        qputenv("DO_NOT_TRACK", reason.size() <= 3 ? reason.c_str() : "0");
+        if (reason == "no destination")
+            world.configuration.apiBaseURL.clear();
+        world.configuration.analyticsDisabled = reason == "disabled";
+        world.configuration.previewMode = reason == "preview";
+        EXPECT_FALSE(TelemetryDeck::initialize(world.configuration, world.environment));
         TelemetryDeck::signal(u"dropped"_s);
         TelemetryDeck::shutDown();
         EXPECT_THAT(QDir(world.directory.path()).entryList(QDir::Files), IsEmpty());
@@ -314,7 +299,7 @@ TEST(AnalyticsChoiceTests, whoCannotBeRememberedIsNotCounted) {
     world.start();
     world.manager->signal(u"s"_s);
     world.manager.reset();
-    EXPECT_THAT(world.requests, IsEmpty());
+    EXPECT_EQ(world.sent, QJsonArray());
     EXPECT_THAT(world.messages(LogLevel::Error), Contains(world.preferencesFile() + u" cannot be read"_s));
     EXPECT_EQ(typesIn(contents(world.cacheFile())), QStringList());
 }
@@ -323,25 +308,23 @@ TEST(AnalyticsChoiceTests, whoCannotBeRememberedIsNotCounted) {
 
 TEST(AnalyticsSendingTests, formsTheServiceAddress) {
     for (const auto &[base, nameSpace, expected] :
-         {std::tuple("https://a.example", "com.x", "https://a.example/v2/namespace/com.x/"),
-          {"https://a.example/in/", "com.x", "https://a.example/in/v2/namespace/com.x/"},
-          {"http://a.example:8080", "", "http://a.example:8080/v2/"},
-          {"https://a.example", "a b", ""},
-          {"", "com.x", ""},
-          {"signals.example", "", ""},
-          {"file:///tmp", "", ""}}) {
-        const auto url = serviceURL(TelemetryManagerConfiguration(
-            u"app"_s, {}, QUrl(QString::fromLatin1(base)), QString::fromLatin1(nameSpace)));
-        EXPECT_EQ(url.value_or(QUrl()), QUrl(QString::fromLatin1(expected))) << base;
+         {std::tuple(u"https://a.example"_s, u"com.x"_s, u"https://a.example/v2/namespace/com.x/"_s),
+          {u"https://a.example/in/"_s, u"com.x"_s, u"https://a.example/in/v2/namespace/com.x/"_s},
+          {u"http://a.example:8080"_s, u""_s, u"http://a.example:8080/v2/"_s},
+          {u"https://a.example"_s, u"a b"_s, u""_s},
+          {u""_s, u"com.x"_s, u""_s},
+          {u"signals.example"_s, u""_s, u""_s},
+          {u"file:///tmp"_s, u""_s, u""_s}}) {
+        const auto url = serviceURL(TelemetryManagerConfiguration(u"app"_s, {}, QUrl(base), nameSpace));
+        EXPECT_EQ(url.value_or(QUrl()), QUrl(expected)) << base.toStdString();
     }
 }
 
 /// Lets the pending attempt of a manager on this thread begin now; returns what it sent and the next delay.
 std::pair<QStringList, int> attempt(SignalManager &manager, World &world) {
-    world.requests.clear();
+    world.sent = {};
     QMetaObject::invokeMethod(&manager.sendTimerSource(), "timeout");
-    return {world.requests.isEmpty() ? QStringList() : typesIn(world.requests.first().json),
-            manager.sendTimerSource().interval() / 1000};
+    return {typesIn(world.sent), manager.sendTimerSource().interval() / 1000};
 }
 
 TEST(AnalyticsSendingTests, goesOutInBatchesBacksOffAndRecovers) {
@@ -369,25 +352,25 @@ TEST(AnalyticsSendingTests, goesOutInBatchesBacksOffAndRecovers) {
 }
 
 TEST(AnalyticsSendingTests, judgesEveryStatus) {
-    const QMap<int, QString> rejected{
-        {400, u"Bad Request (400)"_s},       {401, u"Unauthorized (401)"_s},
-        {403, u"Forbidden (403)"_s},         {404, u"Not Found (404)"_s},
-        {413, u"Payload Too Large (413)"_s}, {422, u"Unprocessable Entity (422)"_s},
-        {501, u"Not Implemented (501)"_s},   {505, u"HTTP Version Not Supported (505)"_s}};
+    const QMap<int, QString> rejected{{400, u"Bad Request"_s},       {401, u"Unauthorized"_s},
+                                      {403, u"Forbidden"_s},         {404, u"Not Found"_s},
+                                      {413, u"Payload Too Large"_s}, {422, u"Unprocessable Entity"_s},
+                                      {501, u"Not Implemented"_s},   {505, u"HTTP Version Not Supported"_s}};
     for (const int code : {0,   100, 200, 202, 299, 301, 307, 400, 401, 402, 403,
                            404, 408, 413, 422, 429, 500, 501, 502, 503, 505, 599}) {
         SCOPED_TRACE(code);
         const bool isKept = code / 100 != 2 && !rejected.contains(code);
         World world;
         SignalManager manager(world.shared(), world.directory.path());
-        for (const QString &type : {u"1"_s, u"2"_s, u"3"_s})
-            manager.push(sample(type));
+        for (int time = 0; time < 3; ++time)
+            manager.push(sample());
         world.answers.append(HttpResponse{code, "the answer"});
         EXPECT_EQ(attempt(manager, world).first.size(), 3);
         const QString later = u"Failed to send events (status %1), will try again later"_s.arg(code);
         EXPECT_EQ(world.messages(LogLevel::Debug).contains(later), isKept);
         EXPECT_EQ(attempt(manager, world).first.size(), isKept ? 3 : 0);
-        const QString dropped = u"Dropping 3 signal(s): rejected by server "_s + rejected.value(code);
+        const QString dropped =
+            u"Dropping 3 signal(s): rejected by server %1 (%2)"_s.arg(rejected.value(code)).arg(code);
         EXPECT_EQ(world.messages(LogLevel::Error), QStringList(rejected.count(code), dropped));
     }
     World world;
@@ -408,26 +391,24 @@ TEST(AnalyticsCacheTests, readsWhatItCanAndSurvivesTheRest) {
         return QByteArray(good).replace(from, to);
     };
     const QByteArray large = '"' + QByteArray(50 * 1024 * 1024, 'x') + '"';
-    struct Case {
-        const char *name;
-        QByteArray contents;
-        bool isLoaded = false;
-        qint64 size = 0; // padded to this size
-    };
-    for (const auto &[name, text, isLoaded, size] :
-         {Case{"empty", ""}, Case{"truncated", good.left(good.size() - 9)}, Case{"not JSON", "signals!"},
-          Case{"not a list", good.mid(1, good.size() - 2)}, Case{"other keys", changed("clientUser", "user")},
-          Case{"date of the network", *encodeSignals({sample()}, DateForm::Network)},
-          Case{"number as parameter", changed("\"2\"", "2")},
-          Case{"one of two is bad", good.chopped(1) + ",{}]"},
-          Case{"beyond any sense", good, false, 200 * 1024 * 1024}, Case{"good", good, true},
-          Case{"an unknown key more", changed("\"appID\"", "\"new\":[],\"appID\""), true},
-          Case{"50 MB", changed("\"2\"", large), true}}) {
-        SCOPED_TRACE(name);
+    const QByteArray beyondSense = good + QByteArray(128 * 1024 * 1024, ' '); // JSON all the same
+    // What the file holds, and whether that can be read.
+    for (const auto &[text, isLoaded] : {std::pair(QByteArray(), false),
+                                         {good.left(good.size() - 9), false},
+                                         {"signals!", false},
+                                         {good.mid(1, good.size() - 2), false},
+                                         {changed("clientUser", "user"), false},
+                                         {*encodeSignals({sample()}, DateForm::Network), false},
+                                         {changed("\"2\"", "2"), false},
+                                         {good.chopped(1) + ",{}]", false},
+                                         {good, true},
+                                         {beyondSense, false},
+                                         {changed("\"appID\"", "\"new\":[],\"appID\""), true},
+                                         {changed("\"2\"", large), true}}) {
+        SCOPED_TRACE(text.left(200).toStdString());
         World world;
         world.configuration.logHandler->minimumLevel = LogLevel::Info;
         write(world.cacheFile(), text);
-        ASSERT_TRUE(size == 0 || QFile::resize(world.cacheFile(), size));
         SignalCache cache(world.shared(), world.directory.path());
         cache.load();
         EXPECT_EQ(cache.size(), isLoaded ? 1 : 0);
@@ -575,7 +556,7 @@ TEST(AnalyticsSessionTests, countsWhatWasStored) {
 TEST(AnalyticsSessionTests, aLongAbsenceBeginsANewOne) {
     World world;
     world.start();
-    const QJsonObject first = world.records(2).first();
+    const QJsonValue first = world.records(2).first();
     EXPECT_EQ(first[u"payload"][u"TelemetryDeck.Acquisition.firstSessionDate"], u"2024-05-31"_s);
     for (const auto away : {300s, -300s, 301s}) {
         world.manager->movedToBackground();
@@ -583,10 +564,9 @@ TEST(AnalyticsSessionTests, aLongAbsenceBeginsANewOne) {
         world.manager->returnedToForeground();
         world.manager->signal(u"back"_s);
     }
-    QStringList types;
-    for (const QJsonObject &record : world.records(6))
-        types.append(record[u"type"].toString().section(u'.', -1));
-    EXPECT_EQ(types.join(u' '), u"newInstallDetected started back back started back"_s);
+    EXPECT_EQ(
+        typesIn(world.records(6)).replaceInStrings(QRegularExpression(u".*\\."_s), QString()).join(u' '),
+        u"newInstallDetected started back back started back"_s);
 }
 
 } // namespace

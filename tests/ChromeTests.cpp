@@ -23,16 +23,12 @@ using ::testing::IsEmpty;
 
 // Readable failure messages for the toolkit's values; found by argument-dependent lookup.
 static std::string text(const QRect &rect) {
-    return QStringLiteral("%1,%2 %3x%4")
-        .arg(rect.x())
-        .arg(rect.y())
-        .arg(rect.width())
-        .arg(rect.height())
-        .toStdString();
+    return u"%1,%2 %3x%4"_s.arg(rect.x()).arg(rect.y()).arg(rect.width()).arg(rect.height()).toStdString();
 }
 
 namespace {
 
+using namespace Qt::StringLiterals;
 /// A window made of numbers: it keeps a log of what it was told to do.
 class FakeWindow : public ChromeWindow {
 public:
@@ -75,10 +71,10 @@ public:
     }
 };
 
-class WindowChromeCoordinatorTest : public ::testing::Test {
+class WindowChromeCoordinatorTests : public ::testing::Test {
 protected:
     FakeWindow window;
-    QString doubleClickAction = QStringLiteral("Maximize");
+    QString doubleClickAction = u"Maximize"_s;
     WindowChromeCoordinator chrome{[this] { return doubleClickAction; }};
 
     void SetUp() override { chrome.attach(&window); }
@@ -102,7 +98,7 @@ protected:
 
 constexpr QPointF bar(400, 26);
 
-TEST_F(WindowChromeCoordinatorTest, TakesOnlyTheFreePartOfTheBand) {
+TEST_F(WindowChromeCoordinatorTests, takesOnlyTheFreePartOfTheBand) {
     struct Case {
         const char *what;
         QPointF position;
@@ -143,7 +139,7 @@ TEST_F(WindowChromeCoordinatorTest, TakesOnlyTheFreePartOfTheBand) {
     EXPECT_TRUE(chrome.isInTitleBarBand(at({1279, 26}))) << "the toolbar's part follows the right edge";
 }
 
-TEST_F(WindowChromeCoordinatorTest, MovesOnlyBeyondTheThreshold) {
+TEST_F(WindowChromeCoordinatorTests, movesOnlyBeyondTheThreshold) {
     struct Case {
         QPointF offset;
         bool moves;
@@ -161,7 +157,7 @@ TEST_F(WindowChromeCoordinatorTest, MovesOnlyBeyondTheThreshold) {
     }
 }
 
-TEST_F(WindowChromeCoordinatorTest, DragsOncePerPress) {
+TEST_F(WindowChromeCoordinatorTests, dragsOncePerPress) {
     drag(bar, bar + QPointF(3, 0));
     EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(5, 0))), EventOutcome::swallow)
         << "the distance counts from the press";
@@ -181,7 +177,7 @@ TEST_F(WindowChromeCoordinatorTest, DragsOncePerPress) {
     EXPECT_THAT(window.log, IsEmpty());
 }
 
-TEST_F(WindowChromeCoordinatorTest, LeavesOtherWindowsAlone) {
+TEST_F(WindowChromeCoordinatorTests, leavesOtherWindowsAlone) {
     FakeWindow dialog;
     for (const ChromeWindow *other :
          {static_cast<const ChromeWindow *>(&dialog), static_cast<const ChromeWindow *>(nullptr)}) {
@@ -206,7 +202,7 @@ TEST_F(WindowChromeCoordinatorTest, LeavesOtherWindowsAlone) {
     EXPECT_THAT(dialog.log, IsEmpty());
 }
 
-TEST_F(WindowChromeCoordinatorTest, DoubleClickDoesWhatTheSettingSays) {
+TEST_F(WindowChromeCoordinatorTests, doubleClickDoesWhatTheSettingSays) {
     struct Case {
         const char *setting;
         const char *expected;
@@ -224,7 +220,7 @@ TEST_F(WindowChromeCoordinatorTest, DoubleClickDoesWhatTheSettingSays) {
     }
 }
 
-TEST_F(WindowChromeCoordinatorTest, ZoomsAndReturns) {
+TEST_F(WindowChromeCoordinatorTests, zoomsAndReturns) {
     doubleClick(bar);
     doubleClick(bar);
     doubleClick(bar);
@@ -232,7 +228,7 @@ TEST_F(WindowChromeCoordinatorTest, ZoomsAndReturns) {
                 ElementsAre("frame 0,28 1920x1052", "frame 100,80 1280x820", "frame 0,28 1920x1052"));
 }
 
-TEST_F(WindowChromeCoordinatorTest, ADragForgetsTheZoom) {
+TEST_F(WindowChromeCoordinatorTests, aDragForgetsTheZoom) {
     doubleClick(bar);
     drag(bar, bar + QPointF(3, 0)); // too short
     doubleClick(bar);
@@ -247,7 +243,7 @@ TEST_F(WindowChromeCoordinatorTest, ADragForgetsTheZoom) {
     EXPECT_THAT(window.log, ElementsAre("frame 0,28 1920x1052", "frame 300,200 1280x820"));
 }
 
-TEST_F(WindowChromeCoordinatorTest, FollowsTheWindowSystemsOwnZoom) {
+TEST_F(WindowChromeCoordinatorTests, followsTheWindowSystemsOwnZoom) {
     window.zoomed = true; // by a keyboard shortcut of the desktop: no frame of ours to return to
     doubleClick(bar);
     EXPECT_THAT(window.log, ElementsAre("zoom"));
@@ -266,7 +262,7 @@ TEST_F(WindowChromeCoordinatorTest, FollowsTheWindowSystemsOwnZoom) {
     EXPECT_THAT(window.log, ElementsAre("zoom", "frame 100,80 1280x820"));
 }
 
-TEST_F(WindowChromeCoordinatorTest, LeavesFullScreen) {
+TEST_F(WindowChromeCoordinatorTests, leavesFullScreen) {
     doubleClick(bar); // zoomed, then full screen from the desktop's menu
     window.fullScreen = true;
     window.log.clear();
@@ -276,7 +272,7 @@ TEST_F(WindowChromeCoordinatorTest, LeavesFullScreen) {
     EXPECT_THAT(window.log, ElementsAre("full screen", "frame 100,80 1280x820")) << "the zoom outlives it";
 }
 
-TEST(WindowPlacement, FindsTheEdgeUnderTheMouse) {
+TEST(WindowPlacementTests, findsTheEdgeUnderTheMouse) {
     constexpr QSize size(1280, 820);
     struct Case {
         QPointF position;
@@ -306,7 +302,7 @@ TEST(WindowPlacement, FindsTheEdgeUnderTheMouse) {
             << test.position.x() << "," << test.position.y();
 }
 
-TEST(WindowPlacement, ResizesTheGrippedEdgesOnly) {
+TEST(WindowPlacementTests, resizesTheGrippedEdgesOnly) {
     constexpr QRect frame(100, 100, 1200, 800);
     constexpr QSize minimum(1100, 720);
     struct Case {
@@ -330,7 +326,7 @@ TEST(WindowPlacement, ResizesTheGrippedEdgesOnly) {
     }
 }
 
-TEST(WindowPlacement, KeepsTheTitleBarReachable) {
+TEST(WindowPlacementTests, keepsTheTitleBarReachable) {
     constexpr QRect left(0, 28, 1920, 1052);
     constexpr QRect right(1920, 0, 1280, 1024);
     struct Case {
@@ -359,7 +355,7 @@ TEST(WindowPlacement, KeepsTheTitleBarReachable) {
     }
 }
 
-TEST(WindowPlacement, DragsAMaximisedWindowOutUnderTheMouse) {
+TEST(WindowPlacementTests, dragsAMaximisedWindowOutUnderTheMouse) {
     for (const double x : {0.0, 480.0, 1919.0}) {
         const QPoint mouse(qRound(x) + 7, 90); // it has moved on since the press
         const QRect frame(placeDraggedOut(1920, {x, 20}, {1280, 820}, mouse), QSize(1280, 820));
@@ -370,16 +366,16 @@ TEST(WindowPlacement, DragsAMaximisedWindowOutUnderTheMouse) {
 }
 
 /// A real window on a platform without a window manager: it moves and resizes by itself.
-class WindowChromeTest : public ::testing::Test {
+class WindowChromeTests : public ::testing::Test {
 protected:
     QMainWindow window;
-    QString doubleClickAction = QStringLiteral("Maximize");
+    QString doubleClickAction = u"Maximize"_s;
     WindowChrome chrome{&window, [this] { return doubleClickAction; }};
     QPushButton *tool = new QPushButton;
     QPushButton *content = new QPushButton;
 
     void SetUp() override {
-        window.setWindowTitle(QStringLiteral("Vantrel"));
+        window.setWindowTitle(u"Vantrel"_s);
         window.setMinimumSize(400, 300);
         chrome.titleBar()->addToolbarWidget(tool);
         window.setCentralWidget(content);
@@ -399,7 +395,7 @@ protected:
     }
 };
 
-TEST_F(WindowChromeTest, MovesByItsBandOnly) {
+TEST_F(WindowChromeTests, movesByItsBandOnly) {
     struct Case {
         const char *what;
         QPoint from;
@@ -426,7 +422,7 @@ TEST_F(WindowChromeTest, MovesByItsBandOnly) {
     EXPECT_EQ(window.geometry(), before) << "a click";
 }
 
-TEST_F(WindowChromeTest, CannotBeLost) {
+TEST_F(WindowChromeTests, cannotBeLost) {
     const QRect screen = window.screen()->availableGeometry();
     drag({250, 26}, {0, -3000});
     EXPECT_EQ(window.pos().y(), screen.top());
@@ -439,7 +435,7 @@ TEST_F(WindowChromeTest, CannotBeLost) {
     EXPECT_TRUE(screen.intersects(window.geometry())) << text(window.geometry());
 }
 
-TEST_F(WindowChromeTest, ResizesByItsEdges) {
+TEST_F(WindowChromeTests, resizesByItsEdges) {
     drag({598, 200}, {40, 40});
     EXPECT_EQ(window.geometry(), QRect(60, 50, 640, 400)) << text(window.geometry());
     drag({1, 1}, {-10, -20});
@@ -454,7 +450,7 @@ TEST_F(WindowChromeTest, ResizesByItsEdges) {
     EXPECT_FALSE(QGuiApplication::overrideCursor());
 }
 
-TEST_F(WindowChromeTest, ZoomsByDoubleClickAndByButton) {
+TEST_F(WindowChromeTests, zoomsByDoubleClickAndByButton) {
     const QRect normal = window.geometry();
     const auto doubleClick = [&](QPoint position) {
         QTest::mouseDClick(window.windowHandle(), Qt::LeftButton, {}, position);
@@ -475,7 +471,7 @@ TEST_F(WindowChromeTest, ZoomsByDoubleClickAndByButton) {
 
     doubleClick({250, 200});
     EXPECT_FALSE(window.isMaximized()) << "the content";
-    doubleClickAction = QStringLiteral("Minimize");
+    doubleClickAction = u"Minimize"_s;
     doubleClick({250, 26});
     EXPECT_TRUE(window.isMinimized());
     bringToFront(&window, {});
@@ -483,7 +479,7 @@ TEST_F(WindowChromeTest, ZoomsByDoubleClickAndByButton) {
     EXPECT_TRUE(window.isVisible());
 }
 
-TEST_F(WindowChromeTest, ButtonsSayWhatTheyDo) {
+TEST_F(WindowChromeTests, buttonsSayWhatTheyDo) {
     struct Case {
         WindowButton button;
         const char *name;
@@ -501,7 +497,7 @@ TEST_F(WindowChromeTest, ButtonsSayWhatTheyDo) {
     EXPECT_FALSE(window.isVisible());
 }
 
-TEST_F(WindowChromeTest, WearsTheTheme) {
+TEST_F(WindowChromeTests, wearsTheTheme) {
     const auto band = [&] { return window.grab().toImage().pixel(300, 20); };
     for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {
         AppTheme::setScheme(scheme);

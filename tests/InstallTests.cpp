@@ -12,6 +12,7 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
 struct Outcome {
     int status = -1;
     std::string output;
@@ -33,13 +34,12 @@ Outcome run(const QString &program, const QStringList &arguments,
 }
 
 /// One installation for all of the tests.
-class InstallTest : public ::testing::Test {
+class InstallTests : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        prefix = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/v-XXXXXX"));
-        installation = run(QStringLiteral(VANTREL_CMAKE),
-                           {QStringLiteral("--install"), QStringLiteral(VANTREL_BUILD_DIRECTORY),
-                            QStringLiteral("--prefix"), prefix->path()});
+        prefix = new QTemporaryDir(QDir::tempPath() + u"/v-XXXXXX"_s);
+        installation = run(u"" VANTREL_CMAKE ""_s,
+                           {u"--install"_s, u"" VANTREL_BUILD_DIRECTORY ""_s, u"--prefix"_s, prefix->path()});
     }
     static void TearDownTestSuite() { delete prefix; }
 
@@ -51,25 +51,24 @@ protected:
     static inline Outcome installation;
 };
 
-TEST_F(InstallTest, IsComplete) {
+TEST_F(InstallTests, isComplete) {
     QStringList files;
     QDirIterator each(prefix->path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (each.hasNext())
         files.append(QDir(prefix->path()).relativeFilePath(each.next()));
-    files.removeAll(QStringLiteral("share/vantrel/platform-tools/adb")); // a choice of the build
+    files.removeAll(u"share/vantrel/platform-tools/adb"_s); // a choice of the build
     files.sort();
 
-    QStringList expected{QStringLiteral("bin/vantrel"),
-                         QStringLiteral("share/applications/com.vantrelapp.Vantrel.desktop"),
-                         QStringLiteral("share/doc/vantrel/changelog.Debian.gz"),
-                         QStringLiteral("share/doc/vantrel/copyright"),
-                         QStringLiteral("share/icons/hicolor/scalable/apps/com.vantrelapp.Vantrel.svg"),
-                         QStringLiteral("share/man/man1/vantrel.1.gz"),
-                         QStringLiteral("share/metainfo/com.vantrelapp.Vantrel.metainfo.xml"),
-                         QStringLiteral("share/vantrel/udev/51-vantrel-android.rules")};
+    QStringList expected{u"bin/vantrel"_s,
+                         u"share/applications/com.vantrelapp.Vantrel.desktop"_s,
+                         u"share/doc/vantrel/changelog.Debian.gz"_s,
+                         u"share/doc/vantrel/copyright"_s,
+                         u"share/icons/hicolor/scalable/apps/com.vantrelapp.Vantrel.svg"_s,
+                         u"share/man/man1/vantrel.1.gz"_s,
+                         u"share/metainfo/com.vantrelapp.Vantrel.metainfo.xml"_s,
+                         u"share/vantrel/udev/51-vantrel-android.rules"_s};
     for (const int size : {16, 22, 24, 32, 48, 64, 128, 256, 512}) {
-        const QString icon =
-            QStringLiteral("share/icons/hicolor/%1x%1/apps/com.vantrelapp.Vantrel.png").arg(size);
+        const QString icon = u"share/icons/hicolor/%1x%1/apps/com.vantrelapp.Vantrel.png"_s.arg(size);
         expected.append(icon);
         const QImage image(prefix->filePath(icon));
         EXPECT_EQ(image.size(), QSize(size, size)) << icon.toStdString();
@@ -80,7 +79,7 @@ TEST_F(InstallTest, IsComplete) {
     EXPECT_EQ(files, expected) << files.join(u'\n').toStdString();
 }
 
-TEST_F(InstallTest, SatisfiesTheDesktopsValidators) {
+TEST_F(InstallTests, satisfiesTheDesktopsValidators) {
     struct Check {
         const char *program;
         QStringList arguments;
@@ -88,7 +87,7 @@ TEST_F(InstallTest, SatisfiesTheDesktopsValidators) {
     for (const Check &check :
          {Check{"desktop-file-validate", {installed("share/applications/com.vantrelapp.Vantrel.desktop")}},
           Check{"appstreamcli",
-                {QStringLiteral("validate"), QStringLiteral("--no-net"),
+                {u"validate"_s, u"--no-net"_s,
                  installed("share/metainfo/com.vantrelapp.Vantrel.metainfo.xml")}}}) {
         const QString program = QStandardPaths::findExecutable(QString::fromLatin1(check.program));
         ASSERT_FALSE(program.isEmpty()) << check.program << " is not installed";
@@ -99,11 +98,10 @@ TEST_F(InstallTest, SatisfiesTheDesktopsValidators) {
     }
 }
 
-TEST_F(InstallTest, HoldsNoPathOfTheMachineThatBuiltIt) {
+TEST_F(InstallTests, holdsNoPathOfTheMachineThatBuiltIt) {
     const auto check = [](const char *folder) {
-        return run(QStringLiteral(VANTREL_SOURCE_DIRECTORY "/scripts/holds-no-paths"),
-                   {installed(folder), QStringLiteral(VANTREL_BUILD_DIRECTORY),
-                    QStringLiteral(VANTREL_SOURCE_DIRECTORY)});
+        return run(u"" VANTREL_SOURCE_DIRECTORY "/scripts/holds-no-paths"_s,
+                   {installed(folder), u"" VANTREL_BUILD_DIRECTORY ""_s, u"" VANTREL_SOURCE_DIRECTORY ""_s});
     };
     const Outcome data = check("share");
     EXPECT_EQ(data.status, 0) << data.output << data.errors;
@@ -116,36 +114,36 @@ TEST_F(InstallTest, HoldsNoPathOfTheMachineThatBuiltIt) {
     }
 }
 
-TEST_F(InstallTest, AnswersWithoutADisplay) {
+TEST_F(InstallTests, answersWithoutADisplay) {
     QProcessEnvironment bare = QProcessEnvironment::systemEnvironment();
-    bare.remove(QStringLiteral("DISPLAY"));
-    bare.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    bare.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    bare.remove(u"DISPLAY"_s);
+    bare.remove(u"WAYLAND_DISPLAY"_s);
+    bare.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
     const QString program = installed("bin/vantrel");
-    const Outcome version = run(program, {QStringLiteral("--version")}, bare);
+    const Outcome version = run(program, {u"--version"_s}, bare);
     EXPECT_EQ(version.status, 0) << version.errors;
     EXPECT_EQ(version.output, "Vantrel " VANTREL_VERSION "\n");
-    EXPECT_EQ(run(program, {QStringLiteral("--help")}, bare).status, 0);
-    const Outcome refused = run(program, {QStringLiteral("--bogus")});
+    EXPECT_EQ(run(program, {u"--help"_s}, bare).status, 0);
+    const Outcome refused = run(program, {u"--bogus"_s});
     EXPECT_EQ(refused.status, 2);
     EXPECT_THAT(refused.errors, ::testing::HasSubstr("Unknown option 'bogus'."));
 }
 
-TEST_F(InstallTest, StartsInAHostileHomeAndStepsBackForTheFirst) {
-    const QTemporaryDir runtime(QDir::tempPath() + QStringLiteral("/v-XXXXXX"));
+TEST_F(InstallTests, startsInAHostileHomeAndStepsBackForTheFirst) {
+    const QTemporaryDir runtime(QDir::tempPath() + u"/v-XXXXXX"_s);
     QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QProcessEnvironment hostile = QProcessEnvironment::systemEnvironment();
     for (const char *place : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
         hostile.insert(QString::fromLatin1(place),
-                       QStringLiteral("/dev/null")); // no folder can be made there
+                       u"/dev/null"_s); // no folder can be made there
     for (const char *screen : {"DISPLAY", "WAYLAND_DISPLAY"})
         hostile.remove(QString::fromLatin1(screen));
-    hostile.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
+    hostile.insert(u"XDG_RUNTIME_DIR"_s, runtime.path());
     QProcess first;
     first.setProcessEnvironment(hostile);
     first.start(installed("bin/vantrel"), {});
     ASSERT_TRUE(first.waitForStarted());
-    const QString socket = runtime.filePath(QStringLiteral("vantrel.socket"));
+    const QString socket = runtime.filePath(u"vantrel.socket"_s);
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return QFile::exists(socket) || first.state() != QProcess::Running; }, 30'000));
     ASSERT_EQ(first.state(), QProcess::Running) << first.readAllStandardError().toStdString();

@@ -51,8 +51,8 @@ public:
     void start(QProcess &process, const QString &prefix = {}) {
         QFile::remove(path(u"asked"_s));
         process.setProcessEnvironment(variables);
-        process.start(u"sh"_s, {u"-c"_s, prefix + u" exec "_s + launcher() + u" \"$0\""_s,
-                                QStringLiteral(VANTREL_PROGRAM)});
+        process.start(u"sh"_s,
+                      {u"-c"_s, prefix + u" exec "_s + launcher() + u" \"$0\""_s, u"" VANTREL_PROGRAM ""_s});
         ASSERT_TRUE(process.waitForStarted());
         EXPECT_TRUE(waitFor(
             [&] { return QFile::exists(path(u"asked"_s)) || process.state() == QProcess::NotRunning; }));
@@ -212,7 +212,7 @@ TEST(ProgramTests, twoSessionsOfOneUserHaveAWindowEach) {
     program.variables.insert(u"DISPLAY"_s, u":7"_s);
     program.start(second);
     again.setProcessEnvironment(program.variables);
-    again.start(QStringLiteral(VANTREL_PROGRAM), {});
+    again.start(u"" VANTREL_PROGRAM ""_s, {});
     EXPECT_TRUE(waitFor([&] { return again.state() == QProcess::NotRunning; })) << "one window in a session";
     EXPECT_THAT(Program::end(second), IsEmpty());
     EXPECT_EQ(first.state(), QProcess::Running);

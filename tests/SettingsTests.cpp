@@ -26,13 +26,14 @@
 namespace vantrel {
 namespace {
 
-class SettingsTest : public ::testing::Test {
+using namespace Qt::StringLiterals;
+class SettingsTests : public ::testing::Test {
 protected:
     QTemporaryDir directory;
-    QString path = directory.filePath(QStringLiteral("vantrel/settings.ini"));
+    QString path = directory.filePath(u"vantrel/settings.ini"_s);
 };
 
-TEST_F(SettingsTest, RemembersAcrossStarts) {
+TEST_F(SettingsTests, remembersAcrossStarts) {
     {
         Settings settings(path);
         EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
@@ -64,7 +65,7 @@ TEST_F(SettingsTest, RemembersAcrossStarts) {
     EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::light);
 }
 
-TEST_F(SettingsTest, ReadsWhatIsStored) {
+TEST_F(SettingsTests, readsWhatIsStored) {
     struct Case {
         QByteArray text;
         ColorScheme scheme;
@@ -95,7 +96,7 @@ TEST_F(SettingsTest, ReadsWhatIsStored) {
     }
 }
 
-TEST_F(SettingsTest, DamagedOnesAreSetAsideAndMayHaveSaidNo) {
+TEST_F(SettingsTests, damagedOnesAreSetAsideAndMayHaveSaidNo) {
     constexpr char binary[] = "\x89PNG\0\xff\xfe[]=%%\n]]";
     const QByteArray random = QByteArray(binary, sizeof binary).repeated(200);
     for (const QByteArray &damaged : {QByteArray("[General\nappearancePreference dark\n"), random}) {
@@ -103,7 +104,7 @@ TEST_F(SettingsTest, DamagedOnesAreSetAsideAndMayHaveSaidNo) {
         {
             Settings settings(path);
             EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
-            EXPECT_EQ(settings.doubleClickAction(), QStringLiteral("Maximize"));
+            EXPECT_EQ(settings.doubleClickAction(), u"Maximize"_s);
             EXPECT_TRUE(settings.analyticsDisabled());
         }
         {
@@ -115,7 +116,7 @@ TEST_F(SettingsTest, DamagedOnesAreSetAsideAndMayHaveSaidNo) {
             EXPECT_EQ(changes.count(), 1);
         }
         EXPECT_FALSE(Settings(path).analyticsDisabled());
-        EXPECT_TRUE(contents(path + QStringLiteral(".damaged")) == damaged);
+        EXPECT_TRUE(contents(path + u".damaged"_s) == damaged);
     }
     // A pipe that nobody ever writes to: it is not waited for.
     QFile::remove(path);
@@ -123,7 +124,7 @@ TEST_F(SettingsTest, DamagedOnesAreSetAsideAndMayHaveSaidNo) {
     EXPECT_TRUE(Settings(path).analyticsDisabled());
 }
 
-TEST_F(SettingsTest, AreChangedWithoutDisturbingWhatPeopleWrote) {
+TEST_F(SettingsTests, areChangedWithoutDisturbingWhatPeopleWrote) {
     struct Case {
         QByteArray before, after;
     };
@@ -154,13 +155,12 @@ TEST_F(SettingsTest, AreChangedWithoutDisturbingWhatPeopleWrote) {
     }
 }
 
-TEST_F(SettingsTest, WorkWithoutAPlaceToStoreThem) {
-    QFile obstacle(directory.filePath(QStringLiteral("obstacle")));
+TEST_F(SettingsTests, workWithoutAPlaceToStoreThem) {
+    QFile obstacle(directory.filePath(u"obstacle"_s));
     ASSERT_TRUE(obstacle.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(QDir().mkpath(directory.filePath(QStringLiteral("folder.ini"))));
-    for (const QString &nowhere :
-         {directory.filePath(QStringLiteral("obstacle/settings.ini")),
-          directory.filePath(QStringLiteral("folder.ini")), QStringLiteral("/proc/vantrel/settings.ini")}) {
+    ASSERT_TRUE(QDir().mkpath(directory.filePath(u"folder.ini"_s)));
+    for (const QString &nowhere : {directory.filePath(u"obstacle/settings.ini"_s),
+                                   directory.filePath(u"folder.ini"_s), u"/proc/vantrel/settings.ini"_s}) {
         Settings settings(nowhere);
         EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
         settings.setAppearancePreference(ColorScheme::dark);
@@ -174,7 +174,7 @@ TEST_F(SettingsTest, WorkWithoutAPlaceToStoreThem) {
     }
 }
 
-TEST(UsageAnalyticsTest, FollowsTheSettings) {
+TEST(UsageAnalyticsTests, followsTheSettings) {
     const QTemporaryDir home;
     const std::pair<const char *, QByteArray> variables[] = {{"XDG_CONFIG_HOME", home.path().toUtf8()},
                                                              {"XDG_CACHE_HOME", home.path().toUtf8()},
@@ -184,10 +184,10 @@ TEST(UsageAnalyticsTest, FollowsTheSettings) {
         before[name] = qgetenv(name);
         qputenv(name, value);
     }
-    Settings settings(home.filePath(QStringLiteral("settings.ini")));
+    Settings settings(home.filePath(u"settings.ini"_s));
     settings.setAnalyticsDisabled(true);
     const auto kept = [&home](const char *key) -> QString {
-        const QStringList files = QDir(home.path()).entryList({QStringLiteral("com.telemetrydeck.*.ini")});
+        const QStringList files = QDir(home.path()).entryList({u"com.telemetrydeck.*.ini"_s});
         return files.isEmpty() ? QString()
                                : PreferencesFile(home.filePath(files.constFirst())).value(QLatin1String(key));
     };
@@ -197,15 +197,14 @@ TEST(UsageAnalyticsTest, FollowsTheSettings) {
     EXPECT_FALSE(QTest::qWaitFor([&] { return !identifier().isEmpty(); }, 1000)) << "no destination";
     settings.setAnalyticsDisabled(true);
 
-    const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation) +
-                          QStringLiteral("/telemetrysignalcache");
+    const QString cache =
+        QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/telemetrysignalcache"_s;
     write(cache, "[]"); // left by an earlier run
-    startUsageAnalytics(settings, QUrl(QStringLiteral("https://localhost:1/")));
+    startUsageAnalytics(settings, QUrl(u"https://localhost:1/"_s));
     QStringList users;
     for (int time = 0; time < 2; ++time) {
         EXPECT_TRUE(settings.save());
-        EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden),
-                  QStringList(QStringLiteral("settings.ini")))
+        EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden), QStringList(u"settings.ini"_s))
             << "nothing is kept for those who say no";
         EXPECT_FALSE(QFile::exists(cache));
         settings.setAnalyticsDisabled(false);
@@ -220,11 +219,11 @@ TEST(UsageAnalyticsTest, FollowsTheSettings) {
         qputenv(name, before[name]);
 }
 
-class SingleInstanceTest : public ::testing::Test {
+class SingleInstanceTests : public ::testing::Test {
 protected:
     using Role = SingleInstance::Role;
 
-    QTemporaryDir directory{QDir::tempPath() + QStringLiteral("/v-XXXXXX")}; // sockets have short names
+    QTemporaryDir directory{QDir::tempPath() + u"/v-XXXXXX"_s}; // sockets have short names
 
     /// A start while the event loop of the first one runs.
     Role startAgain(const QByteArray &token = {}, const QString &screen = {}) {
@@ -240,7 +239,7 @@ protected:
     }
 };
 
-TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
+TEST_F(SingleInstanceTests, aSecondStartRaisesTheFirst) {
     auto first = std::make_unique<SingleInstance>(directory.path(), QString());
     ASSERT_EQ(first->claim(), Role::first);
     QSignalSpy raised(first.get(), &SingleInstance::raiseRequested);
@@ -251,10 +250,10 @@ TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
     EXPECT_EQ(raised.at(1).constFirst().toByteArray(), "");
 
     // The user's other session would not see that window: it has one of its own, and a second start there.
-    SingleInstance elsewhere(directory.path(), QStringLiteral("/tmp/a path/:1"));
+    SingleInstance elsewhere(directory.path(), u"/tmp/a path/:1"_s);
     EXPECT_EQ(elsewhere.claim(), Role::first);
     QSignalSpy raisedElsewhere(&elsewhere, &SingleInstance::raiseRequested);
-    EXPECT_EQ(startAgain("token-2", QStringLiteral("/tmp/a path/:1")), Role::second);
+    EXPECT_EQ(startAgain("token-2", u"/tmp/a path/:1"_s), Role::second);
     EXPECT_EQ(raisedElsewhere.count(), 1);
     EXPECT_EQ(raised.count(), 2);
 
@@ -263,13 +262,13 @@ TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
     EXPECT_EQ(next.claim(), Role::first);
 }
 
-TEST_F(SingleInstanceTest, TakesOverAfterABadEnd) {
+TEST_F(SingleInstanceTests, takesOverAfterABadEnd) {
     {
         // What a killed program leaves: a socket nobody listens on, and a lock of a process that is gone.
-        QLocalServer::removeServer(directory.filePath(QStringLiteral("vantrel.socket")));
-        QFile socket(directory.filePath(QStringLiteral("vantrel.socket")));
+        QLocalServer::removeServer(directory.filePath(u"vantrel.socket"_s));
+        QFile socket(directory.filePath(u"vantrel.socket"_s));
         ASSERT_TRUE(socket.open(QIODevice::WriteOnly));
-        QFile lock(directory.filePath(QStringLiteral("vantrel.lock")));
+        QFile lock(directory.filePath(u"vantrel.lock"_s));
         ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
         lock.write("4194304\nvantrel\n" + QSysInfo::machineHostName().toLocal8Bit() + "\n\n\n");
     }
@@ -278,10 +277,10 @@ TEST_F(SingleInstanceTest, TakesOverAfterABadEnd) {
     EXPECT_EQ(startAgain(), Role::second);
 }
 
-TEST_F(SingleInstanceTest, StartsAnywayWhenItCannotFindOut) {
+TEST_F(SingleInstanceTests, startsAnywayWhenItCannotFindOut) {
     EXPECT_EQ(SingleInstance(QString()).claim(), Role::alone);
-    EXPECT_EQ(SingleInstance(QStringLiteral("/proc/vantrel")).claim(), Role::alone);
-    EXPECT_EQ(SingleInstance(directory.filePath(QStringLiteral("missing"))).claim(), Role::alone);
+    EXPECT_EQ(SingleInstance(u"/proc/vantrel"_s).claim(), Role::alone);
+    EXPECT_EQ(SingleInstance(directory.filePath(u"missing"_s)).claim(), Role::alone);
 
     SingleInstance first(directory.path(), QString());
     ASSERT_EQ(first.claim(), Role::first);
@@ -289,13 +288,13 @@ TEST_F(SingleInstanceTest, StartsAnywayWhenItCannotFindOut) {
     EXPECT_EQ(SingleInstance(directory.path(), QString()).claim({}, 200), Role::alone);
 }
 
-TEST_F(SingleInstanceTest, IgnoresStrangersOnItsSocket) {
+TEST_F(SingleInstanceTests, ignoresStrangersOnItsSocket) {
     SingleInstance first(directory.path(), QString());
     ASSERT_EQ(first.claim(), Role::first);
     QSignalSpy raised(&first, &SingleInstance::raiseRequested);
     for (const QByteArray &said : {QByteArray("hello\n"), QByteArray(100'000, 'x'), QByteArray("raise")}) {
         QLocalSocket stranger;
-        stranger.connectToServer(directory.filePath(QStringLiteral("vantrel.socket")));
+        stranger.connectToServer(directory.filePath(u"vantrel.socket"_s));
         ASSERT_TRUE(stranger.waitForConnected());
         stranger.write(said);
         if (said == "raise") // and goes before the line ends
