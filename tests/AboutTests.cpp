@@ -9,32 +9,19 @@
 #include "App/Window/WindowChrome.h"
 #include "Theme/AppTheme.h"
 
+#include <QtTest>
+#include <QtWidgets>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QAbstractButton>
-#include <QAccessible>
-#include <QAction>
-#include <QDesktopServices>
-#include <QLabel>
-#include <QMainWindow>
-#include <QMenu>
-#include <QPointer>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QUrlQuery>
 
 namespace vantrel {
 namespace {
 
 using namespace Qt::StringLiterals;
-BuildInformation build(std::optional<QString> shortVersion, std::optional<QString> number) {
-    return {.shortVersion = std::move(shortVersion), .build = std::move(number), .copyright = std::nullopt};
-}
+using ::testing::HasSubstr;
+
+const AboutTexts texts({.shortVersion = u"1.4"_s, .build = u"27"_s, .copyright = std::nullopt});
 
 TEST(AboutTextsTests, feedbackSurvivesTheAddress) {
-    const AboutTexts texts(build(u"1.4"_s, u"27"_s));
     EXPECT_EQ(texts.feedbackUrl().toEncoded().toStdString(),
               "mailto:feedback@vantrelapp.com?subject=Vantrel%20feedback%20%28v1.4%29"
               "&body=%0A%0A---%0AVantrel%20Version%201.4%20%2827%29");
@@ -43,17 +30,13 @@ TEST(AboutTextsTests, feedbackSurvivesTheAddress) {
     for (const QString &text : {u"a&b=c?d#e"_s, u"1+1 = 2"_s, u"100% sure%20"_s, u"line\none;two"_s,
                                 u"“grüße” 漢字 😀"_s, u"\"<b>'\\`|^{}[]"_s}) {
         const QUrl url = mailUrl(product::feedbackAddress(), text, text + text);
-        EXPECT_TRUE(url.isValid());
-        EXPECT_EQ(url.scheme(), u"mailto"_s);
         EXPECT_EQ(url.path(), product::feedbackAddress());
-        for (const char byte : url.toEncoded())
-            EXPECT_TRUE(byte > ' ' && byte < 0x7f)
-                << "not fit for an address: " << url.toEncoded().toStdString();
+        EXPECT_FALSE(QRegularExpression(u"[^!-~]|[+]"_s).match(QString::fromUtf8(url.toEncoded())).hasMatch())
+            << "not fit for an address, or read as a space: " << url.toEncoded().toStdString();
         const QList<QByteArray> items = url.toEncoded().split('?').value(1).split('&');
         ASSERT_EQ(items.size(), 2) << url.toEncoded().toStdString();
         EXPECT_EQ(QUrl::fromPercentEncoding(items.at(0)), u"subject="_s + text);
         EXPECT_EQ(QUrl::fromPercentEncoding(items.at(1)), u"body="_s + text + text);
-        EXPECT_FALSE(url.toEncoded().contains('+')) << "some programs read a plus as a space";
     }
 }
 
@@ -90,14 +73,12 @@ protected:
 
     static QAbstractButton *button(QWidget &view, const char *name) {
         auto *found = view.findChild<QAbstractButton *>(QString::fromLatin1(name));
-        if (!found)
-            throw std::runtime_error(std::string("no button ") + name);
-        return found;
+        return found ? found : throw std::runtime_error(std::string("no button ") + name);
     }
 };
 
 TEST_F(AboutViewTests, showsItsTextsAndOpensItsLinks) {
-    AboutView about(&window, AboutTexts(build(u"1.4"_s, u"27"_s)));
+    AboutView about(&window, texts);
     about.open();
     QStringList shown;
     for (const QLabel *label : about.findChildren<QLabel *>())
@@ -112,10 +93,7 @@ TEST_F(AboutViewTests, showsItsTextsAndOpensItsLinks) {
     EXPECT_EQ(site->toolTip(), u"Open "_s + product::websiteDomain());
     site->click();
     button(about, "about.feedback")->click();
-    ASSERT_EQ(opened.addresses.size(), 2);
-    EXPECT_EQ(opened.addresses.at(0), QUrl(product::website()));
-    EXPECT_EQ(QUrlQuery(opened.addresses.at(1)).queryItemValue(u"subject"_s, QUrl::FullyDecoded),
-              u"Vantrel feedback (v1.4)"_s);
+    EXPECT_EQ(opened.addresses, (QList<QUrl>{QUrl(product::website()), texts.feedbackUrl()}));
     EXPECT_TRUE(about.isVisible()) << "a link leaves it open";
 }
 
@@ -145,6 +123,8 @@ protected:
     QTemporaryDir directory;
     Settings settings{directory.filePath(u"settings.ini"_s)};
     QMainWindow window;
+    Updater never{{}};
+    Updater updater{{.feed = QUrl(u"http://localhost/feed"_s), .installed = {u"1"_s, {}}}};
 
     QList<Sheet *> openSheets() const {
         QList<Sheet *> open = window.findChildren<Sheet *>();
@@ -164,7 +144,6 @@ protected:
 };
 
 TEST_F(ApplicationMenuTests, offersItsCommands) {
-    Updater updater({.feed = QUrl(u"http://localhost/feed"_s), .installed = {u"1"_s, {}}});
     ApplicationMenu menu(&window, &updater, &settings);
     EXPECT_EQ(menu.aboutAction()->text(), u"About Vantrel"_s);
     EXPECT_EQ(menu.updateAction()->text(), u"Check for Updates…"_s);
@@ -184,9 +163,8 @@ TEST_F(ApplicationMenuTests, offersItsCommands) {
 }
 
 TEST_F(ApplicationMenuTests, saysWhyThereAreNoUpdatesAndWhatCannotBeStored) {
-    Updater updater({});
-    updater.start();
-    ApplicationMenu menu(&window, &updater, &settings);
+    never.start();
+    ApplicationMenu menu(&window, &never, &settings);
     EXPECT_FALSE(menu.updateAction()->isEnabled());
     EXPECT_EQ(menu.updateAction()->toolTip(), u"This build has no update feed"_s);
     EXPECT_TRUE(itemsBeside(menu.updateAction()).contains(menu.updateAction()->toolTip()));
@@ -203,7 +181,6 @@ TEST_F(ApplicationMenuTests, saysWhyThereAreNoUpdatesAndWhatCannotBeStored) {
 }
 
 TEST_F(ApplicationMenuTests, showsTheLatestOutcomeAloneAndNeverOverAnotherSheet) {
-    Updater updater({.feed = QUrl(u"http://localhost/feed"_s), .installed = {u"1"_s, {}}});
     updater.start();
     ApplicationMenu menu(&window, &updater, &settings);
     window.show();
@@ -223,56 +200,49 @@ TEST_F(ApplicationMenuTests, showsTheLatestOutcomeAloneAndNeverOverAnotherSheet)
     ASSERT_EQ(openSheets().size(), 1);
     Sheet *sheet = openSheets().constFirst();
     EXPECT_THAT(sheet->findChild<QLabel *>(u"update.detail"_s)->text().toStdString(),
-                ::testing::HasSubstr("is the newest version."));
+                HasSubstr("is the newest version."));
     EXPECT_FALSE(sheet->findChild<QAbstractButton *>(u"update.open"_s));
     sheet->findChild<QAbstractButton *>(u"update.close"_s)->click();
     EXPECT_TRUE(openSheets().isEmpty());
 }
 
 TEST_F(ApplicationMenuTests, switchesUsageStatistics) {
-    Updater updater({});
     const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
     qputenv("DO_NOT_TRACK", "1");
-    const ApplicationMenu grey(&window, &updater, &settings, true);
+    const ApplicationMenu grey(&window, &never, &settings, true);
     EXPECT_FALSE(grey.analyticsAction()->isEnabled());
     EXPECT_TRUE(itemsBeside(grey.analyticsAction()).contains(u"Off, because DO_NOT_TRACK is set"_s));
     qunsetenv("DO_NOT_TRACK");
-    ApplicationMenu menu(&window, &updater, &settings, true);
+    ApplicationMenu menu(&window, &never, &settings, true);
     EXPECT_TRUE(menu.analyticsAction()->isChecked());
     menu.analyticsAction()->trigger();
     EXPECT_TRUE(settings.analyticsDisabled());
-    EXPECT_FALSE(ApplicationMenu(&window, &updater, &settings, true).analyticsAction()->isChecked());
+    EXPECT_FALSE(ApplicationMenu(&window, &never, &settings, true).analyticsAction()->isChecked());
     menu.analyticsAction()->trigger();
     EXPECT_FALSE(settings.analyticsDisabled());
     qputenv("DO_NOT_TRACK", doNotTrack);
 }
 
 TEST(CommandLineTests, isUnderstoodOrRefused) {
-    using Action = CommandLine::Action;
-    struct Case {
-        QStringList arguments;
-        Action action;
-        Action beforeTheToolkit; ///< with unknown arguments ignored
-        std::string text;        ///< part of it
-    };
+    using enum CommandLine::Action;
     const std::string versionLine = "Vantrel " + version::shortVersion().toStdString();
-    for (const Case &test : {
-             Case{{}, Action::run, Action::run, ""},
-             Case{{u"--version"_s}, Action::inform, Action::inform, versionLine},
-             Case{{u"-v"_s}, Action::inform, Action::inform, versionLine},
-             Case{{u"--help"_s}, Action::inform, Action::inform, "Usage: vantrel"},
-             Case{{u"-h"_s}, Action::inform, Action::inform, "Usage: vantrel"},
-             Case{{u"--bogus"_s}, Action::refuse, Action::run, "'bogus'"},
-             Case{{u"-platform"_s, u"vnc:port=1"_s}, Action::refuse, Action::run, "platform"},
-             Case{{u"/some/file"_s}, Action::refuse, Action::run, "/some/file"},
-             Case{{u"--version=2"_s}, Action::refuse, Action::inform, "version"},
-         }) {
-        const QStringList arguments = QStringList(u"vantrel"_s) + test.arguments;
-        const CommandLine strict = parseCommandLine(arguments, UnknownArguments::refused);
-        EXPECT_EQ(strict.action, test.action) << arguments.join(u' ').toStdString();
-        EXPECT_THAT(strict.text.toStdString(), ::testing::HasSubstr(test.text));
-        EXPECT_EQ(parseCommandLine(arguments, UnknownArguments::ignored).action, test.beforeTheToolkit)
-            << arguments.join(u' ').toStdString();
+    // What is done, what before the toolkit has taken its own arguments, and part of what is said.
+    for (const auto &[arguments, action, beforeTheToolkit, said] :
+         {std::tuple(u""_s, run, run, std::string()),
+          {u"--version"_s, inform, inform, versionLine},
+          {u"-v"_s, inform, inform, versionLine},
+          {u"--help"_s, inform, inform, "Usage: vantrel"},
+          {u"-h"_s, inform, inform, "Usage: vantrel"},
+          {u"--bogus"_s, refuse, run, "'bogus'"},
+          {u"-platform vnc:port=1"_s, refuse, run, "platform"},
+          {u"/some/file"_s, refuse, run, "/some/file"},
+          {u"--version=2"_s, refuse, inform, "version"}}) {
+        SCOPED_TRACE(arguments.toStdString());
+        const QStringList all = QStringList(u"vantrel"_s) + arguments.split(u' ', Qt::SkipEmptyParts);
+        const CommandLine strict = parseCommandLine(all, UnknownArguments::refused);
+        EXPECT_EQ(strict.action, action);
+        EXPECT_THAT(strict.text.toStdString(), HasSubstr(said));
+        EXPECT_EQ(parseCommandLine(all, UnknownArguments::ignored).action, beforeTheToolkit);
     }
 }
 
