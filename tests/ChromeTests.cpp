@@ -4,20 +4,13 @@
 #include "App/Window/WindowPlacement.h"
 #include "Theme/AppTheme.h"
 
+#include <QtTest>
+#include <QtWidgets>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QAbstractButton>
-#include <QMainWindow>
-#include <QPushButton>
-#include <QScreen>
-#include <QTest>
-#include <QWindow>
-
-#include <vector>
 
 namespace vantrel {
 
+using namespace Qt::StringLiterals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -28,7 +21,6 @@ static std::string text(const QRect &rect) {
 
 namespace {
 
-using namespace Qt::StringLiterals;
 /// A window made of numbers: it keeps a log of what it was told to do.
 class FakeWindow : public ChromeWindow {
 public:
@@ -97,14 +89,10 @@ protected:
 };
 
 constexpr QPointF bar(400, 26);
+using enum EventOutcome;
 
 TEST_F(WindowChromeCoordinatorTests, takesOnlyTheFreePartOfTheBand) {
-    struct Case {
-        const char *what;
-        QPointF position;
-        bool taken;
-    };
-    const Case cases[] = {
+    const std::tuple<const char *, QPointF, bool> cases[] = {
         {"the middle of the band", bar, true},
         {"its first row", {400, 0}, true},
         {"its last row", {400, 51.5}, true},
@@ -120,19 +108,8 @@ TEST_F(WindowChromeCoordinatorTests, takesOnlyTheFreePartOfTheBand) {
         {"where the toolbar's part begins", {1280 - 190, 26}, false},
         {"the right end", {1279, 26}, false},
     };
-    for (const Case &test : cases) {
-        SCOPED_TRACE(test.what);
-        window = {};
-        EXPECT_EQ(drag(test.position, test.position + QPointF(0, 40)),
-                  test.taken ? EventOutcome::swallow : EventOutcome::passOn);
-        EXPECT_EQ(window.log.size(), test.taken ? 1U : 0U);
-        window = {};
-        EXPECT_EQ(doubleClick(test.position), test.taken ? EventOutcome::swallow : EventOutcome::passOn);
-        EXPECT_EQ(window.log.size(), test.taken ? 1U : 0U);
-        chrome.attach(nullptr); // forgets nothing of the zoom, so undo it
-        chrome = WindowChromeCoordinator([this] { return doubleClickAction; });
-        chrome.attach(&window);
-    }
+    for (const auto &[what, position, isFree] : cases)
+        EXPECT_EQ(chrome.isInTitleBarBand(at(position)), isFree) << what;
     window.hasZoomButton = false;
     EXPECT_TRUE(chrome.isInTitleBarBand(at({72, 26}))) << "a missing button takes no room";
     window.windowFrame.setWidth(1600);
@@ -140,101 +117,76 @@ TEST_F(WindowChromeCoordinatorTests, takesOnlyTheFreePartOfTheBand) {
 }
 
 TEST_F(WindowChromeCoordinatorTests, movesOnlyBeyondTheThreshold) {
-    struct Case {
-        QPointF offset;
-        bool moves;
-    };
-    const Case cases[] = {{{0, 0}, false},  {{4, 0}, false}, {{0, -4}, false}, {{2.8, 2.8}, false},
-                          {{4.1, 0}, true}, {{3, 3}, true},  {{-3, -3}, true}, {{0, 200}, true}};
-    for (const Case &test : cases) {
-        SCOPED_TRACE(testing::Message() << test.offset.x() << "," << test.offset.y());
+    for (const QPointF &offset : {QPointF(0, 0), {4, 0}, {0, -4}, {2.8, 2.8}}) {
+        EXPECT_EQ(drag(bar, bar + offset), passOn) << offset.x() << "," << offset.y();
+        EXPECT_THAT(window.log, IsEmpty());
+    }
+    for (const QPointF &offset : {QPointF(4.1, 0), {3, 3}, {-3, -3}, {0, 200}}) {
         window = {};
-        EXPECT_EQ(drag(bar, bar + test.offset), test.moves ? EventOutcome::swallow : EventOutcome::passOn);
-        if (test.moves)
-            EXPECT_THAT(window.log, ElementsAre("move from 400,26"));
-        else
-            EXPECT_THAT(window.log, IsEmpty());
+        EXPECT_EQ(drag(bar, bar + offset), swallow) << offset.x() << "," << offset.y();
+        EXPECT_THAT(window.log, ElementsAre("move from 400,26"));
     }
 }
 
 TEST_F(WindowChromeCoordinatorTests, dragsOncePerPress) {
     drag(bar, bar + QPointF(3, 0));
-    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(5, 0))), EventOutcome::swallow)
-        << "the distance counts from the press";
-    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::passOn)
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(5, 0))), swallow) << "the distance counts from the press";
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), passOn)
         << "the window system moves the window from here on";
     EXPECT_THAT(window.log, ElementsAre("move from 400,26"));
 
     window.log.clear();
     chrome.mousePressed(at(bar));
-    EXPECT_EQ(chrome.mouseReleased(at(bar)), EventOutcome::passOn);
-    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::passOn) << "after the release";
+    EXPECT_EQ(chrome.mouseReleased(at(bar)), passOn);
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), passOn) << "after the release";
     chrome.mousePressed(at(bar));
     chrome.mousePressed(at({400, 300}));
-    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::passOn)
-        << "a newer press elsewhere counts";
-    EXPECT_EQ(drag(bar, bar + QPointF(60, 0), 2), EventOutcome::passOn) << "the press of a double-click";
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), passOn) << "a newer press elsewhere counts";
+    EXPECT_EQ(drag(bar, bar + QPointF(60, 0), 2), passOn) << "the press of a double-click";
     EXPECT_THAT(window.log, IsEmpty());
 }
 
 TEST_F(WindowChromeCoordinatorTests, leavesOtherWindowsAlone) {
     FakeWindow dialog;
-    for (const ChromeWindow *other :
-         {static_cast<const ChromeWindow *>(&dialog), static_cast<const ChromeWindow *>(nullptr)}) {
+    for (const ChromeWindow *other : std::initializer_list<const ChromeWindow *>{&dialog, nullptr}) {
         chrome.mousePressed({other, bar, 1});
-        EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::passOn);
+        EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), passOn);
         chrome.mousePressed(at(bar));
-        EXPECT_EQ(chrome.mouseDragged({other, bar + QPointF(60, 0), 1}), EventOutcome::passOn);
-        EXPECT_EQ(chrome.mouseReleased({other, bar, 2}), EventOutcome::passOn);
+        EXPECT_EQ(chrome.mouseDragged({other, bar + QPointF(60, 0), 1}), passOn);
+        EXPECT_EQ(chrome.mouseReleased({other, bar, 2}), passOn);
     }
     chrome.mousePressed(at(bar));
     chrome.attach(&window);
-    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), EventOutcome::swallow)
-        << "the same window again";
+    EXPECT_EQ(chrome.mouseDragged(at(bar + QPointF(60, 0))), swallow) << "the same window again";
     chrome.mousePressed(at(bar));
     chrome.attach(&dialog);
-    EXPECT_EQ(chrome.mouseDragged({&dialog, bar + QPointF(60, 0), 1}), EventOutcome::passOn)
+    EXPECT_EQ(chrome.mouseDragged({&dialog, bar + QPointF(60, 0), 1}), passOn)
         << "a press in the window before";
     chrome.attach(nullptr);
-    EXPECT_EQ(doubleClick(bar), EventOutcome::passOn);
+    EXPECT_EQ(doubleClick(bar), passOn);
     chrome.toggleZoom();
     EXPECT_THAT(window.log, ElementsAre("move from 400,26"));
     EXPECT_THAT(dialog.log, IsEmpty());
 }
 
 TEST_F(WindowChromeCoordinatorTests, doubleClickDoesWhatTheSettingSays) {
-    struct Case {
-        const char *setting;
-        const char *expected;
-    };
-    for (const Case &test : {Case{"Minimize", "minimise"}, Case{"Maximize", "frame 0,28 1920x1052"},
-                             Case{"Fill", "frame 0,28 1920x1052"}, Case{"minimize", "frame 0,28 1920x1052"},
-                             Case{"", "frame 0,28 1920x1052"}}) {
-        SCOPED_TRACE(test.setting);
+    for (const QString &setting : {u"Minimize"_s, u"Maximize"_s, u"Fill"_s, u"minimize"_s, u""_s}) {
+        SCOPED_TRACE(setting.toStdString());
         FakeWindow fresh;
-        WindowChromeCoordinator coordinator([&] { return QString::fromLatin1(test.setting); });
+        WindowChromeCoordinator coordinator([&] { return setting; });
         coordinator.attach(&fresh);
-        coordinator.mousePressed({&fresh, bar, 2});
         coordinator.mouseReleased({&fresh, bar, 2});
-        EXPECT_THAT(fresh.log, ElementsAre(test.expected));
+        EXPECT_THAT(fresh.log, ElementsAre(setting == u"Minimize"_s ? "minimise" : "frame 0,28 1920x1052"));
     }
 }
 
-TEST_F(WindowChromeCoordinatorTests, zoomsAndReturns) {
+TEST_F(WindowChromeCoordinatorTests, zoomsAndReturnsUntilADragForgetsTheZoom) {
     doubleClick(bar);
+    drag(bar, bar + QPointF(3, 0)); // too short
     doubleClick(bar);
     doubleClick(bar);
     EXPECT_THAT(window.log,
                 ElementsAre("frame 0,28 1920x1052", "frame 100,80 1280x820", "frame 0,28 1920x1052"));
-}
-
-TEST_F(WindowChromeCoordinatorTests, aDragForgetsTheZoom) {
-    doubleClick(bar);
-    drag(bar, bar + QPointF(3, 0)); // too short
-    doubleClick(bar);
-    EXPECT_EQ(window.windowFrame, QRect(100, 80, 1280, 820)) << text(window.windowFrame);
-
-    doubleClick(bar);
     drag(bar, bar + QPointF(0, 30));
     window.windowFrame = {300, 200, 1280, 820}; // where the user let it go
     window.log.clear();
@@ -253,7 +205,6 @@ TEST_F(WindowChromeCoordinatorTests, followsTheWindowSystemsOwnZoom) {
 
     window = {};
     window.screen = std::nullopt;
-    chrome.attach(nullptr);
     WindowChromeCoordinator offScreen([] { return QString(); });
     offScreen.attach(&window);
     offScreen.toggleZoom();
@@ -274,43 +225,33 @@ TEST_F(WindowChromeCoordinatorTests, leavesFullScreen) {
 
 TEST(WindowPlacementTests, findsTheEdgeUnderTheMouse) {
     constexpr QSize size(1280, 820);
-    struct Case {
-        QPointF position;
-        Qt::Edges edges;
-    };
-    const Case cases[] = {
+    const std::pair<QPointF, Qt::Edges> cases[] = {
         {{640, 400}, {}},
         {{5, 400}, {}},
+        {{1274, 400}, {}},
+        {{-1, 400}, {}},
+        {{1280, 400}, {}},
+        {{640, 820}, {}},
         {{4.9, 400}, Qt::LeftEdge},
         {{1276, 400}, Qt::RightEdge},
         {{1275, 400}, Qt::RightEdge},
-        {{1274, 400}, {}},
         {{640, 0}, Qt::TopEdge},
         {{640, 819}, Qt::BottomEdge},
         {{0, 0}, Qt::TopEdge | Qt::LeftEdge},
         {{13, 2}, Qt::TopEdge | Qt::LeftEdge},
         {{2, 13}, Qt::TopEdge | Qt::LeftEdge},
-        {{13, 13}, {}}, // the window buttons begin here
         {{1270, 819}, Qt::BottomEdge | Qt::RightEdge},
         {{1279, 810}, Qt::BottomEdge | Qt::RightEdge},
-        {{-1, 400}, {}},
-        {{1280, 400}, {}},
-        {{640, 820}, {}},
+        {{13, 13}, {}}, // the window buttons begin here
     };
-    for (const Case &test : cases)
-        EXPECT_EQ(resizeEdgesAt(test.position, size), test.edges)
-            << test.position.x() << "," << test.position.y();
+    for (const auto &[position, edges] : cases)
+        EXPECT_EQ(resizeEdgesAt(position, size), edges) << position.x() << "," << position.y();
 }
 
 TEST(WindowPlacementTests, resizesTheGrippedEdgesOnly) {
     constexpr QRect frame(100, 100, 1200, 800);
     constexpr QSize minimum(1100, 720);
-    struct Case {
-        Qt::Edges edges;
-        QPoint offset;
-        QRect expected;
-    };
-    const Case cases[] = {
+    const std::tuple<Qt::Edges, QPoint, QRect> cases[] = {
         {Qt::RightEdge, {50, 70}, {100, 100, 1250, 800}},
         {Qt::BottomEdge, {50, 70}, {100, 100, 1200, 870}},
         {Qt::LeftEdge, {-50, 70}, {50, 100, 1250, 800}},
@@ -320,22 +261,17 @@ TEST(WindowPlacementTests, resizesTheGrippedEdgesOnly) {
         {Qt::TopEdge, {0, 900}, {100, 180, 1200, 720}},
         {{}, {50, 70}, frame},
     };
-    for (const Case &test : cases) {
-        const QRect result = resizedFrame(frame, test.edges, test.offset, minimum);
-        EXPECT_EQ(result, test.expected) << text(result) << " instead of " << text(test.expected);
+    for (const auto &[edges, offset, expected] : cases) {
+        const QRect result = resizedFrame(frame, edges, offset, minimum);
+        EXPECT_EQ(result, expected) << text(result) << " instead of " << text(expected);
     }
 }
 
 TEST(WindowPlacementTests, keepsTheTitleBarReachable) {
     constexpr QRect left(0, 28, 1920, 1052);
     constexpr QRect right(1920, 0, 1280, 1024);
-    struct Case {
-        const char *what;
-        QRect frame;
-        QList<QRect> screens;
-        QPoint expected; // top left; the size never changes
-    };
-    const Case cases[] = {
+    // The frame wanted, the screens there are, and where its top left comes to lie; the size never changes.
+    const std::tuple<const char *, QRect, QList<QRect>, QPoint> cases[] = {
         {"in the middle", {200, 100, 1280, 820}, {left}, {200, 100}},
         {"half over an edge is the user's choice", {-700, 500, 1280, 820}, {left}, {-700, 500}},
         {"above the screen", {200, -400, 1280, 820}, {left}, {200, 28}},
@@ -349,9 +285,9 @@ TEST(WindowPlacementTests, keepsTheTitleBarReachable) {
         {"wider than the screen", {0, 0, 1280, 820}, {QRect(0, 0, 100, 600)}, {0, 0}},
         {"no screen at all", {-5000, 100, 1280, 820}, {}, {-5000, 100}},
     };
-    for (const Case &test : cases) {
-        const QRect result = reachableFrame(test.frame, test.screens);
-        EXPECT_EQ(result, QRect(test.expected, test.frame.size())) << test.what << ": " << text(result);
+    for (const auto &[what, frame, screens, expected] : cases) {
+        const QRect result = reachableFrame(frame, screens);
+        EXPECT_EQ(result, QRect(expected, frame.size())) << what << ": " << text(result);
     }
 }
 
@@ -396,26 +332,18 @@ protected:
 };
 
 TEST_F(WindowChromeTests, movesByItsBandOnly) {
-    struct Case {
-        const char *what;
-        QPoint from;
-        bool moves;
-    };
     const QPoint toolCentre = tool->mapTo(&window, tool->rect().center());
-    for (const Case &test : {
-             Case{"the band", {250, 26}, true},
-             Case{"the title", {130, 26}, true},
-             Case{"the close button", {24, 26}, false},
-             Case{"a toolbar button", toolCentre, false},
-             Case{"the toolbar's part", {600 - 185, 26}, false},
-             Case{"the content", {250, 200}, false},
-         }) {
+    for (const auto &[what, from, moves] : {std::tuple("the band", QPoint(250, 26), true),
+                                            {"the title", {130, 26}, true},
+                                            {"the close button", {24, 26}, false},
+                                            {"a toolbar button", toolCentre, false},
+                                            {"the toolbar's part", {600 - 185, 26}, false},
+                                            {"the content", {250, 200}, false}}) {
         const QRect before = window.geometry();
-        drag(test.from, {30, 20});
-        EXPECT_EQ(window.geometry(), test.moves ? before.translated(30, 20) : before)
-            << test.what << ": " << text(window.geometry());
-        QTest::mouseMove(window.windowHandle(), {300, 300});
-        EXPECT_EQ(window.geometry(), test.moves ? before.translated(30, 20) : before) << "let go";
+        drag(from, {30, 20});
+        QTest::mouseMove(window.windowHandle(), {300, 300}); // the mouse has let go
+        EXPECT_EQ(window.geometry(), moves ? before.translated(30, 20) : before)
+            << what << ": " << text(window.geometry());
     }
     const QRect before = window.geometry();
     drag({250, 26}, {4, 0});
@@ -480,15 +408,12 @@ TEST_F(WindowChromeTests, zoomsByDoubleClickAndByButton) {
 }
 
 TEST_F(WindowChromeTests, buttonsSayWhatTheyDo) {
-    struct Case {
-        WindowButton button;
-        const char *name;
-    };
-    for (const Case &test : {Case{WindowButton::close, "Close"}, Case{WindowButton::minimise, "Minimize"},
-                             Case{WindowButton::zoom, "Zoom"}}) {
-        const QAbstractButton *button = chrome.titleBar()->button(test.button);
-        EXPECT_EQ(button->accessibleName().toStdString(), test.name);
-        EXPECT_THAT(button->toolTip().toStdString(), ::testing::HasSubstr(test.name));
+    for (const auto &[which, name] : {std::pair(WindowButton::close, u"Close"_s),
+                                      {WindowButton::minimise, u"Minimize"_s},
+                                      {WindowButton::zoom, u"Zoom"_s}}) {
+        const QAbstractButton *button = chrome.titleBar()->button(which);
+        EXPECT_EQ(button->accessibleName(), name);
+        EXPECT_TRUE(button->toolTip().contains(name));
     }
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, {48, 26});
     EXPECT_TRUE(window.isMinimized());
