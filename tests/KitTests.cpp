@@ -8,21 +8,9 @@
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 
-#include <QAccessible>
-#include <QHBoxLayout>
-#include <QLabel>
-#include <QPainter>
-#include <QProgressBar>
-#include <QProxyStyle>
-#include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
-#include <QSignalSpy>
-#include <QTest>
-
+#include <QtTest>
+#include <QtWidgets>
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace vantrel {
 namespace {
@@ -52,9 +40,8 @@ QRect inkBounds(const QImage &image) {
 /// All the ink of a picture, in fully opaque pixels.
 double inkAmount(const QImage &image) {
     double amount = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            amount += image.pixelColor(x, y).alphaF();
+    for (int pixel = 0; pixel < image.width() * image.height(); ++pixel)
+        amount += image.pixelColor(pixel % image.width(), pixel / image.width()).alphaF();
     return amount;
 }
 
@@ -120,27 +107,17 @@ TEST_F(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
     EXPECT_DEBUG_DEATH(paintedSymbol({u"no.such.symbol"_s}, {20, 20}, 1, Qt::black), "no symbol is named");
 }
 
-TEST_F(SymbolTests, tintsWithExactlyTheColour) {
-    const QColor orange(240, 130, 20);
-    for (const QColor &color : {orange, QColor(0, 0, 0), QColor(255, 255, 255)}) {
-        const QImage image = paintedSymbol({u"folder.fill"_s, 28}, {40, 40}, 2, color);
-        EXPECT_EQ(image.pixelColor(40, 50), color);
+TEST_F(SymbolTests, tintsWithExactlyTheColourIsCutThroughAndHasWeights) {
+    for (const QColor &color : {QColor(240, 130, 20), QColor(255, 255, 255), QColor(0, 0, 0, 51)}) {
+        // The middle of the minus lets the background through; the ground beside it does not.
+        const QImage minus = paintedSymbol({u"minus.square.fill"_s, 28}, {40, 40}, 3, color);
+        EXPECT_EQ(minus.pixelColor(60, 60).alpha(), 0);
+        EXPECT_EQ(minus.pixelColor(60, 40), color);
     }
-    const QImage faint = paintedSymbol({u"folder.fill"_s, 28}, {40, 40}, 2, QColor(0, 0, 0, 51));
-    EXPECT_EQ(faint.pixelColor(40, 50).alpha(), 51);
-}
-
-TEST_F(SymbolTests, filledSymbolsAreCutThroughAndWeightsGrow) {
-    // The middle of the minus lets the background through; the ground beside it does not.
-    const QImage minus = paintedSymbol({u"minus.square.fill"_s, 28}, {40, 40}, 3, Qt::blue);
-    EXPECT_EQ(minus.pixelColor(60, 60).alpha(), 0);
-    EXPECT_EQ(minus.pixelColor(60, 40), QColor(Qt::blue));
-
     double lighter = 0;
     for (const Weight weight : {Weight::regular, Weight::medium, Weight::semibold, Weight::bold}) {
         const double ink = inkAmount(paintedSymbol({u"xmark"_s, 13, weight}, {20, 20}, 3, Qt::black));
-        EXPECT_GT(ink, lighter);
-        lighter = ink;
+        EXPECT_GT(ink, std::exchange(lighter, ink));
     }
 }
 
@@ -190,10 +167,7 @@ TEST_F(TextTests, wrapsBetweenWordsAndCutsTheRest) {
 }
 
 TEST_F(TextTests, namesCannotDeceive) {
-    struct Case {
-        QString text, shown;
-    };
-    const Case cases[] = {
+    const std::pair<QString, QString> cases[] = {
         {u"photo\u202Egpj.exe"_s, u"photo\uFFFDgpj.exe"_s},
         {u"\u2066a\u2069"_s, u"\uFFFDa\uFFFD"_s},
         {u"a.txt\u200E|\u200F|\u061C"_s, u"a.txt\uFFFD|\uFFFD|\uFFFD"_s},
@@ -274,51 +248,32 @@ TEST_F(RenderTests, rendersOncePerPassHoweverManySignals) {
     rendering.renderNow();
     QCoreApplication::processEvents();
     EXPECT_EQ(renders, 2) << "a render at once takes the place of the one that was due";
-}
-
-TEST_F(RenderTests, aDestroyedViewIsNotRendered) {
-    Source source;
-    int renders = 0;
     {
-        RenderScheduler rendering([&] { ++renders; });
-        rendering.watch(&source, &Source::nameChanged);
+        RenderScheduler gone([&] { ADD_FAILURE() << "of a destroyed view"; });
+        gone.watch(&source, &Source::nameChanged);
         Q_EMIT source.nameChanged();
     }
     Q_EMIT source.nameChanged();
     QCoreApplication::processEvents();
-    EXPECT_EQ(renders, 0);
 }
 
-TEST_F(ControlTests, anIconButtonIsNamedByItsToolTip) {
+TEST_F(ControlTests, anIconButtonIsNamedByItsHelpAndPressedByMouseAndKeys) {
     IconButton button({24, 24}, 5);
     button.setHelp(u"Go back"_s);
     EXPECT_EQ(accessible(button, QAccessible::Name), u"Go back"_s);
     EXPECT_EQ(role(button), QAccessible::Button);
     EXPECT_TRUE(button.toolTip().contains(u"Go back"_s));
-}
-
-TEST_F(ControlTests, anIconButtonIsPressedByMouseAndKeys) {
-    IconButton button({24, 24}, 5);
     button.setLook({.symbol = {u"house"_s, 11}});
     button.show();
     QSignalSpy clicks(&button, &QAbstractButton::clicked);
 
-    const auto pressAll = [&] {
+    for (const bool isEnabled : {true, false}) {
+        button.setEnabled(isEnabled);
         QTest::mouseClick(&button, Qt::LeftButton);
-        QTest::keyClick(&button, Qt::Key_Space);
-        QTest::keyClick(&button, Qt::Key_Return);
-        QTest::keyClick(&button, Qt::Key_Enter);
-    };
-    pressAll();
-    EXPECT_EQ(clicks.count(), 4);
-
-    QTest::mousePress(&button, Qt::LeftButton);
-    QTest::mouseRelease(&button, Qt::LeftButton, {}, QPoint(60, 60));
-    EXPECT_EQ(clicks.count(), 4) << "released outside";
-
-    button.setEnabled(false);
-    pressAll();
-    EXPECT_EQ(clicks.count(), 4) << "disabled";
+        for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
+            QTest::keyClick(&button, key);
+        EXPECT_EQ(clicks.count(), 4) << isEnabled;
+    }
 
     button.setEnabled(true);
     button.setCheckable(true);
@@ -383,12 +338,8 @@ int pixelsIn(const QColor &color, const QImage &image, int y) {
 }
 
 TEST_F(ControlTests, aProgressBarFillsItsFractionAndNoMore) {
-    struct Case {
-        double fraction;
-        int filled; ///< layout pixels of 100
-    };
-    const Case cases[] = {{0, 0}, {0.5, 50}, {1, 100}, {7, 100}, {-1, 0}, {qQNaN(), 0}};
-    for (const auto &[fraction, filled] : cases) {
+    for (const auto &[fraction, filled] :
+         {std::pair(0.0, 0), {0.5, 50}, {1.0, 100}, {7.0, 100}, {-1.0, 0}, {qQNaN(), 0}}) {
         SCOPED_TRACE(fraction);
         const QImage image = painted({100, 6}, 1, [fraction = fraction](QPainter &painter) {
             paintProgress(painter, {0, 0, 100, 6}, fraction, Qt::red, Qt::blue);
@@ -402,8 +353,6 @@ TEST_F(ControlTests, aProgressBarFillsItsFractionAndNoMore) {
     bar.setRange(0, 1000);
     bar.setValue(300);
     EXPECT_NEAR(pixelsIn(AppTheme::accent(), bar.grab().toImage(), 3), 30, 2);
-    EXPECT_EQ(role(bar), QAccessible::ProgressBar);
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(&bar)->valueInterface()->currentValue(), 300);
 }
 
 /// A desktop on which nothing moves.
@@ -504,34 +453,28 @@ protected:
 
 TEST_F(ControlTests, everyKindRepaintsInTheNewColours) {
     QWidget window;
-    const auto add = [&](auto *control) {
-        control->setParent(&window);
-        return control;
-    };
-    auto *icon = add(new IconButton({24, 24}, 5));
+    auto *icon = new IconButton({24, 24}, 5);
     icon->setLook({.symbol = {u"house"_s, 11}, .fill = AppTheme::surface()});
-    auto *label = add(new TextLabel({12.5}, AppTheme::ink()));
+    auto *label = new TextLabel({12.5}, AppTheme::ink());
     label->setText(u"Text"_s);
-    auto *progress = add(new QProgressBar);
+    auto *progress = new QProgressBar;
     progress->setRange(0, 100);
-    auto *scroll = add(new QScrollBar(Qt::Vertical));
+    auto *scroll = new QScrollBar(Qt::Vertical);
     scroll->setRange(0, 100);
-    const std::pair<const char *, QWidget *> kinds[] = {
-        {"icon button", icon},
-        {"label", label},
-        {"progress bar", progress},
-        {"scroll bar", scroll},
-        {"spinner", add(new Spinner(Spinner::Size::small, u"Busy"_s))},
-        {"push button", add(new QPushButton(u"Close"_s))},
-        {"card", add(new Card(10))},
-        {"divider", add(new Divider)},
-        {"a label of the toolkit's", add(new QLabel(u"Text"_s))},
-        {"a widget that paints itself", add(new Ground)},
-    };
+    QWidget *const kinds[] = {icon,
+                              label,
+                              progress,
+                              scroll,
+                              new Spinner(Spinner::Size::small, u"Busy"_s),
+                              new QPushButton(u"Close"_s),
+                              new Card(10),
+                              new Divider,
+                              new QLabel(u"A label of the toolkit's"_s),
+                              new Ground};
     int x = 0;
-    for (const auto &[name, widget] : kinds) {
-        widget->move(x, 0);
-        widget->resize(60, 24);
+    for (QWidget *widget : kinds) {
+        widget->setParent(&window);
+        widget->setGeometry(x, 0, 60, 24);
         x += 60;
     }
     window.resize(x, 30);
@@ -548,16 +491,15 @@ TEST_F(ControlTests, everyKindRepaintsInTheNewColours) {
     } painted;
     QCoreApplication::processEvents();
     QList<QImage> before;
-    for (const auto &[name, widget] : kinds) {
+    for (QWidget *widget : kinds) {
         before.append(widget->grab().toImage());
         widget->installEventFilter(&painted);
     }
     AppTheme::setScheme(ColorScheme::dark);
     EXPECT_TRUE(QTest::qWaitFor([&] { return painted.widgets.size() == qsizetype(std::size(kinds)); }));
-    for (size_t i = 0; i < std::size(kinds); ++i) {
-        const auto &[name, widget] = kinds[i];
-        EXPECT_TRUE(painted.widgets.contains(widget)) << name;
-        EXPECT_NE(widget->grab().toImage(), before.at(qsizetype(i))) << name;
+    for (QWidget *widget : kinds) {
+        EXPECT_TRUE(painted.widgets.contains(widget)) << widget->metaObject()->className();
+        EXPECT_NE(widget->grab().toImage(), before.takeFirst()) << widget->metaObject()->className();
     }
 }
 
