@@ -107,17 +107,11 @@ TEST(HttpExchangeTests, aLongAnswerIsCutOffAndNotKept) {
 }
 
 TEST(HttpExchangeTests, onlyTheRightCertificateIsTrusted) {
-    struct Case {
-        const char *name;
-        std::optional<QSslConfiguration> trust;
-        QString host;
-        bool isSent;
-    };
-    for (const auto &[name, trust, host, isSent] : {
-             Case{"signed by nobody", std::nullopt, u"localhost"_s, false},
-             Case{"of another host", LocalHttpServer::trustingConfiguration(), u"127.0.0.1"_s, false},
-             Case{"the right one", LocalHttpServer::trustingConfiguration(), u"localhost"_s, true},
-         }) {
+    const std::optional trusting = LocalHttpServer::trustingConfiguration();
+    for (const auto &[name, trust, host, isSent] :
+         {std::tuple("signed by nobody", std::optional<QSslConfiguration>(), u"localhost"_s, false),
+          {"of another host", trusting, u"127.0.0.1"_s, false},
+          {"the right one", trusting, u"localhost"_s, true}}) {
         LocalHttpServer server(LocalHttpServer::Transport::tls);
         const Result result = outcome({.url = server.url({}, host), .json = "[]", .tls = trust});
         EXPECT_EQ(result.has_value(), isSent) << name;
