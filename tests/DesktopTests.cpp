@@ -6,17 +6,8 @@
 #include "App/System/FileManager.h"
 #include "App/System/QtDesktop.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QDBusMessage>
-#include <QDBusServer>
-#include <QDBusVirtualObject>
-#include <QDesktopServices>
-#include <QDir>
-#include <QFileDialog>
-#include <QLineEdit>
-#include <QMainWindow>
-#include <QPushButton>
+#include <QtDBus>
+#include <QtWidgets>
 
 namespace vantrel {
 namespace {
