@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <sys/resource.h>
 
 namespace vantrel {
 namespace {
@@ -32,11 +32,9 @@ Result outcome(const HttpRequest &request) {
 
 /// The most memory this process has had so far, in bytes.
 qint64 peakMemory() {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.starts_with("VmHWM:"))
-            return std::stoll(line.substr(6)) * 1024;
-    return -1;
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss * 1024;
 }
 
 TEST(HttpExchangeTests, oneAttemptIsOnePostWhateverTheServerDoes) {
