@@ -149,12 +149,11 @@ TEST(UsageAnalyticsTests, followsTheSettings) {
     }
     Settings settings(home.filePath(u"settings.ini"_s));
     settings.setAnalyticsDisabled(true);
-    const auto kept = [&home](const char *key) -> QString {
+    const auto kept = [&home](const QString &key) {
         const QStringList files = QDir(home.path()).entryList({u"com.telemetrydeck.*.ini"_s});
-        return files.isEmpty() ? QString()
-                               : PreferencesFile(home.filePath(files.constFirst())).value(QLatin1String(key));
+        return PreferencesFile(home.filePath(files.value(0, u"none"_s))).value(key);
     };
-    const auto identifier = [&kept] { return kept("defaultUserIdentifier"); };
+    const auto identifier = [&kept] { return kept(u"defaultUserIdentifier"_s); };
     startUsageAnalytics(settings, QUrl());
     settings.setAnalyticsDisabled(false);
     EXPECT_FALSE(QTest::qWaitFor([&] { return !identifier().isEmpty(); }, 1000)) << "no destination";
@@ -174,7 +173,7 @@ TEST(UsageAnalyticsTests, followsTheSettings) {
         EXPECT_TRUE(waitFor([&] { return !identifier().isEmpty(); }));
         users.append(identifier());
         // From its first second on, and not with the half minute that follows.
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !kept("recentSessions").isEmpty(); }, 20'000));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !kept(u"recentSessions"_s).isEmpty(); }, 20'000));
         settings.setAnalyticsDisabled(true);
     }
     EXPECT_NE(users.constFirst(), users.constLast());
