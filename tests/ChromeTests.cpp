@@ -87,24 +87,14 @@ constexpr QPointF bar(400, 26);
 using enum EventOutcome;
 
 TEST_F(WindowChromeCoordinatorTests, takesOnlyTheFreePartOfTheBand) {
-    const std::tuple<const char *, QPointF, bool> cases[] = {
-        {"the middle of the band", bar, true},
-        {"its first row", {400, 0}, true},
-        {"its last row", {400, 51.5}, true},
-        {"the first row of the content", {400, 52}, false},
-        {"the content", {400, 300}, false},
-        {"the close button", {24, 26}, false},
-        {"the minimise button", {48, 26}, false},
-        {"the zoom button", {72, 26}, false},
-        {"just above the close button", {24, 13}, true},
-        {"right of the buttons", {86, 26}, true},
-        {"a control in the band", {640, 20}, false},
-        {"just left of the toolbar's part", {1280 - 190.5, 26}, true},
-        {"where the toolbar's part begins", {1280 - 190, 26}, false},
-        {"the right end", {1279, 26}, false},
-    };
-    for (const auto &[what, position, isFree] : cases)
-        EXPECT_EQ(chrome.isInTitleBarBand(at(position)), isFree) << what;
+    // The band's middle, first and last row; above and right of the window's buttons; left of the toolbar.
+    for (const QPointF &position : {bar, {400, 0}, {400, 51.5}, {24, 13}, {86, 26}, {1280 - 190.5, 26}})
+        EXPECT_TRUE(chrome.isInTitleBarBand(at(position))) << position.x() << "," << position.y();
+    // The content; the window's buttons; a control of the toolbar.
+    for (const QPointF &position : {QPointF(400, 52), {400, 300}, {24, 26}, {48, 26}, {72, 26}, {640, 20}})
+        EXPECT_FALSE(chrome.isInTitleBarBand(at(position))) << position.x() << "," << position.y();
+    EXPECT_FALSE(chrome.isInTitleBarBand(at({1280 - 190, 26}))) << "where the toolbar begins";
+    EXPECT_FALSE(chrome.isInTitleBarBand(at({1279, 26}))) << "where it ends";
     window.hasZoomButton = false;
     EXPECT_TRUE(chrome.isInTitleBarBand(at({72, 26}))) << "a missing button takes no room";
     window.windowFrame.setWidth(1600);
