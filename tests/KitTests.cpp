@@ -58,13 +58,11 @@ TEST(ThemeTests, coloursFollowTheScheme) {
 
 TEST(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
     const QStringList names =
-        QString::fromLatin1(
-            "internaldrive arrow.down.circle camera film photo music.note doc message waveform iphone "
-            "arrow.clockwise trash folder.fill doc.fill xmark chevron.left chevron.right chevron.down "
-            "house folder folder.badge.plus list.bullet square.grid.2x2 magnifyingglass "
-            "xmark.circle.fill square minus.square.fill checkmark.square.fill circle "
-            "checkmark.circle.fill doc.zipper doc.text sun.max moon info.circle")
-            .split(u' ');
+        u"internaldrive arrow.down.circle camera film photo music.note doc message waveform iphone "
+        "arrow.clockwise trash folder.fill doc.fill xmark chevron.left chevron.right chevron.down "
+        "house folder folder.badge.plus list.bullet square.grid.2x2 magnifyingglass "
+        "xmark.circle.fill square minus.square.fill checkmark.square.fill circle "
+        "checkmark.circle.fill doc.zipper doc.text sun.max moon info.circle"_s.split(u' ');
     for (const QString &name : names) {
         SCOPED_TRACE(name.toStdString());
         ASSERT_TRUE(Symbol::exists(name));
