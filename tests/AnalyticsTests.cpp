@@ -7,48 +7,30 @@
 #include "support/LocalHttpServer.h"
 #include "support/WaitFor.h"
 
-#include <QCoreApplication>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QMutex>
-#include <QProcess>
-#include <QRegularExpression>
-#include <QTemporaryDir>
-
-#include <gmock/gmock.h>
+#include <QtTest>
+#include <gtest/gtest.h>
 
 #include <csignal>
-#include <limits>
-#include <thread>
-
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace vantrel {
 namespace {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
-using ::testing::Contains;
-using ::testing::IsEmpty;
 
 SignalPostBody sample(const QString &type = u"na\"me\\\n\u0001 ü"_s) {
-    return {QDateTime(QDate(2024, 5, 31), QTime(23, 59, 7, 125), Qt::UTC),
-            u"app"_s,
-            u"user"_s,
-            u"SESSION"_s,
-            type,
-            2.5,
-            {{u"b"_s, u"2"_s}, {u"a"_s, u""_s}},
-            u"false"_s};
+    const QDateTime receivedAt(QDate(2024, 5, 31), QTime(23, 59, 7, 125), Qt::UTC);
+    const SignalParameters payload{{u"b"_s, u"2"_s}, {u"a"_s, u""_s}};
+    return {receivedAt, u"app"_s, u"user"_s, u"SESSION"_s, type, 2.5, payload, u"false"_s};
 }
 
-QStringList typesIn(const QByteArray &json) {
+QStringList typesIn(const QJsonArray &records) {
     QStringList types;
-    const QJsonArray array = QJsonDocument::fromJson(json).array();
-    for (const QJsonValue &value : array)
-        types.append(value[u"type"].toString());
+    for (const QJsonValue &record : records)
+        types.append(record[u"type"].toString());
     return types;
 }
 
@@ -61,7 +43,9 @@ struct World {
                                               }};
         configuration.urlSession = [this](const HttpRequest &request, QObject *, const HttpCompletion &done) {
             QMutexLocker locker(&lock);
-            requests.append(request);
+            ++posts;
+            for (const QJsonValueRef record : QJsonDocument::fromJson(request.json).array())
+                sent.append(record);
             if (isHeld)
                 return;
             const auto answer = answers.isEmpty() ? HttpResponse{200, "the answer"} : answers.takeFirst();
@@ -70,46 +54,37 @@ struct World {
         };
         configuration.transmitInterval = 0.01;
         environment.preferencesDirectory = environment.cachesDirectory = directory.path();
-        environment.now = [this] {
-            const QMutexLocker locker(&lock);
-            return now;
-        };
+        environment.now = [this] { return copyOf(now); };
     }
+    ~World() { qputenv("DO_NOT_TRACK", doNotTrack); }
     void start() { manager = std::make_unique<TelemetryManager>(configuration, environment); }
+    /// Of what the client's thread changes, too.
+    template <class Value>
+    Value copyOf(const Value &value) {
+        const QMutexLocker locker(&lock);
+        return value;
+    }
+    QStringList messages(LogLevel level) { return copyOf(log).value(level); }
     /// Every record sent so far, once there are that many.
-    QList<QJsonObject> records(qsizetype count) {
-        QList<QJsonObject> found;
-        EXPECT_TRUE(waitFor([&] {
-            const QMutexLocker locker(&lock);
-            found.clear();
-            for (const HttpRequest &request : requests)
-                for (const QJsonValueRef value : QJsonDocument::fromJson(request.json).array())
-                    found.append(value.toObject());
-            return found.size() >= count;
-        }));
-        found.resize(count);
-        return found;
+    QJsonArray records(qsizetype count) {
+        EXPECT_TRUE(waitFor([&] { return copyOf(sent).size() >= count; }));
+        return copyOf(sent);
     }
     void pass(std::chrono::seconds date, std::chrono::milliseconds uptime = 0ms) {
         const QMutexLocker locker(&lock);
         now = {now.date.addSecs(date.count()), now.uptime + uptime};
     }
-    QStringList messages(LogLevel level) {
-        const QMutexLocker locker(&lock);
-        return log.value(level);
-    }
-    std::shared_ptr<TelemetryManagerConfiguration> shared() const {
-        return std::make_shared<TelemetryManagerConfiguration>(configuration);
-    }
+    auto shared() const { return std::make_shared<TelemetryManagerConfiguration>(configuration); }
     QString cacheFile() const { return SignalCache::filePath(directory.path()); }
-    QString preferencesFile() const {
-        return preferencesPath(directory.path(), configuration.telemetryAppID);
-    }
+    QStringList saved() const { return typesIn(QJsonDocument::fromJson(contents(cacheFile())).array()); }
+    auto preferencesFile() const { return preferencesPath(directory.path(), configuration.telemetryAppID); }
 
+    const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
     QTemporaryDir directory;
     QMutex lock;
     QMap<LogLevel, QStringList> log;
-    QList<HttpRequest> requests;
+    int posts = 0;
+    QJsonArray sent;                                      ///< the records in them
     QList<tl::expected<HttpResponse, HttpError>> answers; ///< 200 when there is none
     bool isHeld = false;                                  ///< true: no answer ever comes
     Moment now{QDateTime(QDate(2024, 5, 31), QTime(12, 0), Qt::UTC), 0ms};
@@ -118,8 +93,6 @@ struct World {
     TelemetryEnvironment environment;
     std::unique_ptr<TelemetryManager> manager; // first to go
 };
-
-// -- The record
 
 TEST(AnalyticsRecordTests, isWrittenInOrderWithBothFormsOfDates) {
     const std::string rest = R"(,"appID":"app","clientUser":"user","sessionID":"SESSION",)"
@@ -130,10 +103,9 @@ TEST(AnalyticsRecordTests, isWrittenInOrderWithBothFormsOfDates) {
     EXPECT_EQ(json(DateForm::Disk), "[{\"receivedAt\":738892747.125" + rest);
     SignalPostBody whole = sample();
     whole.floatValue.reset();
-    const auto both = encodeSignals({sample(), whole}, DateForm::Disk);
-    EXPECT_EQ(both->count("floatValue"), 1);
-    EXPECT_EQ(decodeSignals(*both), (QList{sample(), whole}));
-    whole.floatValue = std::numeric_limits<double>::infinity();
+    const QList both{sample(), whole};
+    EXPECT_EQ(decodeSignals(*encodeSignals(both, DateForm::Disk)), both);
+    whole.floatValue = qInf();
     const auto failed = encodeSignals({whole}, DateForm::Network);
     ASSERT_FALSE(failed);
     EXPECT_TRUE(failed.error().description.startsWith(u"Failed to encode signal batch: "_s));
@@ -142,71 +114,59 @@ TEST(AnalyticsRecordTests, isWrittenInOrderWithBothFormsOfDates) {
 /// Not a test of its own: what everyValueIsTrue runs where the language and the time zone are others.
 TEST(AnalyticsRecordTests, DISABLED_sendsOne) {
     TelemetryManagerConfiguration configuration(u"app"_s, {}, QUrl(qEnvironmentVariable("VANTREL_TEST_URL")));
-    configuration.logHandler.reset();
     configuration.transmitInterval = 0.01;
     TelemetryEnvironment environment;
     environment.preferencesDirectory = qEnvironmentVariable("VANTREL_TEST_DIRECTORY");
     environment.cachesDirectory = environment.preferencesDirectory + u"/sent"_s;
-    environment.applicationFacts = [] {
-        return ApplicationFacts{u"1.2"_s,       u"34"_s, 1920, 1080.5, 2, ApplicationFacts::ColorScheme::Dark,
-                                Qt::RightToLeft};
-    };
+    constexpr auto dark = ApplicationFacts::ColorScheme::Dark;
+    const ApplicationFacts facts{u"1.2"_s, u"34"_s, 1920, 1080.5, 2, dark, Qt::RightToLeft};
+    environment.applicationFacts = [facts] { return facts; };
     const TelemetryManager manager(configuration, environment);
     EXPECT_TRUE(waitFor([&] { return QFile::exists(environment.cachesDirectory); })); // it was received
 }
 
 TEST(AnalyticsRecordTests, everyValueIsTrueAndListedInTheDocuments) {
     QStringList sent{u"payload"_s, u"sessionID"_s};
-    for (const auto &[zone, language] :
-         {std::pair("UTC0", "C.UTF-8"), std::pair("EST5", "de_AT.UTF-8"),
-          std::pair("IST-5:30", "en_IN.UTF-8"), std::pair("NST3:30NDT,M3.2.0,M11.1.0", "pt_BR.UTF-8")}) {
-        SCOPED_TRACE(zone);
+    for (const QString &place :
+         {u"TZ=UTC0 LC_ALL=C.UTF-8"_s, u"TZ=EST5 LC_ALL=de_AT.UTF-8"_s, u"TZ=IST-5:30 LC_ALL=en_IN.UTF-8"_s,
+          u"TZ=NST3:30NDT,M3.2.0,M11.1.0 LC_ALL=pt_BR.UTF-8"_s}) {
+        SCOPED_TRACE(place.toStdString());
         const QTemporaryDir directory;
         // Left by a version that used the toolkit's own format.
-        ASSERT_TRUE(QFile::copy(QStringLiteral(VANTREL_TEST_DATA "/signal/earlier.ini"),
+        ASSERT_TRUE(QFile::copy(u"" VANTREL_TEST_DATA "/signal/earlier.ini"_s,
                                 preferencesPath(directory.path(), u"app"_s)));
         test::LocalHttpServer server;
         QProcess client;
-        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
-        variables.insert(u"TZ"_s, QLatin1String(zone));
-        variables.insert(u"LC_ALL"_s, QLatin1String(language));
-        variables.insert(u"USER_ID"_s, u"ME-AND-NOBODY-ELSE"_s);
-        variables.insert(u"VANTREL_TEST_URL"_s, server.url().toString());
-        variables.insert(u"VANTREL_TEST_DIRECTORY"_s, directory.path());
-        variables.remove(u"LANGUAGE"_s);
-        client.setProcessEnvironment(variables);
+        QStringList variables = QProcess::systemEnvironment() + place.split(u' ');
+        variables << u"LANGUAGE="_s << u"USER_ID=ME-AND-NOBODY-ELSE"_s
+                  << u"VANTREL_TEST_URL="_s + server.url().toString()
+                  << u"VANTREL_TEST_DIRECTORY="_s + directory.path();
+        client.setEnvironment(variables);
         client.start(QCoreApplication::applicationFilePath(),
                      {u"--gtest_filter=*DISABLED_sendsOne"_s, u"--gtest_also_run_disabled_tests"_s});
         ASSERT_TRUE(waitFor([&] { return !server.bodies.isEmpty(); }));
         QDir(directory.path()).mkdir(u"sent"_s);
         ASSERT_TRUE(waitFor([&] { return client.state() == QProcess::NotRunning; }));
         ASSERT_EQ(client.exitCode(), 0) << client.readAllStandardOutput().toStdString();
-
         QJsonObject record = QJsonDocument::fromJson(server.bodies.first()).array().first().toObject();
-        const QJsonObject payload = record.take(u"payload"_s).toObject();
-        const QString session = record.take(u"sessionID"_s).toString();
-        EXPECT_EQ(session, QUuid(session).toString(QUuid::WithoutBraces).toUpper());
-        variables.insert(u"AT"_s, record[u"receivedAt"_s].toString());
+        QVariantMap values = record.take(u"payload"_s).toObject().toVariantMap();
+        EXPECT_FALSE(QUuid(record.take(u"sessionID"_s).toString()).isNull());
         QProcess shell;
-        shell.setProcessEnvironment(variables);
-        shell.start(u"sh"_s, {QStringLiteral(VANTREL_TEST_DATA "/signal/expected.sh")});
+        shell.setEnvironment(variables << u"AT="_s + record[u"receivedAt"_s].toString());
+        shell.start(u"sh"_s, {u"-c"_s, u"sh \"$0\" | grep -v '=$' | LC_ALL=C sort"_s,
+                              u"" VANTREL_TEST_DATA "/signal/expected.sh"_s});
         ASSERT_TRUE(shell.waitForFinished());
-        QStringList expected =
-            QString::fromUtf8(shell.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
-        expected.removeIf([](const QString &line) { return line.endsWith(u'='); });
         QStringList found;
-        for (const QJsonObject &part : {record, payload})
-            for (const QString &key : part.keys())
-                found.append(key + u'=' + part[key].toString());
-        sent += record.keys() + payload.keys();
-        expected.sort();
+        values.insert(record.toVariantMap());
+        for (const QString &key : values.keys())
+            found.append(key + u'=' + values[key].toString());
+        sent += values.keys();
         found.sort();
-        EXPECT_EQ(found.join(u'\n').toStdString(), expected.join(u'\n').toStdString());
+        EXPECT_EQ(found.join(u'\n').toUtf8().toStdString(),
+                  shell.readAllStandardOutput().trimmed().toStdString());
     }
-
-    const QByteArray page = contents(QStringLiteral(VANTREL_TEST_DATA "/../../docs/privacy.md"));
-    const QString section =
-        QString::fromUtf8(page).section(u"## What a signal holds"_s, 1).section(u"\n## "_s, 0, 0);
+    const QString page = QString::fromUtf8(contents(u"" VANTREL_TEST_DATA "/../../docs/privacy.md"_s));
+    const QString section = page.section(u"## What a signal holds"_s, 1).section(u"\n## "_s, 0, 0);
     QSet<QString> listed;
     for (auto matches = QRegularExpression(u"`([^`]+)`"_s).globalMatch(section); matches.hasNext();)
         listed.insert(matches.next().captured(1));
@@ -218,32 +178,27 @@ TEST(AnalyticsRecordTests, holdsWhatWasRecordedAndWhoRecordedIt) {
     world.configuration.salt = u"salt"_s;
     world.configuration.testMode = true;
     world.configuration.sendNewSessionBeganSignal = world.configuration.sessionStatsEnabled = false;
-    world.configuration.defaultParameters = [] {
-        return SignalParameters{
-            {u"a"_s, u"default"_s}, {u"b"_s, u"default"_s}, {u"platform"_s, u"default"_s}};
-    };
+    const SignalParameters defaults{{u"a"_s, u"base"_s}, {u"platform"_s, u"base"_s}};
+    world.configuration.defaultParameters = [&] { return defaults; };
     world.configuration.metadataEnrichers = {[](const QString &type, const auto &, auto value) {
-        return SignalParameters{{u"b"_s, type + QString::number(value.value_or(0))},
-                                {u"locale"_s, u"enricher"_s},
-                                {u"c"_s, u"enricher"_s}};
+        const QString seen = type + QString::number(value.value_or(0));
+        return SignalParameters{{u"locale"_s, seen}, {u"c"_s, u"enricher"_s}};
     }};
     world.start();
     world.manager->signal(u"one"_s, {{u"c"_s, u"own"_s}}, 1.5, u"abc"_s);
     world.pass(24h); // sending is later than recording
-    world.manager->signal(u"two"_s, {}, std::numeric_limits<double>::quiet_NaN());
+    world.manager->signal(u"two"_s, {}, qQNaN());
     const auto records = world.records(2);
     EXPECT_EQ(records[0][u"receivedAt"], u"2024-05-31T12:00:00+0000"_s);
     EXPECT_EQ(records[0][u"sessionID"],
               world.configuration.sessionID.toString(QUuid::WithoutBraces).toUpper());
     EXPECT_EQ(records[0][u"clientUser"], hashed(u"abcsalt"_s, {}));
-    EXPECT_EQ(hashed(u"abc"_s, {}), u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s);
     EXPECT_EQ(records[0][u"floatValue"], 1.5);
-    EXPECT_FALSE(records[1].contains(u"floatValue"));
+    EXPECT_TRUE(records[1][u"floatValue"].isUndefined());
     EXPECT_EQ(records[0][u"isTestMode"], u"true"_s);
-    QStringList values;
-    for (const char *key : {"a", "b", "c", "platform", "locale"})
-        values.append(records[0][u"payload"][QLatin1String(key)].toString());
-    EXPECT_EQ(values.join(u' '), u"default one1.5 own macOS enricher"_s);
+    const QJsonValue payload = records[0][u"payload"];
+    EXPECT_EQ(payload[u"a"].toString() + payload[u"platform"].toString(), u"basemacOS"_s);
+    EXPECT_EQ(payload[u"locale"].toString() + payload[u"c"].toString(), u"one1.5own"_s);
     const QString identifier = PreferencesFile(world.preferencesFile()).value(u"defaultUserIdentifier"_s);
     EXPECT_EQ(records[1][u"clientUser"], hashed(identifier, u"salt"_s));
     EXPECT_EQ(QUuid(identifier).toString(QUuid::WithoutBraces).toUpper(), identifier);
@@ -251,14 +206,12 @@ TEST(AnalyticsRecordTests, holdsWhatWasRecordedAndWhoRecordedIt) {
 }
 
 TEST(AnalyticsRecordTests, prefixesNamesAndWarnsOfReservedOnes) {
-    const auto warning = [](const QString &what, const QString &remedy) {
-        return u"Sending %1 will cause unexpected behavior. Please use another %2 instead."_s.arg(what,
-                                                                                                  remedy);
-    };
-    const QString name = warning(u"signal with reserved prefix 'TelemetryDeck.'"_s, u"prefix"_s);
-    const QString key = warning(u"parameter with reserved key prefix 'TelemetryDeck.'"_s, u"prefix"_s);
-    const QStringList both{warning(u"signal with reserved name 'Type'"_s, u"name"_s),
-                           warning(u"parameter with reserved key 'appversion'"_s, u"key"_s)};
+    const QRegularExpression form(
+        u"^Sending (.*) will cause unexpected behavior\\. Please use another (.*) instead\\.$"_s);
+    const QString name = u"signal with reserved prefix 'TelemetryDeck.'|prefix"_s;
+    const QString key = u"parameter with reserved key prefix 'TelemetryDeck.'|prefix"_s;
+    const QStringList both{u"signal with reserved name 'Type'|name"_s,
+                           u"parameter with reserved key 'appversion'|key"_s};
     for (const auto &[prefix, signal, parameter, warnings] :
          {std::tuple(u"My."_s, u"TelemetryDeck.x"_s, u"platform"_s, QStringList()),
           {u""_s, u"telemetrydeck.x"_s, u"TELEMETRYDECK.y"_s, {name, key}},
@@ -271,41 +224,25 @@ TEST(AnalyticsRecordTests, prefixesNamesAndWarnsOfReservedOnes) {
         const auto records = world.records(1);
         EXPECT_EQ(records[0][u"type"].toString(), prefix + signal);
         EXPECT_EQ(records[0][u"payload"][prefix + parameter], u"mine"_s);
-        EXPECT_EQ(world.messages(LogLevel::Error), warnings) << signal.toStdString();
+        EXPECT_EQ(world.messages(LogLevel::Error).replaceInStrings(form, u"\\1|\\2"_s), warnings)
+            << signal.toStdString();
     }
 }
 
-// -- Yes and no
-
 TEST(AnalyticsChoiceTests, nothingHappensWithoutADestinationOrForThoseWhoDecline) {
-    const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
-    using Edit = std::function<void(TelemetryManagerConfiguration &)>;
-    for (const auto &[variable, edit] : {std::pair<const char *, Edit>{"1", [](auto &) {}},
-                                         {"yes", [](auto &) {}},
-                                         {"0", [](auto &edited) { edited.apiBaseURL.clear(); }},
-                                         {"0", [](auto &edited) { edited.analyticsDisabled = true; }},
-                                         {"0", [](auto &edited) { edited.previewMode = true; }}}) {
+    for (const std::string reason : {"1", "yes", "no destination", "disabled", "preview"}) {
+        SCOPED_TRACE(reason);
         World world;
-        qputenv("DO_NOT_TRACK", variable);
-        edit(world.configuration);
-        EXPECT_FALSE(TelemetryDeck::initialize(world.configuration, world.environment)) << variable;
+        qputenv("DO_NOT_TRACK", reason == "1" || reason == "yes" ? reason.c_str() : "0");
+        world.configuration.apiBaseURL = QUrl(reason == "no destination" ? u""_s : u"https://a.example"_s);
+        world.configuration.analyticsDisabled = reason == "disabled";
+        world.configuration.previewMode = reason == "preview";
+        EXPECT_FALSE(TelemetryDeck::initialize(world.configuration, world.environment));
         TelemetryDeck::signal(u"dropped"_s);
         TelemetryDeck::shutDown();
-        EXPECT_THAT(QDir(world.directory.path()).entryList(QDir::Files), IsEmpty());
-        EXPECT_THAT(world.log, IsEmpty());
+        EXPECT_EQ(QDir(world.directory.path()).entryList(QDir::Files), QStringList());
+        EXPECT_TRUE(world.log.isEmpty());
     }
-    World world;
-    world.isHeld = true; // what the first attempt takes is under way at the end
-    qputenv("DO_NOT_TRACK", "0");
-    ASSERT_TRUE(TelemetryDeck::initialize(world.configuration, world.environment));
-    TelemetryDeck::signal(u"kept"_s);
-    TelemetryDeck::movedToBackground();
-    TelemetryDeck::returnedToForeground(); // at once: no new session
-    world.records(1);
-    TelemetryDeck::shutDown();
-    TelemetryDeck::signal(u"too late"_s);
-    EXPECT_EQ(typesIn(contents(world.cacheFile())), QStringList(u"kept"_s));
-    qputenv("DO_NOT_TRACK", doNotTrack);
 }
 
 TEST(AnalyticsChoiceTests, whoCannotBeRememberedIsNotCounted) {
@@ -314,34 +251,41 @@ TEST(AnalyticsChoiceTests, whoCannotBeRememberedIsNotCounted) {
     world.start();
     world.manager->signal(u"s"_s);
     world.manager.reset();
-    EXPECT_THAT(world.requests, IsEmpty());
-    EXPECT_THAT(world.messages(LogLevel::Error), Contains(world.preferencesFile() + u" cannot be read"_s));
-    EXPECT_EQ(typesIn(contents(world.cacheFile())), QStringList());
+    EXPECT_EQ(world.posts, 0);
+    EXPECT_TRUE(world.messages(LogLevel::Error).contains(world.preferencesFile() + u" cannot be read"_s));
+    EXPECT_EQ(world.saved(), QStringList());
 }
 
-// -- Sending
-
-TEST(AnalyticsSendingTests, formsTheServiceAddress) {
-    for (const auto &[base, nameSpace, expected] :
-         {std::tuple("https://a.example", "com.x", "https://a.example/v2/namespace/com.x/"),
-          {"https://a.example/in/", "com.x", "https://a.example/in/v2/namespace/com.x/"},
-          {"http://a.example:8080", "", "http://a.example:8080/v2/"},
-          {"https://a.example", "a b", ""},
-          {"", "com.x", ""},
-          {"signals.example", "", ""},
-          {"file:///tmp", "", ""}}) {
-        const auto url = serviceURL(TelemetryManagerConfiguration(
-            u"app"_s, {}, QUrl(QString::fromLatin1(base)), QString::fromLatin1(nameSpace)));
-        EXPECT_EQ(url.value_or(QUrl()), QUrl(QString::fromLatin1(expected))) << base;
-    }
-}
-
-/// Lets the pending attempt of a manager on this thread begin now; returns what it sent and the next delay.
+/// Lets the pending attempt of a manager on this thread begin now: what it sent, at once, and the next delay.
 std::pair<QStringList, int> attempt(SignalManager &manager, World &world) {
-    world.requests.clear();
+    world.sent = {};
+    world.posts = 0;
     QMetaObject::invokeMethod(&manager.sendTimerSource(), "timeout");
-    return {world.requests.isEmpty() ? QStringList() : typesIn(world.requests.first().json),
-            manager.sendTimerSource().interval() / 1000};
+    EXPECT_EQ(world.posts, world.sent.isEmpty() ? 0 : 1);
+    return {typesIn(world.sent), manager.sendTimerSource().interval() / 1000};
+}
+
+TEST(AnalyticsSendingTests, formsTheServiceAddressOrWaitsForABetterOne) {
+    for (const auto &[base, nameSpace, expected] :
+         {std::tuple(u"https://a.example"_s, u"com.x"_s, u"https://a.example/v2/namespace/com.x/"_s),
+          {u"https://a.example/in/"_s, u"com.x"_s, u"https://a.example/in/v2/namespace/com.x/"_s},
+          {u"http://a.example:8080"_s, u""_s, u"http://a.example:8080/v2/"_s},
+          {u"https://a.example"_s, u"a b"_s, u""_s},
+          {u"signals.example"_s, u""_s, u""_s},
+          {u"file:///tmp"_s, u""_s, u""_s}}) {
+        World world;
+        world.configuration.apiBaseURL = QUrl(base);
+        world.configuration.nameSpace = nameSpace;
+        EXPECT_EQ(serviceURL(world.configuration).value_or(QUrl()), QUrl(expected)) << base.toStdString();
+        SignalManager manager(world.shared(), world.directory.path());
+        manager.push(sample());
+        EXPECT_EQ(attempt(manager, world).first.isEmpty(), expected.isEmpty());
+        EXPECT_EQ(manager.consecutiveFailures(), expected.isEmpty() ? 1 : 0);
+        const QString refused =
+            u"Unable to construct signal API URL for namespace %1. Invalid endpoint URL"_s;
+        EXPECT_EQ(world.messages(LogLevel::Error).join(u". "_s),
+                  expected.isEmpty() ? refused.arg(nameSpace) : QString());
+    }
 }
 
 TEST(AnalyticsSendingTests, goesOutInBatchesBacksOffAndRecovers) {
@@ -353,15 +297,12 @@ TEST(AnalyticsSendingTests, goesOutInBatchesBacksOffAndRecovers) {
         manager.push(sample(QString::number(i)));
     for (const int count : {100, 100, 50})
         EXPECT_EQ(attempt(manager, world).first.size(), count);
-    EXPECT_THAT(world.messages(LogLevel::Info),
-                Contains(u"Sending 100 signals leaving a cache of 150 signals"_s));
-    EXPECT_THAT(world.messages(LogLevel::Debug), Contains(u"Current signal cache count: 250"_s));
+    EXPECT_EQ(world.messages(LogLevel::Info)[1], u"Sending 100 signals leaving a cache of 150 signals"_s);
     manager.push(sample(u"s"_s));
     for (const int delay : {20, 40, 80, 160, 300, 300, 10}) {
+        world.answers = {HttpResponse{delay == 10 ? 200 : 503, {}}};
         if (delay == 40)
             world.answers = {tl::unexpected(HttpError{HttpError::Kind::failed, u"unplugged"_s})};
-        else if (delay != 10)
-            world.answers = {HttpResponse{503, {}}};
         EXPECT_EQ(attempt(manager, world), std::pair(QStringList(u"s"_s), delay));
     }
     EXPECT_EQ(attempt(manager, world), std::pair(QStringList(), 10));
@@ -380,8 +321,8 @@ TEST(AnalyticsSendingTests, judgesEveryStatus) {
         const bool isKept = code / 100 != 2 && !rejected.contains(code);
         World world;
         SignalManager manager(world.shared(), world.directory.path());
-        for (const QString &type : {u"1"_s, u"2"_s, u"3"_s})
-            manager.push(sample(type));
+        for (int time = 0; time < 3; ++time)
+            manager.push(sample());
         world.answers.append(HttpResponse{code, "the answer"});
         EXPECT_EQ(attempt(manager, world).first.size(), 3);
         const QString later = u"Failed to send events (status %1), will try again later"_s.arg(code);
@@ -390,17 +331,7 @@ TEST(AnalyticsSendingTests, judgesEveryStatus) {
         const QString dropped = u"Dropping 3 signal(s): rejected by server "_s + rejected.value(code);
         EXPECT_EQ(world.messages(LogLevel::Error), QStringList(rejected.count(code), dropped));
     }
-    World world;
-    world.configuration.nameSpace = u"a b"_s;
-    SignalManager manager(world.shared(), world.directory.path());
-    manager.push(sample());
-    EXPECT_EQ(attempt(manager, world).first, QStringList());
-    EXPECT_EQ(world.messages(LogLevel::Error).join(u". "_s),
-              u"Unable to construct signal API URL for namespace a b. Invalid endpoint URL"_s);
-    EXPECT_EQ(manager.consecutiveFailures(), 1);
 }
-
-// -- The cache and its file
 
 TEST(AnalyticsCacheTests, readsWhatItCanAndSurvivesTheRest) {
     const QByteArray good = *encodeSignals({sample()}, DateForm::Disk);
@@ -408,39 +339,29 @@ TEST(AnalyticsCacheTests, readsWhatItCanAndSurvivesTheRest) {
         return QByteArray(good).replace(from, to);
     };
     const QByteArray large = '"' + QByteArray(50 * 1024 * 1024, 'x') + '"';
-    struct Case {
-        const char *name;
-        QByteArray contents;
-        bool isLoaded = false;
-        qint64 size = 0; // padded to this size
-    };
-    for (const auto &[name, text, isLoaded, size] :
-         {Case{"empty", ""}, Case{"truncated", good.left(good.size() - 9)}, Case{"not JSON", "signals!"},
-          Case{"not a list", good.mid(1, good.size() - 2)}, Case{"other keys", changed("clientUser", "user")},
-          Case{"date of the network", *encodeSignals({sample()}, DateForm::Network)},
-          Case{"number as parameter", changed("\"2\"", "2")},
-          Case{"one of two is bad", good.chopped(1) + ",{}]"},
-          Case{"beyond any sense", good, false, 200 * 1024 * 1024}, Case{"good", good, true},
-          Case{"an unknown key more", changed("\"appID\"", "\"new\":[],\"appID\""), true},
-          Case{"50 MB", changed("\"2\"", large), true}}) {
-        SCOPED_TRACE(name);
+    QByteArrayList unreadable{"", "signals!", "beyond any sense", good.chopped(9), good.mid(1).chopped(1)};
+    unreadable << changed("clientUser", "user") << changed("\"2\"", "2") << good.chopped(1) + ",{}]"
+               << *encodeSignals({sample()}, DateForm::Network);
+    const auto readable = QByteArrayList{good, changed("\"appID\"", "\"new\":[],\"appID\"")}
+                          << changed("\"2\"", large);
+    for (const QByteArray &text : unreadable + readable) {
+        SCOPED_TRACE(text.left(200).toStdString());
+        const bool isLoaded = readable.contains(text);
         World world;
-        world.configuration.logHandler->minimumLevel = LogLevel::Info;
         write(world.cacheFile(), text);
-        ASSERT_TRUE(size == 0 || QFile::resize(world.cacheFile(), size));
+        ASSERT_TRUE(text != "beyond any sense" || QFile::resize(world.cacheFile(), 200 * 1024 * 1024));
         SignalCache cache(world.shared(), world.directory.path());
         cache.load();
         EXPECT_EQ(cache.size(), isLoaded ? 1 : 0);
         EXPECT_FALSE(QFile::exists(world.cacheFile()));
         cache.push({sample(u"new"_s)});
         cache.save();
-        EXPECT_EQ(typesIn(contents(world.cacheFile())).last(), u"new"_s);
-        const QString location = QUrl::fromLocalFile(world.cacheFile()).toString();
-        QStringList messages{u"Loading Telemetry cache from: "_s + location,
-                             u"Saved Telemetry cache %1 of %2 signals"_s.arg(location).arg(cache.size())};
-        if (isLoaded)
-            messages.insert(1, u"Loaded 1 signals"_s);
-        EXPECT_EQ(world.messages(LogLevel::Info), messages);
+        EXPECT_EQ(world.saved().last(), u"new"_s);
+        const QString log = u"Loading Telemetry cache from: %1|%2Saved Telemetry cache %1 of %3 signals"_s;
+        EXPECT_EQ(world.messages(LogLevel::Info).join(u'|'),
+                  log.arg(QUrl::fromLocalFile(world.cacheFile()).toString(),
+                          isLoaded ? u"Loaded 1 signals|"_s : u""_s)
+                      .arg(cache.size()));
     }
 }
 
@@ -450,19 +371,16 @@ TEST(AnalyticsCacheTests, keepsTheNewestAndSaysWhatItCannotWrite) {
     for (int i = 1; i <= 10'001; ++i)
         cache.push({sample(QString::number(i))});
     cache.save();
-    const QStringList saved = typesIn(contents(world.cacheFile()));
+    const QStringList saved = world.saved();
     ASSERT_EQ(saved.size(), 10'000);
     EXPECT_EQ(saved.first(), u"2"_s);
-    EXPECT_EQ(saved.last(), u"10001"_s);
     // A full disk leaves what was there.
-    const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit full{0, RLIM_INFINITY};
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit full{0, RLIM_INFINITY}, unlimited{RLIM_INFINITY, RLIM_INFINITY};
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
     cache.save();
-    const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY};
     setrlimit(RLIMIT_FSIZE, &unlimited);
-    std::signal(SIGXFSZ, previous);
-    EXPECT_EQ(typesIn(contents(world.cacheFile())), saved);
+    EXPECT_EQ(world.saved(), saved);
     SignalCache(world.shared(), QString()).save();
     EXPECT_EQ(world.messages(LogLevel::Error).join(u". "_s),
               u"Error saving Telemetry cache. Failed to get disk cache url from FileManager."_s);
@@ -471,37 +389,27 @@ TEST(AnalyticsCacheTests, keepsTheNewestAndSaysWhatItCannotWrite) {
 TEST(AnalyticsCacheTests, savesSignalsUnderWayAndNeverKeepsTheWindowOpen) {
     World world;
     world.isHeld = true;
-    QSemaphore diskIsBack;
-    const auto quick = world.configuration.logHandler->function;
-    world.configuration.logHandler->function = [&](LogLevel level, const QString &message) {
-        if (message.startsWith(u"Saved"_s))
-            diskIsBack.acquire();
-        quick(level, message);
-    };
     world.start();
     for (int i = 1; i <= 102; ++i)
         world.manager->signal(QString::number(i));
     world.records(1);
-    QElapsedTimer timer;
-    timer.start();
-    world.manager->aboutToTerminate(); // returns although the thread is stuck
-    EXPECT_LT(timer.elapsed(), 5'000);
-    EXPECT_THAT(world.messages(LogLevel::Info).filter(u"Saved"_s), IsEmpty());
+    world.lock.lock(); // the thread is stuck when it wants to say that it has saved
+    const QDeadlineTimer patience(5s);
+    world.manager->aboutToTerminate(); // returns all the same
+    EXPECT_FALSE(patience.hasExpired());
+    EXPECT_EQ(world.log.value(LogLevel::Info).filter(u"Saved"_s), QStringList());
+    world.lock.unlock();
     world.manager->signal(u"too late"_s);
-    diskIsBack.release();
     world.manager.reset();
-    QStringList saved = typesIn(contents(world.cacheFile()));
-    EXPECT_EQ(saved.removeAll(u"too late"_s), 0);
+    const QStringList saved = world.saved();
+    EXPECT_FALSE(saved.contains(u"too late"_s));
     EXPECT_EQ(QSet(saved.begin(), saved.end()).size(), 102);
 }
 
 TEST(AnalyticsCacheTests, isSharedByCopiesOfTheProgram) {
     World world;
-    std::vector<std::thread> copies;
-    QSet<QString> expected;
-    for (int copy = 0; copy < 4; ++copy) {
-        for (int i = 0; i < 20; ++i)
-            expected.insert(QString::number(copy * 20 + i));
+    std::vector<std::jthread> copies;
+    for (int copy = 0; copy < 4; ++copy)
         copies.emplace_back([&world, copy] {
             SignalCache cache(world.shared(), world.directory.path());
             cache.load();
@@ -509,15 +417,11 @@ TEST(AnalyticsCacheTests, isSharedByCopiesOfTheProgram) {
                 cache.push({sample(QString::number(copy * 20 + i))});
             cache.save();
         });
-    }
-    for (std::thread &copy : copies)
-        copy.join();
-    const QStringList saved = typesIn(contents(world.cacheFile()));
-    EXPECT_EQ(saved.size(), expected.size());
-    EXPECT_EQ(QSet(saved.begin(), saved.end()), expected);
+    copies.clear(); // once they have ended
+    const QStringList saved = world.saved();
+    EXPECT_EQ(saved.size(), 80);
+    EXPECT_EQ(QSet(saved.begin(), saved.end()).size(), 80);
 }
-
-// -- Sessions
 
 TEST(AnalyticsSessionTests, aSessionLastsAsLongAsTheComputerRanAndIsStoredFromOneSecondOn) {
     World world;
@@ -549,44 +453,42 @@ TEST(AnalyticsSessionTests, aSessionLastsAsLongAsTheComputerRanAndIsStoredFromOn
 
 TEST(AnalyticsSessionTests, countsWhatWasStored) {
     World world;
+    // Sessions of 90 days ago, which is too long, and of the last three days.
+    write(
+        world.preferencesFile(),
+        R"(recentSessions=[{"startedAt":1709380800000,"durationInSeconds":500},)"
+        R"({"startedAt":1716897600000,"durationInSeconds":30},{"startedAt":1716984000000,"durationInSeconds":60},)"
+        R"({"startedAt":1717070400000,"durationInSeconds":90}])"
+        "\ndeletedSessionsCount=4\ndistinctDaysUsed=2024-04-30,2024-05-01,2024-05-30\n");
     PreferencesFile preferences(world.preferencesFile());
-    QStringList history;
-    for (const auto &[daysAgo, duration] : {std::pair(90, 500), {3, 30}, {2, 60}, {1, 90}}) // 90: too old
-        history.append(u"{\"startedAt\":%1,\"durationInSeconds\":%2}"_s
-                           .arg(world.now.date.addDays(-daysAgo).toMSecsSinceEpoch())
-                           .arg(duration));
-    preferences.setValue(u"recentSessions"_s, u'[' + history.join(u',') + u']');
-    preferences.setValue(u"deletedSessionsCount"_s, u"4"_s);
-    preferences.setValue(u"distinctDaysUsed"_s, u"2024-04-30,2024-05-01,2024-05-30"_s);
     for (int run = 0; run < 2; ++run) { // pruned once, and one day of use
         SessionManager sessions(preferences, world.environment.now);
         EXPECT_EQ(sessions.startNewSession(), std::nullopt);
-        const SignalParameters figures = sessions.retentionParameters();
-        const QString family = u"TelemetryDeck.Retention."_s;
-        EXPECT_EQ(figures[family + u"totalSessionsCount"_s], u"8"_s);
-        EXPECT_EQ(figures[family + u"distinctDaysUsed"_s], u"4"_s);
-        EXPECT_EQ(figures[family + u"distinctDaysUsedLastMonth"_s], u"3"_s); // the 1st is 30 days ago
-        EXPECT_EQ(figures[family + u"averageSessionSeconds"_s], u"45"_s);
-        EXPECT_EQ(figures[family + u"previousSessionSeconds"_s], u"60"_s);
+        // First date, average, days, of the last month (the 1st is 30 days ago), previous, total.
+        EXPECT_EQ(QStringList(sessions.retentionParameters().values()).join(u' '),
+                  u"2024-05-31 45 4 3 60 8"_s);
         EXPECT_EQ(preferences.value(u"deletedSessionsCount"_s), u"5"_s);
     }
 }
 
 TEST(AnalyticsSessionTests, aLongAbsenceBeginsANewOne) {
     World world;
-    world.start();
-    const QJsonObject first = world.records(2).first();
-    EXPECT_EQ(first[u"payload"][u"TelemetryDeck.Acquisition.firstSessionDate"], u"2024-05-31"_s);
+    qputenv("DO_NOT_TRACK", "0");
+    ASSERT_TRUE(TelemetryDeck::initialize(world.configuration, world.environment));
+    EXPECT_EQ(world.records(2).at(0)[u"payload"][u"TelemetryDeck.Acquisition.firstSessionDate"],
+              u"2024-05-31"_s);
     for (const auto away : {300s, -300s, 301s}) {
-        world.manager->movedToBackground();
+        TelemetryDeck::movedToBackground();
         world.pass(away);
-        world.manager->returnedToForeground();
-        world.manager->signal(u"back"_s);
+        TelemetryDeck::returnedToForeground();
+        TelemetryDeck::signal(u"back"_s);
     }
-    QStringList types;
-    for (const QJsonObject &record : world.records(6))
-        types.append(record[u"type"].toString().section(u'.', -1));
-    EXPECT_EQ(types.join(u' '), u"newInstallDetected started back back started back"_s);
+    EXPECT_EQ(typesIn(world.records(6)).join(u' '),
+              u"TelemetryDeck.Acquisition.newInstallDetected TelemetryDeck.Session.started back back "
+              u"TelemetryDeck.Session.started back"_s);
+    TelemetryDeck::shutDown();
+    TelemetryDeck::signal(u"too late"_s);
+    EXPECT_EQ(world.saved(), QStringList());
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <sys/resource.h>
 
 namespace vantrel {
 namespace {
@@ -32,11 +32,9 @@ Result outcome(const HttpRequest &request) {
 
 /// The most memory this process has had so far, in bytes.
 qint64 peakMemory() {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.starts_with("VmHWM:"))
-            return std::stoll(line.substr(6)) * 1024;
-    return -1;
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss * 1024;
 }
 
 TEST(HttpExchangeTests, oneAttemptIsOnePostWhateverTheServerDoes) {
@@ -65,11 +63,8 @@ TEST(HttpExchangeTests, oneAttemptIsOnePostWhateverTheServerDoes) {
                                            .json = "[1]",
                                            .timeout = timeout,
                                            .tls = LocalHttpServer::trustingConfiguration()});
-            EXPECT_EQ(result.has_value(), !error);
             EXPECT_EQ(result ? result->status : 0, error ? 0 : 200);
-            if (!result && error) {
-                EXPECT_EQ(result.error().kind, *error) << result.error().text.toStdString();
-            }
+            EXPECT_EQ(result ? std::nullopt : std::optional(result.error().kind), error);
             // A repetition would have been seen: it comes before the outcome.
             EXPECT_EQ(server.bodies, QList<QByteArray>{"[1]"});
             EXPECT_TRUE(server.heads.value(0).startsWith("POST /in HTTP/1.1\r\n"));
@@ -107,17 +102,11 @@ TEST(HttpExchangeTests, aLongAnswerIsCutOffAndNotKept) {
 }
 
 TEST(HttpExchangeTests, onlyTheRightCertificateIsTrusted) {
-    struct Case {
-        const char *name;
-        std::optional<QSslConfiguration> trust;
-        QString host;
-        bool isSent;
-    };
-    for (const auto &[name, trust, host, isSent] : {
-             Case{"signed by nobody", std::nullopt, u"localhost"_s, false},
-             Case{"of another host", LocalHttpServer::trustingConfiguration(), u"127.0.0.1"_s, false},
-             Case{"the right one", LocalHttpServer::trustingConfiguration(), u"localhost"_s, true},
-         }) {
+    const std::optional trusting = LocalHttpServer::trustingConfiguration();
+    for (const auto &[name, trust, host, isSent] :
+         {std::tuple("signed by nobody", std::optional<QSslConfiguration>(), u"localhost"_s, false),
+          {"of another host", trusting, u"127.0.0.1"_s, false},
+          {"the right one", trusting, u"localhost"_s, true}}) {
         LocalHttpServer server(LocalHttpServer::Transport::tls);
         const Result result = outcome({.url = server.url({}, host), .json = "[]", .tls = trust});
         EXPECT_EQ(result.has_value(), isSent) << name;
