@@ -155,6 +155,7 @@ TEST(ListingTextTests, someLinesAreNoEntries) {
         EXPECT_FALSE(ADBClient::parseLSLALine(line).has_value()) << line.toStdString();
     // An arrow alone, with nothing before it, still leaves a name.
     const auto arrows = ADBClient::parseLSLA(u"-rw-r--r-- 1 r r 5 2024-05-01 13:07 ->x\n"
+                                             "-rw-r--r-- 1 r r 5 2024-05-01 13:07 -> .hidden\n"
                                              "-rw-r--r-- 1 r r 5 2024-05-01 13:07 ->\n"_s,
                                              u"/sdcard"_s);
     EXPECT_EQ(names(arrows), u"->|x"_s);
