@@ -755,9 +755,7 @@ void expectNothingOverlaps(QWidget &view) {
 }
 
 TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
-    QString emoji;
-    for (int i = 0; i < 60; ++i)
-        emoji += u"😀"_s;
+    const QString emoji = u"😀"_s.repeated(60);
     const QSize smallest = view.minimumSizeHint();
     const QSize hint = view.sizeHint();
     EXPECT_LE(smallest.width(), 390) << "two panes must fit into the smallest window";
