@@ -1,10 +1,12 @@
-// What recording a signal costs its caller, and that the number of signals waiting makes no difference: once
-// with one and once with as many as the cache takes, where every further one also gives up the oldest.
+// What recording a signal costs the main thread, and what the client's own thread does for it: the cache with
+// one signal waiting and with as many as it takes, where every further one also gives up the oldest; and
+// storing the session of now beside a history of others, which happens every half minute.
 
+#include "Analytics/SessionManager.h"
+#include "Analytics/SignalCache.h"
 #include "Analytics/TelemetryManager.h"
 
 #include <QCoreApplication>
-#include <QSemaphore>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -13,65 +15,55 @@ namespace {
 
 using namespace vantrel;
 
-/// Nothing is ever sent, so that the cache stays as full as it was made.
-class SilentHttpClient final : public HttpClient {
-public:
-    void post(HttpRequest, Completion) override {}
-};
-
-SignalPostBody waitingSignal() {
-    return {QDateTime::currentDateTimeUtc(),
-            QStringLiteral("app"),
-            QStringLiteral("user"),
-            QStringLiteral("id"),
-            QStringLiteral("waiting"),
-            std::nullopt,
-            {},
-            QStringLiteral("false")};
+TelemetryManagerConfiguration silentConfiguration() {
+    TelemetryManagerConfiguration configuration(QStringLiteral("app"));
+    // Nothing is ever sent, so that the cache stays as full as it was made.
+    configuration.urlSession = [](const HttpRequest &, QObject *, const HttpCompletion &) {};
+    configuration.logHandler.reset();
+    configuration.transmitInterval = configuration.maxBackoffInterval = 1e6;
+    return configuration;
 }
 
 void recordSignal(benchmark::State &state) {
     const QTemporaryDir directory;
-    TelemetryManagerConfiguration configuration(QStringLiteral("app"));
-    configuration.urlSession = std::make_shared<SilentHttpClient>();
-    configuration.logHandler.reset();
-    configuration.transmitInterval = configuration.maxBackoffInterval = 1e6;
-    configuration.sessionStatsEnabled = false;
-    configuration.defaultUser = QStringLiteral("user");
     TelemetryEnvironment environment;
-    environment.cacheFileURL = QUrl::fromLocalFile(directory.filePath(QStringLiteral("cache")));
-    TelemetryManager manager(configuration, environment);
-    while (manager.signalManager().sendCompletions() < 1)
-        QThread::yieldCurrentThread();
-    for (qint64 i = 0; i < state.range(0); ++i)
-        manager.signalManager().push(waitingSignal());
-
+    environment.preferencesDirectory = environment.cachesDirectory = directory.path();
+    TelemetryManager manager(silentConfiguration(), environment);
     for (auto _ : state)
         manager.signal(QStringLiteral("signal"));
+    manager.abandon();
 }
 
-/// The cache's own part of it: appending, and giving up the oldest once it is full.
 void pushIntoCache(benchmark::State &state) {
-    TelemetryManagerConfiguration configuration(QStringLiteral("app"));
-    configuration.cacheLimit = int(state.range(0));
-    configuration.logHandler.reset();
-    SignalCache cache(std::make_shared<SharedConfiguration>(configuration), std::nullopt, QString());
+    SignalCache cache(std::make_shared<TelemetryManagerConfiguration>(silentConfiguration()), QString());
+    SignalPostBody body;
+    body.type = QStringLiteral("waiting");
     for (qint64 i = 0; i < state.range(0); ++i)
-        cache.push({waitingSignal()});
-    const SignalPostBody body = waitingSignal();
-
-    for (auto _ : state) {
-        for (int i = 0; i < 1000; ++i)
-            cache.push({body});
-        QSemaphore idle; // without a file, saving only takes its turn
-        cache.save([&idle] { idle.release(); });
-        idle.acquire();
-    }
-    state.SetItemsProcessed(state.iterations() * 1000);
+        cache.push({body});
+    for (auto _ : state)
+        cache.push({body});
 }
 
-BENCHMARK(recordSignal)->Arg(1)->Arg(10'000)->UseRealTime();
-BENCHMARK(pushIntoCache)->Arg(1)->Arg(10'000)->UseRealTime();
+void storeSession(benchmark::State &state) {
+    const QTemporaryDir directory;
+    PreferencesFile preferences(directory.filePath(QStringLiteral("preferences.ini")));
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    QStringList history;
+    for (qint64 i = state.range(0); i > 0; --i)
+        history.append(QStringLiteral("{\"startedAt\":%1,\"durationInSeconds\":60}").arg(now - i * 100'000));
+    preferences.setValue(QStringLiteral("recentSessions"), u'[' + history.join(u',') + u']');
+    Moment moment = Moment::now();
+    SessionManager sessions(preferences, [&moment] { return moment; });
+    static_cast<void>(sessions.startNewSession());
+    for (auto _ : state) {
+        moment.uptime += std::chrono::seconds(30);
+        sessions.updateSessionDuration();
+    }
+}
+
+BENCHMARK(recordSignal)->UseRealTime();
+BENCHMARK(pushIntoCache)->Arg(1)->Arg(10'000);
+BENCHMARK(storeSession)->Arg(1)->Arg(10'000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

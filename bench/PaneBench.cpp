@@ -1,10 +1,10 @@
 // A pane with 100,000 entries, in the window's own middle on the real model: from what changes in the model
 // to the painted frame. The label says how long it may take. Offscreen, on the demo phone.
 
+#include "Kit/AppStyle.h"
 #include "State/AppState.h"
 #include "Views/DualBrowserView.h"
-#include "Views/FileGridView.h"
-#include "Views/FileListView.h"
+#include "Views/FileItemsView.h"
 #include "support/DemoPhone.h"
 #include "support/FakeDesktop.h"
 
@@ -62,8 +62,8 @@ public:
     }
     void expectFrame() { isPainted = false; }
 
-    FileItemsView *list() { return view.findChild<FileListView *>(); }
-    FileItemsView *grid() { return view.findChild<FileGridView *>(); }
+    FileItemsView *list() { return view.findChild<FileItemsView *>(QStringLiteral("fileList")); }
+    FileItemsView *grid() { return view.findChild<FileItemsView *>(QStringLiteral("fileGrid")); }
     FileItemsView *shown() { return model.androidViewMode() == PaneViewMode::grid ? grid() : list(); }
 
     DemoPhone phone;
@@ -212,7 +212,8 @@ BOTH_LAYOUTS(switchLayout);
 
 int main(int argc, char **argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
+    QApplication application(argc, argv);
+    AppStyle::install(application, std::chrono::milliseconds(250));
     benchmark::Initialize(&argc, argv);
     LargeFolder large;
     folder = &large;

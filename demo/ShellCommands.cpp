@@ -241,17 +241,6 @@ Answer stat(const Words &words, const PhoneFiles &files) {
     return answer;
 }
 
-// -- for p in PATH…; do … done
-
-Answer exists(const Words &words, const PhoneFiles &files) {
-    Answer answer;
-    for (const std::string &path : words) {
-        Entry entry;
-        answer.standardOutput += files.look(path, Links::keep, entry) == 0 ? "taken\n" : "free\n";
-    }
-    return answer;
-}
-
 // -- df, getprop
 
 Answer df(const Words &words, const Settings &settings) {
@@ -317,8 +306,6 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
     const Words &words = pipeline[0].words;
     if (words.empty())
         return unknown;
-    if (pipeline[0].isExistenceLoop)
-        return "exists";
     const std::string &name = words[0];
     const auto has = [&](std::size_t at, std::string_view word) {
         return words.size() > at && words[at] == word;
@@ -344,9 +331,7 @@ Answer runShellCommand(const std::vector<ShellPipeline> &line, const PhoneFiles 
     const ShellPipeline &pipeline = line[0];
     const Words &words = pipeline[0].words;
     Answer answer;
-    if (pipeline[0].isExistenceLoop)
-        answer = exists(words, files);
-    else if (words[0] == "getprop")
+    if (words[0] == "getprop")
         answer.standardOutput = settings.model + "\n";
     else if (words[0] == "df")
         answer = df(words, settings);

@@ -14,12 +14,16 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <csignal>
 #include <fcntl.h>
 #include <limits>
-#include <mutex>
+#include <poll.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
+using namespace Qt::StringLiterals;
 using namespace vantrel;
 
 namespace {
@@ -47,16 +51,21 @@ void writeExecutable(const QString &path, const QByteArray &script) {
     QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 }
 
-/// An adb that is a shell script, found as the bundled one.
+/// An adb that is a shell script in a folder of its own, found as the bundled one. "step" in it waits for the
+/// test's step().
 class ScriptedADB {
 public:
     explicit ScriptedADB(const QByteArray &script) : m_environment({"VANTREL_RESOURCES"}) {
-        writeExecutable(m_folder.filePath(QStringLiteral("platform-tools/adb")), script);
+        writeExecutable(filePath("adb"), "cd \"$(dirname \"$0\")\"\n"
+                                         "step() { until read x < fifo; do :; done; }\n" +
+                                             script);
+        EXPECT_EQ(::mkfifo(QFile::encodeName(filePath("fifo")).constData(), 0600), 0);
         qputenv("VANTREL_RESOURCES", QFile::encodeName(m_folder.path()));
     }
     [[nodiscard]] QString filePath(const char *name) const {
-        return m_folder.filePath(QString::fromLatin1(name));
+        return m_folder.filePath(u"platform-tools/"_s + QString::fromLatin1(name));
     }
+    void step() const { write(filePath("fifo"), "\n"); }
 
 private:
     EnvironmentGuard m_environment;
@@ -69,44 +78,41 @@ struct Report {
     qint64 total;
     friend bool operator==(const Report &, const Report &) = default;
 };
+using Reports = std::vector<Report>;
 
 void PrintTo(const Report &report, std::ostream *stream) {
     *stream << report.fraction << ' ' << report.done << ' ' << report.total;
 }
 
 /// A receiver of progress that remembers.
-class Reports {
-public:
-    ADBClient::TransferProgress receiver() {
-        return [this](double fraction, qint64 done, qint64 total) {
-            const std::scoped_lock lock(m_mutex);
-            m_list.push_back({fraction, done, total});
-        };
-    }
-    [[nodiscard]] std::vector<Report> list() const {
-        const std::scoped_lock lock(m_mutex);
-        return m_list;
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<Report> m_list;
-};
-
-QStringList pull(const QString &remote, const QString &local) {
-    return {QStringLiteral("-s"), DemoPhone::serial(), QStringLiteral("pull"), remote, local};
+ADBClient::TransferProgress into(Reports &reports) {
+    return [&](double fraction, qint64 done, qint64 total) { reports.push_back({fraction, done, total}); };
 }
 
-QStringList push(const QString &local, const QString &remote) {
-    return {QStringLiteral("-s"), DemoPhone::serial(), QStringLiteral("push"), local, remote};
+const QString serial = DemoPhone::serial();
+
+/// What became of a copy.
+QString copied(const QStringList &words, qint64 bytes, const std::optional<QString> &growing,
+               const ADBClient::TransferProgress &onProgress) {
+    const auto result =
+        ADBClient::runTransfer(QStringList{u"-s"_s, serial} + words, bytes, growing, onProgress);
+    return result ? u"(success)"_s : result.error().errorDescription();
+}
+QString pull(const QString &remote, const QString &local, qint64 bytes = 0,
+             const ADBClient::TransferProgress &onProgress = {}) {
+    return copied({u"pull"_s, remote, local}, bytes, local, onProgress);
+}
+QString push(const QString &local = u"/a"_s, const QString &remote = u"/sdcard/a"_s, qint64 bytes = 0,
+             const ADBClient::TransferProgress &onProgress = {}) {
+    return copied({u"push"_s, local, remote}, bytes, {}, onProgress);
 }
 
-QString message(const ADBResult<void> &result) {
-    return result ? QStringLiteral("(success)") : result.error().errorDescription();
+ADBResult<QString> runShell(const QString &script) {
+    return ADBClient::runProcess(u"/bin/sh"_s, {u"-c"_s, script}, ADBClient::augmentedEnvironment());
 }
 
-QString shell() {
-    return QStringLiteral("/bin/sh");
+ADBResult<QList<FileItem>> search(const QString &query, int limit = 200) {
+    return ADBClient::search(serial, u"/sdcard"_s, query, limit);
 }
 
 std::atomic<int> terminalFlags{0};
@@ -120,54 +126,49 @@ extern "C" int posix_openpt(int flags) {
     return ::open("/dev/ptmx", flags);
 }
 
-TEST(Tool, isLookedForInTheResourcesThenTheSearchPathThenMissed) {
+TEST(ADBToolTests, isLookedForInTheResourcesThenTheSearchPathThenMissed) {
     const EnvironmentGuard guard({"VANTREL_RESOURCES", "PATH", "HOME"});
     QTemporaryDir folder;
-    const QString bundled = folder.filePath(QStringLiteral("resources/platform-tools/adb"));
-    const QString onPath = folder.filePath(QStringLiteral("bin/adb"));
+    const QString bundled = folder.filePath(u"resources/platform-tools/adb"_s);
+    const QString onPath = folder.filePath(u"bin/adb"_s);
     writeExecutable(bundled, "exit 0");
     writeExecutable(onPath, "exit 0");
-    qputenv("VANTREL_RESOURCES", QFile::encodeName(folder.filePath(QStringLiteral("resources"))));
-    qputenv("PATH", QFile::encodeName(folder.filePath(QStringLiteral("bin"))));
+    qputenv("VANTREL_RESOURCES", QFile::encodeName(folder.filePath(u"resources"_s)));
+    qputenv("PATH", QFile::encodeName(folder.filePath(u"bin"_s)));
     EXPECT_EQ(ADBClient::bundledADBPath(), bundled);
     EXPECT_EQ(ADBClient::resolveADBPath(), bundled);
-    EXPECT_EQ(ADBClient::augmentedEnvironment().value(QStringLiteral("PATH")),
-              QFileInfo(bundled).path() + QStringLiteral(":/opt/homebrew/bin:/usr/local/bin:") +
-                  QFileInfo(onPath).path());
+    EXPECT_EQ(ADBClient::augmentedEnvironment().value(u"PATH"_s),
+              QFileInfo(bundled).path() + u":/opt/homebrew/bin:/usr/local/bin:"_s + QFileInfo(onPath).path());
 
     QFile::setPermissions(bundled, QFileDevice::ReadOwner);
     EXPECT_EQ(ADBClient::bundledADBPath(), std::nullopt);
     EXPECT_EQ(ADBClient::resolveADBPath(), onPath);
 
     qunsetenv("PATH");
-    EXPECT_EQ(ADBClient::augmentedEnvironment().value(QStringLiteral("PATH")),
-              QStringLiteral("/opt/homebrew/bin:/usr/local/bin:"));
+    EXPECT_EQ(ADBClient::augmentedEnvironment().value(u"PATH"_s), u"/opt/homebrew/bin:/usr/local/bin:"_s);
     qputenv("PATH", "/nowhere");
     EXPECT_EQ(ADBClient::resolveADBPath(), std::nullopt);
     EXPECT_EQ(ADBClient::listDeviceSerials().error().errorDescription(),
-              QStringLiteral("Vantrel’s Android tools are missing. Please reinstall the app."));
-    EXPECT_EQ(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/tmp/a")), 0, {}, {})
-                  .error(),
-              ADBError::adbNotFound());
+              u"Vantrel’s Android tools are missing. Please reinstall the app."_s);
+    EXPECT_EQ(push(), ADBError::adbNotFound().errorDescription());
 }
 
-TEST(Tool, isNeverOneThatLiesBelowTheWorkingFolder) {
+TEST(ADBToolTests, isNeverOneThatLiesBelowTheWorkingFolder) {
     const EnvironmentGuard guard({"VANTREL_RESOURCES", "PATH", "HOME"});
     qunsetenv("VANTREL_RESOURCES");
     qputenv("PATH", "/nowhere");
     const QString before = QDir::currentPath();
     QTemporaryDir folder;
-    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("build/asan")));
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"build/asan"_s));
     for (const char *planted :
          {"src/Resources", "Resources", "build/asan/Resources", "build/asan/src/Resources"})
-        writeExecutable(folder.filePath(QLatin1String(planted) + QStringLiteral("/platform-tools/adb")),
-                        "exit 0");
-    ASSERT_TRUE(QDir::setCurrent(folder.filePath(QStringLiteral("build/asan"))));
+        writeExecutable(folder.filePath(QLatin1String(planted) + u"/platform-tools/adb"_s), "exit 0");
+    ASSERT_TRUE(QDir::setCurrent(folder.filePath(u"build/asan"_s)));
     EXPECT_EQ(ADBClient::resolveADBPath(), std::nullopt);
     QDir::setCurrent(before);
 }
 
-TEST(RunProcess, outcomes) {
+TEST(ADBToolTests, aRunSucceedsOrFailsWithTheToolsReason) {
     const struct {
         const char *script;
         const char *output; // null: it fails
@@ -184,6 +185,8 @@ TEST(RunProcess, outcomes) {
          nullptr, "adb exited with 4"},
         {"printf '* daemon started successfully\\nerror: device offline\\n' >&2; exit 1", nullptr,
          "error: device offline"},
+        {"printf '*.bin: not found\\n' >&2; exit 1", nullptr, "*.bin: not found"},
+        {"printf 'error: one\\nerror: two\\n' >&2; exit 1", nullptr, "error: one\nerror: two"},
         {"printf 'WARNING: linker\\r\\nerror: device unauthorized.\\nLook at the phone.\\n' >&2; exit 1",
          nullptr, "error: device unauthorized.\nLook at the phone."},
         {"printf 'ls: /x: Permission denied\\n* daemon started successfully\\nls: /y: gone\\n' >&2; exit 1",
@@ -191,289 +194,200 @@ TEST(RunProcess, outcomes) {
         {"kill -9 $$", nullptr, "adb exited with 9"},
     };
     for (const auto &c : cases) {
-        const auto result = ADBClient::runProcess(
-            shell(), {QStringLiteral("-c"), QString::fromUtf8(c.script)}, ADBClient::augmentedEnvironment());
+        const auto result = runShell(QString::fromUtf8(c.script));
         if (c.output)
-            EXPECT_EQ(result.value_or(QStringLiteral("(failed)")), QString::fromUtf8(c.output)) << c.script;
+            EXPECT_EQ(result.value_or(u"(failed)"_s), QString::fromUtf8(c.output)) << c.script;
         else
             EXPECT_EQ(result.error().errorDescription(), QString::fromUtf8(c.error)) << c.script;
     }
-    const auto missing =
-        ADBClient::runProcess(QStringLiteral("/nowhere/adb"), {}, ADBClient::augmentedEnvironment());
+    const auto missing = ADBClient::runProcess(u"/nowhere/adb"_s, {}, ADBClient::augmentedEnvironment());
     EXPECT_EQ(missing.error().kind(), ADBError::Kind::executionFailed);
     EXPECT_FALSE(missing.error().errorDescription().isEmpty());
 }
 
-TEST(RunProcess, drainsBothStreamsAndBoundsThem) {
-    const auto run = [](const char *script) {
-        return ADBClient::runProcess(shell(), {QStringLiteral("-c"), QString::fromUtf8(script)},
-                                     ADBClient::augmentedEnvironment());
-    };
+TEST(ADBToolTests, aRunDrainsBothStreamsAndBoundsThem) {
     const auto megabyte =
-        run("head -c 1000000 /dev/zero | tr '\\0' e >&2; head -c 1000000 /dev/zero | tr '\\0' o");
+        runShell(u"head -c 1000000 /dev/zero | tr '\\0' e >&2; head -c 1000000 /dev/zero | tr '\\0' o"_s);
     EXPECT_EQ(megabyte->size(), 1'000'000);
-    EXPECT_EQ(run("yes").error().errorDescription(),
-              QStringLiteral("The phone’s answer was longer than 64 MB and was not read to its end."));
+    for (const QString &tooMuch :
+         {u"yes"_s, u"head -c 64000001 /dev/zero"_s, u"head -c 64000001 /dev/zero >&2"_s}) {
+        const auto answer = runShell(tooMuch);
+        ASSERT_FALSE(answer.has_value()) << tooMuch.toStdString();
+        EXPECT_EQ(answer.error().errorDescription(),
+                  u"The phone’s answer was longer than 64 MB and was not read to its end.");
+    }
 }
 
-TEST(RunProcess, passesArgumentsUnchangedAndExactlyTheEnvironment) {
-    QProcessEnvironment environment;
-    environment.insert(QStringLiteral("ONLY"), QStringLiteral("this one"));
-    const auto result = ADBClient::runProcess(
-        shell(),
-        {QStringLiteral("-c"), QStringLiteral("printf '%s|' \"$ONLY\" \"$HOME\" \"$@\""),
-         QStringLiteral("sh"), QStringLiteral("$(id) 'x' \"y\" ;&"), QString()},
-        environment);
-    EXPECT_EQ(*result, QStringLiteral("this one||$(id) 'x' \"y\" ;&||"));
-}
-
-TEST(RunProcess, stopsWhenToolsAreStopped) {
+TEST(ADBToolTests, aRunStopsWhenToolsAreStopped) {
     QTemporaryDir folder;
-    const QString started = folder.filePath(QStringLiteral("started"));
+    const QString started = folder.filePath(u"started"_s);
     std::thread stopper([&] {
         while (!QFile::exists(started))
             std::this_thread::yield();
         ADBClient::stopRunningTools();
     });
-    const auto result = ADBClient::runProcess(
-        shell(), {QStringLiteral("-c"), QStringLiteral("echo $$ > '%1'; exec sleep 600").arg(started)},
-        ADBClient::augmentedEnvironment());
+    const auto result = runShell(u"echo $$ > '%1'; exec sleep 600"_s.arg(started));
     stopper.join();
-    EXPECT_EQ(result.error().errorDescription(), QStringLiteral("adb was stopped."));
+    EXPECT_EQ(result.error().errorDescription(), u"adb was stopped."_s);
     // Later operations are not touched.
-    EXPECT_TRUE(ADBClient::runProcess(shell(), {QStringLiteral("-c"), QStringLiteral("true")},
-                                      ADBClient::augmentedEnvironment())
-                    .has_value());
+    EXPECT_TRUE(runShell(u"true"_s).has_value());
 }
 
-TEST(Device, theFirstPhoneThatIsReady) {
+#ifdef Q_OS_LINUX
+TEST(ADBToolTests, noToolOutlivesTheProgram) {
+    QTemporaryDir folder;
+    const QString started = folder.filePath(u"started"_s);
+    // The program and its tool hold the second; the first reads an end when both are gone.
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe(ends), 0);
+    const pid_t program = ::fork();
+    if (program == 0) {
+        (void)runShell(u"echo > '%1'; exec sleep 600"_s.arg(started));
+        ::_exit(1);
+    }
+    ::close(ends[1]);
+    while (!QFile::exists(started))
+        std::this_thread::yield();
+    ::kill(program, SIGKILL);
+    ::waitpid(program, nullptr, 0);
+    pollfd end{ends[0], POLLIN, 0};
+    EXPECT_EQ(::poll(&end, 1, 10'000), 1) << "the tool still runs";
+    ::close(ends[0]);
+}
+#endif
+
+TEST(ADBDeviceTests, theFirstPhoneThatIsReady) {
     DemoPhone phone;
-    phone.set(QStringLiteral("model"), "Pixel 7");
-    EXPECT_EQ(ADBClient::fetchPrimaryDevice(), (AndroidDevice{DemoPhone::serial(), QStringLiteral("Pixel 7"),
-                                                              true, 20'606'418'944, 118'082'764'800}));
-    // A phone that answers one of the two questions is there.
-    phone.set(QStringLiteral("getprop.exit"), "1");
-    EXPECT_EQ(ADBClient::fetchPrimaryDevice()->name, DemoPhone::serial());
-    phone.set(QStringLiteral("df.stdout"), "Filesystem 1K-blocks\n");
-    phone.reset(QStringLiteral("getprop.exit"));
+    phone.set(u"model"_s, "Pixel 7");
     EXPECT_EQ(ADBClient::fetchPrimaryDevice(),
-              (AndroidDevice{DemoPhone::serial(), QStringLiteral("Pixel 7"), true, 0, 0}));
-    phone.set(QStringLiteral("getprop.exit"), "1");
+              (AndroidDevice{serial, u"Pixel 7"_s, true, 20'606'418'944, 118'082'764'800}));
+    // A phone that answers one of the two questions is there.
+    phone.set(u"getprop.exit"_s, "1");
+    EXPECT_EQ(ADBClient::fetchPrimaryDevice()->name, serial);
+    phone.set(u"df.stdout"_s, "Filesystem 1K-blocks\n");
+    phone.reset(u"getprop.exit"_s);
+    EXPECT_EQ(ADBClient::fetchPrimaryDevice(), (AndroidDevice{serial, u"Pixel 7"_s, true, 0, -1}));
+    phone.set(u"getprop.exit"_s, "1");
     EXPECT_EQ(ADBClient::fetchPrimaryDevice().error().errorDescription(),
-              QStringLiteral("Could not read device storage (df)."));
+              u"Could not read device storage (df)."_s);
 
     const QString none = ADBError::noDevice().errorDescription();
-    EXPECT_EQ(none,
-              QStringLiteral("No Android device connected. Plug in your phone and turn on USB debugging."));
+    EXPECT_EQ(none, u"No Android device connected. Plug in your phone and turn on USB debugging."_s);
     for (const char *state :
          {"none", "offline", "unauthorized", "authorizing", "recovery",
           "no permissions (user in plugdev group; are your udev rules wrong?); see [http://x]"}) {
-        phone.set(QStringLiteral("state"), state);
+        phone.set(u"state"_s, state);
         EXPECT_EQ(ADBClient::fetchPrimaryDevice().error().errorDescription(), none) << state;
     }
-    phone.set(QStringLiteral("devices.stdout"),
-              "List of devices attached\nA1\toffline\nB2\tdevice\nC3\tdevice\n");
-    EXPECT_EQ(*ADBClient::listDeviceSerials(), (QStringList{QStringLiteral("B2"), QStringLiteral("C3")}));
+    phone.set(u"devices.stdout"_s, "List of devices attached\nA1\toffline\nB2\tdevice\nC3\tdevice\n");
+    EXPECT_EQ(*ADBClient::listDeviceSerials(), (QStringList{u"B2"_s, u"C3"_s}));
 }
 
-TEST(Device, storageOfTheDataPartitionWhereSharedStorageCannotBeRead) {
+TEST(ADBDeviceTests, storageOfTheDataPartitionWhereSharedStorageCannotBeRead) {
     const ScriptedADB adb("[ \"$5\" = /data ] && echo '/dev/block 200 100 100 50% /data' || exit 1");
-    EXPECT_EQ(*ADBClient::fetchStorageBytes(QStringLiteral("x")),
-              (ADBClient::StorageBytes{102'400, 204'800}));
+    EXPECT_EQ(*ADBClient::fetchStorageBytes(u"x"_s), (ADBClient::StorageBytes{102'400, 204'800}));
 }
 
-TEST(Listing, hostileNamesAreFoundAgain) {
+TEST(ADBListingTests, hostileNamesAreFoundAgain) {
     DemoPhone phone;
-    const QString longName = QString(63, QChar(0x00fc)) + QString(129, QLatin1Char('x')); // 255 bytes
-    const QStringList names{QStringLiteral("it's"),
-                            QStringLiteral("$(touch pwned)"),
-                            QStringLiteral("`touch pwned`"),
-                            QStringLiteral("a;b|c&d"),
-                            QStringLiteral("-rf"),
-                            QStringLiteral("\"quoted\""),
-                            QStringLiteral("back\\slash"),
-                            QStringLiteral("😀 emoji"),
-                            QStringLiteral("'; touch pwned; '"),
-                            longName};
+    const QString longName = QString(63, QChar(u'\u00fc')) + QString(129, u'x'); // 255 bytes
+    const QStringList names{
+        u"it's"_s,       u"$(touch pwned)"_s, u"`touch pwned`"_s, u"a;b|c&d"_s,           u"-rf"_s,
+        u"\"quoted\""_s, u"back\\slash"_s,    u"😀 emoji"_s,       u"'; touch pwned; '"_s, longName};
     for (const QString &name : names) {
-        const QString folder = QStringLiteral("hostile/") + name;
-        phone.write(folder + QLatin1Char('/') + name, name.toUtf8());
-        const auto items = ADBClient::listDirectory(DemoPhone::serial(), QStringLiteral("/sdcard/") + folder);
+        const QString folder = u"hostile/"_s + name;
+        phone.write(folder + u'/' + name, name.toUtf8());
+        const auto items = ADBClient::listDirectory(serial, u"/sdcard/"_s + folder);
         ASSERT_TRUE(items.has_value()) << name.toStdString();
         ASSERT_EQ(namesOf(*items), QStringList{name});
         QTemporaryDir target;
-        const QString local = target.filePath(QStringLiteral("copy"));
-        EXPECT_TRUE(ADBClient::runTransfer(pull(items->first().path, local), 0, local, {}).has_value());
+        const QString local = target.filePath(u"copy"_s);
+        EXPECT_EQ(pull(items->first().path, local), u"(success)");
         EXPECT_EQ(contents(local), name.toUtf8());
     }
-    EXPECT_EQ(ADBClient::listDirectory(DemoPhone::serial(), QStringLiteral("/sdcard/hostile"))->size(),
-              names.size());
-    EXPECT_FALSE(phone.exists(QStringLiteral("pwned")));
-    EXPECT_FALSE(phone.exists(QStringLiteral("hostile/pwned")));
+    EXPECT_EQ(ADBClient::listDirectory(serial, u"/sdcard/hostile"_s)->size(), names.size());
+    EXPECT_EQ(phone.commandLines().last().last(), u"'/sdcard/hostile/'") << "a link would not be followed";
+    EXPECT_FALSE(phone.exists(u"pwned"_s));
+    EXPECT_FALSE(phone.exists(u"hostile/pwned"_s));
 }
 
-TEST(Search, findsNamesWithTheirFacts) {
+TEST(ADBSearchTests, findsNamesWithTheirFacts) {
     DemoPhone phone;
     const QDateTime noon(QDate(2024, 5, 1), QTime(12, 0));
-    phone.write(QStringLiteral("Download/Holiday plan.txt"), "abc", noon);
-    phone.write(QStringLiteral("DCIM/holiday's.jpg"), "12345", noon);
-    phone.write(QStringLiteral("DCIM/a|holiday|b.jpg"), "1", noon);
-    phone.write(QStringLiteral("DCIM/.holiday"), "hidden");
-    phone.makeFolder(QStringLiteral("Holidays"));
-    const auto hits =
-        ADBClient::search(DemoPhone::serial(), QStringLiteral("/sdcard/"), QStringLiteral(" HOLI*day "), 200);
+    phone.write(u"Download/Holiday plan.txt"_s, "abc", noon);
+    phone.write(u"DCIM/holiday's.jpg"_s, "12345", noon);
+    phone.write(u"DCIM/a|holiday|b.jpg"_s, "1", noon);
+    phone.write(u"DCIM/.holiday"_s, "hidden");
+    phone.makeFolder(u"Holidays"_s);
+    const auto hits = ADBClient::search(serial, u"/sdcard/"_s, u" HOLI*day "_s, 200);
     ASSERT_TRUE(hits.has_value());
     EXPECT_EQ(namesOf(*hits),
-              (QStringList{QStringLiteral("Holidays"), QStringLiteral("a|holiday|b.jpg"),
-                           QStringLiteral("Holiday plan.txt"), QStringLiteral("holiday's.jpg")}));
+              (QStringList{u"Holidays"_s, u"a|holiday|b.jpg"_s, u"Holiday plan.txt"_s, u"holiday's.jpg"_s}));
     EXPECT_TRUE(hits->first().isDirectory);
     EXPECT_EQ(hits->first().sizeBytes, std::nullopt);
     EXPECT_EQ(hits->at(3).sizeBytes, 5);
     EXPECT_EQ(hits->at(3).modifiedAt->toLocalTime(), noon);
-    EXPECT_EQ(hits->at(3).path, QStringLiteral("/sdcard/DCIM/holiday's.jpg"));
+    EXPECT_EQ(hits->at(3).path, u"/sdcard/DCIM/holiday's.jpg"_s);
 
     // Text that tries to leave its quotes only loses its special characters.
-    EXPECT_TRUE(ADBClient::search(DemoPhone::serial(), QStringLiteral("/sdcard"),
-                                  QStringLiteral("x'; touch /sdcard/pwned; '"), 200)
-                    ->isEmpty());
-    EXPECT_FALSE(phone.exists(QStringLiteral("pwned")));
+    EXPECT_TRUE(search(u"x'; touch /sdcard/pwned; '"_s)->isEmpty());
+    EXPECT_FALSE(phone.exists(u"pwned"_s));
     const auto before = phone.commandLines().size();
-    EXPECT_TRUE(ADBClient::search(DemoPhone::serial(), QStringLiteral("/sdcard"), QStringLiteral(" a "), 200)
-                    ->isEmpty());
+    EXPECT_TRUE(search(u" a "_s)->isEmpty());
     EXPECT_EQ(phone.commandLines().size(), before) << "one character is not asked for";
 }
 
-TEST(Search, asksForFactsInBatchesAndLivesWithoutThem) {
+TEST(ADBSearchTests, asksForFactsInBatchesAndLivesWithoutThem) {
     DemoPhone phone;
     for (int i = 0; i < 85; ++i)
-        phone.write(QStringLiteral("many/hit %1.txt").arg(i, 2, 10, QLatin1Char('0')), "x");
+        phone.write(u"many/hit %1.txt"_s.arg(i, 2, 10, QLatin1Char('0')), "x");
     const auto statRuns = [&] {
         QList<qsizetype> paths;
         for (const QStringList &line : phone.commandLines()) {
-            if (line.last().startsWith(QLatin1String("stat ")))
-                paths.append(line.last().count(QStringLiteral("/sdcard/")));
+            if (line.last().startsWith(u"stat "_s))
+                paths.append(line.last().count(u"/sdcard/"_s));
         }
         return paths;
     };
-    EXPECT_EQ(
-        ADBClient::search(DemoPhone::serial(), QStringLiteral("/sdcard"), QStringLiteral("hit"), 200)->size(),
-        85);
+    EXPECT_EQ(search(u"hit"_s)->size(), 85);
     EXPECT_EQ(statRuns(), (QList<qsizetype>{40, 40, 5}));
 
-    phone.set(QStringLiteral("stat.exit"), "1");
-    const auto bare =
-        ADBClient::search(DemoPhone::serial(), QStringLiteral("/sdcard"), QStringLiteral("hit"), 50);
+    phone.set(u"stat.exit"_s, "1");
+    const auto bare = search(u"hit"_s, 50);
     ASSERT_EQ(bare->size(), 50);
     EXPECT_EQ(bare->first().sizeBytes, std::nullopt);
     EXPECT_EQ(bare->first().modifiedAt, std::nullopt);
 
-    phone.set(QStringLiteral("find.exit"), "1");
-    phone.set(QStringLiteral("find.stderr"), "error: device offline\n");
-    EXPECT_EQ(ADBClient::search(DemoPhone::serial(), QStringLiteral("/sdcard"), QStringLiteral("hit"), 200)
-                  .error()
-                  .errorDescription(),
-              QStringLiteral("error: device offline"));
+    phone.set(u"find.exit"_s, "1");
+    phone.set(u"find.stderr"_s, "error: device offline\n");
+    EXPECT_EQ(search(u"hit"_s).error().errorDescription(), u"error: device offline"_s);
 }
 
-TEST(Search, existingPathsAreMatchedWhateverTheirNamesHold) {
+TEST(ADBSearchTests, factsAreAskedForInQuestionsOfBoundedLength) {
     DemoPhone phone;
-    QStringList taken;
-    QStringList asked;
-    for (const char16_t *name : {u"it's here",
-                                 u"line\nfeed",
-                                 u"\n",
-                                 u"return\r",
-                                 u"next\u0085line",
-                                 u"line\u2028separator",
-                                 u"blank ",
-                                 u" blank",
-                                 u"tab\t",
-                                 u"wide\u3000",
-                                 u"e\u0301",
-                                 u"two  blanks",
-                                 u"a|directory|1|1",
-                                 u"taken",
-                                 u"free\nfree",
-                                 u"-e",
-                                 u"$(touch pwned)",
-                                 u"back\\slash",
-                                 u"'",
-                                 u"* daemon",
-                                 u"\\n"}) {
-        const QString text = QString::fromUtf16(name);
-        phone.write(text, "x");
-        taken.append(QStringLiteral("/sdcard/") + text);
-        asked += {QStringLiteral("/sdcard/not ") + text, taken.last(), taken.last() + QStringLiteral("  ")};
-    }
-    phone.link(QStringLiteral("dangling"), QStringLiteral("nowhere"));
-    taken.append(QStringLiteral("/sdcard/dangling"));
-    asked += {taken.last(), QStringLiteral("/sdcard/blank"), QStringLiteral("/sdcard/line")};
-    const auto existing = ADBClient::existingPaths(DemoPhone::serial(), asked);
-    ASSERT_TRUE(existing.has_value()) << existing.error().errorDescription().toStdString();
-    EXPECT_EQ(*existing, QSet<QString>(taken.begin(), taken.end()));
-    EXPECT_FALSE(phone.exists(QStringLiteral("pwned")));
-    EXPECT_EQ(phone.commandLines().size(), 2) << "40 paths at a time";
-}
-
-TEST(Search, existingPathsAreAskedInQuestionsOfBoundedLength) {
-    DemoPhone phone;
-    const QString longest = QString(40, QLatin1Char('\'')) + QString(69, QChar(0x65E5)); // 247 bytes
+    const QString longest = QString(40, u'\'') + QString(69, QChar(u'\u65e5')); // 247 bytes
     QStringList paths;
     for (int i = 0; i < 40; ++i)
-        paths.append(QStringLiteral("/sdcard") + QString(QLatin1Char('/') + longest).repeated(16) +
-                     QString::number(i));
-    EXPECT_EQ(*ADBClient::existingPaths(DemoPhone::serial(), paths), QSet<QString>());
+        paths.append(u"/sdcard"_s + QString(u'/' + longest).repeated(16) + QString::number(i));
+    EXPECT_TRUE(ADBClient::fetchSearchMetadata(serial, paths).isEmpty());
     qsizetype asked = 0;
     for (const QStringList &line : phone.commandLines()) {
         EXPECT_LE(line.last().toUtf8().size(), 65'535) << "adb refuses longer ones";
-        asked += line.last().count(QStringLiteral("/sdcard"));
+        asked += line.last().count(u"/sdcard"_s);
     }
     EXPECT_EQ(asked, paths.size());
 }
 
-TEST(Search, whatThePhoneDidNotSayIsNotFree) {
-    const struct {
-        const char *answer;
-        bool isKnown;
-    } cases[] = {
-        {"free\\ntaken\\n", true},
-        {"* daemon not running; starting now at tcp:5037\\n* daemon started "
-         "successfully\\nfree\\r\\ntaken\\r\\n",
-         true},
-        {"", false},
-        {"free\\n", false},
-        {"free\\ntake", false},
-        {"free\\ntaken\\nfree\\n", false},
-        {"free\\n/sdcard/b\\ntaken\\n", false},
-        {"free\\n\\377\\ntaken\\n", false},
-        {"/sdcard/b|regular file|1|1\\n/|directory|1|1\\n", false},
-    };
-    const QString a = QStringLiteral("/sdcard/a");
-    const QString b = QStringLiteral("/sdcard/b");
-    for (const auto &c : cases) {
-        const ScriptedADB adb("printf '" + QByteArray(c.answer) + "'");
-        const auto existing = ADBClient::existingPaths(DemoPhone::serial(), {a, b});
-        ASSERT_EQ(existing.has_value(), c.isKnown) << c.answer;
-        if (existing)
-            EXPECT_EQ(*existing, QSet<QString>{b});
-        else
-            EXPECT_EQ(existing.error().errorDescription(),
-                      QStringLiteral("The phone did not say whether this name is free there."));
-    }
-    const ScriptedADB failing("echo free; exit 1");
-    EXPECT_FALSE(ADBClient::existingPaths(DemoPhone::serial(), {b}).has_value());
-}
-
-TEST(Search, factsAreMatchedByTheirPlaceInTheAnswer) {
+TEST(ADBSearchTests, factsAreMatchedByTheirPlaceInTheAnswer) {
     DemoPhone phone;
     QStringList paths;
-    for (const char16_t *name :
-         {u"line\u2028separator", u"blank ", u"blank", u"a|directory|1|1", u"line\nfeed", u"e\u0301", u"a"}) {
-        phone.write(QString::fromUtf16(name), QByteArray(paths.size() + 1, 'x'));
-        paths.append(QStringLiteral("/sdcard/") + QString::fromUtf16(name));
+    for (const QString &name : {u"line\u2028separator"_s, u"blank "_s, u"blank"_s, u"a|directory|1|1"_s,
+                                u"line\nfeed"_s, u"e\u0301"_s, u"it\'s $(touch pwned)"_s, u"a"_s}) {
+        phone.write(name, QByteArray(paths.size() + 1, 'x'));
+        paths.append(u"/sdcard/"_s + name);
     }
-    const QString gone = QStringLiteral("/sdcard/gone ");
-    const auto facts = ADBClient::fetchSearchMetadata(DemoPhone::serial(), QStringList{gone} + paths);
+    const QString gone = u"/sdcard/gone "_s;
+    const auto facts = ADBClient::fetchSearchMetadata(serial, QStringList{gone} + paths);
     EXPECT_EQ(facts.size(), paths.size());
     for (qsizetype i = 0; i < paths.size(); ++i) {
         EXPECT_EQ(facts.value(paths[i]).sizeBytes, i + 1) << paths[i].toStdString();
@@ -481,109 +395,92 @@ TEST(Search, factsAreMatchedByTheirPlaceInTheAnswer) {
     }
 }
 
-TEST(Transfer, percentagesOfTheErrorStreamAreReportedInOrder) {
-    // Each step waits for the test to have seen the one before.
-    const ScriptedADB adb(
-        "cd \"$(dirname \"$0\")\"\n"
-        "printf '[  5%%] /sdcard/a\\n' >&2; until read x < step; do :; done\n"
-        "printf '[ 42%%] /sdcard/a\\n' >&2; until read x < step; do :; done\n"
-        "printf '[100%%] /sdcard/a\\n[100%%] /sdcard/a\\n' >&2; until read x < step; do :; done\n");
-    const QString fifo = adb.filePath("platform-tools/step");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    std::vector<Report> reports;
-    const auto result =
-        ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/nowhere")), 1'000'000, {},
-                               [&](double fraction, qint64 done, qint64 total) {
-                                   reports.push_back({fraction, done, total});
-                                   QFile step(fifo);
-                                   ASSERT_TRUE(step.open(QIODevice::WriteOnly));
-                                   step.write("\n");
-                               });
-    EXPECT_EQ(message(result), QStringLiteral("(success)"));
-    EXPECT_EQ(reports,
-              (std::vector<Report>{
-                  {0.05, 50'000, 1'000'000}, {0.42, 420'000, 1'000'000}, {0.99, 1'000'000, 1'000'000}}));
-}
-
-TEST(Transfer, outputIsATerminalAndItsPercentagesCount) {
-    const ScriptedADB adb("cd \"$(dirname \"$0\")\"; [ -t 1 ] || exit 7; [ \"$TERM\" = xterm ] || exit 8\n"
-                          "read x && exit 9\n"
-                          "printf '\\r[ 25%%] /sdcard/[99%%].bin\\033[K'; until read x < step; do :; done\n"
-                          "printf '\\r[ 50%%] /sdcard/[99%%].bin\\033[K'; until read x < step; do :; done\n");
+TEST(ADBTransferTests, percentagesOfEitherStreamAreReportedInOrder) {
+    constexpr qint64 largest = std::numeric_limits<qint64>::max();
+    const struct {
+        const char *script; // each step waits for the test to have seen the percentage before
+        qint64 bytes;
+        Reports reports;
+    } cases[] = {
+        {"printf '[  5%%] /sdcard/a\\n' >&2; step; printf '[ 42%%] /sdcard/a\\n' >&2; step\n"
+         "printf '[100%%] /sdcard/a\\n[100%%] /sdcard/a\\n' >&2; step",
+         1'000'000,
+         {{0.05, 50'000, 1'000'000}, {0.42, 420'000, 1'000'000}, {0.99, 1'000'000, 1'000'000}}},
+        {"[ -t 1 ] || exit 7; [ \"$TERM\" = xterm ] || exit 8; read x && exit 9\n"
+         "printf '\\r[ 25%%] /sdcard/[99%%].bin\\033[K'; step\n"
+         "printf '\\r[ 50%%] /sdcard/[99%%].bin\\033[K'; step",
+         0,
+         {{0.25, 0, 0}, {0.5, 0, 0}}},
+        // The phone is busy for longer than the reader waits for the terminal at a time.
+        {"sleep 0.3; printf '\\r[ 25%%] /sdcard/a\\033[K'; step", 0, {{0.25, 0, 0}}},
+        {"printf '\\r[100%%] /sdcard/a\\033[K'; step", largest, {{0.99, largest, largest}}},
+    };
     const EnvironmentGuard guard({"TERM"});
     qputenv("TERM", "dumb");
-    const QString fifo = adb.filePath("platform-tools/step");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    std::vector<Report> reports;
-    const auto result = ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), 0, {},
-                                               [&](double fraction, qint64 done, qint64 total) {
-                                                   reports.push_back({fraction, done, total});
-                                                   QFile step(fifo);
-                                                   ASSERT_TRUE(step.open(QIODevice::WriteOnly));
-                                                   step.write("\n");
-                                               });
-    EXPECT_EQ(message(result), QStringLiteral("(success)"));
-    EXPECT_EQ(reports, (std::vector<Report>{{0.25, 0, 0}, {0.5, 0, 0}}));
+    for (const auto &c : cases) {
+        const ScriptedADB adb(c.script);
+        Reports reports;
+        EXPECT_EQ(push(u"/a"_s, u"/sdcard/a"_s, c.bytes,
+                       [&](double fraction, qint64 done, qint64 total) {
+                           reports.push_back({fraction, done, total});
+                           adb.step();
+                       }),
+                  u"(success)");
+        EXPECT_EQ(reports, c.reports) << c.script;
+    }
 }
 
-TEST(Transfer, theGrowingDestinationIsProgressToo) {
-    const ScriptedADB adb(
-        "cd \"$(dirname \"$0\")\"; mkdir out; printf 1234567 > out/a; printf 123 > out/.hidden\n"
-        "mkdir out/sub; printf 123 > out/sub/b; until read x < step; do :; done");
-    const QString fifo = adb.filePath("platform-tools/step");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    const QString out = adb.filePath("platform-tools/out");
+TEST(ADBTransferTests, theGrowingDestinationIsProgressToo) {
+    const ScriptedADB adb("mkdir out; printf 1234567 > out/a; printf 123 > out/.hidden\n"
+                          "mkdir out/sub; printf 123 > out/sub/b; step");
+    const QString out = adb.filePath("out");
+    Report last{};
+    EXPECT_EQ(pull(u"/sdcard/out"_s, out, 100,
+                   [&](double fraction, qint64 done, qint64 total) {
+                       last = {fraction, done, total};
+                       if (done >= 10)
+                           adb.step();
+                   }),
+              u"(success)");
+    EXPECT_EQ(last, (Report{0.1, 10, 100}));
+    EXPECT_EQ(ADBClient::allocatedByteCount(out + u"/a"_s), 7);
+    EXPECT_EQ(ADBClient::allocatedByteCount(u"/nowhere"_s), 0);
+}
+
+TEST(ADBTransferTests, growthIsNoProgressOfAnUnknownSize) {
+    const ScriptedADB adb("exit 0");
+    const QString out = adb.filePath("out");
+    write(out, "12345");
     Reports reports;
-    std::thread release([&] {
-        while (reports.list().empty() || reports.list().back().done < 10)
-            std::this_thread::yield();
-        QFile step(fifo);
-        ASSERT_TRUE(step.open(QIODevice::WriteOnly));
-        step.write("\n");
-    });
-    const auto result =
-        ADBClient::runTransfer(pull(QStringLiteral("/sdcard/out"), out), 100, out, reports.receiver());
-    release.join();
-    EXPECT_EQ(message(result), QStringLiteral("(success)"));
-    EXPECT_EQ(reports.list().back(), (Report{0.1, 10, 100}));
-    EXPECT_EQ(ADBClient::allocatedByteCount(out), 10);
-    EXPECT_EQ(ADBClient::allocatedByteCount(out + QStringLiteral("/a")), 7);
-    EXPECT_EQ(ADBClient::allocatedByteCount(QStringLiteral("/nowhere")), 0);
+    EXPECT_EQ(pull(u"/sdcard/out"_s, out, 0, into(reports)), u"(success)");
+    EXPECT_EQ(reports, Reports());
 }
 
-TEST(Transfer, filesAndFoldersArriveWhole) {
+TEST(ADBTransferTests, filesAndFoldersArriveWhole) {
     DemoPhone phone;
     QTemporaryDir folder;
     QByteArray content(3'000'000, '\0');
     for (qsizetype i = 0; i < content.size(); ++i)
         content[i] = static_cast<char>(i * 7 + i / 251);
-    phone.write(QStringLiteral("DCIM/it's.bin"), content);
-    const QString local = folder.filePath(QStringLiteral("it's.bin"));
-    phone.set(QStringLiteral("bandwidth"), "5");
+    phone.write(u"DCIM/it's.bin"_s, content);
+    const QString local = folder.filePath(u"it's.bin"_s);
+    phone.set(u"bandwidth"_s, "5");
     Reports reports;
-    EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/DCIM/it's.bin"), local),
-                                             content.size(), local, reports.receiver())),
-              QStringLiteral("(success)"));
+    EXPECT_EQ(pull(u"/sdcard/DCIM/it's.bin"_s, local, content.size(), into(reports)), u"(success)");
     EXPECT_EQ(contents(local), content);
-    const auto list = reports.list();
-    EXPECT_GE(list.size(), 6U);
-    for (size_t i = 1; i < list.size(); ++i)
-        EXPECT_GT(list[i].fraction, list[i - 1].fraction + 0.001);
+    EXPECT_GE(reports.size(), 6U);
+    for (size_t i = 1; i < reports.size(); ++i)
+        EXPECT_GT(reports[i].fraction, reports[i - 1].fraction + 0.001);
 
-    EXPECT_EQ(message(ADBClient::runTransfer(push(local, QStringLiteral("/sdcard/New/it's.bin")), 0, {}, {})),
-              QStringLiteral("(success)"));
-    EXPECT_EQ(phone.read(QStringLiteral("New/it's.bin")), content);
-    const QString tree = folder.filePath(QStringLiteral("tree"));
-    EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/DCIM"), tree), 0, tree, {})),
-              QStringLiteral("(success)"));
-    EXPECT_EQ(contents(tree + QStringLiteral("/it's.bin")), content);
+    EXPECT_EQ(push(local, u"/sdcard/New/it's.bin"_s), u"(success)");
+    EXPECT_EQ(phone.read(u"New/it's.bin"_s), content);
+    const QString tree = folder.filePath(u"tree"_s);
+    EXPECT_EQ(pull(u"/sdcard/DCIM"_s, tree), u"(success)");
+    EXPECT_EQ(contents(tree + u"/it's.bin"_s), content);
 }
 
-TEST(Transfer, theReasonIsTheToolsOwnAndNeverItsChatter) {
-    const struct {
-        const char *script;
-        const char *reason;
-    } cases[] = {
+TEST(ADBTransferTests, theReasonIsTheToolsOwnAndNeverItsChatter) {
+    const std::pair<QByteArray, const char *> cases[] = {
         {"printf '\\n the reason \\n' >&2", "the reason"},
         {"echo 'not read'; echo 'the reason' >&2", "the reason"},
         {"echo 'adb: error: of the tool'; echo 'WARNING: something else' >&2", "of the tool"},
@@ -596,45 +493,38 @@ TEST(Transfer, theReasonIsTheToolsOwnAndNeverItsChatter) {
          "adb exited with 1"},
         {"printf '* daemon not running; starting now at tcp:5037\\n' >&2", "adb exited with 1"},
     };
-    for (const auto &c : cases) {
-        const ScriptedADB adb("[ \"$1\" = devices ] && exit 2\n" + QByteArray(c.script) + "; exit 1");
-        EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/tmp/a")),
-                                                 0, {}, {})),
-                  QString::fromUtf8(c.reason))
-            << c.script;
+    for (const auto &[script, reason] : cases) {
+        const ScriptedADB adb("[ \"$1\" = devices ] && exit 2\n" + script + "; exit 1");
+        EXPECT_EQ(push(), QString::fromUtf8(reason)) << script.toStdString();
     }
 }
 
-TEST(Transfer, theLargestSizeIsANumberOfBytesToo) {
-    const ScriptedADB adb("printf '\\r[100%%] /sdcard/a\\033[K'");
-    constexpr qint64 largest = std::numeric_limits<qint64>::max();
-    Reports reports;
-    EXPECT_EQ(message(ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), largest,
-                                             {}, reports.receiver())),
-              QStringLiteral("(success)"));
-    EXPECT_EQ(reports.list(), (std::vector<Report>{{0.99, largest, largest}}));
+TEST(ADBTransferTests, theReasonIsReadAlsoWhenTheToolEndsWhileItsReaderRests) {
+    const ScriptedADB adb("[ \"$1\" = devices ] && exit 2\n"
+                          "printf '\\r[ 25%%] /sdcard/a\\033[K'; step\n"
+                          "printf '\\r\\nadb: error: the last words\\n'; exit 1");
+    for (int run = 0; run < 20; ++run) // the rest is short
+        EXPECT_EQ(push(u"/a"_s, u"/sdcard/a"_s, 0, [&](double, qint64, qint64) { adb.step(); }),
+                  u"the last words");
 }
 
-TEST(Transfer, noOtherChildInheritsTheTerminal) {
+TEST(ADBTransferTests, noOtherChildInheritsTheTerminal) {
     const ScriptedADB adb("exit 0");
     terminalFlags = 0;
-    EXPECT_EQ(message(ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/tmp/a")), 0,
-                                             {}, {})),
-              QStringLiteral("(success)"));
+    EXPECT_EQ(push(), u"(success)");
     EXPECT_EQ(terminalFlags, O_RDWR | O_NOCTTY | O_CLOEXEC) << "a flag that is set later comes too late";
 }
 
-TEST(Transfer, theToolsOwnChildDoesNotHoldUpTheEnd) {
+TEST(ADBTransferTests, theToolsOwnChildDoesNotHoldUpTheEnd) {
     const ScriptedADB adb("trap '' HUP; (exec 2>/dev/null; yes) & exit 0");
-    EXPECT_EQ(
-        message(ADBClient::runTransfer(push(QStringLiteral("/a"), QStringLiteral("/sdcard/a")), 0, {}, {})),
-        QStringLiteral("(success)"));
+    EXPECT_EQ(push(), u"(success)");
 }
 
-TEST(Transfer, endlessOutputIsReadInBoundedMemory) {
+TEST(ADBTransferTests, endlessOutputIsReadInBoundedMemory) {
     const ScriptedADB adb("[ \"$1\" = devices ] && exit 1\n"
                           "head -c 20000000 /dev/zero | tr '\\0' x >&2; head -c 20000000 /dev/zero; exit 1");
-    const auto result =
-        ADBClient::runTransfer(pull(QStringLiteral("/sdcard/a"), QStringLiteral("/tmp/a")), 0, {}, {});
-    EXPECT_LT(message(result).size(), 1'000'000);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    EXPECT_LT(push().size(), 1'000'000);
+    EXPECT_LT(elapsed.elapsed(), 15'000) << "4 KiB at a time, with a rest after each, take 20 seconds";
 }

@@ -18,12 +18,13 @@
 
 #include <ctime>
 
+using namespace Qt::StringLiterals;
 using namespace vantrel;
 
 namespace {
 
 QString transcript(const char *name) {
-    QFile file(QStringLiteral(VANTREL_TEST_DATA "/") + QString::fromLatin1(name));
+    QFile file(QLatin1String(VANTREL_TEST_DATA "/") + QLatin1String(name));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
     return ToolText::decode(file.readAll());
 }
@@ -32,8 +33,8 @@ QString transcript(const char *name) {
 QString names(const QList<FileItem> &items) {
     QStringList list;
     for (const FileItem &item : items)
-        list.append(item.name + (item.isDirectory ? QStringLiteral("/") : QString()));
-    return list.join(QLatin1Char('|'));
+        list.append(item.name + (item.isDirectory ? u"/"_s : QString()));
+    return list.join(u'|');
 }
 
 const FileItem &named(const QList<FileItem> &items, const char *name) {
@@ -46,78 +47,71 @@ const FileItem &named(const QList<FileItem> &items, const char *name) {
 
 } // namespace
 
-TEST(ToolText, splitsAtEveryKindOfNewlineAndSpace) {
-    const QString text = QStringLiteral("a\nb\vc\fd\re\r\nf\u0085g\u2028h\u2029\n\ni");
+TEST(ToolTextTests, splitsAtEveryKindOfNewlineAndSpace) {
+    const QString text = u"a\nb\vc\fd\re\r\nf\u0085g\u2028h\u2029\n\ni"_s;
     QStringList lines;
     for (const QStringView line : ToolText::lines(text))
         lines.append(line.toString());
-    EXPECT_EQ(lines.join(QLatin1Char(' ')), QStringLiteral("a b c d e f g h i"));
+    EXPECT_EQ(lines.join(u' '), u"a b c d e f g h i"_s);
 
-    const QString fields = QStringLiteral("\u00a0a\tb \u1680 c\u2003d\u202fe\u205ff\u3000g");
+    const QString fields = u"\u00a0a\tb \u1680 c\u2003d\u202fe\u205ff\u3000g"_s;
     EXPECT_EQ(ToolText::fields(fields).size(), 7);
 
-    EXPECT_EQ(ToolText::blankTrimmed(u"\t \u00a0x\n \u3000"), QStringLiteral("x\n"));
-    EXPECT_EQ(ToolText::trimmed(QStringLiteral("\u2028 \r\n x y \u0085\t")), QStringLiteral("x y"));
+    EXPECT_EQ(ToolText::blankTrimmed(u"\t \u00a0x\n \u3000"), u"x\n"_s);
+    EXPECT_EQ(ToolText::trimmed(u"\u2028 \r\n x y \u0085\t"_s), u"x y"_s);
 }
 
-TEST(ToolText, invalidUtf8CountsAsNothing) {
-    EXPECT_EQ(ToolText::decode("gr\xc3\xbc\xc3\x9f"), QStringLiteral("grüß"));
+TEST(ToolTextTests, invalidUtf8CountsAsNothing) {
+    EXPECT_EQ(ToolText::decode("gr\xc3\xbc\xc3\x9f"), u"grüß"_s);
     EXPECT_EQ(ToolText::decode("ok\xff\xfe"), QString());
     EXPECT_EQ(ToolText::decode("cut \xe2\x82"), QString());
 }
 
-TEST(ToolText, wholeNumbersOnly) {
+TEST(ToolTextTests, onlyWholeNumbersAreNumbers) {
     EXPECT_EQ(ToolText::wholeNumber(u"+12"), 12);
     EXPECT_EQ(ToolText::wholeNumber(u"-9223372036854775808"), std::numeric_limits<qint64>::min());
-    for (const QStringView bad :
-         {QStringView(u""), QStringView(u"-"), QStringView(u"18%"), QStringView(u"1,000"), QStringView(u" 5"),
-          QStringView(u"0x10"), QStringView(u"9223372036854775808"), QStringView(u"٣")})
-        EXPECT_EQ(ToolText::wholeNumber(bad), std::nullopt) << bad.toString().toStdString();
+    for (const QString &bad : {u""_s, u"-"_s, u"18%"_s, u"1,000"_s, u" 5"_s, u"0x10"_s, u"1e3"_s,
+                               u"\u22125"_s, u"5\u00a0"_s, u"5\n"_s, u"9223372036854775808"_s, u"٣"_s})
+        EXPECT_EQ(ToolText::wholeNumber(bad), std::nullopt) << bad.toStdString();
 }
 
-TEST(DeviceText, onlyPhonesThatAreReady) {
+TEST(DeviceTextTests, onlyPhonesThatAreReadyAreListed) {
     EXPECT_EQ(ADBClient::parseDeviceList(transcript("device-list/chatter.txt")),
-              (QStringList{QStringLiteral("192.168.1.20:5555"),
-                           QStringLiteral("adb-R58M_x._adb-tls-connect._tcp")}));
-    EXPECT_EQ(ADBClient::parseDeviceList(QStringLiteral("List of devices attached\r\nR58M\tdevice\r\n\r\n")),
-              QStringList{QStringLiteral("R58M")});
+              (QStringList{u"192.168.1.20:5555"_s, u"adb-R58M_x._adb-tls-connect._tcp"_s}));
+    EXPECT_EQ(ADBClient::parseDeviceList(u"List of devices attached\r\nR58M\tdevice\r\n\r\n"_s),
+              QStringList{u"R58M"_s});
     EXPECT_TRUE(ADBClient::parseDeviceList(QString()).isEmpty());
 }
 
-TEST(DeviceText, storageFigures) {
+TEST(DeviceTextTests, storageIsTwoNumbersThatFit) {
     using ADBClient::StorageBytes;
-    const struct {
-        const char *text;
-        std::optional<StorageBytes> bytes;
-        const char *error;
-    } cases[] = {
-        {"Filesystem 1K-blocks Used Available Use% Mounted on\n"
-         "/dev/fuse 115315200 20123456 95191744 18% /storage/emulated\n",
-         StorageBytes{20'606'418'944, 118'082'764'800}, ""},
-        {"FILESYSTEM\n/dev/block/by-name/a-name-that-is-far-too-long\n  100 50 50 50% /data\r\n",
-         StorageBytes{51'200, 102'400}, ""},
-        {"Filesystem 1K-blocks Used\n", {}, "Unexpected df output."},
-        {"", {}, "Unexpected df output."},
-        {"/dev/fuse 18% /sdcard", {}, "Could not parse df numbers: /dev/fuse 18% /sdcard"},
-        {"x 9223372036854775807 1 2", {}, "Could not parse df numbers: x 9223372036854775807 1 2"},
-        {"x 1 9007199254740992 2", {}, "Could not parse df numbers: x 1 9007199254740992 2"},
+    const std::tuple<QString, StorageBytes, QString> cases[] = {
+        {u"Filesystem 1K-blocks Used Available Use% Mounted on\n"
+         "/dev/fuse 115315200 20123456 95191744 18% /storage/emulated\n"_s,
+         {20'606'418'944, 118'082'764'800},
+         {}},
+        {u"FILESYSTEM\n/dev/block/by-name/a-name-that-is-far-too-long\n  100 50 50 50% /data\r\n"_s,
+         {51'200, 102'400},
+         {}},
+        {u"Filesystem 1K-blocks Used\n"_s, {}, u"Unexpected df output."_s},
+        {u""_s, {}, u"Unexpected df output."_s},
+        {u"/dev/fuse 18% /sdcard"_s, {}, u"Could not parse df numbers: /dev/fuse 18% /sdcard"_s},
+        {u"x 9223372036854775807 1 2"_s, {}, u"Could not parse df numbers: x 9223372036854775807 1 2"_s},
+        {u"x 1 9007199254740992 2"_s, {}, u"Could not parse df numbers: x 1 9007199254740992 2"_s},
     };
-    for (const auto &c : cases) {
-        const auto bytes = ADBClient::parseDF(QString::fromUtf8(c.text));
-        if (c.bytes)
-            EXPECT_EQ(*bytes, *c.bytes);
-        else
-            EXPECT_EQ(bytes.error().errorDescription(), QString::fromUtf8(c.error));
+    for (const auto &[text, expected, error] : cases) {
+        const auto bytes = ADBClient::parseDF(text);
+        EXPECT_EQ(bytes.value_or(StorageBytes()), expected) << text.toStdString();
+        EXPECT_EQ(bytes ? QString() : bytes.error().errorDescription(), error);
     }
 }
 
-TEST(ListingText, aRealListing) {
-    const auto items = ADBClient::parseLSLA(transcript("listing/toybox.txt"), QStringLiteral("/sdcard"));
-    EXPECT_EQ(names(items),
-              QStringLiteral("DCIM/|Download/|My Photos/|Secret/|-dash|😀 emoji.txt|a|double space|"
-                             "it's.txt|link|My Song.mp3|sémantique"));
+TEST(ListingTextTests, aRealListingIsRead) {
+    const auto items = ADBClient::parseLSLA(transcript("listing/toybox.txt"), u"/sdcard"_s);
+    EXPECT_EQ(names(items), u"DCIM/|Download/|My Photos/|Secret/|-dash|😀 emoji.txt|a|double space|"
+                            "it's.txt|link|My Song.mp3|sémantique"_s);
     const FileItem &song = named(items, "My Song.mp3");
-    EXPECT_EQ(song.path, QStringLiteral("/sdcard/My Song.mp3"));
+    EXPECT_EQ(song.path, u"/sdcard/My Song.mp3"_s);
     EXPECT_EQ(song.sizeBytes, 3);
     EXPECT_EQ(song.modifiedAt, QDateTime(QDate(2026, 11, 22), QTime(21, 35)));
     EXPECT_EQ(named(items, "DCIM").sizeBytes, std::nullopt);
@@ -125,22 +119,22 @@ TEST(ListingText, aRealListing) {
     EXPECT_FALSE(named(items, "link").isDirectory);
 }
 
-TEST(ListingText, oddAndHostileEntries) {
-    const auto items = ADBClient::parseLSLA(transcript("listing/unreadable.txt"), QStringLiteral("/"));
-    EXPECT_EQ(names(items), QStringLiteral("vendor/|bad-date.txt|name.txt|null|sda|sdcard|too-big.bin"));
-    EXPECT_EQ(named(items, "vendor").path, QStringLiteral("/vendor"));
+TEST(ListingTextTests, oddAndHostileEntriesKeepWhatIsKnownOfThem) {
+    const auto items = ADBClient::parseLSLA(transcript("listing/unreadable.txt"), u"/"_s);
+    EXPECT_EQ(names(items), u"vendor/|bad-date.txt|name.txt|null|sda|sdcard|too-big.bin"_s);
+    EXPECT_EQ(named(items, "vendor").path, u"/vendor"_s);
     EXPECT_EQ(named(items, "too-big.bin").sizeBytes, std::nullopt);
     EXPECT_EQ(named(items, "bad-date.txt").modifiedAt, std::nullopt);
     EXPECT_EQ(named(items, "bad-date.txt").sizeBytes, 100);
     EXPECT_EQ(named(items, "name.txt").sizeBytes, std::nullopt);
     EXPECT_EQ(named(items, "name.txt").modifiedAt, std::nullopt);
 
-    const auto crlf = ADBClient::parseLSLA(transcript("listing/crlf.txt"), QStringLiteral("/sdcard"));
-    EXPECT_EQ(names(crlf), QStringLiteral("DCIM/|My Song.mp3"));
+    const auto crlf = ADBClient::parseLSLA(transcript("listing/crlf.txt"), u"/sdcard"_s);
+    EXPECT_EQ(names(crlf), u"DCIM/|My Song.mp3"_s);
     EXPECT_EQ(named(crlf, "My Song.mp3").sizeBytes, 1'048'576);
 }
 
-TEST(ListingText, timesAreReadAlsoOnADayWhenTheClockIsChanged) {
+TEST(ListingTextTests, timesAreReadAlsoOnADayWhenTheClockIsChanged) {
     const QByteArray before = qgetenv("TZ");
     qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
     ::tzset();
@@ -148,141 +142,130 @@ TEST(ListingText, timesAreReadAlsoOnADayWhenTheClockIsChanged) {
                                      std::pair("2026-03-29 01:30", "2026-03-29T00:30:00Z"),
                                      std::pair("2026-03-29 12:00", "2026-03-29T10:00:00Z"),
                                      std::pair("2026-07-01 00:05", "2026-06-30T22:05:00Z")}) {
-        const QString line = QStringLiteral("-rw-rw---- 1 root everybody 1 %1 a").arg(QLatin1String(local));
-        const auto items = ADBClient::parseLSLA(line, QStringLiteral("/sdcard"));
+        const QString line = u"-rw-rw---- 1 root everybody 1 %1 a"_s.arg(QLatin1String(local));
+        const auto items = ADBClient::parseLSLA(line, u"/sdcard"_s);
         EXPECT_EQ(named(items, "a").modifiedAt->toString(Qt::ISODate), QLatin1String(utc)) << local;
     }
     before.isNull() ? qunsetenv("TZ") : qputenv("TZ", before);
     ::tzset();
 }
 
-TEST(ListingText, linesThatAreNoEntries) {
-    for (const QStringView line :
-         {QStringView(u""), QStringView(u"-rw-r--r--"), QStringView(u"total 12345678901"),
-          QStringView(u"ls: /sdcard/x: Permission denied"),
-          QStringView(u"-rw-r--r-- 1 root root 5 2024-05-01 13:07")})
-        EXPECT_FALSE(ADBClient::parseLSLALine(line).has_value()) << line.toString().toStdString();
+TEST(ListingTextTests, someLinesAreNoEntries) {
+    for (const QString &line :
+         {u""_s, u"-rw-r--r--"_s, u"total 12345678901"_s, u"ls: /sdcard/x: Permission denied"_s,
+          u"-rw-r--r-- 1 root root 5 2024-05-01 13:07"_s})
+        EXPECT_FALSE(ADBClient::parseLSLALine(line).has_value()) << line.toStdString();
     // An arrow alone, with nothing before it, still leaves a name.
-    const auto arrows = ADBClient::parseLSLA(QStringLiteral("-rw-r--r-- 1 r r 5 2024-05-01 13:07 ->x\n"
-                                                            "-rw-r--r-- 1 r r 5 2024-05-01 13:07 ->\n"),
-                                             QStringLiteral("/sdcard"));
-    EXPECT_EQ(names(arrows), QStringLiteral("->|x"));
+    const auto arrows = ADBClient::parseLSLA(u"-rw-r--r-- 1 r r 5 2024-05-01 13:07 ->x\n"
+                                             "-rw-r--r-- 1 r r 5 2024-05-01 13:07 -> .hidden\n"
+                                             "-rw-r--r-- 1 r r 5 2024-05-01 13:07 ->\n"_s,
+                                             u"/sdcard"_s);
+    EXPECT_EQ(names(arrows), u"->|x"_s);
 }
 
-TEST(AndroidPath, normalizedAndShown) {
-    const struct {
-        const char *path;
-        const char *normalized;
-        const char *breadcrumb;
-    } cases[] = {
-        {"  ", "/sdcard", "Internal Storage"},
-        {"", "/sdcard", "Internal Storage"},
-        {"/", "/", "Internal Storage"},
-        {"//", "/", "Internal Storage"},
-        {"/sdcard///", "/sdcard", "Internal Storage"},
-        {"/sdcard/DCIM/", "/sdcard/DCIM", "Internal Storage › DCIM"},
-        {"/sdcard/DCIM/Camera", "/sdcard/DCIM/Camera", "Internal Storage › DCIM › Camera"},
-        {"/storage/emulated/0", "/storage/emulated/0", "Internal Storage"},
-        {"/storage/emulated/0/Music", "/storage/emulated/0/Music", "Internal Storage › Music"},
-        {"/storage/1234-5678/Pictures", "/storage/1234-5678/Pictures", "storage › 1234-5678 › Pictures"},
-        {" /sdcard/DCIM/ ", "/sdcard/DCIM", "Internal Storage › DCIM"},
-        {"/sdcard/blank ", "/sdcard/blank ", "Internal Storage › blank "},
-        {"/sdcard/a//b/../c", "/sdcard/a//b/../c", "Internal Storage › a › b › .. › c"},
+TEST(AndroidPathTests, aPathIsNormalizedAndShown) {
+    const std::tuple<QString, QString, QString> cases[] = {
+        {u"  "_s, u"/sdcard"_s, u"Internal Storage"_s},
+        {u""_s, u"/sdcard"_s, u"Internal Storage"_s},
+        {u"/"_s, u"/"_s, u"Internal Storage"_s},
+        {u"//"_s, u"/"_s, u"Internal Storage"_s},
+        {u"/sdcard///"_s, u"/sdcard"_s, u"Internal Storage"_s},
+        {u"/sdcard/DCIM/"_s, u"/sdcard/DCIM"_s, u"Internal Storage › DCIM"_s},
+        {u"/sdcard/DCIM/Camera"_s, u"/sdcard/DCIM/Camera"_s, u"Internal Storage › DCIM › Camera"_s},
+        {u"/storage/emulated/0"_s, u"/storage/emulated/0"_s, u"Internal Storage"_s},
+        {u"/storage/emulated/0/Music"_s, u"/storage/emulated/0/Music"_s, u"Internal Storage › Music"_s},
+        {u"/storage/1234-5678/Pictures"_s, u"/storage/1234-5678/Pictures"_s,
+         u"storage › 1234-5678 › Pictures"_s},
+        {u" /sdcard/DCIM/ "_s, u"/sdcard/DCIM"_s, u"Internal Storage › DCIM"_s},
+        {u"/sdcard/blank "_s, u"/sdcard/blank "_s, u"Internal Storage › blank "_s},
+        {u"/sdcard/a//b/../c"_s, u"/sdcard/a//b/../c"_s, u"Internal Storage › a › b › .. › c"_s},
     };
-    for (const auto &c : cases) {
-        EXPECT_EQ(ADBClient::normalizePath(QString::fromUtf8(c.path)), QString::fromUtf8(c.normalized))
-            << c.path;
-        EXPECT_EQ(AndroidPath::breadcrumb(QString::fromUtf8(c.path)), QString::fromUtf8(c.breadcrumb))
-            << c.path;
+    for (const auto &[path, normalized, breadcrumb] : cases) {
+        EXPECT_EQ(ADBClient::normalizePath(path), normalized) << path.toStdString();
+        EXPECT_EQ(AndroidPath::breadcrumb(path), breadcrumb) << path.toStdString();
     }
 }
 
-TEST(AndroidPath, namesFromThePhoneStayInTheirFolder) {
+TEST(AndroidPathTests, namesFromThePhoneStayInTheirFolder) {
     for (const char *safe : {"a", "..a", "a b", "-rf", "it's", "😀"})
         EXPECT_TRUE(AndroidPath::isSafeName(QString::fromUtf8(safe))) << safe;
-    for (const QString &unsafe : {QString(), QStringLiteral("."), QStringLiteral(".."), QStringLiteral("a/b"),
-                                  QStringLiteral("/etc"), QStringLiteral("../x"), QString(QChar(u'\0'))})
+    for (const QString &unsafe :
+         {QString(), u"."_s, u".."_s, u"a/b"_s, u"/etc"_s, u"../x"_s, QString(QChar(u'\0'))})
         EXPECT_FALSE(AndroidPath::isSafeName(unsafe)) << unsafe.toStdString();
 }
 
-TEST(SearchText, queriesLoseWhatTheShellCouldRead) {
-    const struct {
-        const char *query;
-        const char *sanitized;
-    } cases[] = {
-        {"a*b;c", "abc"},
-        {"  holiday 2024 ", "holiday 2024"},
-        {"'; rm -rf /sdcard; '", "rm -rf /sdcard"},
-        {"$(reboot)`reboot`", "rebootreboot"},
-        {"\"\\*?[]{};|&$`<>!()\n\r\t'", ""},
-        {"x\ty\nz", "xyz"},
-        {"Grüße-1.jpg_", "Grüße-1.jpg_"},
+TEST(SearchTextTests, queriesLoseWhatTheShellCouldRead) {
+    const std::pair<QString, QString> cases[] = {
+        {u"a*b;c"_s, u"abc"_s},
+        {u"  holiday 2024 "_s, u"holiday 2024"_s},
+        {u"'; rm -rf /sdcard; '"_s, u"rm -rf /sdcard"_s},
+        {u"$(reboot)`reboot`"_s, u"rebootreboot"_s},
+        {u"\"\\*?[]{};|&$`<>!()\n\r\t'"_s, u""_s},
+        {u"x\ty\nz"_s, u"xyz"_s},
+        {u"Grüße-1.jpg_"_s, u"Grüße-1.jpg_"_s},
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(ADBClient::sanitizeSearchQuery(QString::fromUtf8(c.query)), QString::fromUtf8(c.sanitized))
-            << c.query;
+    for (const auto &[query, sanitized] : cases)
+        EXPECT_EQ(ADBClient::sanitizeSearchQuery(query), sanitized) << query.toStdString();
 }
 
-TEST(SearchText, foundPathsOnceWithoutRootAndHiddenNames) {
-    const QString output =
-        QStringLiteral("/sdcard\n/sdcard/a\r\n/sdcard/a/\n/sdcard/.nomedia\n/sdcard/.hidden/b\n"
-                       "/sdcard/c d.txt\n/sdcard/a \n /sdcard/e\ntail of a name with a "
-                       "newline\n/sdcard/x/..\n\n/sdcard/a\n");
-    const QString root = QStringLiteral("/sdcard");
+TEST(SearchTextTests, foundPathsComeOnceWithoutRootAndHiddenNames) {
+    const QString output = u"/sdcard\n/sdcard/a\r\n/sdcard/a/\n/sdcard/.nomedia\n/sdcard/.hidden/b\n"
+                           "/sdcard/c d.txt\n/sdcard/a \n /sdcard/e\ntail of a name with a "
+                           "newline\n/sdcard/x/..\n/\n\n/sdcard/a\n"_s;
+    const QString root = u"/sdcard"_s;
     EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 200),
-              (QStringList{QStringLiteral("/sdcard/a"), QStringLiteral("/sdcard/.hidden/b"),
-                           QStringLiteral("/sdcard/c d.txt"), QStringLiteral("/sdcard/a "),
-                           QStringLiteral("/sdcard/e")}));
+              (QStringList{u"/sdcard/a"_s, u"/sdcard/.hidden/b"_s, u"/sdcard/c d.txt"_s, u"/sdcard/a "_s,
+                           u"/sdcard/e"_s}));
     EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 3).size(), 1) << "lines count, not hits";
-    const QString cut = QStringLiteral("/sdcard/a%1/b\n").arg(QChar(u'\0'));
+    const QString cut = u"/sdcard/a%1/b\n"_s.arg(QChar(u'\0'));
     EXPECT_TRUE(ADBClient::parseFoundPaths(cut, root, 200).isEmpty()) << "a NUL would end the argument early";
 }
 
-TEST(SearchText, facts) {
-    const auto path = [](const char *name) -> QString {
-        return QStringLiteral("/sdcard/") + QString::fromUtf8(name);
-    };
+TEST(SearchTextTests, factsAreReadAsFarAsTheyCanBe) {
+    const auto path = [](const char *name) -> QString { return u"/sdcard/"_s + QString::fromUtf8(name); };
     const auto facts =
-        ADBClient::parseSearchMetadata(QStringLiteral("WARNING: of something else\n"
-                                                      "/sdcard/DCIM|Directory|1|1714567890\n"
-                                                      "/sdcard/a|b.txt|regular file|17|1714567890\r\n"
-                                                      "/sdcard/link|symbolic link|4|x\n"
-                                                      "/sdcard/odd|regular empty file|-|1e400\n"
-                                                      "/sdcard/short|regular file|17\n"
-                                                      "x/sdcard/late|regular file|17|1\n"
-                                                      "/sdcard/DCIM|directory|2|1.5\n"),
+        ADBClient::parseSearchMetadata(u"WARNING: of something else\n"
+                                       "/sdcard/DCIM|Directory|1|1714567890\n"
+                                       "/sdcard/a|b.txt|regular file|17|1714567890\r\n"
+                                       "/sdcard/link|symbolic link|4|x\n"
+                                       "/sdcard/odd|regular empty file|-|1e400\n"
+                                       "/sdcard/short|regular file|17\n"
+                                       "x/sdcard/late|regular file|17|1\n"
+                                       "/sdcard/DCIM|directory|2|1.5\n"_s,
                                        {path("a"), path("gone"), path("DCIM"), path("a|b.txt"), path("link"),
                                         path("odd"), path("short"), path("late")});
     EXPECT_EQ(facts.size(), 4);
     EXPECT_EQ(
-        facts[QStringLiteral("/sdcard/a|b.txt")],
+        facts[u"/sdcard/a|b.txt"_s],
         (ADBClient::SearchMetadata{false, 17, QDateTime(QDate(2024, 5, 1), QTime(12, 51, 30), Qt::UTC)}));
-    EXPECT_TRUE(facts[QStringLiteral("/sdcard/DCIM")].isDirectory);
-    EXPECT_EQ(facts[QStringLiteral("/sdcard/DCIM")].sizeBytes, 1);
-    EXPECT_FALSE(facts[QStringLiteral("/sdcard/link")].isDirectory);
-    EXPECT_EQ(facts[QStringLiteral("/sdcard/link")].modifiedAt, std::nullopt);
-    EXPECT_EQ(facts[QStringLiteral("/sdcard/odd")], ADBClient::SearchMetadata());
+    EXPECT_TRUE(facts[u"/sdcard/DCIM"_s].isDirectory);
+    EXPECT_EQ(facts[u"/sdcard/DCIM"_s].sizeBytes, 1);
+    EXPECT_FALSE(facts[u"/sdcard/link"_s].isDirectory);
+    EXPECT_EQ(facts[u"/sdcard/link"_s].modifiedAt, std::nullopt);
+    EXPECT_EQ(facts[u"/sdcard/odd"_s], ADBClient::SearchMetadata());
+    for (const char *time : {"1e300", "9.3e15", "-9.3e15", "nan", "inf", ""}) {
+        const QString answer = path("a") + u"|regular file|1|"_s + QLatin1String(time);
+        EXPECT_EQ(ADBClient::parseSearchMetadata(answer, {path("a")})[path("a")].modifiedAt, std::nullopt)
+            << time;
+    }
 }
 
-TEST(TransferText, percentOfTheErrorStream) {
-    const struct {
-        const char *text;
-        std::optional<double> percent;
-    } cases[] = {
-        {"", {}},
-        {"[  5%] /sdcard/a\n[ 42%] /sdcard/a", 42},
-        {"[100%] /sdcard/a", 100},
-        {"250%", {}},
-        {"[250%] then 30%", 30},
-        {"[ 12%] first 7%", 12},
-        {"copied 7 % of it", 7},
-        {"1234%", {}},
+TEST(TransferTextTests, theErrorStreamHasAPercentage) {
+    const std::pair<QString, std::optional<double>> cases[] = {
+        {u""_s, {}},
+        {u"[  5%] /sdcard/a\n[ 42%] /sdcard/a"_s, 42},
+        {u"[100%] /sdcard/a"_s, 100},
+        {u"250%"_s, {}},
+        {u"[250%] then 30%"_s, 30},
+        {u"[ 12%] first 7%"_s, 12},
+        {u"copied 7 % of it"_s, 7},
+        {u"1234%"_s, {}},
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(ADBClient::parseProgressPercent(QString::fromUtf8(c.text)), c.percent) << c.text;
+    for (const auto &[text, percent] : cases)
+        EXPECT_EQ(ADBClient::parseProgressPercent(text), percent) << text.toStdString();
 }
 
-TEST(TransferText, terminalOutputInPieces) {
+TEST(TransferTextTests, terminalOutputIsReadInPieces) {
     ADBClient::TransferOutput output;
     EXPECT_EQ(output.feed("\r[ 2"), std::nullopt);
     EXPECT_EQ(output.feed("5%] /sdcard/[99%].bin\x1b[K"), 25);
@@ -292,11 +275,8 @@ TEST(TransferText, terminalOutputInPieces) {
     EXPECT_EQ(output.errorText(), QString());
 }
 
-TEST(TransferText, errorsOfTheTool) {
-    const struct {
-        const char *text;
-        const char *error;
-    } cases[] = {
+TEST(TransferTextTests, errorsOfTheToolAreFound) {
+    const std::pair<QByteArray, const char *> cases[] = {
         {"adb: error: failed to stat remote object '/sdcard/nope': No such file or directory\r\n",
          "failed to stat remote object '/sdcard/nope': No such file or directory"},
         {"\r[ 25%] /sdcard/a\x1b[K\r\nadb: error: failed to copy 'x' to '/system/x': Permission "
@@ -306,11 +286,11 @@ TEST(TransferText, errorsOfTheTool) {
         {"\r[ 25%] /sdcard/adb: error: a name\x1b[K", ""},
         {"/sdcard/a: 1 file pulled, 0 skipped. 23.8 MB/s (20000000 bytes in 0.801s)\r\n", ""},
     };
-    for (const auto &c : cases) {
+    for (const auto &[text, error] : cases) {
         ADBClient::TransferOutput output;
-        for (const char *byte = c.text; *byte != '\0'; ++byte)
-            output.feed(QByteArray(byte, 1));
-        EXPECT_EQ(output.errorText(), QString::fromUtf8(c.error)) << c.text;
+        for (const char byte : text)
+            output.feed(QByteArray(1, byte));
+        EXPECT_EQ(output.errorText(), QString::fromUtf8(error)) << text.toStdString();
     }
     ADBClient::TransferOutput endless;
     endless.feed("adb: error: " + QByteArray(1 << 20, 'x'));

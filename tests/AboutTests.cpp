@@ -2,53 +2,41 @@
 #include "App/Sheets/AboutView.h"
 #include "App/System/CommandLine.h"
 #include "App/System/Product.h"
+#include "App/System/Settings.h"
 #include "App/System/Version.h"
 #include "App/Updates/Updater.h"
 #include "App/Window/ApplicationMenu.h"
 #include "App/Window/WindowChrome.h"
 #include "Theme/AppTheme.h"
 
+#include <QtTest>
+#include <QtWidgets>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QAbstractButton>
-#include <QAction>
-#include <QDesktopServices>
-#include <QLabel>
-#include <QMainWindow>
-#include <QSignalSpy>
-#include <QTest>
-#include <QUrlQuery>
 
 namespace vantrel {
 namespace {
 
-BuildInformation build(std::optional<QString> shortVersion, std::optional<QString> number) {
-    return {.shortVersion = std::move(shortVersion), .build = std::move(number), .copyright = std::nullopt};
-}
+using namespace Qt::StringLiterals;
+using ::testing::HasSubstr;
 
-TEST(AboutTexts, FeedbackSurvivesTheAddress) {
-    const AboutTexts texts(build(QStringLiteral("1.4"), QStringLiteral("27")));
+const AboutTexts texts({.shortVersion = u"1.4"_s, .build = u"27"_s, .copyright = std::nullopt});
+
+TEST(AboutTextsTests, feedbackSurvivesTheAddress) {
     EXPECT_EQ(texts.feedbackUrl().toEncoded().toStdString(),
               "mailto:feedback@vantrelapp.com?subject=Vantrel%20feedback%20%28v1.4%29"
               "&body=%0A%0A---%0AVantrel%20Version%201.4%20%2827%29");
 
     // Whatever the texts hold, a mail program reads them back from the address.
-    for (const QString &text : {QStringLiteral("a&b=c?d#e"), QStringLiteral("1+1 = 2"),
-                                QStringLiteral("100% sure%20"), QStringLiteral("line\none;two"),
-                                QStringLiteral("“grüße” 漢字 😀"), QStringLiteral("\"<b>'\\`|^{}[]")}) {
+    for (const QString &text : {u"a&b=c?d#e"_s, u"1+1 = 2"_s, u"100% sure%20"_s, u"line\none;two"_s,
+                                u"“grüße” 漢字 😀"_s, u"\"<b>'\\`|^{}[]"_s}) {
         const QUrl url = mailUrl(product::feedbackAddress(), text, text + text);
-        EXPECT_TRUE(url.isValid());
-        EXPECT_EQ(url.scheme(), QStringLiteral("mailto"));
         EXPECT_EQ(url.path(), product::feedbackAddress());
-        for (const char byte : url.toEncoded())
-            EXPECT_TRUE(byte > ' ' && byte < 0x7f)
-                << "not fit for an address: " << url.toEncoded().toStdString();
+        EXPECT_FALSE(QRegularExpression(u"[^!-~]|[+]"_s).match(QString::fromUtf8(url.toEncoded())).hasMatch())
+            << "not fit for an address, or read as a space: " << url.toEncoded().toStdString();
         const QList<QByteArray> items = url.toEncoded().split('?').value(1).split('&');
         ASSERT_EQ(items.size(), 2) << url.toEncoded().toStdString();
-        EXPECT_EQ(QUrl::fromPercentEncoding(items.at(0)), QStringLiteral("subject=") + text);
-        EXPECT_EQ(QUrl::fromPercentEncoding(items.at(1)), QStringLiteral("body=") + text + text);
-        EXPECT_FALSE(url.toEncoded().contains('+')) << "some programs read a plus as a space";
+        EXPECT_EQ(QUrl::fromPercentEncoding(items.at(0)), u"subject="_s + text);
+        EXPECT_EQ(QUrl::fromPercentEncoding(items.at(1)), u"body="_s + text + text);
     }
 }
 
@@ -58,12 +46,12 @@ class OpenedAddresses : public QObject {
 
 public:
     OpenedAddresses() {
-        QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "open");
-        QDesktopServices::setUrlHandler(QStringLiteral("mailto"), this, "open");
+        QDesktopServices::setUrlHandler(u"https"_s, this, "open");
+        QDesktopServices::setUrlHandler(u"mailto"_s, this, "open");
     }
     ~OpenedAddresses() override {
-        QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
-        QDesktopServices::unsetUrlHandler(QStringLiteral("mailto"));
+        QDesktopServices::unsetUrlHandler(u"https"_s);
+        QDesktopServices::unsetUrlHandler(u"mailto"_s);
     }
 
     QList<QUrl> addresses;
@@ -72,7 +60,7 @@ public Q_SLOTS:
     void open(const QUrl &address) { addresses.append(address); }
 };
 
-class AboutViewTest : public ::testing::Test {
+class AboutViewTests : public ::testing::Test {
 protected:
     QMainWindow window;
     OpenedAddresses opened;
@@ -85,37 +73,31 @@ protected:
 
     static QAbstractButton *button(QWidget &view, const char *name) {
         auto *found = view.findChild<QAbstractButton *>(QString::fromLatin1(name));
-        if (!found)
-            throw std::runtime_error(std::string("no button ") + name);
-        return found;
+        return found ? found : throw std::runtime_error(std::string("no button ") + name);
     }
 };
 
-TEST_F(AboutViewTest, ShowsItsTextsAndOpensItsLinks) {
-    AboutView about(&window, AboutTexts(build(QStringLiteral("1.4"), QStringLiteral("27"))));
+TEST_F(AboutViewTests, showsItsTextsAndOpensItsLinks) {
+    AboutView about(&window, texts);
     about.open();
     QStringList shown;
     for (const QLabel *label : about.findChildren<QLabel *>())
         shown.append(label->text());
-    EXPECT_EQ(shown, QStringList({QStringLiteral("Vantrel (1.4)"),
-                                  QStringLiteral("Transfer files between Mac and Android"),
-                                  QStringLiteral("Connect your phone with USB debugging on."),
-                                  QStringLiteral("Found a bug or have an idea?"), product::copyright()}));
+    EXPECT_EQ(shown, QStringList({u"Vantrel (1.4)"_s, u"Transfer files between Mac and Android"_s,
+                                  u"Connect your phone with USB debugging on."_s,
+                                  u"Found a bug or have an idea?"_s, product::copyright()}));
     EXPECT_EQ(about.width(), 340);
     EXPECT_TRUE(about.isModal());
 
     QAbstractButton *site = button(about, "about.website");
-    EXPECT_EQ(site->toolTip(), QStringLiteral("Open ") + product::websiteDomain());
+    EXPECT_EQ(site->toolTip(), u"Open "_s + product::websiteDomain());
     site->click();
     button(about, "about.feedback")->click();
-    ASSERT_EQ(opened.addresses.size(), 2);
-    EXPECT_EQ(opened.addresses.at(0), QUrl(product::website()));
-    EXPECT_EQ(QUrlQuery(opened.addresses.at(1)).queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded),
-              QStringLiteral("Vantrel feedback (v1.4)"));
+    EXPECT_EQ(opened.addresses, (QList<QUrl>{QUrl(product::website()), texts.feedbackUrl()}));
     EXPECT_TRUE(about.isVisible()) << "a link leaves it open";
 }
 
-TEST_F(AboutViewTest, ClosesOnReturnWhereverTheKeyboardIs) {
+TEST_F(AboutViewTests, closesOnReturnWhereverTheKeyboardIs) {
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
         for (const char *focused : {"", "about.website", "about.close"}) {
             AboutView about(&window);
@@ -136,15 +118,38 @@ TEST_F(AboutViewTest, ClosesOnReturnWhereverTheKeyboardIs) {
         << "the window is no longer dimmed";
 }
 
-TEST(ApplicationMenu, OffersItsCommands) {
+class ApplicationMenuTests : public ::testing::Test {
+protected:
+    QTemporaryDir directory;
+    Settings settings{directory.filePath(u"settings.ini"_s)};
     QMainWindow window;
-    Updater updater(
-        {.feed = QUrl(QStringLiteral("http://localhost/feed")), .installed = {QStringLiteral("1"), {}}});
-    ApplicationMenu menu(&window, &updater);
-    EXPECT_EQ(menu.aboutAction()->text(), QStringLiteral("About Vantrel"));
-    EXPECT_EQ(menu.updateAction()->text(), QStringLiteral("Check for Updates…"));
-    EXPECT_EQ(menu.quitAction()->text(), QStringLiteral("Quit Vantrel"));
+    Updater never{{}};
+    Updater updater{{.feed = QUrl(u"http://localhost/feed"_s), .installed = {u"1"_s, {}}}};
+
+    QList<Sheet *> openSheets() const {
+        QList<Sheet *> open = window.findChildren<Sheet *>();
+        open.removeIf([](const Sheet *sheet) { return !sheet->isVisible(); });
+        return open;
+    }
+    /// What assistive technology finds in an action's menu.
+    static QStringList itemsBeside(QAction *action) {
+        auto *menu = qobject_cast<QMenu *>(action->associatedObjects().constFirst());
+        EXPECT_TRUE(menu->toolTipsVisible());
+        const auto *list = QAccessible::queryAccessibleInterface(menu);
+        QStringList names;
+        for (int i = 0; i < list->childCount(); ++i)
+            names.append(list->child(i)->text(QAccessible::Name));
+        return names;
+    }
+};
+
+TEST_F(ApplicationMenuTests, offersItsCommands) {
+    ApplicationMenu menu(&window, &updater, &settings);
+    EXPECT_EQ(menu.aboutAction()->text(), u"About Vantrel"_s);
+    EXPECT_EQ(menu.updateAction()->text(), u"Check for Updates…"_s);
+    EXPECT_EQ(menu.quitAction()->text(), u"Quit Vantrel"_s);
     EXPECT_EQ(menu.quitAction()->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+    EXPECT_EQ(menu.analyticsAction() != nullptr, !version::analyticsService().isEmpty());
 
     EXPECT_FALSE(menu.updateAction()->isEnabled());
     updater.start();
@@ -153,50 +158,91 @@ TEST(ApplicationMenu, OffersItsCommands) {
     QSignalSpy about(&menu, &ApplicationMenu::aboutRequested);
     menu.aboutAction()->trigger();
     EXPECT_EQ(about.count(), 1);
-
-    window.show();
-    menu.updateAction()->trigger(); // plain HTTP: refused at once
-    auto *sheet = window.findChild<Sheet *>();
-    ASSERT_TRUE(sheet);
-    EXPECT_EQ(sheet->findChild<QLabel *>(QStringLiteral("update.detail"))->text(),
-              QStringLiteral("The address of the update feed is not an HTTPS address."));
-    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(QStringLiteral("update.open")));
-    sheet->findChild<QAbstractButton *>(QStringLiteral("update.close"))->click();
-    EXPECT_FALSE(sheet->isVisible());
-
     menu.quitAction()->trigger();
     EXPECT_FALSE(window.isVisible());
 }
 
-TEST(CommandLine, IsUnderstoodOrRefused) {
-    using Action = CommandLine::Action;
-    struct Case {
-        QStringList arguments;
-        Action action;
-        Action beforeTheToolkit; ///< with unknown arguments ignored
-        std::string text;        ///< part of it
-    };
+TEST_F(ApplicationMenuTests, saysWhyThereAreNoUpdatesAndWhatCannotBeStored) {
+    never.start();
+    ApplicationMenu menu(&window, &never, &settings);
+    EXPECT_FALSE(menu.updateAction()->isEnabled());
+    EXPECT_EQ(menu.updateAction()->toolTip(), u"This build has no update feed"_s);
+    EXPECT_TRUE(itemsBeside(menu.updateAction()).contains(menu.updateAction()->toolTip()));
+
+    EXPECT_FALSE(menu.problemAction()->isVisible());
+    QDir(directory.path()).mkdir(u"settings.ini"_s);
+    settings.setAppearancePreference(ColorScheme::dark);
+    EXPECT_FALSE(settings.save());
+    EXPECT_TRUE(menu.problemAction()->isVisible());
+    EXPECT_EQ(menu.problemAction()->toolTip(), settings.problem());
+    QDir(directory.path()).rmdir(u"settings.ini"_s);
+    EXPECT_TRUE(settings.save());
+    EXPECT_FALSE(menu.problemAction()->isVisible());
+}
+
+TEST_F(ApplicationMenuTests, showsTheLatestOutcomeAloneAndNeverOverAnotherSheet) {
+    updater.start();
+    ApplicationMenu menu(&window, &updater, &settings);
+    window.show();
+    QPointer<AboutView> about = new AboutView(&window);
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->open();
+    menu.updateAction()->trigger(); // plain HTTP: refused at once
+    menu.updateAction()->trigger();
+    EXPECT_EQ(openSheets(), QList<Sheet *>{about});
+    about->close();
+    ASSERT_EQ(openSheets().size(), 1);
+    EXPECT_EQ(openSheets().constFirst()->findChild<QLabel *>(u"update.detail"_s)->text(),
+              u"The address of the update feed is not an HTTPS address."_s);
+    UpdateResult upToDate;
+    upToDate.kind = UpdateResult::Kind::upToDate;
+    Q_EMIT updater.checked(upToDate);
+    ASSERT_EQ(openSheets().size(), 1);
+    Sheet *sheet = openSheets().constFirst();
+    EXPECT_THAT(sheet->findChild<QLabel *>(u"update.detail"_s)->text().toStdString(),
+                HasSubstr("is the newest version."));
+    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(u"update.open"_s));
+    sheet->findChild<QAbstractButton *>(u"update.close"_s)->click();
+    EXPECT_TRUE(openSheets().isEmpty());
+}
+
+TEST_F(ApplicationMenuTests, switchesUsageStatistics) {
+    const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
+    qputenv("DO_NOT_TRACK", "1");
+    const ApplicationMenu grey(&window, &never, &settings, true);
+    EXPECT_FALSE(grey.analyticsAction()->isEnabled());
+    EXPECT_TRUE(itemsBeside(grey.analyticsAction()).contains(u"Off, because DO_NOT_TRACK is set"_s));
+    qunsetenv("DO_NOT_TRACK");
+    ApplicationMenu menu(&window, &never, &settings, true);
+    EXPECT_TRUE(menu.analyticsAction()->isChecked());
+    menu.analyticsAction()->trigger();
+    EXPECT_TRUE(settings.analyticsDisabled());
+    EXPECT_FALSE(ApplicationMenu(&window, &never, &settings, true).analyticsAction()->isChecked());
+    menu.analyticsAction()->trigger();
+    EXPECT_FALSE(settings.analyticsDisabled());
+    qputenv("DO_NOT_TRACK", doNotTrack);
+}
+
+TEST(CommandLineTests, isUnderstoodOrRefused) {
+    using enum CommandLine::Action;
     const std::string versionLine = "Vantrel " + version::shortVersion().toStdString();
-    for (const Case &test : {
-             Case{{}, Action::run, Action::run, ""},
-             Case{{QStringLiteral("--version")}, Action::inform, Action::inform, versionLine},
-             Case{{QStringLiteral("-v")}, Action::inform, Action::inform, versionLine},
-             Case{{QStringLiteral("--help")}, Action::inform, Action::inform, "Usage: vantrel"},
-             Case{{QStringLiteral("-h")}, Action::inform, Action::inform, "Usage: vantrel"},
-             Case{{QStringLiteral("--bogus")}, Action::refuse, Action::run, "'bogus'"},
-             Case{{QStringLiteral("-platform"), QStringLiteral("vnc:port=1")},
-                  Action::refuse,
-                  Action::run,
-                  "platform"},
-             Case{{QStringLiteral("/some/file")}, Action::refuse, Action::run, "/some/file"},
-             Case{{QStringLiteral("--version=2")}, Action::refuse, Action::inform, "version"},
-         }) {
-        const QStringList arguments = QStringList(QStringLiteral("vantrel")) + test.arguments;
-        const CommandLine strict = parseCommandLine(arguments, UnknownArguments::refused);
-        EXPECT_EQ(strict.action, test.action) << arguments.join(u' ').toStdString();
-        EXPECT_THAT(strict.text.toStdString(), ::testing::HasSubstr(test.text));
-        EXPECT_EQ(parseCommandLine(arguments, UnknownArguments::ignored).action, test.beforeTheToolkit)
-            << arguments.join(u' ').toStdString();
+    // What is done, what before the toolkit has taken its own arguments, and part of what is said.
+    for (const auto &[arguments, action, beforeTheToolkit, said] :
+         {std::tuple(u""_s, run, run, std::string()),
+          {u"--version"_s, inform, inform, versionLine},
+          {u"-v"_s, inform, inform, versionLine},
+          {u"--help"_s, inform, inform, "Usage: vantrel"},
+          {u"-h"_s, inform, inform, "Usage: vantrel"},
+          {u"--bogus"_s, refuse, run, "'bogus'"},
+          {u"-platform vnc:port=1"_s, refuse, run, "platform"},
+          {u"/some/file"_s, refuse, run, "/some/file"},
+          {u"--version=2"_s, refuse, inform, "version"}}) {
+        SCOPED_TRACE(arguments.toStdString());
+        const QStringList all = QStringList(u"vantrel"_s) + arguments.split(u' ', Qt::SkipEmptyParts);
+        const CommandLine strict = parseCommandLine(all, UnknownArguments::refused);
+        EXPECT_EQ(strict.action, action);
+        EXPECT_THAT(strict.text.toStdString(), HasSubstr(said));
+        EXPECT_EQ(parseCommandLine(all, UnknownArguments::ignored).action, beforeTheToolkit);
     }
 }
 

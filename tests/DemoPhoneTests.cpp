@@ -1,9 +1,7 @@
 #include "support/DemoPhone.h"
+#include "support/Files.h"
 
-#include <QDir>
 #include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 
 #include <gmock/gmock.h>
@@ -12,6 +10,7 @@
 #include <cstdlib>
 #include <sys/stat.h>
 
+using namespace Qt::StringLiterals;
 using namespace vantrel;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -28,7 +27,7 @@ struct Outcome {
 };
 
 Outcome outcomeOf(QProcess &process) {
-    EXPECT_TRUE(process.waitForFinished(patience)) << qPrintable(process.arguments().join(QLatin1Char(' ')));
+    EXPECT_TRUE(process.waitForFinished(patience)) << qPrintable(process.arguments().join(u' '));
     process.kill();
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -process.exitCode(),
             process.readAllStandardOutput().toStdString(), process.readAllStandardError().toStdString()};
@@ -42,29 +41,23 @@ Outcome adb(const QStringList &arguments) {
 
 QStringList onPhone(QStringList arguments) {
     arguments.prepend(DemoPhone::serial());
-    arguments.prepend(QStringLiteral("-s"));
+    arguments.prepend(u"-s"_s);
     return arguments;
 }
 
 Outcome shell(const std::string &line) {
-    return adb(onPhone({QStringLiteral("shell"), QString::fromStdString(line)}));
+    return adb(onPhone({u"shell"_s, QString::fromStdString(line)}));
 }
 
 Outcome copy(const char *verb, const QString &from, const QString &to) {
     return adb(onPhone({QString::fromLatin1(verb), from, to}));
 }
 
-QByteArray contentsOf(const QString &path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
-    return file.readAll();
-}
-
 /// The last word of each line: of a listing the names, as long as they hold no space.
 std::vector<std::string> lastWords(const std::string &text) {
     std::vector<std::string> words;
-    for (const QString &line : QString::fromStdString(text).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-        words.push_back(line.section(QLatin1Char(' '), -1).toStdString());
+    for (const QString &line : QString::fromStdString(text).split(u'\n', Qt::SkipEmptyParts))
+        words.push_back(line.section(u' ', -1).toStdString());
     return words;
 }
 
@@ -72,7 +65,7 @@ std::vector<std::string> lastWords(const std::string &text) {
 
 // -- Devices and what they say of themselves
 
-TEST(DemoPhoneDevices, statesAreListedAndRefuseInAdbsWords) {
+TEST(DemoPhoneDevicesTests, statesAreListedAndRefuseInAdbsWords) {
     const struct {
         const char *state;
         const char *error; ///< null when the phone answers
@@ -87,11 +80,11 @@ TEST(DemoPhoneDevices, statesAreListedAndRefuseInAdbsWords) {
     DemoPhone phone;
     for (const auto &[state, error] : cases) {
         SCOPED_TRACE(state);
-        phone.set(QStringLiteral("state"), state);
-        EXPECT_EQ(adb({QStringLiteral("devices")}).out,
+        phone.set(u"state"_s, state);
+        EXPECT_EQ(adb({u"devices"_s}).out,
                   std::string("List of devices attached\ndemo-phone\t") + state + "\n\n");
         const Outcome shellRun = shell("getprop ro.product.model");
-        const Outcome copyRun = copy("pull", QStringLiteral("/sdcard/nothing"), phone.root());
+        const Outcome copyRun = copy("pull", u"/sdcard/nothing"_s, phone.root());
         if (error) {
             EXPECT_EQ(shellRun.exitStatus, 1);
             EXPECT_EQ(shellRun.out, "");
@@ -106,52 +99,46 @@ TEST(DemoPhoneDevices, statesAreListedAndRefuseInAdbsWords) {
         EXPECT_EQ(copyRun.exitStatus, 1);
     }
     phone.unplug();
-    EXPECT_EQ(adb({QStringLiteral("devices")}).out, "List of devices attached\n\n");
+    EXPECT_EQ(adb({u"devices"_s}).out, "List of devices attached\n\n");
     EXPECT_EQ(shell("df /sdcard").err, "error: device 'demo-phone' not found\n");
 }
 
 // -- The shell
 
-TEST(DemoPhoneShell, refusesEveryLineThatIsNotOneOfItsOwn) {
+TEST(DemoPhoneShellTests, refusesEveryLineThatIsNotOneOfItsOwn) {
     DemoPhone phone;
-    phone.write(QStringLiteral("a.txt"), "a");
-    const char *lines[] = {
-        "",
-        "id",
-        "ls",
-        "ls -l '/sdcard/'",
-        "ls -la '/sdcard/' '/sdcard/'",
-        "ls -la '/sdcard/'; touch /sdcard/x",
-        "ls -la '/sdcard/'; touch x; ''",
-        "ls -la '/sdcard/' && touch x",
-        "ls -la '/sdcard/' | sh",
-        "ls -la '/sdcard/' > x",
-        "ls -la /sdcard/$HOME",
-        "ls -la \"/sdcard/\"",
-        "ls -la `id`",
-        "ls -la /sdcard/*",
-        "ls -la '/sdcard/",
-        "ls -la '/sdcard/'\nid",
-        "| ls -la '/sdcard/'",
-        "ls -la '/sdcard/' |",
-        "; true",
-        "getprop",
-        "getprop ro.serialno",
-        "df /",
-        "rm -rf '/sdcard/'",
-        "find -L '/sdcard' -iname '*a*'",
-        "find -L '/sdcard' -iname '*a*' -delete 2>/dev/null | head -n 5; true",
-        "find -L '/sdcard' -iname '*a[b]*' 2>/dev/null | head -n 5; true",
-        "find -L '/sdcard' -iname '*a*' 2>/dev/null | head -n x; true",
-        "find -L '/sdcard' -iname '*a*' 2>/dev/null | head -n 5; false",
-        "stat -c '%n' '/sdcard/a.txt'",
-        "stat -c '%n|%F|%s|%Y'",
-        "for p in '/sdcard/a.txt'; do rm \"$p\"; done",
-        "for p in '/sdcard/a.txt'; true; do if [ -e \"$p\" ] || [ -L \"$p\" ]; then echo taken; else echo "
-        "free; fi; "
-        "done",
-        "for p in $HOME; do if [ -e \"$p\" ] || [ -L \"$p\" ]; then echo taken; else echo free; fi; done",
-    };
+    phone.write(u"a.txt"_s, "a");
+    const char *lines[] = {"",
+                           "id",
+                           "ls",
+                           "ls -l '/sdcard/'",
+                           "ls -la '/sdcard/' '/sdcard/'",
+                           "ls -la '/sdcard/'; touch /sdcard/x",
+                           "ls -la '/sdcard/'; touch x; ''",
+                           "ls -la '/sdcard/' && touch x",
+                           "ls -la '/sdcard/' | sh",
+                           "ls -la '/sdcard/' > x",
+                           "ls -la /sdcard/$HOME",
+                           "ls -la \"/sdcard/\"",
+                           "ls -la `id`",
+                           "ls -la /sdcard/*",
+                           "ls -la '/sdcard/",
+                           "ls -la '/sdcard/'\nid",
+                           "| ls -la '/sdcard/'",
+                           "ls -la '/sdcard/' |",
+                           "; true",
+                           "getprop",
+                           "getprop ro.serialno",
+                           "df /",
+                           "rm -rf '/sdcard/'",
+                           "find -L '/sdcard' -iname '*a*'",
+                           "find -L '/sdcard' -iname '*a*' -delete 2>/dev/null | head -n 5; true",
+                           "find -L '/sdcard' -iname '*a[b]*' 2>/dev/null | head -n 5; true",
+                           "find -L '/sdcard' -iname '*a*' 2>/dev/null | head -n x; true",
+                           "find -L '/sdcard' -iname '*a*' 2>/dev/null | head -n 5; false",
+                           "stat -c '%n' '/sdcard/a.txt'",
+                           "stat -c '%n|%F|%s|%Y'",
+                           "for p in '/sdcard/a.txt'; do rm \"$p\"; done"};
     for (const char *line : lines) {
         const Outcome run = shell(line);
         EXPECT_EQ(run.exitStatus, 1) << line;
@@ -159,27 +146,23 @@ TEST(DemoPhoneShell, refusesEveryLineThatIsNotOneOfItsOwn) {
         EXPECT_THAT(run.err, StartsWith("demo phone: no such command: -s demo-phone shell")) << line;
     }
     for (const QStringList &arguments :
-         {QStringList{}, QStringList{QStringLiteral("version")},
-          onPhone({QStringLiteral("pull"), QStringLiteral("x")}),
-          onPhone({QStringLiteral("push"), QStringLiteral("-a"), QStringLiteral("b"), QStringLiteral("c")})})
-        EXPECT_EQ(adb(arguments).exitStatus, 1) << qPrintable(arguments.join(QLatin1Char(' ')));
-    EXPECT_EQ(QDir(phone.root()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-              QStringList{QStringLiteral("a.txt")});
+         {QStringList{}, QStringList{u"version"_s}, onPhone({u"pull"_s, u"x"_s}),
+          onPhone({u"push"_s, u"-a"_s, u"b"_s, u"c"_s})})
+        EXPECT_EQ(adb(arguments).exitStatus, 1) << qPrintable(arguments.join(u' '));
+    EXPECT_EQ(QDir(phone.root()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{u"a.txt"_s});
 }
 
-TEST(DemoPhoneShell, quotedNamesAreOneWordWhateverTheyHold) {
+TEST(DemoPhoneShellTests, quotedNamesAreOneWordWhateverTheyHold) {
     DemoPhone phone;
-    const QString names[] = {
-        QStringLiteral("it's"),          QStringLiteral("'; touch x; '"),  QStringLiteral("$(id) `id` $HOME"),
-        QStringLiteral("a | b & c > d"), QStringLiteral("two  spaces\\n"), QStringLiteral("-la"),
-        QStringLiteral("link -> here"),  QStringLiteral("🎉 *?[x]{y}!#~"),  QString(84, QChar(0x65E5))};
+    const QString names[] = {u"it's"_s,          u"'; touch x; '"_s,  u"$(id) `id` $HOME"_s,
+                             u"a | b & c > d"_s, u"two  spaces\\n"_s, u"-la"_s,
+                             u"link -> here"_s,  u"🎉 *?[x]{y}!#~"_s,  QString(84, QChar(u'\u65e5'))};
     for (const QString &name : names) {
-        phone.write(name + QStringLiteral("/inside.txt"), "12345");
-        QString quoted = QStringLiteral("/sdcard/") + name;
-        quoted.replace(QLatin1Char('\''), QLatin1String("'\\''"));
+        phone.write(name + u"/inside.txt"_s, "12345");
+        QString quoted = u"/sdcard/"_s + name;
+        quoted.replace(u'\'', u"'\\''"_s);
         // As adb does, in any number of arguments.
-        const Outcome ls = adb(onPhone({QStringLiteral("shell"), QStringLiteral("ls"), QStringLiteral("-la"),
-                                        QLatin1Char('\'') + quoted + QStringLiteral("/'")}));
+        const Outcome ls = adb(onPhone({u"shell"_s, u"ls"_s, u"-la"_s, u'\'' + quoted + u"/'"_s}));
         EXPECT_EQ(ls.exitStatus, 0) << qPrintable(name) << ls.err;
         EXPECT_THAT(lastWords(ls.out), ElementsAre(testing::_, ".", "..", "inside.txt")) << qPrintable(name);
         const Outcome stat = shell("stat -c '%n|%F|%s|%Y' '" + quoted.toStdString() + "' 2>/dev/null; true");
@@ -192,15 +175,15 @@ TEST(DemoPhoneShell, quotedNamesAreOneWordWhateverTheyHold) {
 
 // -- Listings
 
-TEST(DemoPhoneListing, pathsLeadWhereThePhonesWouldAndNeverOut) {
+TEST(DemoPhoneListingTests, pathsLeadWhereThePhonesWouldAndNeverOut) {
     DemoPhone phone;
-    phone.write(QStringLiteral("in/file.txt"), "x");
-    phone.link(QStringLiteral("up"), QStringLiteral(".."));
-    phone.link(QStringLiteral("host"), QStringLiteral("/etc"));
-    phone.link(QStringLiteral("climb"), QStringLiteral("../../../../../../../../etc"));
-    phone.link(QStringLiteral("in/self"), QStringLiteral("self"));
-    phone.link(QStringLiteral("alias"), QStringLiteral("in"));
-    phone.link(QStringLiteral("absolute"), QStringLiteral("/sdcard/alias"));
+    phone.write(u"in/file.txt"_s, "x");
+    phone.link(u"up"_s, u".."_s);
+    phone.link(u"host"_s, u"/etc"_s);
+    phone.link(u"climb"_s, u"../../../../../../../../etc"_s);
+    phone.link(u"in/self"_s, u"self"_s);
+    phone.link(u"alias"_s, u"in"_s);
+    phone.link(u"absolute"_s, u"/sdcard/alias"_s);
     const struct {
         const char *path;
         const char *error;                   ///< of standard error; null when it is listed
@@ -236,17 +219,17 @@ TEST(DemoPhoneListing, pathsLeadWhereThePhonesWouldAndNeverOut) {
 
 // -- The furnished phone
 
-TEST(DemoPhoneFurnishing, aFolderThatDoesNotExistIsFilledOnce) {
+TEST(DemoPhoneFurnishingTests, aFolderThatDoesNotExistIsFilledOnce) {
     DemoPhone phone;
     ASSERT_TRUE(QDir(phone.root()).removeRecursively());
     // Several at once, as the program starts them.
     std::array<QProcess, 3> processes;
     for (QProcess &process : processes)
-        process.start(DemoPhone::adb(), {QStringLiteral("devices")});
+        process.start(DemoPhone::adb(), {u"devices"_s});
     for (QProcess &process : processes)
         EXPECT_EQ(outcomeOf(process).exitStatus, 0);
     EXPECT_THAT(QDir(QFileInfo(phone.root()).path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
-                ElementsAre(QStringLiteral("phone")));
+                ElementsAre(u"phone"_s));
 
     qint64 bytes = 0;
     const QDateTime now = QDateTime::currentDateTime();
@@ -257,8 +240,8 @@ TEST(DemoPhoneFurnishing, aFolderThatDoesNotExistIsFilledOnce) {
         bytes += file.isFile() ? file.size() : 0;
         const qint64 days = file.lastModified().daysTo(now);
         EXPECT_TRUE(days >= 2 && days <= 731) << qPrintable(file.filePath()) << days;
-        if (file.suffix() == QLatin1String("png")) {
-            const QByteArray png = contentsOf(file.filePath());
+        if (file.suffix() == u"png"_s) {
+            const QByteArray png = contents(file.filePath());
             EXPECT_TRUE(png.startsWith("\x89PNG\r\n\x1a\n")) << qPrintable(file.filePath());
             EXPECT_EQ(png.last(12), QByteArray("\0\0\0\0IEND\xae\x42\x60\x82", 12))
                 << qPrintable(file.filePath());
@@ -267,7 +250,7 @@ TEST(DemoPhoneFurnishing, aFolderThatDoesNotExistIsFilledOnce) {
     EXPECT_GT(bytes, 20'000'000);
     EXPECT_LT(bytes, 40'000'000);
 
-    ASSERT_TRUE(QFile::remove(phone.hostPath(QStringLiteral("Documents/empty.txt"))));
-    EXPECT_EQ(adb({QStringLiteral("devices")}).exitStatus, 0);
-    EXPECT_FALSE(phone.exists(QStringLiteral("Documents/empty.txt")));
+    ASSERT_TRUE(QFile::remove(phone.hostPath(u"Documents/empty.txt"_s)));
+    EXPECT_EQ(adb({u"devices"_s}).exitStatus, 0);
+    EXPECT_FALSE(phone.exists(u"Documents/empty.txt"_s));
 }

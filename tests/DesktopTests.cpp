@@ -6,17 +6,8 @@
 #include "App/System/FileManager.h"
 #include "App/System/QtDesktop.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QDBusMessage>
-#include <QDBusServer>
-#include <QDBusVirtualObject>
-#include <QDesktopServices>
-#include <QDir>
-#include <QFileDialog>
-#include <QLineEdit>
-#include <QMainWindow>
-#include <QPushButton>
+#include <QtDBus>
+#include <QtWidgets>
 
 namespace vantrel {
 namespace {
@@ -45,32 +36,23 @@ protected:
 };
 
 TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
-    struct Case {
-        const char *name;
-        std::function<void(TextPrompt *)> answer;
-        std::optional<QString> expected;
-    };
     const auto field = [](TextPrompt *shown) { return shown->findChild<QLineEdit *>(); };
-    const auto button = [](TextPrompt *shown, const QString &name) {
-        return shown->findChild<QAbstractButton *>(name);
+    const auto key = [&](Qt::Key which) {
+        return [=](TextPrompt *shown) { QTest::keyClick(field(shown), which); };
     };
-    const Case cases[] = {
-        {"Return", [&](TextPrompt *shown) { QTest::keyClick(field(shown), Qt::Key_Return); },
-         u"New Folder"_s},
-        {"typed over the selection",
-         [&](TextPrompt *shown) {
-             QTest::keyClicks(field(shown), u"Holiday"_s);
-             QTest::mouseClick(button(shown, u"textPrompt.accept"_s), Qt::LeftButton);
-         },
-         u"Holiday"_s},
-        {"Escape", [&](TextPrompt *shown) { QTest::keyClick(field(shown), Qt::Key_Escape); }, {}},
-        {"Cancel",
-         [&](TextPrompt *shown) { QTest::mouseClick(button(shown, u"textPrompt.cancel"_s), Qt::LeftButton); },
-         {}},
-        {"closed", [](TextPrompt *shown) { shown->close(); }, {}},
+    const auto type = [&](TextPrompt *shown) { // over the selection
+        QTest::keyClicks(field(shown), u"Holiday"_s);
+        QTest::mouseClick(shown->findChild<QAbstractButton *>(u"textPrompt.accept"_s), Qt::LeftButton);
     };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
+    const auto cancel = [](TextPrompt *shown) {
+        QTest::mouseClick(shown->findChild<QAbstractButton *>(u"textPrompt.cancel"_s), Qt::LeftButton);
+    };
+    using Answer = std::pair<std::function<void(TextPrompt *)>, std::optional<QString>>;
+    for (const auto &[answer, expected] : {Answer{key(Qt::Key_Return), u"New Folder"_s},
+                                           {type, u"Holiday"_s},
+                                           {key(Qt::Key_Escape), {}},
+                                           {cancel, {}},
+                                           {&QWidget::close, {}}}) {
         const auto future = ask();
         TextPrompt *shown = prompt();
         ASSERT_NE(shown, nullptr);
@@ -80,9 +62,9 @@ TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
         EXPECT_EQ(field(shown)->selectedText(), u"New Folder"_s);
         ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == shown; }));
         EXPECT_TRUE(field(shown)->hasFocus());
-        c.answer(shown);
+        answer(shown);
         ASSERT_TRUE(future.isFinished());
-        EXPECT_EQ(future.result(), c.expected);
+        EXPECT_EQ(future.result(), expected);
         ASSERT_TRUE(waitFor([&] { return !window->findChild<TextPrompt *>(); })) << "nothing is left of it";
     }
 }

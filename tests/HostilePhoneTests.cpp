@@ -1,22 +1,9 @@
 // A phone that means harm: what it answers must not reach beyond its own row.
 
-#include "support/DemoPhone.h"
-#include "support/FakeDesktop.h"
-#include "support/Files.h"
-#include "support/Printers.h"
-#include "support/Processes.h"
-#include "support/WaitFor.h"
+#include "support/ModelTest.h"
 
-#include "ADB/ADBClient.h"
 #include "ADB/ListingText.h"
-#include "State/AppState.h"
 #include "State/FilePreview.h"
-#include "Worker/Worker.h"
-
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <gtest/gtest.h>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -26,23 +13,15 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-class HostilePhone : public ::testing::Test {
+class HostilePhoneTests : public ModelTest {
 protected:
-    HostilePhone() {
-        qputenv("XDG_CACHE_HOME", QFile::encodeName(at(u"cache"_s)));
+    HostilePhoneTests() {
         write(at(u"victim"_s), "mine");
-        QDir().mkpath(at(u"here"_s));
         phone.write(u"song.bin"_s, "song");
         phone.write(u"folder/inner"_s, "x");
         phone.link(u"disguised"_s, u"/sdcard/folder"_s);
-        state->refreshDevice(AppState::Spinner::shown);
-        EXPECT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
-        state->browseMac(at(u"here"_s));
-        EXPECT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
-    }
-    ~HostilePhone() override {
-        state.reset();
-        Background::stop(&ADBClient::stopRunningTools);
+        connectPhone();
+        browseHere();
     }
 
     [[nodiscard]] QString at(const QString &name) const { return mac.filePath(name); }
@@ -52,26 +31,23 @@ protected:
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name)
             .join(u'|');
     }
-    void browse() {
-        state->browseAndroid(u"/sdcard"_s);
-        ASSERT_TRUE(waitFor([&] { return !state->isLoadingAndroid(); }));
-    }
-    [[nodiscard]] QString shown() const {
-        QStringList names;
-        for (const FileItem &item : state->displayedAndroidItems())
-            names.append(item.name);
-        return names.join(u'|');
-    }
+    void browse() { browsePhone(u"/sdcard"_s); }
+    [[nodiscard]] QString shown() const { return namesOf(state->displayedAndroidItems()).join(u'|'); }
     void search(const QString &text) {
         state->setAndroidSearchScope(AndroidSearchScope::everywhere);
-        state->setAndroidSearchText(text);
-        state->scheduleAndroidSearch();
+        searchFor(text);
         ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
     }
     void copyAll() {
         state->selectAllVisible(BrowserSide::android);
         state->transferAndroidToMac();
-        ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+        waitForQueue();
+    }
+    void pushAll() {
+        browseHere();
+        state->selectAllVisible(BrowserSide::mac);
+        state->transferMacToAndroid();
+        waitForQueue();
     }
     /// The error that the user reads, or nothing when the file was opened.
     QString open(const QString &name) {
@@ -86,14 +62,9 @@ protected:
         EXPECT_EQ(::lstat(QFile::encodeName(path).constData(), &facts), 0) << path.toStdString();
         return int(facts.st_mode);
     }
-
-    DemoPhone phone;
-    QTemporaryDir mac;
-    FakeDesktop desktop;
-    std::unique_ptr<AppState> state = AppState::designPreview(desktop);
 };
 
-TEST_F(HostilePhone, namesStayInTheirFolder) {
+TEST_F(HostilePhoneTests, namesStayInTheirFolder) {
     QByteArray listing;
     for (const QByteArray &name :
          {QByteArray("../victim"), QByteArray("../../victim"), QByteArray("/etc/passwd"), QByteArray(".."),
@@ -117,7 +88,7 @@ TEST_F(HostilePhone, namesStayInTheirFolder) {
     EXPECT_FALSE(phone.exists(u"pwned"_s));
 }
 
-TEST_F(HostilePhone, hitsStayInTheirFolderAndTheirNumbersInRange) {
+TEST_F(HostilePhoneTests, hitsStayInTheirFolderAndTheirNumbersInRange) {
     phone.set(u"find.stdout"_s,
               "/sdcard/..\n/sdcard/a/.\nsdcard/song.bin\n../victim\n/sdcard/s" + QByteArray(1, '\0') +
                   "/song.bin\n/sdcard/song.bin\n/sdcard/far\n/sdcard/farther\n/sdcard/extra\n");
@@ -142,14 +113,7 @@ TEST_F(HostilePhone, hitsStayInTheirFolderAndTheirNumbersInRange) {
     EXPECT_EQ(state->androidSearchResults().size(), 200);
 }
 
-TEST_F(HostilePhone, whatStandsOnThePhoneIsNeverReplaced) {
-    const auto pushAll = [&] {
-        state->browseMac(at(u"here"_s));
-        ASSERT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
-        state->selectAllVisible(BrowserSide::mac);
-        state->transferMacToAndroid();
-        ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
-    };
+TEST_F(HostilePhoneTests, whatStandsOnThePhoneIsNeverReplaced) {
     const QStringList names{u"line\nfeed"_s, u"return\rhere"_s, u"next\u0085line"_s, u"sep\u2028arator"_s,
                             u"blank "_s,     u"e\u0301"_s,      u"taken\nfree"_s};
     for (const QString &name : names) {
@@ -177,7 +141,7 @@ TEST_F(HostilePhone, whatStandsOnThePhoneIsNeverReplaced) {
         EXPECT_EQ(phone.read(name), "theirs") << name.toStdString();
 }
 
-TEST_F(HostilePhone, aListingThatIsTooLongFailsInBoundedMemory) {
+TEST_F(HostilePhoneTests, aListingThatIsTooLongFailsInBoundedMemory) {
     const auto peak = [] {
         rusage usage{};
         ::getrusage(RUSAGE_SELF, &usage);
@@ -192,19 +156,19 @@ TEST_F(HostilePhone, aListingThatIsTooLongFailsInBoundedMemory) {
         EXPECT_TRUE(state->androidItems().isEmpty());
         phone.reset(stream);
     }
-    phone.set(u"ls.stdout"_s, QByteArray("- 1 2 3 4 5 6 a\n").repeated(ADBClient::largestListing));
+    phone.set(u"ls.stdout"_s, QByteArray("- 1 2 3 4 5 6 a\n").repeated(ADBClient::largestListing + 1));
     browse();
     EXPECT_EQ(state->androidBrowseError(), u"The phone lists more than a million entries here."_s);
     EXPECT_TRUE(state->androidItems().isEmpty());
     EXPECT_LT(peak() - before, 2'000'000) << "KB, under a sanitizer";
 }
 
-TEST(HostileListing, linesThatAreNoEntriesCostNothing) {
+TEST(HostileListingTests, linesThatAreNoEntriesCostNothing) {
     constexpr int lines = 10'000'000;
     EXPECT_TRUE(ADBClient::parseLSLA(QString(u"x\n"_s).repeated(lines), u"/sdcard"_s).isEmpty());
 }
 
-TEST_F(HostilePhone, linksThatWerePlantedLeadNowhere) {
+TEST_F(HostilePhoneTests, linksThatWerePlantedLeadNowhere) {
     const QString cache = at(u"cache"_s);
     const QString local = FilePreview::cacheFolder() + u"/sdcard_song.bin/song.bin"_s;
     QFile::setPermissions(phone.hostPath(u"song.bin"_s), QFileDevice::Permissions(0x7777));
@@ -219,22 +183,22 @@ TEST_F(HostilePhone, linksThatWerePlantedLeadNowhere) {
         ASSERT_TRUE(QFile::link(target, link));
         EXPECT_EQ(open(u"song.bin"_s), QString());
         EXPECT_EQ(desktop.opened, QStringList{local});
-        EXPECT_EQ(processes::contentsOf(local), "song");
+        EXPECT_EQ(contents(local), "song");
         EXPECT_EQ(mode(local), S_IFREG | 0600) << "for the user alone, and never a program";
         for (QString folder = QFileInfo(local).path(); folder != cache; folder = QFileInfo(folder).path())
             EXPECT_EQ(mode(folder), S_IFDIR | 0700) << folder.toStdString();
         EXPECT_EQ(namesIn(at(u"elsewhere"_s)), QString());
-        EXPECT_EQ(processes::contentsOf(at(u"victim"_s)), "mine");
+        EXPECT_EQ(contents(at(u"victim"_s)), "mine");
     }
 }
 
-TEST_F(HostilePhone, onlyFilesAreOpenedAndOnlyInTheCache) {
+TEST_F(HostilePhoneTests, onlyFilesAreOpenedAndOnlyInTheCache) {
     EXPECT_EQ(open(u"disguised"_s), u"This is a folder. Only files can be opened."_s);
     EXPECT_EQ(open(u"disguised"_s), u"This is a folder. Only files can be opened."_s) << "and again";
     for (const QString &name : {u"../../victim"_s, u".."_s, u"/etc/passwd"_s, QString(u"nul"_s + QChar(0))})
         EXPECT_EQ(open(name), u"This file’s name can’t be used on this computer."_s);
     EXPECT_EQ(namesIn(mac.path()), u"cache|here|victim"_s);
-    EXPECT_EQ(processes::contentsOf(at(u"victim"_s)), "mine");
+    EXPECT_EQ(contents(at(u"victim"_s)), "mine");
 }
 
 } // namespace

@@ -12,56 +12,52 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
 using namespace vantrel;
 
-TEST(MacFilePaths, areStandardized) {
+TEST(MacFilesTests, pathsAreStandardized) {
     const QString home = QDir::homePath();
-    const struct {
-        QString path;
-        QString standardized;
-        QString parent;
-    } cases[] = {
-        {QStringLiteral("/"), QStringLiteral("/"), QStringLiteral("/")},
-        {QStringLiteral("/a"), QStringLiteral("/a"), QStringLiteral("/")},
-        {QStringLiteral("/a//b/./c/"), QStringLiteral("/a/b/c"), QStringLiteral("/a/b")},
-        {QStringLiteral("~/Documents/../Desktop"), home + QStringLiteral("/Desktop"), home},
-        {QStringLiteral("~"), home, QFileInfo(home).path()},
-        {QStringLiteral("~other/x"), QStringLiteral("~other/x"), QStringLiteral("~other")},
-        {QStringLiteral("/../.."), QStringLiteral("/"), QStringLiteral("/")},
-        {QStringLiteral("relative"), QStringLiteral("relative"), QStringLiteral("relative")},
+    const std::tuple<QString, QString, QString> cases[] = {
+        {u"/"_s, u"/"_s, u"/"_s},
+        {u"/a"_s, u"/a"_s, u"/"_s},
+        {u"/a//b/./c/"_s, u"/a/b/c"_s, u"/a/b"_s},
+        {u"~/Documents/../Desktop"_s, home + u"/Desktop"_s, home},
+        {u"~"_s, home, QFileInfo(home).path()},
+        {u"~other/x"_s, u"~other/x"_s, u"~other"_s},
+        {u"/../.."_s, u"/"_s, u"/"_s},
+        {u"relative"_s, u"relative"_s, u"relative"_s},
         {QString(), QString(), QString()},
     };
-    for (const auto &c : cases) {
-        EXPECT_EQ(MacFileClient::standardizedPath(c.path), c.standardized);
-        EXPECT_EQ(MacFileClient::parentPath(c.path), c.parent) << c.path.toStdString();
+    for (const auto &[path, standardized, parent] : cases) {
+        EXPECT_EQ(MacFileClient::standardizedPath(path), standardized);
+        EXPECT_EQ(MacFileClient::parentPath(path), parent) << path.toStdString();
     }
 }
 
-TEST(MacFileListing, visibleEntriesByTheirOwnProperties) {
+TEST(MacFilesTests, visibleEntriesAreListedByTheirOwnProperties) {
     QTemporaryDir folder;
     QDir directory(folder.path());
-    write(folder.filePath(QStringLiteral("zeta.txt")), "12345");
-    write(folder.filePath(QStringLiteral("beta.txt")), "");
-    write(folder.filePath(QStringLiteral(".hidden")), "x");
-    directory.mkdir(QStringLiteral("Gamma"));
-    directory.mkdir(QStringLiteral("Alpha"));
-    directory.mkdir(QStringLiteral(".cache"));
-    ASSERT_EQ(::symlink("Gamma", QFile::encodeName(folder.filePath(QStringLiteral("link"))).constData()), 0);
-    ASSERT_EQ(
-        ::symlink("nowhere", QFile::encodeName(folder.filePath(QStringLiteral("dangling"))).constData()), 0);
+    write(folder.filePath(u"zeta.txt"_s), "12345");
+    write(folder.filePath(u"beta.txt"_s), "");
+    write(folder.filePath(u".hidden"_s), "x");
+    directory.mkdir(u"Gamma"_s);
+    directory.mkdir(u"Alpha"_s);
+    directory.mkdir(u".cache"_s);
+    ASSERT_TRUE(QFile::link(u"Gamma"_s, folder.filePath(u"link"_s)));
+    ASSERT_TRUE(QFile::link(u"nowhere"_s, folder.filePath(u"dangling"_s)));
 
-    const auto items = MacFileClient::listDirectory(folder.path() + QStringLiteral("/."));
+    const auto items = MacFileClient::listDirectory(folder.path() + u"/."_s);
     ASSERT_TRUE(items.has_value());
     QStringList described;
     for (const FileItem &item : *items)
         described.append(item.name + QLatin1Char(item.isDirectory ? '/' : ' ') +
                          QString::number(item.sizeBytes.value_or(-1)));
-    EXPECT_EQ(described.join(QLatin1Char(',')),
-              QStringLiteral("Alpha/-1,Gamma/-1,beta.txt 0,dangling 7,link 5,zeta.txt 5"));
-    EXPECT_EQ(items->last().path, folder.filePath(QStringLiteral("zeta.txt")));
+    EXPECT_EQ(described.join(u','), u"Alpha/-1,Gamma/-1,beta.txt 0,dangling 7,link 5,zeta.txt 5"_s);
+    EXPECT_EQ(items->last().path, folder.filePath(u"zeta.txt"_s));
 
     const QDateTime time(QDate(2024, 5, 1), QTime(12, 51, 30, 987));
     QFile zeta(items->last().path);
@@ -73,65 +69,59 @@ TEST(MacFileListing, visibleEntriesByTheirOwnProperties) {
     EXPECT_EQ(dated->at(2).modifiedAt->toMSecsSinceEpoch(), -1750);
 }
 
-TEST(MacFileListing, failsInWords) {
+TEST(MacFilesTests, aListingFailsInWords) {
     QTemporaryDir folder;
-    const QString file = folder.filePath(QStringLiteral("file"));
+    const QString file = folder.filePath(u"file"_s);
     write(file, "x");
     const auto error = [](const QString &path) {
         return MacFileClient::listDirectory(path).error().errorDescription();
     };
-    EXPECT_EQ(error(folder.path() + QStringLiteral("/gone/")),
-              QStringLiteral("Folder not found: ") + folder.filePath(QStringLiteral("gone")));
-    EXPECT_EQ(error(file), QStringLiteral("Not a folder: ") + file);
-    const QString locked = folder.filePath(QStringLiteral("locked"));
-    QDir().mkdir(locked);
-    QFile::setPermissions(locked, QFileDevice::Permissions());
-    if (::geteuid() != 0) { // the superuser may read it all the same
-        EXPECT_EQ(error(locked), QStringLiteral("Permission denied"));
-    }
-    QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    EXPECT_EQ(error(folder.path() + u"/gone/"_s), u"Folder not found: "_s + folder.filePath(u"gone"_s));
+    EXPECT_EQ(error(file), u"Not a folder: "_s + file);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const auto unread = MacFileClient::listDirectory(folder.path());
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    ASSERT_FALSE(unread.has_value());
+    EXPECT_EQ(unread.error().errorDescription(), u"Too many open files"_s);
 }
 
-TEST(MacFiles, foldersAreCreatedAndNothingIsTouched) {
+TEST(MacFilesTests, foldersAreCreatedAndNothingIsTouched) {
     QTemporaryDir folder;
-    const auto created =
-        MacFileClient::createFolder(QStringLiteral("New Folder"), folder.path() + QLatin1Char('/'));
-    EXPECT_EQ(created, folder.filePath(QStringLiteral("New Folder")));
+    const auto created = MacFileClient::createFolder(u"New Folder"_s, folder.path() + u'/');
+    EXPECT_EQ(created, folder.filePath(u"New Folder"_s));
     EXPECT_TRUE(QFileInfo(*created).isDir());
-    write(*created + QStringLiteral("/kept"), "x");
-    EXPECT_EQ(MacFileClient::createFolder(QStringLiteral("New Folder"), folder.path()).error(),
-              QStringLiteral("File exists"));
-    EXPECT_TRUE(QFile::exists(*created + QStringLiteral("/kept")));
-    EXPECT_EQ(
-        MacFileClient::createFolder(QStringLiteral("a"), folder.filePath(QStringLiteral("gone"))).error(),
-        QStringLiteral("No such file or directory"));
+    write(*created + u"/kept"_s, "x");
+    EXPECT_EQ(MacFileClient::createFolder(u"New Folder"_s, folder.path()).error(), u"File exists"_s);
+    EXPECT_TRUE(QFile::exists(*created + u"/kept"_s));
+    EXPECT_EQ(MacFileClient::createFolder(u"a"_s, folder.filePath(u"gone"_s)).error(),
+              u"No such file or directory"_s);
 }
 
-TEST(MacFiles, aFoldersNameIsOneComponent) {
+TEST(MacFilesTests, aFoldersNameIsOneComponent) {
     QTemporaryDir folder;
-    const QString parent = folder.filePath(QStringLiteral("parent"));
-    ASSERT_TRUE(QDir().mkpath(parent + QStringLiteral("/a")));
-    const QString slash = QStringLiteral("A folder’s name can’t contain “/”.");
-    const QString noName = QStringLiteral("This can’t be a folder’s name. Choose another one.");
-    const QString tooLong = QStringLiteral("This name is too long for a folder here. Choose a shorter one.");
-    const struct {
-        QString name;
-        QString reason;
-    } cases[] = {
-        {QStringLiteral("a/b"), slash},
-        {QStringLiteral("../x"), slash},
-        {folder.filePath(QStringLiteral("absolute")), slash},
-        {QStringLiteral("x/"), slash},
+    const QString parent = folder.filePath(u"parent"_s);
+    ASSERT_TRUE(QDir().mkpath(parent + u"/a"_s));
+    const QString slash = u"A folder’s name can’t contain “/”."_s;
+    const QString noName = u"This can’t be a folder’s name. Choose another one."_s;
+    const QString tooLong = u"This name is too long for a folder here. Choose a shorter one."_s;
+    const std::pair<QString, QString> cases[] = {
+        {u"a/b"_s, slash},
+        {u"../x"_s, slash},
+        {folder.filePath(u"absolute"_s), slash},
+        {u"x/"_s, slash},
         {QString(), noName},
-        {QStringLiteral("."), noName},
-        {QStringLiteral(".."), noName},
-        {QStringLiteral("nul%1x").arg(QChar(u'\0')), noName},
-        {QString(256, QLatin1Char('n')), tooLong},
-        {QString(128, QChar(0xfc)), tooLong},
+        {u"."_s, noName},
+        {u".."_s, noName},
+        {u"nul%1x"_s.arg(QChar(u'\0')), noName},
+        {QString(256, u'n'), tooLong},
+        {QString(128, QChar(u'\u00fc')), tooLong},
     };
-    for (const auto &c : cases) {
-        const auto created = MacFileClient::createFolder(c.name, parent);
-        EXPECT_EQ(created ? QStringLiteral("(created)") : created.error(), c.reason) << c.name.toStdString();
+    for (const auto &[name, reason] : cases) {
+        const auto created = MacFileClient::createFolder(name, parent);
+        EXPECT_EQ(created ? u"(created)"_s : created.error(), reason) << name.toStdString();
     }
     QStringList names;
     QDirIterator all(folder.path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
@@ -139,35 +129,33 @@ TEST(MacFiles, aFoldersNameIsOneComponent) {
     while (all.hasNext())
         names.append(QDir(folder.path()).relativeFilePath(all.next()));
     names.sort();
-    EXPECT_EQ(names, (QStringList{QStringLiteral("parent"), QStringLiteral("parent/a")}));
-    for (const QString &name : {QString(255, QLatin1Char('n')), QStringLiteral("..."), QStringLiteral("a b "),
-                                QStringLiteral("~"), QStringLiteral("~root")})
-        EXPECT_EQ(MacFileClient::createFolder(name, parent).value_or(QString()),
-                  parent + QLatin1Char('/') + name);
+    EXPECT_EQ(names, (QStringList{u"parent"_s, u"parent/a"_s}));
+    for (const QString &name : {QString(255, u'n'), u"..."_s, u"a b "_s, u"~"_s, u"~root"_s})
+        EXPECT_EQ(MacFileClient::createFolder(name, parent).value_or(QString()), parent + u'/' + name);
 }
 
-TEST(MacFiles, existenceAndFreeSpace) {
+TEST(MacFilesTests, aDanglingLinkExistsAndAVolumeHasRoom) {
     QTemporaryDir folder;
-    const QString link = folder.filePath(QStringLiteral("dangling"));
-    ASSERT_EQ(::symlink("nowhere", QFile::encodeName(link).constData()), 0);
+    const QString link = folder.filePath(u"dangling"_s);
+    ASSERT_TRUE(QFile::link(u"nowhere"_s, link));
     EXPECT_TRUE(MacFileClient::exists(folder.path()));
     EXPECT_TRUE(MacFileClient::exists(link)) << "writing there would replace the link's target";
-    EXPECT_FALSE(MacFileClient::exists(folder.filePath(QStringLiteral("gone"))));
+    EXPECT_FALSE(MacFileClient::exists(folder.filePath(u"gone"_s)));
     EXPECT_GT(MacFileClient::availableBytes(folder.path()).value_or(0), 0);
-    EXPECT_EQ(MacFileClient::availableBytes(QStringLiteral("/nowhere/at/all")), std::nullopt);
+    EXPECT_EQ(MacFileClient::availableBytes(u"/nowhere/at/all"_s), std::nullopt);
 }
 
-TEST(MacFiles, theDesktopGetsStandardizedPaths) {
+TEST(MacFilesTests, theDesktopGetsStandardizedPaths) {
     FakeDesktop desktop;
-    MacFileClient::open(desktop, QStringLiteral("~/a/"));
-    MacFileClient::revealInFinder(desktop, QStringLiteral("/x/../y"));
-    MacFileClient::copyPath(desktop, QStringLiteral("/x//y"));
-    EXPECT_EQ(desktop.opened, QStringList{QDir::homePath() + QStringLiteral("/a")});
-    EXPECT_EQ(desktop.revealed, QStringList{QStringLiteral("/y")});
-    EXPECT_EQ(desktop.copied, QStringList{QStringLiteral("/x/y")});
-    EXPECT_EQ(MacFileClient::chooseFolder(desktop, QStringLiteral("/x/")).result(), std::nullopt);
-    desktop.nextFolder = QStringLiteral("/chosen");
-    EXPECT_EQ(MacFileClient::chooseFolder(desktop, QString()).result(), QStringLiteral("/chosen"));
-    EXPECT_EQ(desktop.folderQuestions, (QStringList{QStringLiteral("Choose a Mac folder|Choose|/x"),
-                                                    QStringLiteral("Choose a Mac folder|Choose|")}));
+    MacFileClient::open(desktop, u"~/a/"_s);
+    MacFileClient::revealInFinder(desktop, u"/x/../y"_s);
+    MacFileClient::copyPath(desktop, u"/x//y"_s);
+    EXPECT_EQ(desktop.opened, QStringList{QDir::homePath() + u"/a"_s});
+    EXPECT_EQ(desktop.revealed, QStringList{u"/y"_s});
+    EXPECT_EQ(desktop.copied, QStringList{u"/x/y"_s});
+    EXPECT_EQ(MacFileClient::chooseFolder(desktop, u"/x/"_s).result(), std::nullopt);
+    desktop.nextFolder = u"/chosen"_s;
+    EXPECT_EQ(MacFileClient::chooseFolder(desktop, QString()).result(), u"/chosen"_s);
+    EXPECT_EQ(desktop.folderQuestions,
+              (QStringList{u"Choose a Mac folder|Choose|/x"_s, u"Choose a Mac folder|Choose|"_s}));
 }

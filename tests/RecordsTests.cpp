@@ -1,10 +1,11 @@
 #include "support/Printers.h"
 
-#include "Records/Enumerations.h"
+#include "Records/AndroidSearchScope.h"
 #include "Records/FileItem.h"
 #include "Records/FileOrder.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/Identity.h"
+#include "Records/Pane.h"
 #include "Records/QueueItem.h"
 #include "Records/TextLength.h"
 #include "Records/TransferFormat.h"
@@ -13,15 +14,10 @@
 
 #include <limits>
 
+using namespace Qt::StringLiterals;
 using namespace vantrel;
 
 namespace {
-
-QueueItem queueItem(const QueueItemStatus &status) {
-    QueueItem item;
-    item.status = status;
-    return item;
-}
 
 QueueItemStatus transferring(double fraction, qint64 done, qint64 total) {
     QueueItemStatus::Transferring progress;
@@ -33,11 +29,8 @@ QueueItemStatus transferring(double fraction, qint64 done, qint64 total) {
 
 } // namespace
 
-TEST(FileSize, isWrittenAsTheFileManagerWritesIt) {
-    const struct {
-        qint64 bytes;
-        const char *text;
-    } cases[] = {
+TEST(FileSizeTests, isWrittenAsTheFileManagerWritesIt) {
+    const std::pair<qint64, const char *> cases[] = {
         {0, "Zero KB"},
         {1, "1 byte"},
         {2, "2 bytes"},
@@ -64,91 +57,74 @@ TEST(FileSize, isWrittenAsTheFileManagerWritesIt) {
         {-2'100'000, "-2.1 MB"},
         {std::numeric_limits<qint64>::min(), "-9.22 EB"},
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(formatFileSize(c.bytes), QString::fromUtf8(c.text)) << c.bytes;
-}
-
-TEST(FileSize, usesTheDecimalPointOfTheLocale) {
-    const QLocale before;
+    for (const auto &[bytes, text] : cases)
+        EXPECT_EQ(formatFileSize(bytes), QLatin1String(text)) << bytes;
+    const QLocale before; // with its decimal point
     QLocale::setDefault(QLocale(QLocale::German));
-    EXPECT_EQ(formatFileSize(2'100'000), QStringLiteral("2,1 MB"));
+    EXPECT_EQ(formatFileSize(2'100'000), u"2,1 MB"_s);
     QLocale::setDefault(before);
 }
 
-TEST(FileItem, labels) {
+TEST(FileItemTests, labelsSayWhatIsKnown) {
     const QDateTime day(QDate(2024, 5, 1), QTime(13, 7));
-    const struct {
-        FileItem item;
-        QString size;
-        QString modified;
-    } cases[] = {
-        {{{}, {}, {}, true, {}, {}, {}}, QStringLiteral("—"), QStringLiteral("—")},
-        {{{}, {}, {}, true, {}, 1, {}}, QStringLiteral("1 items"), QStringLiteral("—")},
-        {{{}, {}, {}, true, {}, 0, day}, QStringLiteral("0 items"), QStringLiteral("May 1, 2024")},
-        {{{}, {}, {}, false, {}, {}, {}}, QStringLiteral("0 B"), QStringLiteral("—")},
-        {{{}, {}, {}, false, 0, {}, day}, QStringLiteral("Zero KB"), QStringLiteral("May 1, 2024")},
-        {{{}, {}, {}, false, 1'048'576, {}, {}}, QStringLiteral("1 MB"), QStringLiteral("—")},
+    const std::tuple<FileItem, QString, QString> cases[] = {
+        {{{}, {}, {}, true, {}, {}, {}}, u"—"_s, u"—"_s},
+        {{{}, {}, {}, true, {}, 1, {}}, u"1 items"_s, u"—"_s},
+        {{{}, {}, {}, true, {}, 0, day}, u"0 items"_s, u"May 1, 2024"_s},
+        {{{}, {}, {}, false, {}, {}, {}}, u"0 B"_s, u"—"_s},
+        {{{}, {}, {}, false, 0, {}, day}, u"Zero KB"_s, u"May 1, 2024"_s},
+        {{{}, {}, {}, false, 1'048'576, {}, {}}, u"1 MB"_s, u"—"_s},
     };
-    for (const auto &c : cases) {
-        EXPECT_EQ(c.item.sizeLabel(), c.size);
-        EXPECT_EQ(c.item.modifiedLabel(), c.modified);
+    for (const auto &[item, size, modified] : cases) {
+        EXPECT_EQ(item.sizeLabel(), size);
+        EXPECT_EQ(item.modifiedLabel(), modified);
     }
 }
 
-TEST(QueueItem, labelsByStatus) {
+TEST(QueueItemTests, labelsFollowTheStatus) {
     QueueItemStatus::Paused paused;
     paused.fraction = 0.5;
     paused.transferredBytes = 1'000'000;
     paused.totalBytes = 2'000'000;
-    const struct {
-        QueueItemStatus status;
-        const char *progress;
-        const char *percent;
-    } cases[] = {
-        {QueueItemStatus::Waiting(), "Waiting…", "—"},
-        {QueueItemStatus::Completed(), "Done", "100%"},
-        {QueueItemStatus::Failed{QStringLiteral("No space left")}, "No space left", "Error"},
-        {transferring(0.125, 250'000, 2'000'000), "250 KB / 2 MB", "13%"},
-        {transferring(0.004, 0, 2'000'000), "Zero KB / 2 MB", "0%"},
-        {transferring(0.42, 0, 0), "Transferring…", "42%"},
-        {transferring(0.99, 0, -1), "Transferring…", "99%"},
-        {paused, "1 MB / 2 MB", "50%"},
+    const std::tuple<QueueItemStatus, QString, QString> cases[] = {
+        {QueueItemStatus::Waiting(), u"Waiting…"_s, u"—"_s},
+        {QueueItemStatus::Completed(), u"Done"_s, u"100%"_s},
+        {QueueItemStatus::Failed{u"No space left"_s}, u"No space left"_s, u"Error"_s},
+        {transferring(0.125, 250'000, 2'000'000), u"250 KB / 2 MB"_s, u"13%"_s},
+        {transferring(0.004, 0, 2'000'000), u"Zero KB / 2 MB"_s, u"0%"_s},
+        {transferring(0.42, 0, 0), u"Transferring…"_s, u"42%"_s},
+        {transferring(0.99, 0, -1), u"Transferring…"_s, u"99%"_s},
+        {paused, u"1 MB / 2 MB"_s, u"50%"_s},
     };
-    for (const auto &c : cases) {
-        const QueueItem item = queueItem(c.status);
-        EXPECT_EQ(item.progressLabel(), QString::fromUtf8(c.progress));
-        EXPECT_EQ(item.percentLabel(), QString::fromUtf8(c.percent));
+    for (const auto &[status, progress, percent] : cases) {
+        QueueItem item;
+        item.status = status;
+        EXPECT_EQ(item.progressLabel(), progress);
+        EXPECT_EQ(item.percentLabel(), percent);
     }
 }
 
-TEST(Enumerations, areReadFromExactlyTheirRawValues) {
+TEST(RawValueTests, onlyTheExactTextGivesAValue) {
     for (const PaneViewMode mode : allPaneViewModes)
         EXPECT_EQ(paneViewModeFromRawValue(rawValue(mode)), mode);
     for (const AndroidSearchScope scope : allAndroidSearchScopes)
         EXPECT_EQ(androidSearchScopeFromRawValue(rawValue(scope)), scope);
-    EXPECT_EQ(paneViewModeFromRawValue(QStringLiteral("Grid")), std::nullopt);
-    EXPECT_EQ(androidSearchScopeFromRawValue(QStringLiteral("everywhere ")), std::nullopt);
+    EXPECT_EQ(paneViewModeFromRawValue(u"Grid"_s), std::nullopt);
+    EXPECT_EQ(androidSearchScopeFromRawValue(u"everywhere "_s), std::nullopt);
 }
 
-TEST(FileOrder, foldersFirstThenNamesWithoutCaseAndStable) {
-    const auto item = [](const char *name, bool isDirectory, qint64 mark = 0) {
-        return FileItem{newIdentity(), QString::fromUtf8(name), {}, isDirectory, mark, {}, {}};
-    };
-    QList<FileItem> items{item("zeta.txt", false), item("Gamma", true),   item("ähre", false),
-                          item("same", false, 1),  item("Alpha", true),   item("SAME", false, 2),
-                          item("beta.txt", false), item("same", false, 3)};
+TEST(FileOrderTests, foldersFirstThenNamesWithoutCaseAndStable) {
+    QList<FileItem> items;
+    for (const QString &name : u"zeta.txt|Gamma/|ähre|same|Alpha/|SAME|beta.txt|same"_s.split(u'|'))
+        items.append({newIdentity(), name, {}, name.endsWith(u'/'), items.size(), {}, {}});
     sortInFileOrder(items);
-    QStringList names;
-    for (const FileItem &sorted : items)
-        names.append(sorted.name);
-    EXPECT_EQ(names.join(QLatin1Char(' ')),
-              QStringLiteral("Alpha Gamma ähre beta.txt same SAME same zeta.txt"));
-    EXPECT_EQ(*items[4].sizeBytes, 1);
-    EXPECT_EQ(*items[5].sizeBytes, 2);
-    EXPECT_EQ(*items[6].sizeBytes, 3);
+    QStringList sorted;
+    for (const FileItem &item : items)
+        sorted.append(item.name + QString::number(*item.sizeBytes));
+    EXPECT_EQ(sorted.join(u' '), u"Alpha/4 Gamma/1 ähre2 beta.txt6 same3 SAME5 same7 zeta.txt0");
 }
 
-TEST(Identity, isARandomUuidOfVersionFour) {
+TEST(IdentityTests, isARandomUuidOfVersionFour) {
     QSet<QUuid> seen;
     for (int i = 0; i < 1000; ++i) {
         const QUuid id = newIdentity();
@@ -159,42 +135,37 @@ TEST(Identity, isARandomUuidOfVersionFour) {
     EXPECT_EQ(seen.size(), 1000);
 }
 
-TEST(TextLength, countsWhatAPersonSees) {
+TEST(TextLengthTests, countsWhatAPersonSees) {
     EXPECT_EQ(characterCount(QString()), 0);
-    EXPECT_EQ(characterCount(QStringLiteral("ab")), 2);
-    EXPECT_EQ(characterCount(QStringLiteral("e\u0301")), 1);
-    EXPECT_EQ(characterCount(QStringLiteral("👩‍👩‍👧")), 1);
+    EXPECT_EQ(characterCount(u"ab"_s), 2);
+    EXPECT_EQ(characterCount(u"e\u0301"_s), 1);
+    EXPECT_EQ(characterCount(u"👩‍👩‍👧"_s), 1);
 }
 
-TEST(TransferFormat, everyNumberHasAText) {
+TEST(TransferFormatTests, everyNumberHasAText) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     constexpr double none = std::numeric_limits<double>::quiet_NaN();
     constexpr qint64 most = std::numeric_limits<qint64>::max();
-    const struct {
-        double number;
-        qint64 bytes;
-        const char *rate;
-        const char *duration;
-    } cases[] = {
-        {0, 0, "Zero KB/s", "00:00:00"},
-        {59.5, 59, "59 bytes/s", "00:01:00"},
-        {3725.4, 3725, "4 KB/s", "01:02:05"},
-        {360'000, 360'000, "360 KB/s", "100:00:00"},
-        {3'599'999, 3'599'999, "3.6 MB/s", "999:59:59"},
-        {3'599'999.5, 3'599'999, "3.6 MB/s", "—"},
-        {1e20, most, "9.22 EB/s", "—"},
-        {0x1p63, most, "9.22 EB/s", "—"},
-        {0x1.fffffffffffffp62, most - 1023, "9.22 EB/s", "—"},
-        {infinity, most, "—", "—"},
-        {none, 0, "—", "—"},
-        {-0.4, 0, "—", "00:00:00"},
-        {-1e20, -most - 1, "—", "00:00:00"},
-        {-0x1p63, -most - 1, "—", "00:00:00"},
-        {-infinity, -most - 1, "—", "00:00:00"},
+    const std::tuple<double, qint64, QString, QString> cases[] = {
+        {0, 0, u"Zero KB/s"_s, u"00:00:00"_s},
+        {59.5, 59, u"59 bytes/s"_s, u"00:01:00"_s},
+        {3725.4, 3725, u"4 KB/s"_s, u"01:02:05"_s},
+        {360'000, 360'000, u"360 KB/s"_s, u"100:00:00"_s},
+        {3'599'999, 3'599'999, u"3.6 MB/s"_s, u"999:59:59"_s},
+        {3'599'999.5, 3'599'999, u"3.6 MB/s"_s, u"—"_s},
+        {1e20, most, u"9.22 EB/s"_s, u"—"_s},
+        {0x1p63, most, u"9.22 EB/s"_s, u"—"_s},
+        {0x1.fffffffffffffp62, most - 1023, u"9.22 EB/s"_s, u"—"_s},
+        {infinity, most, u"—"_s, u"—"_s},
+        {none, 0, u"—"_s, u"—"_s},
+        {-0.4, 0, u"—"_s, u"00:00:00"_s},
+        {-1e20, -most - 1, u"—"_s, u"00:00:00"_s},
+        {-0x1p63, -most - 1, u"—"_s, u"00:00:00"_s},
+        {-infinity, -most - 1, u"—"_s, u"00:00:00"_s},
     };
-    for (const auto &c : cases) {
-        EXPECT_EQ(wholeBytes(c.number), c.bytes) << c.number;
-        EXPECT_EQ(formatTransferRate(c.number), QString::fromUtf8(c.rate)) << c.number;
-        EXPECT_EQ(formatDuration(c.number), QString::fromUtf8(c.duration)) << c.number;
+    for (const auto &[number, bytes, rate, duration] : cases) {
+        EXPECT_EQ(wholeBytes(number), bytes) << number;
+        EXPECT_EQ(formatTransferRate(number), rate) << number;
+        EXPECT_EQ(formatDuration(number), duration) << number;
     }
 }

@@ -1,136 +1,198 @@
 #include "App/System/Settings.h"
 #include "App/System/SingleInstance.h"
+#include "App/System/UsageAnalytics.h"
 #include "support/Files.h"
+#include "support/WaitFor.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QDateTime>
-#include <QDir>
-#include <QFile>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
+#include <gmock/gmock.h>
 
 #include <atomic>
+#include <map>
+#include <sys/stat.h>
 #include <thread>
 
 namespace vantrel {
 namespace {
 
-class SettingsTest : public ::testing::Test {
+using namespace Qt::StringLiterals;
+using ::testing::StartsWith;
+
+class SettingsTests : public ::testing::Test {
 protected:
     QTemporaryDir directory;
-    QString path = directory.filePath(QStringLiteral("vantrel/settings.ini"));
+    QString path = directory.filePath(u"vantrel/settings.ini"_s);
 };
 
-TEST_F(SettingsTest, RemembersAcrossStarts) {
-    {
-        Settings settings(path);
-        EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
-        settings.setAppearancePreference(ColorScheme::dark);
-        settings.storeToolTipDelay();
-        EXPECT_TRUE(settings.save());
-    }
-    // The next start asks for nothing new: it does not wait for the disk.
+TEST_F(SettingsTests, areNotWrittenAgainWithoutAChange) {
     const QDateTime written = QDateTime::fromSecsSinceEpoch(1'700'000'000);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    ASSERT_TRUE(file.setFileTime(written, QFileDevice::FileModificationTime));
-    file.close();
-    {
+    for (int start = 0; start < 2; ++start) {
         Settings settings(path);
         settings.storeToolTipDelay();
+        settings.setAppearancePreference(ColorScheme::dark);
         EXPECT_TRUE(settings.save());
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        EXPECT_EQ(file.fileTime(QFileDevice::FileModificationTime) == written, start == 1);
+        ASSERT_TRUE(file.setFileTime(written, QFileDevice::FileModificationTime));
     }
-    EXPECT_EQ(QFileInfo(path).lastModified(), written);
-
-    Settings settings(path);
-    EXPECT_EQ(settings.appearancePreference(), ColorScheme::dark);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const std::string stored = file.readAll().toStdString();
-    EXPECT_THAT(stored, ::testing::HasSubstr("appearancePreference=dark\n"));
-    EXPECT_THAT(stored, ::testing::HasSubstr("NSInitialToolTipDelay=250\n"));
-    settings.setAppearancePreference(ColorScheme::light);
-    EXPECT_TRUE(settings.save());
-    EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::light);
+    EXPECT_EQ(contents(path), "NSInitialToolTipDelay=250\nappearancePreference=dark\n");
 }
 
-TEST_F(SettingsTest, ReadsWhatIsStored) {
+TEST_F(SettingsTests, areReadAsTheyAreStored) {
     struct Case {
         QByteArray text;
-        ColorScheme scheme;
-        const char *doubleClick;
-        bool analyticsDisabled;
+        bool isDark = false;
+        QString doubleClick = u"Maximize"_s;
+        bool analyticsDisabled = false;
     };
-    for (const Case &test : {
-             Case{"", ColorScheme::light, "Maximize", false},
-             Case{"[General]\nappearancePreference=dark\nAppleActionOnDoubleClick="
-                  "Minimize\nanalyticsDisabled=true\n",
-                  ColorScheme::dark, "Minimize", true},
-             Case{"[General]\nappearancePreference=Dark\nAppleActionOnDoubleClick=None\nanalyticsDisabled="
-                  "false\n",
-                  ColorScheme::light, "None", false},
-             Case{"[General]\nappearancePreference=dark, "
-                  "light\nAppleActionOnDoubleClick=\nanalyticsDisabled=1\n",
-                  ColorScheme::light, "Maximize", true},
-             Case{"[Other]\nappearancePreference=dark\n", ColorScheme::light, "Maximize", false},
+    for (const auto &[text, isDark, doubleClick, analyticsDisabled] : {
+             Case{""},
+             Case{"[General]\nappearancePreference=dark\nAppleActionOnDoubleClick=Minimize\n", true,
+                  u"Minimize"_s},
+             Case{"appearancePreference=Dark\nAppleActionOnDoubleClick=None\nanalyticsDisabled=false\n",
+                  false, u"None"_s},
+             Case{"appearancePreference=dark, light\nAppleActionOnDoubleClick=\nanalyticsDisabled=1\n", false,
+                  u"Maximize"_s, true},
+             Case{"[Other]\nappearancePreference=dark\n"},
+             Case{"# mine\n; too\n\n  appearancePreference = dark \r\nanalyticsDisabled = TRUE\n", true,
+                  u"Maximize"_s, true},
+             Case{"\xef\xbb\xbf[General]\nanalyticsDisabled=please\n", false, u"Maximize"_s, true},
          }) {
-        write(path, test.text);
+        SCOPED_TRACE(text.toStdString());
+        write(path, text);
         const Settings settings(path);
-        EXPECT_EQ(settings.appearancePreference(), test.scheme) << test.text.toStdString();
-        EXPECT_EQ(settings.doubleClickAction().toStdString(), test.doubleClick) << test.text.toStdString();
-        EXPECT_EQ(settings.analyticsDisabled(), test.analyticsDisabled) << test.text.toStdString();
+        EXPECT_EQ(settings.appearancePreference() == ColorScheme::dark, isDark);
+        EXPECT_EQ(settings.doubleClickAction(), doubleClick);
+        EXPECT_EQ(settings.analyticsDisabled(), analyticsDisabled);
     }
 }
 
-TEST_F(SettingsTest, DamagedOnesAreSetAside) {
+TEST_F(SettingsTests, damagedOnesAreSetAsideAndMayHaveSaidNo) {
     constexpr char binary[] = "\x89PNG\0\xff\xfe[]=%%\n]]";
     const QByteArray random = QByteArray(binary, sizeof binary).repeated(200);
     for (const QByteArray &damaged : {QByteArray("[General\nappearancePreference dark\n"), random}) {
         write(path, damaged);
+        EXPECT_TRUE(Settings(path).analyticsDisabled());
         {
             Settings settings(path);
-            EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
-            EXPECT_EQ(settings.doubleClickAction(), QStringLiteral("Maximize"));
-            EXPECT_FALSE(settings.analyticsDisabled());
-            settings.setAppearancePreference(ColorScheme::dark);
-            EXPECT_TRUE(settings.save());
+            EXPECT_TRUE(settings.analyticsDisabled()) << "the next start has not forgotten";
+            QSignalSpy changes(&settings, &Settings::analyticsDisabledChanged);
+            settings.setAnalyticsDisabled(false);
+            settings.setAnalyticsDisabled(false);
+            EXPECT_EQ(changes.count(), 1);
         }
-        EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::dark);
-        EXPECT_TRUE(contents(path + QStringLiteral(".damaged")) == damaged);
+        EXPECT_FALSE(Settings(path).analyticsDisabled());
+        EXPECT_TRUE(contents(path + u".damaged"_s) == damaged);
+    }
+    // A pipe that nobody ever writes to: it is not waited for.
+    QFile::remove(path);
+    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    EXPECT_TRUE(Settings(path).analyticsDisabled());
+}
+
+TEST_F(SettingsTests, areChangedWithoutDisturbingWhatPeopleWrote) {
+    for (const auto &[before, after] : {
+             std::pair<QByteArray, QByteArray>{"", "analyticsDisabled=true\nappearancePreference=dark\n"},
+             {"# my choices\n\nappearancePreference = light\n# the end",
+              "# my choices\n\nappearancePreference=dark\n# the end\nanalyticsDisabled=true\n"},
+             {"[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n\n[Last]\nk=v\n",
+              "[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n"
+              "analyticsDisabled=true\nappearancePreference=dark\n\n[Last]\nk=v\n"},
+             {"appearancePreference=a\nother=@Variant(x)\nappearancePreference=b\n",
+              "appearancePreference=dark\nother=@Variant(x)\nappearancePreference=dark\n"
+              "analyticsDisabled=true\n"},
+         }) {
+        write(path, before);
+        Settings settings(path);
+        settings.setAppearancePreference(ColorScheme::dark);
+        settings.setAnalyticsDisabled(true);
+        EXPECT_TRUE(settings.save());
+        EXPECT_EQ(contents(path), after);
+        // Another copy of the program stores its own changes and no others.
+        Settings other(path);
+        write(path, contents(path).replace("=dark", "=light"));
+        other.setAnalyticsDisabled(false);
+        EXPECT_TRUE(other.save());
+        EXPECT_EQ(Settings(path).appearancePreference(), ColorScheme::light);
+        EXPECT_FALSE(Settings(path).analyticsDisabled());
     }
 }
 
-TEST_F(SettingsTest, WorkWithoutAPlaceToStoreThem) {
-    QFile obstacle(directory.filePath(QStringLiteral("obstacle")));
-    ASSERT_TRUE(obstacle.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(QDir().mkpath(directory.filePath(QStringLiteral("folder.ini"))));
-    for (const QString &nowhere :
-         {directory.filePath(QStringLiteral("obstacle/settings.ini")),
-          directory.filePath(QStringLiteral("folder.ini")), QStringLiteral("/proc/vantrel/settings.ini")}) {
+TEST_F(SettingsTests, workWithoutAPlaceToStoreThem) {
+    write(directory.filePath(u"obstacle"_s), "");
+    ASSERT_TRUE(QDir().mkpath(directory.filePath(u"folder.ini"_s)));
+    for (const QString &nowhere : {directory.filePath(u"obstacle/settings.ini"_s),
+                                   directory.filePath(u"folder.ini"_s), u"/proc/vantrel/settings.ini"_s}) {
         Settings settings(nowhere);
-        EXPECT_EQ(settings.appearancePreference(), ColorScheme::light);
         settings.setAppearancePreference(ColorScheme::dark);
+        QSignalSpy problems(&settings, &Settings::problemChanged);
+        EXPECT_TRUE(problems.wait()) << "it is tried without being told";
         EXPECT_FALSE(settings.save()) << nowhere.toStdString();
+        EXPECT_THAT(settings.problem().toStdString(),
+                    StartsWith("The settings could not be stored: " + nowhere.toStdString()));
+        EXPECT_EQ(problems.count(), 1) << "said once";
         EXPECT_EQ(settings.appearancePreference(), ColorScheme::dark) << "until the program ends";
     }
 }
 
-class SingleInstanceTest : public ::testing::Test {
+TEST(UsageAnalyticsTests, followsTheSettings) {
+    const QTemporaryDir home;
+    std::map<const char *, QByteArray> before;
+    for (const auto &[name, value] : {std::pair("XDG_CONFIG_HOME", home.path().toUtf8()),
+                                      {"XDG_CACHE_HOME", home.path().toUtf8()},
+                                      {"DO_NOT_TRACK", "0"}}) {
+        before[name] = qgetenv(name);
+        qputenv(name, value);
+    }
+    Settings settings(home.filePath(u"settings.ini"_s));
+    settings.setAnalyticsDisabled(true);
+    const auto kept = [&home](const QString &key) {
+        const QStringList files = QDir(home.path()).entryList({u"com.telemetrydeck.*.ini"_s});
+        return PreferencesFile(home.filePath(files.value(0, u"none"_s))).value(key);
+    };
+    const auto identifier = [&kept] { return kept(u"defaultUserIdentifier"_s); };
+    startUsageAnalytics(settings, QUrl());
+    settings.setAnalyticsDisabled(false);
+    EXPECT_FALSE(QTest::qWaitFor([&] { return !identifier().isEmpty(); }, 1000)) << "no destination";
+    settings.setAnalyticsDisabled(true);
+
+    const QString cache =
+        QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/telemetrysignalcache"_s;
+    write(cache, "[]"); // left by an earlier run
+    startUsageAnalytics(settings, QUrl(u"https://localhost:1/"_s));
+    QStringList users;
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_TRUE(settings.save());
+        EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden), QStringList(u"settings.ini"_s))
+            << "nothing is kept for those who say no";
+        EXPECT_FALSE(QFile::exists(cache));
+        settings.setAnalyticsDisabled(false);
+        EXPECT_TRUE(waitFor([&] { return !identifier().isEmpty(); }));
+        users.append(identifier());
+        // From its first second on, and not with the half minute that follows.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !kept(u"recentSessions"_s).isEmpty(); }, 20'000));
+        settings.setAnalyticsDisabled(true);
+    }
+    EXPECT_NE(users.constFirst(), users.constLast());
+    for (const auto &[name, value] : before)
+        qputenv(name, value);
+}
+
+class SingleInstanceTests : public ::testing::Test {
 protected:
     using Role = SingleInstance::Role;
 
-    QTemporaryDir directory{QDir::tempPath() + QStringLiteral("/v-XXXXXX")}; // sockets have short names
+    QTemporaryDir directory{QDir::tempPath() + u"/v-XXXXXX"_s}; // sockets have short names
 
     /// A start while the event loop of the first one runs.
-    Role startAgain(const QByteArray &token = {}) {
+    Role startAgain(const QByteArray &token = {}, const QString &screen = {}) {
         std::atomic<bool> ended = false;
         Role role = Role::alone;
         std::thread second([&] {
-            role = SingleInstance(directory.path()).claim(token);
+            role = SingleInstance(directory.path(), screen).claim(token);
             ended = true;
         });
         EXPECT_TRUE(QTest::qWaitFor([&] { return ended.load(); }));
@@ -139,54 +201,56 @@ protected:
     }
 };
 
-TEST_F(SingleInstanceTest, ASecondStartRaisesTheFirst) {
-    auto first = std::make_unique<SingleInstance>(directory.path());
+TEST_F(SingleInstanceTests, aSecondStartRaisesTheFirst) {
+    auto first = std::make_unique<SingleInstance>(directory.path(), QString());
     ASSERT_EQ(first->claim(), Role::first);
     QSignalSpy raised(first.get(), &SingleInstance::raiseRequested);
-    EXPECT_EQ(startAgain("token-1"), Role::second);
-    EXPECT_EQ(startAgain(), Role::second);
-    ASSERT_EQ(raised.count(), 2);
-    EXPECT_EQ(raised.at(0).constFirst().toByteArray(), "token-1");
-    EXPECT_EQ(raised.at(1).constFirst().toByteArray(), "");
+    for (const QByteArray &token : {QByteArray("token-1"), QByteArray()}) {
+        EXPECT_EQ(startAgain(token), Role::second);
+        ASSERT_EQ(raised.count(), 1);
+        EXPECT_EQ(raised.takeFirst(), QVariantList{token});
+    }
+
+    // The user's other session would not see that window: it has one of its own, and a second start there.
+    SingleInstance elsewhere(directory.path(), u"/tmp/a path/:1"_s);
+    EXPECT_EQ(elsewhere.claim(), Role::first);
+    QSignalSpy raisedElsewhere(&elsewhere, &SingleInstance::raiseRequested);
+    EXPECT_EQ(startAgain("token-2", u"/tmp/a path/:1"_s), Role::second);
+    EXPECT_EQ(raisedElsewhere.count(), 1);
+    EXPECT_EQ(raised.count(), 0);
 
     first.reset();
-    SingleInstance next(directory.path());
+    SingleInstance next(directory.path(), QString());
     EXPECT_EQ(next.claim(), Role::first);
 }
 
-TEST_F(SingleInstanceTest, TakesOverAfterABadEnd) {
-    {
-        // What a killed program leaves: a socket nobody listens on, and a lock of a process that is gone.
-        QLocalServer::removeServer(directory.filePath(QStringLiteral("vantrel.socket")));
-        QFile socket(directory.filePath(QStringLiteral("vantrel.socket")));
-        ASSERT_TRUE(socket.open(QIODevice::WriteOnly));
-        QFile lock(directory.filePath(QStringLiteral("vantrel.lock")));
-        ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
-        lock.write("4194304\nvantrel\n" + QSysInfo::machineHostName().toLocal8Bit() + "\n\n\n");
-    }
-    SingleInstance first(directory.path());
+TEST_F(SingleInstanceTests, takesOverAfterABadEnd) {
+    // What a killed program leaves: a socket nobody listens on, and a lock of a process that is gone.
+    write(directory.filePath(u"vantrel.socket"_s), "");
+    write(directory.filePath(u"vantrel.lock"_s),
+          "4194304\nvantrel\n" + QSysInfo::machineHostName().toLocal8Bit() + "\n\n\n");
+    SingleInstance first(directory.path(), QString());
     EXPECT_EQ(first.claim(), Role::first);
     EXPECT_EQ(startAgain(), Role::second);
 }
 
-TEST_F(SingleInstanceTest, StartsAnywayWhenItCannotFindOut) {
-    EXPECT_EQ(SingleInstance(QString()).claim(), Role::alone);
-    EXPECT_EQ(SingleInstance(QStringLiteral("/proc/vantrel")).claim(), Role::alone);
-    EXPECT_EQ(SingleInstance(directory.filePath(QStringLiteral("missing"))).claim(), Role::alone);
+TEST_F(SingleInstanceTests, startsAnywayWhenItCannotFindOut) {
+    for (const QString &nowhere : {QString(), u"/proc/vantrel"_s, directory.filePath(u"missing"_s)})
+        EXPECT_EQ(SingleInstance(nowhere).claim(), Role::alone);
 
-    SingleInstance first(directory.path());
+    SingleInstance first(directory.path(), QString());
     ASSERT_EQ(first.claim(), Role::first);
     // Its event loop stands still: it hears nothing. The second does not wait for ever.
-    EXPECT_EQ(SingleInstance(directory.path()).claim({}, 200), Role::alone);
+    EXPECT_EQ(SingleInstance(directory.path(), QString()).claim({}, 200), Role::alone);
 }
 
-TEST_F(SingleInstanceTest, IgnoresStrangersOnItsSocket) {
-    SingleInstance first(directory.path());
+TEST_F(SingleInstanceTests, ignoresStrangersOnItsSocket) {
+    SingleInstance first(directory.path(), QString());
     ASSERT_EQ(first.claim(), Role::first);
     QSignalSpy raised(&first, &SingleInstance::raiseRequested);
     for (const QByteArray &said : {QByteArray("hello\n"), QByteArray(100'000, 'x'), QByteArray("raise")}) {
         QLocalSocket stranger;
-        stranger.connectToServer(directory.filePath(QStringLiteral("vantrel.socket")));
+        stranger.connectToServer(directory.filePath(u"vantrel.socket"_s));
         ASSERT_TRUE(stranger.waitForConnected());
         stranger.write(said);
         if (said == "raise") // and goes before the line ends

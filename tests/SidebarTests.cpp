@@ -4,7 +4,6 @@
 
 #include "ADB/ADBError.h"
 #include "Kit/IconButton.h"
-#include "Kit/ProgressBar.h"
 #include "Kit/Spinner.h"
 #include "Kit/TextLabel.h"
 #include "Views/SidebarView.h"
@@ -21,7 +20,7 @@ protected:
         const auto *label = child<TextLabel>(name);
         return label->isVisible() ? label->text() : u"(hidden)"_s;
     }
-    [[nodiscard]] ProgressBar *storage() const { return child<ProgressBar>("sidebar.storage"); }
+    [[nodiscard]] QProgressBar *storage() const { return child<QProgressBar>("sidebar.storage"); }
 };
 
 TEST_F(SidebarTests, showsWhatIsKnownOfThePhone) {
@@ -52,7 +51,7 @@ TEST_F(SidebarTests, showsWhatIsKnownOfThePhone) {
         EXPECT_EQ(text("sidebar.device.model"), isThere ? u"Demo Phone"_s : u"(hidden)"_s);
         EXPECT_EQ(text("sidebar.device.message"),
                   isThere ? u"(hidden)"_s : ADBError::noDevice().errorDescription());
-        EXPECT_EQ(storage()->value(), c.percent);
+        EXPECT_EQ(storage()->value() * 100 / storage()->maximum(), c.percent);
         EXPECT_NEAR(pixelsOf(AppTheme::accent(), storage()->grab().toImage(), 3),
                     storage()->width() * c.percent / 100, 3);
         const QColor dot = isThere ? AppTheme::success() : AppTheme::danger();

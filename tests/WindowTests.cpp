@@ -1,5 +1,6 @@
 // The main window and how it divides its room, on a demo phone.
 
+#include "support/Files.h"
 #include "support/WindowFixture.h"
 
 #include "ADB/ADBClient.h"
@@ -13,39 +14,22 @@
 #include "Views/QueueListView.h"
 #include "Views/TransferQueueView.h"
 
-#include <QDialog>
-#include <QScrollBar>
-#include <QSettings>
-#include <QSignalSpy>
+#include <QtWidgets>
 
 namespace vantrel {
 namespace {
 
 using namespace Qt::StringLiterals;
 
-// -- The browser above the queue
+using BrowserColumnTests = WindowFixture;
 
-class BrowserColumnTests : public WindowFixture {
-protected:
-    void showColumn() {
-        browser = new QWidget;
-        queue = new TransferQueueView(state.get());
-        show(new BrowserColumn(browser, queue), {840, 640});
-    }
-
-    QWidget *browser = nullptr;
-    TransferQueueView *queue = nullptr;
-};
-
-TEST_F(BrowserColumnTests, anEmptyQueueTakesItsLeastHeight) {
-    showColumn();
+TEST_F(BrowserColumnTests, thePanelGrowsUntilThePanesHaveTheirLeastHeight) {
+    auto *browser = new QWidget;
+    auto *queue = new TransferQueueView(state.get());
+    show(new BrowserColumn(browser, queue), {840, 640});
     EXPECT_EQ(queue->geometry().bottom(), 640 - 8 - 1);
     EXPECT_EQ(queue->x(), 12);
     EXPECT_EQ(browser->geometry(), QRect(12, 12, 840 - 24, queue->y() - 24));
-}
-
-TEST_F(BrowserColumnTests, thePanelGrowsUntilThePanesHaveTheirLeastHeight) {
-    showColumn();
     const auto *list = child<QueueListView>("queue.list");
     const int roomForRows = 640 - 24 - 8 - BrowserColumn::browserMinimumHeight - 24 - 8;
     int previous = queue->height();
@@ -62,8 +46,6 @@ TEST_F(BrowserColumnTests, thePanelGrowsUntilThePanesHaveTheirLeastHeight) {
     EXPECT_EQ(browser->height(), BrowserColumn::browserMinimumHeight);
     EXPECT_EQ(view->size(), QSize(840, 640));
 }
-
-// -- The window
 
 class MainWindowTests : public WindowFixture {
 protected:
@@ -142,20 +124,10 @@ TEST_F(MainWindowTests, isThereBeforeItIsFurnishedAndLooksForThePhoneLast) {
 }
 
 TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {
-    struct Case {
-        QVariant stored;
-        bool dark;
-    };
-    for (const auto &[stored, dark] :
-         {Case{{}, false}, Case{u"dark"_s, true}, Case{u"light"_s, false}, Case{u"Dark"_s, false},
-          Case{u"solarized"_s, false}, Case{42, false}}) {
-        SCOPED_TRACE(stored.toString().toStdString());
-        {
-            QSettings store(settingsPath(), QSettings::IniFormat);
-            store.clear();
-            if (stored.isValid())
-                store.setValue(u"appearancePreference"_s, stored);
-        }
+    for (const QByteArray &stored : QByteArrayList{"", "dark", "light", "Dark", "solarized", "42"}) {
+        SCOPED_TRACE(stored.toStdString());
+        const bool dark = stored == "dark";
+        write(settingsPath(), "appearancePreference=" + stored);
         showWindow();
         const auto *button = child<ToolbarButton>("toolbar.appearance");
         const auto shows = [button](bool isDark) {
@@ -167,28 +139,28 @@ TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {
         };
         shows(dark);
         QTest::mouseClick(child<ToolbarButton>("toolbar.appearance"), Qt::LeftButton);
+        QCoreApplication::processEvents(); // the toolkit tells the widgets in its next pass
         shows(!dark);
         ASSERT_TRUE(settings->save());
-        const QSettings store(settingsPath(), QSettings::IniFormat);
-        EXPECT_EQ(store.value(u"appearancePreference"_s).toString(), dark ? u"light"_s : u"dark"_s);
+        EXPECT_TRUE(contents(settingsPath()).contains(dark ? "=light\n" : "=dark\n"));
         view.reset();
     }
 }
 
 TEST_F(MainWindowTests, aNewSchemeRecoloursEveryGround) {
     MainWindow *window = showWindow();
-    const auto colorAt = [&](const char *name, QPoint at) {
-        auto *area = child<QWidget>(name);
-        return QColor(window->grab().toImage().pixelColor(area->mapTo(window, at))).rgba();
-    };
     for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {
         window->setAppearancePreference(scheme);
         QCoreApplication::processEvents();
-        EXPECT_EQ(colorAt("sidebar", {4, 400}), AppTheme::sidebar().resolved(scheme).rgba());
-        EXPECT_EQ(colorAt("statusBar", {600, 4}), AppTheme::sidebar().resolved(scheme).rgba());
-        EXPECT_EQ(colorAt("queue", {300, 4}), AppTheme::canvas().resolved(scheme).rgba());
-        EXPECT_EQ(colorAt("titleBar", {500, 10}), AppTheme::titleBar().resolved(scheme).rgba());
-        EXPECT_EQ(colorAt("sidebar.device", {100, 6}), AppTheme::surface().resolved(scheme).rgba());
+        const QImage image = window->grab().toImage();
+        for (const auto &[name, at, color] : {std::tuple("sidebar", QPoint(4, 400), AppTheme::sidebar()),
+                                              {"statusBar", {600, 4}, AppTheme::sidebar()},
+                                              {"queue", {300, 4}, AppTheme::canvas()},
+                                              {"titleBar", {500, 10}, AppTheme::titleBar()},
+                                              {"sidebar.device", {100, 6}, AppTheme::surface()}})
+            EXPECT_EQ(image.pixelColor(child<QWidget>(name)->mapTo(window, at)).rgba(),
+                      color.resolved(scheme).rgba())
+                << name;
     }
 }
 
@@ -248,8 +220,10 @@ TEST_F(MainWindowTests, isDestroyedWhileEverythingIsUnderWay) {
     EXPECT_LT(clock.elapsed(), 3000);
 }
 
-TEST_F(MainWindowTests, noControlHasTheKeyboardUntilTabIsPressed) {
+TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesItAndNothingElseTakesTheKeyboard) {
+    phone.write(u"a"_s, "x");
     MainWindow *window = showWindow();
+    ASSERT_TRUE(waitFor([&] { return !window->state().androidItems().isEmpty(); }));
     ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
     settle();
     EXPECT_EQ(QApplication::focusWidget(), nullptr);
@@ -266,13 +240,7 @@ TEST_F(MainWindowTests, noControlHasTheKeyboardUntilTabIsPressed) {
     ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
     settle();
     EXPECT_EQ(QApplication::focusWidget(), first);
-}
 
-TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesIt) {
-    phone.write(u"a"_s, "x");
-    MainWindow *window = showWindow();
-    ASSERT_TRUE(waitFor([&] { return !window->state().androidItems().isEmpty(); }));
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
     QSet<QWidget *> reached;
     for (int i = 0; i < 200; ++i) {
         QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : window, Qt::Key_Tab);
@@ -289,8 +257,6 @@ TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesIt) {
         }
     }
 }
-
-// -- What the toolkit draws
 
 TEST(AppStyleTests, toolTipsComeAfterAQuarterOfASecond) {
     const AppStyle style(Settings::toolTipDelay);

@@ -1,11 +1,11 @@
 # One executable per room of src/, from the ground up; then what crosses all of them.
 vantrel_test(RecordsTests LIBRARIES vantrel_records SOURCES RecordsTests.cpp)
-vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics
-             SOURCES AnalyticsTests.cpp AnalyticsNetworkTests.cpp support/LocalHttpServer.cpp)
+vantrel_test(NetworkTests LIBRARIES vantrel_network SOURCES NetworkTests.cpp support/LocalHttpServer.cpp)
+vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.cpp support/LocalHttpServer.cpp)
 vantrel_test(ADBTests LIBRARIES vantrel_adb demo_phone_fixture SOURCES ADBTextTests.cpp ADBClientTests.cpp)
 vantrel_test(MacFilesTests LIBRARIES vantrel_macfiles SOURCES MacFilesTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_kit SOURCES KitTests.cpp)
-vantrel_test(StateTests LIBRARIES vantrel_state demo_phone_fixture 
+vantrel_test(StateTests LIBRARIES vantrel_state demo_phone_fixture
              SOURCES AppStateTests.cpp PaneStateTests.cpp TransferTests.cpp CopyTests.cpp)
 vantrel_gui_test(ViewsTests LIBRARIES vantrel_views demo_phone_fixture
                  SOURCES FileRowTests.cpp PaneTests.cpp QueueTests.cpp SidebarTests.cpp)
@@ -20,6 +20,7 @@ vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.
 vantrel_gui_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)
 if(NOT APPLE)
     vantrel_gui_test(DesktopTests LIBRARIES vantrel_app_window demo_phone_fixture SOURCES DesktopTests.cpp)
+    vantrel_wayland_test(WaylandTests 1024x600 1366x768 1920x1080)
     vantrel_test(FaultMatrixTests LIBRARIES vantrel_state demo_phone_fixture SOURCES FaultMatrixTests.cpp)
     vantrel_test(HostilePhoneTests LIBRARIES vantrel_state demo_phone_fixture SOURCES HostilePhoneTests.cpp)
     add_executable(copyProgram support/copyProgram.cpp)
@@ -30,6 +31,9 @@ if(NOT APPLE)
     add_dependencies(KillTests copyProgram)
     target_compile_definitions(KillTests PRIVATE VANTREL_COPY_PROGRAM="$<TARGET_FILE:copyProgram>")
     vantrel_test(SoakTests LIBRARIES vantrel_state demo_phone_fixture SOURCES SoakTests.cpp)
+    vantrel_test(ProgramTests LIBRARIES Qt6::Core SOURCES ProgramTests.cpp)
+    add_dependencies(ProgramTests vantrel)
+    target_compile_definitions(ProgramTests PRIVATE VANTREL_PROGRAM="$<TARGET_FILE:vantrel>")
     vantrel_gui_test(InstallTests LIBRARIES Qt6::Gui SOURCES InstallTests.cpp)
     add_dependencies(InstallTests vantrel)
     target_compile_definitions(

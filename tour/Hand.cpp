@@ -73,25 +73,23 @@ FileItemsView *Hand::entries(const QString &pane) const {
 
 QRect Hand::entryRect(const QString &pane, const QString &name) const {
     FileItemsView *view = nullptr;
-    qsizetype index = -1;
+    QModelIndex index;
     // The view follows the model in a later pass of the event loop.
     const auto isShown = [&] {
         view = entries(pane);
-        const QList<FileItem> &items = view->contents().items;
-        const auto entry =
-            std::find_if(items.begin(), items.end(), [&](const FileItem &item) { return item.name == name; });
-        index = entry == items.end() ? -1 : entry - items.begin();
-        return index >= 0;
+        const QAbstractItemModel *model = view->model();
+        index = model->match(model->index(0, 0), Qt::DisplayRole, name, 1, Qt::MatchExactly).value(0);
+        return index.isValid();
     };
     if (!QTest::qWaitFor(isShown))
         throw TourError(pane + QStringLiteral(" does not show ") + name);
-    const auto isInView = [&] { return view->viewport()->rect().contains(view->entryRect(index)); };
+    const auto isInView = [&] { return view->viewport()->rect().contains(view->visualRect(index)); };
     if (!isInView()) {
         view->verticalScrollBar()->setValue(0);
         if (!isInView())
             scrollUntil(view->viewport(), name, isInView);
     }
-    return view->entryRect(index);
+    return view->visualRect(index);
 }
 
 void Hand::clickEntry(const QString &pane, const QString &name) const {

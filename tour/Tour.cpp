@@ -191,10 +191,10 @@ void Tour::filter() {
     const qsizetype all = state().androidItems().size();
     m_hand.type(QStringLiteral("searchField"), m_phone.word());
     m_hand.waitUntil(QStringLiteral("the filter"), [&] {
-        const qsizetype shown = m_hand.entries(android)->count();
+        const qsizetype shown = m_hand.entries(android)->model()->rowCount();
         return shown > 0 && shown < all;
     });
-    tell(QStringLiteral("filter"), QString::number(m_hand.entries(android)->count()) +
+    tell(QStringLiteral("filter"), QString::number(m_hand.entries(android)->model()->rowCount()) +
                                        QStringLiteral(" of ") + QString::number(all) +
                                        QStringLiteral(" entries"));
 }
@@ -230,7 +230,7 @@ void Tour::showGrid() {
                m_hand.entries(android)->objectName() == QStringLiteral("fileGrid") &&
                !state().isLoadingAndroid();
     });
-    m_hand.clickEntry(android, m_hand.entries(android)->contents().items.first().name);
+    m_hand.clickEntry(android, m_hand.entries(android)->model()->index(0, 0).data().toString());
     tell(QStringLiteral("grid"), state().androidSelectionSummary());
     for (const QString &pane : {android, mac})
         m_hand.click(QStringLiteral("listView"), pane);

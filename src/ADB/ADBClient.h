@@ -43,8 +43,8 @@ void stopRunningTools();
 
 /// The serials of the phones that are ready, in adb's order.
 [[nodiscard]] ADBResult<QStringList> listDeviceSerials();
-/// The first phone that is ready, with its model name and storage. Its bytes are 0 when only they cannot be
-/// read; a phone that answers neither question is an error.
+/// The first phone that is ready, with its model name and storage. Its total is -1 when only its bytes
+/// cannot be read; a phone that answers neither question is an error.
 [[nodiscard]] ADBResult<AndroidDevice> fetchPrimaryDevice();
 
 /// Bytes of a volume.
@@ -82,10 +82,6 @@ struct SearchMetadata {
 /// 40 paths, or fewer where they are long.
 [[nodiscard]] QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial,
                                                                  const QStringList &paths);
-/// Which of the paths exist on the phone, whatever characters their names hold. As many adb runs as
-/// fetchSearchMetadata; unlike that it fails when the phone does not answer for every path, since "not there"
-/// must not be guessed.
-[[nodiscard]] ADBResult<QSet<QString>> existingPaths(const QString &serial, const QStringList &paths);
 
 // -- Copies (ADBTransfer.cpp)
 

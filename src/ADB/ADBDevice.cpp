@@ -24,7 +24,7 @@ ADBResult<AndroidDevice> fetchPrimaryDevice() {
     if (!model && !bytes) // nothing that is asked of it is answered
         return tl::make_unexpected(bytes.error());
     const QString name = model.value_or(QString());
-    const auto [used, total] = bytes.value_or(StorageBytes());
+    const auto [used, total] = bytes.value_or(StorageBytes{0, -1});
     return AndroidDevice{serial, name.isEmpty() ? serial : name, true, used, total};
 }
 

@@ -33,8 +33,9 @@ public:
                              : 0);
     }
 
+    /// Only where the expected bytes are known.
     void reportBytes(qint64 bytes) {
-        if (m_expectedBytes > 0 && bytes > 0)
+        if (bytes > 0)
             report(static_cast<double>(bytes) / static_cast<double>(m_expectedBytes), bytes);
     }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ADB/ADBError.h"
-#include "Records/Enumerations.h"
 #include "Records/FileTree.h"
+#include "Records/QueueItem.h"
 
 #include <QHash>
 #include <QStringList>

@@ -80,7 +80,7 @@ Reason reason(const QString &standardError) {
 }
 
 std::optional<qint64> wholeNumber(QStringView text) {
-    // QStringView::toLongLong alone would also take "1,000" and surrounding blanks.
+    // QStringView::toLongLong alone would also take surrounding blanks and other signs.
     const QStringView digits = text.startsWith(u'-') || text.startsWith(u'+') ? text.mid(1) : text;
     if (digits.isEmpty())
         return std::nullopt;

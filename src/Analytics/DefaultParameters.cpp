@@ -3,7 +3,8 @@
 #include <QFile>
 #include <QLocale>
 #include <QSysInfo>
-#include <QVersionNumber>
+
+#include <algorithm>
 
 #ifdef Q_OS_MACOS
 #include <sys/sysctl.h>
@@ -41,17 +42,16 @@ QString modelName() {
 #endif
 }
 
-/// The operating system's name with the first `parts` numbers of its version, for example "debian 12.0".
-QString systemVersion(int parts) {
+/// The operating system's name with at most the first `parts` numbers of its version, for example "debian
+/// 12".
+QString systemVersion(qsizetype parts) {
     QString name = QSysInfo::productType();
-    QVersionNumber version = QVersionNumber::fromString(QSysInfo::productVersion());
-    if (version.isNull()) { // a distribution without versions
+    QStringList version = QSysInfo::productVersion().split(u'.');
+    if (!version.first().toInt()) { // a distribution without versions
         name = QSysInfo::kernelType();
-        version = QVersionNumber::fromString(QSysInfo::kernelVersion());
+        version = QSysInfo::kernelVersion().split(u'.');
     }
-    for (int part = 0; part < parts; ++part)
-        name += (part == 0 ? u' ' : u'.') + QString::number(version.segmentAt(part));
-    return name;
+    return name + u' ' + version.first(std::min(parts, version.size())).join(u'.');
 }
 
 void addApplication(SignalParameters &parameters, const ApplicationFacts &facts) {
@@ -75,16 +75,11 @@ void addApplication(SignalParameters &parameters, const ApplicationFacts &facts)
         {u"TelemetryDeck.Device.screenResolutionWidth"_s, decimal(facts.screenWidth)},
         {u"TelemetryDeck.Device.screenScaleFactor"_s, decimal(facts.screenScaleFactor)},
     });
-    if (facts.isReduceMotionEnabled)
-        parameters[u"TelemetryDeck.Accessibility.isReduceMotionEnabled"_s] =
-            boolean(*facts.isReduceMotionEnabled);
-    if (facts.isInvertColorsEnabled)
-        parameters[u"TelemetryDeck.Accessibility.isInvertColorsEnabled"_s] =
-            boolean(*facts.isInvertColorsEnabled);
 }
 
 /// One platform and one architecture whatever the computer: the service knows the product as a single build.
-/// RunContext.extensionIdentifier is absent, because the program is never an extension of another.
+/// What a system has no such thing as is left out: a store, a test flight and an orientation off the Mac, and
+/// extensions everywhere.
 void addDeviceAndRunContext(SignalParameters &parameters) {
     struct Value {
         QString family;
@@ -96,15 +91,17 @@ void addDeviceAndRunContext(SignalParameters &parameters) {
         {u"Device."_s, u"architecture"_s, u"architecture"_s, u"arm64"_s},
         {u"Device."_s, u"modelName"_s, u"modelName"_s, modelName()},
         {u"Device."_s, u"operatingSystem"_s, u"operatingSystem"_s, u"macOS"_s},
+#ifdef Q_OS_MACOS
         {u"Device."_s, u"orientation"_s, {}, u"Fixed"_s},
+        {u"RunContext."_s, u"isAppStore"_s, u"isAppStore"_s, u"true"_s}, // the negation of isTestFlight
+        {u"RunContext."_s, u"isTestFlight"_s, u"isTestFlight"_s, u"false"_s},
+#endif
         {u"Device."_s, u"platform"_s, u"platform"_s, u"macOS"_s},
         {u"Device."_s, u"systemMajorMinorVersion"_s, u"majorMinorSystemVersion"_s, systemVersion(2)},
         {u"Device."_s, u"systemMajorVersion"_s, u"majorSystemVersion"_s, systemVersion(1)},
         {u"Device."_s, u"systemVersion"_s, u"systemVersion"_s, systemVersion(3)},
-        {u"RunContext."_s, u"isAppStore"_s, u"isAppStore"_s, u"true"_s}, // the negation of isTestFlight
         {u"RunContext."_s, u"isDebug"_s, u"isDebug"_s, u"false"_s},
         {u"RunContext."_s, u"isSimulator"_s, u"isSimulator"_s, u"false"_s},
-        {u"RunContext."_s, u"isTestFlight"_s, u"isTestFlight"_s, u"false"_s},
         {u"RunContext."_s, u"targetEnvironment"_s, u"targetEnvironment"_s, u"native"_s},
     };
     for (const auto &[family, name, shortName, value] : values) {
@@ -121,7 +118,7 @@ void addLocale(SignalParameters &parameters, const QDateTime &local) {
     const QString preferred = QLocale::system().uiLanguages().value(0, language);
     const int offset = local.offsetFromUtc() / 60; // minutes
     // The offset and not the zone's name, which tells more about the user.
-    const QString timeZone = u"UTC%1%2:%3"_s.arg(offset < 0 ? u'-' : u'+')
+    const QString timeZone = u"UTC%1%2:%3"_s.arg(QLatin1Char(offset < 0 ? '-' : '+'))
                                  .arg(std::abs(offset) / 60, 2, 10, QLatin1Char('0'))
                                  .arg(std::abs(offset) % 60, 2, 10, QLatin1Char('0'));
     parameters.insert({
@@ -132,9 +129,11 @@ void addLocale(SignalParameters &parameters, const QDateTime &local) {
         {u"locale"_s, locale.name()},
         {u"TelemetryDeck.UserPreference.language"_s, preferred},
         {u"preferredLanguage"_s, preferred},
-        {u"TelemetryDeck.UserPreference.region"_s, region},
-        {u"region"_s, region},
     });
+    if (!region.isEmpty()) { // the language "C" is spoken nowhere
+        parameters[u"TelemetryDeck.UserPreference.region"_s] = region;
+        parameters[u"region"_s] = region;
+    }
 }
 
 void addCalendar(SignalParameters &parameters, const QDateTime &local) {

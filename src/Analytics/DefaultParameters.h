@@ -5,8 +5,6 @@
 #include <QDateTime>
 #include <QStringList>
 
-#include <optional>
-
 namespace vantrel {
 
 /// What the application tells about itself and its screen; this library sees neither.
@@ -20,9 +18,6 @@ struct ApplicationFacts {
     double screenScaleFactor = 1;
     ColorScheme colorScheme = ColorScheme::Light;
     Qt::LayoutDirection layoutDirection = Qt::LeftToRight;
-    std::optional<bool>
-        isReduceMotionEnabled; ///< unset: the desktop does not tell, and the signal says nothing
-    std::optional<bool> isInvertColorsEnabled; ///< likewise
 };
 
 /// The parameters that every signal carries, but for those of the session statistics. `now` is in UTC. Main

@@ -1,56 +1,39 @@
 #pragma once
 
-#include "Analytics/SerialQueue.h"
-#include "Analytics/SignalPostBody.h"
 #include "Analytics/TelemetryManagerConfiguration.h"
 
 #include <QList>
-#include <QUrl>
 
-#include <deque>
-#include <functional>
 #include <memory>
 
 namespace vantrel {
 
 /// The signals that wait to be sent, oldest first; when there are more than the configuration's `cacheLimit`,
-/// the oldest are given up. They survive the end of the program in a file. The list and the file are touched
-/// only on the cache's own queue; every function may be called on any other thread.
+/// the oldest are given up. They survive the end of the program in a file. One thread; the file blocks.
 class SignalCache {
 public:
     static constexpr qsizetype maximumNumberOfSignalsToPopAtOnce = 100;
 
-    /// Without a `cacheFileURL` the file is "telemetrysignalcache" in `cachesDirectory`; with neither there
-    /// is none.
-    SignalCache(std::shared_ptr<SharedConfiguration> configuration, std::optional<QUrl> cacheFileURL,
-                const QString &cachesDirectory);
+    /// The file is "telemetrysignalcache" in `directory`; with an empty one there is none.
+    SignalCache(std::shared_ptr<const TelemetryManagerConfiguration> configuration, const QString &directory);
+    /// Where that file is.
+    [[nodiscard]] static QString filePath(const QString &directory);
 
-    /// Appends the signals and returns at once.
-    void push(QList<SignalPostBody> batch);
+    [[nodiscard]] qsizetype size() const { return m_signals.size(); }
+    void push(const QList<SignalPostBody> &batch);
+    /// Removes and returns the oldest signals.
+    [[nodiscard]] QList<SignalPostBody> pop();
 
-    struct Popped {
-        QList<SignalPostBody> batch;
-        qsizetype remaining = 0;
-    };
-    /// Removes and returns the oldest signals. Waits for the queue.
-    [[nodiscard]] Popped pop();
-
-    /// Takes over the signals that earlier runs left in the file, which is deleted. Returns at once.
+    /// Takes over the signals that earlier runs left in the file, which is deleted.
     void load();
-    /// Writes all signals to the file and calls `done`, on the queue. Returns at once. Signals that another
-    /// running copy of the program has left there stay in it.
-    void save(std::function<void()> done);
+    /// Writes all signals to the file. Signals that another running copy of the program has left there stay
+    /// in it.
+    void save();
 
 private:
-    void trim();
-    [[nodiscard]] QString path() const { return m_cacheFileURL->toLocalFile(); }
-    void readFile();
-    void writeFile();
-
-    const std::shared_ptr<SharedConfiguration> m_configuration;
+    const std::shared_ptr<const TelemetryManagerConfiguration> m_configuration;
     std::optional<QUrl> m_cacheFileURL;
-    std::deque<SignalPostBody> m_signals;
-    SerialQueue m_queue; // last: its work uses the rest
+    QList<SignalPostBody> m_signals;
 };
 
 } // namespace vantrel

@@ -5,7 +5,6 @@
 #include <QJsonObject>
 #include <QLocale>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -23,40 +22,14 @@ void append(QByteArray &json, QByteArrayView key, const QByteArray &value) {
 }
 
 QByteArray quoted(const QString &text) {
-    const auto needsEscape = [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';
-    };
-    const QByteArray utf8 = text.toUtf8();
-    QByteArray result = "\"";
-    const char *const end = utf8.data() + utf8.size();
-    for (const char *begin = utf8.data(); begin != end;) {
-        const char *special = std::find_if(begin, end, needsEscape);
-        result.append(begin, special - begin);
-        begin = special;
-        if (special == end)
-            continue;
-        result.append('\\');
-        if (*special < 0x20)
-            result.append("u00").append(QByteArray::number(*special, 16).rightJustified(2, '0'));
-        else
-            result.append(*special);
-        ++begin;
-    }
-    return result.append('"');
-}
-
-QByteArray number(double value) {
-    return QByteArray::number(value, 'g', QLocale::FloatingPointShortest);
+    return QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact).chopped(1).sliced(1);
 }
 
 QByteArray object(const SignalParameters &parameters) {
-    QByteArray json = "{";
-    for (auto it = parameters.cbegin(); it != parameters.cend(); ++it) {
-        if (it != parameters.cbegin())
-            json += ',';
-        json.append(quoted(it.key())).append(':').append(quoted(it.value()));
-    }
-    return json + '}';
+    QJsonObject json;
+    for (auto it = parameters.cbegin(); it != parameters.cend(); ++it)
+        json.insert(it.key(), it.value());
+    return QJsonDocument(json).toJson(QJsonDocument::Compact);
 }
 
 QByteArray date(const QDateTime &moment, DateForm form) {
@@ -75,7 +48,7 @@ QByteArray encode(const SignalPostBody &body, DateForm form) {
     append(json, "sessionID", quoted(body.sessionID));
     append(json, "type", quoted(body.type));
     if (body.floatValue)
-        append(json, "floatValue", number(*body.floatValue));
+        append(json, "floatValue", QByteArray::number(*body.floatValue, 'g', QLocale::FloatingPointShortest));
     append(json, "payload", object(body.payload));
     append(json, "isTestMode", quoted(body.isTestMode));
     return json + '}';

@@ -47,134 +47,91 @@ std::optional<QUrl> serviceURL(const TelemetryManagerConfiguration &configuratio
     return url.isValid() && isHttp && !url.host().isEmpty() ? std::optional(url) : std::nullopt;
 }
 
-SignalManager::SignalManager(std::shared_ptr<SharedConfiguration> configuration,
-                             const TelemetryEnvironment &environment)
-    : m_configuration(std::move(configuration)), m_clock(environment.clock),
-      m_requestTimeout(environment.requestTimeout),
-      m_signalCache(m_configuration, environment.cacheFileURL, environment.cachesDirectory),
-      m_timerQueue(std::make_shared<SerialQueue>(QStringLiteral("com.telemetrydeck.SignalTimer"))),
-      m_urlSession(m_configuration->current()->urlSession) {
-    if (!m_urlSession)
-        m_urlSession = networkHttpClient();
+SignalManager::SignalManager(std::shared_ptr<const TelemetryManagerConfiguration> configuration,
+                             const QString &cachesDirectory)
+    : m_configuration(std::move(configuration)), m_signalCache(m_configuration, cachesDirectory) {
+    m_sendTimerSource.setSingleShot(true);
+    m_sendTimerSource.setTimerType(Qt::PreciseTimer);
+    connect(&m_sendTimerSource, &QTimer::timeout, this, &SignalManager::attemptSend);
     m_signalCache.load();
-    m_timerQueue->async([this] {
-        attemptSend();
-        m_consecutiveFailures = 0;
-        scheduleNextTransmission();
-    });
+    attemptSend();
+    m_consecutiveFailures = 0;
+    scheduleNextTransmission();
 }
 
-SignalManager::~SignalManager() {
-    m_timerQueue->sync([this] {
-        m_alive.reset();
-        m_sendTimerSource.reset();
-    });
-}
-
-void SignalManager::stopAndSave(std::function<void()> done) {
-    m_timerQueue->async([this, done = std::move(done)] {
-        m_alive.reset();
-        m_sendTimerSource.reset();
-        for (const auto &batch : std::as_const(m_inFlight))
-            m_signalCache.push(batch);
-        m_inFlight.clear();
-        m_signalCache.save(done);
-    });
-}
-
-int SignalManager::consecutiveFailures() {
-    int count = 0;
-    m_timerQueue->sync([this, &count] { count = m_consecutiveFailures; });
-    return count;
-}
-
-int SignalManager::sendCompletions() {
-    int count = 0;
-    m_timerQueue->sync([this, &count] { count = m_sendCompletions; });
-    return count;
+void SignalManager::save() {
+    m_sendTimerSource.stop();
+    for (const auto &batch : std::exchange(m_inFlight, {}))
+        m_signalCache.push(batch);
+    m_signalCache.save();
 }
 
 void SignalManager::scheduleNextTransmission() {
-    const auto configuration = m_configuration->current();
-    const double delay = std::min(configuration->transmitInterval * std::exp2(m_consecutiveFailures),
-                                  configuration->maxBackoffInterval);
-    m_sendTimerSource.reset();
-    m_sendTimerSource = m_clock->startTimer(
-        std::chrono::milliseconds(qRound64(std::max(0.0, delay) * 1000.0)), [this] { attemptSend(); });
+    const double delay = std::min(m_configuration->transmitInterval * std::exp2(m_consecutiveFailures),
+                                  m_configuration->maxBackoffInterval);
+    m_sendTimerSource.start(std::chrono::milliseconds(qRound64(std::max(0.0, delay) * 1000.0)));
 }
 
 void SignalManager::attemptSend() {
-    const auto configuration = m_configuration->current();
-    const auto [batch, remaining] =
-        configuration->previewMode.value_or(false) ? SignalCache::Popped() : m_signalCache.pop();
-    configuration->log(LogLevel::Debug, QStringLiteral("Current signal cache count: ") +
-                                            QString::number(batch.size() + remaining));
-    const int attempt = ++m_lastAttempt;
-    m_inFlight.insert(attempt, batch);
-    // Every outcome takes the way over the queue, so that it is booked after the caller has scheduled.
-    const auto completion = [this, attempt, queue = m_timerQueue,
-                             alive = std::weak_ptr(m_alive)](const Result &result) {
-        queue->async([this, attempt, alive, result] {
-            if (!alive.expired())
-                complete(attempt, result);
-        });
-    };
-    if (batch.isEmpty())
-        return completion(HttpResponse{200, {}});
-
-    configuration->log(LogLevel::Info, QStringLiteral("Sending ") + QString::number(batch.size()) +
-                                           QStringLiteral(" signals leaving a cache of ") +
-                                           QString::number(remaining) + QStringLiteral(" signals"));
-    const auto json = encodeSignals(batch, DateForm::Network);
-    if (!json)
-        return completion(tl::unexpected(json.error().description()));
-    if (configuration->logs(LogLevel::Debug))
-        configuration->log(LogLevel::Debug, QString::fromUtf8(*json));
-    const auto url = serviceURL(*configuration);
-    if (!url) {
-        configuration->log(LogLevel::Error,
-                           QStringLiteral("Unable to construct signal API URL for namespace ") +
-                               configuration->nameSpace.value_or(QStringLiteral("nil")));
-        return completion(tl::unexpected(TelemetryError::invalidEndpointUrl().description()));
-    }
-    m_urlSession->post({*url, *json, m_requestTimeout}, completion);
-}
-
-void SignalManager::complete(int attempt, const Result &result) {
-    const auto configuration = m_configuration->current();
-    const QList<SignalPostBody> batch = m_inFlight.take(attempt);
+    const auto log = [this](LogLevel level, const QString &message) { m_configuration->log(level, message); };
+    log(LogLevel::Debug, QStringLiteral("Current signal cache count: %1").arg(m_signalCache.size()));
+    const QList<SignalPostBody> batch = m_signalCache.pop();
     if (batch.isEmpty())
         return finishSuccess();
+    log(LogLevel::Info, QStringLiteral("Sending %1 signals leaving a cache of %2 signals")
+                            .arg(batch.size())
+                            .arg(m_signalCache.size()));
+    const auto fail = [&](const TelemetryError &error) {
+        log(LogLevel::Error, error.description);
+        finishFailure(batch);
+    };
+    const auto json = encodeSignals(batch, DateForm::Network);
+    if (!json)
+        return fail(json.error());
+    if (m_configuration->logs(LogLevel::Debug))
+        log(LogLevel::Debug, QString::fromUtf8(*json));
+    const auto url = serviceURL(*m_configuration);
+    if (!url) {
+        log(LogLevel::Error, QStringLiteral("Unable to construct signal API URL for namespace ") +
+                                 m_configuration->nameSpace.value_or(QStringLiteral("nil")));
+        return fail(TelemetryError::invalidEndpointUrl());
+    }
+    const int attempt = ++m_lastAttempt;
+    m_inFlight.insert(attempt, batch);
+    m_configuration->urlSession({.url = *url, .json = *json}, this, [this, attempt](const Result &result) {
+        complete(m_inFlight.take(attempt), result);
+    });
+}
+
+void SignalManager::complete(const QList<SignalPostBody> &batch, const Result &result) {
+    const auto log = [this](LogLevel level, const QString &message) { m_configuration->log(level, message); };
     if (!result) {
-        configuration->log(LogLevel::Error, result.error());
+        log(LogLevel::Error, result.error().text);
         return finishFailure(batch);
     }
-    const int status = result->status.value_or(0);
+    const int status = result->status;
     if (status >= 200 && status <= 299) {
-        configuration->log(LogLevel::Debug, QString::fromUtf8(result->body));
+        log(LogLevel::Debug, QString::fromUtf8(result->body));
         return finishSuccess();
     }
     if (const char *reason = rejectionReason(status)) {
-        configuration->log(LogLevel::Error, QStringLiteral("Dropping ") + QString::number(batch.size()) +
-                                                QStringLiteral(" signal(s): rejected by server ") +
-                                                QLatin1String(reason));
+        log(LogLevel::Error, QStringLiteral("Dropping %1 signal(s): rejected by server %2")
+                                 .arg(batch.size())
+                                 .arg(QLatin1String(reason)));
         return finishSuccess();
     }
-    configuration->log(LogLevel::Debug, QStringLiteral("Failed to send events (status ") +
-                                            QString::number(status) +
-                                            QStringLiteral("), will try again later"));
+    log(LogLevel::Debug,
+        QStringLiteral("Failed to send events (status %1), will try again later").arg(status));
     finishFailure(batch);
 }
 
 void SignalManager::finishSuccess() {
     m_consecutiveFailures = 0;
-    ++m_sendCompletions;
     scheduleNextTransmission();
 }
 
 void SignalManager::finishFailure(const QList<SignalPostBody> &batch) {
     m_signalCache.push(batch);
-    ++m_sendCompletions;
     ++m_consecutiveFailures;
     scheduleNextTransmission();
 }

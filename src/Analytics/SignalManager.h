@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Analytics/Clock.h"
-#include "Analytics/SerialQueue.h"
 #include "Analytics/SignalCache.h"
-#include "Analytics/TelemetryEnvironment.h"
-#include "Analytics/TelemetryManagerConfiguration.h"
 
 #include <QMap>
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
 
 namespace vantrel {
 
@@ -15,51 +15,40 @@ namespace vantrel {
 
 /// Sends what is in the cache, a batch at a time, for as long as it exists: every `transmitInterval`, and
 /// twice as late after every failure in a row up to `maxBackoffInterval`. The cache file is read at the
-/// beginning.
-class SignalManager {
+/// beginning. Lives on one thread with an event loop.
+class SignalManager : public QObject {
 public:
-    SignalManager(std::shared_ptr<SharedConfiguration> configuration,
-                  const TelemetryEnvironment &environment);
-    ~SignalManager();
-    Q_DISABLE_COPY_MOVE(SignalManager)
+    /// The cache file is in `cachesDirectory`.
+    SignalManager(std::shared_ptr<const TelemetryManagerConfiguration> configuration,
+                  const QString &cachesDirectory);
 
-    /// Puts a signal into the cache. Any thread; returns at once.
+    /// Puts a signal into the cache.
     void push(const SignalPostBody &body) { m_signalCache.push({body}); }
+    /// Writes every signal that has not been answered to the cache file, those under way included. The last
+    /// thing to do with a manager.
+    void save();
 
-    /// Stops sending and writes every signal that has not been answered to the cache file, those under way
-    /// included; then calls `done`, on another thread. Returns at once. Once.
-    void stopAndSave(std::function<void()> done);
-
-    /// Failed attempts since the last success. Waits for the timer queue.
-    [[nodiscard]] int consecutiveFailures();
-    /// Finished attempts. Waits for the timer queue.
-    [[nodiscard]] int sendCompletions();
+    /// Failed attempts since the last success.
+    [[nodiscard]] int consecutiveFailures() const { return m_consecutiveFailures; }
+    /// The pending attempt.
+    [[nodiscard]] QTimer &sendTimerSource() { return m_sendTimerSource; }
 
 private:
-    using Result = tl::expected<HttpResponse, QString>;
+    using Result = tl::expected<HttpResponse, HttpError>;
 
     void scheduleNextTransmission();
     void attemptSend();
-    void complete(int attempt, const Result &result);
+    void complete(const QList<SignalPostBody> &batch, const Result &result);
     void finishSuccess();
     void finishFailure(const QList<SignalPostBody> &batch);
 
-    const std::shared_ptr<SharedConfiguration> m_configuration;
-    const std::shared_ptr<Clock> m_clock;
-    const std::chrono::milliseconds m_requestTimeout;
+    const std::shared_ptr<const TelemetryManagerConfiguration> m_configuration;
     SignalCache m_signalCache;
-
-    // From here on: the timer queue's alone.
-    std::unique_ptr<QObject> m_sendTimerSource; // the pending timer
+    QTimer m_sendTimerSource;
     int m_consecutiveFailures = 0;
-    int m_sendCompletions = 0;
     int m_lastAttempt = 0;
-    QMap<int, QList<SignalPostBody>>
-        m_inFlight; // by attempt: the first timer may fire before the first answer
-    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true); // gone: answers are ignored
-
-    const std::shared_ptr<SerialQueue> m_timerQueue; // shared with the completions, which may outlive this
-    std::shared_ptr<HttpClient> m_urlSession;
+    // By attempt: the first timer may fire before the first answer.
+    QMap<int, QList<SignalPostBody>> m_inFlight;
 };
 
 } // namespace vantrel

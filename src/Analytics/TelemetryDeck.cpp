@@ -1,16 +1,16 @@
 #include "Analytics/TelemetryDeck.h"
 
+#include "Analytics/SignalCache.h"
 #include "Analytics/TelemetryManager.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 namespace vantrel::TelemetryDeck {
 
 namespace {
 
 std::unique_ptr<TelemetryManager> shared;
-// Signals come from any thread, and none may find the manager half gone. Recursive: an enricher may send one.
-QReadWriteLock sharedLock(QReadWriteLock::Recursive);
 
 } // namespace
 
@@ -20,20 +20,18 @@ bool isDeclinedByEnvironment() {
 }
 
 bool initialize(TelemetryManagerConfiguration configuration, TelemetryEnvironment environment) {
-    if (shared || configuration.analyticsDisabled || isDeclinedByEnvironment())
+    const bool isWanted = !configuration.apiBaseURL.isEmpty() && !configuration.analyticsDisabled &&
+                          !configuration.previewMode.value_or(false) && !isDeclinedByEnvironment();
+    if (shared || !isWanted)
         return shared != nullptr;
-    {
-        const QWriteLocker locker(&sharedLock);
-        shared = std::make_unique<TelemetryManager>(std::move(configuration), std::move(environment));
-    }
-    QObject::connect(qApp, &QCoreApplication::aboutToQuit, shared.get(), &aboutToTerminate);
+    shared = std::make_unique<TelemetryManager>(std::move(configuration), std::move(environment));
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, shared.get(), &TelemetryManager::aboutToTerminate);
     qAddPostRoutine(shutDown);
     return true;
 }
 
 void signal(const QString &name, const SignalParameters &parameters, std::optional<double> floatValue,
             const std::optional<QString> &customUserID) {
-    const QReadLocker locker(&sharedLock);
     if (shared)
         shared->signal(name, parameters, floatValue, customUserID);
 }
@@ -48,16 +46,20 @@ void returnedToForeground() {
         shared->returnedToForeground();
 }
 
-void aboutToTerminate() {
-    if (shared)
-        shared->aboutToTerminate();
-}
-
 void shutDown() {
     qRemovePostRoutine(shutDown);
-    aboutToTerminate();
-    const QWriteLocker locker(&sharedLock);
     shared.reset();
+}
+
+void forget(const TelemetryManagerConfiguration &configuration, const TelemetryEnvironment &environment) {
+    if (shared)
+        shared->abandon();
+    shutDown();
+    const QString preferences =
+        preferencesPath(environment.preferencesDirectory, configuration.telemetryAppID);
+    const QString cache = SignalCache::filePath(environment.cachesDirectory);
+    for (const QString &path : QStringList{preferences, preferences + QStringLiteral(".damaged"), cache})
+        QFile::remove(path);
 }
 
 } // namespace vantrel::TelemetryDeck

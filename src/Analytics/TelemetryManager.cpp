@@ -1,11 +1,12 @@
 #include "Analytics/TelemetryManager.h"
 
-#include "Analytics/DefaultParameters.h"
+#include "Analytics/SessionManager.h"
 #include "Analytics/SignalJson.h"
+#include "Analytics/SignalManager.h"
 
 #include <QCryptographicHash>
+#include <QDir>
 #include <QSemaphore>
-#include <QThreadPool>
 
 #include <cmath>
 
@@ -18,8 +19,33 @@ using namespace std::chrono_literals;
 
 constexpr auto firstSessionDelay = 500ms;
 constexpr qint64 longAbsence = 300; // seconds
-// Closing the window may take 0.2 seconds longer than without analytics.
+// Closing the window may take 0.1 seconds longer than without analytics.
 constexpr auto terminationPatience = 100ms;
+
+/// What is known of a signal on the main thread.
+struct Recorded {
+    QDateTime receivedAt;
+    QUuid sessionID;
+    QString name;
+    SignalParameters base; ///< gives way to the session statistics
+    SignalParameters own;  ///< comes before them
+    std::optional<double> floatValue;
+    std::optional<QString> user;
+};
+
+Recorded gather(const TelemetryManagerConfiguration &configuration, const TelemetryEnvironment &environment,
+                const QString &name, const SignalParameters &parameters = {},
+                std::optional<double> floatValue = std::nullopt,
+                const std::optional<QString> &user = std::nullopt) {
+    const QDateTime now = environment.now().date;
+    Recorded recorded{now, configuration.sessionID, name, configuration.defaultParameters(), {}, floatValue,
+                      user};
+    recorded.base.insert(defaultSignalParameters(environment.applicationFacts(), now));
+    for (const SignalEnricher &enrich : configuration.metadataEnrichers)
+        recorded.own.insert(enrich(name, user, floatValue));
+    recorded.own.insert(parameters);
+    return recorded;
+}
 
 bool hasReservedPrefix(const QString &name) {
     return name.startsWith("telemetrydeck."_L1, Qt::CaseInsensitive);
@@ -53,170 +79,179 @@ void warnOfReservedNames(const TelemetryManagerConfiguration &configuration, con
 
 } // namespace
 
+/// Everything that waits for the disk or the network. Lives on a thread of its own, made there by start().
+class TelemetryWorker : public QObject {
+public:
+    TelemetryWorker(TelemetryManagerConfiguration configuration, const TelemetryEnvironment &environment)
+        : m_configuration(std::make_shared<const TelemetryManagerConfiguration>(std::move(configuration))),
+          m_environment(environment) {}
+
+    void start() {
+        m_preferences.emplace(
+            preferencesPath(m_environment.preferencesDirectory, m_configuration->telemetryAppID));
+        if (m_configuration->sessionStatsEnabled)
+            m_sessions.emplace(*m_preferences, m_environment.now);
+        m_signals.emplace(m_configuration, m_environment.cachesDirectory);
+    }
+
+    /// `started` is the signal of the new session.
+    void startSession(Recorded started) {
+        const auto firstDate = m_sessions ? m_sessions->startNewSession() : std::nullopt;
+        if (firstDate) {
+            Recorded install = started;
+            install.name = u"TelemetryDeck.Acquisition.newInstallDetected"_s;
+            install.own.insert(u"TelemetryDeck.Acquisition.firstSessionDate"_s, *firstDate);
+            record(install);
+        }
+        if (m_configuration->sendNewSessionBeganSignal)
+            record(started);
+    }
+
+    void record(const Recorded &recorded) {
+        const auto user = recorded.user ? recorded.user : userIdentifier();
+        if (!user)
+            return;
+        SignalParameters payload = recorded.base;
+        if (m_sessions)
+            payload.insert(m_sessions->retentionParameters());
+        payload.insert(recorded.own);
+        const SignalPostBody body{recorded.receivedAt,
+                                  m_configuration->telemetryAppID,
+                                  hashed(*user, m_configuration->salt),
+                                  recorded.sessionID.toString(QUuid::WithoutBraces).toUpper(),
+                                  recorded.name,
+                                  recorded.floatValue,
+                                  payload,
+                                  m_configuration->testMode.value_or(false) ? u"true"_s : u"false"_s};
+        if (m_configuration->logs(LogLevel::Debug))
+            m_configuration->log(
+                LogLevel::Debug,
+                u"Process signal: "_s +
+                    QString::fromUtf8(encodeSignals({body}, DateForm::Network).value_or(QByteArray())));
+        m_signals->push(body);
+    }
+
+    void updateSession() {
+        if (m_sessions)
+            m_sessions->updateSessionDuration();
+    }
+
+    void save() {
+        updateSession();
+        m_signals->save();
+    }
+
+private:
+    /// Nothing when it cannot be kept: every start would look like another user's first.
+    std::optional<QString> userIdentifier() {
+        if (m_configuration->defaultUser)
+            return m_configuration->defaultUser;
+        const QString key = u"defaultUserIdentifier"_s;
+        if (m_preferences->value(key).isEmpty())
+            m_preferences->setValue(key, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+        const QString problem = m_preferences->save();
+        if (!problem.isEmpty()) {
+            m_configuration->log(LogLevel::Error, problem);
+            return std::nullopt;
+        }
+        return m_preferences->value(key);
+    }
+
+    const std::shared_ptr<const TelemetryManagerConfiguration> m_configuration;
+    const TelemetryEnvironment m_environment;
+    std::optional<PreferencesFile> m_preferences;
+    std::optional<SessionManager> m_sessions; // none when statistics are off
+    std::optional<SignalManager> m_signals;
+};
+
 QString hashed(const QString &text, const QString &salt) {
     return QString::fromLatin1(
         QCryptographicHash::hash((text + salt).toUtf8(), QCryptographicHash::Sha256).toHex());
 }
 
-QString preferencesDomainName(const QString &telemetryAppID) {
-    return u"com.telemetrydeck."_s + hashed(telemetryAppID, {}).last(12);
+QString preferencesPath(const QString &directory, const QString &telemetryAppID) {
+    return QDir(directory).filePath(u"com.telemetrydeck."_s + hashed(telemetryAppID, {}).last(12) +
+                                    u".ini"_s);
 }
 
 TelemetryManager::TelemetryManager(TelemetryManagerConfiguration configuration,
                                    TelemetryEnvironment environment)
-    : m_shared(std::make_shared<SharedConfiguration>(std::move(configuration))),
-      m_environment(std::move(environment)), m_signalManager(m_shared, m_environment) {
-    if (!m_environment.preferences)
-        m_environment.preferences =
-            preferencesDomain(preferencesDomainName(m_shared->current()->telemetryAppID));
-    static_cast<void>(sessions()); // today is a day of use, however short
-    m_firstSession =
-        m_environment.clock->startTimer(firstSessionDelay, [this] { setSessionID(QUuid::createUuid()); });
+    : m_configuration(std::move(configuration)), m_environment(std::move(environment)),
+      m_worker(new TelemetryWorker(m_configuration, m_environment)) {
+    m_thread.setObjectName(u"vantrel.analytics"_s);
+    m_worker->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::started, m_worker, &TelemetryWorker::start);
+    connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+    m_thread.start(QThread::LowPriority);
+    QTimer::singleShot(firstSessionDelay, this, [this] { setSessionID(QUuid::createUuid()); });
 }
 
 TelemetryManager::~TelemetryManager() {
     aboutToTerminate();
+    abandon();
 }
 
 void TelemetryManager::signal(const QString &name, const SignalParameters &parameters,
                               std::optional<double> floatValue, const std::optional<QString> &customUserID) {
-    const auto configuration = m_shared->current();
-    if (!configuration->records())
-        return;
-    const QString prefixedName = configuration->defaultSignalPrefix.value_or(QString()) + name;
+    const QString prefixedName = m_configuration.defaultSignalPrefix.value_or(QString()) + name;
     SignalParameters prefixed;
     for (auto it = parameters.cbegin(); it != parameters.cend(); ++it)
-        prefixed.insert(configuration->defaultParameterPrefix.value_or(QString()) + it.key(), it.value());
-    if (configuration->reservedParameterWarningsEnabled)
-        warnOfReservedNames(*configuration, prefixedName, prefixed);
-    record(prefixedName, prefixed, floatValue, customUserID);
-}
-
-void TelemetryManager::record(const QString &name, const SignalParameters &parameters,
-                              std::optional<double> floatValue, const std::optional<QString> &customUserID) {
-    const auto configuration = m_shared->current();
-    if (!configuration->records())
-        return;
+        prefixed.insert(m_configuration.defaultParameterPrefix.value_or(QString()) + it.key(), it.value());
+    if (m_configuration.reservedParameterWarningsEnabled)
+        warnOfReservedNames(m_configuration, prefixedName, prefixed);
     if (floatValue && !std::isfinite(*floatValue))
-        floatValue
-            .reset(); // JSON has no form for it, and one such signal would hold up its whole batch for good
-    {
-        const QMutexLocker locker(&m_recordedLock);
-        if (m_isTerminating)
-            return;
-        m_recorded.append({m_environment.clock->now(), configuration->sessionID, name, parameters, floatValue,
-                           customUserID});
-    }
-    // The parameters ask the application, which may only be asked on the main thread.
-    if (QThread::currentThread() == thread())
-        processRecorded();
-    else
-        QMetaObject::invokeMethod(
-            this, [this] { processRecorded(); }, Qt::QueuedConnection);
-}
-
-void TelemetryManager::processRecorded() {
-    const QList<Recorded> recorded = [this] {
-        const QMutexLocker locker(&m_recordedLock);
-        return std::exchange(m_recorded, {});
-    }();
-    for (const Recorded &entry : recorded)
-        m_signalManager.push(process(entry));
-}
-
-SignalPostBody TelemetryManager::process(const Recorded &recorded) {
-    const auto configuration = m_shared->current();
-    SignalParameters payload =
-        configuration->defaultParameters ? configuration->defaultParameters() : SignalParameters();
-    payload.insert(defaultSignalParameters(m_environment.applicationFacts(), m_environment.clock->now()));
-    if (SessionManager *statistics = sessions())
-        payload.insert(statistics->retentionParameters());
-    for (const SignalEnricher &enrich : configuration->metadataEnrichers)
-        payload.insert(enrich(recorded.name, recorded.customUserID, recorded.floatValue));
-    payload.insert(recorded.parameters);
-
-    const auto user = recorded.customUserID ? recorded.customUserID : configuration->defaultUser;
-    const SignalPostBody body{recorded.receivedAt,
-                              configuration->telemetryAppID,
-                              hashed(user ? *user : userIdentifier(), configuration->salt),
-                              recorded.sessionID.toString(QUuid::WithoutBraces).toUpper(),
-                              recorded.name,
-                              recorded.floatValue,
-                              payload,
-                              configuration->testMode.value_or(false) ? u"true"_s : u"false"_s};
-    if (configuration->logs(LogLevel::Debug))
-        configuration->log(
-            LogLevel::Debug,
-            u"Process signal: "_s +
-                QString::fromUtf8(encodeSignals({body}, DateForm::Network).value_or(QByteArray())));
-    return body;
-}
-
-QString TelemetryManager::userIdentifier() {
-    const QString key = u"defaultUserIdentifier"_s;
-    const auto preferences = m_environment.preferences;
-    QString identifier = preferences->value(key).toString();
-    if (identifier.isEmpty()) {
-        identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-        preferences->setValue(key, identifier);
-        QThreadPool::globalInstance()->start([preferences] { preferences->flush(); });
-    }
-    return identifier;
-}
-
-SessionManager *TelemetryManager::sessions() {
-    const auto configuration = m_shared->current();
-    if (!configuration->sessionStatsEnabled || !configuration->records())
-        return nullptr;
-    if (!m_sessionManager)
-        m_sessionManager = std::make_unique<SessionManager>(m_environment.clock, m_environment.preferences);
-    return m_sessionManager.get();
+        floatValue.reset(); // JSON has no form for it: such a signal would hold up its whole batch for good
+    post([recorded = gather(m_configuration, m_environment, prefixedName, prefixed, floatValue,
+                            customUserID)](TelemetryWorker &worker) { worker.record(recorded); });
 }
 
 void TelemetryManager::setSessionID(const QUuid &sessionID) {
-    m_shared->change([&sessionID](TelemetryManagerConfiguration &edited) { edited.sessionID = sessionID; });
-    if (SessionManager *statistics = sessions()) {
-        if (const auto firstSessionDate = statistics->startNewSession())
-            record(u"TelemetryDeck.Acquisition.newInstallDetected"_s,
-                   {{u"TelemetryDeck.Acquisition.firstSessionDate"_s, *firstSessionDate}}, std::nullopt,
-                   std::nullopt);
-    }
-    if (m_shared->current()->sendNewSessionBeganSignal)
-        record(u"TelemetryDeck.Session.started"_s, {}, std::nullopt, std::nullopt);
+    m_configuration.sessionID = sessionID;
+    post([started = gather(m_configuration, m_environment, u"TelemetryDeck.Session.started"_s)](
+             TelemetryWorker &worker) { worker.startSession(started); });
 }
 
 void TelemetryManager::movedToBackground() {
-    if (m_sessionManager)
-        m_sessionManager->updateAndFlush();
+    post(&TelemetryWorker::updateSession);
     if (!m_backgroundSince)
-        m_backgroundSince = m_environment.clock->now();
+        m_backgroundSince = m_environment.now().date;
 }
 
 void TelemetryManager::returnedToForeground() {
-    if (m_sessionManager)
-        m_sessionManager->updateAndFlush();
+    post(&TelemetryWorker::updateSession);
     const auto since = std::exchange(m_backgroundSince, std::nullopt);
     // The date, not the time that the computer was awake: a night with the lid closed is an absence.
-    if (since && since->secsTo(m_environment.clock->now()) > longAbsence)
+    if (since && since->secsTo(m_environment.now().date) > longAbsence)
         setSessionID(QUuid::createUuid());
 }
 
 void TelemetryManager::aboutToTerminate() {
-    {
-        const QMutexLocker locker(&m_recordedLock);
-        if (std::exchange(m_isTerminating, true))
-            return;
-    }
-    processRecorded(); // what other threads have recorded
-    m_firstSession.reset();
     const auto saved = std::make_shared<QSemaphore>();
-    const auto done = [saved] { saved->release(); };
-    m_signalManager.stopAndSave(done);
-    if (m_sessionManager)
-        m_sessionManager->stop(done);
-    else
-        done();
-    static_cast<void>(saved->tryAcquire(2, std::chrono::milliseconds(terminationPatience).count()));
+    const bool isFirst = post([saved](TelemetryWorker &worker) {
+        worker.save();
+        saved->release();
+    });
+    if (!isFirst)
+        return;
+    end();
+    static_cast<void>(saved->tryAcquire(1, std::chrono::milliseconds(terminationPatience).count()));
+}
+
+void TelemetryManager::abandon() {
+    end();
+    m_thread.wait();
+}
+
+void TelemetryManager::end() {
+    post([thread = &m_thread](TelemetryWorker &) { thread->quit(); });
+    m_worker = nullptr;
+}
+
+bool TelemetryManager::post(std::function<void(TelemetryWorker &)> work) {
+    if (!m_worker)
+        return false;
+    return QMetaObject::invokeMethod(
+        m_worker, [worker = m_worker, work = std::move(work)] { work(*worker); }, Qt::QueuedConnection);
 }
 
 } // namespace vantrel

@@ -32,6 +32,12 @@ bool isDone(const CommandLine &commandLine) {
     return true;
 }
 
+/// For those who started the program from a terminal; the window says it in its menu.
+void printProblem(const QString &problem) {
+    if (!problem.isEmpty())
+        std::fprintf(stderr, "vantrel: %s\n", problem.toLocal8Bit().constData());
+}
+
 QStringList toArguments(int argc, char **argv) {
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
@@ -58,12 +64,13 @@ int main(int argc, char **argv) {
 
     readFontConfiguration();
     Settings settings;
+    QObject::connect(&settings, &Settings::problemChanged, &settings, &printProblem);
     settings.storeToolTipDelay();
-    startUsageAnalytics(settings);
+    startUsageAnalytics(settings, QUrl(version::analyticsService()));
     Updater updater(Updater::builtIn());
     updater.start();
-    AppTheme::setScheme(settings.appearancePreference());
     AppStyle::install(application, Settings::toolTipDelay);
+    AppTheme::setScheme(settings.appearancePreference());
     const QuitSignals quitSignals;
 
     int status = 0;

@@ -7,6 +7,18 @@ namespace vantrel {
 
 namespace {
 
+/// A progress bar that has to be described is one without a known end: it is busy.
+class DescribedWidget : public QAccessibleWidget {
+public:
+    using QAccessibleWidget::QAccessibleWidget;
+
+    [[nodiscard]] QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.busy = role() == QAccessible::ProgressBar;
+        return state;
+    }
+};
+
 constexpr const char *roleProperty = "vantrelAccessibleRole";
 
 QAccessibleInterface *describedWidget(const QString &, QObject *object) {
@@ -14,7 +26,7 @@ QAccessibleInterface *describedWidget(const QString &, QObject *object) {
     if (!widget)
         return nullptr;
     const QVariant role = widget->property(roleProperty);
-    return role.isValid() ? new QAccessibleWidget(widget, QAccessible::Role(role.toInt())) : nullptr;
+    return role.isValid() ? new DescribedWidget(widget, QAccessible::Role(role.toInt())) : nullptr;
 }
 
 } // namespace

@@ -8,18 +8,36 @@ class QApplication;
 
 namespace vantrel {
 
-/// The toolkit's own look in the theme's colours.
+/// The toolkit's own look in the theme's colours, and a look of ours for what the application's views show:
+///
+/// - a scroll bar is a slim thumb over the edge of the content, takes no width from it, and is there while
+///   there is something to scroll;
+/// - a progress bar is a capsule filled from the left, one without a known end (a range of nothing) a circle
+///   of spokes;
+/// - a push button is a small card with its title, in the accent colour if it is the dialog's default; a flat
+///   one is text that acts like a link.
 class AppStyle : public QProxyStyle {
     Q_OBJECT
 
 public:
+    /// What a flat button has around its text for the focus ring, in layout pixels.
+    static constexpr int linkMargin = 4;
+
     /// `toolTipDelay`: how long the mouse rests before a tool tip appears.
     explicit AppStyle(std::chrono::milliseconds toolTipDelay);
 
-    /// Gives the application this style, the theme's palette and font, now and after each change of the
-    /// scheme.
+    /// Gives the application this style, and the theme's palette and font.
     static void install(QApplication &application, std::chrono::milliseconds toolTipDelay);
 
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
+                            const QWidget *widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
+                         const QWidget *widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
+                           const QWidget *widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *returnData) const override;
 

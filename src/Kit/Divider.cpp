@@ -12,7 +12,6 @@ Divider::Divider(Qt::Orientation orientation, const ThemeColor &color, QWidget *
         setFixedHeight(1);
     else
         setFixedWidth(1);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 void Divider::paintEvent(QPaintEvent *) {

@@ -1,9 +1,7 @@
 #include "Kit/PlainButton.h"
 
-#include "Kit/Accessibility.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextStyle.h"
-#include "Theme/AppTheme.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -12,7 +10,6 @@ namespace vantrel {
 
 PlainButton::PlainButton(QWidget *parent) : QAbstractButton(parent) {
     setFocusPolicy(Qt::TabFocus);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 void PlainButton::setHelp(const QString &help) {

@@ -6,8 +6,9 @@ class QPainter;
 
 namespace vantrel {
 
-/// A button without a bezel that subclasses paint. It is clicked by releasing the mouse inside it, by Space
-/// and by Return; Tab reaches it, and a click leaves the keyboard where it was. `clicked()` is its action.
+/// A button without a bezel that subclasses paint, since a style is not told of symbols in the colours of
+/// both schemes. It is clicked by releasing the mouse inside it, by Space and by Return; Tab reaches it, and
+/// a click leaves the keyboard where it was. `clicked()` is its action.
 ///
 /// A checkable button shows what the model says: a click does not flip it, the next render() does.
 class PlainButton : public QAbstractButton {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Theme/AppTheme.h"
-
 #include <QObject>
 #include <QTimer>
 
@@ -10,7 +8,7 @@
 namespace vantrel {
 
 /// Calls a view's `render()` at most once per pass of the event loop, however many of the signals it reads
-/// fired. A change of the colour scheme counts as one of them.
+/// fired. A change of the colour scheme is none of them: the widgets repaint by themselves.
 ///
 /// A view holds it as its last member, so that nothing is rendered once the view's other members are gone:
 ///
@@ -28,7 +26,6 @@ public:
         m_timer.setSingleShot(true);
         m_timer.setInterval(0);
         connect(&m_timer, &QTimer::timeout, this, [this] { m_render(); });
-        watch(&AppTheme::instance(), &AppTheme::schemeChanged);
     }
 
     /// Renders after any of the sender's signals, whatever their arguments.

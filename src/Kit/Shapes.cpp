@@ -111,6 +111,20 @@ void paintCard(QPainter &painter, const QRectF &rect, double radius, const QColo
     painter.restore();
 }
 
+void paintProgress(QPainter &painter, const QRectF &rect, double fraction, const QColor &fill,
+                   const QColor &track) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QPainterPath whole = capsule(rect);
+    painter.fillPath(whole, track);
+    // The first pixels of a fill are narrower than the track's round end and must not stick out of it.
+    if (fraction > 0) {
+        const QSizeF filled(rect.width() * qMin(fraction, 1.0), rect.height());
+        painter.fillPath(capsule(QRectF(rect.topLeft(), filled)).intersected(whole), fill);
+    }
+    painter.restore();
+}
+
 void paintFocusRing(QPainter &painter, const QRectF &rect, double radius) {
     constexpr double ringWidth = 2;
     painter.save();

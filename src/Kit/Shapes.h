@@ -30,6 +30,11 @@ void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QC
 void paintCard(QPainter &painter, const QRectF &rect, double radius, const QColor &fill, const QColor &stroke,
                double strokeWidth = hairline);
 
+/// A capsule filled from the left: `fraction` of it, 0 to 1. Anything beyond is cut off; NaN, from a division
+/// by an unknown total, counts as nothing.
+void paintProgress(QPainter &painter, const QRectF &rect, double fraction, const QColor &fill,
+                   const QColor &track);
+
 /// The mark of keyboard focus, the same for every control: inside `rect`, seen on light, dark and accent
 /// grounds.
 void paintFocusRing(QPainter &painter, const QRectF &rect, double radius);

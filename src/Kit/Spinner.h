@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QTimer>
-#include <QWidget>
+#include <QBasicTimer>
+#include <QProgressBar>
 
 namespace vantrel {
 
 /// The turning mark of work without a known end. It turns only while it is visible, and stands still where
 /// the desktop has animations switched off.
-class Spinner : public QWidget {
+class Spinner : public QProgressBar {
     Q_OBJECT
 
 public:
@@ -21,11 +21,12 @@ public:
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+    void initStyleOption(QStyleOptionProgressBar *option) const override;
 
 private:
-    QTimer m_timer;
-    int m_step = 0;
+    QBasicTimer m_timer;
+    int m_step = 0; ///< not the bar's value: assistive technology would read out every step
 };
 
 } // namespace vantrel

@@ -81,7 +81,7 @@ size_t qHash(const CacheKey &key, size_t seed) {
 
 /// Images and not pixmaps: they may outlive the application object.
 QImage rendered(const CacheKey &key) {
-    constexpr qsizetype cacheBytes = 4 * 1024 * 1024;
+    constexpr qsizetype cacheBytes = 4'194'304;
     static QCache<CacheKey, QImage> cache(cacheBytes);
     if (const QImage *known = cache.object(key))
         return *known;

@@ -10,7 +10,6 @@ TextLabel::TextLabel(const TextStyle &style, const ThemeColor &color, QWidget *p
     : QLabel(parent), m_style(style), m_color(color) {
     setTextFormat(Qt::PlainText);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 void TextLabel::setText(const QString &text) {

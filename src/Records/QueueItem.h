@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Records/Enumerations.h"
 #include "Records/FileTree.h"
 
 #include <QString>
@@ -9,6 +8,9 @@
 #include <variant>
 
 namespace vantrel {
+
+/// Which way a copy goes: a pull from the phone or a push to it.
+enum class TransferDirection { androidToMac, macToAndroid };
 
 /// The state of one queued copy.
 class QueueItemStatus {

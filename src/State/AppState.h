@@ -117,8 +117,8 @@ public:
 
     // -- Transfers
     [[nodiscard]] const QList<QueueItem> &queue() const { return m_transfers.queue().items(); }
-    /// The queue as an item model, which tells which rows change: a TransferQueue.
-    [[nodiscard]] QAbstractItemModel *queueModel() { return m_transfers.model(); }
+    /// Tells which rows of the queue change.
+    [[nodiscard]] QAbstractItemModel *queueModel() { return m_transfers.queueModel(); }
     [[nodiscard]] const QString &transferSpeedLabel() const { return m_transfers.speedLabel(); }
     [[nodiscard]] const QString &remainingLabel() const { return m_transfers.remainingLabel(); }
     [[nodiscard]] bool isTransferring() const { return m_transfers.isTransferring(); }

@@ -36,12 +36,10 @@ QCoro::Task<> AppState::showPhone(AndroidDevice found) {
     // Another phone in the old one's place is new, too: its folders are not those that the pane shows.
     const bool isNew = connectedSerial() != found.id;
     std::optional<QString> message;
-    if (found.totalBytes < 1) {
+    if (found.totalBytes < 0) {
         message = QStringLiteral("Its storage use could not be read. Copying still works.");
-        if (!isNew) {
-            found.usedBytes = device().usedBytes;
-            found.totalBytes = device().totalBytes;
-        }
+        found.usedBytes = isNew ? 0 : device().usedBytes;
+        found.totalBytes = isNew ? 0 : device().totalBytes;
     }
     m_device = found;
     m_deviceStatusMessage = message;

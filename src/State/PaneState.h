@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Records/Enumerations.h"
 #include "Records/FileItem.h"
+#include "Records/Pane.h"
 
 #include <QObject>
 #include <QProperty>

@@ -1,8 +1,14 @@
 #include "Theme/AppTheme.h"
 
+#include <QGuiApplication>
+
+#include <utility>
+
 namespace vantrel {
 
 namespace {
+
+ColorScheme currentScheme = ColorScheme::light;
 
 QColor rgb(float red, float green, float blue, float alpha = 1) {
     return QColor::fromRgbF(red, green, blue, alpha);
@@ -29,21 +35,13 @@ ThemeColor ThemeColor::withOpacity(double opacity) const {
     return faded;
 }
 
-AppTheme &AppTheme::instance() {
-    static AppTheme theme;
-    return theme;
-}
-
 ColorScheme AppTheme::scheme() {
-    return instance().m_scheme;
+    return currentScheme;
 }
 
 void AppTheme::setScheme(ColorScheme scheme) {
-    AppTheme &theme = instance();
-    if (theme.m_scheme == scheme)
-        return;
-    theme.m_scheme = scheme;
-    Q_EMIT theme.schemeChanged();
+    if (std::exchange(currentScheme, scheme) != scheme)
+        QGuiApplication::setPalette(palette());
 }
 
 // clang-format off: light on the left, dark on the right

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QColor>
-#include <QObject>
 #include <QPalette>
 
 namespace vantrel {
@@ -35,16 +34,14 @@ private:
 
 /// The palette of the application and its current scheme. Views take every colour from here; main thread
 /// only.
-class AppTheme : public QObject {
-    Q_OBJECT
-
+class AppTheme {
 public:
-    /// The object that announces changes; everything else is static.
-    [[nodiscard]] static AppTheme &instance();
+    AppTheme() = delete;
 
     /// Light until setScheme() says otherwise.
     [[nodiscard]] static ColorScheme scheme();
-    /// Changes the scheme and announces it; silent when it is the current one.
+    /// Changes the scheme and with it the application's palette: the toolkit tells every widget in the
+    /// next pass of the event loop, and it repaints.
     static void setScheme(ColorScheme scheme);
 
     // Text and icons: primary, secondary, and captions, placeholders, section headers.
@@ -86,18 +83,9 @@ public:
     /// The native title bar's colour for a scheme, whichever scheme is current.
     [[nodiscard]] static QColor titleBarNSColor(ColorScheme scheme);
 
-    /// The palette for what the toolkit draws itself (text fields, menus, tool tips, scroll bars), current
+    /// The palette for what the toolkit draws itself, such as text fields, menus and tool tips; current
     /// scheme.
     [[nodiscard]] static QPalette palette();
-
-Q_SIGNALS:
-    /// The scheme is already the new one when this arrives.
-    void schemeChanged();
-
-private:
-    AppTheme() = default;
-
-    ColorScheme m_scheme = ColorScheme::light;
 };
 
 } // namespace vantrel

@@ -243,15 +243,15 @@ void TransferRunner::finish(const QueueItem &item, const CopyReport &report) {
         QueueItemStatus::Paused paused;
         if (progress)
             static_cast<QueueItemStatus::Progress &>(paused) = *progress;
-        setStatus(item.id, paused);
+        updateStatus(item.id, paused);
     } else if (report.wasStopped) {
-        setStatus(item.id, QueueItemStatus::Waiting()); // paused and resumed before it had stopped
+        updateStatus(item.id, QueueItemStatus::Waiting()); // paused and resumed before it had stopped
     } else if (report.isPhoneGone) {
         m_gonePhones.insert(item.serial);
-        setStatus(item.id, QueueItemStatus::Waiting{true});
+        updateStatus(item.id, QueueItemStatus::Waiting{true});
     } else {
         const QueueItemStatus status = statusAfter(item, report);
-        setStatus(item.id, status);
+        updateStatus(item.id, status);
     }
     if (report.copied > 0)
         refreshReceivingPane(item);
@@ -299,7 +299,7 @@ void TransferRunner::applyProgress(const QUuid &id, const QueueItemStatus::Progr
     m_rate.add(progress.transferredBytes - (before ? before->transferredBytes : 0));
     QueueItemStatus::Transferring now;
     static_cast<QueueItemStatus::Progress &>(now) = progress;
-    setStatus(id, now);
+    updateStatus(id, now);
     const auto speed = m_rate.bytesPerSecond();
     if (!speed)
         return;
@@ -314,7 +314,7 @@ void TransferRunner::forgetSpeed() {
     m_remainingLabel = unknownLabel();
 }
 
-void TransferRunner::setStatus(const QUuid &id, const QueueItemStatus &status) {
+void TransferRunner::updateStatus(const QUuid &id, const QueueItemStatus &status) {
     if (m_queue.setStatus(id, status) >= 0)
         Q_EMIT queueChanged();
 }

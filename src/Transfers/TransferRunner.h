@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Records/Enumerations.h"
+#include "Records/Pane.h"
 #include "Transfers/CopyRun.h"
 #include "Transfers/TransferQueue.h"
 #include "Transfers/TransferRate.h"
@@ -48,8 +48,7 @@ public:
     ~TransferRunner() override;
 
     [[nodiscard]] const TransferQueue &queue() const { return m_queue; }
-    /// The queue as an item model, which tells which rows change.
-    [[nodiscard]] QAbstractItemModel *model() { return &m_queue; }
+    [[nodiscard]] QAbstractItemModel *queueModel() { return &m_queue; }
     /// Both texts are "—" while nothing is known.
     [[nodiscard]] const QString &speedLabel() const { return m_speedLabel.value(); }
     [[nodiscard]] const QString &remainingLabel() const { return m_remainingLabel.value(); }
@@ -77,7 +76,7 @@ public:
     void phoneWasAsked();
 
 Q_SIGNALS:
-    /// The queue changed in any way.
+    /// The queue changed in any way; comes after what queueModel() tells of it.
     void queueChanged();
     void speedLabelChanged();
     void remainingLabelChanged();
@@ -103,7 +102,7 @@ private:
     QCoro::Task<> browseAgain(BrowserSide side);
     [[nodiscard]] ReceivingPane &receivingPane(BrowserSide side) { return m_receiving.at(size_t(side)); }
     void applyProgress(const QUuid &id, const QueueItemStatus::Progress &progress);
-    void setStatus(const QUuid &id, const QueueItemStatus &status);
+    void updateStatus(const QUuid &id, const QueueItemStatus &status);
     void forgetSpeed();
 
     TransferHost &m_host;

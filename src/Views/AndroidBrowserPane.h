@@ -1,18 +1,11 @@
 #pragma once
 
-#include "Kit/RenderScheduler.h"
-
-#include <QWidget>
+#include "Views/BrowserPane.h"
 
 namespace vantrel {
 
-class AppState;
-class FilePaneView;
-class Spinner;
-
-/// The phone's file pane: a FilePaneView on the model.
-/// It starts the search anew whenever the search text or scope changes.
-class AndroidBrowserPane : public QWidget {
+/// The phone's file pane. It starts the search anew whenever the search text or scope changes.
+class AndroidBrowserPane : public BrowserPane {
     Q_OBJECT
 
 public:
@@ -22,13 +15,9 @@ public:
     /// The folder that "Go back" leads to; it never leaves the shared storage.
     [[nodiscard]] static QString parentAndroidPath(const QString &path);
 
-private:
-    void render();
-
-    AppState *m_state;
-    FilePaneView *m_pane;
-    Spinner *m_spinner;
-    RenderScheduler m_rendering{[this] { render(); }};
+protected:
+    void fill(FilePane &pane) override;
+    [[nodiscard]] QString activity() const override;
 };
 
 } // namespace vantrel

@@ -2,7 +2,7 @@
 
 #include "MacFiles/MacFileClient.h"
 #include "Theme/AppTheme.h"
-#include "Views/FileEntry.h"
+#include "Views/FilePane.h"
 
 #include <QMenu>
 
@@ -16,19 +16,21 @@ void add(QMenu &menu, const QString &title, std::function<void()> action) {
 
 } // namespace
 
-std::unique_ptr<QMenu> fileContextMenu(const FileEntry &entry, std::function<void()> open, Desktop *desktop) {
-    if (!entry.showsMacContextMenu && !entry.showsOpenContextMenu)
+std::unique_ptr<QMenu> fileContextMenu(const FilePane &pane, const FileItem &item,
+                                       std::function<void()> open) {
+    if (!pane.showsMacContextMenu && !pane.showsOpenContextMenu)
         return nullptr;
     auto menu = std::make_unique<QMenu>();
     menu->setObjectName(QStringLiteral("fileMenu"));
     menu->setPalette(AppTheme::palette());
-    if (!entry.showsMacContextMenu) {
+    if (!pane.showsMacContextMenu) {
         add(*menu, QStringLiteral("Open"), std::move(open));
         return menu;
     }
 
-    const QString path = entry.item.path;
-    if (entry.item.isDirectory)
+    Desktop *desktop = pane.desktop;
+    const QString path = item.path;
+    if (item.isDirectory)
         add(*menu, QStringLiteral("Open"), std::move(open));
     else
         add(*menu, QStringLiteral("Open"), [=] { MacFileClient::open(*desktop, path); });

@@ -7,12 +7,12 @@ class QMenu;
 
 namespace vantrel {
 
-class Desktop;
-struct FileEntry;
+struct FileItem;
+struct FilePane;
 
-/// The context menu that an entry offers, or null. `open` is what opening it in its pane means; the desktop
-/// must outlive the menu and may be null for an entry without the computer's commands.
-[[nodiscard]] std::unique_ptr<QMenu> fileContextMenu(const FileEntry &entry, std::function<void()> open,
-                                                     Desktop *desktop);
+/// The context menu that an entry of the pane offers, or null. `open` is what opening it there means. The
+/// pane's desktop must outlive the menu.
+[[nodiscard]] std::unique_ptr<QMenu> fileContextMenu(const FilePane &pane, const FileItem &item,
+                                                     std::function<void()> open);
 
 } // namespace vantrel

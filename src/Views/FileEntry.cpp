@@ -10,11 +10,4 @@ QString FileEntry::locationLabel() const {
     return AndroidPath::breadcrumb(path.left(path.lastIndexOf(QLatin1Char('/'))));
 }
 
-bool FileEntry::shareLook(const FileEntry &a, const FileEntry &b) {
-    return a.item.id == b.item.id && a.item.name == b.item.name && a.item.isDirectory == b.item.isDirectory &&
-           a.item.sizeBytes == b.item.sizeBytes && a.isSelected == b.isSelected &&
-           a.showsLocation == b.showsLocation && a.showsMacContextMenu == b.showsMacContextMenu &&
-           a.showsOpenContextMenu == b.showsOpenContextMenu;
-}
-
 } // namespace vantrel

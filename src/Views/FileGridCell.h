@@ -41,9 +41,6 @@ struct FileGridCell : FileEntry {
     /// Whether the name is too long to be shown in full.
     [[nodiscard]] bool cutsName(const QRectF &rect) const;
     void paint(QPainter &painter, const QRectF &rect) const;
-
-    /// Whether the two are painted alike.
-    friend bool operator==(const FileGridCell &a, const FileGridCell &b) { return shareLook(a, b); }
 };
 
 } // namespace vantrel

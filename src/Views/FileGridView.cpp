@@ -1,12 +1,16 @@
 #include "Views/FileGridView.h"
 
+#include "Views/FileDelegate.h"
 #include "Views/FileGridCell.h"
+
+#include <QResizeEvent>
+#include <QScrollBar>
 
 #include <algorithm>
 
 namespace vantrel {
 
-FileGridGeometry::FileGridGeometry(int width) : cellHeight(FileGridCellGeometry::height()) {
+FileGridGeometry::FileGridGeometry(int width) {
     const int available = std::max(0, width - 2 * inset);
     columns = std::max(1, (available + spacing) / (minColumnWidth + spacing));
     columnWidth = std::clamp((available - (columns - 1) * spacing) / columns, minColumnWidth, maxColumnWidth);
@@ -14,57 +18,46 @@ FileGridGeometry::FileGridGeometry(int width) : cellHeight(FileGridCellGeometry:
     left = inset + std::max(0, available - used) / 2;
 }
 
-QRect FileGridGeometry::cell(qsizetype index) const {
-    const int line = int(index / columns);
-    const int column = int(index % columns);
-    return {left + column * (columnWidth + spacing), inset + line * pitch(), columnWidth, cellHeight};
+FileGridView::FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent)
+    : FileItemsView(model, selection, new FileGridCellDelegate, parent),
+      m_cells(static_cast<FileGridCellDelegate *>(itemDelegate())), m_geometry(0) {
+    setFlow(LeftToRight);
+    setWrapping(true);
+    fit(width());
 }
 
-int FileGridGeometry::contentHeight(qsizetype count) const {
-    const int lines = int((count + columns - 1) / columns);
-    return lines == 0 ? 0 : 2 * inset + lines * pitch() - spacing;
+void FileGridView::fit(int width) {
+    const FileGridGeometry geometry(width);
+    if (geometry == m_geometry)
+        return;
+    m_geometry = geometry;
+    const QSize cell(m_geometry.columnWidth, FileGridCellGeometry::height());
+    m_cells->setCellSize(cell);
+    setGridSize(cell + QSize(FileGridGeometry::spacing, FileGridGeometry::spacing));
 }
 
-FileGridView::FileGridView(QWidget *parent) : FileItemsView(parent) {
-    setObjectName(QStringLiteral("fileGrid"));
+int FileGridView::verticalOffset() const {
+    return FileItemsView::verticalOffset() - FileGridGeometry::inset;
 }
 
-int FileGridView::contentHeight() const {
-    return geometryNow().contentHeight(count());
+void FileGridView::updateGeometries() {
+    QScrollBar *bar = verticalScrollBar();
+    const int place = bar->value();
+    FileItemsView::updateGeometries();
+    // An inset above and one below; after the last line there is no spacing.
+    if (model()->rowCount() > 0) {
+        constexpr int more = 2 * FileGridGeometry::inset - FileGridGeometry::spacing;
+        bar->setMaximum(std::max(0, contentsSize().height() + more - viewport()->height()));
+        bar->setValue(place);
+    }
 }
 
-int FileGridView::columns() const {
-    return geometryNow().columns;
-}
-
-int FileGridView::pitch() const {
-    return geometryNow().pitch();
-}
-
-QRect FileGridView::rectOf(qsizetype index) const {
-    return geometryNow().cell(index);
-}
-
-FileItemsView::Range FileGridView::entriesBetween(int top, int bottom) const {
-    const FileGridGeometry grid = geometryNow();
-    const auto lineAt = [&grid](int y) { return std::max(0, y - FileGridGeometry::inset) / grid.pitch(); };
-    return {lineAt(top) * grid.columns, (lineAt(bottom) + 1) * grid.columns - 1};
-}
-
-bool FileGridView::looksSame(const FileEntry &a, const FileEntry &b) const {
-    return FileGridCell{a} == FileGridCell{b};
-}
-
-FileEntry::Part FileGridView::partAt(const FileEntry &entry, const QRect &rect, const QPoint &point) const {
-    return FileGridCell{entry}.hitTest(rect, point);
-}
-
-bool FileGridView::cutsName(const FileEntry &entry, const QRect &rect) const {
-    return FileGridCell{entry}.cutsName(rect);
-}
-
-void FileGridView::paintEntry(QPainter &painter, const FileEntry &entry, const QRect &rect) const {
-    FileGridCell{entry}.paint(painter, rect);
+void FileGridView::resizeEvent(QResizeEvent *event) {
+    fit(event->size().width());
+    FileItemsView::resizeEvent(event);
+    // The toolkit takes its time; tiles that lag behind the window's edge look broken.
+    if (isVisible())
+        executeDelayedItemsLayout();
 }
 
 } // namespace vantrel

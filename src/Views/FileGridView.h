@@ -4,6 +4,8 @@
 
 namespace vantrel {
 
+class FileGridCellDelegate;
+
 /// Where the cells of a grid lie: as many columns as fit, each between minColumnWidth and maxColumnWidth wide
 /// and all of one width. Layout pixels; pixels that do not go into whole columns are shared by both sides.
 struct FileGridGeometry {
@@ -17,36 +19,31 @@ struct FileGridGeometry {
     int columns;
     int columnWidth;
     int left; ///< of the first column
-    int cellHeight;
 
-    [[nodiscard]] int pitch() const { return cellHeight + spacing; }
-    [[nodiscard]] QRect cell(qsizetype index) const;
-    [[nodiscard]] int contentHeight(qsizetype count) const;
+    friend bool operator==(const FileGridGeometry &, const FileGridGeometry &) = default;
 };
 
-/// The entries in lines of tiles, a FileGridCell each.
+/// The entries in lines of tiles, a FileGridCell each. The toolkit puts them into a grid that begins at the
+/// left and at the top; inset and centring are a shift of all of it.
 class FileGridView : public FileItemsView {
     Q_OBJECT
 
 public:
-    explicit FileGridView(QWidget *parent = nullptr);
+    FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent = nullptr);
 
 protected:
-    [[nodiscard]] int contentHeight() const override;
-    [[nodiscard]] int columns() const override;
-    [[nodiscard]] int pitch() const override;
-    [[nodiscard]] QRect rectOf(qsizetype index) const override;
-    [[nodiscard]] Range entriesBetween(int top, int bottom) const override;
-
-    [[nodiscard]] bool looksSame(const FileEntry &a, const FileEntry &b) const override;
-    [[nodiscard]] FileEntry::Part partAt(const FileEntry &entry, const QRect &rect,
-                                         const QPoint &point) const override;
-    [[nodiscard]] bool cutsName(const FileEntry &entry, const QRect &rect) const override;
-    void paintEntry(QPainter &painter, const FileEntry &entry, const QRect &rect) const override;
-    [[nodiscard]] double focusRadius() const override { return 10; }
+    [[nodiscard]] int columns() const override { return m_geometry.columns; }
+    [[nodiscard]] int pitch() const override { return gridSize().height(); }
+    [[nodiscard]] int horizontalOffset() const override { return -m_geometry.left; }
+    [[nodiscard]] int verticalOffset() const override;
+    void updateGeometries() override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
-    [[nodiscard]] FileGridGeometry geometryNow() const { return FileGridGeometry(viewport()->width()); }
+    void fit(int width);
+
+    FileGridCellDelegate *m_cells;
+    FileGridGeometry m_geometry;
 };
 
 } // namespace vantrel

@@ -1,12 +1,10 @@
 #include "Views/FileItemsView.h"
 
-#include "Kit/OverlayScrollBar.h"
 #include "Kit/Shapes.h"
-#include "Kit/TextStyle.h"
-#include "Theme/AppTheme.h"
-#include "Views/FileItemsAccessibility.h"
+#include "Views/FileDelegate.h"
+#include "Views/FileItemsModel.h"
+#include "Views/FileSelectionModel.h"
 
-#include <QAccessible>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -15,159 +13,145 @@
 
 namespace vantrel {
 
-FileEntry FileItemsContents::entry(qsizetype index) const {
-    const FileItem &item = items.at(index);
-    return {item, selectedIDs.contains(item.id), showsLocation, showsMacContextMenu, showsOpenContextMenu};
-}
+FileItemsView::FileItemsView(FileItemsModel *model, FileSelectionModel *selection, FileDelegate *delegate,
+                             QWidget *parent)
+    : QListView(parent), m_delegate(delegate) {
+    delegate->setParent(this);
+    setItemDelegate(delegate);
+    setModel(model);
+    setSelectionModel(selection);
+    // After the toolkit's own slots, which have done with the rows by then.
+    connect(model, &FileItemsModel::rowsRemoved, this, &FileItemsView::layOutRows);
 
-FileItemsView::FileItemsView(QWidget *parent) : QAbstractScrollArea(parent) {
-    makeFileItemsAccessible();
     setFrameShape(QFrame::NoFrame);
-    setFocusPolicy(Qt::StrongFocus);
+    setUniformItemSizes(true);
+    setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    new OverlayScrollBar(this);
-    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, viewport(), qOverload<>(&QWidget::update));
+    setSelectionMode(MultiSelection);
+    setEditTriggers(NoEditTriggers);
 }
 
 // -- Contents
 
-void FileItemsView::setContents(const FileItemsContents &contents) {
-    const FileItemsContents before = std::exchange(m_contents, contents);
-    const bool sameItems = before.items.isSharedWith(m_contents.items);
-    if (!sameItems || before.showsLocation != m_contents.showsLocation) {
-        m_current = std::clamp<qsizetype>(m_current, 0, std::max<qsizetype>(0, count() - 1));
-        fitScrollBar();
-    }
-    repaintChanged(before);
+void FileItemsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                                const QList<int> &roles) {
+    // The toolkit would lay out every row anew and repaint them all; ours keep their size.
+    if (m_delegate->showsModified() || roles != QList<int>{FileItemsModel::modifiedRole})
+        updateRows(topLeft.row(), bottomRight.row());
 }
 
-void FileItemsView::repaintChanged(const FileItemsContents &before) {
-    if (before.showsLocation != m_contents.showsLocation) {
-        viewport()->update();
+void FileItemsView::rowsInserted(const QModelIndex &parent, int start, int end) {
+    QListView::rowsInserted(parent, start, end);
+    layOutRows();
+    updateRows(start, end);
+}
+
+void FileItemsView::rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) {
+    updateRows(start, end);
+    QListView::rowsAboutToBeRemoved(parent, start, end);
+}
+
+/// After a change of their number, which is one at the end: those before it stay as they are painted.
+void FileItemsView::layOutRows() {
+    // Out of sight, the layout waits until the view is shown.
+    if (!isVisible())
         return;
-    }
-    const Range visible = visibleEntries();
-    for (qsizetype index = visible.first; index <= visible.last; ++index) {
-        const bool was = index < before.items.size();
-        const bool is = index < count();
-        if (!was && !is)
+    const int place = verticalScrollBar()->value();
+    viewport()->setAttribute(Qt::WA_UpdatesDisabled);
+    executeDelayedItemsLayout();
+    viewport()->setAttribute(Qt::WA_UpdatesDisabled, false);
+    if (verticalScrollBar()->value() != place)
+        viewport()->update();
+}
+
+void FileItemsView::updateRows(int first, int last) {
+    if (!isVisible())
+        return;
+    for (int row = std::max(first, firstVisibleRow()); row <= last; ++row) {
+        const QRect rect = visualRect(model()->index(row, 0));
+        if (rect.top() >= viewport()->height())
             break;
-        if (was && is) {
-            const FileEntry entry = m_contents.entry(index);
-            const FileEntry entryBefore = before.entry(index);
-            if (looksSame(entryBefore, entry))
-                continue;
-            if (QAccessible::isActive() && entry.item.id == entryBefore.item.id)
-                announceSelection(this, int(index));
-        }
-        updateEntry(index);
+        viewport()->update(rect);
     }
 }
 
-void FileItemsView::updateEntry(qsizetype index) {
-    viewport()->update(entryRect(index));
-}
-
-void FileItemsView::scrollToTop() {
-    m_current = 0;
-    verticalScrollBar()->setValue(0);
+/// What a change of the selection repaints: the model has told.
+QRegion FileItemsView::visualRegionForSelection(const QItemSelection &) const {
+    return {};
 }
 
 // -- Layout
 
-QRect FileItemsView::entryRect(qsizetype index) const {
-    return rectOf(index).translated(0, -verticalScrollBar()->value());
+int FileItemsView::pitch() const {
+    return std::max(1, sizeHintForIndex(model()->index(0, 0)).height());
 }
 
-FileItemsView::Range FileItemsView::visibleEntries() const {
-    const int top = verticalScrollBar()->value();
-    return entriesBetween(top, top + viewport()->height() - 1);
+int FileItemsView::firstVisibleRow() const {
+    return std::max(0, verticalOffset()) / pitch() * columns();
 }
 
-qsizetype FileItemsView::indexAt(const QPoint &point) const {
-    const int y = point.y() + verticalScrollBar()->value();
-    const Range line = entriesBetween(y, y);
-    for (qsizetype index = line.first; index <= std::min(line.last, count() - 1); ++index) {
-        if (entryRect(index).contains(point))
-            return index;
-    }
-    return -1;
-}
-
-void FileItemsView::fitScrollBar() {
-    QScrollBar *bar = verticalScrollBar();
-    bar->setPageStep(viewport()->height());
-    bar->setSingleStep(std::min(pitch(), 36));
-    bar->setRange(0, std::max(0, contentHeight() - viewport()->height()));
-}
-
-void FileItemsView::ensureVisible(qsizetype index) {
-    const QRect rect = rectOf(index);
-    QScrollBar *bar = verticalScrollBar();
-    const int lowest = rect.bottom() + 1 - viewport()->height();
-    bar->setValue(std::min(std::max(bar->value(), lowest), rect.top()));
-}
-
-void FileItemsView::resizeEvent(QResizeEvent *) {
-    fitScrollBar();
-}
-
-void FileItemsView::scrollContentsBy(int dx, int dy) {
-    viewport()->scroll(dx, dy);
+void FileItemsView::updateGeometries() {
+    QListView::updateGeometries();
+    verticalScrollBar()->setSingleStep(std::min(pitch(), 36));
 }
 
 // -- Painting
 
 void FileItemsView::paintEvent(QPaintEvent *event) {
+    QListView::paintEvent(event);
+    if (!m_showsFocus || !hasFocus())
+        return;
     QPainter painter(viewport());
-    painter.fillRect(event->rect(), AppTheme::surface());
-    const int offset = verticalScrollBar()->value();
-    const Range range = entriesBetween(event->rect().top() + offset, event->rect().bottom() + offset);
-    for (qsizetype index = range.first; index <= std::min(range.last, count() - 1); ++index) {
-        const QRect rect = entryRect(index);
-        if (event->region().intersects(rect))
-            paintEntry(painter, m_contents.entry(index), rect);
-    }
-    if (m_showsFocus && hasFocus()) {
-        const QRect ring = count() > 0 ? entryRect(m_current) : viewport()->rect();
-        paintFocusRing(painter, ring, focusRadius());
-    }
+    const QModelIndex current = focusedIndex();
+    paintFocusRing(painter, current.isValid() ? visualRect(current) : viewport()->rect(),
+                   m_delegate->focusRadius());
+}
+
+void FileItemsView::startAtTop() {
+    setCurrentIndex(model()->index(0, 0));
+    scrollToTop();
 }
 
 // -- Mouse
 
 std::optional<FileItemsView::Target> FileItemsView::targetAt(const QPoint &point) const {
-    const qsizetype index = indexAt(point);
-    if (index < 0)
+    const QModelIndex index = indexAt(point);
+    if (!index.isValid())
         return std::nullopt;
-    const FileEntry entry = m_contents.entry(index);
-    return Target{entry.item.id, partAt(entry, entryRect(index), point)};
+    const FileEntry entry = FileDelegate::entry(index);
+    return Target{entry.item.id, m_delegate->partAt(entry, visualRect(index), point)};
 }
 
-void FileItemsView::click(FileEntry::Part part, const FileItem &item) {
-    if (part == FileEntry::Part::mark)
+void FileItemsView::click(const Target &target, const FileItem &item) {
+    if (target.part == FileEntry::Part::mark)
         Q_EMIT toggled(item);
     else
         Q_EMIT selected(item);
 }
 
 void FileItemsView::mousePressEvent(QMouseEvent *event) {
-    m_pressed = event->button() == Qt::LeftButton ? targetAt(event->pos()) : std::nullopt;
     hideFocus();
+    QListView::mousePressEvent(event);
+    m_pressed = event->button() == Qt::LeftButton ? targetAt(event->pos()) : std::nullopt;
     // A click beside the entries is the pane's.
     event->setAccepted(m_pressed.has_value());
 }
 
+void FileItemsView::mouseMoveEvent(QMouseEvent *event) {
+    // Dragging selects nothing; the toolkit would scroll along.
+    event->ignore();
+}
+
 void FileItemsView::mouseReleaseEvent(QMouseEvent *event) {
+    QListView::mouseReleaseEvent(event);
     const auto pressed = std::exchange(m_pressed, std::nullopt);
     if (!pressed || event->button() != Qt::LeftButton || targetAt(event->pos()) != pressed)
         return;
     m_clicked = pressed;
-    const FileItem item = m_contents.items.at(indexAt(event->pos()));
-    click(pressed->part, item);
+    click(*pressed, FileDelegate::entry(indexAt(event->pos())).item);
 }
 
+/// The toolkit makes a first click of a double click whose first one hit something else; here it is none.
 void FileItemsView::mouseDoubleClickEvent(QMouseEvent *event) {
     const auto target = targetAt(event->pos());
     const auto clicked = std::exchange(m_clicked, std::nullopt);
@@ -178,131 +162,93 @@ void FileItemsView::mouseDoubleClickEvent(QMouseEvent *event) {
     // The first click may have put another folder here: that one was not clicked twice.
     if (!clicked || clicked->id != target->id)
         return;
-    const FileItem item = m_contents.items.at(indexAt(event->pos()));
+    const FileItem item = FileDelegate::entry(indexAt(event->pos())).item;
     // Every click on a mark counts; the body is selected already.
     if (target->part == FileEntry::Part::mark)
-        click(target->part, item);
+        click(*target, item);
     Q_EMIT opened(item);
 }
 
 void FileItemsView::contextMenuEvent(QContextMenuEvent *event) {
     const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
-    const qsizetype index = byKey ? focusedIndex() : indexAt(event->pos());
-    if (index < 0)
+    const QModelIndex index = byKey ? focusedIndex() : indexAt(event->pos());
+    if (!index.isValid()) {
         event->ignore();
-    else if (byKey)
-        requestContextMenu(index);
-    else
-        Q_EMIT contextMenuRequested(m_contents.entry(index), event->globalPos());
-}
-
-void FileItemsView::requestContextMenu(qsizetype index) {
-    const QPoint center = entryRect(index).center();
-    Q_EMIT contextMenuRequested(m_contents.entry(index), viewport()->mapToGlobal(center));
-}
-
-bool FileItemsView::viewportEvent(QEvent *event) {
-    if (event->type() == QEvent::ToolTip) {
-        const qsizetype index = indexAt(static_cast<QHelpEvent *>(event)->pos());
-        const bool cut = index >= 0 && cutsName(m_contents.entry(index), entryRect(index));
-        viewport()->setToolTip(cut ? plainToolTip(m_contents.items.at(index).name) : QString());
+        return;
     }
-    return QAbstractScrollArea::viewportEvent(event);
+    const QPoint position = byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos();
+    Q_EMIT contextMenuRequested(FileDelegate::entry(index).item, position);
 }
 
 // -- Keyboard
 
-qsizetype FileItemsView::focusedIndex() const {
-    return m_showsFocus && count() > 0 ? m_current : -1;
+QModelIndex FileItemsView::focusedIndex() const {
+    return m_showsFocus ? currentIndex() : QModelIndex();
 }
 
-void FileItemsView::setFocusedIndex(qsizetype index) {
-    if (count() == 0)
-        return;
-    updateEntry(m_current);
-    m_current = std::clamp<qsizetype>(index, 0, count() - 1);
+QItemSelectionModel::SelectionFlags FileItemsView::selectionCommand(const QModelIndex &,
+                                                                    const QEvent *event) const {
+    const bool isSpace = event && event->type() == QEvent::KeyPress &&
+                         static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Space;
+    return isSpace ? QItemSelectionModel::Toggle : QItemSelectionModel::NoUpdate;
+}
+
+void FileItemsView::keyPressEvent(QKeyEvent *event) {
+    if (focusedIndex().isValid() && !(event->modifiers() & ~Qt::KeypadModifier))
+        QListView::keyPressEvent(event);
+    else
+        QAbstractScrollArea::keyPressEvent(event);
+}
+
+QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    const int page = std::max(1, viewport()->height() / pitch()) * columns();
+    int row = currentIndex().row();
+    if (action == MovePageUp)
+        row -= page;
+    else if (action == MovePageDown)
+        row += page;
+    else if (columns() > 1 && action == MoveLeft)
+        --row; // on from the beginning of a line to the end of the one before
+    else if (columns() > 1 && action == MoveRight)
+        ++row;
+    else
+        return QListView::moveCursor(action, modifiers);
+    return model()->index(std::clamp(row, 0, std::max(0, model()->rowCount() - 1)), 0);
+}
+
+void FileItemsView::currentChanged(const QModelIndex &current, const QModelIndex &previous) {
+    // Without a ring there is nothing to paint, to scroll to or to tell.
+    if (m_showsFocus)
+        QListView::currentChanged(current, previous);
+}
+
+void FileItemsView::showFocus() {
     m_showsFocus = true;
-    ensureVisible(m_current);
-    updateEntry(m_current);
-    announceFocus();
+    const int lines = viewport()->height() / pitch();
+    const int first = firstVisibleRow();
+    const int row = currentIndex().row();
+    if (row < first || row >= first + (lines + 1) * columns())
+        setCurrentIndex(model()->index(first, 0));
+    if (currentIndex().isValid())
+        currentChanged(currentIndex(), {});
+    else
+        viewport()->update();
 }
 
 void FileItemsView::hideFocus() {
     if (!std::exchange(m_showsFocus, false))
         return;
-    if (count() > 0)
-        updateEntry(m_current);
+    if (currentIndex().isValid())
+        update(currentIndex());
     else
         viewport()->update();
 }
 
-void FileItemsView::announceFocus() {
-    QAccessibleEvent event(this, QAccessible::Focus);
-    event.setChild(int(m_current));
-    QAccessible::updateAccessibility(&event);
-}
-
-void FileItemsView::keyPressEvent(QKeyEvent *event) {
-    if (focusedIndex() < 0 || event->modifiers() & ~Qt::KeypadModifier) {
-        QAbstractScrollArea::keyPressEvent(event);
-        return;
-    }
-    const int lineLength = columns();
-    const int page = std::max(1, viewport()->height() / pitch()) * lineLength;
-    const auto move = [this](qsizetype index) {
-        if (index >= 0 && index < count())
-            setFocusedIndex(index);
-    };
-    switch (event->key()) {
-    case Qt::Key_Up:
-        move(m_current - lineLength);
-        break;
-    case Qt::Key_Down:
-        move(m_current + lineLength);
-        break;
-    case Qt::Key_Left:
-        if (lineLength > 1)
-            move(m_current - 1);
-        break;
-    case Qt::Key_Right:
-        if (lineLength > 1)
-            move(m_current + 1);
-        break;
-    case Qt::Key_Home:
-        setFocusedIndex(0);
-        break;
-    case Qt::Key_End:
-        setFocusedIndex(count() - 1);
-        break;
-    case Qt::Key_PageUp:
-        setFocusedIndex(m_current - page);
-        break;
-    case Qt::Key_PageDown:
-        setFocusedIndex(m_current + page);
-        break;
-    case Qt::Key_Space:
-        Q_EMIT toggled(FileItem(m_contents.items.at(m_current)));
-        break;
-    default:
-        event->ignore();
-    }
-}
-
 void FileItemsView::focusInEvent(QFocusEvent *event) {
     const Qt::FocusReason reason = event->reason();
-    if (reason != Qt::TabFocusReason && reason != Qt::BacktabFocusReason &&
-        reason != Qt::ShortcutFocusReason) {
-        if (m_showsFocus)
-            viewport()->update();
-        return;
-    }
-    m_showsFocus = true;
-    const Range visible = visibleEntries();
-    if (m_current < visible.first || m_current > visible.last)
-        m_current = visible.first;
-    if (count() > 0)
-        setFocusedIndex(m_current);
-    else
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason)
+        showFocus();
+    else if (m_showsFocus)
         viewport()->update();
 }
 

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "Records/Enumerations.h"
+#include "Records/AndroidSearchScope.h"
 #include "Records/FileItem.h"
-
-#include <QList>
-#include <QSet>
+#include "Records/Pane.h"
 
 #include <functional>
 #include <optional>
@@ -20,13 +18,11 @@ struct Binding {
     std::function<void(const T &)> set;
 };
 
-/// Everything that a FilePaneView shows and calls. An absent callback (an empty function) or binding hides or
-/// disables its control. Copies share the lists.
+/// Everything that a FilePaneView shows and calls beside the entries. An absent callback (an empty function)
+/// or binding hides or disables its control.
 struct FilePane {
     QString title;
     QString pathLabel;
-    QList<FileItem> items = {};   ///< in the order in which they are shown
-    QSet<QUuid> selectedIDs = {}; ///< may hold more than what is among the items
     QString footerLeading = {};
     QString footerTrailing = {};
     std::function<void(const FileItem &)> onToggle = {}; ///< never absent
@@ -43,13 +39,11 @@ struct FilePane {
     std::optional<Binding<AndroidSearchScope>> searchScope = {};
     std::function<void()> onClearSearch = {}; ///< absent: the text is emptied
     bool showsItemLocation = false;
-    qint64 focusSearchToken = 0; ///< every change puts the caret into the search field
-    bool showsMacContextMenu = false;
-    bool showsOpenContextMenu = false;
+    qint64 focusSearchToken = 0;                        ///< every change puts the caret into the search field
+    bool showsMacContextMenu = false;                   ///< an entry offers the computer's commands
+    bool showsOpenContextMenu = false;                  ///< an entry offers "Open" alone
     std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
     Desktop *desktop = nullptr; ///< what the computer's context menu acts on; needed where that is shown
-
-    [[nodiscard]] PaneSelectAllState selectAllState() const;
 };
 
 } // namespace vantrel

@@ -5,10 +5,13 @@
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
+#include "State/PaneState.h"
 #include "Views/FileContextMenu.h"
+#include "Views/FileDelegate.h"
 #include "Views/FileGridView.h"
-#include "Views/FileListView.h"
+#include "Views/FileItemsModel.h"
 #include "Views/FileRow.h"
+#include "Views/FileSelectionModel.h"
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 
@@ -39,10 +42,7 @@ TextLabel *label(const QString &objectName, const TextStyle &style, const ThemeC
 /// The sign in front of the search field; assistive technology hears the field's own name.
 class SearchGlyph : public QWidget {
 public:
-    SearchGlyph() {
-        setFixedSize(m_symbol.naturalSize().toSize());
-        connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
-    }
+    SearchGlyph() { setFixedSize(m_symbol.naturalSize().toSize()); }
 
 protected:
     void paintEvent(QPaintEvent *) override {
@@ -83,31 +83,29 @@ void call(const std::function<void(Arguments...)> &callback,
 
 } // namespace
 
-PaneSelectAllState FilePane::selectAllState() const {
-    bool anySelected = false;
-    bool anyOther = false;
-    for (const FileItem &item : items) {
-        (selectedIDs.contains(item.id) ? anySelected : anyOther) = true;
-        if (anySelected && anyOther)
-            return PaneSelectAllState::partial;
-        if (selectedIDs.isEmpty())
-            break;
-    }
-    return anySelected ? PaneSelectAllState::all : PaneSelectAllState::none;
-}
-
 // -- Building
 
-FilePaneView::FilePaneView(QWidget *parent) : QWidget(parent) {
+FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
+    : QWidget(parent), m_state(state), m_items(new FileItemsModel(state, this)) {
+    auto *selection = new FileSelectionModel(m_items, this);
     m_header = makeHeader();
     m_searchBar = makeSearchBar();
     m_columnHeaders = makeColumnHeaders();
     m_gridBar = makeGridSelectAllBar();
-    m_list = new FileListView;
-    m_grid = new FileGridView;
+    m_list = new FileItemsView(m_items, selection, new FileRowDelegate);
+    m_list->setObjectName(QStringLiteral("fileList"));
+    m_grid = new FileGridView(m_items, selection);
+    m_grid->setObjectName(QStringLiteral("fileGrid"));
     m_footer = makeFooter();
-    for (FileItemsView *view : {static_cast<FileItemsView *>(m_list), static_cast<FileItemsView *>(m_grid)})
-        connectEntries(view);
+
+    const auto toggle = [this](const FileItem &item) { call(m_pane.onToggle, item); };
+    connect(selection, &FileSelectionModel::toggled, this, toggle);
+    for (FileItemsView *view : {m_list, m_grid}) {
+        connect(view, &FileItemsView::toggled, this, toggle);
+        connect(view, &FileItemsView::selected, this, &FilePaneView::select);
+        connect(view, &FileItemsView::opened, this, &FilePaneView::open);
+        connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
+    }
 
     auto *stack = new QVBoxLayout(this);
     stack->setContentsMargins(border, border, border, border);
@@ -117,9 +115,6 @@ FilePaneView::FilePaneView(QWidget *parent) : QWidget(parent) {
     stack->addWidget(m_list, 1);
     stack->addWidget(m_grid, 1);
     stack->addWidget(m_footer);
-
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, &FilePaneView::recolor);
-    recolor();
 }
 
 IconButton *FilePaneView::makeTool(const QString &objectName, const QString &symbol, const QString &help) {
@@ -255,22 +250,10 @@ QWidget *FilePaneView::makeFooter() {
     return withDivider(bar, Qt::TopEdge);
 }
 
-void FilePaneView::connectEntries(FileItemsView *view) {
-    connect(view, &FileItemsView::toggled, this,
-            [this](const FileItem &item) { call(m_pane.onToggle, item); });
-    connect(view, &FileItemsView::selected, this, &FilePaneView::select);
-    connect(view, &FileItemsView::opened, this, &FilePaneView::open);
-    connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
-}
-
 // -- Showing
 
 bool FilePaneView::isGrid() const {
     return m_pane.viewMode && m_pane.viewMode->value == PaneViewMode::grid;
-}
-
-FileItemsView *FilePaneView::entries() const {
-    return isGrid() ? static_cast<FileItemsView *>(m_grid) : m_list;
 }
 
 void FilePaneView::setPane(const FilePane &pane) {
@@ -294,19 +277,14 @@ void FilePaneView::setPane(const FilePane &pane) {
     showTools();
     showSearch();
 
-    showSelectAll(m_pane.selectAllState());
-
-    const FileItemsContents contents{m_pane.items, m_pane.selectedIDs, m_pane.showsItemLocation,
-                                     m_pane.showsMacContextMenu, m_pane.showsOpenContextMenu};
-    m_list->setContents(contents);
-    m_grid->setContents(contents);
+    m_items->follow(m_pane.showsItemLocation);
+    showSelectAll();
     // Another folder or another search is read from its beginning; a folder that is only listed again is not.
     if (before.pathLabel != m_pane.pathLabel || searchValue(before) != searchValue(m_pane)) {
-        m_list->scrollToTop();
-        m_grid->scrollToTop();
+        m_list->startAtTop();
+        m_grid->startAtTop();
     }
-    m_list->setVisible(!isGrid());
-    m_grid->setVisible(isGrid());
+    showEntries();
     m_columnHeaders->setVisible(!isGrid());
     m_gridBar->setVisible(isGrid() && m_pane.onToggleSelectAll);
 
@@ -360,9 +338,23 @@ void FilePaneView::showSearch() {
     m_clearSearch->setVisible(!m_pane.searchText->value.isEmpty());
 }
 
-void FilePaneView::showSelectAll(PaneSelectAllState state) {
+void FilePaneView::showEntries() {
+    FileItemsView *hidden = isGrid() ? m_list : m_grid;
+    const bool hadFocus = hidden->hasFocus();
+    const bool hadRing = hidden->focusedIndex().isValid();
+    // Hidden with the focus, it would hand it to the next control in line, which may be the other pane's.
+    if (hadFocus)
+        hidden->clearFocus();
+    hidden->hide();
+    entries()->show();
+    if (hadFocus)
+        entries()->setFocus(hadRing ? Qt::TabFocusReason : Qt::OtherFocusReason);
+}
+
+void FilePaneView::showSelectAll() {
+    const PaneSelectAllState state = m_state.selectAllState();
     for (SelectAllBox *box : {m_columnSelectAll, m_gridSelectAll}) {
-        box->setEnabled(m_pane.onToggleSelectAll && !m_pane.items.isEmpty());
+        box->setEnabled(m_pane.onToggleSelectAll && m_items->rowCount() > 0);
         box->setSelection(state);
     }
     m_gridSelectAllTitle->setText(SelectAllBox::title(state));
@@ -391,9 +383,8 @@ void FilePaneView::toggleSelectAll() {
     call(toggle);
 }
 
-void FilePaneView::showContextMenu(const FileEntry &entry, const QPoint &position) {
-    auto menu = fileContextMenu(
-        entry, [this, item = entry.item] { open(item); }, m_pane.desktop);
+void FilePaneView::showContextMenu(const FileItem &item, const QPoint &position) {
+    auto menu = fileContextMenu(m_pane, item, [this, item] { open(item); });
     if (!menu)
         return;
     menu->setParent(this, menu->windowFlags());
@@ -423,11 +414,6 @@ QSize FilePaneView::minimumSizeHint() const {
     constexpr int narrowest = 320;
     const QSize hint = QWidget::minimumSizeHint();
     return {qMax(narrowest, hint.width()), hint.height()};
-}
-
-void FilePaneView::recolor() {
-    setPalette(AppTheme::palette());
-    update();
 }
 
 void FilePaneView::paintEvent(QPaintEvent *) {

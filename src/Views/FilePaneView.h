@@ -8,27 +8,27 @@ class QLineEdit;
 
 namespace vantrel {
 
-class FileGridView;
+class FileItemsModel;
 class FileItemsView;
-class FileListView;
 class IconButton;
+class PaneState;
 class ScopePicker;
 class SelectAllBox;
 class TextLabel;
-struct FileEntry;
 
 /// A file browser: a title, a path, tools, a search row, the entries as a list or a grid, a footer. It knows
-/// neither phone nor computer; it shows a FilePane and reports what the user does through the FilePane's
-/// callbacks.
+/// neither phone nor computer; it shows a FilePane and the entries of a PaneState, and reports what the user
+/// does through the FilePane's callbacks.
 ///
 /// Long texts are shortened; none makes the pane wider.
 class FilePaneView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit FilePaneView(QWidget *parent = nullptr);
+    /// The state must outlive the view.
+    explicit FilePaneView(const PaneState &state, QWidget *parent = nullptr);
 
-    /// Shows this from now on. Only what differs is touched.
+    /// Shows this, and the entries as they are now. Only what differs is touched.
     void setPane(const FilePane &pane);
     [[nodiscard]] const FilePane &pane() const { return m_pane; }
 
@@ -46,21 +46,22 @@ private:
     [[nodiscard]] QWidget *makeGridSelectAllBar();
     [[nodiscard]] QWidget *makeFooter();
     [[nodiscard]] IconButton *makeTool(const QString &objectName, const QString &symbol, const QString &help);
-    void connectEntries(FileItemsView *view);
 
     void showTools();
     void showSearch();
-    void showSelectAll(PaneSelectAllState state);
+    void showSelectAll();
+    void showEntries();
     [[nodiscard]] bool isGrid() const;
-    [[nodiscard]] FileItemsView *entries() const;
+    [[nodiscard]] FileItemsView *entries() const { return isGrid() ? m_grid : m_list; }
 
     void open(const FileItem &item);
     void select(const FileItem &item);
     void clearSearch();
     void toggleSelectAll();
-    void showContextMenu(const FileEntry &entry, const QPoint &position);
-    void recolor();
+    void showContextMenu(const FileItem &item, const QPoint &position);
 
+    const PaneState &m_state;
+    FileItemsModel *m_items;
     FilePane m_pane;
     bool m_isFirst = true; ///< nothing was shown yet
 
@@ -87,8 +88,8 @@ private:
     SelectAllBox *m_gridSelectAll;
     TextLabel *m_gridSelectAllTitle;
 
-    FileListView *m_list;
-    FileGridView *m_grid;
+    FileItemsView *m_list;
+    FileItemsView *m_grid;
 
     QWidget *m_footer;
     TextLabel *m_footerLeading;

@@ -42,11 +42,6 @@ struct FileRow : FileEntry {
     /// Whether the name is too long to be shown in full.
     [[nodiscard]] bool cutsName(const QRectF &rect) const;
     void paint(QPainter &painter, const QRectF &rect) const;
-
-    /// Whether the two are painted alike.
-    friend bool operator==(const FileRow &a, const FileRow &b) {
-        return shareLook(a, b) && a.item.modifiedAt == b.item.modifiedAt;
-    }
 };
 
 } // namespace vantrel

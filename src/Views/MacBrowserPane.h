@@ -1,30 +1,19 @@
 #pragma once
 
-#include "Kit/RenderScheduler.h"
-
-#include <QWidget>
+#include "Views/BrowserPane.h"
 
 namespace vantrel {
 
-class AppState;
-class FilePaneView;
-class Spinner;
-
-/// The computer's file pane: a FilePaneView on the model.
-class MacBrowserPane : public QWidget {
+/// The computer's file pane.
+class MacBrowserPane : public BrowserPane {
     Q_OBJECT
 
 public:
     /// The state must outlive the view.
     explicit MacBrowserPane(AppState *state, QWidget *parent = nullptr);
 
-private:
-    void render();
-
-    AppState *m_state;
-    FilePaneView *m_pane;
-    Spinner *m_spinner;
-    RenderScheduler m_rendering{[this] { render(); }};
+protected:
+    void fill(FilePane &pane) override;
 };
 
 } // namespace vantrel

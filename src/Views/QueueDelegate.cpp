@@ -1,6 +1,5 @@
 #include "Views/QueueDelegate.h"
 
-#include "Kit/ProgressBar.h"
 #include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextStyle.h"

@@ -1,6 +1,5 @@
 #include "Views/QueueListView.h"
 
-#include "Kit/OverlayScrollBar.h"
 #include "Records/QueueItem.h"
 #include "Theme/AppTheme.h"
 #include "Views/QueueAccessibility.h"
@@ -40,11 +39,9 @@ QueueListView::QueueListView(QAbstractItemModel *queue, double radius, QWidget *
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
     verticalScrollBar()->setSingleStep(pitch() / 3);
-    new OverlayScrollBar(this);
     // The last row has no divider: the place where it would be lies below the list's edge.
     setViewportMargins(0, 0, 0, -dividerHeight);
     viewport()->setAutoFillBackground(false);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, viewport(), qOverload<>(&QWidget::update));
 }
 
 int QueueListView::heightOfRows(qsizetype count) {

@@ -34,7 +34,6 @@ ScopePicker::ScopePicker(QWidget *parent) : QComboBox(parent) {
     setFixedSize(sizeHint());
     connect(this, &QComboBox::activated, this,
             [this](int index) { Q_EMIT scopeChosen(allAndroidSearchScopes.at(size_t(index))); });
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 void ScopePicker::setScope(AndroidSearchScope scope) {

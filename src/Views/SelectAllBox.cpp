@@ -25,7 +25,6 @@ SelectAllBox::SelectAllBox(QWidget *parent) : QCheckBox(parent) {
     setFocusPolicy(Qt::TabFocus);
     setFixedSize(sizeHint());
     setSelection(PaneSelectAllState::none);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 QString SelectAllBox::title(PaneSelectAllState selection) {

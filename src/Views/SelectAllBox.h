@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Records/Enumerations.h"
+#include "Records/Pane.h"
 
 #include <QCheckBox>
 

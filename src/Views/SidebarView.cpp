@@ -3,8 +3,6 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Card.h"
 #include "Kit/IconButton.h"
-#include "Kit/OverlayScrollBar.h"
-#include "Kit/ProgressBar.h"
 #include "Kit/Shapes.h"
 #include "Kit/Spinner.h"
 #include "Kit/TextLabel.h"
@@ -13,6 +11,7 @@
 #include "Theme/AppTheme.h"
 
 #include <QPainter>
+#include <QProgressBar>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -21,6 +20,8 @@
 namespace vantrel {
 
 namespace {
+
+constexpr int storageSteps = 10'000; // finer than the bar has pixels
 
 /// The phone's picture; the same whether or not one is connected.
 class DeviceIcon : public QWidget {
@@ -121,7 +122,6 @@ SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_
     column->addWidget(sectionHeader(QStringLiteral("ANDROID STORAGE")));
     column->addWidget(shortcutList(), 1);
 
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
     m_rendering.watch(state, &AppState::deviceChanged, &AppState::deviceStatusMessageChanged,
                       &AppState::isRefreshingDeviceChanged, &AppState::isLoadingAndroidChanged,
                       &AppState::selectedShortcutIDChanged);
@@ -163,7 +163,9 @@ QWidget *SidebarView::deviceCard() {
     m_message = text(QStringLiteral("sidebar.device.message"), caption, AppTheme::inkTertiary());
     m_message->setMaximumLines(2);
     m_message->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    m_storage = new ProgressBar(6, card);
+    m_storage = new QProgressBar(card);
+    m_storage->setRange(0, storageSteps);
+    m_storage->setFixedHeight(6);
     m_storage->setObjectName(QStringLiteral("sidebar.storage"));
     m_storage->setAccessibleName(QStringLiteral("Storage used"));
     m_storageText = text(QStringLiteral("sidebar.storage.text"), caption, AppTheme::inkTertiary());
@@ -223,7 +225,6 @@ QWidget *SidebarView::shortcutList() {
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    new OverlayScrollBar(scroll);
     scroll->setFocusPolicy(Qt::NoFocus);
     scroll->viewport()->setAutoFillBackground(false);
 
@@ -268,8 +269,8 @@ void SidebarView::render() {
     m_message->setVisible(!message.isEmpty());
 
     const bool storageKnown = connected && device.totalBytes >= 1;
-    m_storage->setFraction(storageKnown ? double(device.usedBytes) / double(device.totalBytes) : 0);
-    m_storage->setColors(connected ? AppTheme::accent() : AppTheme::strokeStrong(), AppTheme::strokeStrong());
+    const double used = storageKnown ? double(device.usedBytes) / double(device.totalBytes) : 0;
+    m_storage->setValue(qBound(0, qRound(used * storageSteps), storageSteps));
     m_storageText->setText(storageKnown ? formatFileSize(device.usedBytes) + QStringLiteral(" / ") +
                                               formatFileSize(device.totalBytes)
                                         : unknownLabel() + QStringLiteral(" / ") + unknownLabel());

@@ -5,11 +5,12 @@
 #include <QList>
 #include <QWidget>
 
+class QProgressBar;
+
 namespace vantrel {
 
 class AppState;
 class IconButton;
-class ProgressBar;
 class Spinner;
 class TextLabel;
 class ShortcutRow;
@@ -41,7 +42,7 @@ private:
     TextLabel *m_status = nullptr;
     IconButton *m_refresh = nullptr;
     TextLabel *m_message = nullptr;
-    ProgressBar *m_storage = nullptr;
+    QProgressBar *m_storage = nullptr;
     TextLabel *m_storageText = nullptr;
     TextLabel *m_model = nullptr;
     QList<ShortcutRow *> m_shortcuts; ///< in the model's order

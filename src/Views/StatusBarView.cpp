@@ -33,7 +33,6 @@ StatusBarView::StatusBarView(AppState *state, QWidget *parent) : QWidget(parent)
     row->addWidget(m_speed);
     row->addWidget(m_remaining);
 
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
     m_rendering.watch(state, &AppState::queueChanged, &AppState::transferSpeedLabelChanged,
                       &AppState::remainingLabelChanged);
     m_rendering.renderNow();

@@ -3,7 +3,6 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Card.h"
 #include "Kit/IconButton.h"
-#include "Kit/ProgressBar.h"
 #include "Kit/TextLabel.h"
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
@@ -11,6 +10,7 @@
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueListView.h"
 
+#include <QProgressBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -25,6 +25,7 @@ constexpr int hintPadding = 14;
 constexpr double cardRadius = 10;
 constexpr int barHeight = 5;
 constexpr int barWidth = 120;
+constexpr int barSteps = 10 * barWidth;
 
 } // namespace
 
@@ -40,9 +41,11 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     m_note->setText(QStringLiteral("Copy only — originals are kept"));
     m_figures = new TextLabel({11, Weight::medium}, AppTheme::inkSecondary(), m_header);
     m_figures->setObjectName(QStringLiteral("queue.figures"));
-    m_bar = new ProgressBar(barHeight, m_header);
+    m_bar = new QProgressBar(m_header);
     m_bar->setObjectName(QStringLiteral("queue.bar"));
-    m_bar->setFixedWidth(barWidth);
+    m_bar->setAccessibleName(QStringLiteral("Progress of all copies"));
+    m_bar->setRange(0, barSteps);
+    m_bar->setFixedSize(barWidth, barHeight);
     m_tryAll = makeButton("queue.tryAll", QStringLiteral("arrow.clockwise"), QStringLiteral("Try all again"));
     m_keepAll = makeButton("queue.keepAll", QStringLiteral("doc.on.doc"),
                            QStringLiteral("Keep both wherever another content is already there"));
@@ -122,9 +125,8 @@ void TransferQueueView::renderFigures() {
         text += QStringLiteral(" · %1 of %2")
                     .arg(formatFileSize(queue.doneBytes()), formatFileSize(queue.totalBytes()));
     m_figures->setText(text);
-    m_bar->setFraction(queue.totalBytes() > 0
-                           ? static_cast<double>(queue.doneBytes()) / static_cast<double>(queue.totalBytes())
-                           : 0);
+    const double total = std::max(static_cast<double>(queue.totalBytes()), 1.0);
+    m_bar->setValue(static_cast<int>(barSteps * (static_cast<double>(queue.doneBytes()) / total)));
 }
 
 void TransferQueueView::renderPause() {

@@ -4,12 +4,13 @@
 
 #include <QWidget>
 
+class QProgressBar;
+
 namespace vantrel {
 
 class AppState;
 class Card;
 class IconButton;
-class ProgressBar;
 class QueueListView;
 class TextLabel;
 
@@ -37,7 +38,7 @@ private:
     AppState *m_state;
     QWidget *m_header;
     TextLabel *m_figures;
-    ProgressBar *m_bar;
+    QProgressBar *m_bar;
     TextLabel *m_note;
     IconButton *m_tryAll;
     IconButton *m_keepAll;

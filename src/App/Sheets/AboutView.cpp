@@ -1,13 +1,14 @@
 #include "App/Sheets/AboutView.h"
 
-#include "App/Sheets/SheetButtons.h"
 #include "App/System/Product.h"
+#include "Kit/AppStyle.h"
 #include "Kit/Divider.h"
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 
 #include <QDesktopServices>
 #include <QPainter>
+#include <QPushButton>
 #include <QSvgRenderer>
 #include <QVBoxLayout>
 
@@ -40,21 +41,21 @@ TextLabel *centred(const QString &text, const TextStyle &style, const ThemeColor
     return label;
 }
 
-LinkButton *link(const QString &title, const QString &help, const QString &name) {
-    auto *button = new LinkButton(title);
-    button->setToolTip(help);
-    button->setAccessibleDescription(help);
-    button->setObjectName(name);
-    return button;
-}
-
 } // namespace
 
 AboutView::AboutView(QWidget *window, const AboutTexts &texts)
     : Sheet(QStringLiteral("About ") + product::name(), viewWidth, window), m_texts(texts) {
     constexpr TextStyle small{.size = 12, .weight = Weight::medium};
     constexpr int gap = 18;
-    constexpr int linkGap = gap - LinkButton::margin; // a link has room around its text
+    constexpr int linkGap = gap - AppStyle::linkMargin; // a link has room around its text
+    const auto link = [this](const QString &title, const QString &help, const QString &name) {
+        QPushButton *button = makeButton(title, name);
+        button->setFlat(true);
+        button->setCursor(Qt::PointingHandCursor);
+        button->setToolTip(help);
+        button->setAccessibleDescription(help);
+        return button;
+    };
     auto *main = new QVBoxLayout;
     main->setContentsMargins(28, 28, 28, 22);
     main->setSpacing(0);
@@ -65,8 +66,8 @@ AboutView::AboutView(QWidget *window, const AboutTexts &texts)
     main->addWidget(centred(QStringLiteral("Transfer files between Mac and Android"),
                             {.size = 13, .weight = Weight::medium}, AppTheme::inkSecondary()));
     main->addSpacing(linkGap);
-    LinkButton *site = link(product::websiteDomain(), QStringLiteral("Open ") + product::websiteDomain(),
-                            QStringLiteral("about.website"));
+    QPushButton *site = link(product::websiteDomain(), QStringLiteral("Open ") + product::websiteDomain(),
+                             QStringLiteral("about.website"));
     connect(site, &QAbstractButton::clicked, this, &AboutView::openWebsite);
     main->addWidget(site, 0, Qt::AlignHCenter);
     main->addSpacing(linkGap);
@@ -74,9 +75,9 @@ AboutView::AboutView(QWidget *window, const AboutTexts &texts)
         centred(QStringLiteral("Connect your phone with USB debugging on."), small, AppTheme::inkTertiary()));
     main->addSpacing(gap + 2);
     main->addWidget(centred(QStringLiteral("Found a bug or have an idea?"), small, AppTheme::inkTertiary()));
-    main->addSpacing(6 - LinkButton::margin);
-    LinkButton *mail = link(QStringLiteral("Send Feedback"), QStringLiteral("Email feedback about Vantrel"),
-                            QStringLiteral("about.feedback"));
+    main->addSpacing(6 - AppStyle::linkMargin);
+    QPushButton *mail = link(QStringLiteral("Send Feedback"), QStringLiteral("Email feedback about Vantrel"),
+                             QStringLiteral("about.feedback"));
     connect(mail, &QAbstractButton::clicked, this, &AboutView::openFeedbackMail);
     main->addWidget(mail, 0, Qt::AlignHCenter);
     main->addSpacing(linkGap + 4);
@@ -84,11 +85,10 @@ AboutView::AboutView(QWidget *window, const AboutTexts &texts)
     content()->addLayout(main);
 
     content()->addWidget(new Divider);
-    auto *close = new BorderedButton(QStringLiteral("Close"), BorderedButton::Prominence::prominent);
+    QPushButton *close = makeButton(QStringLiteral("Close"), QStringLiteral("about.close"));
+    close->setDefault(true);
     close->setToolTip(QStringLiteral("Close About"));
-    close->setObjectName(QStringLiteral("about.close"));
     connect(close, &QAbstractButton::clicked, this, &QDialog::accept);
-    setDefaultButton(close);
     content()->addSpacing(14);
     content()->addWidget(close, 0, Qt::AlignHCenter);
     content()->addSpacing(14);

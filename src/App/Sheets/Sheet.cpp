@@ -4,10 +4,9 @@
 #include "Kit/WindowFrame.h"
 #include "Theme/AppTheme.h"
 
-#include <QAbstractButton>
 #include <QPainter>
 #include <QPainterPath>
-#include <QShortcut>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -52,16 +51,19 @@ Sheet::Sheet(const QString &name, int width, QWidget *window)
         setAttribute(Qt::WA_TranslucentBackground);
         m_hasRoundCorners = true;
     }
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 Sheet::~Sheet() {
     delete m_dimming;
 }
 
-void Sheet::setDefaultButton(QAbstractButton *button) {
-    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
-        connect(new QShortcut(key, this), &QShortcut::activated, button, [button] { button->click(); });
+QPushButton *Sheet::makeButton(const QString &title, const QString &objectName) {
+    auto *button = new QPushButton(title, this);
+    button->setObjectName(objectName);
+    button->setAutoDefault(false);        // or Return would press the one that has the keyboard
+    button->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it was
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    return button;
 }
 
 void Sheet::showEvent(QShowEvent *event) {

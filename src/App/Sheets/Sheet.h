@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <QPointer>
 
-class QAbstractButton;
+class QPushButton;
 class QVBoxLayout;
 
 namespace vantrel {
@@ -25,8 +25,8 @@ protected:
     /// Where subclasses put their content, from top to bottom, without margins.
     [[nodiscard]] QVBoxLayout *content() const { return m_content; }
 
-    /// The button that Return presses, wherever the keyboard is.
-    void setDefaultButton(QAbstractButton *button);
+    /// A button for the content. Return presses the one that is made the default, wherever the keyboard is.
+    [[nodiscard]] QPushButton *makeButton(const QString &title, const QString &objectName);
 
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;

@@ -1,11 +1,11 @@
 #include "App/Sheets/TextPrompt.h"
 
-#include "App/Sheets/SheetButtons.h"
 #include "App/System/DialogAnswer.h"
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 
 #include <QLineEdit>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -26,13 +26,11 @@ TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
     m_field->setFixedSize(240, 24);
     m_field->setFont(TextStyle{13}.font());
 
-    auto *cancel = new BorderedButton(question.cancelLabel, BorderedButton::Prominence::normal, this);
-    cancel->setObjectName(QStringLiteral("textPrompt.cancel"));
-    auto *accept = new BorderedButton(question.acceptLabel, BorderedButton::Prominence::prominent, this);
-    accept->setObjectName(QStringLiteral("textPrompt.accept"));
+    QPushButton *cancel = makeButton(question.cancelLabel, QStringLiteral("textPrompt.cancel"));
+    QPushButton *accept = makeButton(question.acceptLabel, QStringLiteral("textPrompt.accept"));
+    accept->setDefault(true);
     connect(cancel, &QAbstractButton::clicked, this, &QDialog::reject);
     connect(accept, &QAbstractButton::clicked, this, &QDialog::accept);
-    setDefaultButton(accept);
 
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(8);

@@ -1,12 +1,12 @@
 #include "App/Sheets/UpdateView.h"
 
-#include "App/Sheets/SheetButtons.h"
 #include "Kit/Divider.h"
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 
 #include <QDesktopServices>
 #include <QHBoxLayout>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -44,22 +44,19 @@ UpdateView::UpdateView(QWidget *window, const UpdateResult &result, const AppVer
     buttons->setSpacing(8);
     buttons->addStretch();
     const bool offersPage = !message.actionLabel.isEmpty();
-    auto *close = new BorderedButton(offersPage ? QStringLiteral("Later") : QStringLiteral("OK"),
-                                     offersPage ? BorderedButton::Prominence::normal
-                                                : BorderedButton::Prominence::prominent);
-    close->setObjectName(QStringLiteral("update.close"));
+    QPushButton *close = makeButton(offersPage ? QStringLiteral("Later") : QStringLiteral("OK"),
+                                    QStringLiteral("update.close"));
+    close->setDefault(!offersPage);
     connect(close, &QAbstractButton::clicked, this, &QDialog::reject);
     buttons->addWidget(close);
-    setDefaultButton(close);
     if (offersPage) {
-        auto *open = new BorderedButton(message.actionLabel, BorderedButton::Prominence::prominent);
-        open->setObjectName(QStringLiteral("update.open"));
+        QPushButton *open = makeButton(message.actionLabel, QStringLiteral("update.open"));
+        open->setDefault(true);
         connect(open, &QAbstractButton::clicked, this, [this, page = result.downloadPage] {
             QDesktopServices::openUrl(page);
             accept();
         });
         buttons->addWidget(open);
-        setDefaultButton(open);
     }
     buttons->addStretch();
     content()->addLayout(buttons);

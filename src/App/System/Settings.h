@@ -2,25 +2,34 @@
 
 #include "Theme/AppTheme.h"
 
+#ifndef Q_OS_MACOS
+#include "Preferences/PreferencesFile.h"
+#endif
+
+#include <QObject>
 #include <QSettings>
 #include <QString>
+#include <QTimer>
 
 #include <chrono>
 
 namespace vantrel {
 
 /// The few choices that outlive a start of the program. Whatever state the stored settings are in, there is
-/// an answer: what is missing, unreadable or nonsense counts as not set, and a choice that cannot be stored
-/// holds until the program ends. Main thread.
-class Settings {
+/// an answer: what is missing or nonsense counts as not set, and a choice that cannot be stored holds until
+/// the program ends. Changes are stored a moment later by themselves. Main thread.
+class Settings : public QObject {
+    Q_OBJECT
+
 public:
     /// How long the mouse rests before a tool tip appears.
     static constexpr std::chrono::milliseconds toolTipDelay{250};
 
     /// The settings of the user.
     Settings();
-    /// Those in a file of this path, in the INI format.
+    /// Those in a file of this path.
     explicit Settings(const QString &path);
+    ~Settings() override;
 
     /// Only the stored text "dark" is dark.
     [[nodiscard]] ColorScheme appearancePreference() const;
@@ -33,15 +42,31 @@ public:
     /// not set. On the Mac this is the choice made in the system's own settings.
     [[nodiscard]] QString doubleClickAction() const;
 
-    /// Whether the user wants no usage signals to be sent.
+    /// Whether the user wants no usage signals to be sent. Settings that are there but cannot be read may
+    /// hold that wish: then it counts as said, until it is taken back here.
     [[nodiscard]] bool analyticsDisabled() const;
+    void setAnalyticsDisabled(bool disabled);
 
-    /// Writes what has changed; otherwise that happens a moment later by itself. False when it could not be
-    /// stored.
+    /// Writes what has changed at once. False when it could not be stored.
     bool save();
+    /// Why the latest changes could not be stored, as a sentence for the user; empty when they were.
+    [[nodiscard]] const QString &problem() const { return m_problem; }
+
+Q_SIGNALS:
+    void analyticsDisabledChanged(bool disabled);
+    void problemChanged(const QString &problem);
 
 private:
+    [[nodiscard]] QString value(const QString &key) const;
+    void setValue(const QString &key, const QString &value);
+
+#ifdef Q_OS_MACOS
     QSettings m_store;
+#else
+    PreferencesFile m_store;
+#endif
+    QTimer m_saving;
+    QString m_problem;
 };
 
 } // namespace vantrel

@@ -2,6 +2,7 @@
 
 #include <QDeadlineTimer>
 #include <QLocalSocket>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
@@ -18,11 +19,19 @@ constexpr int connectionLifetime = 5000;
 
 const QByteArray request = QByteArrayLiteral("raise ");
 
+QString baseName(const QString &directory, const QString &screen) {
+    if (directory.isEmpty())
+        return {};
+    static const QRegularExpression special(QStringLiteral("[^A-Za-z0-9.-]"));
+    const QString base = directory + QStringLiteral("/vantrel");
+    // The name of a socket must be short, and what is special about a screen stands at its end.
+    return screen.isEmpty() ? base : base + u'-' + screen.right(24).replace(special, QStringLiteral("_"));
+}
+
 } // namespace
 
-SingleInstance::SingleInstance(QString directory, QObject *parent)
-    : QObject(parent), m_directory(std::move(directory)),
-      m_socketPath(m_directory + QStringLiteral("/vantrel.socket")) {
+SingleInstance::SingleInstance(const QString &directory, const QString &screen, QObject *parent)
+    : QObject(parent), m_base(baseName(directory, screen)), m_socketPath(m_base + QStringLiteral(".socket")) {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket *connection = m_server.nextPendingConnection())
@@ -34,10 +43,15 @@ QString SingleInstance::userDirectory() {
     return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
 }
 
+QString SingleInstance::userScreen() {
+    const QString wayland = qEnvironmentVariable("WAYLAND_DISPLAY");
+    return wayland.isEmpty() ? qEnvironmentVariable("DISPLAY") : wayland;
+}
+
 SingleInstance::Role SingleInstance::claim(const QByteArray &activationToken, int patience) {
-    if (m_directory.isEmpty())
+    if (m_base.isEmpty())
         return Role::alone;
-    m_lock = std::make_unique<QLockFile>(m_directory + QStringLiteral("/vantrel.lock"));
+    m_lock = std::make_unique<QLockFile>(m_base + QStringLiteral(".lock"));
     m_lock->setStaleLockTime(0); // a lock is as old as its program; only a dead one's lock is stale
     if (m_lock->tryLock(0)) {
         listen();

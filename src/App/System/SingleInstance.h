@@ -12,8 +12,9 @@ class QLocalSocket;
 
 namespace vantrel {
 
-/// Sees to it that a user has one running program: the first start keeps a lock and listens; a later one asks
-/// it to come to the front and is done. Where neither is possible the program simply runs. Main thread.
+/// Sees to it that a user has one running program on a screen: the first start keeps a lock and listens; a
+/// later one asks it to come to the front and is done. Where neither is possible the program simply runs.
+/// Main thread.
 class SingleInstance : public QObject {
     Q_OBJECT
 
@@ -24,11 +25,15 @@ public:
         alone,  ///< could not find out; run, but nobody will hear of it
     };
 
-    /// `directory` holds the lock and the socket; it should belong to the user alone. Nothing happens yet.
-    explicit SingleInstance(QString directory, QObject *parent = nullptr);
+    /// `directory` holds the lock and the socket; it should belong to the user alone. `screen` tells apart
+    /// the sessions of one user: a window on another screen helps nobody. Nothing happens yet.
+    explicit SingleInstance(const QString &directory, const QString &screen = userScreen(),
+                            QObject *parent = nullptr);
 
     /// The user's directory for such things.
     [[nodiscard]] static QString userDirectory();
+    /// What the desktop calls the screen that this program's window would appear on; may be empty.
+    [[nodiscard]] static QString userScreen();
 
     /// Finds the role. Takes up to `patience` milliseconds when another start holds the lock but does not
     /// answer. `activationToken` is what the desktop gave this start to let it come to the front; may be
@@ -44,7 +49,7 @@ private:
     void listen();
     void receive(QLocalSocket *connection);
 
-    QString m_directory;
+    QString m_base; // of the names of both files; empty: there is no place for them
     QString m_socketPath;
     std::unique_ptr<QLockFile> m_lock;
     QLocalServer m_server;

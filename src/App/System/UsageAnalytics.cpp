@@ -34,14 +34,25 @@ ApplicationFacts applicationFacts() {
 
 } // namespace
 
-void startUsageAnalytics(const Settings &settings) {
-    TelemetryManagerConfiguration configuration(analyticsAppID(), {}, QUrl(version::analyticsService()),
-                                                QStringLiteral("com.vantrelapp"));
-    configuration.analyticsDisabled = settings.analyticsDisabled();
+bool hasAnalyticsService() {
+    return !version::analyticsService().isEmpty();
+}
+
+void startUsageAnalytics(const Settings &settings, const QUrl &service) {
+    if (service.isEmpty())
+        return;
+    const TelemetryManagerConfiguration configuration(analyticsAppID(), {}, service,
+                                                      QStringLiteral("com.vantrelapp"));
     TelemetryEnvironment environment;
     environment.applicationFacts = applicationFacts;
-    if (!TelemetryDeck::initialize(std::move(configuration), std::move(environment)))
-        return;
+    const auto follow = [configuration, environment](bool disabled) {
+        if (disabled)
+            TelemetryDeck::forget(configuration, environment);
+        else
+            TelemetryDeck::initialize(configuration, environment);
+    };
+    follow(settings.analyticsDisabled());
+    QObject::connect(&settings, &Settings::analyticsDisabledChanged, qGuiApp, follow);
     QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, qGuiApp,
                      [](Qt::ApplicationState state) {
                          state == Qt::ApplicationActive ? TelemetryDeck::returnedToForeground()

@@ -1,18 +1,15 @@
 #pragma once
 
 #include "App/Updates/Appcast.h"
+#include "Network/HttpExchange.h"
 
 #include <QObject>
 #include <QSslConfiguration>
 #include <QString>
-#include <QTimer>
 #include <QUrl>
 
 #include <chrono>
 #include <optional>
-
-class QNetworkAccessManager;
-class QNetworkReply;
 
 namespace vantrel {
 
@@ -43,7 +40,7 @@ class Updater : public QObject {
 
 public:
     /// A feed larger than this is refused.
-    static constexpr qint64 maximumFeedSize = 1024 * 1024;
+    static constexpr qint64 maximumFeedSize = 1'048'576;
 
     struct Configuration {
         QUrl feed; ///< empty: this build has none, and no check is ever offered
@@ -64,6 +61,9 @@ public:
     [[nodiscard]] bool canCheckForUpdates() const { return m_canCheck; }
     [[nodiscard]] const AppVersion &installedVersion() const { return m_configuration.installed; }
 
+    /// Why no check is ever offered, for the user; empty in a build with a feed.
+    [[nodiscard]] QString whyNever() const;
+
     /// Starts a check whose outcome comes as checked(); does nothing while canCheckForUpdates() is false.
     void checkForUpdates();
 
@@ -73,21 +73,12 @@ Q_SIGNALS:
 
 private:
     void setCanCheck(bool canCheck);
-    void request(const QUrl &address);
-    void follow(const QUrl &target);
-    void receive();
-    void replyFinished();
-    void fail(const QString &reason);
     void finish(const UpdateResult &result);
-    [[nodiscard]] UpdateResult judge(const QByteArray &feed) const;
+    [[nodiscard]] UpdateResult judge(const tl::expected<HttpResponse, HttpError> &answer) const;
+    [[nodiscard]] UpdateResult judge(const Appcast &feed) const;
     [[nodiscard]] bool mayOpen(const QUrl &page) const;
 
     Configuration m_configuration;
-    QNetworkAccessManager *m_network = nullptr; ///< from the first check on: it loads the TLS libraries
-    QTimer m_deadline;
-    QNetworkReply *m_reply = nullptr; ///< of the check that runs
-    QByteArray m_body;
-    int m_redirects = 0;
     bool m_canCheck = false;
 };
 

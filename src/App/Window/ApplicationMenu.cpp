@@ -1,7 +1,9 @@
 #include "App/Window/ApplicationMenu.h"
 
+#include "Analytics/TelemetryDeck.h"
 #include "App/Sheets/UpdateView.h"
 #include "App/System/Product.h"
+#include "App/System/Settings.h"
 #include "App/Updates/Updater.h"
 #include "Kit/IconButton.h"
 #include "Kit/TextStyle.h"
@@ -14,9 +16,21 @@
 
 namespace vantrel {
 
-#ifndef Q_OS_MACOS
-
 namespace {
+
+/// Says more about an action, to those who point at it.
+void explain(QAction *action, const QString &text) {
+    action->setToolTip(text);
+    action->setStatusTip(text);
+}
+
+/// Says below an action why it is grey: in words of their own, because assistive technology is told of a menu
+/// item's name and no more.
+void addReason(QMenu *menu, const QString &text) {
+    menu->addAction(text)->setEnabled(false);
+}
+
+#ifndef Q_OS_MACOS
 
 /// The toolkit's own menus know only the palette.
 void dress(QMenu *menu) {
@@ -33,26 +47,22 @@ void dress(QMenu *menu) {
                  hex(AppTheme::stroke())));
 }
 
-} // namespace
-
 #endif
 
-ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater)
-    : QObject(window), m_menu(new QMenu(product::name(), window)) {
+} // namespace
+
+ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater, Settings *settings,
+                                 bool canSendSignals)
+    : QObject(window), m_window(window), m_menu(new QMenu(product::name(), window)) {
+    m_menu->setToolTipsVisible(true);
     m_about = m_menu->addAction(QStringLiteral("About ") + product::name());
     m_about->setMenuRole(QAction::AboutRole);
     connect(m_about, &QAction::triggered, this, &ApplicationMenu::aboutRequested);
 
-    m_update = m_menu->addAction(QStringLiteral("Check for Updates…"));
-    m_update->setMenuRole(QAction::ApplicationSpecificRole);
-    m_update->setEnabled(updater->canCheckForUpdates());
-    connect(updater, &Updater::canCheckForUpdatesChanged, m_update, &QAction::setEnabled);
-    connect(m_update, &QAction::triggered, updater, &Updater::checkForUpdates);
-    connect(updater, &Updater::checked, this, [window, updater](const UpdateResult &result) {
-        auto *view = new UpdateView(window, result, updater->installedVersion());
-        view->setAttribute(Qt::WA_DeleteOnClose);
-        view->open();
-    });
+    addUpdates(updater);
+    if (canSendSignals)
+        addAnalytics(settings);
+    addProblem(settings);
 
     m_menu->addSeparator();
     m_quit = m_menu->addAction(QStringLiteral("Quit ") + product::name());
@@ -68,9 +78,65 @@ ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater)
     connect(this, &QObject::destroyed, menuBar, &QObject::deleteLater);
 #else
     window->addActions(m_menu->actions());
-    dress(m_menu);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, m_menu, [menu = m_menu] { dress(menu); });
 #endif
+}
+
+void ApplicationMenu::addUpdates(Updater *updater) {
+    m_update = m_menu->addAction(QStringLiteral("Check for Updates…"));
+    m_update->setMenuRole(QAction::ApplicationSpecificRole);
+    m_update->setEnabled(updater->canCheckForUpdates());
+    if (const QString reason = updater->whyNever(); !reason.isEmpty()) {
+        explain(m_update, reason);
+        addReason(m_menu, reason);
+    }
+    connect(updater, &Updater::canCheckForUpdatesChanged, m_update, &QAction::setEnabled);
+    connect(m_update, &QAction::triggered, updater, &Updater::checkForUpdates);
+    connect(updater, &Updater::checked, this,
+            [this, updater](const UpdateResult &result) { show(result, *updater); });
+}
+
+void ApplicationMenu::addAnalytics(Settings *settings) {
+    m_analytics = m_menu->addAction(QStringLiteral("Send Anonymous Usage Statistics"));
+    m_analytics->setMenuRole(QAction::ApplicationSpecificRole);
+    m_analytics->setCheckable(true);
+    const bool isDeclined = TelemetryDeck::isDeclinedByEnvironment();
+    m_analytics->setChecked(!isDeclined && !settings->analyticsDisabled());
+    m_analytics->setEnabled(!isDeclined);
+    explain(m_analytics,
+            QStringLiteral("Never holds names of files, folders or phones. Turning it off removes "
+                           "what was kept for it."));
+    if (isDeclined)
+        addReason(m_menu, QStringLiteral("Off, because DO_NOT_TRACK is set"));
+    connect(m_analytics, &QAction::triggered, settings,
+            [settings](bool isOn) { settings->setAnalyticsDisabled(!isOn); });
+}
+
+void ApplicationMenu::addProblem(Settings *settings) {
+    m_problem = m_menu->addAction(QStringLiteral("Settings Cannot Be Stored"));
+    m_problem->setEnabled(false);
+    const auto render = [this](const QString &problem) {
+        m_problem->setVisible(!problem.isEmpty());
+        explain(m_problem, problem);
+    };
+    render(settings->problem());
+    connect(settings, &Settings::problemChanged, this, render);
+}
+
+void ApplicationMenu::show(const UpdateResult &result, const Updater &updater) {
+    for (Sheet *sheet : m_window->findChildren<Sheet *>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!sheet->isVisible())
+            continue;
+        if (!qobject_cast<UpdateView *>(sheet)) {
+            connect(
+                sheet, &QDialog::finished, this, [this, result, &updater] { show(result, updater); },
+                Qt::SingleShotConnection);
+            return;
+        }
+        sheet->close();
+    }
+    auto *view = new UpdateView(m_window, result, updater.installedVersion());
+    view->setAttribute(Qt::WA_DeleteOnClose);
+    view->open();
 }
 
 QWidget *ApplicationMenu::createButton(QWidget *parent) const {
@@ -84,6 +150,7 @@ QWidget *ApplicationMenu::createButton(QWidget *parent) const {
     button->setHelp(QStringLiteral("Menu"));
     button->setObjectName(QStringLiteral("applicationMenu"));
     connect(button, &QAbstractButton::clicked, m_menu, [menu = m_menu, button] {
+        dress(menu); // in the scheme of the moment
         const QSize size = menu->sizeHint();
         menu->popup(button->mapToGlobal(QPoint(button->width() - size.width(), button->height() + 2)));
     });

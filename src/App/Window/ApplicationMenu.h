@@ -1,5 +1,7 @@
 #pragma once
 
+#include "App/System/UsageAnalytics.h"
+
 #include <QObject>
 
 class QAction;
@@ -9,7 +11,9 @@ class QWidget;
 
 namespace vantrel {
 
+class Settings;
 class Updater;
+struct UpdateResult;
 
 /// The commands that concern the program as a whole. On the Mac they are in the menu bar, where the system
 /// puts them below the program's name; elsewhere behind a button for the title bar. Their shortcuts work
@@ -18,8 +22,10 @@ class ApplicationMenu : public QObject {
     Q_OBJECT
 
 public:
-    /// "Check for Updates…" follows the updater. Lives as long as the window.
-    ApplicationMenu(QMainWindow *window, Updater *updater);
+    /// "Check for Updates…" follows the updater, the switch for usage statistics the settings; there is one
+    /// only where `canSendSignals`. Both must outlive the window, this lives as long as it.
+    ApplicationMenu(QMainWindow *window, Updater *updater, Settings *settings,
+                    bool canSendSignals = hasAnalyticsService());
 
     /// A new button that opens the menu; null on the Mac.
     [[nodiscard]] QWidget *createButton(QWidget *parent) const;
@@ -27,15 +33,28 @@ public:
     [[nodiscard]] QAction *aboutAction() const { return m_about; }
     [[nodiscard]] QAction *updateAction() const { return m_update; }
     [[nodiscard]] QAction *quitAction() const { return m_quit; }
+    /// The switch for usage statistics; null where none can be sent.
+    [[nodiscard]] QAction *analyticsAction() const { return m_analytics; }
+    /// Says that the settings cannot be stored; visible while that is so.
+    [[nodiscard]] QAction *problemAction() const { return m_problem; }
 
 Q_SIGNALS:
     /// "About Vantrel" was chosen.
     void aboutRequested();
 
 private:
+    void addUpdates(Updater *updater);
+    void addAnalytics(Settings *settings);
+    void addProblem(Settings *settings);
+    /// Shows the outcome of a check, in place of an earlier one, once no other sheet is open.
+    void show(const UpdateResult &result, const Updater &updater);
+
+    QMainWindow *m_window;
     QMenu *m_menu;
     QAction *m_about;
     QAction *m_update;
+    QAction *m_analytics = nullptr;
+    QAction *m_problem;
     QAction *m_quit;
 };
 

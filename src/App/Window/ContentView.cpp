@@ -41,16 +41,13 @@ ContentView::ContentView(AppState *state, QWidget *parent) : QWidget(parent) {
     stack->setSpacing(0);
     stack->addLayout(columns, 1);
     stack->addWidget(new StatusBarView(state, this));
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 void ContentView::paintEvent(QPaintEvent *) {
     QPainter(this).fillRect(rect(), AppTheme::surface());
 }
 
-ContentGround::ContentGround(QWidget *parent) : QWidget(parent) {
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
-}
+ContentGround::ContentGround(QWidget *parent) : QWidget(parent) {}
 
 void ContentGround::paintEvent(QPaintEvent *) {
     QPainter painter(this);
@@ -64,7 +61,6 @@ BrowserColumn::BrowserColumn(QWidget *browser, QWidget *queue, QWidget *parent)
     : QWidget(parent), m_browser(browser), m_queue(queue) {
     m_browser->setParent(this);
     m_queue->setParent(this);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 QSize BrowserColumn::minimumSizeHint() const {

@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
+#include <QScreen>
 
 #include <utility>
 
@@ -24,9 +25,9 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
       m_state(AppState::designPreview(desktop)), m_pollTimer(new QTimer(this)) {
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
-    setMinimumSize(minimum);
-    resize(standard);
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
+    m_chrome->setMinimumSize(minimum);
+    resize(screen() ? standard.boundedTo(screen()->availableSize()) : standard);
     setCentralWidget(new ContentGround(this));
 
     m_pollTimer->setObjectName(QStringLiteral("devicePoll"));
@@ -58,7 +59,6 @@ void MainWindow::addToolbarButtons() {
         setAppearancePreference(AppTheme::scheme() == ColorScheme::dark ? ColorScheme::light
                                                                         : ColorScheme::dark);
     });
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, &MainWindow::renderAppearanceButton);
     renderAppearanceButton();
 
     auto *about = new ToolbarButton(bar);
@@ -69,7 +69,7 @@ void MainWindow::addToolbarButtons() {
 
     bar->addToolbarWidget(m_appearance);
     bar->addToolbarWidget(about);
-    auto *menu = new ApplicationMenu(this, &m_updater);
+    auto *menu = new ApplicationMenu(this, &m_updater, &m_settings);
     connect(menu, &ApplicationMenu::aboutRequested, this, &MainWindow::showAbout);
     if (QWidget *button = menu->createButton(bar))
         bar->addToolbarWidget(button);
@@ -104,6 +104,8 @@ bool MainWindow::event(QEvent *event) {
                 first->clearFocus();
         });
     }
+    if (event->type() == QEvent::PaletteChange && m_appearance)
+        renderAppearanceButton();
     return QMainWindow::event(event);
 }
 

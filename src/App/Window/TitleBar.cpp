@@ -102,7 +102,6 @@ TitleBar::TitleBar(QWidget *parent) : QWidget(parent), m_toolbar(new QHBoxLayout
     band->addStretch(); // until the title, which comes before it, takes all there is
     m_toolbar->setSpacing(2);
     band->addLayout(m_toolbar);
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, this, qOverload<>(&QWidget::update));
 }
 
 QAbstractButton *TitleBar::button(WindowButton button) const {

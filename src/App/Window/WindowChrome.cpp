@@ -13,6 +13,7 @@
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QCursor>
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -78,7 +79,6 @@ WindowChrome::WindowChrome(QMainWindow *window, std::function<QString()> doubleC
             break;
         }
     });
-    connect(&AppTheme::instance(), &AppTheme::schemeChanged, m_window, qOverload<>(&QWidget::update));
     watchNativeWindow();
     watchScreens();
     fitShape();
@@ -90,7 +90,10 @@ WindowChrome::~WindowChrome() {
 
 void WindowChrome::watchScreens() {
     const auto watch = [this](const QScreen *screen) {
-        connect(screen, &QScreen::availableGeometryChanged, this, &WindowChrome::stayReachable);
+        connect(screen, &QScreen::availableGeometryChanged, this, [this] {
+            fitMinimum();
+            stayReachable();
+        });
     };
     for (const QScreen *screen : QGuiApplication::screens())
         watch(screen);
@@ -130,9 +133,12 @@ void WindowChrome::windowEvent(QEvent *event) {
         break;
     case QEvent::Show:
         watchNativeWindow();
+        fitMinimum();
         stayReachable();
         break;
     case QEvent::WindowStateChange:
+        if (!fillsScreen())
+            m_coordinator.zoomEnded();
         fitShape();
         break;
     case QEvent::WindowTitleChange:
@@ -160,6 +166,10 @@ bool WindowChrome::nativeWindowEvent(QEvent *event) {
         if (!m_grip)
             pointAt({});
         return false;
+    case QEvent::Resize:
+        if (m_draggedOut && !m_window->isMaximized() && m_nativeWindow->size() != m_draggedOut->zoomed.size())
+            moveDraggedOut(QCursor::pos());
+        return false;
     default:
         return false;
     }
@@ -177,6 +187,7 @@ bool WindowChrome::mousePressed(const QMouseEvent &event) {
                         event.flags().testFlag(Qt::MouseEventCreatedDoubleClick);
     m_clickCount = second ? 2 : 1;
     m_grip.reset();
+    m_draggedOut.reset();
     if (const Qt::Edges edges = edgesAt(event.position())) {
         if (!second && !m_nativeWindow->startSystemResize(edges))
             m_grip = Grip{edges, event.globalPosition().toPoint(), frame()};
@@ -188,6 +199,7 @@ bool WindowChrome::mousePressed(const QMouseEvent &event) {
 bool WindowChrome::mouseMoved(const QMouseEvent &event) {
     if (!event.buttons().testFlag(Qt::LeftButton)) {
         m_grip.reset(); // its release went elsewhere
+        m_draggedOut.reset();
         pointAt(event.buttons() ? Qt::Edges() : edgesAt(event.position()));
         return false;
     }
@@ -202,6 +214,7 @@ bool WindowChrome::mouseReleased(const QMouseEvent &event) {
     if (event.button() != Qt::LeftButton)
         return false;
     m_grip.reset();
+    m_draggedOut.reset();
     m_coordinator.mouseReleased(chromeEvent(event));
     // Never swallowed: the toolkit keeps count of the buttons that are down, and nothing in the band minds.
     return false;
@@ -272,6 +285,23 @@ void WindowChrome::paintGround() {
     }
 }
 
+void WindowChrome::setMinimumSize(QSize size) {
+    m_minimum = size;
+    fitMinimum();
+}
+
+void WindowChrome::fitMinimum() {
+    if (!m_minimum.isValid())
+        return;
+    // What Wayland's compositors keep for their panels they do not tell; a zoomed window that is larger than
+    // they say, because its minimum is, they end.
+    constexpr QSize panels(160, 160);
+    QSize least = m_minimum;
+    if (const auto screen = visibleScreenFrame())
+        least = least.boundedTo(isWayland() ? screen->size() - panels : screen->size());
+    m_window->setMinimumSize(least);
+}
+
 void WindowChrome::stayReachable() {
     if (fillsScreen() || !m_window->isVisible() || isWayland()) // there the compositor alone places windows
         return;
@@ -321,14 +351,18 @@ bool WindowChrome::isFullScreen() const {
 }
 
 void WindowChrome::setFrame(const QRect &frame) {
+    if (fillsScreen()) {
+        // Back to the frame that it had; the desktop remembers it. To ask for a size while the state is being
+        // changed is an error on Wayland, and leads to a race with the window manager on X11.
+        m_window->showNormal();
+        return;
+    }
     // To fill the screen is to be maximised: then the desktop knows, squares the corners and puts the window
     // back when it is dragged away. On Wayland there is no other way.
     if (frame == visibleScreenFrame()) {
         m_window->showMaximized();
         return;
     }
-    if (fillsScreen())
-        m_window->showNormal();
     m_window->setGeometry(frame);
     stayReachable();
 }
@@ -350,11 +384,23 @@ void WindowChrome::minimise() {
 
 void WindowChrome::startMove(QPointF pressed) {
     const QPoint pressedAt = m_window->mapToGlobal(pressed).toPoint();
-    if (m_window->isMaximized() && !isWayland()) { // Wayland's compositors do this themselves
-        const QRect normal = frameDraggedOutOf(frame(), pressed, m_window->normalGeometry().size());
-        m_window->showNormal();
-        m_window->setGeometry(normal);
+    if (!m_window->isMaximized() || isWayland()) { // Wayland's compositors take it out of its zoom themselves
+        moveWithMouse(pressedAt);
+        return;
     }
+    m_draggedOut = DraggedOut{frame(), pressed, m_window->normalGeometry().size()};
+    m_window->showNormal();
+    if (m_draggedOut && frame().size() == m_draggedOut->normal) // there is no window manager to wait for
+        moveDraggedOut(pressedAt);
+}
+
+void WindowChrome::moveDraggedOut(QPoint mouse) {
+    const DraggedOut out = *std::exchange(m_draggedOut, std::nullopt);
+    m_window->move(placeDraggedOut(out.zoomed.width(), out.pressed, out.normal, mouse));
+    moveWithMouse(mouse);
+}
+
+void WindowChrome::moveWithMouse(QPoint pressedAt) {
     if (!m_nativeWindow->startSystemMove())
         m_grip = Grip{{}, pressedAt, frame()};
 }

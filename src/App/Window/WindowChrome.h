@@ -36,6 +36,10 @@ public:
 
     [[nodiscard]] TitleBar *titleBar() const { return m_titleBar; }
 
+    /// The size that the window does not go below, in layout pixels. It yields to a screen that has less
+    /// free.
+    void setMinimumSize(QSize size);
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -44,6 +48,13 @@ private:
         Qt::Edges edges;  ///< none: it moves the window
         QPoint pressedAt; ///< on the screen
         QRect frame;      ///< at that time
+    };
+
+    /// A zoomed window on its way out under the mouse: the desktop gives it its normal size in its own time.
+    struct DraggedOut {
+        QRect zoomed;
+        QPointF pressed; ///< in the zoomed window
+        QSize normal;
     };
 
     void watchNativeWindow();
@@ -57,7 +68,10 @@ private:
     void pointAt(Qt::Edges edges);
     void paintGround();
     void fitShape();
+    void fitMinimum();
     void stayReachable();
+    void moveDraggedOut(QPoint mouse);
+    void moveWithMouse(QPoint pressedAt);
     [[nodiscard]] bool fillsScreen() const;
     [[nodiscard]] Qt::Edges edgesAt(QPointF position) const;
     [[nodiscard]] ChromeMouseEvent chromeEvent(const QMouseEvent &event) const;
@@ -81,6 +95,8 @@ private:
     QPointer<QWindow> m_nativeWindow;
     WindowChromeCoordinator m_coordinator;
     std::optional<Grip> m_grip;
+    std::optional<DraggedOut> m_draggedOut;
+    QSize m_minimum;
     Qt::Edges m_pointedEdges;
     int m_clickCount = 1;
     bool m_hasRoundCorners = false;

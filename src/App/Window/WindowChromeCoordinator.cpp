@@ -33,7 +33,7 @@ EventOutcome WindowChromeCoordinator::mouseDragged(const ChromeMouseEvent &event
         return EventOutcome::passOn;
     const QPointF pressed = *std::exchange(m_pendingPress, std::nullopt);
     if (m_isZoomedByUs)
-        forgetZoom(); // the user takes the zoomed window away: the old frame is no place to return to
+        zoomEnded(); // the user takes the zoomed window away: the old frame is no place to return to
     m_window->startMove(pressed);
     return EventOutcome::swallow;
 }
@@ -62,7 +62,7 @@ void WindowChromeCoordinator::toggleZoom() {
     }
     if (m_isZoomedByUs || m_window->isZoomed()) {
         const std::optional<QRect> before = m_frameBeforeZoom;
-        forgetZoom();
+        zoomEnded();
         if (before)
             m_window->setFrame(*before);
         else
@@ -77,7 +77,7 @@ void WindowChromeCoordinator::toggleZoom() {
         m_window->toggleZoom();
 }
 
-void WindowChromeCoordinator::forgetZoom() {
+void WindowChromeCoordinator::zoomEnded() {
     m_frameBeforeZoom.reset();
     m_isZoomedByUs = false;
 }

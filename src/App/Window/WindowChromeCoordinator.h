@@ -77,6 +77,10 @@ public:
     /// that. What the zoom button does too.
     void toggleZoom();
 
+    /// The window fills its screen no more, whoever did that: the frame before its zoom is no place to return
+    /// to.
+    void zoomEnded();
+
     /// Whether a press here could move the window: in the title-bar band and on nothing that takes clicks
     /// itself.
     [[nodiscard]] bool isInTitleBarBand(const ChromeMouseEvent &event) const;
@@ -84,7 +88,6 @@ public:
 private:
     [[nodiscard]] bool isOverToolbarControl(QPointF position) const;
     void performDoubleClickAction();
-    void forgetZoom();
 
     std::function<QString()> m_doubleClickAction;
     ChromeWindow *m_window = nullptr;

@@ -79,10 +79,9 @@ QRect reachableFrame(const QRect &frame, const QList<QRect> &screens) {
     return best;
 }
 
-QRect frameDraggedOutOf(const QRect &maximised, QPointF pressed, QSize normal) {
-    const qreal share = pressed.x() / std::max(1, maximised.width());
-    const QPoint grip(qRound(share * normal.width()), 0);
-    return QRect(maximised.topLeft() + QPoint(qRound(pressed.x()), 0) - grip, normal);
+QPoint placeDraggedOut(int zoomedWidth, QPointF pressed, QSize normal, QPoint mouse) {
+    const qreal share = pressed.x() / std::max(1, zoomedWidth);
+    return mouse - QPointF(share * normal.width(), pressed.y()).toPoint();
 }
 
 } // namespace vantrel

@@ -22,8 +22,9 @@ namespace vantrel {
 /// unchanged.
 [[nodiscard]] QRect reachableFrame(const QRect &frame, const QList<QRect> &screens);
 
-/// The frame that a window of size `normal` gets when it is dragged out of the maximised frame: the mouse
-/// keeps its distance from the top and its share of the width. `pressed` is in the maximised window.
-[[nodiscard]] QRect frameDraggedOutOf(const QRect &maximised, QPointF pressed, QSize normal);
+/// Where the top left corner of a window of size `normal` goes when it is dragged out of its zoom by the
+/// mouse at `mouse`: the mouse keeps its distance from the top and its share of the width. `pressed` is where
+/// it went down in the zoomed window.
+[[nodiscard]] QPoint placeDraggedOut(int zoomedWidth, QPointF pressed, QSize normal, QPoint mouse);
 
 } // namespace vantrel

@@ -1,35 +1,18 @@
-#include "Records/Enumerations.h"
+#include "Records/AndroidSearchScope.h"
 
 namespace vantrel {
-
-namespace {
-
-template <class Value, size_t count>
-std::optional<Value> fromRawValue(const std::array<Value, count> &all, const QString &text) {
-    for (const Value value : all) {
-        if (rawValue(value) == text)
-            return value;
-    }
-    return std::nullopt;
-}
-
-} // namespace
-
-QString rawValue(PaneViewMode mode) {
-    return mode == PaneViewMode::list ? QStringLiteral("list") : QStringLiteral("grid");
-}
 
 QString rawValue(AndroidSearchScope scope) {
     return scope == AndroidSearchScope::thisFolder ? QStringLiteral("thisFolder")
                                                    : QStringLiteral("everywhere");
 }
 
-std::optional<PaneViewMode> paneViewModeFromRawValue(const QString &text) {
-    return fromRawValue(allPaneViewModes, text);
-}
-
 std::optional<AndroidSearchScope> androidSearchScopeFromRawValue(const QString &text) {
-    return fromRawValue(allAndroidSearchScopes, text);
+    for (const AndroidSearchScope scope : allAndroidSearchScopes) {
+        if (rawValue(scope) == text)
+            return scope;
+    }
+    return std::nullopt;
 }
 
 QString displayTitle(AndroidSearchScope scope) {

@@ -1,0 +1,58 @@
+#include "Views/BrowserPane.h"
+
+#include "Kit/Spinner.h"
+#include "State/AppState.h"
+#include "Views/FilePaneView.h"
+
+#include <QGridLayout>
+
+namespace vantrel {
+
+BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
+    : QWidget(parent), m_app(state), m_state(state->pane(side)), m_view(new FilePaneView(m_state)),
+      m_spinner(new Spinner(Spinner::Size::small, QStringLiteral("Busy"))) {
+    auto *overlay = new QGridLayout(this);
+    overlay->setContentsMargins(0, 0, 0, 0);
+    overlay->addWidget(m_view, 0, 0);
+    overlay->addWidget(m_spinner, 0, 0, Qt::AlignCenter);
+
+    m_rendering.watch(&m_state, &PaneState::pathChanged, &PaneState::visibleItemsChanged,
+                      &PaneState::selectedIDsChanged, &PaneState::isLoadingChanged,
+                      &PaneState::browseErrorChanged, &PaneState::viewModeChanged);
+}
+
+QString BrowserPane::activity() const {
+    return m_state.isLoading() ? QStringLiteral("Loading…") : QString();
+}
+
+void BrowserPane::focusSide() const {
+    m_app->setFocusedBrowserSide(m_state.side());
+}
+
+void BrowserPane::render() {
+    FilePane pane;
+    pane.onToggle = [this](const FileItem &item) {
+        focusSide();
+        m_state.toggleSelection(item);
+    };
+    pane.onSelect = [this](const FileItem &item) {
+        focusSide();
+        m_state.selectItem(item);
+    };
+    pane.onToggleSelectAll = [this] {
+        focusSide();
+        m_state.toggleSelectAllVisible();
+    };
+    pane.onFocus = [this] { focusSide(); };
+    pane.viewMode = {m_state.viewMode(), [this](PaneViewMode mode) { m_state.setViewMode(mode); }};
+    fill(pane);
+    const QString busy = activity();
+    if (!busy.isEmpty())
+        pane.footerTrailing = busy;
+    else if (m_state.browseError())
+        pane.footerTrailing = *m_state.browseError();
+    m_view->setPane(pane);
+    m_spinner->setVisible(!busy.isEmpty());
+}
+
+} // namespace vantrel

@@ -1,0 +1,135 @@
+#include "Views/FileItemsModel.h"
+
+#include "Kit/TextStyle.h"
+#include "State/PaneState.h"
+
+#include <algorithm>
+
+namespace vantrel {
+
+namespace {
+
+/// How an entry differs to the eye from the one that stood at its place.
+enum class Change { none, date, look };
+
+Change changeBetween(const FileItem &a, const FileItem &b, bool showsLocation) {
+    // Names come last: only they take time.
+    const bool looksSame = a.isDirectory == b.isDirectory && a.sizeBytes == b.sizeBytes &&
+                           a.itemCount == b.itemCount && a.name == b.name &&
+                           (!showsLocation || a.path == b.path);
+    if (!looksSame)
+        return Change::look;
+    return a.modifiedAt == b.modifiedAt ? Change::none : Change::date;
+}
+
+} // namespace
+
+FileItemsModel::FileItemsModel(const PaneState &pane, QObject *parent)
+    : QAbstractListModel(parent), m_pane(pane) {}
+
+void FileItemsModel::follow(bool showsLocation) {
+    const QList<FileItem> itemsBefore = m_items;
+    const QBitArray selectedBefore = m_selectedRows;
+    const bool isReset = showsLocation != m_showsLocation; // every row gets another height
+    const auto had = int(m_items.size());
+    const auto has = int(m_pane.visibleItems().size());
+
+    if (isReset)
+        beginResetModel();
+    else if (has > had)
+        beginInsertRows({}, had, has - 1);
+    else if (has < had)
+        beginRemoveRows({}, has, had - 1);
+
+    m_showsLocation = showsLocation;
+    m_items = m_pane.visibleItems();
+    m_selectedRows = selectedAmong(m_items);
+
+    if (isReset)
+        endResetModel();
+    else if (has > had)
+        endInsertRows();
+    else if (has < had)
+        endRemoveRows();
+
+    if (!isReset)
+        tellChanges(itemsBefore, selectedBefore);
+    if (isReset || m_selectedRows != selectedBefore)
+        Q_EMIT selectedRowsChanged();
+}
+
+QBitArray FileItemsModel::selectedAmong(const QList<FileItem> &items) const {
+    QBitArray selected(items.size());
+    const QSet<QUuid> &ids = m_pane.selectedIDs();
+    for (qsizetype row = 0; row < items.size() && !ids.isEmpty(); ++row) {
+        if (ids.contains(items.at(row).id))
+            selected.setBit(row);
+    }
+    return selected;
+}
+
+void FileItemsModel::tellChanges(const QList<FileItem> &itemsBefore, const QBitArray &selectedBefore) {
+    const bool sameItems = m_items.isSharedWith(itemsBefore);
+    if (sameItems && m_selectedRows == selectedBefore)
+        return;
+    const auto changeOf = [&](qsizetype row) {
+        if (m_selectedRows.testBit(row) != selectedBefore.testBit(row))
+            return Change::look;
+        return sameItems ? Change::none
+                         : changeBetween(itemsBefore.at(row), m_items.at(row), m_showsLocation);
+    };
+    // A signal for every run of rows that changed alike.
+    const auto count = int(std::min(m_items.size(), itemsBefore.size()));
+    Change run = Change::none;
+    int first = 0;
+    for (int row = 0; row <= count; ++row) {
+        const Change change = row < count ? changeOf(row) : Change::none;
+        if (change == run)
+            continue;
+        if (run != Change::none)
+            Q_EMIT dataChanged(index(first), index(row - 1),
+                               run == Change::date ? QList<int>{modifiedRole} : QList<int>{});
+        run = change;
+        first = row;
+    }
+}
+
+/// A view asks for every row's when it lays them out: without the base's detours.
+QModelIndex FileItemsModel::index(int row, int column, const QModelIndex &parent) const {
+    const bool exists = row >= 0 && row < m_items.size() && column == 0 && !parent.isValid();
+    return exists ? createIndex(row, column) : QModelIndex();
+}
+
+int FileItemsModel::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : int(m_items.size());
+}
+
+QVariant FileItemsModel::data(const QModelIndex &index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const FileItem &item = m_items.at(index.row());
+    const bool isSelected = m_selectedRows.testBit(index.row());
+    const auto entry = [&] { return FileEntry{item, isSelected, m_showsLocation}; };
+    switch (role) {
+    case entryRole:
+        return QVariant::fromValue(entry());
+    case Qt::DisplayRole:
+        return item.name;
+    case Qt::AccessibleTextRole:
+        return displayText(item.name);
+    case Qt::AccessibleDescriptionRole:
+        return displayText(entry().captionLabel() + QStringLiteral(", ") + item.modifiedLabel());
+    case Qt::CheckStateRole:
+        return isSelected ? Qt::Checked : Qt::Unchecked;
+    case modifiedRole:
+        return item.modifiedLabel();
+    default:
+        return {};
+    }
+}
+
+Qt::ItemFlags FileItemsModel::flags(const QModelIndex &index) const {
+    return QAbstractListModel::flags(index) | Qt::ItemIsUserCheckable;
+}
+
+} // namespace vantrel

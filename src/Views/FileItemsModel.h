@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Records/FileItem.h"
+#include "Views/FileEntry.h"
+
+#include <QAbstractListModel>
+#include <QBitArray>
+
+namespace vantrel {
+
+class PaneState;
+
+/// What a pane shows, a row per entry. It says which rows look different from before, by their place: a
+/// folder that is only listed again has new identities and the same looks, and nothing is repainted. It
+/// shares the pane's list and makes nothing per row.
+class FileItemsModel : public QAbstractListModel {
+    Q_OBJECT
+
+public:
+    enum Role {
+        entryRole = Qt::UserRole, ///< the FileEntry
+        modifiedRole,             ///< its date, which the grid does not show
+    };
+
+    /// The pane must outlive the model.
+    explicit FileItemsModel(const PaneState &pane, QObject *parent = nullptr);
+
+    /// Takes over what the pane shows now, and whether each entry tells its folder.
+    void follow(bool showsLocation);
+
+    [[nodiscard]] const QList<FileItem> &items() const { return m_items; }
+    [[nodiscard]] const QBitArray &selectedRows() const { return m_selectedRows; }
+
+    [[nodiscard]] QModelIndex index(int row, int column = 0, const QModelIndex &parent = {}) const override;
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+Q_SIGNALS:
+    void selectedRowsChanged();
+
+private:
+    [[nodiscard]] QBitArray selectedAmong(const QList<FileItem> &items) const;
+    void tellChanges(const QList<FileItem> &itemsBefore, const QBitArray &selectedBefore);
+
+    const PaneState &m_pane;
+    QList<FileItem> m_items;
+    QBitArray m_selectedRows;
+    bool m_showsLocation = false;
+};
+
+} // namespace vantrel
