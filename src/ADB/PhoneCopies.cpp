@@ -8,9 +8,12 @@
 #include "ADB/ToolText.h"
 #include "ADB/TreeText.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QMap>
 
 #include <algorithm>
+#include <unistd.h>
 
 namespace vantrel::ADBClient {
 
@@ -307,6 +310,92 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
     const QString message = ToolText::reason(ToolText::decode(errors)).text;
     return tl::make_unexpected(
         failure(message.isEmpty() ? QStringLiteral("adb exited with %1").arg(run.exitStatus()) : message));
+}
+
+namespace {
+
+/// Runs `adb shell LINE` whose streams the caller has tied to files.
+ADBResult<void> runStream(ToolRun &run, const QString &serial, const std::function<void()> &onWait) {
+    if (const auto started = run.start(); !started)
+        return tl::make_unexpected(started.error());
+    QByteArray errors;
+    while (run.isRunningAfter(waitStep)) {
+        constexpr qsizetype kept = 65'536;
+        errors += run.takeStandardError();
+        errors = errors.right(kept);
+        onWait();
+    }
+    errors += run.takeStandardError();
+    if (run.wasStopped())
+        return tl::make_unexpected(failure(QStringLiteral("The copy was stopped.")));
+    const QString message = ToolText::reason(ToolText::decode(errors)).text;
+    if (run.succeeded() && message.isEmpty())
+        return {};
+    if (isGone(serial))
+        return tl::make_unexpected(failure(QStringLiteral("The phone was disconnected during the copy.")));
+    return tl::make_unexpected(
+        failure(message.isEmpty() ? QStringLiteral("adb exited with %1").arg(run.exitStatus()) : message));
+}
+
+QStringList shellArguments(const QString &serial, const QString &line) {
+    return {QStringLiteral("-s"), serial, QStringLiteral("shell"), line};
+}
+
+} // namespace
+
+ADBResult<void> continuePull(const QString &serial, const QString &source, const QString &localPath,
+                             const std::stop_token &stop, const BytesProgress &onProgress) {
+    const auto tool = resolveADBPath();
+    if (!tool)
+        return tl::make_unexpected(ADBError::adbNotFound());
+    const qint64 first = QFileInfo(localPath).size() + 1;
+    ToolRun run(*tool,
+                shellArguments(serial, QStringLiteral("tail -c +%1 ").arg(first) +
+                                           AndroidPath::quotedForShell(source)),
+                augmentedEnvironment());
+    run.appendTo(localPath);
+    run.stopWith(stop);
+    return runStream(run, serial, [&] { onProgress(QFileInfo(localPath).size()); });
+}
+
+ADBResult<void> continuePush(const QString &serial, const QString &localPath, qint64 from,
+                             const QString &path, const std::stop_token &stop,
+                             const BytesProgress &onProgress) {
+    const auto tool = resolveADBPath();
+    if (!tool)
+        return tl::make_unexpected(ADBError::adbNotFound());
+    QFile file(localPath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !file.seek(from))
+        return tl::make_unexpected(
+            failure(QStringLiteral("This computer can’t read it: ") + file.errorString()));
+    ToolRun run(*tool, shellArguments(serial, QStringLiteral("cat >>") + quoted(path)),
+                augmentedEnvironment());
+    run.readFrom(file.handle());
+    run.stopWith(stop);
+    return runStream(run, serial, [&] { onProgress(::lseek(file.handle(), 0, SEEK_CUR)); });
+}
+
+ADBResult<void> setModified(const QString &serial, const QString &path, qint64 modified,
+                            const std::stop_token &stop) {
+    const auto answer = runShell(serial, QStringLiteral("touch -d @%1 ").arg(modified) + quoted(path), stop);
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    return {};
+}
+
+ADBResult<QByteArray> fetchSum(const QString &serial, const QString &path, const std::stop_token &stop) {
+    constexpr qsizetype digits = 32;
+    const auto answer = runShell(serial, QStringLiteral("md5sum ") + quoted(path), stop);
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    if (!answer->errors.isEmpty())
+        return tl::make_unexpected(failure(reasonOf(answer->errors)));
+    // A backslash before the sum says that the name behind it is written with escapes.
+    const QByteArray sum = answer->output.mid(answer->output.startsWith('\\') ? 1 : 0, digits);
+    const bool isSum = sum.size() == digits && std::all_of(sum.begin(), sum.end(), [](char c) {
+                           return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+                       });
+    return isSum ? ADBResult<QByteArray>(sum) : tl::make_unexpected(unreadableAnswer());
 }
 
 } // namespace vantrel::ADBClient

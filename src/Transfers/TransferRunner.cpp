@@ -80,6 +80,7 @@ void TransferRunner::enqueue(const QList<QueueItem> &entries) {
 void TransferRunner::remove(const QUuid &id) {
     for (const auto &run : std::as_const(m_runs))
         run->drop(id);
+    discard({id});
     if (!m_queue.remove(id))
         return;
     Q_EMIT queueChanged();
@@ -87,15 +88,22 @@ void TransferRunner::remove(const QUuid &id) {
 }
 
 void TransferRunner::clear() {
+    QList<QUuid> removed;
     for (const QueueItem &item : m_queue.items()) {
         if (item.status.is<QueueItemStatus::Transferring>())
             continue;
+        removed.append(item.id);
         for (const auto &run : std::as_const(m_runs)) // one whose turn was fixed
             run->drop(item.id);
     }
+    discard(removed);
     if (m_queue.clear())
         Q_EMIT queueChanged();
     fillSlots();
+}
+
+QCoro::Task<> TransferRunner::discard(QList<QUuid> entries) {
+    co_await Background::run(this, &discardKeptParts, entries);
 }
 
 void TransferRunner::pause() {
