@@ -88,6 +88,23 @@ QString treeQuestion(const QString &path) {
            QString::fromLatin1(treeFormat) % QLatin1Char('\'');
 }
 
+/// Asks with `find … -printf`; older phones know no -printf and are asked with `stat`.
+ADBResult<ShellAnswer> ask(const QString &serial, const QString &question, const QString &olderQuestion,
+                           const QString &root, const std::stop_token &stop) {
+    auto answer = runShell(serial, question, stop);
+    if (!answer || !answer->errors.contains(QLatin1String("-printf")))
+        return answer;
+    answer = runShell(serial, olderQuestion, stop);
+    if (answer)
+        answer->output = recordsOfLines(answer->output, root);
+    return answer;
+}
+
+QString statCommand(QLatin1String options) {
+    return QStringLiteral("stat ") % options % QStringLiteral("-c '") % QString::fromLatin1(lineFormat) %
+           QStringLiteral("' ");
+}
+
 /// Calls `use` with as many words as one line holds, until all were given.
 template <class Use>
 ADBResult<void> forEachLine(const QStringList &words, Use use) {
@@ -124,7 +141,11 @@ bool isGone(const QString &serial) {
 } // namespace
 
 ADBResult<FileTree> fetchTree(const QString &serial, const QString &path, const std::stop_token &stop) {
-    const auto answer = runShell(serial, treeQuestion(path), stop);
+    const auto answer =
+        ask(serial, treeQuestion(path),
+            statCommand(QLatin1String("-L ")) % quoted(path) % QStringLiteral("; find -H ") % quoted(path) %
+                QStringLiteral(" -mindepth 1 -exec ") % statCommand(QLatin1String()) % QStringLiteral("{} +"),
+            path, stop);
     if (!answer)
         return tl::make_unexpected(answer.error());
     auto tree = parseTree(answer->output);
@@ -143,11 +164,12 @@ ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QSt
                                                 const std::stop_token &stop) {
     QHash<QString, TreeEntry> facts;
     const auto asked = forEachLine(quotedAll(paths), [&](const QStringList &words) -> ADBResult<void> {
-        const auto answer = runShell(serial,
-                                     QStringLiteral("find -H ") % words.join(QLatin1Char(' ')) %
-                                         QStringLiteral(" -maxdepth 0 -printf '") %
-                                         QString::fromLatin1(factsFormat) % QLatin1Char('\''),
-                                     stop);
+        const QString listed = words.join(QLatin1Char(' '));
+        const auto answer =
+            ask(serial,
+                QStringLiteral("find -H ") % listed % QStringLiteral(" -maxdepth 0 -printf '") %
+                    QString::fromLatin1(factsFormat) % QLatin1Char('\''),
+                statCommand(QLatin1String("-L ")) % listed, {}, stop);
         if (!answer)
             return tl::make_unexpected(answer.error());
         const auto parsed = parseFacts(answer->output);
@@ -163,12 +185,11 @@ ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QSt
 
 ADBResult<QStringList> namesBeginningWith(const QString &serial, const QString &folder, const QString &prefix,
                                           const std::stop_token &stop) {
-    const auto answer =
-        runShell(serial,
-                 QStringLiteral("find ") % quoted(AndroidPath::join(folder, QString())) %
-                     QStringLiteral(" -maxdepth 1 -name '") % prefix % QStringLiteral("*' -printf '") %
-                     QString::fromLatin1(treeFormat) % QLatin1Char('\''),
-                 stop);
+    const QString found = QStringLiteral("find ") % quoted(AndroidPath::join(folder, QString())) %
+                          QStringLiteral(" -maxdepth 1 -name '") % prefix % QStringLiteral("*'");
+    const auto answer = ask(
+        serial, found % QStringLiteral(" -printf '") % QString::fromLatin1(treeFormat) % QLatin1Char('\''),
+        found % QStringLiteral(" -exec ") % statCommand(QLatin1String()) % QStringLiteral("{} +"), {}, stop);
     if (!answer)
         return tl::make_unexpected(answer.error());
     const auto facts = parseFacts(answer->output); // the format of a tree: paths below the folder
@@ -233,7 +254,13 @@ ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<
         !moved)
         return tl::make_unexpected(moved.error());
 
-    const auto left = parseTree(listing);
+    auto left = parseTree(listing);
+    if (complaints.contains(QLatin1String("-printf"))) {
+        const auto asked = fetchTree(serial, stagingFolder, stop);
+        if (!asked)
+            return tl::make_unexpected(asked.error());
+        left = *asked;
+    }
     if (!left)
         return tl::make_unexpected(unreadableAnswer());
     QHash<QString, QString> unmoved;
