@@ -247,8 +247,8 @@ private:
                 const QString begun =
                     AndroidPath::join(AndroidPath::join(m_job.folder, name), stagedName(file));
                 const QString staged = AndroidPath::join(staging, stagedName(file));
-                if (isPull())
-                    [[maybe_unused]] const auto moved = LocalFiles::place(begun, staged);
+                if (isPull()) [[maybe_unused]]
+                    const auto moved = LocalFiles::place(begun, staged);
                 else
                     moves.append({begun, staged});
             }
@@ -283,6 +283,14 @@ private:
         return LocalFiles::sum(here, m_stop) == *there;
     }
 
+    /// What the phone's own tool says of the file is a line like those of adb.
+    static ADBResult<QStringList> complaint(const ADBError &error) {
+        const QString text = error.errorDescription();
+        if (text.startsWith(QLatin1String("tail: ")) || text.startsWith(QLatin1String("cat: ")))
+            return QStringList{text};
+        return tl::make_unexpected(error);
+    }
+
     ADBResult<QStringList> pullLarge(const QString &staged) {
         const PlannedFile &file = m_batch.first();
         const auto begun = LocalFiles::look(staged);
@@ -291,7 +299,7 @@ private:
             const auto continued =
                 ADBClient::continuePull(m_job.serial, file.source, staged, m_stop, onBytes);
             if (!continued)
-                return tl::make_unexpected(continued.error());
+                return complaint(continued.error());
             const auto isSame = isSameAsSource(staged, file.source);
             if (!isSame)
                 return tl::make_unexpected(isSame.error());
@@ -329,7 +337,7 @@ private:
                 const auto continued =
                     ADBClient::continuePush(m_job.serial, file.source, reached, staged, m_stop, onBytes);
                 if (!continued)
-                    return tl::make_unexpected(continued.error());
+                    return complaint(continued.error());
                 const auto timed = ADBClient::setModified(m_job.serial, staged, file.modified, m_stop);
                 const auto isSame = timed ? isSameAsSource(file.source, staged)
                                           : ADBResult<bool>(tl::make_unexpected(timed.error()));
@@ -891,9 +899,9 @@ QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
 QString explainedCopyError(const QString &error) {
     const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
     const QString reason = colon < 0 ? error : error.mid(colon + 2);
-    if (error.contains(QLatin1String("remote open failed")))
+    if (error.contains(QLatin1String("remote open failed")) || error.startsWith(QLatin1String("tail: ")))
         return QStringLiteral("The phone can’t read it: ") + reason;
-    if (error.contains(QLatin1String("remote ")))
+    if (error.contains(QLatin1String("remote ")) || error.startsWith(QLatin1String("cat: ")))
         return QStringLiteral("The phone can’t write it: ") + reason;
     if (error.startsWith(QLatin1String("cannot create")) || error.startsWith(QLatin1String("cannot write")))
         return QStringLiteral("This computer can’t write it: ") + reason;
