@@ -55,7 +55,7 @@ void Tour::watchRows() {
         std::printf("      %-5s %-28s %s\n", qPrintable(item.percentLabel()), qPrintable(item.name),
                     qPrintable(item.progressLabel()));
     };
-    QObject::connect(state().queueModel(), &QAbstractItemModel::dataChanged, &m_window, onRow);
+    QObject::connect(state().transfers().queueModel(), &QAbstractItemModel::dataChanged, &m_window, onRow);
 }
 
 void Tour::take() {

@@ -68,6 +68,16 @@ void PaneState::setItems(const QList<FileItem> &items) {
     Q_EMIT itemsChanged();
 }
 
+void PaneState::setItemsAgain(QList<FileItem> items) {
+    QHash<QString, QUuid> known;
+    known.reserve(m_items.size());
+    for (const FileItem &item : std::as_const(m_items))
+        known.insert(item.path, item.id);
+    for (FileItem &item : items)
+        item.id = known.contains(item.path) ? known.take(item.path) : item.id;
+    setItems(items);
+}
+
 void PaneState::empty(const std::optional<QString> &error) {
     ++m_token;
     m_isLoading = false;

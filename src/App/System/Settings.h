@@ -12,6 +12,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <optional>
 
 namespace vantrel {
 
@@ -46,6 +47,10 @@ public:
     /// hold that wish: then it counts as said, until it is taken back here.
     [[nodiscard]] bool analyticsDisabled() const;
     void setAnalyticsDisabled(bool disabled);
+
+    /// The most height that the user has given the transfer queue, in layout pixels; nothing until then.
+    [[nodiscard]] std::optional<int> queueHeight() const;
+    void setQueueHeight(std::optional<int> height);
 
     /// Writes what has changed at once. False when it could not be stored.
     bool save();

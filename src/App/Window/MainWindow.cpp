@@ -47,7 +47,7 @@ void MainWindow::furnish() {
     awaitFontConfiguration();
     setWindowTitle(product::name());
     addToolbarButtons();
-    setCentralWidget(new ContentView(m_state.get(), this));
+    setCentralWidget(new ContentView(m_state.get(), m_settings, this));
     centralWidget()->installEventFilter(this);
 }
 
