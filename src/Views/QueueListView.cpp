@@ -66,6 +66,7 @@ void QueueListView::pressRemoveButton(const QModelIndex &row) {
 void QueueListView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                                 const QList<int> &roles) {
     // QListView would lay out all its rows, since one might have got another size. None of ours ever does.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractItemView::dataChanged(topLeft, bottomRight, roles);
     announceProgress(this, topLeft);
 }
