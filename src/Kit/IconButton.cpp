@@ -7,7 +7,7 @@
 namespace vantrel {
 
 IconButton::IconButton(QSize size, double radius, QWidget *parent)
-    : PlainButton(parent), m_size(size), m_radius(qMin(radius, qMin(size.width(), size.height()) / 2.0)) {
+    : PlainButton(parent), m_radius(qMin(radius, qMin(size.width(), size.height()) / 2.0)) {
     setFixedSize(size);
     setRingRadius(m_radius);
 }
@@ -17,10 +17,6 @@ void IconButton::setLook(const Look &look) {
         return;
     m_look = look;
     update();
-}
-
-QSize IconButton::sizeHint() const {
-    return m_size;
 }
 
 void IconButton::paintContent(QPainter &painter) {

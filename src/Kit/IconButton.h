@@ -39,13 +39,12 @@ public:
     void setLook(const Look &look);
     [[nodiscard]] const Look &look() const { return m_look; }
 
-    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize sizeHint() const override { return maximumSize(); }
 
 protected:
     void paintContent(QPainter &painter) override;
 
 private:
-    QSize m_size;
     double m_radius;
     Look m_look;
 };

@@ -17,10 +17,6 @@ void PlainButton::setHelp(const QString &help) {
     setAccessibleName(help);
 }
 
-void PlainButton::setRingRadius(double radius) {
-    m_ringRadius = radius;
-}
-
 void PlainButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.save();
@@ -36,7 +32,5 @@ void PlainButton::keyPressEvent(QKeyEvent *event) {
     else
         QAbstractButton::keyPressEvent(event);
 }
-
-void PlainButton::nextCheckState() {}
 
 } // namespace vantrel

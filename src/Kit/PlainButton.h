@@ -21,7 +21,7 @@ public:
     void setHelp(const QString &help);
 
     /// Corner radius of the focus ring, in layout pixels.
-    void setRingRadius(double radius);
+    void setRingRadius(double radius) { m_ringRadius = radius; }
 
 protected:
     /// Paints everything but the focus ring, on rect().
@@ -29,7 +29,7 @@ protected:
 
     void paintEvent(QPaintEvent *event) final;
     void keyPressEvent(QKeyEvent *event) override;
-    void nextCheckState() override;
+    void nextCheckState() override {}
 
 private:
     double m_ringRadius = 6;

@@ -9,20 +9,6 @@ namespace vantrel {
 
 namespace {
 
-QFont::Weight fontWeight(Weight weight) {
-    switch (weight) {
-    case Weight::regular:
-        return QFont::Normal;
-    case Weight::medium:
-        return QFont::Medium;
-    case Weight::semibold:
-        return QFont::DemiBold;
-    case Weight::bold:
-        return QFont::Bold;
-    }
-    Q_UNREACHABLE();
-}
-
 /// Which of them is installed the toolkit finds out when it opens the font, not before.
 QStringList standardFamilies() {
     const QString general = QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
@@ -43,7 +29,7 @@ const QStringList &families(FontDesign design) {
 QFont styledFont(const TextStyle &style, int pixelSize) {
     QFont font(families(style.design));
     font.setPixelSize(pixelSize);
-    font.setWeight(fontWeight(style.weight));
+    font.setWeight(QFont::Weight(style.weight));
     // Hinting would round every advance to whole pixels, and so undo half of what the sizes differ in.
     font.setHintingPreference(QFont::PreferNoHinting);
     if (style.design == FontDesign::monospaced)

@@ -11,7 +11,12 @@ class QPainter;
 namespace vantrel {
 
 /// Weight of a text or of a symbol beside it.
-enum class Weight { regular, medium, semibold, bold };
+enum class Weight {
+    regular = QFont::Normal,
+    medium = QFont::Medium,
+    semibold = QFont::DemiBold,
+    bold = QFont::Bold,
+};
 
 enum class FontDesign { standard, monospaced };
 

@@ -20,13 +20,9 @@ public:
         qint64 totalBytes = 0;       ///< bytes; 0 when unknown
         friend bool operator==(const Progress &, const Progress &) = default;
     };
-    struct Transferring : Progress {
-        friend bool operator==(const Transferring &, const Transferring &) = default;
-    };
+    struct Transferring : Progress {};
     /// A stopped copy with its progress. Nothing enters this state today; it is shown like Transferring.
-    struct Paused : Progress {
-        friend bool operator==(const Paused &, const Paused &) = default;
-    };
+    struct Paused : Progress {};
     struct Failed {
         QString message; ///< what the user reads
         friend bool operator==(const Failed &, const Failed &) = default;
