@@ -3,15 +3,13 @@
 #include "Kit/Shapes.h"
 #include "Theme/AppTheme.h"
 
-#include <QPainter>
-
 namespace vantrel {
 
-Card::Card(double radius, QWidget *parent) : QWidget(parent), m_radius(radius) {}
-
-void Card::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    paintCard(painter, rect(), m_radius, AppTheme::surface(), AppTheme::stroke());
-}
+Card::Card(double radius, QWidget *parent)
+    : Canvas(
+          [radius](QPainter &painter, const QRectF &rect) {
+              paintCard(painter, rect, radius, AppTheme::surface(), AppTheme::stroke());
+          },
+          parent) {}
 
 } // namespace vantrel

@@ -1,22 +1,14 @@
 #include "Kit/Divider.h"
 
 #include "Kit/Shapes.h"
-
-#include <QPainter>
+#include "Theme/AppTheme.h"
 
 namespace vantrel {
 
-Divider::Divider(Qt::Orientation orientation, const ThemeColor &color, QWidget *parent)
-    : QWidget(parent), m_color(color) {
-    if (orientation == Qt::Horizontal)
-        setFixedHeight(1);
-    else
-        setFixedWidth(1);
-}
-
-void Divider::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    fillLine(painter, rect(), m_color);
+Divider::Divider(Qt::Orientation orientation, QWidget *parent)
+    : Canvas([](QPainter &painter, const QRectF &rect) { fillLine(painter, rect, AppTheme::stroke()); },
+             parent) {
+    orientation == Qt::Horizontal ? setFixedHeight(1) : setFixedWidth(1);
 }
 
 } // namespace vantrel

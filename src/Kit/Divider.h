@@ -1,24 +1,13 @@
 #pragma once
 
-#include "Theme/AppTheme.h"
-
-#include <QWidget>
+#include "Kit/Canvas.h"
 
 namespace vantrel {
 
-/// A line of one layout pixel, `stroke` unless another colour is given.
-class Divider : public QWidget {
-    Q_OBJECT
-
+/// A line of one layout pixel.
+class Divider : public Canvas {
 public:
-    explicit Divider(Qt::Orientation orientation = Qt::Horizontal,
-                     const ThemeColor &color = AppTheme::stroke(), QWidget *parent = nullptr);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
-
-private:
-    ThemeColor m_color;
+    explicit Divider(Qt::Orientation orientation = Qt::Horizontal, QWidget *parent = nullptr);
 };
 
 } // namespace vantrel

@@ -12,8 +12,6 @@ namespace vantrel {
 ///
 /// A checkable button shows what the model says: a click does not flip it, the next render() does.
 class PlainButton : public QAbstractButton {
-    Q_OBJECT
-
 public:
     explicit PlainButton(QWidget *parent = nullptr);
 

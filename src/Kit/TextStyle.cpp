@@ -192,13 +192,15 @@ void paintText(QPainter &painter, const QRectF &rect, const QString &text, const
     painter.restore();
 }
 
-void paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
-                const QColor &color, int maximumLines, Qt::Alignment alignment) {
+int paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
+               const QColor &color, int maximumLines, Qt::Alignment alignment) {
     QRectF line(rect.left(), rect.top(), rect.width(), style.lineHeight());
-    for (const QString &words : wrappedLines(text, style, rect.width(), maximumLines)) {
+    const QStringList lines = wrappedLines(text, style, rect.width(), maximumLines);
+    for (const QString &words : lines) {
         paintText(painter, line, words, style, color, alignment | Qt::AlignVCenter);
         line.translate(0, line.height());
     }
+    return int(lines.size());
 }
 
 } // namespace vantrel

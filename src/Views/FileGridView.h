@@ -26,8 +26,6 @@ struct FileGridGeometry {
 /// The entries in lines of tiles, a FileGridCell each. The toolkit puts them into a grid that begins at the
 /// left and at the top; inset and centring are a shift of all of it.
 class FileGridView : public FileItemsView {
-    Q_OBJECT
-
 public:
     FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent = nullptr);
 

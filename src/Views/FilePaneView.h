@@ -22,8 +22,6 @@ class TextLabel;
 ///
 /// Long texts are shortened; none makes the pane wider.
 class FilePaneView : public QWidget {
-    Q_OBJECT
-
 public:
     /// The state must outlive the view.
     explicit FilePaneView(const PaneState &state, QWidget *parent = nullptr);
@@ -45,7 +43,6 @@ private:
     [[nodiscard]] QWidget *makeColumnHeaders();
     [[nodiscard]] QWidget *makeGridSelectAllBar();
     [[nodiscard]] QWidget *makeFooter();
-    [[nodiscard]] IconButton *makeTool(const QString &objectName, const QString &symbol, const QString &help);
 
     void showTools();
     void showSearch();
@@ -54,10 +51,10 @@ private:
     [[nodiscard]] bool isGrid() const;
     [[nodiscard]] FileItemsView *entries() const { return isGrid() ? m_grid : m_list; }
 
-    void open(const FileItem &item);
+    void open(const FileItem &item) const;
     void select(const FileItem &item);
     void clearSearch();
-    void toggleSelectAll();
+    void toggleSelectAll() const;
     void showContextMenu(const FileItem &item, const QPoint &position);
 
     const PaneState &m_state;

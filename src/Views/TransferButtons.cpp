@@ -1,20 +1,15 @@
 #include "Views/TransferButtons.h"
 
+#include "Kit/Boxes.h"
 #include "Kit/IconButton.h"
 #include "State/AppState.h"
-
-#include <QVBoxLayout>
 
 namespace vantrel {
 
 namespace {
 
-constexpr QSize buttonSize(34, 34);
-constexpr double buttonRadius = 8;
-
 IconButton *transferButton(const QString &objectName, const QString &help) {
-    auto *button = new IconButton(buttonSize, buttonRadius);
-    button->setObjectName(objectName);
+    auto *button = named(objectName, new IconButton({34, 34}, 8));
     button->setHelp(help);
     return button;
 }
@@ -36,13 +31,7 @@ TransferButtons::TransferButtons(AppState *state, QWidget *parent)
                              QStringLiteral("Transfer selected Android items to Mac"))),
       m_toAndroid(transferButton(QStringLiteral("transferToAndroid"),
                                  QStringLiteral("Transfer selected Mac items to Android"))) {
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(10);
-    column->addStretch();
-    column->addWidget(m_toMac);
-    column->addWidget(m_toAndroid);
-    column->addStretch();
+    setLayout(columnOf(10, {BoxItem::room(), m_toMac, m_toAndroid, BoxItem::room()}));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
 
     connect(m_toMac, &IconButton::clicked, state, &AppState::transferAndroidToMac);

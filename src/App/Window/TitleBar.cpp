@@ -25,12 +25,11 @@ public:
         setRingRadius(buttonSize / 2.0);
         setFocusPolicy(Qt::NoFocus); // the desktop's own keys close and minimise windows
         setAttribute(Qt::WA_Hover);
-        static const std::array names{QStringLiteral("window.close"), QStringLiteral("window.minimise"),
-                                      QStringLiteral("window.zoom")};
-        static const std::array helps{QStringLiteral("Close"), QStringLiteral("Minimize"),
-                                      QStringLiteral("Zoom")};
-        setObjectName(names.at(static_cast<size_t>(button)));
-        setHelp(helps.at(static_cast<size_t>(button)));
+        constexpr const char *texts[][2] = {
+            {"window.close", "Close"}, {"window.minimise", "Minimize"}, {"window.zoom", "Zoom"}};
+        const auto &[name, help] = texts[int(button)];
+        setObjectName(QLatin1String(name));
+        setHelp(QLatin1String(help));
     }
 
     void setActive(bool active) {
@@ -57,19 +56,14 @@ protected:
         painter.setPen(QPen(sign, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.setBrush(Qt::NoBrush);
         painter.translate(centre);
-        switch (m_button) {
-        case WindowButton::close:
+        if (m_button == WindowButton::close) {
             painter.drawLine(QPointF(-2.5, -2.5), QPointF(2.5, 2.5));
             painter.drawLine(QPointF(-2.5, 2.5), QPointF(2.5, -2.5));
-            break;
-        case WindowButton::minimise:
+        } else {
             painter.drawLine(QPointF(-3, 0), QPointF(3, 0));
-            break;
-        case WindowButton::zoom:
-            painter.drawLine(QPointF(-3, 0), QPointF(3, 0));
-            painter.drawLine(QPointF(0, -3), QPointF(0, 3));
-            break;
         }
+        if (m_button == WindowButton::zoom)
+            painter.drawLine(QPointF(0, -3), QPointF(0, 3));
     }
 
 private:
