@@ -16,17 +16,8 @@ namespace {
 /// More than the JSON parser takes. 10,000 signals are a quarter of it.
 constexpr qint64 maximumFileSize = 134'217'728;
 
-/// Several copies of the program share the file. Where the lock cannot be had, because the directory is
-/// read-only or the other copy hangs, going on without it is better than losing the signals for certain.
-class FileLock {
-public:
-    explicit FileLock(const QString &file) : m_lock(file + QStringLiteral(".lock")) {
-        static_cast<void>(m_lock.tryLock(2000));
-    }
-
-private:
-    QLockFile m_lock;
-};
+constexpr QLatin1String lockSuffix(".lock");
+constexpr int lockPatience = 2000; // milliseconds
 
 /// The file's text; nothing when there is no such regular file or it cannot be read or is far too large.
 std::optional<QByteArray> contents(const QString &path) {
@@ -74,7 +65,10 @@ void SignalCache::load() {
     const QString path = m_cacheFileURL->toLocalFile();
     if (!QFileInfo::exists(path))
         return;
-    const FileLock lock(path);
+    // Several copies of the program share the file. Where the lock cannot be had, because the directory is
+    // read-only or the other copy hangs, going on without it is better than losing the signals for certain.
+    QLockFile lock(path + lockSuffix);
+    static_cast<void>(lock.tryLock(lockPatience));
     const auto json = contents(path);
     if (json)
         QFile::remove(path);
@@ -90,7 +84,8 @@ void SignalCache::save() {
         return;
     const QString path = m_cacheFileURL->toLocalFile();
     QDir().mkpath(QFileInfo(path).path());
-    const FileLock lock(path);
+    QLockFile lock(path + lockSuffix);
+    static_cast<void>(lock.tryLock(lockPatience));
     const auto existing = contents(path);
     if (const auto others = existing ? decodeSignals(*existing) : std::nullopt)
         push(*others + std::exchange(m_signals, {}));

@@ -9,29 +9,17 @@ namespace vantrel {
 
 namespace {
 
-/// The statuses that will not change by asking again, with their names; null for every other.
-const char *rejectionReason(int status) {
-    switch (status) {
-    case 400:
-        return "Bad Request (400)";
-    case 401:
-        return "Unauthorized (401)";
-    case 403:
-        return "Forbidden (403)";
-    case 404:
-        return "Not Found (404)";
-    case 413:
-        return "Payload Too Large (413)";
-    case 422:
-        return "Unprocessable Entity (422)";
-    case 501:
-        return "Not Implemented (501)";
-    case 505:
-        return "HTTP Version Not Supported (505)";
-    default:
-        return nullptr;
-    }
-}
+/// The statuses that will not change by asking again, with their names.
+const QMap<int, QString> rejections{
+    {400, QStringLiteral("Bad Request (400)")},
+    {401, QStringLiteral("Unauthorized (401)")},
+    {403, QStringLiteral("Forbidden (403)")},
+    {404, QStringLiteral("Not Found (404)")},
+    {413, QStringLiteral("Payload Too Large (413)")},
+    {422, QStringLiteral("Unprocessable Entity (422)")},
+    {501, QStringLiteral("Not Implemented (501)")},
+    {505, QStringLiteral("HTTP Version Not Supported (505)")},
+};
 
 } // namespace
 
@@ -114,10 +102,10 @@ void SignalManager::complete(const QList<SignalPostBody> &batch, const Result &r
         log(LogLevel::Debug, QString::fromUtf8(result->body));
         return finishSuccess();
     }
-    if (const char *reason = rejectionReason(status)) {
+    if (rejections.contains(status)) {
         log(LogLevel::Error, QStringLiteral("Dropping %1 signal(s): rejected by server %2")
                                  .arg(batch.size())
-                                 .arg(QLatin1String(reason)));
+                                 .arg(rejections.value(status)));
         return finishSuccess();
     }
     log(LogLevel::Debug,
