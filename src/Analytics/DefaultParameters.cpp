@@ -66,7 +66,7 @@ void add(SignalParameters &parameters, const std::vector<Parameter> &added) {
 void addApplication(SignalParameters &parameters, const ApplicationFacts &facts) {
     const QString library = u"VantrelAnalytics"_s;
     const QString libraryVersion = u"1.0.0"_s;
-    const bool isDark = facts.colorScheme == ApplicationFacts::ColorScheme::Dark;
+    const bool isDark = facts.colorScheme == ApplicationFacts::ColorScheme::dark;
     const bool isRightToLeft = facts.layoutDirection == Qt::RightToLeft;
     add(parameters,
         {

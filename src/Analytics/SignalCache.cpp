@@ -33,7 +33,7 @@ SignalCache::SignalCache(std::shared_ptr<const TelemetryManagerConfiguration> co
                          const QString &directory)
     : m_configuration(std::move(configuration)) {
     if (directory.isEmpty())
-        m_configuration->log(LogLevel::Error,
+        m_configuration->log(LogLevel::error,
                              QStringLiteral("Failed to get disk cache url from FileManager."));
     else
         m_cacheFileURL = QUrl::fromLocalFile(filePath(directory));
@@ -60,7 +60,7 @@ QList<SignalPostBody> SignalCache::pop() {
 void SignalCache::load() {
     if (!m_cacheFileURL)
         return;
-    m_configuration->log(LogLevel::Info,
+    m_configuration->log(LogLevel::info,
                          QStringLiteral("Loading Telemetry cache from: ") + m_cacheFileURL->toString());
     const QString path = m_cacheFileURL->toLocalFile();
     if (!QFileInfo::exists(path))
@@ -76,7 +76,7 @@ void SignalCache::load() {
     if (!loaded)
         return;
     push(*loaded);
-    m_configuration->log(LogLevel::Info, QStringLiteral("Loaded %1 signals").arg(loaded->size()));
+    m_configuration->log(LogLevel::info, QStringLiteral("Loaded %1 signals").arg(loaded->size()));
 }
 
 void SignalCache::save() {
@@ -90,16 +90,16 @@ void SignalCache::save() {
     if (const auto others = existing ? decodeSignals(*existing) : std::nullopt)
         push(*others + std::exchange(m_signals, {}));
 
-    const auto json = encodeSignals(m_signals, DateForm::Disk);
+    const auto json = encodeSignals(m_signals, DateForm::disk);
     QSaveFile file(path);
     // The commit alone overlooks what comes of the last flush, a full disk above all.
     if (json && file.open(QIODevice::WriteOnly) && file.write(*json) == json->size() && file.flush() &&
         file.commit())
-        m_configuration->log(LogLevel::Info, QStringLiteral("Saved Telemetry cache %1 of %2 signals")
+        m_configuration->log(LogLevel::info, QStringLiteral("Saved Telemetry cache %1 of %2 signals")
                                                  .arg(m_cacheFileURL->toString())
                                                  .arg(m_signals.size()));
     else
-        m_configuration->log(LogLevel::Error, QStringLiteral("Error saving Telemetry cache"));
+        m_configuration->log(LogLevel::error, QStringLiteral("Error saving Telemetry cache"));
 }
 
 } // namespace vantrel

@@ -22,7 +22,7 @@ struct TelemetryError {
 };
 
 /// The service takes dates as text, the cache file holds seconds since 2001-01-01 00:00 UTC; they never mix.
-enum class DateForm { Network, Disk };
+enum class DateForm { network, disk };
 
 /// The signals as a JSON array with the keys in the order of the record. Fails on a floatValue that JSON
 /// cannot hold.

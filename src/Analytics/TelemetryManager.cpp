@@ -52,11 +52,11 @@ void warnOfReservedNames(const TelemetryManagerConfiguration &configuration, con
     const auto check = [&](const QString &what, const QString &part, const QString &prefix,
                            const QString &text) {
         if (text.startsWith("telemetrydeck."_L1, Qt::CaseInsensitive))
-            configuration.log(LogLevel::Error,
+            configuration.log(LogLevel::error,
                               u"Sending %1 with reserved %2 'TelemetryDeck.' will cause unexpected behavior. "
                               "Please use another prefix instead."_s.arg(what, prefix));
         else if (reservedNames().contains(text.toLower()))
-            configuration.log(LogLevel::Error,
+            configuration.log(LogLevel::error,
                               u"Sending %1 with reserved %2 '%3' will cause unexpected behavior. "
                               "Please use another %2 instead."_s.arg(what, part, text));
     };
@@ -111,11 +111,11 @@ public:
                                   recorded.floatValue,
                                   payload,
                                   m_configuration->testMode.value_or(false) ? u"true"_s : u"false"_s};
-        if (m_configuration->logs(LogLevel::Debug))
+        if (m_configuration->logs(LogLevel::debug))
             m_configuration->log(
-                LogLevel::Debug,
+                LogLevel::debug,
                 u"Process signal: "_s +
-                    QString::fromUtf8(encodeSignals({body}, DateForm::Network).value_or(QByteArray())));
+                    QString::fromUtf8(encodeSignals({body}, DateForm::network).value_or(QByteArray())));
         m_signals->push(body);
     }
 
@@ -139,7 +139,7 @@ private:
             m_preferences->setValue(key, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
         const QString problem = m_preferences->save();
         if (!problem.isEmpty()) {
-            m_configuration->log(LogLevel::Error, problem);
+            m_configuration->log(LogLevel::error, problem);
             return std::nullopt;
         }
         return m_preferences->value(key);

@@ -1,4 +1,4 @@
-#include "Analytics/LogHandler.h"
+#include "Analytics/TelemetryManagerConfiguration.h"
 
 #include <QLoggingCategory>
 
@@ -8,9 +8,9 @@ Q_LOGGING_CATEGORY(lcAnalytics, "vantrel.analytics")
 
 LogHandler LogHandler::platformLog(LogLevel minimumLevel) {
     return {minimumLevel, [](LogLevel level, const QString &message) {
-                if (level == LogLevel::Debug)
+                if (level == LogLevel::debug)
                     qCDebug(lcAnalytics).noquote() << message;
-                else if (level == LogLevel::Info)
+                else if (level == LogLevel::info)
                     qCInfo(lcAnalytics).noquote() << message;
                 else
                     qCCritical(lcAnalytics).noquote() << message;
