@@ -22,4 +22,18 @@ private:
     Paint m_paint;
 };
 
+/// A container on a rounded, outlined ground. Its layout and children are the view's business; children that
+/// reach into the corners clip themselves to roundedRect() of the same radius.
+class Card : public Canvas {
+public:
+    /// `radius` in layout pixels.
+    explicit Card(double radius, QWidget *parent = nullptr);
+};
+
+/// A line of one layout pixel.
+class Divider : public Canvas {
+public:
+    explicit Divider(Qt::Orientation orientation = Qt::Horizontal, QWidget *parent = nullptr);
+};
+
 } // namespace vantrel

@@ -9,20 +9,18 @@ namespace vantrel {
 
 namespace {
 
-/// Which of them is installed the toolkit finds out when it opens the font, not before.
-QStringList standardFamilies() {
-    const QString general = QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
-#ifdef Q_OS_MACOS
-    return {general};
-#else
-    return {QStringLiteral("Inter"), general};
-#endif
+QString systemFamily(QFontDatabase::SystemFont font) {
+    return QFontDatabase::systemFont(font).family();
 }
 
 const QStringList &families(FontDesign design) {
     // Asking for the system's fonts again for every text would be noticed while scrolling.
-    static const QStringList standard = standardFamilies();
-    static const QStringList monospaced{QFontDatabase::systemFont(QFontDatabase::FixedFont).family()};
+    static const QStringList monospaced{systemFamily(QFontDatabase::FixedFont)};
+    static const QStringList standard{
+#ifndef Q_OS_MACOS
+        QStringLiteral("Inter"), // whether it is installed the toolkit finds out when it opens the font
+#endif
+        systemFamily(QFontDatabase::GeneralFont)};
     return design == FontDesign::monospaced ? monospaced : standard;
 }
 

@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 
 #include <utility>
+#include <vector>
 
 namespace vantrel {
 
@@ -31,26 +32,24 @@ void AppTheme::setScheme(ColorScheme scheme) {
 }
 
 QPalette AppTheme::palette() {
+    using Role = QPalette::ColorRole;
+    const std::pair<QColor, std::vector<Role>> roles[] = {
+        {surface(), {Role::Window, Role::Base, Role::Button, Role::ToolTipBase}},
+        {ink(), {Role::WindowText, Role::Text, Role::ButtonText, Role::ToolTipText}},
+        {canvas(), {Role::AlternateBase}},
+        {inkTertiary(), {Role::PlaceholderText}},
+        {accent(), {Role::Highlight, Role::Link, Role::LinkVisited}},
+        {onAccent(), {Role::HighlightedText}},
+        // The bevels of the stock style are shades of these.
+        {surface(), {Role::Light}},
+        {canvas(), {Role::Midlight}},
+        {inkTertiary(), {Role::Mid, Role::Dark}},
+    };
     QPalette palette;
-    palette.setColor(QPalette::Window, surface());
-    palette.setColor(QPalette::WindowText, ink());
-    palette.setColor(QPalette::Base, surface());
-    palette.setColor(QPalette::AlternateBase, canvas());
-    palette.setColor(QPalette::Text, ink());
-    palette.setColor(QPalette::PlaceholderText, inkTertiary());
-    palette.setColor(QPalette::Button, surface());
-    palette.setColor(QPalette::ButtonText, ink());
-    palette.setColor(QPalette::ToolTipBase, surface());
-    palette.setColor(QPalette::ToolTipText, ink());
-    palette.setColor(QPalette::Highlight, accent());
-    palette.setColor(QPalette::HighlightedText, onAccent());
-    palette.setColor(QPalette::Link, accent());
-    palette.setColor(QPalette::LinkVisited, accent());
-    // The bevels of the stock style are shades of these.
-    palette.setColor(QPalette::Light, surface());
-    palette.setColor(QPalette::Midlight, canvas());
-    palette.setColor(QPalette::Mid, inkTertiary());
-    palette.setColor(QPalette::Dark, inkTertiary());
+    for (const auto &[color, group] : roles) {
+        for (const Role role : group)
+            palette.setColor(role, color);
+    }
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, inkTertiary());
     return palette;

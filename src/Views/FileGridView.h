@@ -33,7 +33,9 @@ protected:
     [[nodiscard]] int columns() const override { return m_geometry.columns; }
     [[nodiscard]] int pitch() const override { return gridSize().height(); }
     [[nodiscard]] int horizontalOffset() const override { return -m_geometry.left; }
-    [[nodiscard]] int verticalOffset() const override;
+    [[nodiscard]] int verticalOffset() const override {
+        return FileItemsView::verticalOffset() - FileGridGeometry::inset;
+    }
     void updateGeometries() override;
     void resizeEvent(QResizeEvent *event) override;
 

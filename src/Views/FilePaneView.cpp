@@ -3,7 +3,6 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Boxes.h"
 #include "Kit/Canvas.h"
-#include "Kit/Divider.h"
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
@@ -13,7 +12,6 @@
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
 #include "Views/FileRow.h"
-#include "Views/FileSelectionModel.h"
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 
@@ -98,33 +96,36 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
 QWidget *FilePaneView::makeHeader() {
     m_title = named(QStringLiteral("title"), new TextLabel({13, Weight::semibold}, AppTheme::ink()));
     m_path = named(QStringLiteral("path"), new TextLabel({11, Weight::medium}, AppTheme::inkTertiary()));
-    const auto tool = [this](const char *name, const char *symbol, const char *help, auto action) {
-        auto *made = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
-        made->setLook({.symbol = {QLatin1String(symbol), 11, Weight::semibold}});
-        made->setHelp(QLatin1String(help));
-        connect(made, &IconButton::clicked, this, action);
-        return made;
+    const auto makeTool = [this](const char *name, const char *symbol, const char *help, auto action) {
+        auto *tool = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
+        tool->setLook({.symbol = {QLatin1String(symbol), 11, Weight::semibold}});
+        tool->setHelp(QLatin1String(help));
+        connect(tool, &IconButton::clicked, this, action);
+        return tool;
     };
-    const auto setMode = [this](PaneViewMode mode) {
-        if (m_pane.viewMode)
-            call(m_pane.viewMode->set, mode);
+    using Action = std::function<void()> FilePane::*;
+    const auto action = [&](const char *name, const char *symbol, const char *help, Action act) {
+        auto *tool = makeTool(name, symbol, help, [this, act] { call(m_pane.*act); });
+        m_actions.append({tool, act});
+        return tool;
     };
-    m_back = tool("back", "chevron.left", "Go back", [this] { call(m_pane.onBack); });
-    m_home = tool("home", "house", "Go to Home", [this] { call(m_pane.onHome); });
-    m_chooseFolder = tool("chooseFolder", "folder", "Choose folder", [this] { call(m_pane.onChooseFolder); });
-    m_newFolder = tool("newFolder", "folder.badge.plus", "New folder", [this] { call(m_pane.onNewFolder); });
-    m_refresh = tool("refresh", "arrow.clockwise", "Refresh", [this] { call(m_pane.onRefresh); });
-    m_listTool = tool("listView", "list.bullet", "List view", [setMode] { setMode(PaneViewMode::list); });
-    m_gridTool = tool("gridView", "square.grid.2x2", "Grid view", [setMode] { setMode(PaneViewMode::grid); });
-    return barOf(10, 8,
-                 {{columnOf(2, {m_title, m_path}), 1},
-                  m_back,
-                  m_home,
-                  m_chooseFolder,
-                  m_newFolder,
-                  m_refresh,
-                  m_listTool,
-                  m_gridTool});
+    const auto mode = [&](const char *name, const char *symbol, const char *help, PaneViewMode shown) {
+        return makeTool(name, symbol, help, [this, shown] {
+            if (m_pane.viewMode)
+                call(m_pane.viewMode->set, shown);
+        });
+    };
+    auto *back = action("back", "chevron.left", "Go back", &FilePane::onBack);
+    auto *home = action("home", "house", "Go to Home", &FilePane::onHome);
+    auto *choose = action("chooseFolder", "folder", "Choose folder", &FilePane::onChooseFolder);
+    auto *create = action("newFolder", "folder.badge.plus", "New folder", &FilePane::onNewFolder);
+    auto *refresh = action("refresh", "arrow.clockwise", "Refresh", &FilePane::onRefresh);
+    m_folderTools = {home, choose, create};
+    m_listTool = mode("listView", "list.bullet", "List view", PaneViewMode::list);
+    m_gridTool = mode("gridView", "square.grid.2x2", "Grid view", PaneViewMode::grid);
+    return barOf(
+        10, 8,
+        {{columnOf(2, {m_title, m_path}), 1}, back, home, choose, create, refresh, m_listTool, m_gridTool});
 }
 
 QWidget *FilePaneView::makeSearchBar() {
@@ -244,12 +245,9 @@ void FilePaneView::showTools() {
                        .stroke = isActive ? AppTheme::accent().withOpacity(0.35) : AppTheme::stroke(),
                        .disabledOpacity = 0.45});
     };
-    show(m_back, bool(m_pane.onBack));
-    show(m_refresh, bool(m_pane.onRefresh));
-    show(m_home, bool(m_pane.onHome));
-    show(m_chooseFolder, bool(m_pane.onChooseFolder));
-    show(m_newFolder, bool(m_pane.onNewFolder));
-    for (IconButton *tool : {m_home, m_chooseFolder, m_newFolder})
+    for (const auto &[tool, action] : m_actions)
+        show(tool, bool(m_pane.*action));
+    for (IconButton *tool : m_folderTools)
         tool->setVisible(m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder);
     const bool hasModes = m_pane.viewMode.has_value();
     for (const auto &[tool, isOn] : {std::pair(m_listTool, !isGrid()), std::pair(m_gridTool, isGrid())}) {
@@ -343,11 +341,6 @@ void FilePaneView::mousePressEvent(QMouseEvent *event) {
 }
 
 // -- Painting
-
-QSize FilePaneView::sizeHint() const {
-    // The same for every pane, whatever it shows: two of them share a width equally.
-    return {480, 480};
-}
 
 QSize FilePaneView::minimumSizeHint() const {
     // Beside the fixed columns and the tools there is room for the beginning of a name.

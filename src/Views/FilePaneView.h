@@ -30,7 +30,8 @@ public:
     void setPane(const FilePane &pane);
     [[nodiscard]] const FilePane &pane() const { return m_pane; }
 
-    [[nodiscard]] QSize sizeHint() const override;
+    /// The same for every pane, whatever it shows: two of them share a width equally.
+    [[nodiscard]] QSize sizeHint() const override { return {480, 480}; }
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
@@ -65,11 +66,8 @@ private:
     QWidget *m_header;
     TextLabel *m_title;
     TextLabel *m_path;
-    IconButton *m_back;
-    IconButton *m_home;
-    IconButton *m_chooseFolder;
-    IconButton *m_newFolder;
-    IconButton *m_refresh;
+    QList<std::pair<IconButton *, std::function<void()> FilePane::*>> m_actions; ///< and what they call
+    QList<IconButton *> m_folderTools;
     IconButton *m_listTool;
     IconButton *m_gridTool;
 

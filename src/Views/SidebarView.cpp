@@ -3,7 +3,6 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Boxes.h"
 #include "Kit/Canvas.h"
-#include "Kit/Card.h"
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/Spinner.h"
@@ -89,8 +88,9 @@ SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_
     describe(this, QAccessible::Grouping, QStringLiteral("Sidebar"));
     setFixedWidth(columnWidth);
 
-    setLayout(
-        columnOf(0, {deviceCard(), sectionHeader(QStringLiteral("ANDROID STORAGE")), {shortcutList(), 1}}));
+    auto *header = new TextLabel({10, Weight::bold, FontDesign::standard, 0.6}, AppTheme::inkTertiary());
+    header->setText(QStringLiteral("ANDROID STORAGE"));
+    setLayout(columnOf(0, {deviceCard(), columnOf(0, {header}, {14, 0, 14, 6}), {shortcutList(), 1}}));
 
     m_rendering.watch(state, &AppState::deviceChanged, &AppState::deviceStatusMessageChanged,
                       &AppState::isRefreshingDeviceChanged, &AppState::isLoadingAndroidChanged,
@@ -141,14 +141,6 @@ QWidget *SidebarView::deviceCard() {
     auto *padded = new QWidget;
     padded->setLayout(columnOf(0, {card}, {12, 12, 12, 12}));
     return padded;
-}
-
-QWidget *SidebarView::sectionHeader(const QString &title) {
-    auto *label = new TextLabel({10, Weight::bold, FontDesign::standard, 0.6}, AppTheme::inkTertiary());
-    label->setText(title);
-    auto *header = new QWidget;
-    header->setLayout(columnOf(0, {label}, {14, 0, 14, 6}));
-    return header;
 }
 
 QWidget *SidebarView::shortcutList() {

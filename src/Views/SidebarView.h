@@ -29,7 +29,6 @@ protected:
 
 private:
     QWidget *deviceCard();
-    QWidget *sectionHeader(const QString &title);
     QWidget *shortcutList();
     void render();
     [[nodiscard]] ThemeColor statusColor() const;

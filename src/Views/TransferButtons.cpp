@@ -8,12 +8,6 @@ namespace vantrel {
 
 namespace {
 
-IconButton *transferButton(const QString &objectName, const QString &help) {
-    auto *button = named(objectName, new IconButton({34, 34}, 8));
-    button->setHelp(help);
-    return button;
-}
-
 void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
     button->setEnabled(enabled);
     button->setLook({.symbol = {symbol, 13, Weight::bold},
@@ -27,10 +21,10 @@ void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
 
 TransferButtons::TransferButtons(AppState *state, QWidget *parent)
     : QWidget(parent), m_state(state),
-      m_toMac(transferButton(QStringLiteral("transferToMac"),
-                             QStringLiteral("Transfer selected Android items to Mac"))),
-      m_toAndroid(transferButton(QStringLiteral("transferToAndroid"),
-                                 QStringLiteral("Transfer selected Mac items to Android"))) {
+      m_toMac(named(QStringLiteral("transferToMac"), new IconButton({34, 34}, 8))),
+      m_toAndroid(named(QStringLiteral("transferToAndroid"), new IconButton({34, 34}, 8))) {
+    m_toMac->setHelp(QStringLiteral("Transfer selected Android items to Mac"));
+    m_toAndroid->setHelp(QStringLiteral("Transfer selected Mac items to Android"));
     setLayout(columnOf(10, {BoxItem::room(), m_toMac, m_toAndroid, BoxItem::room()}));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
 

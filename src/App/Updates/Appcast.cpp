@@ -19,10 +19,10 @@ constexpr auto thisSystem = QLatin1String("windows");
 constexpr auto thisSystem = QLatin1String("linux");
 #endif
 
-/// A version comes from the network and is shown: a short word with a digit in it.
-bool isUsableVersion(const QString &version) {
+/// A version comes from the network and is shown: a short word with a digit in it, or none at all.
+bool isAbsentOrUsable(const QString &version) {
     static const QRegularExpression usable(
-        QStringLiteral("\\A(?=.*[0-9])[0-9A-Za-z][0-9A-Za-z .+_()-]{0,63}\\z"));
+        QStringLiteral("\\A((?=.*[0-9])[0-9A-Za-z][0-9A-Za-z .+_()-]{0,63})?\\z"));
     return usable.match(version).hasMatch();
 }
 
@@ -93,9 +93,6 @@ private:
                 m_xml.skipCurrentElement();
             }
         }
-        const auto isAbsentOrUsable = [](const QString &version) {
-            return version.isEmpty() || isUsableVersion(version);
-        };
         const bool versionIsUsable = !item.version.label().isEmpty() &&
                                      isAbsentOrUsable(item.version.build) &&
                                      isAbsentOrUsable(item.version.shortVersion);

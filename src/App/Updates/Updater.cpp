@@ -67,18 +67,12 @@ UpdateMessage describe(const UpdateResult &result, const AppVersion &installed) 
 }
 
 Updater::Configuration Updater::builtIn() {
-    Configuration configuration;
-    configuration.feed = QUrl(version::updateFeed(), QUrl::StrictMode);
-    configuration.installed = {version::shortVersion(), version::build()};
-    return configuration;
+    return {.feed = QUrl(version::updateFeed(), QUrl::StrictMode),
+            .installed = {version::shortVersion(), version::build()}};
 }
 
 Updater::Updater(Configuration configuration, QObject *parent)
     : QObject(parent), m_configuration(std::move(configuration)) {}
-
-void Updater::start() {
-    setCanCheck(!m_configuration.feed.isEmpty());
-}
 
 QString Updater::whyNever() const {
     return m_configuration.feed.isEmpty() ? QStringLiteral("This build has no update feed") : QString();

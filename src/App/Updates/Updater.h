@@ -55,7 +55,7 @@ public:
     explicit Updater(Configuration configuration, QObject *parent = nullptr);
 
     /// Makes checks available where there is a feed. Called once at launch; sends nothing.
-    void start();
+    void start() { setCanCheck(!m_configuration.feed.isEmpty()); }
 
     /// False before start(), without a feed, and while a check runs.
     [[nodiscard]] bool canCheckForUpdates() const { return m_canCheck; }

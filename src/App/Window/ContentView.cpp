@@ -1,7 +1,7 @@
 #include "App/Window/ContentView.h"
 
 #include "Kit/Boxes.h"
-#include "Kit/Divider.h"
+#include "Kit/Canvas.h"
 #include "Kit/Shapes.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"

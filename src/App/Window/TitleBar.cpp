@@ -1,6 +1,6 @@
 #include "App/Window/TitleBar.h"
 
-#include "Kit/PlainButton.h"
+#include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
 #include "Kit/WindowFrame.h"
@@ -98,10 +98,6 @@ TitleBar::TitleBar(QWidget *parent) : QWidget(parent), m_toolbar(new QHBoxLayout
     band->addLayout(m_toolbar);
 }
 
-QAbstractButton *TitleBar::button(WindowButton button) const {
-    return m_buttons.at(static_cast<size_t>(button));
-}
-
 void TitleBar::setTitle(const QString &title) {
     // A label without text would open its font all the same.
     if (!m_title && title.isEmpty())
@@ -113,10 +109,6 @@ void TitleBar::setTitle(const QString &title) {
         band->insertWidget(band->indexOf(m_toolbar) - 1, m_title, 1);
     }
     m_title->setText(title);
-}
-
-ThemeColor TitleBar::titleColor() const {
-    return m_active ? AppTheme::ink() : AppTheme::inkTertiary();
 }
 
 void TitleBar::addToolbarWidget(QWidget *widget) {
