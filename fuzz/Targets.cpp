@@ -155,7 +155,7 @@ void analyticsCache(const QByteArray &input) {
     const auto batch = decodeSignals(input);
     if (!batch)
         return;
-    const auto written = encodeSignals(*batch, DateForm::Disk);
+    const auto written = encodeSignals(*batch, DateForm::disk);
     require(written && decodeSignals(*written).has_value(), "what was read can be written and read again");
 }
 

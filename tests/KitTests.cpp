@@ -1,5 +1,4 @@
-#include "Kit/Card.h"
-#include "Kit/Divider.h"
+#include "Kit/Canvas.h"
 #include "Kit/IconButton.h"
 #include "Kit/RenderScheduler.h"
 #include "Kit/Shapes.h"

@@ -33,7 +33,7 @@ QByteArray object(const SignalParameters &parameters) {
 }
 
 QByteArray date(const QDateTime &moment, DateForm form) {
-    if (form == DateForm::Disk) {
+    if (form == DateForm::disk) {
         const qint64 milliseconds = moment.toMSecsSinceEpoch() - referenceDate;
         return QByteArray::number(double(milliseconds) / 1000.0, 'f', QLocale::FloatingPointShortest);
     }

@@ -27,11 +27,6 @@ void TextLabel::setColor(const ThemeColor &color) {
     update();
 }
 
-void TextLabel::setElision(Elision elision) {
-    m_elision = elision;
-    update();
-}
-
 void TextLabel::setMaximumLines(int lines) {
     m_maximumLines = lines;
     QSizePolicy policy = sizePolicy();
@@ -56,14 +51,6 @@ QSize TextLabel::sizeHint() const {
     return {width, m_style.lineHeight()};
 }
 
-QSize TextLabel::minimumSizeHint() const {
-    return {0, m_style.lineHeight()};
-}
-
-bool TextLabel::hasHeightForWidth() const {
-    return m_maximumLines > 1;
-}
-
 int TextLabel::heightForWidth(int width) const {
     const auto lines = wrappedLines(text(), m_style, width, m_maximumLines).size();
     return int(qMax<qsizetype>(1, lines)) * m_style.lineHeight();
@@ -83,7 +70,7 @@ bool TextLabel::event(QEvent *event) {
 void TextLabel::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (m_maximumLines == 1)
-        paintText(painter, rect(), text(), m_style, m_color, alignment(), m_elision);
+        paintText(painter, rect(), text(), m_style, m_color, alignment());
     else
         paintLines(painter, rect(), text(), m_style, m_color, m_maximumLines,
                    alignment() & Qt::AlignHorizontal_Mask);

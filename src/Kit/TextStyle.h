@@ -11,7 +11,12 @@ class QPainter;
 namespace vantrel {
 
 /// Weight of a text or of a symbol beside it.
-enum class Weight { regular, medium, semibold, bold };
+enum class Weight {
+    regular = QFont::Normal,
+    medium = QFont::Medium,
+    semibold = QFont::DemiBold,
+    bold = QFont::Bold,
+};
 
 enum class FontDesign { standard, monospaced };
 
@@ -60,8 +65,9 @@ void paintText(QPainter &painter, const QRectF &rect, const QString &text, const
                const QColor &color, Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter,
                Elision elision = Elision::end);
 
-/// Paints up to `maximumLines` lines from the top of `rect`; `alignment` is the horizontal one.
-void paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
-                const QColor &color, int maximumLines, Qt::Alignment alignment = Qt::AlignHCenter);
+/// Paints up to `maximumLines` lines from the top of `rect`; `alignment` is the horizontal one. Returns how
+/// many lines there are.
+int paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
+               const QColor &color, int maximumLines, Qt::Alignment alignment = Qt::AlignHCenter);
 
 } // namespace vantrel

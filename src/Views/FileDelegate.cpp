@@ -2,9 +2,7 @@
 
 #include "Kit/TextStyle.h"
 #include "Theme/AppTheme.h"
-#include "Views/FileGridCell.h"
 #include "Views/FileItemsModel.h"
-#include "Views/FileRow.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
@@ -12,6 +10,10 @@
 #include <QToolTip>
 
 namespace vantrel {
+
+namespace {
+constexpr int dividerHeight = 1;
+} // namespace
 
 FileEntry FileDelegate::entry(const QModelIndex &index) {
     return index.data(FileItemsModel::entryRole).value<FileEntry>();
@@ -27,14 +29,9 @@ bool FileDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const Q
     return true;
 }
 
-// -- List
-
-namespace {
-constexpr int dividerHeight = 1;
-} // namespace
-
 void FileRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                             const QModelIndex &index) const {
+    constexpr int dividerIndent = 40;
     const FileEntry shown = entry(index);
     const QRect &rect = option.rect;
     FileRow{shown}.paint(*painter, rect.adjusted(0, 0, 0, -dividerHeight));
@@ -50,33 +47,9 @@ QSize FileRowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex 
     return {1, FileRowGeometry::height(entry(index).showsLocation) + dividerHeight};
 }
 
-FileEntry::Part FileRowDelegate::partAt(const FileEntry &entry, const QRect &rect,
-                                        const QPoint &point) const {
-    return FileRow{entry}.hitTest(rect, point);
-}
-
-bool FileRowDelegate::cutsName(const FileEntry &entry, const QRect &rect) const {
-    return FileRow{entry}.cutsName(rect);
-}
-
-// -- Grid
-
 void FileGridCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                  const QModelIndex &index) const {
     FileGridCell{entry(index)}.paint(*painter, option.rect);
-}
-
-QSize FileGridCellDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const {
-    return m_cellSize;
-}
-
-FileEntry::Part FileGridCellDelegate::partAt(const FileEntry &entry, const QRect &rect,
-                                             const QPoint &point) const {
-    return FileGridCell{entry}.hitTest(rect, point);
-}
-
-bool FileGridCellDelegate::cutsName(const FileEntry &entry, const QRect &rect) const {
-    return FileGridCell{entry}.cutsName(rect);
 }
 
 } // namespace vantrel

@@ -3,7 +3,6 @@
 #include "Kit/Shapes.h"
 #include "Views/FileDelegate.h"
 #include "Views/FileItemsModel.h"
-#include "Views/FileSelectionModel.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -73,11 +72,6 @@ void FileItemsView::updateRows(int first, int last) {
             break;
         viewport()->update(rect);
     }
-}
-
-/// What a change of the selection repaints: the model has told.
-QRegion FileItemsView::visualRegionForSelection(const QItemSelection &) const {
-    return {};
 }
 
 // -- Layout

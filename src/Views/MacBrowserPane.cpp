@@ -8,18 +8,6 @@
 
 namespace vantrel {
 
-namespace {
-
-void chooseFolder(AppState *state) {
-    MacFileClient::chooseFolder(state->desktop(), state->macPath())
-        .then(state, [state](const std::optional<QString> &folder) {
-            if (folder)
-                state->browseMac(*folder);
-        });
-}
-
-} // namespace
-
 MacBrowserPane::MacBrowserPane(AppState *state, QWidget *parent)
     : BrowserPane(state, BrowserSide::mac, parent) {
     setObjectName(QStringLiteral("macPane"));
@@ -39,7 +27,13 @@ void MacBrowserPane::fill(FilePane &pane) {
     };
     pane.onBack = [state] { state->browseMac(MacFileClient::parentPath(state->macPath())); };
     pane.onRefresh = [state] { state->browseMac(state->macPath()); };
-    pane.onChooseFolder = [state] { chooseFolder(state); };
+    pane.onChooseFolder = [state] {
+        MacFileClient::chooseFolder(state->desktop(), state->macPath())
+            .then(state, [state](const std::optional<QString> &folder) {
+                if (folder)
+                    state->browseMac(*folder);
+            });
+    };
     pane.onNewFolder = [state] { state->createMacFolder(); };
     pane.onHome = [state] { state->browseMac(QDir::homePath()); };
     pane.showsMacContextMenu = true;

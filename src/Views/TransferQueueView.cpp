@@ -1,7 +1,7 @@
 #include "Views/TransferQueueView.h"
 
 #include "Kit/Accessibility.h"
-#include "Kit/Card.h"
+#include "Kit/Canvas.h"
 #include "Kit/IconButton.h"
 #include "Kit/TextLabel.h"
 #include "Records/FileSizeFormat.h"

@@ -2,7 +2,7 @@
 
 #include "App/System/Product.h"
 #include "Kit/AppStyle.h"
-#include "Kit/Divider.h"
+#include "Kit/Canvas.h"
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 

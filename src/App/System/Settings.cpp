@@ -73,7 +73,7 @@ void Settings::setValue(const QString &key, const QString &value) {
 }
 
 ColorScheme Settings::appearancePreference() const {
-    return value(appearanceKey) == QLatin1StringView("dark") ? ColorScheme::dark : ColorScheme::light;
+    return value(appearanceKey) == QLatin1String("dark") ? ColorScheme::dark : ColorScheme::light;
 }
 
 void Settings::setAppearancePreference(ColorScheme scheme) {
@@ -92,7 +92,7 @@ QString Settings::doubleClickAction() const {
 bool Settings::analyticsDisabled() const {
     // As the toolkit reads a truth value; anything unknown may be meant as a wish to be left alone.
     const QString text = value(analyticsKey).toLower();
-    return !text.isEmpty() && text != QLatin1StringView("false") && text != QLatin1StringView("0");
+    return !text.isEmpty() && text != QLatin1String("false") && text != QLatin1String("0");
 }
 
 void Settings::setAnalyticsDisabled(bool disabled) {

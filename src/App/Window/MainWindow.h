@@ -24,8 +24,6 @@ class WindowChrome;
 /// opening fonts and laying out texts takes nearly as long as all that came before, and a window answers the
 /// click.
 class MainWindow : public QMainWindow {
-    Q_OBJECT
-
 public:
     static constexpr QSize minimum{1100, 720}; ///< layout pixels, with the title bar
     static constexpr QSize standard{1280, 820};

@@ -16,8 +16,6 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QLineEdit>
-#include <QMainWindow>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
@@ -30,7 +28,7 @@ namespace vantrel {
 namespace {
 
 bool isWayland() {
-    return QGuiApplication::platformName().startsWith(QLatin1StringView("wayland"));
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
 
 Qt::CursorShape cursorFor(Qt::Edges edges) {
@@ -45,7 +43,7 @@ bool takesClicks(const QWidget *widget) {
     return qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QLineEdit *>(widget) ||
            qobject_cast<const QComboBox *>(widget) || qobject_cast<const QAbstractSlider *>(widget) ||
            qobject_cast<const QAbstractSpinBox *>(widget) ||
-           QLatin1StringView(widget->metaObject()->className()).contains(QLatin1StringView("Button"));
+           QLatin1String(widget->metaObject()->className()).contains(QLatin1String("Button"));
 }
 
 } // namespace
@@ -175,10 +173,6 @@ bool WindowChrome::nativeWindowEvent(QEvent *event) {
     }
 }
 
-ChromeMouseEvent WindowChrome::chromeEvent(const QMouseEvent &event) const {
-    return {this, event.position(), m_clickCount};
-}
-
 bool WindowChrome::mousePressed(const QMouseEvent &event) {
     if (event.button() != Qt::LeftButton)
         return false;
@@ -250,10 +244,6 @@ void WindowChrome::pointAt(Qt::Edges edges) {
     m_pointedEdges = edges;
 }
 
-bool WindowChrome::fillsScreen() const {
-    return m_window->isMaximized() || m_window->isFullScreen();
-}
-
 void WindowChrome::fitShape() {
 #ifdef Q_OS_MACOS
     if (m_nativeWindow)
@@ -313,10 +303,6 @@ void WindowChrome::stayReachable() {
         m_window->move(reachable.topLeft());
 }
 
-QRect WindowChrome::frame() const {
-    return m_window->geometry();
-}
-
 std::optional<QRect> WindowChrome::visibleScreenFrame() const {
     const QScreen *screen = m_window->screen();
     return screen ? std::optional(screen->availableGeometry()) : std::nullopt;
@@ -340,14 +326,6 @@ bool WindowChrome::isOverControl(QPointF position) const {
             return true;
     }
     return false;
-}
-
-bool WindowChrome::isZoomed() const {
-    return m_window->isMaximized();
-}
-
-bool WindowChrome::isFullScreen() const {
-    return m_window->isFullScreen();
 }
 
 void WindowChrome::setFrame(const QRect &frame) {
@@ -376,10 +354,6 @@ void WindowChrome::toggleZoom() {
 
 void WindowChrome::toggleFullScreen() {
     m_window->setWindowState(m_window->windowState() ^ Qt::WindowFullScreen);
-}
-
-void WindowChrome::minimise() {
-    m_window->showMinimized();
 }
 
 void WindowChrome::startMove(QPointF pressed) {
