@@ -43,6 +43,7 @@ void AppState::forwardSignals() {
     connect(&m_transfers, &TransferRunner::queueChanged, this, &AppState::queueChanged);
     connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
     connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
+    connect(&m_transfers, &TransferRunner::isPausedChanged, this, &AppState::isPausedChanged);
     connect(&m_transfers, &TransferRunner::isTransferringChanged, this, &AppState::isTransferringChanged);
 }
 
@@ -66,7 +67,8 @@ void AppState::transfer(TransferDirection direction) {
                             AndroidPath::join(folder, item.name),
                             direction,
                             {},
-                            item.sizeBytes.value_or(0)});
+                            item.sizeBytes.value_or(0),
+                            *connectedSerial()});
     }
     if (entries.isEmpty())
         return;
@@ -76,6 +78,10 @@ void AppState::transfer(TransferDirection direction) {
 
 std::optional<QString> AppState::connectedSerial() const {
     return device().isConnected ? std::optional(device().id) : std::nullopt;
+}
+
+QString AppState::shownFolder(BrowserSide side) const {
+    return side == BrowserSide::mac ? macPath() : androidCurrentPath();
 }
 
 QCoro::Task<> AppState::listAgain(BrowserSide side) {

@@ -43,6 +43,7 @@ QCoro::Task<> AppState::showPhone(AndroidDevice found) {
     }
     m_device = found;
     m_deviceStatusMessage = message;
+    m_transfers.phoneWasAsked();
     if (!isNew)
         co_return;
     const auto shortcut = std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [this](const auto &entry) {
@@ -55,6 +56,7 @@ QCoro::Task<> AppState::showPhone(AndroidDevice found) {
 void AppState::showNoPhone(const QString &reason) {
     m_device = AndroidDevice();
     m_deviceStatusMessage = reason;
+    m_transfers.phoneWasAsked();
     m_androidPane.empty(); // with the listing that is still under way: it is of the phone that is gone
 }
 
