@@ -9,7 +9,6 @@ namespace vantrel {
 
 void Canvas::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     m_paint(painter, rect());
 }
 

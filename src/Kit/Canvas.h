@@ -9,8 +9,7 @@ namespace vantrel {
 /// A widget that only shows something.
 class Canvas : public QWidget {
 public:
-    /// Paints on a rectangle, with smooth edges; in the colours of the moment, since it runs again when the
-    /// scheme changes.
+    /// Paints on a rectangle in the colours of the moment: it runs again when the scheme changes.
     using Paint = std::function<void(QPainter &painter, const QRectF &rect)>;
 
     explicit Canvas(Paint paint, QWidget *parent = nullptr) : QWidget(parent), m_paint(std::move(paint)) {}

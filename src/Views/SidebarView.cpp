@@ -25,6 +25,7 @@ constexpr int storageSteps = 10'000; // finer than the bar has pixels
 
 /// The phone's picture; the same whether or not one is connected.
 void paintDeviceIcon(QPainter &painter, const QRectF &rect) {
+    painter.setRenderHint(QPainter::Antialiasing);
     QLinearGradient gradient(rect.topLeft(), rect.bottomRight());
     gradient.setColorAt(0, AppTheme::deviceIconTop());
     gradient.setColorAt(1, AppTheme::deviceIconBottom());
@@ -109,6 +110,7 @@ QWidget *SidebarView::deviceCard() {
                          new Spinner(Spinner::Size::mini, QStringLiteral("Checking the device")));
     m_dot = named(QStringLiteral("sidebar.device.statusDot"),
                   canvas(7, [this](QPainter &painter, const QRectF &rect) {
+                      painter.setRenderHint(QPainter::Antialiasing);
                       painter.fillPath(capsule(rect), QColor(statusColor()));
                   }));
     m_status = text(QStringLiteral("sidebar.device.status"), {11, Weight::semibold}, AppTheme::danger());

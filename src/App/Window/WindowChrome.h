@@ -68,7 +68,7 @@ private:
     void stayReachable();
     void moveDraggedOut(QPoint mouse);
     void moveWithMouse(QPoint pressedAt);
-    [[nodiscard]] bool fillsScreen() const { return isZoomed() || isFullScreen(); }
+    [[nodiscard]] bool fillsScreen() const { return m_window->isMaximized() || m_window->isFullScreen(); }
     [[nodiscard]] Qt::Edges edgesAt(QPointF position) const;
     [[nodiscard]] ChromeMouseEvent chromeEvent(const QMouseEvent &event) const {
         return {this, event.position(), m_clickCount};
