@@ -96,7 +96,7 @@ private:
     [[nodiscard]] bool mayStart(const QueueItem &item) const;
     void fillSlots();
     QCoro::Task<> runSlot(QList<QueueItem> entries);
-    void finish(const QueueItem &item, const CopyReport &report);
+    void finish(const QUuid &id, const CopyReport &report);
     void letWait(const std::function<bool(const QueueItem &)> &isMeant);
     void refreshReceivingPane(const QueueItem &item);
     QCoro::Task<> browseAgain(BrowserSide side);
