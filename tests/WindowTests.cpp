@@ -1,13 +1,10 @@
 // The main window and how it divides its room, on a demo phone.
 
 #include "support/Files.h"
-#include "support/WindowFixture.h"
+#include "support/MainWindowFixture.h"
 
 #include "ADB/ADBClient.h"
-#include "App/System/Settings.h"
-#include "App/Updates/Updater.h"
 #include "App/Window/ContentView.h"
-#include "App/Window/MainWindow.h"
 #include "App/Window/ToolbarButton.h"
 #include "Kit/AppStyle.h"
 #include "Kit/TextLabel.h"
@@ -47,27 +44,14 @@ TEST_F(BrowserColumnTests, thePanelGrowsUntilThePanesHaveTheirLeastHeight) {
     EXPECT_EQ(view->size(), QSize(840, 640));
 }
 
-class MainWindowTests : public WindowFixture {
+class MainWindowTests : public MainWindowFixture {
 protected:
-    [[nodiscard]] QString settingsPath() const { return mac.filePath(u"settings.ini"_s); }
-    MainWindow *showWindow() {
-        settings.emplace(settingsPath());
-        auto *window = new MainWindow(desktop, *settings, updater);
-        view.reset(window);
-        window->show();
-        EXPECT_TRUE(waitFor([&] { return window->isFurnished(); }));
-        settle();
-        return window;
-    }
     [[nodiscard]] qsizetype looks() const {
         qsizetype count = 0;
         for (const QStringList &line : phone.commandLines())
             count += line == QStringList{u"devices"_s};
         return count;
     }
-
-    Updater updater{Updater::Configuration{}};
-    std::optional<Settings> settings;
 };
 
 TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {

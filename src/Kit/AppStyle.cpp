@@ -27,6 +27,9 @@ QString toolkitStyle() {
 }
 #endif
 
+constexpr int animationDuration = 180; // milliseconds
+bool reducedMotion = false;
+
 // -- Scroll bars
 
 constexpr int scrollBarWidth = 10;
@@ -162,6 +165,10 @@ void AppStyle::install(QApplication &, std::chrono::milliseconds toolTipDelay) {
     QToolTip::setPalette({}); // the desktop's own would stay when the scheme changes
 }
 
+void AppStyle::setReducedMotion(bool reduced) {
+    reducedMotion = reduced;
+}
+
 void AppStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                            const QWidget *widget) const {
     const auto *bar = qstyleoption_cast<const QStyleOptionProgressBar *>(option);
@@ -229,6 +236,8 @@ int AppStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidge
     switch (hint) {
     case SH_ToolTip_WakeUpDelay:
         return static_cast<int>(m_toolTipDelay.count());
+    case SH_Widget_Animation_Duration:
+        return reducedMotion ? 0 : animationDuration;
     case SH_ScrollBar_ContextMenu:
         return 0;
     default:

@@ -29,6 +29,9 @@ public:
     /// Gives the application this style, and the theme's palette and font.
     static void install(QApplication &application, std::chrono::milliseconds toolTipDelay);
 
+    /// Whether things move at all; at first they do. Controls learn of it as SH_Widget_Animation_Duration.
+    static void setReducedMotion(bool reduced);
+
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,

@@ -123,20 +123,13 @@ void ApplicationMenu::addProblem(Settings *settings) {
 }
 
 void ApplicationMenu::show(const UpdateResult &result, const Updater &updater) {
-    for (Sheet *sheet : m_window->findChildren<Sheet *>(QString(), Qt::FindDirectChildrenOnly)) {
-        if (!sheet->isVisible())
-            continue;
-        if (!qobject_cast<UpdateView *>(sheet)) {
-            connect(
-                sheet, &QDialog::finished, this, [this, result, &updater] { show(result, updater); },
-                Qt::SingleShotConnection);
-            return;
-        }
-        sheet->close();
-    }
-    auto *view = new UpdateView(m_window, result, updater.installedVersion());
-    view->setAttribute(Qt::WA_DeleteOnClose);
-    view->open();
+    if (m_outcome && m_outcome->isHidden())
+        delete m_outcome; // it was still waiting
+    else if (m_outcome)
+        m_outcome->close();
+    m_outcome = new UpdateView(m_window, result, updater.installedVersion());
+    m_outcome->setAttribute(Qt::WA_DeleteOnClose);
+    m_outcome->open();
 }
 
 QWidget *ApplicationMenu::createButton(QWidget *parent) const {

@@ -90,6 +90,8 @@ void MainWindow::setAppearancePreference(ColorScheme scheme) {
 }
 
 void MainWindow::showAbout() {
+    if (findChild<AboutView *>())
+        return; // it is open, or will be when another sheet is closed
     auto *about = new AboutView(this);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->open();
