@@ -121,6 +121,23 @@ TEST_F(WaylandTests, yieldsToTheCompositorsSize) {
     EXPECT_TRUE(becomes([&] { return !window->isFullScreen() && !window->isMaximized(); }));
 }
 
+TEST_F(WaylandTests, opensZoomedAndReturnsToTheSizeItWasLeftWith) {
+    window.reset();
+    const QSize left(1000, 500);
+    settings.setWindowGeometry({.size = left, .position = QPoint(-300, 9000), .isZoomed = true});
+    window = std::make_unique<MainWindow>(desktop, settings, updater);
+    window->show();
+    EXPECT_TRUE(becomes([&] { return window->isFurnished() && window->isMaximized(); }));
+    zoomByButton();
+    const QSize fitted = left.expandedTo(window->minimumSize());
+    EXPECT_TRUE(becomes([&] { return !window->isMaximized() && window->size() == fitted; }))
+        << window->width() << " x " << window->height();
+    window->close();
+    EXPECT_EQ(settings.windowGeometry(),
+              (WindowGeometry{.size = fitted, .position = QPoint(-300, 9000), .isZoomed = false}))
+        << "only the compositor knows a place";
+}
+
 TEST_F(WaylandTests, sheetsArePartOfTheWindow) {
     const qsizetype windows = QGuiApplication::topLevelWindows().size();
     window->showAbout();

@@ -72,6 +72,43 @@ TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
     EXPECT_LE(window->minimumSizeHint().height(), 720);
 }
 
+TEST_F(MainWindowTests, opensAsItWasLeft) {
+    const auto closed = [&] {
+        view->close();
+        view.reset();
+        EXPECT_TRUE(settings->save());
+        return contents(settingsPath());
+    };
+    showWindow();
+    EXPECT_EQ(closed(), "(missing)") << "nobody has changed anything";
+
+    showWindow()->setGeometry(150, 90, 1200, 760);
+    settle();
+    EXPECT_EQ(closed(), "windowPosition=150,90\nwindowSize=1200x760\nwindowZoomed=false\n");
+    EXPECT_EQ(showWindow()->geometry(), QRect(150, 90, 1200, 760));
+    view->showMaximized();
+    settle();
+    closed();
+    MainWindow *window = showWindow();
+    EXPECT_TRUE(window->isMaximized());
+    child<QAbstractButton>("window.zoom")->click();
+    settle();
+    EXPECT_EQ(window->geometry(), QRect(150, 90, 1200, 760));
+
+    // A screen that is gone, and what nobody can have meant; it stays as it is stored until the user chooses.
+    for (const auto &[stored, expected] :
+         {std::pair(QByteArray("windowPosition=50000,60\nwindowSize=1200x760\n"), QSize(1200, 760)),
+          {"windowPosition=50,60\nwindowSize=90000x90000\n", window->screen()->availableSize()},
+          {"windowPosition=50,60\nwindowSize=3x2\n", MainWindow::minimum},
+          {"windowPosition=here\nwindowSize=large\n", MainWindow::standard}}) {
+        write(settingsPath(), stored);
+        window = showWindow();
+        EXPECT_EQ(window->size(), expected) << stored.toStdString();
+        EXPECT_TRUE(window->screen()->availableGeometry().contains(window->geometry()));
+        EXPECT_EQ(closed(), stored);
+    }
+}
+
 TEST_F(MainWindowTests, isThereBeforeItIsFurnishedAndLooksForThePhoneLast) {
     // What the window holds when its first frame is painted, and when its content is.
     struct FrameWatch : QObject {
