@@ -2,6 +2,7 @@
 #include "Kit/Spinner.h"
 #include "Kit/TextLabel.h"
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
 #include "MacFiles/MacFileClient.h"
 #include "Records/Identity.h"
 #include "Views/AndroidBrowserPane.h"
@@ -25,7 +26,6 @@
 #include <QPaintEvent>
 #include <QPointer>
 #include <QScrollBar>
-#include <QToolTip>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -667,9 +667,9 @@ TEST_P(PaneLayoutTests, aCutNameShowsInFullUnderTheMouse) {
         QCoreApplication::sendEvent(viewport, &event);
     };
     rest(0);
-    EXPECT_EQ(QToolTip::text(), plainToolTip(longName));
+    EXPECT_EQ(ToolTips::text(), longName);
     rest(1);
-    EXPECT_TRUE(waitFor([] { return !QToolTip::isVisible(); })) << "it sticks to another entry";
+    EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it sticks to another entry";
 }
 
 TEST_F(FilePaneTests, tabReachesEveryControlInReadingOrder) {

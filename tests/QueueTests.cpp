@@ -4,6 +4,7 @@
 
 #include "Kit/IconButton.h"
 #include "Kit/TextLabel.h"
+#include "Kit/ToolTips.h"
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueDelegate.h"
 #include "Views/QueueListView.h"
@@ -16,7 +17,6 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QToolTip>
 
 namespace vantrel {
 namespace {
@@ -75,7 +75,7 @@ bool shows(const QImage &list, const QRect &place, const QString &text, const Te
 QString toolTipAt(QueueListView *list, QPoint place) {
     QHelpEvent event(QEvent::ToolTip, place, list->viewport()->mapToGlobal(place));
     QCoreApplication::sendEvent(list->viewport(), &event);
-    return QToolTip::text();
+    return ToolTips::text();
 }
 
 // -- What the queue announces
@@ -214,14 +214,12 @@ TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
     list.resize(700, list.height());
     QCoreApplication::processEvents();
     const QueueRowGeometry at = places(0);
-    EXPECT_EQ(toolTipAt(&list, at.progress.center()), plainToolTip(longText));
-    EXPECT_EQ(toolTipAt(&list, at.name.center()), plainToolTip(worst.name));
-    EXPECT_EQ(toolTipAt(&list, at.route.center()),
-              plainToolTip(worst.sourcePath + u"  →  "_s + worst.destinationPath));
-    EXPECT_EQ(toolTipAt(&list, at.removeButton.center()),
-              plainToolTip(u"Remove this transfer from the queue"_s));
+    EXPECT_EQ(toolTipAt(&list, at.progress.center()), longText);
+    EXPECT_EQ(toolTipAt(&list, at.name.center()), worst.name);
+    EXPECT_EQ(toolTipAt(&list, at.route.center()), worst.sourcePath + u"  →  "_s + worst.destinationPath);
+    EXPECT_EQ(toolTipAt(&list, at.removeButton.center()), u"Remove this transfer from the queue"_s);
     (void)toolTipAt(&list, places(1).name.center());
-    EXPECT_TRUE(waitFor([] { return QToolTip::text().isEmpty(); })) << "it is all there";
+    EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it is all there";
 }
 
 TEST_F(QueueRowTests, dividersLieBetweenTheRows) {
@@ -432,7 +430,7 @@ TEST_F(QueueTests, anErrorOfTenLinesStaysOneLine) {
     EXPECT_EQ(panel->sizeHint().height(), panel->minimumSizeHint().height());
     EXPECT_EQ(list->visualRect(row(0)).height(), QueueRowGeometry::rowHeight() + 1);
     EXPECT_EQ(toolTipAt(list, QueueRowGeometry(list->visualRect(row(0))).progress.center()),
-              plainToolTip(item.progressLabel()));
+              item.progressLabel());
 }
 
 TEST_F(QueueTests, rowsAreRemovedByMouseAndByKeys) {

@@ -3,13 +3,13 @@
 #include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
 #include "Transfers/TransferQueue.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
 
@@ -146,10 +146,7 @@ bool QueueDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const 
         if (rect.contains(event->pos()) && style.width(text) > rect.width())
             help = text;
     }
-    if (help.isEmpty())
-        QToolTip::hideText();
-    else
-        QToolTip::showText(event->globalPos(), plainToolTip(help), view->viewport(), option.rect);
+    ToolTips::show(help, view->viewport(), option.rect);
     return true;
 }
 

@@ -29,16 +29,6 @@ QRect contentOf(const QWidget &window) {
     return content;
 }
 
-void paintShadow(QPainter &painter, const QRectF &card, double strength) {
-    constexpr int reach = 16;
-    constexpr int fall = 6; // as of light from above
-    painter.setRenderHint(QPainter::Antialiasing);
-    for (int step = reach; step > 0; step -= 2) {
-        const QRectF ring = card.translated(0, fall).adjusted(-step, -step, step, step);
-        painter.fillPath(roundedRect(ring, cornerRadius + step), QColor(0, 0, 0, qRound(5 * strength)));
-    }
-}
-
 } // namespace
 
 Sheet::Sheet(const QString &name, int width, QWidget *window)
@@ -136,10 +126,10 @@ void Sheet::place() {
 }
 
 void Sheet::paintEvent(QPaintEvent *) {
-    const double strength = m_slide.currentValue().toDouble();
     QPainter painter(this);
-    painter.fillRect(rect(), AppTheme::dimming().withOpacity(strength));
-    paintShadow(painter, m_card->geometry(), strength);
+    painter.fillRect(rect(), AppTheme::dimming().withOpacity(m_slide.currentValue().toDouble()));
+    constexpr int shadow = 24;
+    paintShadow(painter, m_card->geometry(), cornerRadius, shadow);
 }
 
 } // namespace vantrel
