@@ -7,6 +7,7 @@
 #include "App/Updates/Updater.h"
 #include "App/Window/ApplicationMenu.h"
 #include "App/Window/WindowChrome.h"
+#include "MacFiles/ThisComputer.h"
 #include "Theme/AppTheme.h"
 
 #include <QtTest>
@@ -83,9 +84,10 @@ TEST_F(AboutViewTests, showsItsTextsAndOpensItsLinks) {
     QStringList shown;
     for (const QLabel *label : about.findChildren<QLabel *>())
         shown.append(label->text());
-    EXPECT_EQ(shown, QStringList({u"Vantrel (1.4)"_s, u"Transfer files between Mac and Android"_s,
-                                  u"Connect your phone with USB debugging on."_s,
-                                  u"Found a bug or have an idea?"_s, product::copyright()}));
+    EXPECT_EQ(shown,
+              QStringList({u"Vantrel (1.4)"_s, u"Transfer files between %1 and Android"_s.arg(thisComputer()),
+                           u"Connect your phone with USB debugging on."_s, u"Found a bug or have an idea?"_s,
+                           product::copyright()}));
     EXPECT_EQ(about.findChild<QWidget *>(u"sheet.card"_s)->width(), 340);
 
     QAbstractButton *site = button(about, "about.website");

@@ -89,11 +89,11 @@ TEST_F(DesktopTests, theModelMakesTheFolderThatWasAskedFor) {
 TEST_F(DesktopTests, theFolderChooserAnswersThroughItsFuture) {
     QDir(mac.path()).mkpath(u"inside"_s);
     for (const bool accepted : {true, false}) {
-        const auto future = real.chooseFolder(u"Choose a Mac folder"_s, u"Choose"_s, mac.path());
+        const auto future = real.chooseFolder(u"Choose a folder"_s, u"Choose"_s, mac.path());
         auto *chooser = window->findChild<QFileDialog *>();
         ASSERT_NE(chooser, nullptr);
         EXPECT_FALSE(future.isFinished());
-        EXPECT_EQ(chooser->windowTitle(), u"Choose a Mac folder"_s);
+        EXPECT_EQ(chooser->windowTitle(), u"Choose a folder"_s);
         EXPECT_EQ(chooser->labelText(QFileDialog::Accept), u"Choose"_s);
         EXPECT_EQ(QDir(chooser->directory()).canonicalPath(), QDir(mac.path()).canonicalPath());
         chooser->selectFile(mac.filePath(u"inside"_s));

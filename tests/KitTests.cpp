@@ -543,6 +543,11 @@ TEST_F(ShownToolTipTests, goAsSoonAsAnythingHappens) {
         EXPECT_EQ(ToolTips::text().isEmpty(), event != &inside) << int(event->type());
     }
     rest(buttons[0]);
+    buttons[0]->setToolTip({}); // nothing is said about what stands there now
+    buttons[0]->update();
+    EXPECT_TRUE(QTest::qWaitFor([] { return ToolTips::text().isEmpty(); }));
+    buttons[0]->setToolTip(u"Back"_s);
+    rest(buttons[0]);
     buttons[0]->hide();
     EXPECT_TRUE(ToolTips::text().isEmpty());
     buttons[0]->show();

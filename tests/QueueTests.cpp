@@ -5,6 +5,7 @@
 #include "Kit/IconButton.h"
 #include "Kit/TextLabel.h"
 #include "Kit/ToolTips.h"
+#include "MacFiles/ThisComputer.h"
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueDelegate.h"
 #include "Views/QueueListView.h"
@@ -369,7 +370,7 @@ protected:
 TEST_F(QueueTests, anEmptyQueueShowsTheHintAndNothingToClear) {
     showPanel();
     EXPECT_EQ(child<TextLabel>("queue.hint")->text(),
-              u"Select files and use → or ← to copy between Android and Mac."_s);
+              u"Select files and use → or ← to copy between Android and %1."_s.arg(thisComputer()));
     EXPECT_TRUE(child<TextLabel>("queue.hint")->isVisible());
     EXPECT_FALSE(child<TextLabel>("queue.note")->isVisible());
     EXPECT_FALSE(child<IconButton>("queue.clear")->isVisible());

@@ -1,6 +1,7 @@
 #include "Views/TransferButtons.h"
 
 #include "Kit/IconButton.h"
+#include "MacFiles/ThisComputer.h"
 #include "State/AppState.h"
 
 #include <QVBoxLayout>
@@ -33,9 +34,10 @@ void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
 TransferButtons::TransferButtons(AppState *state, QWidget *parent)
     : QWidget(parent), m_state(state),
       m_toMac(transferButton(QStringLiteral("transferToMac"),
-                             QStringLiteral("Transfer selected Android items to Mac"))),
-      m_toAndroid(transferButton(QStringLiteral("transferToAndroid"),
-                                 QStringLiteral("Transfer selected Mac items to Android"))) {
+                             QStringLiteral("Transfer selected Android items to ") + thisComputer())),
+      m_toAndroid(
+          transferButton(QStringLiteral("transferToAndroid"),
+                         QStringLiteral("Transfer selected %1 items to Android").arg(thisComputer()))) {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(10);
