@@ -13,7 +13,8 @@ vantrel_test_at_3x(ViewsTests *geometry*:*ShareTheWidth*:*headersStand*:*hasItsP
 vantrel_gui_test(SystemTests LIBRARIES vantrel_app_system SOURCES SettingsTests.cpp)
 vantrel_gui_test(UpdatesTests LIBRARIES vantrel_app_updates SOURCES UpdaterTests.cpp support/LocalHttpServer.cpp)
 vantrel_gui_test(SheetsTests LIBRARIES vantrel_app_window SOURCES AboutTests.cpp)
-vantrel_gui_test(WindowTests LIBRARIES vantrel_app_window demo_phone_fixture SOURCES WindowTests.cpp ChromeTests.cpp)
+vantrel_gui_test(WindowTests LIBRARIES vantrel_app_window demo_phone_fixture 
+                 SOURCES WindowTests.cpp ChromeTests.cpp SheetTests.cpp)
 vantrel_test_at_3x(WindowTests *opensAtItsSize*:*thePanelGrows*)
 
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)

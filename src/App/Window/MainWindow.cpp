@@ -14,7 +14,6 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
-#include <QScreen>
 
 #include <utility>
 
@@ -27,7 +26,7 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
     setObjectName(QStringLiteral("mainWindow"));
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
     m_chrome->setMinimumSize(minimum);
-    resize(screen() ? standard.boundedTo(screen()->availableSize()) : standard);
+    m_chrome->restore(settings.windowGeometry(), standard);
     setCentralWidget(new ContentGround(this));
 
     m_pollTimer->setObjectName(QStringLiteral("devicePoll"));
@@ -45,6 +44,7 @@ void MainWindow::furnish() {
     if (std::exchange(m_isFurnished, true))
         return;
     awaitFontConfiguration();
+    m_openedWith = m_chrome->geometry();
     setWindowTitle(product::name());
     addToolbarButtons();
     setCentralWidget(new ContentView(m_state.get(), this));
@@ -90,6 +90,8 @@ void MainWindow::setAppearancePreference(ColorScheme scheme) {
 }
 
 void MainWindow::showAbout() {
+    if (findChild<AboutView *>())
+        return; // it is open, or will be when another sheet is closed
     auto *about = new AboutView(this);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->open();
@@ -129,6 +131,9 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
 void MainWindow::closeEvent(QCloseEvent *event) {
     QMainWindow::closeEvent(event);
     if (event->isAccepted()) {
+        // A window that was only looked at stays what it is on a larger screen, which may come back.
+        if (m_openedWith && m_chrome->geometry() != *m_openedWith)
+            m_settings.setWindowGeometry(m_chrome->geometry());
         m_pollTimer->stop();
         m_isStarted = false;
     }

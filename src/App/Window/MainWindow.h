@@ -1,5 +1,6 @@
 #pragma once
 
+#include "App/System/Settings.h"
 #include "Theme/AppTheme.h"
 
 #include <QCoroTask>
@@ -8,12 +9,12 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace vantrel {
 
 class AppState;
 class Desktop;
-class Settings;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
@@ -62,6 +63,7 @@ private:
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
     QTimer *m_pollTimer;
+    std::optional<WindowGeometry> m_openedWith; ///< after the desktop had its say
     bool m_isFurnished = false;
     bool m_isStarted = false;
 };
