@@ -27,8 +27,8 @@ struct Key {
     Member member;
 };
 
-const std::array<Key, 20> &keys() {
-    static const std::array<Key, 20> table{{
+const std::array<Key, 21> &keys() {
+    static const std::array<Key, 21> table{{
         {"serial", &Settings::serial},
         {"model", &Settings::model},
         {"state", &Settings::state},
@@ -42,6 +42,7 @@ const std::array<Key, 20> &keys() {
         {"hang", &Settings::hang},
         {"crash", &Settings::crash},
         {"chatter", &Settings::chatter},
+        {"escapes", &Settings::escapes},
         {"stdout", &Settings::standardOutput},
         {"stderr", &Settings::standardError},
         {"exit", &Settings::exitStatus},

@@ -23,6 +23,7 @@ struct Settings {
     bool hang = false;
     std::int64_t crash = 0; ///< signal number; 0 is none
     std::string chatter = "off";
+    bool escapes = true;        ///< whether ls knows -b
     std::string standardOutput; ///< printed in place of the answer when hasStandardOutput
     bool hasStandardOutput = false;
     std::string standardError;

@@ -45,9 +45,7 @@ void storage(const QByteArray &input) {
         require(bytes->used % 1024 == 0 && bytes->total % 1024 == 0, "df counts blocks of 1024 bytes");
 }
 
-void listing(const QByteArray &input) {
-    const QString folder = QStringLiteral("/sdcard/Download");
-    const auto items = ADBClient::parseLSLA(ToolText::decode(input), folder);
+void listingIn(const QString &folder, const QList<FileItem> &items) {
     for (const FileItem &item : items) {
         require(AndroidPath::isSafeName(item.name), "a name is one component");
         require(!item.name.startsWith(QLatin1Char('.')), "hidden names are left out");
@@ -60,6 +58,25 @@ void listing(const QByteArray &input) {
     require(std::equal(items.begin(), items.end(), sorted.begin(),
                        [](const FileItem &a, const FileItem &b) { return a.name == b.name; }),
             "a listing is in file order");
+}
+
+void listing(const QByteArray &input) {
+    const QString folder = QStringLiteral("/sdcard/Download");
+    const auto [text, isExact] = ToolText::decodeLeniently(input);
+    listingIn(folder, ADBClient::parseLSLA(text, folder, isExact));
+}
+
+/// The phone may go while it lists: every beginning of a listing is one, too.
+void exactListing(const QByteArray &input) {
+    const QString folder = QStringLiteral("/sdcard/Download");
+    const auto [text, isExact] = ToolText::decodeLeniently(input);
+    const auto items = ADBClient::parseLSLAB(text, folder, isExact);
+    listingIn(folder, items);
+    const qsizetype end = text.lastIndexOf(QLatin1Char('\n')) + 1;
+    const auto whole = ADBClient::parseLSLAB(text.left(end), folder, isExact);
+    require(items.size() - whole.size() == 0 || items.size() - whole.size() == 1,
+            "a line that is cut is one entry at most");
+    require(ADBClient::countComplaints(input) <= input.count('\n') + 1, "a line is one complaint at most");
 }
 
 void foundPaths(const QByteArray &input) {
@@ -180,15 +197,11 @@ void settings(const QByteArray &input) {
 
 const QList<Target> &targets() {
     static const QList<Target> all{
-        {"device-list", &deviceList},
-        {"storage", &storage},
-        {"listing", &listing},
-        {"found-paths", &foundPaths},
-        {"search-metadata", &searchMetadata},
-        {"progress", &progress},
-        {"paths", &paths},
-        {"appcast", &appcast},
-        {"analytics-cache", &analyticsCache},
+        {"device-list", &deviceList}, {"storage", &storage},
+        {"listing", &listing},        {"exact-listing", &exactListing},
+        {"found-paths", &foundPaths}, {"search-metadata", &searchMetadata},
+        {"progress", &progress},      {"paths", &paths},
+        {"appcast", &appcast},        {"analytics-cache", &analyticsCache},
         {"settings", &settings},
     };
     return all;

@@ -10,6 +10,7 @@
 #include <QSet>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -35,6 +36,22 @@ namespace vantrel::ADBClient {
                                             const QProcessEnvironment &environment);
 /// Runs adb with these arguments.
 [[nodiscard]] ADBResult<QString> runADB(const QStringList &arguments);
+
+/// All that a tool which ran to its end left behind.
+struct ToolAnswer {
+    QByteArray output; ///< of standard output, unchanged
+    QByteArray errors; ///< of standard error, unchanged
+    int exitStatus = 0;
+    bool succeeded = false;
+    /// Why it did not succeed, in the tool's words.
+    [[nodiscard]] ADBError error() const;
+};
+/// Runs adb with a question that somebody waits for. A tool that is silent for as long as the phone's
+/// patience is killed, and the phone does not answer.
+[[nodiscard]] ADBResult<ToolAnswer> askADB(const QStringList &arguments);
+/// How long askADB() bears silence: 15 s unless set. Any thread.
+[[nodiscard]] std::chrono::milliseconds patience();
+void setPatience(std::chrono::milliseconds patience);
 /// Ends every tool that is running at this moment, on whatever thread; its operation fails within a fraction
 /// of a second. For quitting: nothing may be left running. Operations that start later are not touched.
 void stopRunningTools();
@@ -61,8 +78,12 @@ struct StorageBytes {
 /// The canonical form of a phone path: "/sdcard" for nothing, no trailing slash but for "/". Blanks around it
 /// go, unless it begins with "/": then those at its end belong to a name.
 [[nodiscard]] QString normalizePath(const QString &path);
-/// The visible entries of a folder, folders first. Fails with the phone's own words.
-[[nodiscard]] ADBResult<QList<FileItem>> listDirectory(const QString &serial, const QString &path);
+/// The visible entries of a folder, folders first, every name as it is.
+struct Listing : QList<FileItem> {
+    qsizetype unreadableCount = 0; ///< entries that the phone could tell nothing of
+};
+/// Lists a folder. Fails with the phone's own words when nothing of it can be read.
+[[nodiscard]] ADBResult<Listing> listDirectory(const QString &serial, const QString &path);
 
 // -- Search (ADBSearch.cpp)
 

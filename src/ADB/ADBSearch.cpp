@@ -2,6 +2,7 @@
 
 #include "ADB/AndroidPath.h"
 #include "ADB/SearchText.h"
+#include "ADB/ToolText.h"
 #include "Records/FileOrder.h"
 #include "Records/Identity.h"
 #include "Records/TextLength.h"
@@ -50,21 +51,26 @@ ADBResult<QList<FileItem>> search(const QString &serial, const QString &root, co
         return QList<FileItem>();
 
     const QString folder = normalizePath(root);
-    const auto found =
-        runShellText(serial, QStringLiteral("find -L '") % folder % QStringLiteral("' -iname '*") %
-                                 sanitized % QStringLiteral("*' 2>/dev/null | head -n ") %
-                                 QString::number(limit) % QStringLiteral("; true"));
-    if (!found)
-        return tl::make_unexpected(found.error());
+    const auto answer = askADB({QStringLiteral("-s"), serial, QStringLiteral("shell"),
+                                QStringLiteral("find -L '") % folder % QStringLiteral("' -iname '*") %
+                                    sanitized % QStringLiteral("*' 2>/dev/null | head -n ") %
+                                    QString::number(limit) % QStringLiteral("; true")});
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    if (!answer->succeeded)
+        return tl::make_unexpected(answer->error());
 
-    const QStringList paths = parseFoundPaths(*found, folder, limit);
+    const auto [text, isExact] = ToolText::decodeLeniently(answer->output);
+    const QStringList paths = parseFoundPaths(text, folder, limit);
     const auto metadata = fetchSearchMetadata(serial, paths);
     QList<FileItem> items;
     items.reserve(paths.size());
     for (const QString &path : paths) {
-        const SearchMetadata facts = metadata.value(path);
+        const bool isPathExact = isExact || !path.contains(QChar(QChar::ReplacementCharacter));
+        const SearchMetadata facts = isPathExact ? metadata.value(path) : SearchMetadata();
         items.append({newIdentity(), AndroidPath::lastComponent(path), path, facts.isDirectory,
-                      facts.isDirectory ? std::nullopt : facts.sizeBytes, std::nullopt, facts.modifiedAt});
+                      facts.isDirectory ? std::nullopt : facts.sizeBytes, std::nullopt, facts.modifiedAt,
+                      isPathExact});
     }
     sortInFileOrder(items);
     return items;

@@ -57,8 +57,13 @@ void AppState::transfer(TransferDirection direction) {
     PaneState &source = isPull ? m_androidPane : m_macPane;
     const QString folder = isPull ? macPath() : androidCurrentPath();
     QList<QueueItem> entries;
+    QStringList nameless; // what these are called, adb cannot be told
     for (const FileItem &item : source.visibleItems()) {
-        if (source.selectedIDs().contains(item.id))
+        if (!source.selectedIDs().contains(item.id))
+            continue;
+        if (!item.isNameExact)
+            nameless.append(item.name);
+        else
             entries.append({newIdentity(),
                             item.name,
                             item.isDirectory,
@@ -68,6 +73,14 @@ void AppState::transfer(TransferDirection direction) {
                             {},
                             item.sizeBytes.value_or(0)});
     }
+    if (!nameless.isEmpty())
+        source.setBrowseError(
+            nameless.size() == 1
+                ? QString(QStringLiteral("“") % nameless.first() %
+                          QStringLiteral("” can’t be copied: its name on the phone is not text."))
+                : QString(
+                      QString::number(nameless.size()) %
+                      QStringLiteral(" entries can’t be copied: their names on the phone are not text.")));
     if (entries.isEmpty())
         return;
     source.clearSelection();

@@ -82,7 +82,8 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
         co_return;
     if (!listing)
         m_androidPane.setBrowseError(listing.error().errorDescription());
-    m_androidPane.setItems(std::move(listing).value_or(QList<FileItem>()));
+    const auto shown = std::move(listing).value_or(ADBClient::Listing());
+    m_androidPane.setItems(shown, shown.unreadableCount);
     m_androidPane.setLoading(false);
 }
 
@@ -106,6 +107,11 @@ QCoro::Task<> AppState::browseMac(QString path) {
 }
 
 QCoro::Task<> AppState::openAndroidFile(FileItem item) {
+    if (!item.isNameExact) {
+        m_androidPane.setBrowseError(QStringLiteral("“") % item.name %
+                                     QStringLiteral("” can’t be opened: its name on the phone is not text."));
+        co_return;
+    }
     if (item.isDirectory)
         co_return;
     const auto serial = connectedSerial();

@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <QProcessEnvironment>
 
+#include <filesystem>
+
 namespace vantrel {
 
 namespace {
@@ -54,6 +56,9 @@ DemoPhone::~DemoPhone() {
         else
             qunsetenv(it.key().constData());
     }
+    // With the names that are no text, which QTemporaryDir cannot spell.
+    std::error_code ignored;
+    std::filesystem::remove_all(QFile::encodeName(root()).toStdString(), ignored);
 }
 
 void DemoPhone::setEnvironment(const char *name, const QByteArray &value) {
