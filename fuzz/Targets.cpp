@@ -35,8 +35,25 @@ bool isPercent(const std::optional<double> &percent) {
 }
 
 void deviceList(const QByteArray &input) {
-    for (const QString &serial : ADBClient::parseDeviceList(ToolText::decode(input)))
-        require(!serial.isEmpty() && ToolText::fields(serial).size() == 1, "a serial is one word");
+    const auto phones = ADBClient::parsePhones(ToolText::decode(input));
+    for (const ListedPhone &phone : phones)
+        require(!phone.serial.isEmpty() && !phone.state.isEmpty() &&
+                    !phone.serial.contains(QLatin1Char('\t')),
+                "a phone has a serial and a state");
+    require(phones.size() <= ADBClient::mostPhones, "there is an end to phones");
+}
+
+/// A pipe hands over its text in pieces of any size; where it is cut must not matter.
+void trackedDevices(const QByteArray &input) {
+    ADBClient::TrackedDevices whole;
+    const auto newest = whole.feed(input);
+    ADBClient::TrackedDevices pieces;
+    std::optional<QList<ListedPhone>> last;
+    for (const char byte : input) {
+        if (auto phones = pieces.feed(QByteArray(1, byte)))
+            last = std::move(phones);
+    }
+    require(last == newest && pieces.isGarbage() == whole.isGarbage(), "pieces read like the whole");
 }
 
 void storage(const QByteArray &input) {
@@ -196,14 +213,22 @@ void settings(const QByteArray &input) {
 } // namespace
 
 const QList<Target> &targets() {
+    // clang-format off: one to a line, as fuzz/run reads them
     static const QList<Target> all{
-        {"device-list", &deviceList}, {"storage", &storage},
-        {"listing", &listing},        {"exact-listing", &exactListing},
-        {"found-paths", &foundPaths}, {"search-metadata", &searchMetadata},
-        {"progress", &progress},      {"paths", &paths},
-        {"appcast", &appcast},        {"analytics-cache", &analyticsCache},
+        {"device-list", &deviceList},
+        {"tracked-devices", &trackedDevices},
+        {"storage", &storage},
+        {"listing", &listing},
+        {"exact-listing", &exactListing},
+        {"found-paths", &foundPaths},
+        {"search-metadata", &searchMetadata},
+        {"progress", &progress},
+        {"paths", &paths},
+        {"appcast", &appcast},
+        {"analytics-cache", &analyticsCache},
         {"settings", &settings},
     };
+    // clang-format on
     return all;
 }
 

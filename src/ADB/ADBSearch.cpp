@@ -11,8 +11,8 @@ namespace vantrel::ADBClient {
 
 namespace {
 
-ADBResult<QString> runShellText(const QString &serial, const QString &command) {
-    return runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"), command});
+ADBResult<QString> askShellForText(const QString &serial, const QString &command) {
+    return askADBForText({QStringLiteral("-s"), serial, QStringLiteral("shell"), command});
 }
 
 /// Paths that are asked for with one run of adb.
@@ -79,8 +79,9 @@ ADBResult<QList<FileItem>> search(const QString &serial, const QString &root, co
 QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial, const QStringList &paths) {
     QHash<QString, SearchMetadata> metadata;
     for (const Question &question : questionsFor(paths)) {
-        const auto answer = runShellText(serial, QStringLiteral("stat -c '%n|%F|%s|%Y' ") % question.quoted %
-                                                     QStringLiteral(" 2>/dev/null; true"));
+        const auto answer =
+            askShellForText(serial, QStringLiteral("stat -c '%n|%F|%s|%Y' ") % question.quoted %
+                                        QStringLiteral(" 2>/dev/null; true"));
         if (answer)
             metadata.insert(parseSearchMetadata(*answer, question.paths));
     }
@@ -90,7 +91,7 @@ QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial, const 
 ADBResult<QSet<QString>> existingPaths(const QString &serial, const QStringList &paths) {
     QSet<QString> existing;
     for (const Question &question : questionsFor(paths)) {
-        const auto answer = runShellText(serial, existenceQuestion(question.quoted));
+        const auto answer = askShellForText(serial, existenceQuestion(question.quoted));
         if (!answer)
             return tl::make_unexpected(answer.error());
         const auto isTaken = parseExistence(*answer, question.paths.size());

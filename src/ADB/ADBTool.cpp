@@ -83,6 +83,12 @@ ADBResult<ToolAnswer> runToItsEnd(const QString &executable, const QStringList &
     return answer;
 }
 
+ADBResult<QString> textOf(const ToolAnswer &answer) {
+    if (!answer.succeeded)
+        return tl::make_unexpected(answer.error());
+    return ToolText::decode(answer.output);
+}
+
 } // namespace
 
 std::optional<QString> bundledADBPath() {
@@ -125,12 +131,7 @@ ADBError ToolAnswer::error() const {
 
 ADBResult<QString> runProcess(const QString &executable, const QStringList &arguments,
                               const QProcessEnvironment &environment) {
-    const auto answer = runToItsEnd(executable, arguments, environment, std::nullopt);
-    if (!answer)
-        return tl::make_unexpected(answer.error());
-    if (!answer->succeeded)
-        return tl::make_unexpected(answer->error());
-    return ToolText::decode(answer->output);
+    return runToItsEnd(executable, arguments, environment, std::nullopt).and_then(textOf);
 }
 
 ADBResult<QString> runADB(const QStringList &arguments) {
@@ -145,6 +146,10 @@ ADBResult<ToolAnswer> askADB(const QStringList &arguments) {
     if (!tool)
         return tl::make_unexpected(ADBError::adbNotFound());
     return runToItsEnd(*tool, arguments, augmentedEnvironment(), patience());
+}
+
+ADBResult<QString> askADBForText(const QStringList &arguments) {
+    return askADB(arguments).and_then(textOf);
 }
 
 std::chrono::milliseconds patience() {

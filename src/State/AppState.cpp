@@ -17,6 +17,12 @@ AppState::AppState(Desktop &desktop, QObject *parent)
     if (!m_shortcuts.isEmpty())
         m_selectedShortcutID = m_shortcuts.first().id;
     forwardSignals();
+    // With the listing that is still under way: it is of the phone that is gone.
+    connect(&m_phones, &PhoneWatch::wasLost, this, [this] { m_androidPane.empty(); });
+    connect(this, &AppState::isTransferringChanged, this, [this] {
+        if (!isTransferring())
+            m_phones.refreshStorage();
+    });
 }
 
 std::unique_ptr<AppState> AppState::designPreview(Desktop &desktop) {
@@ -24,6 +30,9 @@ std::unique_ptr<AppState> AppState::designPreview(Desktop &desktop) {
 }
 
 void AppState::forwardSignals() {
+    connect(&m_phones, &PhoneWatch::deviceChanged, this, &AppState::deviceChanged);
+    connect(&m_phones, &PhoneWatch::messageChanged, this, &AppState::deviceStatusMessageChanged);
+    connect(&m_phones, &PhoneWatch::isRefreshingChanged, this, &AppState::isRefreshingDeviceChanged);
     connect(&m_androidPane, &PaneState::pathChanged, this, &AppState::androidCurrentPathChanged);
     connect(&m_androidPane, &PaneState::itemsChanged, this, &AppState::androidItemsChanged);
     connect(&m_androidPane, &PaneState::selectedIDsChanged, this, &AppState::androidSelectedIDsChanged);
@@ -50,7 +59,7 @@ void AppState::forwardSignals() {
 /// folder.
 void AppState::transfer(TransferDirection direction) {
     if (!connectedSerial()) {
-        m_deviceStatusMessage = QStringLiteral("Connect an Android device to transfer.");
+        m_phones.setMessage(QStringLiteral("Connect an Android device to transfer."));
         return;
     }
     const bool isPull = direction == TransferDirection::androidToMac;

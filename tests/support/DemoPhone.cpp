@@ -128,6 +128,14 @@ void DemoPhone::set(const QString &setting, const QByteArray &value) const {
     append(setting, escaped.isEmpty() ? QByteArray("\\c") : escaped);
 }
 
+void DemoPhone::setOther(const QString &other, const QString &state, const QString &model) const {
+    set(QStringLiteral("phone"), QString(other % QLatin1Char(' ') % state % QLatin1Char(' ') % model));
+}
+
+QString DemoPhone::otherRoot(const QString &other) const {
+    return root() + QLatin1Char('-') + other;
+}
+
 void DemoPhone::reset(const QString &setting) const {
     append(setting, {});
 }

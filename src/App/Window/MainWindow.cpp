@@ -15,6 +15,7 @@
 #include <QCloseEvent>
 #include <QIcon>
 #include <QScreen>
+#include <QTimer>
 
 #include <utility>
 
@@ -22,18 +23,13 @@ namespace vantrel {
 
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
-      m_state(AppState::designPreview(desktop)), m_pollTimer(new QTimer(this)) {
+      m_state(AppState::designPreview(desktop)) {
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
     m_chrome->setMinimumSize(minimum);
     resize(screen() ? standard.boundedTo(screen()->availableSize()) : standard);
     setCentralWidget(new ContentGround(this));
-
-    m_pollTimer->setObjectName(QStringLiteral("devicePoll"));
-    m_pollTimer->setSingleShot(true);
-    m_pollTimer->setInterval(pollInterval);
-    connect(m_pollTimer, &QTimer::timeout, this, &MainWindow::poll);
 }
 
 MainWindow::~MainWindow() {
@@ -129,7 +125,7 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
 void MainWindow::closeEvent(QCloseEvent *event) {
     QMainWindow::closeEvent(event);
     if (event->isAccepted()) {
-        m_pollTimer->stop();
+        m_state->phones().stop();
         m_isStarted = false;
     }
 }
@@ -140,13 +136,7 @@ QCoro::Task<> MainWindow::runStartUp() {
     co_await m_state->browseMac(m_state->macPath());
     co_await m_state->refreshDevice(AppState::Spinner::shown);
     if (m_isStarted)
-        m_pollTimer->start();
-}
-
-QCoro::Task<> MainWindow::poll() {
-    co_await m_state->refreshDevice(AppState::Spinner::hidden);
-    if (m_isStarted)
-        m_pollTimer->start();
+        m_state->phones().start();
 }
 
 } // namespace vantrel
