@@ -1,6 +1,7 @@
 #include "Copy.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -120,12 +121,15 @@ private:
 
 class Copy {
 public:
-    Copy(CopyDirection direction, const PhoneFiles &files, SettingsSource &settings)
-        : m_direction(direction), m_files(files), m_settings(settings), m_printer(settings) {}
+    Copy(CopyDirection direction, KeepTimes keepTimes, const PhoneFiles &files, SettingsSource &settings)
+        : m_direction(direction), m_keepTimes(keepTimes), m_files(files), m_settings(settings),
+          m_printer(settings) {}
 
-    int run(const std::string &source, const std::string &destination);
+    int run(const std::vector<std::string> &sources, const std::string &destination);
 
 private:
+    [[nodiscard]] bool isFolder(const std::string &destination) const;
+    int copyOne(const std::string &source, const std::string &destination);
     void planPull(const std::string &source, std::string destination);
     void addRemote(const std::string &source, const std::string &destination, const Entry &entry,
                    std::vector<std::pair<dev_t, ino_t>> &above);
@@ -140,9 +144,14 @@ private:
     void transfer(const Item &item, const File &from, const File &to);
     void checkPlugged();
     void pace();
-    [[nodiscard]] std::string closingLine(const std::string &source, Clock::duration duration) const;
+    [[nodiscard]] std::string closingLine(const std::string &source, int copied, int skipped,
+                                          Clock::duration duration) const;
+    [[nodiscard]] std::string sum(Clock::duration duration) const;
+    [[nodiscard]] std::string counted(int copied, int skipped, std::int64_t bytes,
+                                      Clock::duration duration) const;
 
     CopyDirection m_direction;
+    KeepTimes m_keepTimes;
     const PhoneFiles &m_files;
     SettingsSource &m_settings;
     Printer m_printer;
@@ -150,6 +159,7 @@ private:
     bool m_several = false;
     std::int64_t m_total = 0;
     std::int64_t m_done = 0;
+    std::int64_t m_doneBefore = 0; ///< by the sources before this one
     int m_copied = 0;
     int m_skipped = 0;
     double m_paceBandwidth = 0;
@@ -288,11 +298,11 @@ void Copy::transfer(const Item &item, const File &from, const File &to) {
             throw CopyError{where + ": " + std::strerror(ENOSPC)};
         own += got;
         m_done += got;
-        m_printer.progress(remote, own, item.status.st_size, m_done, m_total, m_several);
+        m_printer.progress(remote, own, item.status.st_size, m_done - m_doneBefore, m_total, m_several);
         pace();
     }
     if (own == 0)
-        m_printer.progress(remote, 0, 0, m_done, m_total, m_several);
+        m_printer.progress(remote, 0, 0, m_done - m_doneBefore, m_total, m_several);
 }
 
 void Copy::pull(const Item &item) {
@@ -322,6 +332,12 @@ void Copy::pull(const Item &item) {
         ::unlink(local.c_str());
         throw;
     }
+    if (m_keepTimes == KeepTimes::yes) {
+        const std::array<timespec, 2> times{timespec{item.status.st_mtime, 0},
+                                            timespec{item.status.st_mtime, 0}};
+        ::futimens(to.descriptor(), times.data());
+        ::fchmod(to.descriptor(), item.status.st_mode & 0777U);
+    }
 }
 
 /// Makes a folder of the phone with what is missing above it.
@@ -348,10 +364,8 @@ void Copy::makeRemoteFolder(const std::string &path, const Item &item) const {
 }
 
 void Copy::push(const Item &item) {
-    if (S_ISDIR(item.status.st_mode)) {
-        makeRemoteFolder(item.destination, item);
-        return;
-    }
+    if (S_ISDIR(item.status.st_mode))
+        return; // made for the first file in it; one without any is left out
     const File from(::open(item.source.c_str(), O_RDONLY | O_CLOEXEC));
     if (!from.isOpen())
         throw CopyError{"cannot open " + quoted(item.source) + ": " + std::strerror(errno)};
@@ -382,23 +396,67 @@ void Copy::push(const Item &item) {
     ::futimens(to.descriptor(), times.data());
 }
 
-std::string Copy::closingLine(const std::string &source, Clock::duration duration) const {
-    std::string line = source + (m_several && source.back() != '/' ? "/: " : ": ") +
-                       std::to_string(m_copied) + (m_copied == 1 ? " file " : " files ") +
+std::string Copy::closingLine(const std::string &source, int copied, int skipped,
+                              Clock::duration duration) const {
+    return source + (m_several && source.back() != '/' ? "/: " : ": ") +
+           counted(copied, skipped, m_done - m_doneBefore, duration);
+}
+
+std::string Copy::sum(Clock::duration duration) const {
+    return counted(m_copied, m_skipped, m_done, duration);
+}
+
+std::string Copy::counted(int copied, int skipped, std::int64_t bytes, Clock::duration duration) const {
+    std::string line = std::to_string(copied) + (copied == 1 ? " file " : " files ") +
                        (m_direction == CopyDirection::push ? "pushed, " : "pulled, ") +
-                       std::to_string(m_skipped) + " skipped.";
+                       std::to_string(skipped) + " skipped.";
     const double seconds = std::max(0.001, std::chrono::duration<double>(duration).count());
-    if (m_done > 0) {
+    if (bytes > 0) {
         line +=
-            formatted(" %.1f MB/s (%lld bytes in %.3fs)", static_cast<double>(m_done) / seconds / 1048576.0,
-                      static_cast<long long>(m_done), seconds);
+            formatted(" %.1f MB/s (%lld bytes in %.3fs)", static_cast<double>(bytes) / seconds / 1048576.0,
+                      static_cast<long long>(bytes), seconds);
     }
     return line;
 }
 
-int Copy::run(const std::string &source, const std::string &destination) {
+bool Copy::isFolder(const std::string &destination) const {
+    if (m_direction == CopyDirection::pull) {
+        struct stat status {};
+        return ::stat(destination.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    }
+    Entry entry;
+    return m_files.look(destination, Links::follow, entry) == 0 && S_ISDIR(entry.status.st_mode);
+}
+
+int Copy::run(const std::vector<std::string> &sources, const std::string &destination) {
+    if (sources.size() > 1 && !isFolder(destination)) {
+        m_printer.error(m_direction == CopyDirection::pull
+                            ? "failed to access " + quoted(destination) + ": " + std::strerror(ENOENT)
+                            : "target " + quoted(destination) + " is not a directory");
+        return 1;
+    }
     const Clock::time_point start = Clock::now();
     int status = 0;
+    try {
+        for (const std::string &source : sources)
+            status |= copyOne(source, destination);
+    } catch (const Unplugged &) {
+        return 1;
+    }
+    if (sources.size() > 1)
+        m_printer.closing(sum(Clock::now() - start));
+    return status;
+}
+
+/// One source that fails does not keep the next from being copied.
+int Copy::copyOne(const std::string &source, const std::string &destination) {
+    const Clock::time_point start = Clock::now();
+    int status = 0;
+    m_items.clear();
+    m_total = 0;
+    m_doneBefore = m_done;
+    const int copiedBefore = m_copied;
+    const int skippedBefore = m_skipped;
     try {
         if (m_direction == CopyDirection::push)
             planPush(source, destination);
@@ -421,12 +479,11 @@ int Copy::run(const std::string &source, const std::string &destination) {
         m_printer.error(error.text);
         status = 1;
         // Without the local side adb does not get as far as a copy that it could sum up.
-        if (m_done == 0 && m_items.size() == 1 && error.text.rfind("cannot ", 0) == 0)
+        if (m_done == m_doneBefore && m_items.size() == 1)
             return status;
-    } catch (const Unplugged &) {
-        return 1;
     }
-    m_printer.closing(closingLine(source, Clock::now() - start));
+    m_printer.closing(
+        closingLine(source, m_copied - copiedBefore, m_skipped - skippedBefore, Clock::now() - start));
     return status;
 }
 
@@ -444,9 +501,9 @@ bool writeAll(int descriptor, std::string_view text) {
     return true;
 }
 
-int runCopy(CopyDirection direction, const std::string &source, const std::string &destination,
-            const PhoneFiles &files, SettingsSource &settings) {
-    return Copy(direction, files, settings).run(source, destination);
+int runCopy(CopyDirection direction, KeepTimes keepTimes, const std::vector<std::string> &sources,
+            const std::string &destination, const PhoneFiles &files, SettingsSource &settings) {
+    return Copy(direction, keepTimes, files, settings).run(sources, destination);
 }
 
 } // namespace vantrel::demo

@@ -4,14 +4,18 @@
 #include "Settings.h"
 
 #include <string>
+#include <vector>
 
 namespace vantrel::demo {
 
 enum class CopyDirection { push, pull };
+/// Whether a pull keeps times and modes; a push always sends the time.
+enum class KeepTimes { no, yes };
 
-/// Copies a file or a folder as adb 29 does, printing progress, errors and the closing line where it prints
+/// Copies files or folders as adb 29 does, printing progress, errors and the closing line where it prints
 /// them. The settings are looked at again with every block. Returns the exit status. Throws SettingsError.
-[[nodiscard]] int runCopy(CopyDirection direction, const std::string &source, const std::string &destination,
+[[nodiscard]] int runCopy(CopyDirection direction, KeepTimes keepTimes,
+                          const std::vector<std::string> &sources, const std::string &destination,
                           const PhoneFiles &files, SettingsSource &settings);
 
 /// Writes the whole text to a file descriptor. False when the other end is gone.

@@ -1,5 +1,7 @@
 #include "ShellCommands.h"
 
+#include "CopyCommands.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -28,31 +30,6 @@ struct Row {
     std::array<std::string, 6> columns; ///< mode, links, owner, group, size, time
     std::string name;
 };
-
-std::string modeText(mode_t mode) {
-    static constexpr std::array<std::pair<mode_t, char>, 7> types{{{S_IFDIR, 'd'},
-                                                                   {S_IFLNK, 'l'},
-                                                                   {S_IFCHR, 'c'},
-                                                                   {S_IFBLK, 'b'},
-                                                                   {S_IFIFO, 'p'},
-                                                                   {S_IFSOCK, 's'},
-                                                                   {S_IFREG, '-'}}};
-    std::string text;
-    for (const auto &[type, letter] : types) {
-        if ((mode & S_IFMT) == type)
-            text += letter;
-    }
-    for (unsigned bit = 9; bit-- > 0;)
-        text += (mode >> bit) & 1U ? "xwr"[bit % 3] : '-';
-    const auto special = [&](mode_t bit, std::size_t position, char letter) {
-        if (mode & bit)
-            text[position] = text[position] == 'x' ? letter : static_cast<char>(letter - 'a' + 'A');
-    };
-    special(S_ISUID, 3, 's');
-    special(S_ISGID, 6, 's');
-    special(S_ISVTX, 9, 't');
-    return text;
-}
 
 std::string timeText(time_t time) {
     std::tm local{};
@@ -309,17 +286,6 @@ Answer stat(const Words &words, const PhoneFiles &files) {
     return answer;
 }
 
-// -- for p in PATH…; do … done
-
-Answer exists(const Words &words, const PhoneFiles &files) {
-    Answer answer;
-    for (const std::string &path : words) {
-        Entry entry;
-        answer.standardOutput += files.look(path, Links::keep, entry) == 0 ? "taken\n" : "free\n";
-    }
-    return answer;
-}
-
 // -- df, getprop
 
 Answer df(const Words &words, const Settings &settings) {
@@ -348,9 +314,36 @@ bool isSubstringPattern(const std::string &text) {
 
 } // namespace
 
+std::string modeText(mode_t mode) {
+    static constexpr std::array<std::pair<mode_t, char>, 7> types{{{S_IFDIR, 'd'},
+                                                                   {S_IFLNK, 'l'},
+                                                                   {S_IFCHR, 'c'},
+                                                                   {S_IFBLK, 'b'},
+                                                                   {S_IFIFO, 'p'},
+                                                                   {S_IFSOCK, 's'},
+                                                                   {S_IFREG, '-'}}};
+    std::string text;
+    for (const auto &[type, letter] : types) {
+        if ((mode & S_IFMT) == type)
+            text += letter;
+    }
+    for (unsigned bit = 9; bit-- > 0;)
+        text += (mode >> bit) & 1U ? "xwr"[bit % 3] : '-';
+    const auto special = [&](mode_t bit, std::size_t position, char letter) {
+        if (mode & bit)
+            text[position] = text[position] == 'x' ? letter : static_cast<char>(letter - 'a' + 'A');
+    };
+    special(S_ISUID, 3, 's');
+    special(S_ISGID, 6, 's');
+    special(S_ISVTX, 9, 't');
+    return text;
+}
+
 std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
     // A line is one pipeline, which may be followed by a lone `true`.
     static const std::string unknown = "unknown";
+    if (const std::string name = nameOfCopyLine(line); !name.empty())
+        return name;
     const bool endsInTrue = line.size() == 2 && line[1].size() == 1 && line[1][0].words == Words{"true"};
     if (line.empty() || (line.size() > 1 && !endsInTrue))
         return unknown;
@@ -358,8 +351,6 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
     const Words &words = pipeline[0].words;
     if (words.empty())
         return unknown;
-    if (pipeline[0].isExistenceLoop)
-        return "exists";
     const std::string &name = words[0];
     const auto has = [&](std::size_t at, std::string_view word) {
         return words.size() > at && words[at] == word;
@@ -380,12 +371,12 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
 
 Answer runShellCommand(const std::vector<ShellPipeline> &line, const PhoneFiles &files,
                        const Settings &settings) {
+    if (!nameOfCopyLine(line).empty())
+        return runCopyLine(line, files);
     const ShellPipeline &pipeline = line[0];
     const Words &words = pipeline[0].words;
     Answer answer;
-    if (pipeline[0].isExistenceLoop)
-        answer = exists(words, files);
-    else if (words[0] == "getprop")
+    if (words[0] == "getprop")
         answer.standardOutput = settings.model + "\n";
     else if (words[0] == "df")
         answer = df(words, settings);

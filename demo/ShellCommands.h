@@ -5,6 +5,7 @@
 #include "ShellLine.h"
 
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace vantrel::demo {
@@ -15,6 +16,9 @@ struct Answer {
     std::string standardError;
     int exitStatus = 0;
 };
+
+/// A mode as `ls -l` and `find -printf %M` write it: "drwxr-xr-x".
+[[nodiscard]] std::string modeText(mode_t mode);
 
 /// The name of the command that a shell line runs: "ls", "find"…, or "unknown" when the phone has no such
 /// command or the line is put together in another way than expected. Settings are chosen by this name.

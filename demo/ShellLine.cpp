@@ -8,9 +8,6 @@ namespace vantrel::demo {
 namespace {
 
 constexpr std::string_view discardErrors = "2>/dev/null";
-constexpr std::string_view loopHead = "for p in ";
-constexpr std::string_view loopTail =
-    "; do if [ -e \"$p\" ] || [ -L \"$p\" ]; then echo taken; else echo free; fi; done";
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t';
@@ -43,15 +40,6 @@ std::string readWord(const std::string &line, std::size_t &at) {
 } // namespace
 
 std::vector<ShellPipeline> parseShellLine(const std::string &line) {
-    if (line.size() > loopHead.size() + loopTail.size() && line.starts_with(loopHead) &&
-        line.ends_with(loopTail)) {
-        auto list =
-            parseShellLine(line.substr(loopHead.size(), line.size() - loopHead.size() - loopTail.size()));
-        if (list.size() != 1 || list[0].size() != 1)
-            throw std::invalid_argument("a loop over more than words");
-        list[0][0].isExistenceLoop = true;
-        return list;
-    }
     std::vector<ShellPipeline> list;
     bool pipelineOpen = false;
     bool commandOpen = false;

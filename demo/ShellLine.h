@@ -9,7 +9,6 @@ namespace vantrel::demo {
 struct ShellCommand {
     std::vector<std::string> words;
     bool discardsErrors = false;
-    bool isExistenceLoop = false; ///< the loop that tells for each word whether it exists
 };
 
 /// Commands joined by "|".
@@ -17,8 +16,8 @@ using ShellPipeline = std::vector<ShellCommand>;
 
 /// Splits a line as the phone's shell does: single quotes, backslash outside them, ";", "|" and
 /// "2>/dev/null". Whatever else means something to a shell and stands outside quotes ("$", "`", "&", "*"…) is
-/// refused, so that a name which leaves its quotes shows as a failure and never as a command. Of loops one is
-/// known, by its exact text. Nothing is run. Throws std::invalid_argument.
+/// refused, so that a name which leaves its quotes shows as a failure and never as a command. Nothing is run.
+/// Throws std::invalid_argument.
 [[nodiscard]] std::vector<ShellPipeline> parseShellLine(const std::string &line);
 
 } // namespace vantrel::demo

@@ -33,8 +33,9 @@ struct Request {
         "unknown";      ///< "devices", "track-devices", "push", "pull", a shell command's name, or "unknown"
     std::string serial; ///< empty where no phone is named
     std::vector<ShellPipeline> shellLine;
-    std::string source;
+    std::vector<std::string> sources;
     std::string destination;
+    KeepTimes keepTimes = KeepTimes::no;
 };
 
 Request understood(const std::vector<std::string> &arguments) {
@@ -54,10 +55,15 @@ Request understood(const std::vector<std::string> &arguments) {
             line += " " + arguments[i];
         request.shellLine = parseShellLine(line);
         request.name = nameOfShellCommand(request.shellLine);
-    } else if ((verb == "push" || verb == "pull") && arguments.size() == 5 && !arguments[3].empty()) {
-        request.name = verb;
-        request.source = arguments[3];
-        request.destination = arguments[4];
+    } else if (verb == "push" || verb == "pull") {
+        const bool keepsTimes = verb == "pull" && arguments[3] == "-a";
+        request.keepTimes = keepsTimes ? KeepTimes::yes : KeepTimes::no;
+        request.sources.assign(arguments.begin() + (keepsTimes ? 4 : 3), arguments.end() - 1);
+        request.destination = arguments.back();
+        const bool isMeant = std::none_of(request.sources.begin(), request.sources.end(),
+                                          [](const std::string &source) { return source.empty(); });
+        if (!request.sources.empty() && isMeant)
+            request.name = verb;
     }
     return request;
 }
@@ -206,7 +212,7 @@ Answer answerTo(const Request &request, SettingsSource &settings) {
     if (!isCopy)
         return runShellCommand(request.shellLine, files, settings.current());
     answer.exitStatus = runCopy(request.name == "push" ? CopyDirection::push : CopyDirection::pull,
-                                request.source, request.destination, files, settings);
+                                request.keepTimes, request.sources, request.destination, files, settings);
     return answer;
 }
 

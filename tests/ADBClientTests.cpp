@@ -477,35 +477,13 @@ TEST(ADBSearchTests, asksForFactsInBatchesAndLivesWithoutThem) {
     EXPECT_EQ(search(u"hit"_s).error().errorDescription(), u"error: device offline"_s);
 }
 
-TEST(ADBSearchTests, existingPathsAreMatchedWhateverTheirNamesHold) {
-    DemoPhone phone;
-    QStringList taken;
-    QStringList asked;
-    const QString names =
-        u"it's here~line\nfeed~\n~return\r~next\u0085line~line\u2028separator~blank ~ blank~tab\t~wide\u3000~"
-        u"e\u0301~two  blanks~a|directory|1|1~taken~free\nfree~-e~$(touch pwned)~back\\slash~'~* daemon~\\n"_s;
-    for (const QString &name : names.split(u'~')) {
-        phone.write(name, "x");
-        taken.append(u"/sdcard/"_s + name);
-        asked += {u"/sdcard/not "_s + name, taken.last(), taken.last() + u"  "_s};
-    }
-    phone.link(u"dangling"_s, u"nowhere"_s);
-    taken.append(u"/sdcard/dangling"_s);
-    asked += {taken.last(), u"/sdcard/blank"_s, u"/sdcard/line"_s};
-    const auto existing = ADBClient::existingPaths(serial, asked);
-    ASSERT_TRUE(existing.has_value()) << existing.error().errorDescription().toStdString();
-    EXPECT_EQ(*existing, QSet<QString>(taken.begin(), taken.end()));
-    EXPECT_FALSE(phone.exists(u"pwned"_s));
-    EXPECT_EQ(phone.commandLines().size(), 2) << "40 paths at a time";
-}
-
-TEST(ADBSearchTests, existingPathsAreAskedInQuestionsOfBoundedLength) {
+TEST(ADBSearchTests, factsAreAskedForInQuestionsOfBoundedLength) {
     DemoPhone phone;
     const QString longest = QString(40, u'\'') + QString(69, QChar(u'\u65e5')); // 247 bytes
     QStringList paths;
     for (int i = 0; i < 40; ++i)
         paths.append(u"/sdcard"_s + QString(u'/' + longest).repeated(16) + QString::number(i));
-    EXPECT_EQ(*ADBClient::existingPaths(serial, paths), QSet<QString>());
+    EXPECT_TRUE(ADBClient::fetchSearchMetadata(serial, paths).isEmpty());
     qsizetype asked = 0;
     for (const QStringList &line : phone.commandLines()) {
         EXPECT_LE(line.last().toUtf8().size(), 65'535) << "adb refuses longer ones";
@@ -514,41 +492,11 @@ TEST(ADBSearchTests, existingPathsAreAskedInQuestionsOfBoundedLength) {
     EXPECT_EQ(asked, paths.size());
 }
 
-TEST(ADBSearchTests, whatThePhoneDidNotSayIsNotFree) {
-    const std::pair<QByteArray, bool> cases[] = {
-        {"free\\ntaken\\n", true},
-        {"* daemon not running; starting now at tcp:5037\\n* daemon started "
-         "successfully\\nfree\\r\\ntaken\\r\\n",
-         true},
-        {"", false},
-        {"free\\n", false},
-        {"free\\ntake", false},
-        {"free\\ntaken\\nfree\\n", false},
-        {"free\\n/sdcard/b\\ntaken\\n", false},
-        {"free\\n\\377\\ntaken\\n", false},
-        {"/sdcard/b|regular file|1|1\\n/|directory|1|1\\n", false},
-    };
-    const QString a = u"/sdcard/a"_s;
-    const QString b = u"/sdcard/b"_s;
-    for (const auto &[answer, isKnown] : cases) {
-        const ScriptedADB adb("printf '" + answer + "'");
-        const auto existing = ADBClient::existingPaths(serial, {a, b});
-        ASSERT_EQ(existing.has_value(), isKnown) << answer.toStdString();
-        if (existing)
-            EXPECT_EQ(*existing, QSet<QString>{b});
-        else
-            EXPECT_EQ(existing.error().errorDescription(),
-                      u"The phone did not say whether this name is free there."_s);
-    }
-    const ScriptedADB failing("echo free; exit 1");
-    EXPECT_FALSE(ADBClient::existingPaths(serial, {b}).has_value());
-}
-
 TEST(ADBSearchTests, factsAreMatchedByTheirPlaceInTheAnswer) {
     DemoPhone phone;
     QStringList paths;
     for (const QString &name : {u"line\u2028separator"_s, u"blank "_s, u"blank"_s, u"a|directory|1|1"_s,
-                                u"line\nfeed"_s, u"e\u0301"_s, u"a"_s}) {
+                                u"line\nfeed"_s, u"e\u0301"_s, u"it\'s $(touch pwned)"_s, u"a"_s}) {
         phone.write(name, QByteArray(paths.size() + 1, 'x'));
         paths.append(u"/sdcard/"_s + name);
     }

@@ -4,11 +4,13 @@
 
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
+#include "ADB/BatchText.h"
 #include "ADB/DeviceText.h"
 #include "ADB/ListingText.h"
 #include "ADB/SearchText.h"
 #include "ADB/ToolText.h"
 #include "ADB/TransferText.h"
+#include "ADB/TreeText.h"
 
 #include <QFile>
 
@@ -380,4 +382,53 @@ TEST(TransferTextTests, errorsOfTheToolAreFound) {
     ADBClient::TransferOutput endless;
     endless.feed("adb: error: " + QByteArray(1 << 20, 'x'));
     EXPECT_LT(endless.errorText().size(), 20'000);
+}
+
+TEST(TreeText, keepsWhatLiesBelowItsFolderAndIsWhole) {
+    const auto answer = [](const QByteArrayList &records) -> QByteArray {
+        QByteArray text;
+        for (const QByteArray &record : records)
+            text += record + '\0';
+        return text + "end\n";
+    };
+    const QByteArray root = "drwxrwx--x 4096 1795466806.125 ";
+    const auto tree = ADBClient::parseTree(
+        answer({root, "-rw-rw---- 3 1795466806.85721667 a\nb c", "drwxrwx--x 4096 12.0 sub",
+                "lrwxrwxrwx 4 12.0 sub/l", "-rw-rw---- 1 12.0 ../up", "-rw-rw---- 1 12.0 /etc/passwd",
+                "-rw-rw---- 1 12.0 a//b", "-rw-rw---- 1 12.0 sub/..", "-rw-rw---- 1 12.0 bad\xff", root}));
+    ASSERT_TRUE(tree);
+    using Kind = TreeEntry::Kind;
+    EXPECT_EQ(tree->entries, (QList<TreeEntry>{{QString(), Kind::folder, 0, 1795466806},
+                                               {QStringLiteral("a\nb c"), Kind::file, 3, 1795466806},
+                                               {QStringLiteral("sub"), Kind::folder, 0, 12},
+                                               {QStringLiteral("sub/l"), Kind::other, 0, 12}}));
+    EXPECT_EQ(tree->leftOut.size(), 1);
+    EXPECT_EQ(ADBClient::parseTree(answer({}))->entries, QList<TreeEntry>());
+    for (const QByteArray &broken :
+         {QByteArray(), QByteArray("end"), answer({root}).chopped(1), answer({"x"}), answer({"- 1 1 a"}),
+          answer({"-rw-rw---- 99999999999999999999 1.0 a"}), answer({"-rw-rw---- 1 9223372036854775807 a"}),
+          QByteArray(answer({root}) + "more")})
+        EXPECT_FALSE(ADBClient::parseTree(broken)) << broken.toStdString();
+}
+
+TEST(BatchText, countsFilesAndKeepsErrorsHoweverItIsCut) {
+    // adb 29, three files of which one may not be read.
+    const QByteArray text =
+        "\r[ 26%] /sdcard/D/f1.bin\x1b[K\r[100%] /sdcard/D/f1.bin\x1b[K"
+        "\r/sdcard/D/f1.bin: 1 file pulled, 0 skipped. 51.2 MB/s (3000000 bytes in 0.056s)\x1b[K\n"
+        "\radb: error: failed to copy '/sdcard/D/f3.bin' to 'in/f3.bin': remote open failed: Permission "
+        "denied\n\r[ 17%] /sdcard/D/f2.bin\x1b[K";
+    for (qsizetype piece : {qsizetype(1), qsizetype(7), text.size()}) {
+        ADBClient::BatchOutput output;
+        for (qsizetype at = 0; at < text.size(); at += piece)
+            output.feed(text.mid(at, piece));
+        EXPECT_EQ(output.endedFiles(), 2);
+        EXPECT_DOUBLE_EQ(output.fractionOfNext(), 0.17);
+        EXPECT_EQ(output.errors(),
+                  QStringList{QStringLiteral("failed to copy '/sdcard/D/f3.bin' to 'in/f3.bin': remote "
+                                             "open failed: Permission denied")});
+    }
+    ADBClient::BatchOutput sum;
+    sum.feed("2 files pulled, 0 skipped. 71.7 MB/s (6000000 bytes in 0.080s)\n");
+    EXPECT_EQ(sum.endedFiles(), 0) << "the sum of all is no file";
 }

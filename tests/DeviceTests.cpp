@@ -6,6 +6,7 @@
 
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
+#include "ADB/PhoneCopies.h"
 
 #include <QDir>
 #include <QFile>
@@ -108,10 +109,13 @@ TEST_F(DeviceTest, hostileNamesGoThereAndComeBack) {
         EXPECT_EQ(contents(local.filePath(QStringLiteral("back"))), item.name.toUtf8());
         QFile::remove(local.filePath(QStringLiteral("back")));
     }
-    EXPECT_EQ(ADBClient::existingPaths(serial(), {remote + QStringLiteral("/it's.txt"),
-                                                  remote + QStringLiteral("/pwned"),
-                                                  QStringLiteral("/sdcard/pwned"), QStringLiteral("/pwned")}),
-              QSet<QString>{remote + QStringLiteral("/it's.txt")});
+    const auto facts =
+        ADBClient::fetchFacts(serial(),
+                              {remote + QStringLiteral("/it's.txt"), remote + QStringLiteral("/pwned"),
+                               QStringLiteral("/sdcard/pwned"), QStringLiteral("/pwned")},
+                              {});
+    ASSERT_TRUE(facts);
+    EXPECT_EQ(facts->keys(), QStringList{remote + QStringLiteral("/it's.txt")});
 
     const auto hits = ADBClient::search(serial(), folder(), QStringLiteral("GRÜSSE' 😀*"), 200);
     EXPECT_TRUE(hits && hits->isEmpty());

@@ -62,7 +62,8 @@ TEST(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
         "arrow.clockwise trash folder.fill doc.fill xmark chevron.left chevron.right chevron.down "
         "house folder folder.badge.plus list.bullet square.grid.2x2 magnifyingglass "
         "xmark.circle.fill square minus.square.fill checkmark.square.fill circle "
-        "checkmark.circle.fill doc.zipper doc.text sun.max moon info.circle"_s.split(u' ');
+        "checkmark.circle.fill doc.zipper doc.text sun.max moon info.circle "
+        "pause.fill play.fill doc.on.doc"_s.split(u' ');
     for (const QString &name : names) {
         SCOPED_TRACE(name.toStdString());
         ASSERT_TRUE(Symbol::exists(name));

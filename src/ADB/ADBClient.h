@@ -123,10 +123,6 @@ struct SearchMetadata {
 /// 40 paths, or fewer where they are long.
 [[nodiscard]] QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial,
                                                                  const QStringList &paths);
-/// Which of the paths exist on the phone, whatever characters their names hold. As many adb runs as
-/// fetchSearchMetadata; unlike that it fails when the phone does not answer for every path, since "not there"
-/// must not be guessed.
-[[nodiscard]] ADBResult<QSet<QString>> existingPaths(const QString &serial, const QStringList &paths);
 
 // -- Copies (ADBTransfer.cpp)
 

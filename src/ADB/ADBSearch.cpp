@@ -88,22 +88,4 @@ QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial, const 
     return metadata;
 }
 
-ADBResult<QSet<QString>> existingPaths(const QString &serial, const QStringList &paths) {
-    QSet<QString> existing;
-    for (const Question &question : questionsFor(paths)) {
-        const auto answer = askShellForText(serial, existenceQuestion(question.quoted));
-        if (!answer)
-            return tl::make_unexpected(answer.error());
-        const auto isTaken = parseExistence(*answer, question.paths.size());
-        if (!isTaken)
-            return tl::make_unexpected(ADBError::parseFailed(
-                QStringLiteral("The phone did not say whether this name is free there.")));
-        for (qsizetype i = 0; i < question.paths.size(); ++i) {
-            if (isTaken->at(i))
-                existing.insert(question.paths.at(i));
-        }
-    }
-    return existing;
-}
-
 } // namespace vantrel::ADBClient

@@ -99,22 +99,4 @@ QHash<QString, SearchMetadata> parseSearchMetadata(const QString &text, const QS
     return metadata;
 }
 
-QString existenceQuestion(const QString &quotedPaths) {
-    return QStringLiteral("for p in ") % quotedPaths %
-           QStringLiteral(
-               "; do if [ -e \"$p\" ] || [ -L \"$p\" ]; then echo taken; else echo free; fi; done");
-}
-
-std::optional<QList<bool>> parseExistence(const QString &text, qsizetype count) {
-    QList<bool> answers;
-    for (const QStringView line : ToolText::lines(text)) {
-        if (ToolText::isNotice(line))
-            continue;
-        if (line != u"taken" && line != u"free")
-            return std::nullopt;
-        answers.append(line == u"taken");
-    }
-    return answers.size() == count ? std::optional(answers) : std::nullopt;
-}
-
 } // namespace vantrel::ADBClient

@@ -22,10 +22,4 @@ namespace vantrel::ADBClient {
 [[nodiscard]] QHash<QString, SearchMetadata> parseSearchMetadata(const QString &text,
                                                                  const QStringList &paths);
 
-/// The question which of the quoted paths exist, as a line for the phone's shell: it prints "taken" or "free"
-/// for each, in their order. It echoes no name, since what comes back of one may be spelt in another way.
-[[nodiscard]] QString existenceQuestion(const QString &quotedPaths);
-/// Its answers; nothing unless there is exactly one for each of the `count` paths.
-[[nodiscard]] std::optional<QList<bool>> parseExistence(const QString &text, qsizetype count);
-
 } // namespace vantrel::ADBClient

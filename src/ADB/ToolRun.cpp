@@ -68,7 +68,7 @@ bool ToolRun::isRunningAfter(std::chrono::milliseconds time) {
     QElapsedTimer elapsed;
     elapsed.start();
     while (m_process.state() != QProcess::NotRunning) {
-        if (stopGeneration.load() != m_generation) {
+        if (stopGeneration.load() != m_generation || m_stop.stop_requested()) {
             m_wasStopped = true;
             kill();
             break;

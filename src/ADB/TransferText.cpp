@@ -21,8 +21,15 @@ std::optional<double> lastPercent(const QRegularExpression &pattern, const QStri
     return number.isEmpty() || percent > 100 ? std::nullopt : std::optional(percent);
 }
 
-/// The percentage that a progress line begins with: "[", a number of up to three digits and "%]", with blanks
-/// around the number. By hand, since adb writes 15,000 such lines for a file of 1 GB.
+} // namespace
+
+std::optional<double> parseProgressPercent(const QString &text) {
+    static const QRegularExpression bracketed(QStringLiteral("\\[\\s*(\\d{1,3})\\s*%\\]"));
+    static const QRegularExpression any(QStringLiteral("(\\d{1,3})\\s*%"));
+    const auto percent = lastPercent(bracketed, text);
+    return percent ? percent : lastPercent(any, text);
+}
+
 std::optional<double> leadingPercent(QByteArrayView line) {
     qsizetype at = 0;
     const auto skipBlanks = [&] {
@@ -43,15 +50,6 @@ std::optional<double> leadingPercent(QByteArrayView line) {
         return std::nullopt;
     skipBlanks();
     return skip('%') && skip(']') && percent <= 100 ? std::optional<double>(percent) : std::nullopt;
-}
-
-} // namespace
-
-std::optional<double> parseProgressPercent(const QString &text) {
-    static const QRegularExpression bracketed(QStringLiteral("\\[\\s*(\\d{1,3})\\s*%\\]"));
-    static const QRegularExpression any(QStringLiteral("(\\d{1,3})\\s*%"));
-    const auto percent = lastPercent(bracketed, text);
-    return percent ? percent : lastPercent(any, text);
 }
 
 std::optional<double> TransferOutput::feed(const QByteArray &bytes) {

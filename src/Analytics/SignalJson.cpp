@@ -110,7 +110,7 @@ std::optional<QList<SignalPostBody>> decodeSignals(const QByteArray &json) {
         return std::nullopt;
     QList<SignalPostBody> result;
     const QJsonArray array = document.array();
-    for (const QJsonValue &value : array) {
+    for (const auto &value : array) {
         auto body = decode(value.toObject());
         if (!body)
             return std::nullopt;

@@ -95,7 +95,7 @@ public:
     }
 
     /// `started` is the signal of the new session.
-    void startSession(Recorded started) {
+    void startSession(const Recorded &started) {
         const auto firstDate = m_sessions ? m_sessions->startNewSession() : std::nullopt;
         if (firstDate) {
             Recorded install = started;

@@ -61,9 +61,11 @@ QPainterPath capsule(const QRectF &rect) {
 void fillLine(QPainter &painter, const QRectF &rect, const QColor &color) {
     // In pieces: what is translucent and taller than 95 device pixels, the toolkit hands to several threads,
     // and waiting for them takes longer than painting a line. Up to three device pixels make a layout pixel.
-    constexpr double tallest = 30;
-    for (double top = rect.top(); top < rect.bottom(); top += tallest)
-        painter.fillRect(QRectF(rect.left(), top, rect.width(), qMin(tallest, rect.bottom() - top)), color);
+    constexpr int tallest = 30;
+    for (int done = 0; done < rect.height(); done += tallest)
+        painter.fillRect(
+            QRectF(rect.left(), rect.top() + done, rect.width(), qMin<double>(tallest, rect.height() - done)),
+            color);
 }
 
 void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width) {

@@ -19,6 +19,8 @@ AppState::AppState(Desktop &desktop, QObject *parent)
     forwardSignals();
     // With the listing that is still under way: it is of the phone that is gone.
     connect(&m_phones, &PhoneWatch::wasLost, this, [this] { m_androidPane.empty(); });
+    connect(&m_phones, &PhoneWatch::wasAsked, &m_transfers, &TransferRunner::phoneWasAsked);
+    connect(&m_transfers, &TransferRunner::phoneLeft, &m_phones, &PhoneWatch::doubt);
     connect(this, &AppState::isTransferringChanged, this, [this] {
         if (!isTransferring())
             m_phones.refreshStorage();
@@ -52,6 +54,7 @@ void AppState::forwardSignals() {
     connect(&m_transfers, &TransferRunner::queueChanged, this, &AppState::queueChanged);
     connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
     connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
+    connect(&m_transfers, &TransferRunner::isPausedChanged, this, &AppState::isPausedChanged);
     connect(&m_transfers, &TransferRunner::isTransferringChanged, this, &AppState::isTransferringChanged);
 }
 
@@ -80,7 +83,8 @@ void AppState::transfer(TransferDirection direction) {
                             AndroidPath::join(folder, item.name),
                             direction,
                             {},
-                            item.sizeBytes.value_or(0)});
+                            item.sizeBytes.value_or(0),
+                            *connectedSerial()});
     }
     if (!nameless.isEmpty())
         source.setBrowseError(
@@ -98,6 +102,10 @@ void AppState::transfer(TransferDirection direction) {
 
 std::optional<QString> AppState::connectedSerial() const {
     return device().isConnected ? std::optional(device().id) : std::nullopt;
+}
+
+QString AppState::shownFolder(BrowserSide side) const {
+    return side == BrowserSide::mac ? macPath() : androidCurrentPath();
 }
 
 QCoro::Task<> AppState::listAgain(BrowserSide side) {

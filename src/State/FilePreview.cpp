@@ -2,6 +2,8 @@
 
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
+#include "Transfers/CopyRun.h"
+#include "Transfers/LocalStaging.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -67,14 +69,20 @@ tl::expected<QString, QString> fetch(const QString &serial, const QString &remot
         !(isFolder ? QDir(local).removeRecursively() : QFile::remove(local)))
         return cannotWrite(local);
 
+    LocalFiles::sweep(folder);
+    const auto staging = LocalStaging::create(folder);
+    if (!staging)
+        return cannotWrite(folder);
+    const QString staged = AndroidPath::join(staging->path(), name);
     const auto copied = ADBClient::runTransfer(
-        {QStringLiteral("-s"), serial, QStringLiteral("pull"), remotePath, local}, 0, local, nullptr);
+        {QStringLiteral("-s"), serial, QStringLiteral("pull"), remotePath, staged}, 0, std::nullopt, nullptr);
     if (!copied)
-        return tl::make_unexpected(copied.error().errorDescription());
-    const QFileInfo fetched(local);
+        return tl::make_unexpected(explainedCopyError(copied.error().errorDescription()));
+    const QFileInfo fetched(staged);
     if (fetched.isDir()) // the phone's link to a folder looks like a file in its listing
         return tl::make_unexpected(QStringLiteral("This is a folder. Only files can be opened."));
-    if (!fetched.isFile() || !QFile::setPermissions(local, ownerOnlyFile))
+    if (!fetched.isFile() || !QFile::setPermissions(staged, ownerOnlyFile) ||
+        LocalFiles::place(staged, local) != LocalFiles::Placing::placed)
         return cannotWrite(local);
     return local;
 }

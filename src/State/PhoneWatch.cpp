@@ -36,14 +36,19 @@ void PhoneWatch::schedule() {
         return;
     const bool isAnyReady = std::any_of(phones().begin(), phones().end(),
                                         [](const ListedPhone &phone) { return phone.isReady(); });
-    if (!m_tracker.isTracking() || (isAnyReady && !device().isConnected))
+    if (m_isInDoubt || !m_tracker.isTracking() || (isAnyReady && !device().isConnected))
         m_timer.start(lookInterval);
     else if (device().isConnected)
         m_timer.start(storageInterval);
 }
 
+void PhoneWatch::doubt() {
+    m_isInDoubt = true;
+    schedule();
+}
+
 QCoro::Task<> PhoneWatch::tick() {
-    if (m_tracker.isTracking() && device().isConnected) {
+    if (!m_isInDoubt && m_tracker.isTracking() && device().isConnected) {
         co_await refreshStorage();
         co_return;
     }
@@ -76,6 +81,7 @@ QCoro::Task<> PhoneWatch::refresh(Spinner spinner) {
     if (isShown)
         m_isRefreshing = true;
     const quint64 token = ++m_token;
+    m_isInDoubt = false;
     m_asked = QString();
     m_timer.stop();
     const auto look = co_await Background::run(this, &ADBClient::lookForPhones, device().id);
@@ -114,7 +120,6 @@ QCoro::Task<> PhoneWatch::refreshStorage() {
             m_device = known;
             m_message = std::nullopt;
         }
-        Q_EMIT wasAsked();
     }
     schedule();
 }

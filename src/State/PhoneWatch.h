@@ -50,6 +50,9 @@ public:
     QCoro::Task<> show(QString serial);
     /// Asks how much of the storage is in use; a phone that does not say keeps what is known of it.
     QCoro::Task<> refreshStorage();
+    /// To be called when the phone that is shown seemed to have left: it is looked for a little later,
+    /// whatever adb tells.
+    void doubt();
     /// Follows the phones from now on, and no longer.
     void start();
     void stop();
@@ -60,8 +63,9 @@ Q_SIGNALS:
     void messageChanged();
     void troubleChanged();
     void isRefreshingChanged();
-    /// A phone was shown, also the same again, or there is none.
+    /// It is known anew which phone is shown, or that there is none.
     void wasAsked();
+    /// There is none.
     void wasLost();
 
 private:
@@ -77,6 +81,7 @@ private:
     DeviceTracker m_tracker;
     QTimer m_timer;
     bool m_isWatching = false;
+    bool m_isInDoubt = false;       ///< whether the phone that is shown is there
     int m_looksWithoutTracking = 0; ///< since the tracker was last tried
     quint64 m_token = 0;            ///< of the newest question; what an older one learns is dropped
     std::optional<QString> m_asked; ///< the phone that is asked about now; empty where any will do

@@ -1,6 +1,31 @@
 #include "Transfers/TransferQueue.h"
 
+#include <algorithm>
+
 namespace vantrel {
+
+namespace {
+
+/// What is started together: as much as a user who stops it is ready to lose.
+constexpr qint64 mostBytesTogether = 16'000'000;
+
+/// What an entry adds to the sums: a phone may claim any size, and a million such sizes must fit 64 bits.
+qint64 counted(qint64 bytes) {
+    constexpr qint64 largest = qint64(1) << 42;
+    return std::clamp<qint64>(bytes, 0, largest);
+}
+
+QStringView folderOf(const QString &path) {
+    return QStringView(path).left(path.lastIndexOf(QLatin1Char('/')));
+}
+
+/// Whether two entries may be copied by one run: files of one phone, one way, into one folder.
+bool belongTogether(const QueueItem &a, const QueueItem &b) {
+    return !a.isDirectory && !b.isDirectory && a.direction == b.direction && a.serial == b.serial &&
+           folderOf(a.destinationPath) == folderOf(b.destinationPath);
+}
+
+} // namespace
 
 int TransferQueue::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : int(m_items.size());
@@ -33,38 +58,64 @@ void TransferQueue::insertFront(const QList<QueueItem> &block) {
     endInsertRows();
 }
 
-std::optional<QUuid> TransferQueue::claimNextWaiting() {
-    while (m_waitingEnd > 0 && !m_items.at(m_waitingEnd - 1).status.is<QueueItemStatus::Waiting>())
+QList<QueueItem> TransferQueue::claim(qsizetype most,
+                                      const std::function<bool(const QueueItem &)> &mayStart) {
+    const auto isWaiting = [this](qsizetype row) {
+        const auto *waiting = m_items.at(row).status.as<QueueItemStatus::Waiting>();
+        return waiting && !waiting->isClaimed;
+    };
+    while (m_waitingEnd > 0 && !isWaiting(m_waitingEnd - 1))
         --m_waitingEnd;
-    if (m_waitingEnd == 0)
-        return std::nullopt;
-    const QueueItem &item = m_items.at(m_waitingEnd - 1);
-    const QUuid id = item.id;
-    QueueItemStatus::Transferring started;
-    started.totalBytes = std::max<qint64>(item.totalBytes, 0);
-    setStatus(id, started);
-    return id;
-}
-
-QList<QueueItem> TransferQueue::nextWaiting(qsizetype limit) const {
-    QList<QueueItem> next;
-    for (qsizetype row = m_waitingEnd - 1; row >= 0 && next.size() < limit; --row) {
-        if (m_items.at(row).status.is<QueueItemStatus::Waiting>())
-            next.append(m_items.at(row));
+    qsizetype row = m_waitingEnd - 1;
+    while (row >= 0 && !(isWaiting(row) && mayStart(m_items.at(row))))
+        --row;
+    QList<QueueItem> claimed;
+    qint64 bytes = 0;
+    for (; row >= 0 && claimed.size() < most; --row) {
+        const QueueItem &item = m_items.at(row);
+        bytes += counted(item.totalBytes);
+        const bool isFirst = claimed.isEmpty();
+        if (!isFirst && !(isWaiting(row) && mayStart(item) && belongTogether(claimed.first(), item) &&
+                          bytes <= mostBytesTogether))
+            break;
+        QueueItemStatus::Transferring started;
+        started.totalBytes = std::max<qint64>(item.totalBytes, 0);
+        claimed.append(item);
+        setStatus(item.id, isFirst ? QueueItemStatus(started)
+                                   : QueueItemStatus(QueueItemStatus::Waiting{false, true}));
     }
-    return next;
+    return claimed;
 }
 
 qsizetype TransferQueue::setStatus(const QUuid &id, const QueueItemStatus &status) {
     const qsizetype row = indexOf(id);
     if (row < 0)
         return row;
-    count(m_items.at(row).status, -1);
+    count(m_items.at(row), -1);
     m_items[row].status = status;
-    count(status, +1);
+    count(m_items.at(row), +1);
+    if (const auto *waiting = status.as<QueueItemStatus::Waiting>(); waiting && !waiting->isClaimed)
+        m_waitingEnd = std::max(m_waitingEnd, row + 1);
     const QModelIndex changed = index(int(row));
     Q_EMIT dataChanged(changed, changed);
     return row;
+}
+
+bool TransferQueue::setStatuses(const std::function<QueueItemStatus(const QueueItem &)> &statusOf) {
+    bool isChanged = false;
+    for (qsizetype row = 0; row < m_items.size(); ++row) {
+        QueueItemStatus status = statusOf(m_items.at(row));
+        if (status == m_items.at(row).status)
+            continue;
+        setStatus(m_items.at(row).id, status);
+        isChanged = true;
+    }
+    return isChanged;
+}
+
+void TransferQueue::setWhenTaken(const QUuid &id, WhenTaken whenTaken) {
+    if (const qsizetype row = indexOf(id); row >= 0)
+        m_items[row].whenTaken = whenTaken;
 }
 
 bool TransferQueue::remove(const QUuid &id) {
@@ -100,21 +151,37 @@ void TransferQueue::erase(qsizetype first, qsizetype last) {
 
 void TransferQueue::reindex() {
     m_rows.clear();
+    if (m_items.isEmpty()) { // what a long queue took is given back
+        m_items.squeeze();
+        m_rows.squeeze();
+    }
     m_rows.reserve(m_items.size());
-    m_activeCount = 0;
-    m_waitingCount = 0;
+    m_activeCount = m_waitingCount = m_completedCount = m_failedCount = m_nameTakenCount = m_pausedCount = 0;
+    m_totalBytes = m_doneBytes = 0;
     for (qsizetype row = 0; row < m_items.size(); ++row) {
         m_rows.insert(m_items.at(row).id, row);
-        count(m_items.at(row).status, +1);
+        count(m_items.at(row), +1);
     }
     m_waitingEnd = m_items.size();
 }
 
-void TransferQueue::count(const QueueItemStatus &status, int change) {
-    if (status.is<QueueItemStatus::Transferring>())
-        m_activeCount += change;
-    else if (status.is<QueueItemStatus::Waiting>())
+void TransferQueue::count(const QueueItem &item, int change) {
+    const QueueItemStatus &status = item.status;
+    m_activeCount += status.is<QueueItemStatus::Transferring>() ? change : 0;
+    m_pausedCount += status.is<QueueItemStatus::Paused>() ? change : 0;
+    m_failedCount += status.is<QueueItemStatus::Failed>() ? change : 0;
+    m_nameTakenCount += status.is<QueueItemStatus::NameTaken>() ? change : 0;
+    if (status.is<QueueItemStatus::Waiting>()) {
         m_waitingCount += change;
+        m_totalBytes += change * counted(item.totalBytes);
+    } else if (const auto *progress = status.progress()) {
+        m_totalBytes += change * counted(progress->totalBytes);
+        m_doneBytes += change * counted(progress->transferredBytes);
+    } else if (const auto *completed = status.as<QueueItemStatus::Completed>()) {
+        m_completedCount += change;
+        m_totalBytes += change * counted(completed->totalBytes);
+        m_doneBytes += change * counted(completed->totalBytes);
+    }
 }
 
 } // namespace vantrel

@@ -5,7 +5,7 @@
 #include <QAbstractListModel>
 #include <QHash>
 
-#include <optional>
+#include <functional>
 
 namespace vantrel {
 
@@ -26,6 +26,14 @@ public:
     [[nodiscard]] const QList<QueueItem> &items() const { return m_items; }
     [[nodiscard]] int activeCount() const { return m_activeCount; }
     [[nodiscard]] int waitingCount() const { return m_waitingCount; }
+    /// Entries that are done.
+    [[nodiscard]] int completedCount() const { return m_completedCount; }
+    [[nodiscard]] int failedCount() const { return m_failedCount; }
+    [[nodiscard]] int nameTakenCount() const { return m_nameTakenCount; }
+    [[nodiscard]] int pausedCount() const { return m_pausedCount; }
+    /// Bytes of the entries that are done, run or wait, as far as they are known.
+    [[nodiscard]] qint64 totalBytes() const { return m_totalBytes; }
+    [[nodiscard]] qint64 doneBytes() const { return m_doneBytes; }
 
     /// The row of the entry, or -1.
     [[nodiscard]] qsizetype indexOf(const QUuid &id) const;
@@ -34,12 +42,16 @@ public:
 
     /// Inserts the block before everything else, in its own order.
     void insertFront(const QList<QueueItem> &block);
-    /// Makes the waiting entry nearest the end of the list transferring, and gives its identity.
-    std::optional<QUuid> claimNextWaiting();
-    /// The waiting entries in the order in which they will be claimed, at most `limit`.
-    [[nodiscard]] QList<QueueItem> nextWaiting(qsizetype limit) const;
+    /// Claims waiting entries and gives them: the one nearest the end of the list that may start, which
+    /// becomes transferring, and up to `most` altogether with its neighbours that may be copied with it,
+    /// small files into one folder, which wait for their turn.
+    QList<QueueItem> claim(qsizetype most, const std::function<bool(const QueueItem &)> &mayStart);
     /// Replaces the entry's status. Returns its row, or -1 when there is none.
     qsizetype setStatus(const QUuid &id, const QueueItemStatus &status);
+    /// Makes every entry for which the function gives another status have it. Returns whether any has.
+    bool setStatuses(const std::function<QueueItemStatus(const QueueItem &)> &statusOf);
+    /// Decides for an entry what becomes of it where its name is taken.
+    void setWhenTaken(const QUuid &id, WhenTaken whenTaken);
     /// Returns whether an entry was removed.
     bool remove(const QUuid &id);
     /// Removes every entry that is not transferring. Returns whether any was.
@@ -48,7 +60,7 @@ public:
 private:
     void erase(qsizetype first, qsizetype last);
     void reindex();
-    void count(const QueueItemStatus &status, int change);
+    void count(const QueueItem &item, int change);
 
     QList<QueueItem> m_items;
     QHash<QUuid, qsizetype> m_rows;
@@ -56,6 +68,12 @@ private:
     qsizetype m_waitingEnd = 0;
     int m_activeCount = 0;
     int m_waitingCount = 0;
+    int m_completedCount = 0;
+    int m_failedCount = 0;
+    int m_nameTakenCount = 0;
+    int m_pausedCount = 0;
+    qint64 m_totalBytes = 0;
+    qint64 m_doneBytes = 0;
 };
 
 } // namespace vantrel

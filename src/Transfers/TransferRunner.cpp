@@ -1,94 +1,59 @@
 #include "Transfers/TransferRunner.h"
 
-#include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
-#include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/TransferFormat.h"
 #include "Worker/Worker.h"
 
-#include <QDir>
-#include <QDirIterator>
 #include <QPointer>
 
 #include <algorithm>
-#include <cmath>
+#include <mutex>
 
 namespace vantrel {
 
 namespace {
 
-/// What one copy needs on its worker.
-struct CopyJob {
-    QString serial;
-    QueueItem item;
-    qint64 expectedBytes = 0;
-};
-
-QString alreadyExists(const QueueItem &item) {
-    return QStringLiteral("“%1” already exists there. Nothing was overwritten.").arg(item.name);
-}
-
-bool isEmptyFolder(const QString &path) {
-    return QDir(path).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
-
-/// Whether what adb calls copied is here. It writes on into a file that is deleted meanwhile, and it copies a
-/// folder that the phone does not let it read as an empty one; neither makes it fail.
-ADBResult<void> checkArrival(const CopyJob &job) {
-    const QString &here = job.item.destinationPath;
-    if (!MacFileClient::exists(here))
-        return tl::make_unexpected(ADBError::executionFailed(
-            QStringLiteral("“%1” was removed here while it was copied.").arg(job.item.name)));
-    if (!job.item.isDirectory)
-        return {};
-    QStringList empty;
-    if (isEmptyFolder(here))
-        empty.append(here);
-    QDirIterator folders(here, QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot,
-                         QDirIterator::Subdirectories);
-    while (folders.hasNext()) {
-        const QString folder = folders.next();
-        if (isEmptyFolder(folder))
-            empty.append(folder);
-    }
-    for (const QString &folder : empty) {
-        const auto listing =
-            ADBClient::listDirectory(job.serial, job.item.sourcePath + folder.mid(here.size()));
-        if (!listing)
-            return tl::make_unexpected(listing.error());
-    }
-    return {};
-}
-
-/// Runs on a worker. Neither adb nor the phone asks before it replaces a file, so the destination must be
-/// free; for a push the model has asked the phone before.
-ADBResult<void> runCopy(const CopyJob &job, const ADBClient::TransferProgress &onProgress) {
-    const QueueItem &item = job.item;
-    const bool isPull = item.direction == TransferDirection::androidToMac;
-    if (isPull && MacFileClient::exists(item.destinationPath))
-        return tl::make_unexpected(ADBError::executionFailed(alreadyExists(item)));
-    auto copied = ADBClient::runTransfer(
-        {QStringLiteral("-s"), job.serial, isPull ? QStringLiteral("pull") : QStringLiteral("push"),
-         item.sourcePath, item.destinationPath},
-        job.expectedBytes, isPull ? std::optional(item.destinationPath) : std::nullopt, onProgress);
-    return copied && isPull ? checkArrival(job) : copied;
-}
-
-/// One key for all spellings of one place: shared storage and the Mac ignore case.
+/// One key for all spellings of one place: shared storage and the Mac ignore case, so such copies go one
+/// after the other, and the file system says whether they are two.
 QString destinationKey(const QueueItem &item) {
     return (item.direction == TransferDirection::androidToMac ? QStringLiteral("mac:")
-                                                              : QStringLiteral("android:")) +
+                                                              : QString(item.serial % QLatin1Char(':'))) +
            item.destinationPath.toCaseFolded();
+}
+
+QString folderOf(const QString &path) {
+    const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
+    return slash <= 0 ? QStringLiteral("/") : path.left(slash);
 }
 
 } // namespace
 
-double TransferRunner::CopyClock::bytesPerSecond(qint64 bytes) const {
-    constexpr double shortest = 0.001;
-    const double seconds = std::max(static_cast<double>(start.nsecsElapsed()) / 1e9, shortest);
-    return static_cast<double>(bytes) / seconds;
-}
+/// Any thread.
+class TransferRunner::Run {
+public:
+    explicit Run(const QList<QueueItem> &entries) {
+        for (const QueueItem &item : entries)
+            m_wanted.insert(item.id);
+    }
+    [[nodiscard]] bool isWanted(const QUuid &id) const {
+        const std::scoped_lock lock(m_guard);
+        return m_wanted.contains(id);
+    }
+    /// Nobody wants the entry any more. When it was the last one, the whole run stops.
+    void drop(const QUuid &id) {
+        const std::scoped_lock lock(m_guard);
+        if (m_wanted.remove(id) && m_wanted.isEmpty())
+            m_stop.request_stop();
+    }
+    void stop() { m_stop.request_stop(); }
+    [[nodiscard]] std::stop_token stopToken() const { return m_stop.get_token(); }
+
+private:
+    mutable std::mutex m_guard;
+    QSet<QUuid> m_wanted;
+    std::stop_source m_stop;
+};
 
 TransferRunner::TransferRunner(TransferHost &host) : m_host(host) {
     forgetSpeed();
@@ -99,131 +64,226 @@ TransferRunner::TransferRunner(TransferHost &host) : m_host(host) {
     }
 }
 
+TransferRunner::~TransferRunner() {
+    for (const auto &run : std::as_const(m_runs))
+        run->stop();
+}
+
 void TransferRunner::enqueue(const QList<QueueItem> &entries) {
-    forgetSpeed();
+    if (!m_isTransferring)
+        forgetSpeed();
     m_queue.insertFront(entries);
     Q_EMIT queueChanged();
-    if (m_isTransferring)
-        return;
-    m_isTransferring = true;
     fillSlots();
 }
 
 void TransferRunner::remove(const QUuid &id) {
-    if (m_queue.remove(id))
-        Q_EMIT queueChanged();
+    for (const auto &run : std::as_const(m_runs))
+        run->drop(id);
+    if (!m_queue.remove(id))
+        return;
+    Q_EMIT queueChanged();
+    fillSlots();
 }
 
 void TransferRunner::clear() {
+    for (const QueueItem &item : m_queue.items()) {
+        if (item.status.is<QueueItemStatus::Transferring>())
+            continue;
+        for (const auto &run : std::as_const(m_runs)) // one whose turn was fixed
+            run->drop(item.id);
+    }
     if (m_queue.clear())
         Q_EMIT queueChanged();
+    fillSlots();
 }
 
-/// Starts copies until all slots are taken or nothing waits, and ends the run when nothing is left: both in
-/// one step on the main thread, so that nothing that is queued meanwhile is left waiting.
+void TransferRunner::pause() {
+    if (m_isPaused)
+        return;
+    m_isPaused = true;
+    for (const auto &run : std::as_const(m_runs))
+        run->stop();
+    fillSlots();
+}
+
+void TransferRunner::resume() {
+    m_isPaused = false;
+    letWait([](const QueueItem &item) { return item.status.is<QueueItemStatus::Paused>(); });
+}
+
+void TransferRunner::tryAgain(const QUuid &id) {
+    letWait([id](const QueueItem &item) { return item.id == id && item.canTryAgain(); });
+}
+
+void TransferRunner::tryAllAgain() {
+    letWait(&QueueItem::canTryAgain);
+}
+
+void TransferRunner::keepBoth(const QUuid &id) {
+    m_queue.setWhenTaken(id, WhenTaken::keepBoth);
+    letWait([id](const QueueItem &item) { return item.id == id && item.canKeepBoth(); });
+}
+
+void TransferRunner::keepAllBoth() {
+    for (const QueueItem &item : m_queue.items()) {
+        if (item.canKeepBoth())
+            m_queue.setWhenTaken(item.id, WhenTaken::keepBoth);
+    }
+    letWait(&QueueItem::canKeepBoth);
+}
+
+void TransferRunner::letWait(const std::function<bool(const QueueItem &)> &isMeant) {
+    const bool isChanged = m_queue.setStatuses([&](const QueueItem &item) {
+        return isMeant(item) ? QueueItemStatus(QueueItemStatus::Waiting()) : item.status;
+    });
+    if (isChanged)
+        Q_EMIT queueChanged();
+    fillSlots();
+}
+
+void TransferRunner::phoneWasAsked() {
+    const auto serial = m_host.connectedSerial();
+    if (serial)
+        m_gonePhones.remove(*serial);
+    const bool isChanged = m_queue.setStatuses([&](const QueueItem &item) {
+        const auto *waiting = item.status.as<QueueItemStatus::Waiting>();
+        if (!waiting || waiting->isClaimed)
+            return item.status;
+        return QueueItemStatus(QueueItemStatus::Waiting{item.serial != serial});
+    });
+    if (isChanged)
+        Q_EMIT queueChanged();
+    fillSlots();
+}
+
+bool TransferRunner::mayStart(const QueueItem &item) const {
+    return m_host.connectedSerial() == item.serial && !m_gonePhones.contains(item.serial) &&
+           !m_destinationsInUse.contains(destinationKey(item));
+}
+
+/// Starts copies until all slots are taken or nothing may start, and ends the run when nothing is left: both
+/// in one step on the main thread, so that nothing that is queued meanwhile is left waiting.
 void TransferRunner::fillSlots() {
+    constexpr qsizetype mostTogether = 256;
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
-    while (m_runningCopies < concurrentCopies) {
-        const auto id = m_queue.claimNextWaiting();
-        if (!id)
+    while (m_runs.size() < concurrentCopies && !m_isPaused) {
+        QSet<QString> places; // of this claim
+        const auto isFree = [&](const QueueItem &item) {
+            return mayStart(item) && !places.contains(destinationKey(item)) &&
+                   (places.insert(destinationKey(item)), true);
+        };
+        const qsizetype most =
+            std::clamp<qsizetype>(m_queue.waitingCount() / concurrentCopies, 1, mostTogether);
+        const QList<QueueItem> claimed = m_queue.claim(most, isFree);
+        if (claimed.isEmpty())
             break;
-        ++m_runningCopies;
+        for (const QueueItem &item : claimed)
+            m_destinationsInUse.insert(destinationKey(item));
+        m_isTransferring = true;
         Q_EMIT queueChanged();
-        runSlot(*id);
+        runSlot(claimed);
     }
     m_isFillingSlots = false;
-    if (m_runningCopies > 0)
+    if (!m_runs.isEmpty())
         return;
-
-    m_destinationChecks.clear();
     forgetSpeed();
     m_isTransferring = false; // whoever is told may queue more
 }
 
-QCoro::Task<> TransferRunner::runSlot(QUuid id) {
-    co_await runSingleTransfer(id);
-    // The last copy to end does the listing that was put off; it must not surprise the user a second later.
-    const bool isLast = m_runningCopies == 1 && m_queue.waitingCount() == 0;
-    if (isLast && receivingPane(BrowserSide::android).listLater.isActive())
-        co_await browseAgain(BrowserSide::android);
-    if (isLast && receivingPane(BrowserSide::mac).listLater.isActive())
-        co_await browseAgain(BrowserSide::mac);
-    --m_runningCopies;
+QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
+    const auto run = std::make_shared<Run>(entries);
+    m_runs.append(run);
+    CopyJob job;
+    job.direction = entries.first().direction;
+    job.serial = entries.first().serial;
+    job.folder = folderOf(entries.first().destinationPath);
+    for (const QueueItem &item : std::as_const(entries)) {
+        if (AndroidPath::isSafeName(item.name)) {
+            job.entries.append(item);
+            continue;
+        }
+        CopyReport refused;
+        refused.failure = QStringLiteral("This name can’t be used on the other side.");
+        finish(item, refused);
+    }
+    const QPointer<TransferRunner> self(this);
+    CopyWatcher watcher;
+    watcher.isWanted = [run](const QUuid &id) { return run->isWanted(id); };
+    watcher.onProgress = [self](const QUuid &id, const QueueItemStatus::Progress &progress) {
+        Background::post([self, id, progress] {
+            if (self)
+                self->applyProgress(id, progress);
+        });
+    };
+    watcher.onEnd = [self, entries](const QUuid &id, const CopyReport &report) {
+        const auto item = std::find_if(entries.begin(), entries.end(),
+                                       [&](const QueueItem &entry) { return entry.id == id; });
+        Background::post([self, entry = *item, report] {
+            if (self)
+                self->finish(entry, report);
+        });
+    };
+    const std::stop_token stop = run->stopToken();
+    co_await Background::run(this, &runCopyJob, job, watcher, stop);
+    for (const QueueItem &item : std::as_const(entries))
+        m_destinationsInUse.remove(destinationKey(item));
+    m_runs.removeOne(run);
     fillSlots();
 }
 
-QCoro::Task<> TransferRunner::runSingleTransfer(QUuid id) {
-    const QueueItem *entry = m_queue.find(id);
+void TransferRunner::finish(const QueueItem &item, const CopyReport &report) {
+    const QueueItem *entry = m_queue.find(item.id);
     if (!entry)
-        co_return;
-    const QueueItem item = *entry;
-    const QString destination = destinationKey(item);
-    CopyClock clock;
-    clock.expectedBytes = std::max<qint64>(item.totalBytes, 0);
-    clock.start.start();
-
-    std::optional<QString> failure;
-    if (!m_host.connectedSerial())
-        failure = ADBError::noDevice().errorDescription();
-    else if (!AndroidPath::isSafeName(item.name))
-        failure = QStringLiteral("This name can’t be used on the other side.");
-    else if (m_destinationsInUse.contains(destination))
-        failure = alreadyExists(item);
-    if (!failure) {
-        m_destinationsInUse.insert(destination);
-        if (item.direction == TransferDirection::macToAndroid)
-            failure = co_await refusalOfPush(item);
-        if (!failure) {
-            const CopyJob job{m_host.connectedSerial().value_or(QString()), item, clock.expectedBytes};
-            const ADBClient::TransferProgress onProgress = [runner = QPointer<TransferRunner>(this), id,
-                                                            clock](double fraction, qint64 done,
-                                                                   qint64 total) {
-                Background::post([runner, id, clock, fraction, done, total] {
-                    if (runner)
-                        runner->applyProgress(id, clock, fraction, done, total);
-                });
-            };
-            const auto copied = co_await Background::run(this, &runCopy, job, onProgress);
-            if (!copied)
-                failure = copied.error().errorDescription();
-        }
-        m_destinationsInUse.remove(destination);
-        m_destinationChecks.remove(id);
+        return;
+    const auto *progress = entry->status.progress();
+    if (report.wasStopped && m_isPaused) {
+        QueueItemStatus::Paused paused;
+        if (progress)
+            static_cast<QueueItemStatus::Progress &>(paused) = *progress;
+        updateStatus(item.id, paused);
+    } else if (report.wasStopped) {
+        updateStatus(item.id, QueueItemStatus::Waiting()); // paused and resumed before it had stopped
+    } else if (report.isPhoneGone) {
+        m_gonePhones.insert(item.serial);
+        updateStatus(item.id, QueueItemStatus::Waiting{true});
+        Q_EMIT phoneLeft();
+    } else {
+        const QueueItemStatus status = statusAfter(item, report);
+        updateStatus(item.id, status);
     }
-
-    if (failure) {
-        const QueueItemStatus::Failed failed{*failure};
-        updateStatus(id, failed);
-        co_return;
-    }
-    if (clock.expectedBytes >= 1)
-        showSpeed(clock.bytesPerSecond(clock.expectedBytes));
-    m_remainingLabel = QStringLiteral("00:00:00");
-    updateStatus(id, QueueItemStatus::Completed());
-    co_await refreshReceivingPane(item.direction == TransferDirection::androidToMac ? BrowserSide::mac
-                                                                                    : BrowserSide::android);
+    if (report.copied > 0)
+        refreshReceivingPane(item);
 }
 
-/// Lists the pane that received a copy again, so that the copy is seen there. Listing a phone's folder takes
-/// longer than copying a photo into it; after each of 20,000 photos it would make the whole job several times
-/// as long. So while other copies are under way a pane is listed once a second, and the copies of that second
-/// share the listing.
-QCoro::Task<> TransferRunner::refreshReceivingPane(BrowserSide side) {
+/// Lists the pane that received a copy again, if it shows the folder, so that the copy is seen there. Listing
+/// a phone's folder takes longer than copying a photo into it; after each of 20,000 photos it would make the
+/// whole job several times as long. So a pane is listed once a second, and the copies of that second share
+/// the listing.
+void TransferRunner::refreshReceivingPane(const QueueItem &item) {
     constexpr int pauseMilliseconds = 1000;
+    const BrowserSide side =
+        item.direction == TransferDirection::androidToMac ? BrowserSide::mac : BrowserSide::android;
+    if (m_host.shownFolder(side) != folderOf(item.destinationPath))
+        return;
     ReceivingPane &pane = receivingPane(side);
-    const bool othersAreUnderWay = m_runningCopies > 1 || m_queue.waitingCount() > 0;
-    const bool wasJustListed =
-        pane.isBeingListed || (pane.sinceListed.isValid() && pane.sinceListed.elapsed() < pauseMilliseconds);
-    if (!othersAreUnderWay || !wasJustListed)
-        co_await browseAgain(side);
-    else if (!pane.listLater.isActive())
-        pane.listLater.start(pauseMilliseconds);
+    const bool isLast = m_queue.activeCount() == 0 && m_queue.waitingCount() == 0;
+    const bool wasJustListed = pane.sinceListed.isValid() && pane.sinceListed.elapsed() < pauseMilliseconds;
+    if (!pane.isBeingListed && (isLast || !wasJustListed))
+        browseAgain(side);
+    else if (!pane.listLater.isActive() || isLast)
+        pane.listLater.start(isLast ? 0 : pauseMilliseconds);
 }
 
 QCoro::Task<> TransferRunner::browseAgain(BrowserSide side) {
     ReceivingPane &pane = receivingPane(side);
+    if (pane.isBeingListed) { // one listing at a time, the next when the last has ended
+        constexpr int soon = 50;
+        pane.listLater.start(soon);
+        co_return;
+    }
     pane.listLater.stop();
     pane.isBeingListed = true;
     co_await m_host.listAgain(side);
@@ -231,107 +291,26 @@ QCoro::Task<> TransferRunner::browseAgain(BrowserSide side) {
     pane.sinceListed.start();
 }
 
-/// Why a push must not start: something stands at its destination, or the phone did not say. The phone is
-/// asked for many waiting pushes at once, since every question is a run of adb, and ahead of time, so that
-/// short copies need not wait for it.
-QCoro::Task<std::optional<QString>> TransferRunner::refusalOfPush(QueueItem item) {
-    while (!hasFreshCheck(item.id)) {
-        const auto serial = m_host.connectedSerial();
-        if (!serial) // gone while it was asked
-            co_return ADBError::noDevice().errorDescription();
-        if (!m_runningDestinationCheck)
-            m_runningDestinationCheck = checkDestinations(*serial, pushesToAskFor(item));
-        co_await *m_runningDestinationCheck;
-    }
-    askAhead();
-    const DestinationCheck check = m_destinationChecks.value(item.id);
-    if (check.isTaken)
-        co_return alreadyExists(item);
-    co_return check.error;
-}
-
-bool TransferRunner::hasFreshCheck(const QUuid &id) const {
-    constexpr qint64 freshMilliseconds = 2000; // something else may write to the phone
-    const auto check = m_destinationChecks.constFind(id);
-    return check != m_destinationChecks.constEnd() && check->serial == m_host.connectedSerial() &&
-           check->age.elapsed() <= freshMilliseconds;
-}
-
-/// Asks for the next pushes when the answers for the nearest are about to run out.
-void TransferRunner::askAhead() {
-    constexpr auto nearest = static_cast<qsizetype>(4) * concurrentCopies;
-    const auto serial = m_host.connectedSerial();
-    if (!serial || m_runningDestinationCheck)
+void TransferRunner::applyProgress(const QUuid &id, const QueueItemStatus::Progress &progress) {
+    const QueueItem *entry = m_queue.find(id);
+    if (!entry ||
+        !(entry->status.is<QueueItemStatus::Transferring>() || entry->status.is<QueueItemStatus::Waiting>()))
         return;
-    const QList<QueueItem> next = m_queue.nextWaiting(nearest);
-    if (next.isEmpty() || next.last().direction != TransferDirection::macToAndroid ||
-        hasFreshCheck(next.last().id))
+    const auto *before = entry->status.progress();
+    m_rate.add(progress.transferredBytes - (before ? before->transferredBytes : 0));
+    QueueItemStatus::Transferring now;
+    static_cast<QueueItemStatus::Progress &>(now) = progress;
+    updateStatus(id, now);
+    const auto speed = m_rate.bytesPerSecond();
+    if (!speed)
         return;
-    const QList<QueueItem> items = pushesToAskFor(std::nullopt);
-    if (!items.isEmpty())
-        m_runningDestinationCheck = checkDestinations(*serial, items);
-}
-
-/// `first`, then the waiting pushes that are next and have no answer, as many as one question holds.
-QList<QueueItem> TransferRunner::pushesToAskFor(const std::optional<QueueItem> &first) const {
-    constexpr qsizetype pathsPerQuestion = 40;
-    QList<QueueItem> items;
-    QSet<QString> keys = m_destinationsInUse;
-    if (first)
-        items.append(*first);
-    for (const QueueItem &item : m_queue.nextWaiting(2 * pathsPerQuestion)) {
-        if (items.size() == pathsPerQuestion)
-            break;
-        // Of two copies to one place the second is asked for when it starts, after the first has ended.
-        const QString key = destinationKey(item);
-        if (item.direction != TransferDirection::macToAndroid || keys.contains(key))
-            continue;
-        keys.insert(key);
-        if (!hasFreshCheck(item.id))
-            items.append(item);
-    }
-    return items;
-}
-
-QCoro::Task<> TransferRunner::checkDestinations(QString serial, QList<QueueItem> items) {
-    QStringList paths;
-    for (const QueueItem &item : items)
-        paths.append(item.destinationPath);
-
-    const auto existing = co_await Background::run(this, &ADBClient::existingPaths, serial, paths);
-    for (const QueueItem &item : items) {
-        DestinationCheck check;
-        check.serial = serial;
-        check.isTaken = existing && existing->contains(item.destinationPath);
-        if (!existing)
-            check.error = existing.error().errorDescription();
-        check.age.start();
-        m_destinationChecks.insert(item.id, check);
-    }
-    m_runningDestinationCheck.reset();
-}
-
-void TransferRunner::applyProgress(const QUuid &id, const CopyClock &clock, double fraction,
-                                   qint64 transferred, qint64 total) {
-    const qint64 effective = std::max(total, clock.expectedBytes);
-    QueueItemStatus::Transferring progress;
-    progress.fraction = fraction;
-    progress.transferredBytes = transferred;
-    progress.totalBytes = effective;
-    updateStatus(id, progress);
-    if (transferred < 1)
-        return;
-    const double speed = clock.bytesPerSecond(transferred);
-    showSpeed(speed);
-    if (transferred < effective && speed > 0)
-        m_remainingLabel = formatDuration(static_cast<double>(effective - transferred) / speed);
-}
-
-void TransferRunner::showSpeed(double bytesPerSecond) {
-    m_speedLabel = formatTransferRate(bytesPerSecond);
+    m_speedLabel = formatTransferRate(*speed);
+    m_remainingLabel =
+        formatDuration(static_cast<double>(m_queue.totalBytes() - m_queue.doneBytes()) / *speed);
 }
 
 void TransferRunner::forgetSpeed() {
+    m_rate.forget();
     m_speedLabel = unknownLabel();
     m_remainingLabel = unknownLabel();
 }

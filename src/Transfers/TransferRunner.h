@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Records/Pane.h"
+#include "Transfers/CopyRun.h"
 #include "Transfers/TransferQueue.h"
+#include "Transfers/TransferRate.h"
 
 #include <QCoroTask>
 #include <QElapsedTimer>
@@ -11,6 +13,7 @@
 #include <QTimer>
 
 #include <array>
+#include <memory>
 #include <optional>
 
 namespace vantrel {
@@ -20,6 +23,8 @@ class TransferHost {
 public:
     /// The serial of the phone in use, or nothing while there is none.
     [[nodiscard]] virtual std::optional<QString> connectedSerial() const = 0;
+    /// The folder that the pane shows.
+    [[nodiscard]] virtual QString shownFolder(BrowserSide side) const = 0;
     /// Lists the folder again that the pane shows.
     virtual QCoro::Task<> listAgain(BrowserSide side) = 0;
 
@@ -27,35 +32,48 @@ protected:
     ~TransferHost() = default;
 };
 
-/// Runs the queue: three copies at once, each into a free place; tells how fast they go, and lists the panes
-/// again that received something.
+/// Runs the queue: three runs of copies at once, of as many small files each as belong together; tells how
+/// fast they go, and lists the panes again that received something.
 ///
-/// Main thread only. Copies go on without a listener; when the runner is destroyed, those that run end
-/// unseen.
+/// Main thread only. When the runner is destroyed, what runs is stopped.
 class TransferRunner : public QObject {
     Q_OBJECT
 
 public:
-    /// Copies that run at once.
+    /// Runs at once.
     static constexpr int concurrentCopies = 3;
 
     /// The host must outlive the runner.
     explicit TransferRunner(TransferHost &host);
+    ~TransferRunner() override;
 
     [[nodiscard]] const TransferQueue &queue() const { return m_queue; }
     [[nodiscard]] QAbstractItemModel *queueModel() { return &m_queue; }
     /// Both texts are "—" while nothing is known.
     [[nodiscard]] const QString &speedLabel() const { return m_speedLabel.value(); }
     [[nodiscard]] const QString &remainingLabel() const { return m_remainingLabel.value(); }
-    /// Whether anything waits or runs.
+    /// Whether anything runs, or waits for anything but the phone or the end of a pause.
     [[nodiscard]] bool isTransferring() const { return m_isTransferring; }
+    [[nodiscard]] bool isPaused() const { return m_isPaused; }
 
     /// Puts the entries, which wait, before all others, and runs the queue.
     void enqueue(const QList<QueueItem> &entries);
-    /// Removes one entry. A running copy runs on to its end unseen.
+    /// Removes one entry. A copy that runs for it is stopped within 0.5 s and leaves nothing behind but files
+    /// that had arrived whole and got their names.
     void remove(const QUuid &id);
     /// Removes every entry that is not running.
     void clear();
+    /// Stops what runs and starts nothing until resume().
+    void pause();
+    void resume();
+    /// Lets a failed entry wait again; of a folder only what is missing is copied.
+    void tryAgain(const QUuid &id);
+    void tryAllAgain();
+    /// Lets an entry whose name is taken be copied beside what is there.
+    void keepBoth(const QUuid &id);
+    void keepAllBoth();
+    /// To be called whenever it is known anew which phone is there.
+    void phoneWasAsked();
 
 Q_SIGNALS:
     /// The queue changed in any way; comes after what queueModel() tells of it.
@@ -63,20 +81,13 @@ Q_SIGNALS:
     void speedLabelChanged();
     void remainingLabelChanged();
     void isTransferringChanged();
+    void isPausedChanged();
+    /// The phone left while something was copied; what is meant for it waits for phoneWasAsked().
+    void phoneLeft();
 
 private:
-    struct CopyClock {
-        QElapsedTimer start;
-        qint64 expectedBytes = 0;
-        [[nodiscard]] double bytesPerSecond(qint64 bytes) const;
-    };
-    /// What stood at the destination of a waiting push when the phone was asked.
-    struct DestinationCheck {
-        QString serial; ///< of the phone that was asked
-        bool isTaken = false;
-        std::optional<QString> error;
-        QElapsedTimer age;
-    };
+    /// One run of copies, shared with its worker.
+    class Run;
     /// When a pane that receives copies was last listed again, and the listing that is put off.
     struct ReceivingPane {
         bool isBeingListed = false;
@@ -84,37 +95,35 @@ private:
         QTimer listLater;
     };
 
+    [[nodiscard]] bool mayStart(const QueueItem &item) const;
     void fillSlots();
-    QCoro::Task<> runSlot(QUuid id);
-    QCoro::Task<> runSingleTransfer(QUuid id);
-    QCoro::Task<std::optional<QString>> refusalOfPush(QueueItem item);
-    [[nodiscard]] bool hasFreshCheck(const QUuid &id) const;
-    void askAhead();
-    [[nodiscard]] QList<QueueItem> pushesToAskFor(const std::optional<QueueItem> &first) const;
-    QCoro::Task<> checkDestinations(QString serial, QList<QueueItem> items);
-    QCoro::Task<> refreshReceivingPane(BrowserSide side);
+    QCoro::Task<> runSlot(QList<QueueItem> entries);
+    void finish(const QueueItem &item, const CopyReport &report);
+    void letWait(const std::function<bool(const QueueItem &)> &isMeant);
+    void refreshReceivingPane(const QueueItem &item);
     QCoro::Task<> browseAgain(BrowserSide side);
     [[nodiscard]] ReceivingPane &receivingPane(BrowserSide side) { return m_receiving.at(size_t(side)); }
-    void applyProgress(const QUuid &id, const CopyClock &clock, double fraction, qint64 transferred,
-                       qint64 total);
+    void applyProgress(const QUuid &id, const QueueItemStatus::Progress &progress);
     void updateStatus(const QUuid &id, const QueueItemStatus &status);
-    void showSpeed(double bytesPerSecond);
     void forgetSpeed();
 
     TransferHost &m_host;
     TransferQueue m_queue;
+    TransferRate m_rate;
     Q_OBJECT_BINDABLE_PROPERTY(TransferRunner, QString, m_speedLabel, &TransferRunner::speedLabelChanged)
     Q_OBJECT_BINDABLE_PROPERTY(TransferRunner, QString, m_remainingLabel,
                                &TransferRunner::remainingLabelChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(TransferRunner, bool, m_isTransferring, false,
                                          &TransferRunner::isTransferringChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(TransferRunner, bool, m_isPaused, false,
+                                         &TransferRunner::isPausedChanged)
 
-    int m_runningCopies = 0;
+    QList<std::shared_ptr<Run>> m_runs;
     bool m_isFillingSlots = false;
+    /// Phones that left while something was copied, until they are seen again.
+    QSet<QString> m_gonePhones;
     /// Where the running copies write, so that two never write to one place.
     QSet<QString> m_destinationsInUse;
-    QHash<QUuid, DestinationCheck> m_destinationChecks;
-    std::optional<QCoro::Task<>> m_runningDestinationCheck;
     std::array<ReceivingPane, 2> m_receiving; ///< by side
 };
 

@@ -196,8 +196,8 @@ QItemSelectionModel::SelectionFlags FileItemsView::selectionCommand(const QModel
 void FileItemsView::keyPressEvent(QKeyEvent *event) {
     if (focusedIndex().isValid() && !(event->modifiers() & ~Qt::KeypadModifier))
         QListView::keyPressEvent(event);
-    else
-        QAbstractScrollArea::keyPressEvent(event);
+    else                                           // the arrow keys scroll
+        QAbstractScrollArea::keyPressEvent(event); // NOLINT(bugprone-parent-virtual-call)
 }
 
 QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {

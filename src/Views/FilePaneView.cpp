@@ -366,7 +366,7 @@ void FilePaneView::select(const FileItem &item) {
     call(m_pane.onSelect ? m_pane.onSelect : m_pane.onToggle, item);
 }
 
-void FilePaneView::open(const FileItem &item) {
+void FilePaneView::open(const FileItem &item) const {
     call(m_pane.onOpen, item);
 }
 
@@ -377,7 +377,7 @@ void FilePaneView::clearSearch() {
         call(m_pane.searchText->set, QString());
 }
 
-void FilePaneView::toggleSelectAll() {
+void FilePaneView::toggleSelectAll() const {
     const auto toggle = m_pane.onToggleSelectAll;
     call(m_pane.onFocus);
     call(toggle);

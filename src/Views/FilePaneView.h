@@ -54,10 +54,10 @@ private:
     [[nodiscard]] bool isGrid() const;
     [[nodiscard]] FileItemsView *entries() const { return isGrid() ? m_grid : m_list; }
 
-    void open(const FileItem &item);
+    void open(const FileItem &item) const;
     void select(const FileItem &item);
     void clearSearch();
-    void toggleSelectAll();
+    void toggleSelectAll() const;
     void showContextMenu(const FileItem &item, const QPoint &position);
 
     const PaneState &m_state;

@@ -17,10 +17,12 @@ namespace vantrel {
 
 namespace {
 
-enum class Part { row, bar, removeButton };
+enum class Part { row, bar, removeButton, action };
 
 /// What a row has inside, in the order of its children.
-constexpr Part inside[] = {Part::bar, Part::removeButton};
+constexpr Part inside[] = {Part::bar, Part::removeButton, Part::action};
+constexpr int removeButtonChild = 1;
+constexpr int actionChild = 2;
 
 /// A row, or the bar or the button in it.
 class QueuePart : public QAccessibleInterface,
@@ -49,7 +51,11 @@ public:
         QAccessibleInterface *list = QAccessible::queryAccessibleInterface(m_view);
         return list && m_part != Part::row ? list->child(m_row.row()) : list;
     }
-    [[nodiscard]] int childCount() const override { return int(m_children.size()); }
+    /// The action comes and goes with how the copy has ended; it is the last.
+    [[nodiscard]] int childCount() const override {
+        const bool lacksAction = isValid() && m_part == Part::row && !m_view->actionRect(m_row).isValid();
+        return int(m_children.size()) - (lacksAction ? 1 : 0);
+    }
     [[nodiscard]] QAccessibleInterface *child(int index) const override {
         return index >= 0 && index < childCount() ? QAccessible::accessibleInterface(m_children.at(index))
                                                   : nullptr;
@@ -67,7 +73,7 @@ public:
 
     [[nodiscard]] QAccessible::Role role() const override {
         constexpr QAccessible::Role roles[] = {QAccessible::ListItem, QAccessible::ProgressBar,
-                                               QAccessible::Button};
+                                               QAccessible::Button, QAccessible::Button};
         return roles[int(m_part)];
     }
     [[nodiscard]] QString text(QAccessible::Text kind) const override {
@@ -76,10 +82,12 @@ public:
         const QueueItem item = queueItemAt(m_row);
         if (kind == QAccessible::Description && m_part == Part::row)
             return displayText(item.progressLabel()) + QStringLiteral(", ") + item.percentLabel();
+        if (kind == QAccessible::Description && m_part == Part::action)
+            return displayText(item.problemText());
         if (kind != QAccessible::Name)
             return {};
         const QString names[] = {displayText(item.name), QStringLiteral("Progress"),
-                                 QueueDelegate::removeHelp()};
+                                 QueueDelegate::removeHelp(), QueueDelegate::actionTitle(item)};
         return names[int(m_part)];
     }
     void setText(QAccessible::Text, const QString &) override {}
@@ -94,13 +102,14 @@ public:
         state.invisible = !m_view->isVisible();
         state.offscreen = !m_view->viewport()->rect().intersects(placeInViewport());
         state.readOnly = m_part == Part::bar;
-        state.focusable = m_part == Part::removeButton;
-        state.focused = state.focusable && m_view->hasFocus() && m_view->currentIndex() == m_row;
+        state.focusable = isButton();
+        state.focused = state.focusable && m_view->hasFocus() && m_view->currentIndex() == m_row &&
+                        m_view->isOnAction() == (m_part == Part::action);
         return state;
     }
 
     void *interface_cast(QAccessible::InterfaceType type) override {
-        if (type == QAccessible::ActionInterface && m_part == Part::removeButton)
+        if (type == QAccessible::ActionInterface && isButton())
             return static_cast<QAccessibleActionInterface *>(this);
         if (type == QAccessible::ValueInterface && m_part == Part::bar)
             return static_cast<QAccessibleValueInterface *>(this);
@@ -114,7 +123,7 @@ public:
         if (!isValid())
             return;
         if (name == pressAction()) {
-            m_view->pressRemoveButton(m_row);
+            m_part == Part::action ? m_view->pressAction(m_row) : m_view->pressRemoveButton(m_row);
         } else if (name == setFocusAction()) {
             m_view->setCurrentIndex(m_row);
             m_view->setFocus(Qt::OtherFocusReason);
@@ -133,9 +142,11 @@ public:
     [[nodiscard]] QVariant minimumStepSize() const override { return 1; }
 
 private:
+    [[nodiscard]] bool isButton() const { return m_part == Part::removeButton || m_part == Part::action; }
     [[nodiscard]] QRect placeInViewport() const {
         const QRect row = m_view->visualRect(m_row);
-        const QRect places[] = {row, QueueRowGeometry(row).bar, m_view->removeButtonRect(m_row)};
+        const QRect places[] = {row, QueueRowGeometry(row).bar, m_view->removeButtonRect(m_row),
+                                m_view->actionRect(m_row)};
         return places[int(m_part)];
     }
 
@@ -186,7 +197,7 @@ public:
     /// The button that has the keyboard.
     [[nodiscard]] QAccessibleInterface *focusChild() const override {
         QAccessibleInterface *row = view()->hasFocus() ? child(view()->currentIndex().row()) : nullptr;
-        return row ? row->child(row->childCount() - 1) : nullptr;
+        return row ? row->child(view()->isOnAction() ? actionChild : removeButtonChild) : nullptr;
     }
 
 private:

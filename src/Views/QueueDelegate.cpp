@@ -5,6 +5,7 @@
 #include "Kit/TextStyle.h"
 #include "Theme/AppTheme.h"
 #include "Transfers/TransferQueue.h"
+#include "Views/QueueListView.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
@@ -22,12 +23,14 @@ constexpr int lineGap = 4;
 constexpr int numbersGap = 2;
 constexpr int iconWidth = 22;
 constexpr int numbersWidth = 110;
+constexpr int percentWidth = 42; ///< of "Error", the longest beside an action
 constexpr int barHeight = 5;
 constexpr int buttonSize = 22;
 
 constexpr TextStyle nameStyle{12.5, Weight::semibold};
 constexpr TextStyle routeStyle{10.5, Weight::medium};
 constexpr TextStyle progressStyle{11, Weight::medium};
+constexpr TextStyle actionStyle{10.5, Weight::semibold};
 constexpr TextStyle percentStyle{11, Weight::semibold, FontDesign::monospaced};
 
 ThemeColor barColor(const QueueItemStatus &status) {
@@ -35,7 +38,7 @@ ThemeColor barColor(const QueueItemStatus &status) {
         return AppTheme::success();
     if (status.is<QueueItemStatus::Failed>())
         return AppTheme::danger();
-    if (status.is<QueueItemStatus::Waiting>())
+    if (status.is<QueueItemStatus::Waiting>() || status.is<QueueItemStatus::NameTaken>())
         return AppTheme::strokeStrong();
     return AppTheme::progress();
 }
@@ -74,6 +77,7 @@ QueueRowGeometry::QueueRowGeometry(const QRect &row)
     const int numbersTop = row.top() + (row.height() - progressHeight - numbersGap - percentHeight + 1) / 2;
     progress = {numbersLeft, numbersTop, numbersWidth, progressHeight};
     percent = {numbersLeft, numbersTop + progressHeight + numbersGap, numbersWidth, percentHeight};
+    action = percent.adjusted(0, 0, -percentWidth, 0);
 
     const int left = icon.right() + 1 + columnGap;
     const int width = qMax(0, numbersLeft - columnGap - left);
@@ -93,6 +97,12 @@ QueueDelegate::QueueDelegate(double radius, QObject *parent)
 
 QString QueueDelegate::removeHelp() {
     return QStringLiteral("Remove this transfer from the queue");
+}
+
+QString QueueDelegate::actionTitle(const QueueItem &item) {
+    if (item.canTryAgain())
+        return QStringLiteral("Try again");
+    return item.canKeepBoth() ? QStringLiteral("Keep both") : QString();
 }
 
 QSize QueueDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const {
@@ -116,7 +126,15 @@ void QueueDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     paintText(*painter, parts.progress, item.progressLabel(), progressStyle, AppTheme::inkSecondary(),
               trailing);
     paintText(*painter, parts.percent, item.percentLabel(), percentStyle, AppTheme::ink(), trailing);
-    paintRemoveButton(*painter, parts.removeButton, option.state.testFlag(QStyle::State_HasFocus));
+    const bool hasFocus = option.state.testFlag(QStyle::State_HasFocus);
+    const auto *list = qobject_cast<const QueueListView *>(option.widget);
+    const bool isOnAction = list && list->isOnAction();
+    paintRemoveButton(*painter, parts.removeButton, hasFocus && !isOnAction);
+    if (const QString title = actionTitle(item); !title.isEmpty()) {
+        paintText(*painter, parts.action, title, actionStyle, AppTheme::accent(), trailing);
+        if (hasFocus && isOnAction)
+            paintFocusRing(*painter, parts.action, 4);
+    }
 
     if (index.row() + 1 < index.model()->rowCount()) {
         painter->save();
@@ -146,6 +164,9 @@ bool QueueDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const 
         if (rect.contains(event->pos()) && style.width(text) > rect.width())
             help = text;
     }
+    const QString problems = item.problemText();
+    if (!problems.isEmpty() && (parts.progress | parts.percent).contains(event->pos()))
+        help = item.progressLabel() % QStringLiteral("\n\n") % problems;
     if (help.isEmpty())
         QToolTip::hideText();
     else

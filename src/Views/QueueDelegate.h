@@ -27,11 +27,12 @@ struct QueueRowGeometry {
     QRect bar;
     QRect progress;
     QRect percent;
+    QRect action; ///< beside the percentage, where there is one to take
     QRect removeButton;
 };
 
 /// Paints the rows of the transfer queue, each with the divider below it, and tells the whole of a text that
-/// is shortened. The remove button of the row that has the keyboard carries the focus ring.
+/// is shortened. The button of the row that has the keyboard, removing or acting, carries the focus ring.
 class QueueDelegate : public QAbstractItemDelegate {
     Q_OBJECT
 
@@ -43,6 +44,8 @@ public:
 
     /// What the remove button does.
     [[nodiscard]] static QString removeHelp();
+    /// What the user may do about how the entry has ended: "Try again", "Keep both", or empty.
+    [[nodiscard]] static QString actionTitle(const QueueItem &item);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;

@@ -63,9 +63,33 @@ void QueueListView::pressRemoveButton(const QModelIndex &row) {
     Q_EMIT removeRequested(queueItemAt(row).id);
 }
 
+QRect QueueListView::actionRect(const QModelIndex &row) const {
+    return QueueDelegate::actionTitle(queueItemAt(row)).isEmpty()
+               ? QRect()
+               : QueueRowGeometry(visualRect(row).adjusted(0, 0, 0, -dividerHeight)).action;
+}
+
+void QueueListView::pressAction(const QModelIndex &row) {
+    const QueueItem item = queueItemAt(row);
+    if (item.canTryAgain())
+        Q_EMIT tryAgainRequested(item.id);
+    else if (item.canKeepBoth())
+        Q_EMIT keepBothRequested(item.id);
+    setOnAction(false);
+}
+
+void QueueListView::setOnAction(bool isOnAction) {
+    if (m_isOnAction == isOnAction)
+        return;
+    m_isOnAction = isOnAction;
+    update(currentIndex());
+    announceFocus(this);
+}
+
 void QueueListView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                                 const QList<int> &roles) {
     // QListView would lay out all its rows, since one might have got another size. None of ours ever does.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractItemView::dataChanged(topLeft, bottomRight, roles);
     announceProgress(this, topLeft);
 }
@@ -85,6 +109,7 @@ void QueueListView::rowsAboutToBeRemoved(const QModelIndex &parent, int first, i
 
 void QueueListView::currentChanged(const QModelIndex &current, const QModelIndex &previous) {
     QListView::currentChanged(current, previous);
+    m_isOnAction = false;
     announceFocus(this);
 }
 
@@ -116,7 +141,11 @@ void QueueListView::keyPressEvent(QKeyEvent *event) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
         if (currentIndex().isValid() && !event->isAutoRepeat())
-            pressRemoveButton(currentIndex());
+            m_isOnAction ? pressAction(currentIndex()) : pressRemoveButton(currentIndex());
+        break;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        setOnAction(event->key() == Qt::Key_Left && actionRect(currentIndex()).isValid());
         break;
     default:
         QListView::keyPressEvent(event);
@@ -124,8 +153,12 @@ void QueueListView::keyPressEvent(QKeyEvent *event) {
 }
 
 void QueueListView::mousePressEvent(QMouseEvent *event) {
-    m_pressed =
-        event->button() == Qt::LeftButton ? removeButtonAt(event->position().toPoint()) : QModelIndex();
+    const QPoint place = event->position().toPoint();
+    const QModelIndex row = indexAt(place);
+    m_isActionPressed = row.isValid() && actionRect(row).contains(place);
+    m_pressed = event->button() != Qt::LeftButton ? QModelIndex()
+                : m_isActionPressed               ? row
+                                                  : removeButtonAt(place);
     event->setAccepted(m_pressed.isValid());
 }
 
@@ -135,6 +168,11 @@ void QueueListView::mouseMoveEvent(QMouseEvent *event) {
 
 void QueueListView::mouseReleaseEvent(QMouseEvent *event) {
     const QModelIndex pressed = std::exchange(m_pressed, QPersistentModelIndex());
+    if (pressed.isValid() && m_isActionPressed) {
+        if (actionRect(pressed).contains(event->position().toPoint()))
+            pressAction(pressed);
+        return;
+    }
     if (pressed.isValid() && removeButtonAt(event->position().toPoint()) == pressed)
         pressRemoveButton(pressed);
 }

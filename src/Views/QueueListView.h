@@ -9,9 +9,11 @@ namespace vantrel {
 /// The rows of the transfer queue, painted by QueueDelegate. A report of progress repaints its row and costs
 /// the same however long the queue is.
 ///
-/// Each row ends in a button that removes it. The keyboard is always on one of them, that of currentIndex():
-/// Tab enters at a row in sight, goes from row to row and leaves behind the last; the list's own keys go
-/// there, too. Space and Return press the button, and the mouse does without taking the keyboard along.
+/// Each row ends in a button that removes it; one that has ended without all of it has another, to try again
+/// or to keep both, which Left and Right change to and from. The keyboard is always on one of them, that of
+/// currentIndex(): Tab enters at a row in sight, goes from row to row and leaves behind the last; the list's
+/// own keys go there, too. Space and Return press the button, and the mouse does without taking the keyboard
+/// along.
 class QueueListView : public QListView {
     Q_OBJECT
 
@@ -31,8 +33,17 @@ public:
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                      const QList<int> &roles) override;
 
+    /// Where the action of a row lies, in the viewport; null where there is none.
+    [[nodiscard]] QRect actionRect(const QModelIndex &row) const;
+    /// Does what the action of a row does, if it has one.
+    void pressAction(const QModelIndex &row);
+    /// Whether the keyboard is on the action of its row, not on the remove button.
+    [[nodiscard]] bool isOnAction() const { return m_isOnAction; }
+
 Q_SIGNALS:
     void removeRequested(const QUuid &id);
+    void tryAgainRequested(const QUuid &id);
+    void keepBothRequested(const QUuid &id);
 
 protected:
     void rowsAboutToBeRemoved(const QModelIndex &parent, int first, int last) override;
@@ -49,7 +60,11 @@ private:
     /// The row whose remove button is at a place of the viewport.
     [[nodiscard]] QModelIndex removeButtonAt(const QPoint &place) const;
 
+    void setOnAction(bool isOnAction);
+
     QPersistentModelIndex m_pressed; ///< whose button the mouse holds down
+    bool m_isActionPressed = false;  ///< the action, not the remove button
+    bool m_isOnAction = false;
 };
 
 } // namespace vantrel

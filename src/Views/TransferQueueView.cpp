@@ -4,13 +4,17 @@
 #include "Kit/Card.h"
 #include "Kit/IconButton.h"
 #include "Kit/TextLabel.h"
+#include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
+#include "Transfers/TransferQueue.h"
 #include "Views/QueueListView.h"
 
+#include <QProgressBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
@@ -19,6 +23,9 @@ namespace {
 constexpr int bodyGap = 8;
 constexpr int hintPadding = 14;
 constexpr double cardRadius = 10;
+constexpr int barHeight = 5;
+constexpr int barWidth = 120;
+constexpr int barSteps = 10 * barWidth;
 
 } // namespace
 
@@ -32,21 +39,34 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     m_note = new TextLabel({10.5, Weight::medium}, AppTheme::inkTertiary(), m_header);
     m_note->setObjectName(QStringLiteral("queue.note"));
     m_note->setText(QStringLiteral("Copy only — originals are kept"));
-    m_clear = new IconButton({24, 24}, 6, m_header);
-    m_clear->setObjectName(QStringLiteral("queue.clear"));
-    m_clear->setHelp(QStringLiteral("Clear all transfers from the queue"));
-    m_clear->setLook({.symbol = {QStringLiteral("trash"), 11, Weight::semibold},
-                      .glyph = AppTheme::inkSecondary(),
-                      .fill = AppTheme::surface(),
-                      .stroke = AppTheme::stroke()});
+    m_figures = new TextLabel({11, Weight::medium}, AppTheme::inkSecondary(), m_header);
+    m_figures->setObjectName(QStringLiteral("queue.figures"));
+    m_bar = new QProgressBar(m_header);
+    m_bar->setObjectName(QStringLiteral("queue.bar"));
+    m_bar->setAccessibleName(QStringLiteral("Progress of all copies"));
+    m_bar->setRange(0, barSteps);
+    m_bar->setFixedSize(barWidth, barHeight);
+    m_tryAll = makeButton("queue.tryAll", QStringLiteral("arrow.clockwise"), QStringLiteral("Try all again"));
+    m_keepAll = makeButton("queue.keepAll", QStringLiteral("doc.on.doc"),
+                           QStringLiteral("Keep both wherever another content is already there"));
+    m_pause = makeButton("queue.pause", QStringLiteral("pause.fill"), QStringLiteral("Pause"));
+    m_clear = makeButton("queue.clear", QStringLiteral("trash"),
+                         QStringLiteral("Clear all transfers from the queue"));
+    connect(m_tryAll, &QAbstractButton::clicked, state, &AppState::tryAllAgain);
+    connect(m_keepAll, &QAbstractButton::clicked, state, &AppState::keepAllBoth);
+    connect(m_pause, &QAbstractButton::clicked, state,
+            [state] { state->isPaused() ? state->resumeTransfers() : state->pauseTransfers(); });
     connect(m_clear, &QAbstractButton::clicked, state, &AppState::clearQueue);
     auto *header = new QHBoxLayout(m_header);
     header->setContentsMargins({});
     header->setSpacing(10);
     header->addWidget(title);
+    header->addWidget(m_figures);
+    header->addWidget(m_bar);
     header->addStretch();
     header->addWidget(m_note);
-    header->addWidget(m_clear);
+    for (QWidget *button : {m_tryAll, m_keepAll, m_pause, m_clear})
+        header->addWidget(button);
 
     m_card = new Card(cardRadius, this);
     m_card->setObjectName(QStringLiteral("queue.card"));
@@ -59,6 +79,8 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     padding->addWidget(hint);
     m_list = new QueueListView(state->queueModel(), cardRadius, m_card);
     connect(m_list, &QueueListView::removeRequested, state, &AppState::removeQueueItem);
+    connect(m_list, &QueueListView::tryAgainRequested, state, &AppState::tryAgain);
+    connect(m_list, &QueueListView::keepBothRequested, state, &AppState::keepBoth);
     auto *card = new QVBoxLayout(m_card);
     card->setContentsMargins({});
     card->setSpacing(0);
@@ -71,8 +93,8 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     stack->addWidget(m_header);
     stack->addWidget(m_card, 1);
 
-    m_rendering.watch(state->queueModel(), &QAbstractItemModel::rowsInserted,
-                      &QAbstractItemModel::rowsRemoved);
+    m_rendering.watch(state, &AppState::queueChanged, &AppState::isPausedChanged,
+                      &AppState::isTransferringChanged);
     m_rendering.renderNow();
 }
 
@@ -80,9 +102,52 @@ void TransferQueueView::render() {
     const qsizetype count = m_state->queue().size();
     m_note->setVisible(count > 0);
     m_clear->setVisible(count > 0);
+    renderFigures();
+    renderPause();
+    m_tryAll->setVisible(m_state->transferQueue().failedCount() > 0);
+    m_keepAll->setVisible(m_state->transferQueue().nameTakenCount() > 0);
     m_hint->setVisible(count == 0);
     m_list->setVisible(count > 0);
-    updateGeometry();
+    if (std::exchange(m_shownCount, count) != count)
+        updateGeometry();
+}
+
+/// "312 of 2,000 · 4.1 of 12 GB"
+void TransferQueueView::renderFigures() {
+    const TransferQueue &queue = m_state->transferQueue();
+    const qsizetype count = queue.items().size();
+    m_figures->setVisible(count > 1);
+    m_bar->setVisible(count > 1);
+    if (count < 2)
+        return;
+    QString text = QStringLiteral("%L1 of %L2").arg(queue.completedCount()).arg(count);
+    if (queue.totalBytes() > 0)
+        text += QStringLiteral(" · %1 of %2")
+                    .arg(formatFileSize(queue.doneBytes()), formatFileSize(queue.totalBytes()));
+    m_figures->setText(text);
+    const double total = std::max(static_cast<double>(queue.totalBytes()), 1.0);
+    m_bar->setValue(static_cast<int>(barSteps * (static_cast<double>(queue.doneBytes()) / total)));
+}
+
+void TransferQueueView::renderPause() {
+    const bool isPaused = m_state->isPaused();
+    m_pause->setVisible(isPaused || m_state->isTransferring() || m_state->waitingCount() > 0);
+    m_pause->setHelp(isPaused ? QStringLiteral("Resume all transfers")
+                              : QStringLiteral("Pause all transfers"));
+    IconButton::Look look = m_pause->look();
+    look.symbol.name = isPaused ? QStringLiteral("play.fill") : QStringLiteral("pause.fill");
+    m_pause->setLook(look);
+}
+
+IconButton *TransferQueueView::makeButton(const char *name, const QString &symbol, const QString &help) {
+    auto *button = new IconButton({24, 24}, 6, m_header);
+    button->setObjectName(QLatin1String(name));
+    button->setHelp(help);
+    button->setLook({.symbol = {symbol, 11, Weight::semibold},
+                     .glyph = AppTheme::inkSecondary(),
+                     .fill = AppTheme::surface(),
+                     .stroke = AppTheme::stroke()});
+    return button;
 }
 
 int TransferQueueView::heightAround(int bodyHeight) const {

@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+class QProgressBar;
+
 namespace vantrel {
 
 class AppState;
@@ -26,17 +28,26 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 private:
+    [[nodiscard]] IconButton *makeButton(const char *name, const QString &symbol, const QString &help);
     void render();
+    void renderFigures();
+    void renderPause();
     /// The panel's height when its body is that high.
     [[nodiscard]] int heightAround(int bodyHeight) const;
 
     AppState *m_state;
     QWidget *m_header;
+    TextLabel *m_figures;
+    QProgressBar *m_bar;
     TextLabel *m_note;
+    IconButton *m_tryAll;
+    IconButton *m_keepAll;
+    IconButton *m_pause;
     IconButton *m_clear;
     Card *m_card;
     QWidget *m_hint;
     QueueListView *m_list;
+    qsizetype m_shownCount = -1; ///< of entries, when the layout was last asked for
     RenderScheduler m_rendering{[this] { render(); }};
 };
 

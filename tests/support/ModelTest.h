@@ -74,8 +74,12 @@ protected:
     [[nodiscard]] QString copyOrder() const {
         QStringList list;
         for (const QStringList &line : phone.commandLines()) {
-            if (line.contains(QStringLiteral("pull")) || line.contains(QStringLiteral("push")))
-                list.append(QFileInfo(line.last()).fileName());
+            const bool isPull = line.value(2) == QStringLiteral("pull");
+            if (!isPull && line.value(2) != QStringLiteral("push"))
+                continue;
+            const QStringList sources = line.mid(isPull ? 4 : 3); // behind "pull -a" or "push"
+            for (const QString &source : sources.mid(0, sources.size() - 1))
+                list.append(QFileInfo(source).fileName());
         }
         return list.join(QString());
     }

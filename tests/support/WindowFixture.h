@@ -97,7 +97,7 @@ protected:
         for (int i = 0; i < count; ++i)
             listing += "-rw-rw---- 1 root sdcard_rw 5 2024-05-01 10:00 Ghost " + QByteArray::number(i) + '\n';
         phone.set(QStringLiteral("ls.stdout"), listing);
-        phone.set(QStringLiteral("pull.hang"), "on");
+        phone.set(QStringLiteral("facts.hang"), "on"); // what a copy asks first
         queueListed();
     }
     void waitForQueue() {

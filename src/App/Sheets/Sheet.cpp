@@ -4,6 +4,7 @@
 #include "Kit/WindowFrame.h"
 #include "Theme/AppTheme.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPushButton>

@@ -1,0 +1,303 @@
+#include "ADB/PhoneCopies.h"
+
+#include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
+#include "ADB/BatchText.h"
+#include "ADB/PseudoTerminal.h"
+#include "ADB/ToolRun.h"
+#include "ADB/ToolText.h"
+#include "ADB/TreeText.h"
+
+#include <QMap>
+
+#include <algorithm>
+
+namespace vantrel::ADBClient {
+
+namespace {
+
+constexpr std::chrono::milliseconds waitStep{120};
+/// A line for the phone's shell is one argument of adb, of which Linux allows 128 KB.
+constexpr qsizetype longestLine = 48'000;
+
+ADBError failure(const QString &text) {
+    return ADBError::executionFailed(text);
+}
+
+/// What a shell line has printed; its errors do not make it fail.
+struct ShellAnswer {
+    QByteArray output;
+    QString errors;
+};
+
+QString quoted(const QString &path) {
+    return AndroidPath::quotedForShell(path);
+}
+
+/// Runs a line that ends by printing answerEnd: an answer without it is none.
+ADBResult<ShellAnswer> runShell(const QString &serial, const QString &line, const std::stop_token &stop) {
+    constexpr qsizetype largestAnswer = 512'000'000;
+    const auto tool = resolveADBPath();
+    if (!tool)
+        return tl::make_unexpected(ADBError::adbNotFound());
+    ToolRun run(*tool,
+                {QStringLiteral("-s"), serial, QStringLiteral("shell"), line + QStringLiteral("; echo end")},
+                augmentedEnvironment());
+    run.stopWith(stop);
+    if (const auto started = run.start(); !started)
+        return tl::make_unexpected(started.error());
+    ShellAnswer answer;
+    QByteArray errors;
+    for (bool isRunning = true; isRunning;) {
+        isRunning = run.isRunningAfter(waitStep);
+        answer.output += run.takeStandardOutput();
+        errors += run.takeStandardError();
+        if (answer.output.size() + errors.size() > largestAnswer)
+            return tl::make_unexpected(failure(
+                QStringLiteral("The phone’s answer was longer than 512 MB and was not read to its end.")));
+    }
+    answer.errors = ToolText::reason(QString::fromUtf8(errors)).text;
+    if (run.wasStopped())
+        return tl::make_unexpected(failure(QStringLiteral("The copy was stopped.")));
+    if (!run.succeeded())
+        return tl::make_unexpected(failure(answer.errors.isEmpty()
+                                               ? QStringLiteral("adb exited with %1").arg(run.exitStatus())
+                                               : answer.errors));
+    if (!answer.output.endsWith(answerEnd))
+        return tl::make_unexpected(
+            ADBError::parseFailed(QStringLiteral("The phone’s answer could not be understood. Try again.")));
+    return answer;
+}
+
+ADBError unreadableAnswer() {
+    return ADBError::parseFailed(QStringLiteral("The phone’s answer could not be understood. Try again."));
+}
+
+/// The reason at the end of a tool's complaint: what stands behind its last ": ".
+QString reasonOf(const QString &complaint) {
+    const qsizetype colon = complaint.lastIndexOf(QLatin1String(": "));
+    return colon < 0 ? complaint : complaint.mid(colon + 2);
+}
+
+/// Calls `use` with as many words as one line holds, until all were given.
+template <class Use>
+ADBResult<void> forEachLine(const QStringList &words, Use use) {
+    for (qsizetype first = 0; first < words.size();) {
+        qsizetype end = first;
+        qsizetype bytes = 0;
+        while (end < words.size() && (end == first || bytes + words.at(end).size() * 3 < longestLine))
+            bytes += words.at(end++).toUtf8().size() + 1;
+        if (const ADBResult<void> done = use(words.mid(first, end - first)); !done)
+            return done;
+        first = end;
+    }
+    return {};
+}
+
+QStringList quotedAll(const QStringList &paths) {
+    QStringList words;
+    for (const QString &path : paths)
+        words.append(quoted(path));
+    return words;
+}
+
+QProcessEnvironment terminalEnvironment() {
+    QProcessEnvironment environment = augmentedEnvironment();
+    environment.insert(QStringLiteral("TERM"), QStringLiteral("xterm"));
+    return environment;
+}
+
+bool isGone(const QString &serial) {
+    const auto serials = listDeviceSerials();
+    return serials && !serials->contains(serial); // what cannot be asked is not known to be gone
+}
+
+} // namespace
+
+ADBResult<FileTree> fetchTree(const QString &serial, const QString &path, const std::stop_token &stop) {
+    const auto answer = runShell(
+        serial, QStringLiteral("find -H %1 -printf '%2'").arg(quoted(path), QString::fromLatin1(treeFormat)),
+        stop);
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    auto tree = parseTree(answer->output);
+    if (!tree)
+        return tl::make_unexpected(unreadableAnswer());
+    tree->unreadable += parseFindComplaints(answer->errors, path);
+    if (tree->entries.isEmpty() && !answer->errors.isEmpty()) {
+        if (!answer->errors.endsWith(QLatin1String("No such file or directory")))
+            return tl::make_unexpected(failure(answer->errors));
+        tree->unreadable.clear();
+    }
+    return *tree;
+}
+
+ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QStringList &paths,
+                                                const std::stop_token &stop) {
+    QHash<QString, TreeEntry> facts;
+    const auto asked = forEachLine(quotedAll(paths), [&](const QStringList &words) -> ADBResult<void> {
+        const auto answer = runShell(serial,
+                                     QStringLiteral("find -H ") % words.join(QLatin1Char(' ')) %
+                                         QStringLiteral(" -maxdepth 0 -printf '") %
+                                         QString::fromLatin1(factsFormat) % QLatin1Char('\''),
+                                     stop);
+        if (!answer)
+            return tl::make_unexpected(answer.error());
+        const auto parsed = parseFacts(answer->output);
+        if (!parsed)
+            return tl::make_unexpected(unreadableAnswer());
+        facts.insert(*parsed);
+        return {};
+    });
+    if (!asked)
+        return tl::make_unexpected(asked.error());
+    return facts;
+}
+
+ADBResult<QStringList> namesBeginningWith(const QString &serial, const QString &folder, const QString &prefix,
+                                          const std::stop_token &stop) {
+    const auto answer =
+        runShell(serial,
+                 QStringLiteral("find ") % quoted(AndroidPath::join(folder, QString())) %
+                     QStringLiteral(" -maxdepth 1 -name '") % prefix % QStringLiteral("*' -printf '") %
+                     QString::fromLatin1(treeFormat) % QLatin1Char('\''),
+                 stop);
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    const auto facts = parseFacts(answer->output); // the format of a tree: paths below the folder
+    return facts ? ADBResult<QStringList>(facts->keys()) : tl::make_unexpected(unreadableAnswer());
+}
+
+ADBResult<void> makeFolder(const QString &serial, const QString &path, const std::stop_token &stop) {
+    const auto answer = runShell(serial, QStringLiteral("mkdir ") + quoted(path), stop);
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    if (!answer->errors.isEmpty())
+        return tl::make_unexpected(failure(reasonOf(answer->errors)));
+    return {};
+}
+
+ADBResult<void> makeFolders(const QString &serial, const QStringList &paths, const std::stop_token &stop) {
+    return forEachLine(quotedAll(paths), [&](const QStringList &words) -> ADBResult<void> {
+        const auto answer =
+            runShell(serial, QStringLiteral("mkdir -p ") + words.join(QLatin1Char(' ')), stop);
+        if (!answer)
+            return tl::make_unexpected(answer.error());
+        return {};
+    });
+}
+
+ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<PhoneMove> &moves,
+                                             const QString &stagingFolder, const std::stop_token &stop) {
+    // Files that keep their names go into their folder with one command, since each costs a process.
+    QMap<QString, QStringList> byFolder;
+    QStringList commands;
+    for (const PhoneMove &move : moves) {
+        const QString name = AndroidPath::lastComponent(move.to);
+        if (name == AndroidPath::lastComponent(move.from))
+            byFolder[move.to.chopped(name.size())].append(move.from);
+        else
+            commands.append(QStringLiteral("mv -nT ") % quoted(move.from) % QLatin1Char(' ') %
+                            quoted(move.to));
+    }
+    for (auto folder = byFolder.cbegin(); folder != byFolder.cend(); ++folder) {
+        [[maybe_unused]] const auto added =
+            forEachLine(quotedAll(folder.value()), [&](const QStringList &words) -> ADBResult<void> {
+                commands.append(QStringLiteral("mv -n ") % words.join(QLatin1Char(' ')) % QLatin1Char(' ') %
+                                quoted(folder.key()));
+                return {};
+            });
+    }
+    QString complaints;
+    if (const auto moved = forEachLine(commands,
+                                       [&](const QStringList &lines) -> ADBResult<void> {
+                                           const auto answer =
+                                               runShell(serial, lines.join(QStringLiteral("; ")), stop);
+                                           if (!answer)
+                                               return tl::make_unexpected(answer.error());
+                                           complaints += answer->errors % QLatin1Char('\n');
+                                           return {};
+                                       });
+        !moved)
+        return tl::make_unexpected(moved.error());
+
+    const auto left = fetchTree(serial, stagingFolder, stop);
+    if (!left)
+        return tl::make_unexpected(left.error());
+    QHash<QString, QString> unmoved;
+    for (const TreeEntry &entry : left->entries) {
+        if (entry.kind != TreeEntry::Kind::file)
+            continue;
+        const QString path = AndroidPath::join(stagingFolder, entry.path);
+        QString reason;
+        for (const QStringView line : ToolText::lines(complaints)) {
+            if (line.contains(QString(QLatin1Char('\'') % path % QLatin1Char('\''))))
+                reason = reasonOf(line.toString());
+        }
+        unmoved.insert(path, reason);
+    }
+    return unmoved;
+}
+
+ADBResult<void> removeFolder(const QString &serial, const QString &path) {
+    const auto answer = runShell(serial, QStringLiteral("rm -rf ") + quoted(path), {});
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    return {};
+}
+
+ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &serial,
+                                 const QStringList &sources, const QString &folder,
+                                 const std::stop_token &stop, const BatchProgress &onProgress) {
+    const auto tool = resolveADBPath();
+    if (!tool)
+        return tl::make_unexpected(ADBError::adbNotFound());
+    QStringList arguments{QStringLiteral("-s"), serial};
+    if (direction == TransferDirection::androidToMac)
+        arguments += {QStringLiteral("pull"), QStringLiteral("-a")};
+    else
+        arguments += QStringLiteral("push");
+    arguments += sources;
+    arguments += folder;
+
+    BatchOutput output;
+    QByteArray errors;
+    PseudoTerminal terminal;
+    ToolRun run(*tool, arguments, terminalEnvironment());
+    run.useTerminal(terminal);
+    run.stopWith(stop);
+    if (const auto started = run.start(); !started)
+        return tl::make_unexpected(started.error());
+    terminal.startReading([&](const QByteArray &bytes) {
+        if (output.feed(bytes) && onProgress)
+            onProgress(output.endedFiles(), output.fractionOfNext());
+    });
+    bool isRunning = true;
+    while (isRunning) {
+        isRunning = run.isRunningAfter(waitStep);
+        constexpr qsizetype kept = 65'536;
+        errors += run.takeStandardError();
+        errors = errors.right(kept);
+    }
+    terminal.finishReading();
+
+    if (run.wasStopped())
+        return tl::make_unexpected(failure(QStringLiteral("The copy was stopped.")));
+    if (run.succeeded())
+        return output.errors();
+    if (isGone(serial))
+        return tl::make_unexpected(failure(QStringLiteral("The phone was disconnected during the copy.")));
+    const QStringList lines = output.errors();
+    const auto noPhone = std::find_if(lines.begin(), lines.end(), [](const QString &line) {
+        return line.contains(QLatin1String("failed to get feature set"));
+    });
+    if (noPhone != lines.end()) // and back by now
+        return tl::make_unexpected(failure(*noPhone));
+    if (!lines.isEmpty())
+        return lines;
+    const QString message = ToolText::reason(ToolText::decode(errors)).text;
+    return tl::make_unexpected(
+        failure(message.isEmpty() ? QStringLiteral("adb exited with %1").arg(run.exitStatus()) : message));
+}
+
+} // namespace vantrel::ADBClient

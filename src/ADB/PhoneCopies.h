@@ -1,0 +1,65 @@
+#pragma once
+
+#include "ADB/ADBError.h"
+#include "Records/FileTree.h"
+#include "Records/QueueItem.h"
+
+#include <QHash>
+#include <QStringList>
+
+#include <functional>
+#include <stop_token>
+
+/// What a copy asks of the phone. Everything blocks, is stateless and belongs on a worker; a request to stop
+/// ends it within 0.12 s. Nothing here replaces or deletes what the program has not written itself.
+namespace vantrel::ADBClient {
+
+/// What stands at the path and below it: one run of adb, however large the tree. A link at the path itself is
+/// followed, links below are not. An empty tree when nothing stands there; an error when the phone does not
+/// say so.
+[[nodiscard]] ADBResult<FileTree> fetchTree(const QString &serial, const QString &path,
+                                            const std::stop_token &stop);
+/// What stands at each path; paths where nothing stands are missing. Links are followed where they lead
+/// somewhere. A run of adb for every 48 KB of paths.
+[[nodiscard]] ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QStringList &paths,
+                                                              const std::stop_token &stop);
+/// The names in a folder that bear a mark: that begin with `prefix`, which holds letters, digits, "." and
+/// "-".
+[[nodiscard]] ADBResult<QStringList> namesBeginningWith(const QString &serial, const QString &folder,
+                                                        const QString &prefix, const std::stop_token &stop);
+
+/// Makes the folder, whose parent must be there; fails with the phone's own reason ("Permission denied").
+[[nodiscard]] ADBResult<void> makeFolder(const QString &serial, const QString &path,
+                                         const std::stop_token &stop);
+/// Makes each folder and those above it; one that is there already is left as it is. Whether each could be
+/// made shows where files are put into it.
+[[nodiscard]] ADBResult<void> makeFolders(const QString &serial, const QStringList &paths,
+                                          const std::stop_token &stop);
+
+/// From where to where one file is moved on the phone.
+struct PhoneMove {
+    QString from;
+    QString to;
+};
+/// Moves files within one volume, none over anything that is there: `mv -n`, which looks right before it
+/// renames. Gives what did not move: source to the phone's complaint, which is empty where the name was
+/// taken.
+[[nodiscard]] ADBResult<QHash<QString, QString>> moveFiles(const QString &serial,
+                                                           const QList<PhoneMove> &moves,
+                                                           const QString &stagingFolder,
+                                                           const std::stop_token &stop);
+/// Removes a folder that the program made, with everything in it. Its last component must bear the program's
+/// mark, which the caller has checked.
+ADBResult<void> removeFolder(const QString &serial, const QString &path);
+
+/// How far a batch has come: so many files have ended, the next is through by this fraction. Called on a
+/// background thread.
+using BatchProgress = std::function<void(int endedFiles, double fractionOfNext)>;
+/// One adb push or pull of several files into a folder that is there. A file that fails does not end the
+/// batch. Gives adb's error lines: what arrived is for the caller to look at. An error when adb could not be
+/// run to its end, when it was stopped, or when the phone left.
+[[nodiscard]] ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &serial,
+                                               const QStringList &sources, const QString &folder,
+                                               const std::stop_token &stop, const BatchProgress &onProgress);
+
+} // namespace vantrel::ADBClient

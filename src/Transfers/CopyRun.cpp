@@ -1,0 +1,722 @@
+#include "Transfers/CopyRun.h"
+
+#include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
+#include "ADB/PhoneCopies.h"
+#include "Records/TransferFormat.h"
+#include "Transfers/LocalStaging.h"
+#include "Transfers/StagedName.h"
+
+#include <QFile>
+#include <QSet>
+
+#include <algorithm>
+#include <limits>
+#include <mutex>
+#include <sys/stat.h>
+
+namespace vantrel {
+
+namespace {
+
+/// FAT keeps times in steps of two seconds.
+constexpr qint64 timeTolerance = 2;
+
+/// One file that is missing on the other side.
+struct PlannedFile {
+    qsizetype entry = 0;
+    QString source;
+    QString destination;
+    QString shownPath; ///< below the entry; its name for a single file
+    qint64 sizeBytes = 0;
+    qint64 modified = 0;
+};
+
+bool isSameContent(const TreeEntry &there, qint64 sizeBytes, qint64 modified) {
+    return there.kind == TreeEntry::Kind::file && there.sizeBytes == sizeBytes &&
+           there.modified <= modified + timeTolerance && modified <= there.modified + timeTolerance;
+}
+
+/// The sum of two sizes; as much as 64 bits hold, since a phone may claim any size.
+qint64 sum(qint64 a, qint64 b) {
+    return b > std::numeric_limits<qint64>::max() - a ? std::numeric_limits<qint64>::max() : a + b;
+}
+
+QString parentOf(const QString &path) {
+    const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
+    return slash <= 0 ? QStringLiteral("/") : path.left(slash);
+}
+
+QString below(const QString &root, const QString &path) {
+    return path.isEmpty() ? root : AndroidPath::join(root, path);
+}
+
+/// The folders that were swept. Once per run of the program is enough: what is swept are the remains of
+/// programs that have ended. Any thread.
+class SweptFolders {
+public:
+    /// Whether the folder has not been visited before.
+    [[nodiscard]] bool visit(const QString &place) {
+        const std::scoped_lock lock(m_guard);
+        const bool isFirst = !m_places.contains(place);
+        m_places.insert(place);
+        return isFirst;
+    }
+    /// Something had to be left there.
+    void forget(const QString &place) {
+        const std::scoped_lock lock(m_guard);
+        m_places.remove(place);
+    }
+
+private:
+    std::mutex m_guard;
+    QSet<QString> m_places;
+};
+
+SweptFolders &sweptFolders() {
+    static SweptFolders folders;
+    return folders;
+}
+
+/// Whether adb's reason is that the phone is not there; it may be back by now.
+bool speaksOfAbsence(const QString &reason) {
+    const QLatin1String reasons[] = {QLatin1String("device '"),
+                                     QLatin1String("device offline"),
+                                     QLatin1String("device unauthorized"),
+                                     QLatin1String("device still "),
+                                     QLatin1String("no devices/emulators found"),
+                                     QLatin1String("The phone was disconnected")};
+    return std::any_of(std::begin(reasons), std::end(reasons),
+                       [&](QLatin1String known) { return reason.contains(known); });
+}
+
+class CopyRun {
+public:
+    CopyRun(const CopyJob &job, const CopyWatcher &watcher, std::stop_token stop)
+        : m_job(job), m_watcher(watcher), m_stop(std::move(stop)), m_states(job.entries.size()) {}
+
+    void run() {
+        sweep();
+        readSources();
+        readDestinations();
+        plan();
+        makeFolders();
+        copyMissing();
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry)
+            end(entry);
+    }
+
+private:
+    /// What is known of one entry.
+    struct State {
+        FileTree source;
+        CopyReport report;
+        QueueItemStatus::Progress progress;
+        qsizetype filesLeft = 0; ///< planned files that have not ended
+        qint64 stagedBytes = 0;  ///< through, but without their names
+        qsizetype stagedFiles = 0;
+        bool hasEnded = false;
+    };
+
+    [[nodiscard]] bool isPull() const { return m_job.direction == TransferDirection::androidToMac; }
+    [[nodiscard]] bool isWanted(qsizetype entry) const {
+        return !m_watcher.isWanted || m_watcher.isWanted(m_job.entries.at(entry).id);
+    }
+    [[nodiscard]] bool isGivenUp(qsizetype entry) const {
+        return m_states.at(entry).hasEnded || m_stop.stop_requested() || !isWanted(entry);
+    }
+
+    void end(qsizetype entry) {
+        State &state = m_states[entry];
+        if (state.hasEnded)
+            return;
+        state.hasEnded = true;
+        if (m_watcher.onEnd && isWanted(entry))
+            m_watcher.onEnd(m_job.entries.at(entry).id, state.report);
+    }
+    void fail(qsizetype entry, const QString &message) {
+        if (m_states.at(entry).hasEnded)
+            return;
+        m_states[entry].report.failure = message;
+        m_states[entry].report.isPhoneGone = m_isPhoneGone;
+        m_states[entry].report.wasStopped = m_stop.stop_requested();
+        end(entry);
+    }
+    /// The phone or its tool ended it for all.
+    void failAll(const ADBError &error) {
+        const auto serials = ADBClient::listDeviceSerials();
+        m_isPhoneGone =
+            speaksOfAbsence(error.errorDescription()) ||
+            (serials && !serials->contains(m_job.serial)); // what cannot be asked is not known to be gone
+        failAll(error.errorDescription());
+    }
+    void failAll(const QString &message) {
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry)
+            fail(entry, message);
+    }
+
+    // -- Looking
+
+    /// The folder that is written into, with the phone that it is on.
+    [[nodiscard]] QString place() const {
+        return isPull() ? m_job.folder : QString(m_job.serial % QLatin1Char(':') % m_job.folder);
+    }
+
+    /// Removes what programs that died have left in the folder that is to be written into.
+    void sweep() const {
+        if (!sweptFolders().visit(place()))
+            return;
+        if (isPull()) {
+            LocalFiles::sweep(m_job.folder);
+            return;
+        }
+        const auto names =
+            ADBClient::namesBeginningWith(m_job.serial, m_job.folder, StagedName::prefix(), m_stop);
+        if (!names)
+            return; // the phone says why at the next question
+        for (const QString &path : *names) {
+            const QString name = AndroidPath::lastComponent(path);
+            if (StagedName::isLeftOver(name))
+                ADBClient::removeFolder(m_job.serial, AndroidPath::join(m_job.folder, name));
+        }
+    }
+
+    void readSources() {
+        QStringList single;
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            const QueueItem &copied = m_job.entries.at(entry);
+            if (!isPull())
+                m_states[entry].source = LocalFiles::readTree(copied.sourcePath);
+            else if (copied.isDirectory)
+                readPhoneTree(entry);
+            else
+                single.append(copied.sourcePath);
+        }
+        if (single.isEmpty())
+            return;
+        const auto facts = ADBClient::fetchFacts(m_job.serial, single, m_stop);
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            const QueueItem &copied = m_job.entries.at(entry);
+            if (copied.isDirectory)
+                continue;
+            if (!facts)
+                return failAll(facts.error());
+            else if (const auto found = facts->constFind(copied.sourcePath); found != facts->constEnd())
+                found->kind == TreeEntry::Kind::folder
+                    ? readPhoneTree(entry)
+                    : m_states[entry].source.entries.append(
+                          {{}, found->kind, found->sizeBytes, found->modified});
+        }
+    }
+
+    void readPhoneTree(qsizetype entry) {
+        auto tree = ADBClient::fetchTree(m_job.serial, m_job.entries.at(entry).sourcePath, m_stop);
+        if (tree)
+            m_states[entry].source = std::move(*tree);
+        else
+            failAll(tree.error());
+    }
+
+    /// The phone is asked at once for all that stands there; this computer is looked at file by file.
+    void readDestinations() {
+        if (isPull())
+            return;
+        constexpr int numbersToTry = 20;
+        QStringList single;
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            const QueueItem &copied = m_job.entries.at(entry);
+            if (m_states.at(entry).source.entries.isEmpty() || m_states.at(entry).hasEnded)
+                continue;
+            const bool isFolder = m_states.at(entry).source.entries.first().kind == TreeEntry::Kind::folder;
+            if (isFolder) {
+                const auto tree = ADBClient::fetchTree(m_job.serial, copied.destinationPath, m_stop);
+                if (!tree)
+                    return failAll(tree.error());
+                for (const TreeEntry &found : tree->entries)
+                    m_there.insert(below(copied.destinationPath, found.path), found);
+            } else {
+                single.append(copied.destinationPath);
+            }
+            for (int number = 2; copied.whenTaken == WhenTaken::keepBoth && number <= numbersToTry; ++number)
+                single.append(AndroidPath::join(
+                    m_job.folder, numberedName(AndroidPath::lastComponent(copied.destinationPath), number)));
+        }
+        if (single.isEmpty())
+            return;
+        const auto facts = ADBClient::fetchFacts(m_job.serial, single, m_stop);
+        if (!facts)
+            return failAll(facts.error());
+        for (auto fact = facts->cbegin(); fact != facts->cend(); ++fact)
+            m_there.insert(fact.key(), fact.value());
+    }
+
+    [[nodiscard]] std::optional<TreeEntry> lookAtDestination(const QString &path) const {
+        if (isPull())
+            return LocalFiles::look(path);
+        const auto found = m_there.constFind(path);
+        return found == m_there.constEnd() ? std::nullopt : std::optional(*found);
+    }
+
+    // -- Planning
+
+    void plan() {
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            State &state = m_states[entry];
+            if (state.hasEnded)
+                continue;
+            const QString name = AndroidPath::lastComponent(m_job.entries.at(entry).sourcePath);
+            if (state.source.entries.isEmpty())
+                fail(entry, QStringLiteral("“%1” is not there any more.").arg(name));
+            else if (state.source.entries.first().kind == TreeEntry::Kind::other)
+                fail(entry,
+                     QStringLiteral("“%1” is neither a file nor a folder and was not copied.").arg(name));
+            else
+                planEntry(entry);
+            state.source.entries.clear(); // a million of them would be a lot to keep
+        }
+    }
+
+    void planEntry(qsizetype entry) {
+        const QueueItem &copied = m_job.entries.at(entry);
+        State &state = m_states[entry];
+        state.report.leftOut = state.source.leftOut;
+        state.report.failed = state.source.unreadable;
+        state.report.fileCount = state.report.failed.size();
+        const bool isFolder = state.source.entries.first().kind == TreeEntry::Kind::folder;
+        QString root = copied.destinationPath;
+        if (isFolder) {
+            const auto there = lookAtDestination(root);
+            if (there && there->kind != TreeEntry::Kind::folder) {
+                if (copied.whenTaken == WhenTaken::ask) {
+                    state.report.fileCount = 1;
+                    state.report.taken.append({AndroidPath::lastComponent(root), takenReason()});
+                    return;
+                }
+                root = freeName(root);
+            }
+        }
+        QSet<QString> closed; // folders below which nothing can be put
+        for (const TreeEntry &found : std::as_const(state.source.entries)) {
+            const QString destination = below(root, found.path);
+            const QString shown =
+                found.path.isEmpty() ? AndroidPath::lastComponent(copied.sourcePath) : found.path;
+            const QString parent =
+                found.path.left(std::max<qsizetype>(found.path.lastIndexOf(QLatin1Char('/')), 0));
+            const bool isClosed = closed.contains(parent);
+            if (StagedName::isStaged(AndroidPath::lastComponent(destination)))
+                continue;
+            if (found.kind == TreeEntry::Kind::other) {
+                state.report.leftOut.append({shown, QStringLiteral("Neither a file nor a folder")});
+            } else if (found.kind == TreeEntry::Kind::folder) {
+                const auto there = lookAtDestination(destination);
+                if (isClosed || (there && there->kind != TreeEntry::Kind::folder))
+                    closed.insert(found.path);
+                else if (!there)
+                    m_folders.append({entry, {}, destination, found.path, 0, 0});
+            } else {
+                ++state.report.fileCount;
+                state.progress.totalBytes = sum(state.progress.totalBytes, found.sizeBytes);
+                if (isClosed)
+                    state.report.failed.append(
+                        {shown, QStringLiteral("“%1” is no folder there").arg(parent)});
+                else
+                    planFile({entry, below(copied.sourcePath, found.path), destination, shown,
+                              found.sizeBytes, found.modified});
+            }
+        }
+        state.progress.fileCount = state.report.fileCount;
+        state.report.totalBytes = state.progress.totalBytes;
+        if (m_watcher.onProgress && m_job.entries.size() == 1) // one of several waits for its turn
+            m_watcher.onProgress(copied.id, state.progress);
+    }
+
+    /// Whether the file is missing, there already, or kept from its place by another content.
+    void planFile(PlannedFile file) {
+        State &state = m_states[file.entry];
+        const QString wanted = file.destination;
+        const bool keepsBoth = m_job.entries.at(file.entry).whenTaken == WhenTaken::keepBoth;
+        for (int number = 2;; ++number) {
+            const auto there = lookAtDestination(file.destination);
+            const bool isPlanned = m_planned.contains(file.destination);
+            if (!there && !isPlanned) {
+                // The first free name means that no copy of this content stands under the others.
+                if (file.destination != wanted && !keepsBoth)
+                    break;
+                m_planned.insert(file.destination);
+                ++state.filesLeft;
+                m_files.append(std::move(file));
+                return;
+            }
+            if (there && isSameContent(*there, file.sizeBytes, file.modified)) {
+                ++state.report.alreadyThere;
+                ++state.progress.files;
+                state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
+                return;
+            }
+            file.destination =
+                AndroidPath::join(parentOf(wanted), numberedName(AndroidPath::lastComponent(wanted), number));
+        }
+        state.report.taken.append({file.shownPath, takenReason()});
+    }
+
+    [[nodiscard]] QString freeName(const QString &path) const {
+        QString free = path;
+        for (int number = 2; lookAtDestination(free); ++number)
+            free = AndroidPath::join(parentOf(path), numberedName(AndroidPath::lastComponent(path), number));
+        return free;
+    }
+
+    static QString takenReason() { return QStringLiteral("Another content stands under this name"); }
+
+    // -- Copying
+
+    void makeFolders() {
+        if (isPull()) {
+            for (const PlannedFile &folder : std::as_const(m_folders)) {
+                if (isGivenUp(folder.entry))
+                    continue;
+                if (const auto made = LocalFiles::makeFolder(folder.destination); !made)
+                    m_states[folder.entry].report.failed.append(
+                        {folder.shownPath.isEmpty() ? AndroidPath::lastComponent(folder.destination)
+                                                    : folder.shownPath,
+                         QStringLiteral("This computer can’t make the folder: ") + made.error()});
+            }
+            return;
+        }
+        QStringList paths;
+        for (const PlannedFile &folder : std::as_const(m_folders))
+            paths.append(folder.destination);
+        if (paths.isEmpty() || m_stop.stop_requested())
+            return;
+        if (const auto made = ADBClient::makeFolders(m_job.serial, paths, m_stop); !made)
+            failAll(made.error());
+    }
+
+    void copyMissing() {
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            if (m_states.at(entry).filesLeft == 0) // what is there already ends at once
+                end(entry);
+        }
+        if (m_files.isEmpty())
+            return;
+        isPull() ? pullMissing() : pushMissing();
+        if (m_stop.stop_requested())
+            failAll(QStringLiteral("The copy was stopped."));
+    }
+
+    void pullMissing() {
+        const auto staging = LocalStaging::create(m_job.folder);
+        if (!staging)
+            return failAll(QStringLiteral("Can’t write into “%1”: %2")
+                               .arg(AndroidPath::lastComponent(m_job.folder), staging.error()));
+        while (!m_stop.stop_requested() && takeBatch()) {
+            const auto errors = copyBatch(staging->path());
+            if (!LocalFiles::look(m_job.folder))
+                return failAll(vanished());
+            for (const PlannedFile &file : std::as_const(m_batch)) {
+                const QString staged =
+                    AndroidPath::join(staging->path(), AndroidPath::lastComponent(file.source));
+                const auto arrived = LocalFiles::look(staged);
+                if (arrived && isSameContent(*arrived, file.sizeBytes, file.modified))
+                    takeName(file, staged, staging->newFileMode());
+                else if (errors)
+                    explain(file, arrived.has_value(), *errors);
+                QFile::remove(staged); // what was not placed is not whole or not wanted
+            }
+            if (!errors)
+                return failAll(errors.error());
+        }
+    }
+
+    void takeName(const PlannedFile &file, const QString &staged, mode_t mode) {
+        if (isGivenUp(file.entry))
+            return;
+        ::chmod(QFile::encodeName(staged).constData(), mode);
+        switch (LocalFiles::place(staged, file.destination)) {
+        case LocalFiles::Placing::placed:
+            return placed(file);
+        case LocalFiles::Placing::nameTaken:
+            return problem(file, &CopyReport::taken, takenReason());
+        case LocalFiles::Placing::failed:
+            return problem(file, &CopyReport::failed,
+                           QStringLiteral("This computer can’t write it: ") + qt_error_string(errno));
+        }
+    }
+
+    void pushMissing() {
+        const QString name = StagedName::make();
+        const QString staging = AndroidPath::join(m_job.folder, name);
+        if (const auto made = ADBClient::makeFolder(m_job.serial, staging, m_stop); !made) {
+            const QString reason = made.error().errorDescription();
+            StagedName::release(name);
+            if (speaksOfAbsence(reason))
+                return failAll(made.error());
+            return failAll(reason == QLatin1String("No such file or directory") ? vanished()
+                           : reason.contains(QLatin1String("ermission denied")) ||
+                                   reason.contains(QLatin1String("space left")) ||
+                                   reason.contains(QLatin1String("ead-only"))
+                               ? QStringLiteral("Can’t write into “%1” on the phone: %2")
+                                     .arg(AndroidPath::lastComponent(m_job.folder), reason)
+                               : reason);
+        }
+        while (!m_stop.stop_requested() && takeBatch()) {
+            if (const auto pushed = pushBatch(staging); !pushed) {
+                failAll(pushed.error());
+                break;
+            }
+        }
+        // A phone that is gone keeps it until the next copy into this folder.
+        if (!ADBClient::removeFolder(m_job.serial, staging))
+            sweptFolders().forget(place());
+        StagedName::release(name);
+    }
+
+    ADBResult<void> pushBatch(const QString &staging) {
+        const auto errors = copyBatch(staging);
+        if (!errors)
+            return tl::make_unexpected(errors.error());
+        const auto arrived = ADBClient::fetchTree(m_job.serial, staging, m_stop);
+        if (!arrived)
+            return tl::make_unexpected(arrived.error());
+        if (arrived->entries.isEmpty() || arrived->entries.first().kind != TreeEntry::Kind::folder)
+            return tl::make_unexpected(ADBError::executionFailed(vanished()));
+        QHash<QString, TreeEntry> byName;
+        for (const TreeEntry &entry : arrived->entries)
+            byName.insert(entry.path, entry);
+
+        QList<ADBClient::PhoneMove> moves;
+        QList<PlannedFile> moved;
+        for (const PlannedFile &file : std::as_const(m_batch)) {
+            const QString name = AndroidPath::lastComponent(file.source);
+            const auto there = byName.constFind(name);
+            const auto here = LocalFiles::look(file.source);
+            const bool isThere = there != byName.constEnd();
+            if (!isThere || !isSameContent(*there, file.sizeBytes, file.modified) ||
+                (here && here->kind == TreeEntry::Kind::file &&
+                 !isSameContent(*here, file.sizeBytes, file.modified))) {
+                explain(file, isThere, *errors);
+            } else if (!isGivenUp(file.entry)) {
+                moves.append({AndroidPath::join(staging, name), file.destination});
+                moved.append(file);
+            }
+        }
+        if (moves.isEmpty())
+            return {};
+        const auto unmoved = ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
+        if (!unmoved)
+            return tl::make_unexpected(unmoved.error());
+        for (qsizetype i = 0; i < moves.size(); ++i) {
+            const auto left = unmoved->constFind(moves.at(i).from);
+            if (left == unmoved->constEnd())
+                placed(moved.at(i));
+            else if (left->isEmpty())
+                problem(moved.at(i), &CopyReport::taken, takenReason());
+            else
+                problem(moved.at(i), &CopyReport::failed,
+                        QStringLiteral("The phone can’t write it: ") + *left);
+        }
+        return {};
+    }
+
+    /// Fills the batch with the next files that may be copied by one run of adb into one folder: no two of
+    /// one name, not more than the command line takes. False when none is left.
+    bool takeBatch() {
+        constexpr qsizetype mostFiles = 256;
+        constexpr qint64 mostBytes = 256'000'000; // what a killed program has to copy again
+        constexpr qsizetype mostPathBytes = 40'000;
+        m_batch.clear();
+        QSet<QString> names;
+        qint64 bytes = 0;
+        qsizetype pathBytes = 0;
+        QList<PlannedFile> sameName;
+        for (; m_nextFile < m_files.size() && m_batch.size() < mostFiles; ++m_nextFile) {
+            const PlannedFile &file = m_files.at(m_nextFile);
+            if (isGivenUp(file.entry))
+                continue;
+            const QString name = AndroidPath::lastComponent(file.source).toCaseFolded();
+            if (names.contains(name)) {
+                sameName.append(file);
+                continue;
+            }
+            bytes = sum(bytes, file.sizeBytes);
+            pathBytes += 4 * (file.source.size() + m_job.folder.size());
+            if (!m_batch.isEmpty() && (bytes > mostBytes || pathBytes > mostPathBytes))
+                break;
+            names.insert(name);
+            m_batch.append(file);
+        }
+        m_files += sameName;
+        return !m_batch.isEmpty();
+    }
+
+    ADBResult<QStringList> copyBatch(const QString &staging) {
+        QStringList sources;
+        for (const PlannedFile &file : std::as_const(m_batch))
+            sources.append(file.source);
+        int reported = 0;
+        const auto onProgress = [&](int ended, double fraction) {
+            const auto count = static_cast<int>(m_batch.size());
+            for (; reported < std::min(ended, count); ++reported) {
+                State &state = m_states[m_batch.at(reported).entry];
+                state.stagedBytes = sum(state.stagedBytes, m_batch.at(reported).sizeBytes);
+                ++state.stagedFiles;
+                report(m_batch.at(reported).entry, 0);
+            }
+            if (reported < count) {
+                const PlannedFile &next = m_batch.at(reported);
+                const qint64 partly = wholeBytes(fraction * static_cast<double>(next.sizeBytes));
+                report(next.entry, partly);
+            }
+        };
+        // A phone that leaves ends adb without a word. When it is back before it is missed, it is tried
+        // again.
+        constexpr int mostTries = 3;
+        ADBResult<QStringList> copied;
+        for (int tries = 0; tries < mostTries; ++tries) {
+            copied =
+                ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, m_stop, onProgress);
+            if (copied || copied.error().errorDescription() != QLatin1String("adb exited with 1"))
+                break;
+        }
+        for (const PlannedFile &file : std::as_const(m_batch)) {
+            m_states[file.entry].stagedBytes = 0;
+            m_states[file.entry].stagedFiles = 0;
+        }
+        return copied;
+    }
+
+    // -- Outcomes
+
+    /// Why a file of the batch is not to be used.
+    void explain(const PlannedFile &file, bool hasArrived, const QStringList &errors) {
+        QString reason;
+        for (const QString &error : errors) {
+            if (m_batch.size() == 1 ||
+                error.contains(QString(QLatin1Char('\'') % file.source % QLatin1Char('\''))))
+                reason = explainedCopyError(error);
+            if (error.contains(QLatin1String("No space left on device")))
+                return failAll(isPull() ? QStringLiteral("The disk of this computer is full.")
+                                        : QStringLiteral("The phone’s storage is full."));
+        }
+        if (reason.isEmpty())
+            reason = hasArrived ? QStringLiteral("It was changed while it was copied.")
+                                : QStringLiteral("It did not arrive.");
+        problem(file, &CopyReport::failed, reason);
+    }
+
+    void placed(const PlannedFile &file) {
+        State &state = m_states[file.entry];
+        ++state.report.copied;
+        ++state.progress.files;
+        state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
+        fileEnded(file.entry);
+    }
+    void problem(const PlannedFile &file, QList<CopyProblem> CopyReport::*list, const QString &reason) {
+        (m_states[file.entry].report.*list).append({file.shownPath, reason});
+        fileEnded(file.entry);
+    }
+    void fileEnded(qsizetype entry) {
+        if (--m_states[entry].filesLeft == 0)
+            end(entry);
+    }
+
+    /// Tells how far an entry has come; `underWay` bytes of its next file are through.
+    void report(qsizetype entry, qint64 underWay) {
+        constexpr double highest = 0.99;
+        constexpr double step = 0.001;
+        State &state = m_states[entry];
+        if (state.hasEnded || !m_watcher.onProgress)
+            return;
+        QueueItemStatus::Progress now = state.progress;
+        now.transferredBytes =
+            std::min(sum(sum(now.transferredBytes, state.stagedBytes), underWay), now.totalBytes);
+        now.files += state.stagedFiles;
+        now.fraction = now.totalBytes > 0 ? std::min(highest, static_cast<double>(now.transferredBytes) /
+                                                                  static_cast<double>(now.totalBytes))
+                                          : 0;
+        if (now.fraction <= state.progress.fraction + step)
+            return;
+        state.progress.fraction = now.fraction;
+        m_watcher.onProgress(m_job.entries.at(entry).id, now);
+    }
+
+    [[nodiscard]] QString vanished() const {
+        return QStringLiteral("The folder “%1” is not there any more.")
+            .arg(AndroidPath::lastComponent(m_job.folder));
+    }
+
+    const CopyJob &m_job;
+    const CopyWatcher &m_watcher;
+    std::stop_token m_stop;
+    QList<State> m_states;
+    QHash<QString, TreeEntry> m_there; ///< what stands on the phone
+    QList<PlannedFile> m_folders;
+    QList<PlannedFile> m_files;
+    QSet<QString> m_planned; ///< where the files of this run go
+    bool m_isPhoneGone = false;
+    qsizetype m_nextFile = 0;
+    QList<PlannedFile> m_batch;
+};
+
+} // namespace
+
+bool runCopyJob(const CopyJob &job, const CopyWatcher &watcher, const std::stop_token &stop) {
+    CopyRun(job, watcher, stop).run();
+    return !stop.stop_requested();
+}
+
+QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
+    if (!report.failure.isEmpty())
+        return QueueItemStatus::Failed{report.failure, report.failed};
+    const bool isFolder = item.isDirectory;
+    if (!report.failed.isEmpty())
+        return QueueItemStatus::Failed{isFolder ? QStringLiteral("%1 of %2 could not be copied")
+                                                      .arg(report.failed.size())
+                                                      .arg(report.fileCount)
+                                                : report.failed.first().reason,
+                                       report.failed};
+    if (!report.taken.isEmpty())
+        return QueueItemStatus::NameTaken{
+            isFolder && report.fileCount > 1
+                ? QStringLiteral("%1 of %2 differ from what is there")
+                      .arg(report.taken.size())
+                      .arg(report.fileCount)
+                : QStringLiteral("Another “%1” is already there.").arg(item.name),
+            report.taken};
+    QStringList parts;
+    if (report.alreadyThere > 0 && report.copied > 0)
+        parts.append(QStringLiteral("%1 copied").arg(report.copied));
+    if (report.alreadyThere > 0)
+        parts.append(report.copied > 0 || report.fileCount > 1 || isFolder
+                         ? QStringLiteral("%1 already there").arg(report.alreadyThere)
+                         : QStringLiteral("Already there"));
+    if (!report.leftOut.isEmpty())
+        parts.append(QStringLiteral("%1 left out").arg(report.leftOut.size()));
+    return QueueItemStatus::Completed{parts.join(QStringLiteral(", ")), report.leftOut, report.totalBytes};
+}
+
+QString explainedCopyError(const QString &error) {
+    const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
+    const QString reason = colon < 0 ? error : error.mid(colon + 2);
+    if (error.contains(QLatin1String("remote open failed")))
+        return QStringLiteral("The phone can’t read it: ") + reason;
+    if (error.contains(QLatin1String("remote ")))
+        return QStringLiteral("The phone can’t write it: ") + reason;
+    if (error.startsWith(QLatin1String("cannot create")) || error.startsWith(QLatin1String("cannot write")))
+        return QStringLiteral("This computer can’t write it: ") + reason;
+    if (error.startsWith(QLatin1String("cannot ")))
+        return QStringLiteral("This computer can’t read it: ") + reason;
+    return reason;
+}
+
+QString numberedName(const QString &name, int number) {
+    constexpr qsizetype longest = 255; // bytes
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    const QString ending = QStringLiteral(" %1").arg(number) + (dot > 0 ? name.mid(dot) : QString());
+    QString stem = dot > 0 ? name.left(dot) : name;
+    while (!stem.isEmpty() && (stem + ending).toUtf8().size() > longest)
+        stem.chop(stem.back().isLowSurrogate() ? 2 : 1);
+    return stem + ending;
+}
+
+} // namespace vantrel

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Records/FileTree.h"
+
+#include <QString>
+
+#include <optional>
+#include <sys/types.h>
+#include <tl/expected.hpp>
+
+/// This computer's side of a copy: where it arrives, and how it takes its name. Blocking; any thread. Errors
+/// are the system's own texts.
+namespace vantrel {
+
+/// A hidden folder beside a destination, for the user alone. It goes with everything in it when this object
+/// goes.
+class LocalStaging {
+public:
+    /// Makes one in a folder that is there.
+    [[nodiscard]] static tl::expected<LocalStaging, QString> create(const QString &folder);
+    ~LocalStaging();
+    LocalStaging(LocalStaging &&other) noexcept;
+    LocalStaging(const LocalStaging &) = delete;
+    LocalStaging &operator=(const LocalStaging &) = delete;
+    LocalStaging &operator=(LocalStaging &&) = delete;
+
+    [[nodiscard]] const QString &path() const { return m_path; }
+    /// The permissions of a file that the user makes.
+    [[nodiscard]] mode_t newFileMode() const { return m_newFileMode; }
+
+private:
+    LocalStaging() = default;
+
+    QString m_path;
+    mode_t m_newFileMode = 0644;
+};
+
+namespace LocalFiles {
+
+enum class Placing {
+    placed,
+    nameTaken, ///< something stands there, and was left as it is
+    failed     ///< errno says why
+};
+
+/// Gives a staged file its name, and never that of something that is there: with the rename that refuses to
+/// replace; where the file system knows none, with a hard link; where it knows no links either (FAT, exFAT,
+/// some network drives), with a look right before an ordinary rename. Only there another program that makes
+/// the same name between the look and the rename would lose its file.
+[[nodiscard]] Placing place(const QString &staged, const QString &destination);
+
+/// What stands at a path, links not followed; nothing when there is nothing.
+[[nodiscard]] std::optional<TreeEntry> look(const QString &path);
+/// What stands at a path and below it. A link at the path itself is followed, links below are not.
+[[nodiscard]] FileTree readTree(const QString &path);
+/// Makes a folder; one that is there is left as it is. The system's text when there is none afterwards.
+[[nodiscard]] tl::expected<void, QString> makeFolder(const QString &path);
+/// Removes from a folder what dead programs of this user have left of their copies.
+void sweep(const QString &folder);
+
+} // namespace LocalFiles
+
+} // namespace vantrel

@@ -1,0 +1,383 @@
+// Copies for real life: the second time, stopped, paused, tried again, of folders with what cannot be copied,
+// and with a phone that says anything.
+
+#include "support/ModelTest.h"
+
+#include "Transfers/CopyRun.h"
+#include "Transfers/LocalStaging.h"
+#include "Transfers/StagedName.h"
+#include "Transfers/TransferRate.h"
+
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QStandardPaths>
+
+#include <sys/file.h>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+using namespace vantrel;
+
+namespace {
+
+const QDateTime oldTime = QDateTime::fromSecsSinceEpoch(1'600'000'001, Qt::UTC);
+
+class CopyTests : public ModelTest {
+protected:
+    void start() {
+        connectPhone();
+        browsePhone(u"/sdcard"_s);
+        browseHere();
+    }
+    /// Copies everything that the pane shows, and waits for the end.
+    void copyAllFrom(BrowserSide side) {
+        state->clearQueue();
+        browsePhone(u"/sdcard"_s);
+        browseHere();
+        state->selectAllVisible(side);
+        side == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        waitForQueue();
+    }
+    [[nodiscard]] QString pathOn(BrowserSide side, const QString &name) const {
+        return side == BrowserSide::mac ? here(name) : phone.hostPath(name);
+    }
+    void writeOn(BrowserSide side, const QString &name, const QByteArray &bytes,
+                 const QDateTime &time = oldTime) const {
+        write(pathOn(side, name), bytes);
+        QFile file(pathOn(side, name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(time, QFileDevice::FileModificationTime));
+    }
+    [[nodiscard]] static BrowserSide otherThan(BrowserSide side) {
+        return side == BrowserSide::mac ? BrowserSide::android : BrowserSide::mac;
+    }
+    /// Whatever bears the program's mark on either side.
+    [[nodiscard]] QStringList staged() const {
+        QStringList found;
+        for (const QString &root : {mac.path(), phone.root()}) {
+            QDirIterator entries(root, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                                 QDirIterator::Subdirectories);
+            while (entries.hasNext()) {
+                entries.next();
+                if (StagedName::isStaged(entries.fileName()))
+                    found.append(entries.filePath());
+            }
+        }
+        return found;
+    }
+    [[nodiscard]] int runsOf(const QString &verb) const {
+        int runs = 0;
+        for (const QStringList &line : phone.commandLines())
+            runs += line.value(2) == verb ? 1 : 0;
+        return runs;
+    }
+    static constexpr BrowserSide sides[] = {BrowserSide::android, BrowserSide::mac};
+};
+
+} // namespace
+
+TEST_F(CopyTests, theSecondTimeBringsJustWhatIsNew) {
+    for (const BrowserSide from : sides) {
+        const BrowserSide to = otherThan(from);
+        const QString name = from == BrowserSide::mac ? u"mine"_s : u"theirs"_s;
+        writeOn(from, name + u"/a.txt"_s, "a");
+        writeOn(from, name + u"/sub/b.txt"_s, "b");
+        writeOn(from, name + u".txt"_s, "single");
+        QDir().mkpath(pathOn(from, name + u"/empty/deep"_s));
+        start();
+        copyAllFrom(from);
+        EXPECT_EQ(statuses().count(u":Done"_s), state->queue().size()) << statuses().toStdString();
+        EXPECT_TRUE(QFileInfo(pathOn(to, name + u"/empty/deep"_s)).isDir()) << "empty folders are created";
+        for (const QString &file :
+             QStringList{name + u"/a.txt"_s, name + u"/sub/b.txt"_s, name + u".txt"_s}) {
+            EXPECT_EQ(QFileInfo(pathOn(to, file)).lastModified(), oldTime) << file.toStdString();
+            EXPECT_EQ(contents(pathOn(to, file)), contents(pathOn(from, file)));
+        }
+
+        writeOn(from, name + u"/sub/new.txt"_s, "new");
+        const qsizetype before = copyOrder().size();
+        copyAllFrom(from);
+        EXPECT_TRUE(statuses().contains(QString(name + u":1 copied, 2 already there"_s)))
+            << statuses().toStdString();
+        EXPECT_TRUE(statuses().contains(QString(name + u".txt:Already there"_s)));
+        EXPECT_EQ(copyOrder().mid(before), u"new.txt"_s);
+        QDir(here(QString())).removeRecursively();
+        QDir(phone.root()).removeRecursively();
+        QDir().mkpath(phone.root());
+    }
+}
+
+TEST_F(CopyTests, anotherContentWaitsForTheUserWhileTheRestGoesOn) {
+    for (const BrowserSide from : sides) {
+        const BrowserSide to = otherThan(from);
+        for (const char *name : {"a.tar.gz", "b", "c"})
+            writeOn(from, QString::fromLatin1(name), "new");
+        writeOn(to, u"a.tar.gz"_s, "first");
+        writeOn(to, u"b"_s, "first");
+        writeOn(to, u"b 2"_s, "second");
+        start();
+        copyAllFrom(from);
+        EXPECT_EQ(state->transferQueue().nameTakenCount(), 2) << statuses().toStdString();
+        EXPECT_TRUE(statuses().contains(u"c:Done"_s)) << "no question stops the run";
+
+        state->keepAllBoth();
+        waitForQueue();
+        EXPECT_EQ(state->transferQueue().completedCount(), state->queue().size()) << statuses().toStdString();
+        const std::pair<const char *, const char *> expected[] = {
+            {"a.tar.gz", "first"}, {"a.tar 2.gz", "new"}, {"b", "first"},
+            {"b 2", "second"},     {"b 3", "new"},        {"c", "new"}};
+        for (const auto &[name, bytes] : expected)
+            EXPECT_EQ(contents(pathOn(to, QString::fromLatin1(name))), bytes) << name;
+        for (const QString &root : {here(QString()), phone.root()}) {
+            QDir(root).removeRecursively();
+            QDir().mkpath(root);
+        }
+    }
+}
+
+TEST(CopyNames, countOnAndFitTheFileSystem) {
+    EXPECT_EQ(numberedName(u"photo.jpg"_s, 2), u"photo 2.jpg"_s);
+    EXPECT_EQ(numberedName(u".profile"_s, 3), u".profile 3"_s);
+    EXPECT_EQ(numberedName(u"DCIM"_s, 12), u"DCIM 12"_s);
+    const QString longest = QString(100, u'ü') + QString(51, u'x') + u".jpg"_s;
+    EXPECT_EQ(longest.toUtf8().size(), 255);
+    EXPECT_LE(numberedName(longest, 2).toUtf8().size(), 255);
+    EXPECT_TRUE(numberedName(longest, 2).endsWith(u" 2.jpg"_s));
+}
+
+TEST_F(CopyTests, stoppingARunningCopyEndsItAtOnceAndLeavesNothing) {
+    for (const BrowserSide from : sides) {
+        writeOn(from, u"big"_s, QByteArray(3'000'000, 'x'));
+        phone.set(u"bandwidth"_s, "0.3");
+        start();
+        select(from, u"big"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        ASSERT_TRUE(waitFor([&] {
+            return !state->queue().isEmpty() && state->queue().first().status.progress() &&
+                   state->queue().first().status.progress()->transferredBytes > 0;
+        }));
+        EXPECT_FALSE(staged().isEmpty());
+        QElapsedTimer clock;
+        clock.start();
+        state->removeQueueItem(state->queue().first().id);
+        ASSERT_TRUE(waitFor([&] { return staged().isEmpty(); }));
+        EXPECT_LT(clock.elapsed(), 500);
+        waitForQueue();
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"big"_s)));
+        QFile::remove(pathOn(from, u"big"_s));
+        phone.reset(u"bandwidth"_s);
+    }
+}
+
+TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
+    for (const char *name : {"a", "b", "c", "d", "e"})
+        phone.write(QString::fromLatin1(name), QByteArray(200'000, *name));
+    phone.set(u"bandwidth"_s, "0.2");
+    start();
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    ASSERT_TRUE(waitFor([&] { return runsOf(u"pull"_s) == 3; }));
+    state->pauseTransfers();
+    ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+    EXPECT_TRUE(state->isPaused());
+    EXPECT_EQ(state->transferQueue().pausedCount(), 3) << statuses().toStdString();
+    EXPECT_EQ(state->waitingCount(), 2);
+    EXPECT_TRUE(staged().isEmpty());
+    const qsizetype runs = phone.commandLines().size();
+    connectPhone(); // what asks for the phone must not start them
+    EXPECT_EQ(runsOf(u"pull"_s), 3);
+    EXPECT_GT(phone.commandLines().size(), runs);
+
+    phone.reset(u"bandwidth"_s);
+    state->resumeTransfers();
+    waitForQueue();
+    EXPECT_EQ(state->transferQueue().completedCount(), 5) << statuses().toStdString();
+    for (const char *name : {"a", "b", "c", "d", "e"})
+        EXPECT_EQ(contents(here(QString::fromLatin1(name))), QByteArray(200'000, *name));
+}
+
+TEST_F(CopyTests, oneBadFileDoesNotEndAFolderAndIsTriedAgainAlone) {
+    for (const BrowserSide from : sides) {
+        for (const char *name : {"Trip/a", "Trip/bad's one", "Trip/c/d"})
+            writeOn(from, QString::fromLatin1(name), "bytes");
+        const QString bad = pathOn(from, u"Trip/bad's one"_s);
+        if (from == BrowserSide::android)
+            phone.deny(u"Trip/bad's one"_s);
+        else
+            ::chmod(QFile::encodeName(bad).constData(), 0);
+        if (from == BrowserSide::mac && ::access(QFile::encodeName(bad).constData(), R_OK) == 0)
+            continue; // this user may read everything
+        start();
+        copyAllFrom(from);
+        EXPECT_TRUE(statuses().contains(u"Trip:1 of 3 could not be copied"_s)) << statuses().toStdString();
+        EXPECT_EQ(state->queue().first().problemText(),
+                  from == BrowserSide::android
+                      ? u"bad's one: The phone can’t read it: Permission denied"_s
+                      : u"bad's one: This computer can’t read it: Permission denied"_s);
+
+        phone.reset(u"fail"_s);
+        ::chmod(QFile::encodeName(bad).constData(), 0644);
+        const qsizetype before = copyOrder().size();
+        state->tryAllAgain();
+        waitForQueue();
+        EXPECT_TRUE(statuses().contains(u"Trip:1 copied, 2 already there"_s)) << statuses().toStdString();
+        EXPECT_EQ(copyOrder().mid(before), u"bad's one"_s);
+        QDir(here(u"Trip"_s)).removeRecursively();
+        QDir(phone.hostPath(u"Trip"_s)).removeRecursively();
+    }
+}
+
+TEST_F(CopyTests, whatCannotBeCopiedIsCountedAndNamed) {
+    for (const BrowserSide from : sides) {
+        writeOn(from, u"Trip/plain"_s, "x");
+        const QByteArray folder = QFile::encodeName(pathOn(from, u"Trip"_s));
+        const auto in = [&folder](const char *name) { return QByteArray(folder + '/' + name); };
+        ASSERT_EQ(::symlink("plain", in("link").constData()), 0);
+        ASSERT_EQ(::symlink("nowhere", in("broken").constData()), 0);
+        ASSERT_EQ(::mkfifo(in("pipe").constData(), 0644), 0);
+        ASSERT_EQ(::mkdir(in("\xff").constData(), 0755), 0);
+        start();
+        copyAllFrom(from);
+        EXPECT_TRUE(statuses().contains(u"Trip:4 left out"_s)) << statuses().toStdString();
+        for (const char *name : {"link: ", "broken: ", "pipe: ", "\xef\xbf\xbd: "})
+            EXPECT_TRUE(state->queue().first().problemText().contains(QString::fromUtf8(name))) << name;
+        EXPECT_EQ(QDir(pathOn(otherThan(from), u"Trip"_s))
+                      .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+                  QStringList{u"plain"_s});
+        ASSERT_EQ(::rmdir(in("\xff").constData()), 0);
+        QDir(here(u"Trip"_s)).removeRecursively();
+        QDir(phone.hostPath(u"Trip"_s)).removeRecursively();
+    }
+}
+
+TEST_F(CopyTests, namesAreNamesWhateverTheyHold) {
+    const QStringList names{u"it's"_s, u"-rf"_s,     u"two\nlines"_s,    u"$(touch x)"_s,
+                            u"a\\b"_s, u"[99%] x"_s, QString(255, u'n'), QString(127, u'ü')};
+    for (const BrowserSide from : sides) {
+        for (const QString &name : names) {
+            writeOn(from, u"Odd/"_s + name, name.toUtf8());
+            writeOn(from, u"Odd/sub/"_s + name, name.toUtf8()); // the same names again: no two meet in a run
+        }
+        start();
+        copyAllFrom(from);
+        EXPECT_TRUE(statuses().contains(u"Odd:Done"_s))
+            << statuses().toStdString() << state->queue().first().problemText().toStdString();
+        for (const QString &name : names) {
+            for (const QString &folder : {u"Odd/"_s, u"Odd/sub/"_s})
+                EXPECT_EQ(contents(pathOn(otherThan(from), folder + name)), name.toUtf8())
+                    << name.toStdString();
+        }
+        QDir(here(u"Odd"_s)).removeRecursively();
+        QDir(phone.hostPath(u"Odd"_s)).removeRecursively();
+    }
+}
+
+TEST_F(CopyTests, manySmallEntriesShareRunsAndEachHasItsOwnEnd) {
+    constexpr int count = 90;
+    for (const BrowserSide from : sides) {
+        for (int i = 0; i < count; ++i)
+            writeOn(from, QString::number(i), QByteArray::number(i));
+        writeOn(otherThan(from), u"7"_s, "another");
+        start();
+        const int before = int(phone.commandLines().size());
+        const int copies = runsOf(u"pull"_s) + runsOf(u"push"_s);
+        copyAllFrom(from);
+        EXPECT_EQ(statuses().count(u":Done"_s), count - 1) << statuses().toStdString();
+        EXPECT_EQ(state->transferQueue().nameTakenCount(), 1);
+        EXPECT_LE(runsOf(u"pull"_s) + runsOf(u"push"_s) - copies, count / 5);
+        EXPECT_LE(int(phone.commandLines().size()) - before, count) << "less than one run for each";
+        for (const QString &root : {here(QString()), phone.root()}) {
+            QDir(root).removeRecursively();
+            QDir().mkpath(root);
+        }
+    }
+}
+
+TEST_F(CopyTests, aPhoneThatAnswersThePlanWithAnythingGetsNothingAnywhere) {
+    phone.write(u"Trip/a"_s, "x");
+    const QByteArray root("drwxrwx--x 1 1.0 \0", 18);
+    const QByteArray file("-rw-rw---- 1 1.0 ");
+    const QByteArray zero(1, '\0');
+    const QByteArray answers[] = {"",
+                                  "garbage",
+                                  "end\n",
+                                  root,
+                                  root + "end",
+                                  root + file + "a" + zero + "and more",
+                                  "-rw-rw---- -1 1.0 a" + zero + "end\n",
+                                  "- x y" + zero + "end\n"};
+    start();
+    for (const QByteArray &answer : answers) {
+        phone.set(u"tree.stdout"_s, answer);
+        copyAllFrom(BrowserSide::android);
+        EXPECT_TRUE(state->queue().first().canTryAgain()) << answer.toStdString() << statuses().toStdString();
+        EXPECT_TRUE(QDir(here(QString())).isEmpty());
+    }
+}
+
+TEST(StagedNames, areOnlySweptWhenTheirProgramHasEnded) {
+    const QString mine = StagedName::make();
+    EXPECT_EQ(mine.toUtf8().size(), 48);
+    EXPECT_TRUE(StagedName::isStaged(mine));
+    EXPECT_FALSE(StagedName::isLeftOver(mine)) << "this program lives";
+    const QString released = StagedName::make();
+    StagedName::release(released);
+    EXPECT_TRUE(StagedName::isLeftOver(released)) << "a phone that left could keep it";
+    const QString dead = StagedName::prefix() + u"0123456789abcdef-00000001.part"_s;
+    EXPECT_TRUE(StagedName::isLeftOver(dead));
+    // Another program of this user, which works at this moment.
+    const QString other = u"fedcba9876543210"_s;
+    const QString working = StagedName::prefix() + other + u"-00000001.part"_s;
+    {
+        QFile lock(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + u"/vantrel-copies/"_s +
+                   other);
+        ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+        ASSERT_EQ(::flock(lock.handle(), LOCK_EX), 0);
+        EXPECT_FALSE(StagedName::isLeftOver(working));
+    }
+    EXPECT_TRUE(StagedName::isLeftOver(working));
+    const QString strange = u".vantrel-00000000-0123456789abcdef-00000001.part"_s;
+    EXPECT_TRUE(StagedName::isStaged(strange));
+    EXPECT_FALSE(StagedName::isLeftOver(strange)) << "another user's, or another computer's";
+    for (const QString &name :
+         {u".vantrel-notes.part"_s, QString(dead + u"x"_s), QString(u"x"_s + dead), u".part"_s})
+        EXPECT_FALSE(StagedName::isStaged(name)) << name.toStdString();
+
+    const QTemporaryDir folder;
+    for (const QString &name : {mine, dead, strange, u"kept.part"_s})
+        write(folder.filePath(name + u"/file"_s), "x");
+    LocalFiles::sweep(folder.path());
+    EXPECT_EQ(
+        QDir(folder.path()).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name).size(),
+        3);
+    EXPECT_FALSE(QFileInfo::exists(folder.filePath(dead)));
+}
+
+TEST(LocalStagingTests, takesANameOnlyWhenItIsFree) {
+    const QTemporaryDir folder;
+    write(folder.filePath(u"staged"_s), "new");
+    write(folder.filePath(u"taken"_s), "first");
+    ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder"_s));
+    ASSERT_TRUE(QFile::link(u"nowhere"_s, folder.filePath(u"link"_s)));
+    for (const QString &name : {u"taken"_s, u"folder"_s, u"link"_s})
+        EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(name)),
+                  LocalFiles::Placing::nameTaken);
+    EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(u"nope/x"_s)),
+              LocalFiles::Placing::failed);
+    EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(u"free"_s)),
+              LocalFiles::Placing::placed);
+    EXPECT_EQ(contents(folder.filePath(u"free"_s)), "new");
+    EXPECT_EQ(contents(folder.filePath(u"taken"_s)), "first");
+}
+
+TEST(TransferRateTests, isThatOfTheLastSeconds) {
+    TransferRate rate;
+    EXPECT_EQ(rate.bytesPerSecondAt(0), std::nullopt);
+    rate.addAt(50'000'000, 0); // what the sockets held
+    EXPECT_EQ(rate.bytesPerSecondAt(100), std::nullopt) << "too soon to say";
+    for (qint64 time = 100; time <= 10'000; time += 100)
+        rate.addAt(100'000, time);
+    ASSERT_TRUE(rate.bytesPerSecondAt(10'000));
+    EXPECT_NEAR(*rate.bytesPerSecondAt(10'000), 1e6, 5e4);
+    EXPECT_EQ(rate.bytesPerSecondAt(20'000), std::nullopt) << "nothing has come for long";
+}

@@ -1,0 +1,118 @@
+// The program is killed in the middle of its copies, again and again: what stands under a final name is
+// whole, and the next start leaves nothing of the earlier ones behind. VANTREL_KILLS and VANTREL_KILL_SEED
+// choose how often and which run; ./test --kills is the long one.
+
+#include "support/DemoPhone.h"
+#include "support/Files.h"
+#include "support/Processes.h"
+
+#include "Transfers/StagedName.h"
+
+#include <QDirIterator>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+namespace vantrel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class KillTests : public ::testing::Test {
+protected:
+    KillTests() {
+        for (const QString &name :
+             {u"a.bin"_s, u"it's b.bin"_s, u"Album/c.bin"_s, u"Album/sub/d.bin"_s, u"e.bin"_s}) {
+            for (const QString &side : {phone.hostPath(u"out"_s), mac.filePath(u"out"_s)})
+                write(side + u'/' + name, contentsOf(name));
+        }
+    }
+
+    static QByteArray contentsOf(const QString &name) {
+        QByteArray bytes(400'000, '\0');
+        QRandomGenerator generator(quint32(qHash(name, 1)));
+        for (char &byte : bytes)
+            byte = char(generator.bounded(256));
+        return bytes;
+    }
+    void clear() {
+        for (const QString &folder : {phone.hostPath(u"in"_s), mac.filePath(u"in"_s)}) {
+            QDir(folder).removeRecursively();
+            QDir().mkpath(folder);
+        }
+    }
+    /// Starts the program and kills it so many milliseconds later, or lets it end when that is negative.
+    void run(int killAfter) {
+        QProcess program;
+        program.setProcessChannelMode(QProcess::ForwardedChannels);
+        program.start(QStringLiteral(VANTREL_COPY_PROGRAM), {mac.path()});
+        ASSERT_TRUE(program.waitForStarted());
+        if (killAfter >= 0 && !program.waitForFinished(killAfter))
+            program.kill();
+        ASSERT_TRUE(program.state() == QProcess::NotRunning || program.waitForFinished(120'000));
+        ASSERT_TRUE(killAfter >= 0 || program.exitCode() == 0) << program.exitCode();
+    }
+    /// Looks at everything that was copied: what has a final name must be whole. Returns how many files do.
+    int checkedFiles() {
+        int files = 0;
+        m_staged = 0;
+        for (const QString &root : {phone.hostPath(u"in"_s), mac.filePath(u"in"_s)}) {
+            QDirIterator entries(root, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                                 QDirIterator::Subdirectories);
+            while (entries.hasNext()) {
+                const QString path = entries.next().mid(root.size() + 1);
+                const QStringList names = path.split(u'/');
+                if (std::any_of(names.begin(), names.end(), &StagedName::isStaged)) {
+                    ++m_staged;
+                } else if (entries.fileInfo().isFile()) {
+                    EXPECT_TRUE(processes::contentsOf(entries.filePath()) == contentsOf(path))
+                        << path.toStdString() << " is not whole";
+                    ++files;
+                }
+            }
+        }
+        return files;
+    }
+
+    DemoPhone phone;
+    QTemporaryDir mac;
+    int m_staged = 0;
+};
+
+TEST_F(KillTests, aFinalNameIsAWholeFileAndTheNextStartSweeps) {
+    const int kills = std::max(qEnvironmentVariableIntValue("VANTREL_KILLS"), 8);
+    const quint32 seed = qEnvironmentVariableIsSet("VANTREL_KILL_SEED")
+                             ? qEnvironmentVariable("VANTREL_KILL_SEED").toUInt()
+                             : QRandomGenerator::global()->generate();
+    std::printf("VANTREL_KILL_SEED=%u\n", seed);
+    QRandomGenerator random(seed);
+    constexpr int all = 10; // files, both ways
+    int killedInTheMiddle = 0;
+    int sweptAfterwards = 0;
+    for (int kill = 0; kill < kills && !HasFailure(); ++kill) {
+        clear();
+        phone.resetAll();
+        phone.set(u"pull.bandwidth"_s, "1.5");
+        phone.set(u"push.bandwidth"_s, "1.5");
+        run(random.bounded(100, 2200));
+        const int files = checkedFiles();
+        killedInTheMiddle += files > 0 && files < all ? 1 : 0;
+        sweptAfterwards += m_staged > 0 ? 1 : 0;
+        phone.reset(u"pull.bandwidth"_s);
+        phone.reset(u"push.bandwidth"_s);
+        run(-1);
+        EXPECT_EQ(checkedFiles(), all);
+        EXPECT_EQ(m_staged, 0) << "the next start sweeps";
+    }
+    std::printf("%d kills: %d with some files there, %d with something to sweep\n", kills, killedInTheMiddle,
+                sweptAfterwards);
+    EXPECT_GT(killedInTheMiddle, 0) << "no kill struck in the middle: nothing was tested";
+    EXPECT_GT(sweptAfterwards, 0);
+}
+
+} // namespace
+} // namespace vantrel
