@@ -226,7 +226,7 @@ TEST_F(QueueRowTests, offersWhatCanBeDoneAboutAnEnd) {
         asked.clear();
     }
     queue.setStatus(item.id, cases[3].status);
-    EXPECT_EQ(toolTipAt(&list, places(0).progress.center()), plainToolTip(u"Broken\n\na: too large"_s));
+    EXPECT_EQ(toolTipAt(&list, places(0).progress.center()), u"Broken\n\na: too large"_s);
 }
 
 TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {

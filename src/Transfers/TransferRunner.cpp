@@ -250,6 +250,7 @@ void TransferRunner::finish(const QUuid &id, const CopyReport &report) {
     } else if (report.isPhoneGone) {
         m_gonePhones.insert(item.serial);
         updateStatus(id, QueueItemStatus::Waiting{true});
+        Q_EMIT phoneLeft();
     } else {
         const QueueItemStatus status = statusAfter(item, report);
         updateStatus(id, status);

@@ -82,6 +82,8 @@ Q_SIGNALS:
     void remainingLabelChanged();
     void isTransferringChanged();
     void isPausedChanged();
+    /// The phone left while something was copied; what is meant for it waits for phoneWasAsked().
+    void phoneLeft();
 
 private:
     /// One run of copies, shared with its worker.
