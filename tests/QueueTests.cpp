@@ -5,6 +5,8 @@
 #include "Kit/IconButton.h"
 #include "Kit/TextButton.h"
 #include "Kit/TextLabel.h"
+#include "Kit/ToolTips.h"
+#include "MacFiles/ThisComputer.h"
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueDelegate.h"
 #include "Views/QueueListView.h"
@@ -17,7 +19,6 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QToolTip>
 
 namespace vantrel {
 namespace {
@@ -76,7 +77,7 @@ bool shows(const QImage &list, const QRect &place, const QString &text, const Te
 QString toolTipAt(QueueListView *list, QPoint place) {
     QHelpEvent event(QEvent::ToolTip, place, list->viewport()->mapToGlobal(place));
     QCoreApplication::sendEvent(list->viewport(), &event);
-    return QToolTip::text();
+    return ToolTips::text();
 }
 
 // -- What the queue announces
@@ -238,7 +239,7 @@ TEST_F(QueueRowTests, offersWhatCanBeDoneAboutAnEnd) {
     queue.setStatus(item.id, cases[3].status);
     const QString help = toolTipAt(&list, places(0).reason.center());
     for (const char *line : {"Broken", "a: too large", "/sdcard/DCIM/photo.jpg  →  /home/sam/photo.jpg"})
-        EXPECT_TRUE(help.contains(plainToolTip(QString::fromUtf8(line)))) << help.toStdString();
+        EXPECT_TRUE(help.contains(QString::fromUtf8(line))) << help.toStdString();
 }
 
 TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
@@ -270,14 +271,13 @@ TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
     list.resize(700, list.height());
     QCoreApplication::processEvents();
     const QueueRowGeometry at = places(0);
-    EXPECT_EQ(toolTipAt(&list, at.name.center()), plainToolTip(worst.name));
+    EXPECT_EQ(toolTipAt(&list, at.name.center()), worst.name);
     EXPECT_TRUE(toolTipAt(&list, at.reason.center()).count(u"goes on and on"_s) == 10);
-    EXPECT_TRUE(toolTipAt(&list, at.route.center())
-                    .endsWith(plainToolTip(worst.sourcePath + u"  →  "_s + worst.destinationPath)));
-    EXPECT_EQ(toolTipAt(&list, at.removeButton.center()),
-              plainToolTip(u"Remove this transfer from the queue"_s));
+    EXPECT_TRUE(
+        toolTipAt(&list, at.route.center()).endsWith(worst.sourcePath + u"  →  "_s + worst.destinationPath));
+    EXPECT_EQ(toolTipAt(&list, at.removeButton.center()), u"Remove this transfer from the queue"_s);
     (void)toolTipAt(&list, places(1).name.center());
-    EXPECT_TRUE(waitFor([] { return QToolTip::text().isEmpty(); })) << "it is all there";
+    EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it is all there";
 }
 
 TEST_F(QueueRowTests, dividersLieBetweenTheRows) {
@@ -473,7 +473,7 @@ protected:
 TEST_F(QueueTests, anEmptyQueueShowsTheHintAndNothingToClear) {
     showPanel();
     EXPECT_EQ(child<TextLabel>("queue.hint")->text(),
-              u"Select files and use → or ← to copy between Android and Mac."_s);
+              u"Select files and use → or ← to copy between Android and %1."_s.arg(thisComputer()));
     EXPECT_TRUE(child<TextLabel>("queue.hint")->isVisible());
     EXPECT_FALSE(child<TextLabel>("queue.note")->isVisible());
     EXPECT_FALSE(child<IconButton>("queue.clear")->isVisible());

@@ -106,7 +106,7 @@ int main(int argc, char **argv) {
     // Nothing of the user's own is touched: settings, caches and the home folder are the tour's.
     const QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/vantrel-XXXXXX"));
     qputenv("HOME", QFile::encodeName(folder.filePath(QStringLiteral("sam"))));
-    for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+    for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
         qputenv(variable, QFile::encodeName(folder.filePath(QStringLiteral("xdg"))));
 #ifdef Q_OS_LINUX
     if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&

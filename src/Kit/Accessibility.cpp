@@ -7,7 +7,8 @@ namespace vantrel {
 
 namespace {
 
-/// A progress bar that has to be described is one without a known end: it is busy.
+/// A progress bar that has to be described is one without a known end: it is busy. A dialog is one inside its
+/// window, which it keeps from being used.
 class DescribedWidget : public QAccessibleWidget {
 public:
     using QAccessibleWidget::QAccessibleWidget;
@@ -15,6 +16,7 @@ public:
     [[nodiscard]] QAccessible::State state() const override {
         QAccessible::State state = QAccessibleWidget::state();
         state.busy = role() == QAccessible::ProgressBar;
+        state.modal = role() == QAccessible::Dialog;
         return state;
     }
 };

@@ -1,8 +1,8 @@
 #include "Kit/TextLabel.h"
 
-#include <QHelpEvent>
+#include "Kit/ToolTips.h"
+
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
 
@@ -24,11 +24,6 @@ void TextLabel::setColor(const ThemeColor &color) {
     if (color == m_color)
         return;
     m_color = color;
-    update();
-}
-
-void TextLabel::setElision(Elision elision) {
-    m_elision = elision;
     update();
 }
 
@@ -56,14 +51,6 @@ QSize TextLabel::sizeHint() const {
     return {width, m_style.lineHeight()};
 }
 
-QSize TextLabel::minimumSizeHint() const {
-    return {0, m_style.lineHeight()};
-}
-
-bool TextLabel::hasHeightForWidth() const {
-    return m_maximumLines > 1;
-}
-
 int TextLabel::heightForWidth(int width) const {
     const auto lines = wrappedLines(text(), m_style, width, m_maximumLines).size();
     return int(qMax<qsizetype>(1, lines)) * m_style.lineHeight();
@@ -71,10 +58,7 @@ int TextLabel::heightForWidth(int width) const {
 
 bool TextLabel::event(QEvent *event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        if (isElided())
-            QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
-        else
-            QToolTip::hideText();
+        ToolTips::show(isElided() ? text() : QString(), this, rect());
         return true;
     }
     return QLabel::event(event);
@@ -83,7 +67,7 @@ bool TextLabel::event(QEvent *event) {
 void TextLabel::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (m_maximumLines == 1)
-        paintText(painter, rect(), text(), m_style, m_color, alignment(), m_elision);
+        paintText(painter, rect(), text(), m_style, m_color, alignment());
     else
         paintLines(painter, rect(), text(), m_style, m_color, m_maximumLines,
                    alignment() & Qt::AlignHorizontal_Mask);

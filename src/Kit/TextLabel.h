@@ -21,15 +21,14 @@ public:
     /// Repaints and lays out again only when the text differs.
     void setText(const QString &text);
     void setColor(const ThemeColor &color);
-    void setElision(Elision elision);
     void setMaximumLines(int lines);
 
     /// Whether the text is shortened at the current width.
     [[nodiscard]] bool isElided() const;
 
     [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override;
-    [[nodiscard]] bool hasHeightForWidth() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return {0, m_style.lineHeight()}; }
+    [[nodiscard]] bool hasHeightForWidth() const override { return m_maximumLines > 1; }
     [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
@@ -39,7 +38,6 @@ protected:
 private:
     TextStyle m_style;
     ThemeColor m_color;
-    Elision m_elision = Elision::end;
     int m_maximumLines = 1;
 };
 

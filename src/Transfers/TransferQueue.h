@@ -27,6 +27,8 @@ public:
     [[nodiscard]] const QList<QueueItem> &items() const { return m_items; }
     [[nodiscard]] int activeCount() const { return int(m_activeIDs.size()); }
     [[nodiscard]] int waitingCount() const { return m_waitingCount; }
+    /// Waiting entries whose turn has not been fixed.
+    [[nodiscard]] int unclaimedCount() const { return m_unclaimedCount; }
     /// Entries that are done.
     [[nodiscard]] int completedCount() const { return m_completedCount; }
     [[nodiscard]] int failedCount() const { return m_failedCount; }
@@ -76,6 +78,7 @@ private:
     qsizetype m_waitingEnd = 0;
     QSet<QUuid> m_activeIDs;
     int m_waitingCount = 0;
+    int m_unclaimedCount = 0;
     int m_completedCount = 0;
     int m_failedCount = 0;
     int m_nameTakenCount = 0;

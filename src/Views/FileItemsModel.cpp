@@ -133,10 +133,6 @@ QModelIndex FileItemsModel::index(int row, int column, const QModelIndex &parent
     return exists ? createIndex(row, column) : QModelIndex();
 }
 
-int FileItemsModel::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : int(m_items.size());
-}
-
 QVariant FileItemsModel::data(const QModelIndex &index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
@@ -161,8 +157,35 @@ QVariant FileItemsModel::data(const QModelIndex &index, int role) const {
     }
 }
 
-Qt::ItemFlags FileItemsModel::flags(const QModelIndex &index) const {
-    return QAbstractListModel::flags(index) | Qt::ItemIsUserCheckable;
+// -- Selection
+
+FileSelectionModel::FileSelectionModel(FileItemsModel *model, QObject *parent)
+    : QItemSelectionModel(model, parent), m_model(model) {
+    connect(model, &FileItemsModel::selectedRowsChanged, this, &FileSelectionModel::mirror);
+}
+
+void FileSelectionModel::select(const QItemSelection &selection, SelectionFlags command) {
+    if (!(command & (Select | Deselect | Toggle)))
+        return;
+    const QModelIndexList indexes = selection.indexes();
+    const QList<FileItem> items = m_model->items(); // what is called may give the model others
+    for (const QModelIndex &index : indexes) {
+        if (command & Toggle || isSelected(index) == command.testFlag(Deselect))
+            Q_EMIT toggled(items.at(index.row()));
+    }
+}
+
+void FileSelectionModel::mirror() {
+    const QBitArray &rows = m_model->selectedRows();
+    QItemSelection selection;
+    for (qsizetype row = 0; row < rows.size(); ++row) {
+        const qsizetype first = row;
+        while (row < rows.size() && rows.testBit(row))
+            ++row;
+        if (row > first)
+            selection.append(QItemSelectionRange(m_model->index(int(first)), m_model->index(int(row - 1))));
+    }
+    QItemSelectionModel::select(selection, ClearAndSelect);
 }
 
 } // namespace vantrel

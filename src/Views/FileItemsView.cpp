@@ -3,7 +3,6 @@
 #include "Kit/Shapes.h"
 #include "Views/FileDelegate.h"
 #include "Views/FileItemsModel.h"
-#include "Views/FileSelectionModel.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -79,11 +78,6 @@ void FileItemsView::updateRows(int first, int last) {
             break;
         viewport()->update(rect);
     }
-}
-
-/// What a change of the selection repaints: the model has told.
-QRegion FileItemsView::visualRegionForSelection(const QItemSelection &) const {
-    return {};
 }
 
 // -- Layout
@@ -202,8 +196,8 @@ QItemSelectionModel::SelectionFlags FileItemsView::selectionCommand(const QModel
 void FileItemsView::keyPressEvent(QKeyEvent *event) {
     if (focusedIndex().isValid() && !(event->modifiers() & ~Qt::KeypadModifier))
         QListView::keyPressEvent(event);
-    else
-        QAbstractScrollArea::keyPressEvent(event);
+    else                                           // the arrow keys scroll
+        QAbstractScrollArea::keyPressEvent(event); // NOLINT(bugprone-parent-virtual-call)
 }
 
 QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {

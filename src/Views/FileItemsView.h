@@ -49,7 +49,8 @@ protected:
     void updateGeometries() override;
     void rowsInserted(const QModelIndex &parent, int start, int end) override;
     void rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) override;
-    [[nodiscard]] QRegion visualRegionForSelection(const QItemSelection &selection) const override;
+    /// What a change of the selection repaints: the model has told.
+    [[nodiscard]] QRegion visualRegionForSelection(const QItemSelection &) const override { return {}; }
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

@@ -3,6 +3,7 @@
 #include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueListView.h"
@@ -10,7 +11,6 @@
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
 
@@ -45,14 +45,6 @@ ThemeColor barColor(const QueueItemStatus &status) {
 
 QString routeOf(const QueueItem &item) {
     return item.sourcePath + QStringLiteral("  →  ") + item.destinationPath;
-}
-
-/// A tool tip of several lines.
-QString linesToolTip(const QStringList &lines) {
-    QStringList shown;
-    for (const QString &line : lines)
-        shown.append(plainToolTip(line));
-    return shown.join(QStringLiteral("<br>"));
 }
 
 void paintRemoveButton(QPainter &painter, const QRect &rect, bool hasFocus) {
@@ -200,10 +192,8 @@ bool QueueDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const 
             help += QStringList(QString()) + problems.split(QLatin1Char('\n'));
         help += {QString(), routeOf(item)};
     }
-    if (help.isEmpty())
-        QToolTip::hideText();
-    else
-        QToolTip::showText(event->globalPos(), linesToolTip(help), view->viewport(), option.rect);
+    std::transform(help.begin(), help.end(), help.begin(), &displayText); // a name has no lines of its own
+    ToolTips::show(help.join(QLatin1Char('\n')), view->viewport(), option.rect);
     return true;
 }
 

@@ -119,6 +119,7 @@ void QueueListView::setOnAction(bool isOnAction) {
 void QueueListView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                                 const QList<int> &roles) {
     // QListView would lay out all its rows, since one might have got another size. None of ours ever does.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractItemView::dataChanged(topLeft, bottomRight, roles);
     announceProgress(this, topLeft);
 }

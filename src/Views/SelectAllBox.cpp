@@ -23,7 +23,7 @@ Symbol symbolOf(Qt::CheckState state) {
 SelectAllBox::SelectAllBox(QWidget *parent) : QCheckBox(parent) {
     setTristate(true);
     setFocusPolicy(Qt::TabFocus);
-    setFixedSize(sizeHint());
+    setFixedSize(SelectAllBox::sizeHint());
     setSelection(PaneSelectAllState::none);
 }
 

@@ -9,8 +9,6 @@ namespace vantrel {
 /// The box above a pane's entries. It shows what it is told; a click does not change it, what follows from
 /// the click does.
 class SelectAllBox : public QCheckBox {
-    Q_OBJECT
-
 public:
     explicit SelectAllBox(QWidget *parent = nullptr);
 

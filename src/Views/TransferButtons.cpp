@@ -1,23 +1,13 @@
 #include "Views/TransferButtons.h"
 
+#include "Kit/Boxes.h"
 #include "Kit/IconButton.h"
+#include "MacFiles/ThisComputer.h"
 #include "State/AppState.h"
-
-#include <QVBoxLayout>
 
 namespace vantrel {
 
 namespace {
-
-constexpr QSize buttonSize(34, 34);
-constexpr double buttonRadius = 8;
-
-IconButton *transferButton(const QString &objectName, const QString &help) {
-    auto *button = new IconButton(buttonSize, buttonRadius);
-    button->setObjectName(objectName);
-    button->setHelp(help);
-    return button;
-}
 
 void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
     button->setEnabled(enabled);
@@ -32,17 +22,11 @@ void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
 
 TransferButtons::TransferButtons(AppState *state, QWidget *parent)
     : QWidget(parent), m_state(state),
-      m_toMac(transferButton(QStringLiteral("transferToMac"),
-                             QStringLiteral("Transfer selected Android items to Mac"))),
-      m_toAndroid(transferButton(QStringLiteral("transferToAndroid"),
-                                 QStringLiteral("Transfer selected Mac items to Android"))) {
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(10);
-    column->addStretch();
-    column->addWidget(m_toMac);
-    column->addWidget(m_toAndroid);
-    column->addStretch();
+      m_toMac(named(QStringLiteral("transferToMac"), new IconButton({34, 34}, 8))),
+      m_toAndroid(named(QStringLiteral("transferToAndroid"), new IconButton({34, 34}, 8))) {
+    m_toMac->setHelp(QStringLiteral("Transfer selected Android items to ") + thisComputer());
+    m_toAndroid->setHelp(QStringLiteral("Transfer selected %1 items to Android").arg(thisComputer()));
+    setLayout(columnOf(10, {BoxItem::room(), m_toMac, m_toAndroid, BoxItem::room()}));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
 
     connect(m_toMac, &IconButton::clicked, state, &AppState::transferAndroidToMac);

@@ -12,8 +12,6 @@ class IconButton;
 /// The column between the panes: the buttons that copy what is selected to the other side. They start the
 /// copy and do not wait for it.
 class TransferButtons : public QWidget {
-    Q_OBJECT
-
 public:
     /// The state must outlive the view.
     explicit TransferButtons(AppState *state, QWidget *parent = nullptr);

@@ -2,7 +2,8 @@
 
 #include "App/System/Settings.h"
 #include "Kit/Accessibility.h"
-#include "Kit/Divider.h"
+#include "Kit/Boxes.h"
+#include "Kit/Canvas.h"
 #include "Kit/Shapes.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
@@ -13,9 +14,6 @@
 
 #include <QKeyEvent>
 #include <QPainter>
-#include <QVBoxLayout>
-
-#include <algorithm>
 
 namespace vantrel {
 
@@ -75,42 +73,31 @@ private:
 ContentView::ContentView(AppState *state, Settings &settings, QWidget *parent) : QWidget(parent) {
     setObjectName(QStringLiteral("content"));
 
-    auto *columns = new QHBoxLayout;
-    columns->setSpacing(0);
-    columns->addWidget(new SidebarView(state, this));
-    columns->addWidget(new Divider(Qt::Vertical, AppTheme::stroke(), this));
-    auto *browser = new DualBrowserView(state);
-    browser->setObjectName(QStringLiteral("browser"));
-    auto *column = new BrowserColumn(browser, new TransferQueueView(state), this);
+    setAutoFillBackground(true);
+    auto *browser = named(QStringLiteral("browser"), new DualBrowserView(state));
+    auto *column = new BrowserColumn(browser, new TransferQueueView(state));
     column->setQueueLimit(settings.queueHeight());
     connect(column, &BrowserColumn::queueLimitChosen, this,
             [&settings](std::optional<int> limit) { settings.setQueueHeight(limit); });
-    columns->addWidget(column, 1);
-
-    auto *stack = new QVBoxLayout(this);
-    stack->setContentsMargins({});
-    stack->setSpacing(0);
-    stack->addLayout(columns, 1);
-    stack->addWidget(new StatusBarView(state, this));
+    auto *columns = rowOf(0, {new SidebarView(state), new Divider(Qt::Vertical), {column, 1}});
+    setLayout(columnOf(0, {{columns, 1}, new StatusBarView(state)}));
 }
 
-void ContentView::paintEvent(QPaintEvent *) {
-    QPainter(this).fillRect(rect(), AppTheme::surface());
-}
-
-ContentGround::ContentGround(QWidget *parent) : QWidget(parent) {}
-
-void ContentGround::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    const QRectF sidebar(0, 0, SidebarView::columnWidth, height());
-    painter.fillRect(rect(), AppTheme::canvas());
-    painter.fillRect(sidebar, AppTheme::sidebar());
-    fillLine(painter, {sidebar.right(), 0, hairline, sidebar.height()}, AppTheme::stroke());
-}
+ContentGround::ContentGround(QWidget *parent)
+    : Canvas(
+          [](QPainter &painter, const QRectF &rect) {
+              const QRectF sidebar(0, 0, SidebarView::columnWidth, rect.height());
+              painter.fillRect(rect, AppTheme::canvas());
+              painter.fillRect(sidebar, AppTheme::sidebar());
+              fillLine(painter, {sidebar.right(), 0, hairline, rect.height()}, AppTheme::stroke());
+          },
+          parent) {}
 
 BrowserColumn::BrowserColumn(QWidget *browser, QWidget *queue, QWidget *parent)
     : QSplitter(Qt::Vertical, parent), m_browser(browser), m_queue(queue) {
     setContentsMargins(padding, padding, padding, bottomPadding);
+    setBackgroundRole(QPalette::AlternateBase); // the canvas
+    setAutoFillBackground(true);
     setHandleWidth(padding);
     setChildrenCollapsible(false);
     addWidget(m_browser);
@@ -165,10 +152,6 @@ bool BrowserColumn::event(QEvent *event) {
 void BrowserColumn::resizeEvent(QResizeEvent *event) {
     QSplitter::resizeEvent(event);
     arrange();
-}
-
-void BrowserColumn::paintEvent(QPaintEvent *) {
-    QPainter(this).fillRect(rect(), AppTheme::canvas());
 }
 
 } // namespace vantrel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kit/Canvas.h"
+
 #include <QSplitter>
 
 #include <optional>
@@ -12,25 +14,15 @@ class Settings;
 /// Everything below the window's title bar: the sidebar, the two panes above the transfer queue, and the
 /// status bar.
 class ContentView : public QWidget {
-    Q_OBJECT
-
 public:
     /// The model and the settings must outlive the view.
     ContentView(AppState *state, Settings &settings, QWidget *parent = nullptr);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
 };
 
 /// The grounds of ContentView without anything on them, for the frame before it: no fonts are needed.
-class ContentGround : public QWidget {
-    Q_OBJECT
-
+class ContentGround : public Canvas {
 public:
     explicit ContentGround(QWidget *parent = nullptr);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
 };
 
 /// The panes with the transfer queue below them. The queue takes the height that its rows need, up to two
@@ -62,7 +54,6 @@ protected:
     [[nodiscard]] QSplitterHandle *createHandle() override;
     bool event(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     [[nodiscard]] int room() const;

@@ -1,5 +1,6 @@
 #include "App/Window/WindowChrome.h"
 
+#include "App/System/Settings.h"
 #include "App/Window/TitleBar.h"
 #include "App/Window/WindowPlacement.h"
 #include "Kit/WindowFrame.h"
@@ -16,8 +17,6 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QLineEdit>
-#include <QMainWindow>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
@@ -30,7 +29,7 @@ namespace vantrel {
 namespace {
 
 bool isWayland() {
-    return QGuiApplication::platformName().startsWith(QLatin1StringView("wayland"));
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
 
 Qt::CursorShape cursorFor(Qt::Edges edges) {
@@ -41,11 +40,26 @@ Qt::CursorShape cursorFor(Qt::Edges edges) {
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
+/// What panels leave free of each screen, that of the primary one first.
+QList<QRect> freeScreens() {
+    QList<QRect> free;
+    for (const QScreen *screen : QGuiApplication::screens())
+        free.append(screen->availableGeometry());
+    return free;
+}
+
+/// What Wayland's compositors keep for their panels they do not tell. A zoomed window that is larger than
+/// what they leave, because its minimum is, they end.
+QSize surelyFree(const QRect &screen) {
+    constexpr QSize panels(160, 160);
+    return isWayland() ? screen.size() - panels : screen.size();
+}
+
 bool takesClicks(const QWidget *widget) {
     return qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QLineEdit *>(widget) ||
            qobject_cast<const QComboBox *>(widget) || qobject_cast<const QAbstractSlider *>(widget) ||
            qobject_cast<const QAbstractSpinBox *>(widget) ||
-           QLatin1StringView(widget->metaObject()->className()).contains(QLatin1StringView("Button"));
+           QLatin1String(widget->metaObject()->className()).contains(QLatin1String("Button"));
 }
 
 } // namespace
@@ -175,10 +189,6 @@ bool WindowChrome::nativeWindowEvent(QEvent *event) {
     }
 }
 
-ChromeMouseEvent WindowChrome::chromeEvent(const QMouseEvent &event) const {
-    return {this, event.position(), m_clickCount};
-}
-
 bool WindowChrome::mousePressed(const QMouseEvent &event) {
     if (event.button() != Qt::LeftButton)
         return false;
@@ -250,10 +260,6 @@ void WindowChrome::pointAt(Qt::Edges edges) {
     m_pointedEdges = edges;
 }
 
-bool WindowChrome::fillsScreen() const {
-    return m_window->isMaximized() || m_window->isFullScreen();
-}
-
 void WindowChrome::fitShape() {
 #ifdef Q_OS_MACOS
     if (m_nativeWindow)
@@ -293,28 +299,38 @@ void WindowChrome::setMinimumSize(QSize size) {
 void WindowChrome::fitMinimum() {
     if (!m_minimum.isValid())
         return;
-    // What Wayland's compositors keep for their panels they do not tell; a zoomed window that is larger than
-    // they say, because its minimum is, they end.
-    constexpr QSize panels(160, 160);
     QSize least = m_minimum;
     if (const auto screen = visibleScreenFrame())
-        least = least.boundedTo(isWayland() ? screen->size() - panels : screen->size());
+        least = least.boundedTo(surelyFree(*screen));
     m_window->setMinimumSize(least);
+}
+
+void WindowChrome::restore(const WindowGeometry &geometry, QSize standard) {
+    const QList<QRect> screens = freeScreens();
+    const QSize minimum = m_window->minimumSize();
+    const QSize size =
+        geometry.size.value_or(standard.boundedTo(surelyFree(screens.value(0, QRect(QPoint(), standard)))));
+    if (geometry.position && !isWayland())
+        m_window->setGeometry(fittedFrame(QRect(*geometry.position, size), minimum, screens));
+    else
+        m_window->resize(fittedFrame(QRect(QPoint(), size), minimum, screens.mid(0, 1)).size());
+    if (geometry.isZoomed)
+        m_window->setWindowState(Qt::WindowMaximized);
+}
+
+WindowGeometry WindowChrome::geometry() const {
+    const QRect normal = m_window->normalGeometry();
+    return {.size = normal.size(),
+            .position = isWayland() ? std::nullopt : std::optional(normal.topLeft()),
+            .isZoomed = m_window->isMaximized()};
 }
 
 void WindowChrome::stayReachable() {
     if (fillsScreen() || !m_window->isVisible() || isWayland()) // there the compositor alone places windows
         return;
-    QList<QRect> screens;
-    for (const QScreen *screen : QGuiApplication::screens())
-        screens.append(screen->availableGeometry());
-    const QRect reachable = reachableFrame(frame(), screens);
+    const QRect reachable = reachableFrame(frame(), freeScreens());
     if (reachable != frame())
         m_window->move(reachable.topLeft());
-}
-
-QRect WindowChrome::frame() const {
-    return m_window->geometry();
 }
 
 std::optional<QRect> WindowChrome::visibleScreenFrame() const {
@@ -340,14 +356,6 @@ bool WindowChrome::isOverControl(QPointF position) const {
             return true;
     }
     return false;
-}
-
-bool WindowChrome::isZoomed() const {
-    return m_window->isMaximized();
-}
-
-bool WindowChrome::isFullScreen() const {
-    return m_window->isFullScreen();
 }
 
 void WindowChrome::setFrame(const QRect &frame) {
@@ -376,10 +384,6 @@ void WindowChrome::toggleZoom() {
 
 void WindowChrome::toggleFullScreen() {
     m_window->setWindowState(m_window->windowState() ^ Qt::WindowFullScreen);
-}
-
-void WindowChrome::minimise() {
-    m_window->showMinimized();
 }
 
 void WindowChrome::startMove(QPointF pressed) {
