@@ -197,6 +197,90 @@ TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
         EXPECT_EQ(contents(here(QString::fromLatin1(name))), QByteArray(200'000, *name));
 }
 
+TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
+    constexpr qsizetype size = 33'000'000;
+    enum class Break { unplugged, paused, sourceChanged, partDamaged };
+    QByteArray bytes(size, '\0');
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = char(i * 31 + i / 4096);
+    const QByteArray other = bytes.mid(size / 2) + bytes.left(size / 2);
+    for (const BrowserSide from : sides) {
+        for (const Break how : {Break::unplugged, Break::paused, Break::sourceChanged, Break::partDamaged}) {
+            SCOPED_TRACE(testing::Message() << (from == BrowserSide::mac ? "push" : "pull") << int(how));
+            writeOn(from, u"film"_s, bytes);
+            phone.resetAll();
+            phone.set(u"stderr-progress"_s, "off");
+            phone.set(u"bandwidth"_s, "30"); // what adb removes at once cannot be kept
+            if (how != Break::paused)
+                phone.set(u"unplug-after"_s, QByteArray::number(size / 2));
+            start();
+            select(from, u"film"_s);
+            from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+            if (how == Break::paused) {
+                ASSERT_TRUE(waitFor([&] {
+                    const auto *progress = state->queue().first().status.progress();
+                    return progress && progress->transferredBytes > size / 8;
+                }));
+                state->pauseTransfers();
+            }
+            ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+            ASSERT_EQ(staged().size(), 1) << statuses().toStdString();
+            EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"film"_s)));
+            const QDir kept(staged().first());
+            ASSERT_EQ(kept.entryList(QDir::Files).size(), 1);
+            const QString part = kept.filePath(kept.entryList(QDir::Files).first());
+            EXPECT_GT(QFileInfo(part).size(), size / 8);
+            if (how == Break::sourceChanged)
+                writeOn(from, u"film"_s, other, oldTime.addDays(1));
+            if (how == Break::partDamaged)
+                write(part, QByteArray(QFileInfo(part).size(), '?'));
+
+            phone.resetAll();
+            phone.set(u"stderr-progress"_s, "off");
+            phone.set(u"log"_s, "on");
+            const bool goesOn = how == Break::unplugged || how == Break::paused;
+            if (goesOn) // whoever begins anew is unplugged
+                phone.set(u"unplug-after"_s, QByteArray::number(size - size / 8));
+            connectPhone();
+            state->resumeTransfers();
+            waitForQueue();
+            EXPECT_EQ(statuses(), u"film:Done"_s);
+            EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == other, how == Break::sourceChanged);
+            EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == bytes, how != Break::sourceChanged);
+            EXPECT_EQ(QFileInfo(pathOn(otherThan(from), u"film"_s)).lastModified(),
+                      QFileInfo(pathOn(from, u"film"_s)).lastModified());
+            // The second time a push always begins so that it can go on.
+            const bool isWhole = !goesOn && (from == BrowserSide::android || how == Break::partDamaged);
+            EXPECT_EQ(runsOf(u"pull"_s) + runsOf(u"push"_s), isWhole ? 1 : 0);
+            EXPECT_TRUE(staged().isEmpty());
+            state->clearQueue();
+            QFile::remove(here(u"film"_s));
+            QFile::remove(phone.hostPath(u"film"_s));
+        }
+    }
+}
+
+TEST_F(CopyTests, whatIsKeptOfACopyGoesWithItsEntry) {
+    for (const BrowserSide from : sides) {
+        writeOn(from, u"film"_s, QByteArray(33'000'000, 'x'));
+        phone.set(u"bandwidth"_s, "20");
+        start();
+        select(from, u"film"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        ASSERT_TRUE(waitFor([&] {
+            const auto *progress = state->queue().first().status.progress();
+            return progress && progress->transferredBytes > 1'000'000;
+        }));
+        state->pauseTransfers();
+        ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+        EXPECT_EQ(staged().size(), 1);
+        from == BrowserSide::mac ? state->removeQueueItem(state->queue().first().id) : state->clearQueue();
+        EXPECT_TRUE(waitFor([&] { return staged().isEmpty(); }));
+        state->resumeTransfers();
+        QFile::remove(pathOn(from, u"film"_s));
+    }
+}
+
 TEST_F(CopyTests, oneBadFileDoesNotEndAFolderAndIsTriedAgainAlone) {
     for (const BrowserSide from : sides) {
         for (const char *name : {"Trip/a", "Trip/bad's one", "Trip/c/d"})

@@ -107,6 +107,7 @@ void TransferRunner::enqueue(const QList<QueueItem> &entries) {
 void TransferRunner::remove(const QUuid &id) {
     for (const auto &run : std::as_const(m_runs))
         run->drop(id);
+    discard({id});
     if (!m_queue.remove(id))
         return;
     noteChange();
@@ -115,18 +116,25 @@ void TransferRunner::remove(const QUuid &id) {
 }
 
 void TransferRunner::clear() {
+    QList<QUuid> removed;
     for (const QueueItem &item : m_queue.items()) {
         if (item.status.is<QueueItemStatus::Transferring>())
             continue;
+        removed.append(item.id);
         for (const auto &run : std::as_const(m_runs)) // one whose turn was fixed
             run->drop(item.id);
     }
+    discard(removed);
     m_notice = QString(); // it has been read
     if (m_queue.clear()) {
         noteChange();
         Q_EMIT queueChanged();
     }
     fillSlots();
+}
+
+QCoro::Task<> TransferRunner::discard(QList<QUuid> entries) {
+    co_await Background::run(this, &discardKeptParts, entries);
 }
 
 void TransferRunner::pause() {

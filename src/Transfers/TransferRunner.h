@@ -118,6 +118,8 @@ private:
     void fillSlots();
     QCoro::Task<> runSlot(QList<QueueItem> entries);
     void finish(const QUuid &id, const CopyReport &report);
+    /// Removes what is kept of copies that will not go on.
+    QCoro::Task<> discard(QList<QUuid> entries);
     void letWait(const std::function<bool(const QueueItem &)> &isMeant);
     void refreshReceivingPane(const QueueItem &item);
     QCoro::Task<> browseAgain(BrowserSide side);
