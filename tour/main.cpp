@@ -77,6 +77,8 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
         QtDesktop desktop(&askForText);
         MainWindow window(desktop, settings, updater);
         desktop.setWindow(&window);
+        if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
+            window.resize(MainWindow::standard); // its screen is smaller than any that people have
         window.show();
         if (!QTest::qWaitFor([&window] { return window.isFurnished(); }))
             throw TourError(QStringLiteral("the window does not appear"));
