@@ -2,12 +2,14 @@
 
 #include "Kit/Accessibility.h"
 #include "Kit/Canvas.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/TextLabel.h"
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
 #include "Transfers/TransferQueue.h"
+#include "Views/FileItemsView.h"
 #include "Views/QueueListView.h"
 
 #include <QProgressBar>
@@ -101,13 +103,15 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
 void TransferQueueView::render() {
     const qsizetype count = m_state->queue().size();
     m_note->setVisible(count > 0);
-    m_clear->setVisible(count > 0);
+    // Not to its neighbours, which do things to copies.
+    const auto heir = [this] { focusEntries(window()); };
+    showWithHeir(m_clear, count > 0, heir);
     renderFigures();
     renderPause();
-    m_tryAll->setVisible(m_state->transferQueue().failedCount() > 0);
-    m_keepAll->setVisible(m_state->transferQueue().nameTakenCount() > 0);
+    showWithHeir(m_tryAll, m_state->transferQueue().failedCount() > 0, heir);
+    showWithHeir(m_keepAll, m_state->transferQueue().nameTakenCount() > 0, heir);
     m_hint->setVisible(count == 0);
-    m_list->setVisible(count > 0);
+    showWithHeir(m_list, count > 0, heir);
     if (std::exchange(m_shownCount, count) != count)
         updateGeometry();
 }
@@ -131,7 +135,8 @@ void TransferQueueView::renderFigures() {
 
 void TransferQueueView::renderPause() {
     const bool isPaused = m_state->isPaused();
-    m_pause->setVisible(isPaused || m_state->isTransferring() || m_state->waitingCount() > 0);
+    showWithHeir(m_pause, isPaused || m_state->isTransferring() || m_state->waitingCount() > 0,
+                 [this] { focusEntries(window()); });
     m_pause->setHelp(isPaused ? QStringLiteral("Resume all transfers")
                               : QStringLiteral("Pause all transfers"));
     IconButton::Look look = m_pause->look();
