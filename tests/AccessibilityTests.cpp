@@ -372,6 +372,8 @@ TEST_F(WholeWindowTests, everythingHasARoleANameAndNoMarkup) {
             if (role == QAccessible::ListItem) {
                 EXPECT_EQ(node->parent()->role(), QAccessible::List) << which;
             }
+            for (int i = 0; role == QAccessible::List && i < node->childCount(); ++i)
+                EXPECT_EQ(node->child(i)->role(), QAccessible::ListItem) << which;
             spinners += role == QAccessible::ProgressBar && node->state().busy;
         }
         EXPECT_TRUE(roles.contains(QAccessible::RadioButton));

@@ -793,6 +793,14 @@ TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
     EXPECT_FALSE(control<TextLabel>(view, u"footerLeading"_s)->isElided());
     EXPECT_TRUE(control<TextLabel>(view, u"footerTrailing"_s)->isElided());
     EXPECT_GT(control<TextLabel>(view, u"footerTrailing"_s)->width(), 60);
+    // Of a long error its end is seen, which is the reason.
+    const auto errorFor = [this](const QString &reason) {
+        pane.footerTrailing = u"ls: /sdcard/"_s + QString(200, u'p') + u": "_s + reason;
+        show();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        return control<TextLabel>(view, u"footerTrailing"_s)->grab().toImage();
+    };
+    EXPECT_NE(errorFor(u"Permission denied"_s), errorFor(u"Input/output error"_s));
 }
 
 // -- Both panes on a model
