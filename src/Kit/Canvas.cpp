@@ -1,11 +1,16 @@
 #include "Kit/Canvas.h"
 
+#include "Kit/Accessibility.h"
 #include "Kit/Shapes.h"
 #include "Theme/AppTheme.h"
 
 #include <QPainter>
 
 namespace vantrel {
+
+Canvas::Canvas(Paint paint, QWidget *parent) : QWidget(parent), m_paint(std::move(paint)) {
+    describe(this, QAccessible::Graphic, {});
+}
 
 void Canvas::paintEvent(QPaintEvent *) {
     QPainter painter(this);
@@ -17,11 +22,14 @@ Card::Card(double radius, QWidget *parent)
           [radius](QPainter &painter, const QRectF &rect) {
               paintCard(painter, rect, radius, AppTheme::surface(), AppTheme::stroke());
           },
-          parent) {}
+          parent) {
+    describe(this, QAccessible::Grouping, {});
+}
 
 Divider::Divider(Qt::Orientation orientation, QWidget *parent)
     : Canvas([](QPainter &painter, const QRectF &rect) { fillLine(painter, rect, AppTheme::stroke()); },
              parent) {
+    describe(this, QAccessible::Separator, {});
     orientation == Qt::Horizontal ? setFixedHeight(1) : setFixedWidth(1);
 }
 

@@ -12,7 +12,7 @@ public:
     /// Paints on a rectangle in the colours of the moment: it runs again when the scheme changes.
     using Paint = std::function<void(QPainter &painter, const QRectF &rect)>;
 
-    explicit Canvas(Paint paint, QWidget *parent = nullptr) : QWidget(parent), m_paint(std::move(paint)) {}
+    explicit Canvas(Paint paint, QWidget *parent = nullptr);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

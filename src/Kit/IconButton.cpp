@@ -1,5 +1,6 @@
 #include "Kit/IconButton.h"
 
+#include "Kit/Accessibility.h"
 #include "Kit/Shapes.h"
 
 #include <QKeyEvent>
@@ -11,9 +12,9 @@ PlainButton::PlainButton(QWidget *parent) : QAbstractButton(parent) {
     setFocusPolicy(Qt::TabFocus);
 }
 
-void PlainButton::setHelp(const QString &help) {
+void PlainButton::setHelp(const QString &help, QAccessible::Role role) {
     setToolTip(plainToolTip(help));
-    setAccessibleName(help);
+    describe(this, role, help);
 }
 
 void PlainButton::paintEvent(QPaintEvent *) {

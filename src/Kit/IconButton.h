@@ -4,6 +4,7 @@
 #include "Theme/AppTheme.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 
 namespace vantrel {
 
@@ -16,8 +17,13 @@ class PlainButton : public QAbstractButton {
 public:
     explicit PlainButton(QWidget *parent = nullptr);
 
-    /// The tool tip, which is also the name for assistive technology.
-    void setHelp(const QString &help);
+    /// The tool tip, which is also the name for assistive technology, and what kind of control it is there.
+    void setHelp(const QString &help, QAccessible::Role role = QAccessible::Button);
+
+    /// Partly, when it stands for several things of which only some are on.
+    [[nodiscard]] virtual Qt::CheckState checkState() const {
+        return isChecked() ? Qt::Checked : Qt::Unchecked;
+    }
 
     /// Corner radius of the focus ring, in layout pixels.
     void setRingRadius(double radius) { m_ringRadius = radius; }

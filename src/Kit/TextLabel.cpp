@@ -38,6 +38,16 @@ void TextLabel::setMaximumLines(int lines) {
     update();
 }
 
+void TextLabel::setElision(Elision elision) {
+    m_elision = elision;
+    update();
+}
+
+void TextLabel::setKeptWidth(int width) {
+    m_keptWidth = width;
+    updateGeometry();
+}
+
 bool TextLabel::isElided() const {
     if (m_maximumLines == 1)
         return m_style.width(text()) > width();
@@ -67,7 +77,7 @@ bool TextLabel::event(QEvent *event) {
 void TextLabel::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (m_maximumLines == 1)
-        paintText(painter, rect(), text(), m_style, m_color, alignment());
+        paintText(painter, rect(), text(), m_style, m_color, alignment(), m_elision);
     else
         paintLines(painter, rect(), text(), m_style, m_color, m_maximumLines,
                    alignment() & Qt::AlignHorizontal_Mask);

@@ -22,12 +22,18 @@ public:
     void setText(const QString &text);
     void setColor(const ThemeColor &color);
     void setMaximumLines(int lines);
+    /// Where a single line is shortened; at first at its end.
+    void setElision(Elision elision);
+    /// How wide it stays, if its text needs that much: another text beside it yields first. Layout pixels.
+    void setKeptWidth(int width);
 
     /// Whether the text is shortened at the current width.
     [[nodiscard]] bool isElided() const;
 
     [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override { return {0, m_style.lineHeight()}; }
+    [[nodiscard]] QSize minimumSizeHint() const override {
+        return {qMin(m_keptWidth, sizeHint().width()), m_style.lineHeight()};
+    }
     [[nodiscard]] bool hasHeightForWidth() const override { return m_maximumLines > 1; }
     [[nodiscard]] int heightForWidth(int width) const override;
 
@@ -39,6 +45,8 @@ private:
     TextStyle m_style;
     ThemeColor m_color;
     int m_maximumLines = 1;
+    int m_keptWidth = 0;
+    Elision m_elision = Elision::end;
 };
 
 } // namespace vantrel

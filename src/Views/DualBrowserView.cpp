@@ -35,10 +35,20 @@ DualBrowserView::DualBrowserView(AppState *state, QWidget *parent) : QWidget(par
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(10);
-    row->addWidget(new AndroidBrowserPane(state), 1);
-    row->addWidget(new TransferButtons(state));
-    row->addWidget(new MacBrowserPane(state), 1);
+    auto *android = new AndroidBrowserPane(state);
+    auto *mac = new MacBrowserPane(state);
+    row->addWidget(android, 1);
+    row->addWidget(new TransferButtons(state, android, mac));
+    row->addWidget(mac, 1);
     setMinimumHeight(320);
+
+    // However the keyboard came there: the keys below act on the pane that has it.
+    connect(qApp, &QApplication::focusChanged, this, [=](QWidget *, QWidget *now) {
+        if (now && android->isAncestorOf(now))
+            state->setFocusedBrowserSide(BrowserSide::android);
+        else if (now && mac->isAncestorOf(now))
+            state->setFocusedBrowserSide(BrowserSide::mac);
+    });
 }
 
 DualBrowserView::KeyOutcome DualBrowserView::handleKeyEvent(const QKeyEvent &event, AppState &state) {

@@ -76,7 +76,8 @@ void FileGridCell::paint(QPainter &painter, const QRectF &rect) const {
     const int lines = paintLines(painter, parts.name, item.name, nameStyle, AppTheme::ink(),
                                  FileGridCellGeometry::nameLines);
     const QRectF caption = parts.caption.translated(0, lines > 1 ? nameStyle.lineHeight() : 0);
-    paintText(painter, caption, captionLabel(), captionStyle, AppTheme::inkTertiary(), Qt::AlignCenter);
+    paintText(painter, caption, captionLabel(), captionStyle, AppTheme::inkTertiary(), Qt::AlignCenter,
+              Elision::middle);
 }
 
 } // namespace vantrel

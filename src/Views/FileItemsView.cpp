@@ -2,19 +2,23 @@
 
 #include "Kit/Shapes.h"
 #include "Views/FileDelegate.h"
+#include "Views/FileItemsAccessibility.h"
 #include "Views/FileItemsModel.h"
 
+#include <QAccessible>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <functional>
 
 namespace vantrel {
 
 FileItemsView::FileItemsView(FileItemsModel *model, FileSelectionModel *selection, FileDelegate *delegate,
                              QWidget *parent)
     : QListView(parent), m_delegate(delegate) {
+    makeFileItemsAccessible();
     delegate->setParent(this);
     setItemDelegate(delegate);
     setModel(model);
@@ -222,6 +226,14 @@ void FileItemsView::currentChanged(const QModelIndex &current, const QModelIndex
         QListView::currentChanged(current, previous);
 }
 
+void FileItemsView::announceFocus() {
+    if (!hasFocus() || !focusedIndex().isValid())
+        return;
+    QAccessibleEvent event(this, QAccessible::Focus);
+    event.setChild(focusedIndex().row());
+    QAccessible::updateAccessibility(&event);
+}
+
 void FileItemsView::showFocus() {
     m_showsFocus = true;
     const int lines = viewport()->height() / pitch();
@@ -259,6 +271,13 @@ void FileItemsView::focusOutEvent(QFocusEvent *event) {
         viewport()->update();
     else
         hideFocus();
+}
+
+void focusEntries(const QWidget *window) {
+    const auto views = window->findChildren<FileItemsView *>();
+    const auto shown = std::find_if(views.begin(), views.end(), std::mem_fn(&QWidget::isVisible));
+    if (shown != views.end())
+        (*shown)->takeFocus();
 }
 
 } // namespace vantrel

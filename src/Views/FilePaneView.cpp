@@ -3,6 +3,7 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Boxes.h"
 #include "Kit/Canvas.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
@@ -110,10 +111,13 @@ QWidget *FilePaneView::makeHeader() {
         return tool;
     };
     const auto mode = [&](const char *name, const char *symbol, const char *help, PaneViewMode shown) {
-        return makeTool(name, symbol, help, [this, shown] {
+        auto *tool = makeTool(name, symbol, help, [this, shown] {
             if (m_pane.viewMode)
                 call(m_pane.viewMode->set, shown);
         });
+        tool->setCheckable(true);
+        tool->setHelp(QLatin1String(help), QAccessible::RadioButton);
+        return tool;
     };
     auto *back = action("back", "chevron.left", "Go back", &FilePane::onBack);
     auto *home = action("home", "house", "Go to Home", &FilePane::onHome);
@@ -191,6 +195,10 @@ QWidget *FilePaneView::makeFooter() {
     m_footerTrailing =
         named(QStringLiteral("footerTrailing"), new TextLabel(style, AppTheme::inkSecondary()));
     m_footerTrailing->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // The summary of the selection stays beside an error. That has its reason at its end.
+    constexpr int summaryWidth = 180;
+    m_footerLeading->setKeptWidth(summaryWidth);
+    m_footerTrailing->setElision(Elision::middle);
     return stackOf(new Divider, barOf(8, 8, {m_footerLeading, BoxItem::room(1), m_footerTrailing}));
 }
 
@@ -210,8 +218,6 @@ void FilePaneView::setPane(const FilePane &pane) {
     if (isFirst || before.title != m_pane.title) {
         m_title->setText(m_pane.title);
         describe(this, QAccessible::Pane, m_pane.title);
-        m_list->setAccessibleName(m_pane.title);
-        m_grid->setAccessibleName(m_pane.title);
     }
     m_path->setText(m_pane.pathLabel);
     m_footerLeading->setText(m_pane.footerLeading);
@@ -229,16 +235,19 @@ void FilePaneView::setPane(const FilePane &pane) {
         m_grid->startAtTop();
     }
     showEntries();
-    m_columnHeaders->setVisible(!isGrid());
-    m_gridBar->setVisible(isGrid() && m_pane.onToggleSelectAll);
+    const auto heir = [this] { entries()->takeFocus(); };
+    showWithHeir(m_columnHeaders, !isGrid(), heir);
+    showWithHeir(m_gridBar, isGrid() && m_pane.onToggleSelectAll, heir);
+    announceEntries();
 
     if (!isFirst && before.focusSearchToken != m_pane.focusSearchToken)
         m_searchField->setFocus(Qt::OtherFocusReason);
 }
 
 void FilePaneView::showTools() {
-    const auto show = [](IconButton *tool, bool isEnabled, bool isActive = false) {
-        tool->setEnabled(isEnabled);
+    const auto heir = [this] { entries()->takeFocus(); };
+    const auto show = [&](IconButton *tool, bool isEnabled, bool isActive = false) {
+        enableWithHeir(tool, isEnabled, heir);
         tool->setLook({.symbol = tool->look().symbol,
                        .glyph = isActive ? AppTheme::accent() : AppTheme::inkSecondary(),
                        .fill = isActive ? AppTheme::accentSoft() : AppTheme::surface(),
@@ -248,11 +257,10 @@ void FilePaneView::showTools() {
     for (const auto &[tool, action] : m_actions)
         show(tool, bool(m_pane.*action));
     for (IconButton *tool : m_folderTools)
-        tool->setVisible(m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder);
+        showWithHeir(tool, m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder, heir);
     const bool hasModes = m_pane.viewMode.has_value();
     for (const auto &[tool, isOn] : {std::pair(m_listTool, !isGrid()), std::pair(m_gridTool, isGrid())}) {
         show(tool, hasModes, hasModes && isOn);
-        tool->setCheckable(true);
         tool->setChecked(hasModes && isOn);
     }
 }
@@ -270,10 +278,9 @@ void FilePaneView::showSearch() {
     const AndroidSearchScope scope =
         m_pane.searchScope ? m_pane.searchScope->value : AndroidSearchScope::thisFolder;
     m_searchField->setPlaceholderText(searchPlaceholder(scope));
-    m_searchField->setAccessibleName(searchPlaceholder(scope));
-    if (m_pane.searchText->value.isEmpty() && m_clearSearch->hasFocus())
-        m_searchField->setFocus(Qt::OtherFocusReason);
-    m_clearSearch->setVisible(!m_pane.searchText->value.isEmpty());
+    setAccessibleTexts(m_searchField, searchPlaceholder(scope));
+    showWithHeir(m_clearSearch, !m_pane.searchText->value.isEmpty(),
+                 [this] { m_searchField->setFocus(Qt::OtherFocusReason); });
 }
 
 void FilePaneView::showEntries() {
@@ -289,10 +296,22 @@ void FilePaneView::showEntries() {
         entries()->setFocus(hadRing ? Qt::TabFocusReason : Qt::OtherFocusReason);
 }
 
+/// To those who do not see that another folder is here, once all of it is.
+void FilePaneView::announceEntries() {
+    const QString before = entries()->accessibleDescription();
+    const int count = m_items->rowCount();
+    const QString number = count == 1 ? QStringLiteral(", 1 item") : QStringLiteral(", %L1 items").arg(count);
+    const QString now = m_state.isLoading() ? before : QString(displayText(m_pane.pathLabel) + number);
+    setAccessibleTexts(entries(), m_pane.title, now);
+    if (now != before)
+        entries()->announceFocus();
+}
+
 void FilePaneView::showSelectAll() {
     const PaneSelectAllState state = m_state.selectAllState();
     for (SelectAllBox *box : {m_columnSelectAll, m_gridSelectAll}) {
-        box->setEnabled(m_pane.onToggleSelectAll && m_items->rowCount() > 0);
+        enableWithHeir(box, m_pane.onToggleSelectAll && m_items->rowCount() > 0,
+                       [this] { entries()->takeFocus(); });
         box->setSelection(state);
     }
     m_gridSelectAllTitle->setText(SelectAllBox::title(state));

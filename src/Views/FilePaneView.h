@@ -49,6 +49,7 @@ private:
     void showSearch();
     void showSelectAll();
     void showEntries();
+    void announceEntries();
     [[nodiscard]] bool isGrid() const;
     [[nodiscard]] FileItemsView *entries() const { return isGrid() ? m_grid : m_list; }
 

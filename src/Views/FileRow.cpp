@@ -100,7 +100,8 @@ void FileRow::paint(QPainter &painter, const QRectF &rect) const {
 
     paintText(painter, parts.name, item.name, nameStyle, AppTheme::ink());
     if (showsLocation)
-        paintText(painter, parts.location, locationLabel(), locationStyle, AppTheme::inkTertiary());
+        paintText(painter, parts.location, locationLabel(), locationStyle, AppTheme::inkTertiary(),
+                  Qt::AlignLeft | Qt::AlignVCenter, Elision::middle);
 
     constexpr auto trailing = Qt::AlignRight | Qt::AlignVCenter;
     paintText(painter, parts.size, item.sizeLabel(), columnStyle, AppTheme::inkSecondary(), trailing);

@@ -3,6 +3,7 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Boxes.h"
 #include "Kit/Canvas.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/Spinner.h"
@@ -10,6 +11,7 @@
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
+#include "Views/FileItemsView.h"
 
 #include <QPainter>
 #include <QProgressBar>
@@ -47,7 +49,7 @@ public:
         : PlainButton(parent), m_symbol{shortcut.systemImage, 13, Weight::semibold}, m_title(shortcut.title),
           m_loading(new Spinner(Spinner::Size::mini, QStringLiteral("Loading ") + shortcut.title, this)) {
         setObjectName(QStringLiteral("sidebar.shortcut.") + shortcut.title);
-        setHelp(QStringLiteral("Browse ") + shortcut.title);
+        setHelp(QStringLiteral("Browse ") + shortcut.title, QAccessible::RadioButton);
         setCheckable(true);
         setRingRadius(radius);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -190,7 +192,8 @@ void SidebarView::render() {
                       : connected ? QStringLiteral("Connected")
                                   : QStringLiteral("Disconnected"));
     m_status->setColor(statusColor());
-    m_refresh->setEnabled(!refreshing);
+    // Not to a shortcut: the next stroke of the same key would leave the folder.
+    enableWithHeir(m_refresh, !refreshing, [this] { focusEntries(window()); });
 
     const QString message = m_state->deviceStatusMessage().value_or(QString());
     m_message->setText(message);

@@ -1,16 +1,18 @@
 #include "Views/TransferButtons.h"
 
 #include "Kit/Boxes.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "MacFiles/ThisComputer.h"
 #include "State/AppState.h"
+#include "Views/FileItemsView.h"
 
 namespace vantrel {
 
 namespace {
 
-void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
-    button->setEnabled(enabled);
+void setEnabledLook(IconButton *button, const QString &symbol, bool enabled, const QWidget *source) {
+    enableWithHeir(button, enabled, [source] { focusEntries(source); });
     button->setLook({.symbol = {symbol, 13, Weight::bold},
                      .glyph = enabled ? AppTheme::onAccent() : AppTheme::inkTertiary(),
                      .fill = enabled ? AppTheme::accent() : AppTheme::surface(),
@@ -20,8 +22,8 @@ void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
 
 } // namespace
 
-TransferButtons::TransferButtons(AppState *state, QWidget *parent)
-    : QWidget(parent), m_state(state),
+TransferButtons::TransferButtons(AppState *state, QWidget *android, QWidget *mac)
+    : m_state(state), m_android(android), m_mac(mac),
       m_toMac(named(QStringLiteral("transferToMac"), new IconButton({34, 34}, 8))),
       m_toAndroid(named(QStringLiteral("transferToAndroid"), new IconButton({34, 34}, 8))) {
     m_toMac->setHelp(QStringLiteral("Transfer selected Android items to ") + thisComputer());
@@ -40,9 +42,9 @@ TransferButtons::TransferButtons(AppState *state, QWidget *parent)
 void TransferButtons::render() {
     const bool connected = m_state->device().isConnected;
     setEnabledLook(m_toMac, QStringLiteral("chevron.right"),
-                   connected && !m_state->androidSelectedIDs().isEmpty());
+                   connected && !m_state->androidSelectedIDs().isEmpty(), m_android);
     setEnabledLook(m_toAndroid, QStringLiteral("chevron.left"),
-                   connected && !m_state->macSelectedIDs().isEmpty());
+                   connected && !m_state->macSelectedIDs().isEmpty(), m_mac);
 }
 
 } // namespace vantrel

@@ -2,6 +2,7 @@
 
 #include "Kit/Accessibility.h"
 #include "Kit/Canvas.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/TextButton.h"
 #include "Kit/TextLabel.h"
@@ -9,6 +10,7 @@
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
+#include "Views/FileItemsView.h"
 #include "Views/QueueListView.h"
 
 #include <QLocale>
@@ -115,15 +117,23 @@ void TransferQueueView::render() {
     m_note->setText(notice.isEmpty() ? QStringLiteral("Copy only — originals are kept") : notice);
     m_note->setColor(notice.isEmpty() ? AppTheme::inkTertiary() : AppTheme::danger());
     m_note->setVisible(!notice.isEmpty() || (count > 0 && !isToDecide)); // there is no room for all
-    m_clear->setVisible(!notice.isEmpty() || count > 0);
+    // Not to their neighbours, which do things to copies.
+    const auto heir = [this] { focusEntries(window()); };
+    const auto orTo = [&heir](QWidget *other) {
+        return [&heir, other] { other->isHidden() ? heir() : other->setFocus(Qt::TabFocusReason); };
+    };
+    showWithHeir(m_clear, !notice.isEmpty() || count > 0, heir);
     renderFigures();
-    m_pause->setVisible(!m_transfers->isPaused() &&
-                        (m_transfers->isTransferring() || queue.waitingCount() > 0));
-    m_resume->setVisible(m_transfers->isPaused() || queue.pausedCount() > 0);
-    m_tryAll->setVisible(queue.failedCount() > 0);
-    m_keepAll->setVisible(queue.nameTakenCount() > 0);
+    const bool mayPause =
+        !m_transfers->isPaused() && (m_transfers->isTransferring() || queue.waitingCount() > 0);
+    const bool mayResume = m_transfers->isPaused() || queue.pausedCount() > 0;
+    m_resume->setVisible(m_resume->isVisibleTo(this) || mayResume);
+    showWithHeir(m_pause, mayPause, orTo(m_resume));
+    showWithHeir(m_resume, mayResume, orTo(m_pause));
+    showWithHeir(m_tryAll, queue.failedCount() > 0, heir);
+    showWithHeir(m_keepAll, queue.nameTakenCount() > 0, heir);
     m_hint->setVisible(count == 0);
-    m_list->setVisible(count > 0);
+    showWithHeir(m_list, count > 0, heir);
     if (std::exchange(m_shownCount, count) != count)
         updateGeometry();
     m_list->keepInSight(queue.activeRows());
