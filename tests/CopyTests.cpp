@@ -221,7 +221,7 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
                     const auto *progress = state->queue().first().status.progress();
                     return progress && progress->transferredBytes > size / 8;
                 }));
-                state->pauseTransfers();
+                state->transfers().pause();
             }
             ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
             ASSERT_EQ(staged().size(), 1) << statuses().toStdString();
@@ -242,7 +242,7 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             if (goesOn) // whoever begins anew is unplugged
                 phone.set(u"unplug-after"_s, QByteArray::number(size - size / 8));
             connectPhone();
-            state->resumeTransfers();
+            state->transfers().resume();
             waitForQueue();
             EXPECT_EQ(statuses(), u"film:Done"_s);
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == other, how == Break::sourceChanged);
@@ -271,12 +271,12 @@ TEST_F(CopyTests, whatIsKeptOfACopyGoesWithItsEntry) {
             const auto *progress = state->queue().first().status.progress();
             return progress && progress->transferredBytes > 1'000'000;
         }));
-        state->pauseTransfers();
+        state->transfers().pause();
         ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
         EXPECT_EQ(staged().size(), 1);
         from == BrowserSide::mac ? state->removeQueueItem(state->queue().first().id) : state->clearQueue();
         EXPECT_TRUE(waitFor([&] { return staged().isEmpty(); }));
-        state->resumeTransfers();
+        state->transfers().resume();
         QFile::remove(pathOn(from, u"film"_s));
     }
 }

@@ -247,8 +247,8 @@ private:
                 const QString begun =
                     AndroidPath::join(AndroidPath::join(m_job.folder, name), stagedName(file));
                 const QString staged = AndroidPath::join(staging, stagedName(file));
-                if (isPull())
-                    [[maybe_unused]] const auto moved = LocalFiles::place(begun, staged);
+                if (isPull()) [[maybe_unused]]
+                    const auto moved = LocalFiles::place(begun, staged);
                 else
                     moves.append({begun, staged});
             }
