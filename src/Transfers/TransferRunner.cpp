@@ -207,7 +207,7 @@ bool TransferRunner::mayStart(const QueueItem &item) const {
 /// in one step on the main thread, so that nothing that is queued meanwhile is left waiting.
 void TransferRunner::fillSlots() {
     constexpr qsizetype mostTogether = 1000;
-    constexpr qsizetype few = 4 * concurrentCopies;
+    constexpr qsizetype few = qsizetype{4} * concurrentCopies;
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
