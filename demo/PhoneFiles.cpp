@@ -127,6 +127,31 @@ bool PhoneFiles::isDenied(const std::string &phonePath) const {
 }
 
 Place PhoneFiles::resolve(const std::string &path, Links links) const {
+    const std::size_t slash = path.rfind('/');
+    const std::string name = path.substr(slash + 1);
+    if (slash == std::string::npos || slash == 0 || name.empty() || name == "." || name == "..")
+        return resolveEachComponent(path, links);
+    if (const std::string folder = path.substr(0, slash); folder != m_folder) {
+        m_folderPlace = resolveEachComponent(folder, Links::follow);
+        m_folder = folder;
+    }
+    Place place = m_folderPlace;
+    place.phonePath = joined(place.phonePath, name);
+    place.hostPath = hostPathOf(place.phonePath);
+    struct stat folderStatus {};
+    struct stat status {};
+    if (place.error != 0 || m_folderPlace.hostPath.empty() ||
+        ::lstat(m_folderPlace.hostPath.c_str(), &folderStatus) != 0 || !S_ISDIR(folderStatus.st_mode))
+        return resolveEachComponent(path, links);
+    if (::lstat(place.hostPath.c_str(), &status) != 0)
+        place.error = errno;
+    else if (S_ISLNK(status.st_mode) && links == Links::follow)
+        return resolveEachComponent(path, links);
+    place.denied = place.denied || isDenied(place.phonePath);
+    return place;
+}
+
+Place PhoneFiles::resolveEachComponent(const std::string &path, Links links) const {
     Place place;
     std::vector<std::string> done;
     std::deque<std::string> pending = componentsOf(path);

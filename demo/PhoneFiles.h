@@ -44,8 +44,12 @@ public:
 private:
     [[nodiscard]] std::string hostPathOf(const std::string &phonePath) const;
     [[nodiscard]] bool isDenied(const std::string &phonePath) const;
+    [[nodiscard]] Place resolveEachComponent(const std::string &path, Links links) const;
 
     const SettingsSource &m_settings;
+    /// The folder of the path that was worked out last: most commands name hundreds of paths in one.
+    mutable std::string m_folder;
+    mutable Place m_folderPlace;
 };
 
 /// Whether the phone may read this. Asks the mode rather than the system, since root may read everything.

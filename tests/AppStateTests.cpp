@@ -162,6 +162,42 @@ TEST_F(AppStateTests, aPhoneWhoseStorageCannotBeReadIsThere) {
     EXPECT_EQ(state->device().totalBytes, 0);
 }
 
+TEST_F(AppStateTests, namesThatAreNoTextAreShownAndRefusedInWords) {
+    phone.set(u"ls.stdout"_s, "-rw-rw---- 1 a a 5 2024-05-01 13:07 good\\ one\n"
+                              "-rw-rw---- 1 a a 5 2024-05-01 13:07 bad\\377\n"
+                              "drwxrwx--- 1 a a 5 2024-05-01 13:07 ba\\376\n");
+    phone.set(u"ls.stderr"_s, "ls: /sdcard/x: Permission denied\n");
+    phone.set(u"ls.exit"_s, "1");
+    connectPhone();
+    EXPECT_EQ(shownOfPhone(), u"ba\ufffd bad\ufffd good one"_s);
+    EXPECT_EQ(state->androidFooterStats(), u"3 items • 10 bytes • 1 entry could not be read"_s);
+    phone.set(u"ls.stderr"_s, "ls: /sdcard/x: x\nls: /sdcard/y: x\nls: /sdcard/z: x\n");
+    browsePhone(u"/sdcard"_s);
+    EXPECT_TRUE(state->androidFooterStats().endsWith(u" • 3 entries could not be read"_s));
+
+    for (const FileItem &item : state->androidItems()) {
+        state->openAndroidFile(item);
+        if (!item.isNameExact) {
+            EXPECT_EQ(state->androidBrowseError(),
+                      u"“"_s + item.name + u"” can’t be opened: its name on the phone is not text."_s);
+        }
+    }
+    ASSERT_TRUE(waitFor([&] { return !state->isOpeningAndroidFile(); }));
+    browseHere();
+    select(BrowserSide::android, u"bad\ufffd"_s);
+    state->transferAndroidToMac();
+    EXPECT_TRUE(state->queue().isEmpty());
+    EXPECT_EQ(state->androidBrowseError(),
+              u"“bad\ufffd” can’t be copied: its name on the phone is not text."_s);
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    EXPECT_EQ(state->androidBrowseError(),
+              u"2 entries can’t be copied: their names on the phone are not text."_s);
+    ASSERT_EQ(state->queue().size(), 1);
+    EXPECT_EQ(state->queue().first().name, u"good one"_s);
+    waitForQueue();
+}
+
 TEST_F(AppStateTests, aListingOfThePhoneThatLeftIsDropped) {
     phone.write(u"a.txt"_s, "x");
     connectPhone();

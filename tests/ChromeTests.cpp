@@ -272,6 +272,27 @@ TEST(WindowPlacementTests, keepsTheTitleBarReachable) {
         EXPECT_EQ(reachableFrame(frame, screens), QRect(expected, frame.size())) << what;
 }
 
+TEST(WindowPlacementTests, fitsARememberedFrameToTheScreensOfToday) {
+    constexpr QRect left(0, 28, 1920, 1052);
+    constexpr QRect right(1920, 0, 1280, 1024);
+    constexpr QRect small(0, 0, 1024, 600);
+    constexpr QSize minimum(1100, 720);
+    const std::tuple<const char *, QRect, QList<QRect>, QRect> cases[] = {
+        {"as it was", {200, 100, 1280, 820}, {left}, {200, 100, 1280, 820}},
+        {"on the second screen", {1920, 10, 1280, 820}, {left, right}, {1920, 10, 1280, 820}},
+        {"that is gone", {1960, 10, 1280, 820}, {left}, {320, 144, 1280, 820}},
+        {"mostly on the second", {1800, 10, 1200, 820}, {left, right}, {1920, 10, 1200, 820}},
+        {"beyond an edge", {-700, 500, 1280, 820}, {left}, {0, 260, 1280, 820}},
+        {"a smaller screen", {100, 100, 1800, 1000}, {{0, 0, 1366, 728}}, {0, 0, 1366, 728}},
+        {"smaller than the minimum", {100, 100, 1800, 1000}, {small}, small},
+        {"smaller than it may be", {100, 100, 1, 1}, {left}, {100, 100, 1100, 720}},
+        {"far off", {100'000, -100'000, 100'000, 100'000}, {left}, left},
+        {"no screen at all", {5000, 100, 1280, 820}, {}, {5000, 100, 1280, 820}},
+    };
+    for (const auto &[what, frame, screens, expected] : cases)
+        EXPECT_EQ(fittedFrame(frame, minimum, screens), expected) << what;
+}
+
 TEST(WindowPlacementTests, dragsAMaximisedWindowOutUnderTheMouse) {
     for (const double x : {0.0, 480.0, 1919.0}) {
         const QPoint mouse(qRound(x) + 7, 90); // it has moved on since the press

@@ -57,11 +57,9 @@ TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
         TextPrompt *shown = prompt();
         ASSERT_NE(shown, nullptr);
         EXPECT_FALSE(future.isFinished()) << "nobody has answered yet";
-        EXPECT_TRUE(shown->isModal());
         EXPECT_EQ(field(shown)->size(), QSize(240, 24));
         EXPECT_EQ(field(shown)->selectedText(), u"New Folder"_s);
-        ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == shown; }));
-        EXPECT_TRUE(field(shown)->hasFocus());
+        ASSERT_TRUE(waitFor([&] { return field(shown)->hasFocus(); }));
         answer(shown);
         ASSERT_TRUE(future.isFinished());
         EXPECT_EQ(future.result(), expected);
@@ -81,7 +79,7 @@ TEST_F(DesktopTests, theModelMakesTheFolderThatWasAskedFor) {
     model->browseMac(mac.path());
     ASSERT_TRUE(waitFor([&] { return !model->isLoadingMac(); }));
     model->createMacFolder();
-    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == prompt(); }));
+    ASSERT_TRUE(waitFor([&] { return prompt()->findChild<QLineEdit *>()->hasFocus(); }));
     QTest::keyClicks(prompt()->findChild<QLineEdit *>(), u"  Lisbon "_s);
     QTest::keyClick(prompt()->findChild<QLineEdit *>(), Qt::Key_Return);
     ASSERT_TRUE(waitFor([&] { return QDir(mac.filePath(u"Lisbon"_s)).exists(); }));
@@ -91,11 +89,11 @@ TEST_F(DesktopTests, theModelMakesTheFolderThatWasAskedFor) {
 TEST_F(DesktopTests, theFolderChooserAnswersThroughItsFuture) {
     QDir(mac.path()).mkpath(u"inside"_s);
     for (const bool accepted : {true, false}) {
-        const auto future = real.chooseFolder(u"Choose a Mac folder"_s, u"Choose"_s, mac.path());
+        const auto future = real.chooseFolder(u"Choose a folder"_s, u"Choose"_s, mac.path());
         auto *chooser = window->findChild<QFileDialog *>();
         ASSERT_NE(chooser, nullptr);
         EXPECT_FALSE(future.isFinished());
-        EXPECT_EQ(chooser->windowTitle(), u"Choose a Mac folder"_s);
+        EXPECT_EQ(chooser->windowTitle(), u"Choose a folder"_s);
         EXPECT_EQ(chooser->labelText(QFileDialog::Accept), u"Choose"_s);
         EXPECT_EQ(QDir(chooser->directory()).canonicalPath(), QDir(mac.path()).canonicalPath());
         chooser->selectFile(mac.filePath(u"inside"_s));

@@ -2,7 +2,9 @@
 #include "Kit/Spinner.h"
 #include "Kit/TextLabel.h"
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
 #include "MacFiles/MacFileClient.h"
+#include "MacFiles/ThisComputer.h"
 #include "Records/Identity.h"
 #include "Views/AndroidBrowserPane.h"
 #include "Views/DualBrowserView.h"
@@ -25,7 +27,6 @@
 #include <QPaintEvent>
 #include <QPointer>
 #include <QScrollBar>
-#include <QToolTip>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -669,9 +670,9 @@ TEST_P(PaneLayoutTests, aCutNameShowsInFullUnderTheMouse) {
         QCoreApplication::sendEvent(viewport, &event);
     };
     rest(0);
-    EXPECT_EQ(QToolTip::text(), plainToolTip(longName));
+    EXPECT_EQ(ToolTips::text(), longName);
     rest(1);
-    EXPECT_TRUE(waitFor([] { return !QToolTip::isVisible(); })) << "it sticks to another entry";
+    EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it sticks to another entry";
 }
 
 TEST_F(FilePaneTests, tabReachesEveryControlInReadingOrder) {
@@ -864,7 +865,7 @@ TEST_F(DualBrowserTests, theTwoPanesShareTheWidthEqually) {
     }
     EXPECT_EQ(view->minimumHeight(), 320);
     EXPECT_EQ(text(android(), u"title"_s), u"Android Device");
-    EXPECT_EQ(text(mac(), u"title"_s), u"Mac");
+    EXPECT_EQ(text(mac(), u"title"_s), thisComputer());
     EXPECT_FALSE(mac().findChild<QLineEdit *>(u"searchField"_s)->isVisible());
     EXPECT_FALSE(android().findChild<IconButton *>(u"home"_s)->isVisible());
 }
@@ -872,8 +873,10 @@ TEST_F(DualBrowserTests, theTwoPanesShareTheWidthEqually) {
 TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
     auto *toMac = control<IconButton>(*view, u"transferToMac"_s);
     auto *toAndroid = control<IconButton>(*view, u"transferToAndroid"_s);
-    EXPECT_EQ(accessible(toMac)->text(QAccessible::Name), u"Transfer selected Android items to Mac");
-    EXPECT_EQ(accessible(toAndroid)->text(QAccessible::Name), u"Transfer selected Mac items to Android");
+    EXPECT_EQ(accessible(toMac)->text(QAccessible::Name),
+              u"Transfer selected Android items to "_s + thisComputer());
+    EXPECT_EQ(accessible(toAndroid)->text(QAccessible::Name),
+              u"Transfer selected %1 items to Android"_s.arg(thisComputer()));
     EXPECT_EQ(toMac->size(), QSize(34, 34));
     EXPECT_EQ(toAndroid->y() - toMac->geometry().bottom() - 1, 10);
 

@@ -4,6 +4,8 @@
 
 #include "Kit/IconButton.h"
 #include "Kit/TextLabel.h"
+#include "Kit/ToolTips.h"
+#include "MacFiles/ThisComputer.h"
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueDelegate.h"
 #include "Views/QueueListView.h"
@@ -16,7 +18,6 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QToolTip>
 
 namespace vantrel {
 namespace {
@@ -75,7 +76,7 @@ bool shows(const QImage &list, const QRect &place, const QString &text, const Te
 QString toolTipAt(QueueListView *list, QPoint place) {
     QHelpEvent event(QEvent::ToolTip, place, list->viewport()->mapToGlobal(place));
     QCoreApplication::sendEvent(list->viewport(), &event);
-    return QToolTip::text();
+    return ToolTips::text();
 }
 
 // -- What the queue announces
@@ -225,7 +226,7 @@ TEST_F(QueueRowTests, offersWhatCanBeDoneAboutAnEnd) {
         asked.clear();
     }
     queue.setStatus(item.id, cases[3].status);
-    EXPECT_EQ(toolTipAt(&list, places(0).progress.center()), plainToolTip(u"Broken\n\na: too large"_s));
+    EXPECT_EQ(toolTipAt(&list, places(0).progress.center()), u"Broken\n\na: too large"_s);
 }
 
 TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
@@ -257,14 +258,12 @@ TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
     list.resize(700, list.height());
     QCoreApplication::processEvents();
     const QueueRowGeometry at = places(0);
-    EXPECT_EQ(toolTipAt(&list, at.progress.center()), plainToolTip(longText));
-    EXPECT_EQ(toolTipAt(&list, at.name.center()), plainToolTip(worst.name));
-    EXPECT_EQ(toolTipAt(&list, at.route.center()),
-              plainToolTip(worst.sourcePath + u"  →  "_s + worst.destinationPath));
-    EXPECT_EQ(toolTipAt(&list, at.removeButton.center()),
-              plainToolTip(u"Remove this transfer from the queue"_s));
+    EXPECT_EQ(toolTipAt(&list, at.progress.center()), longText);
+    EXPECT_EQ(toolTipAt(&list, at.name.center()), worst.name);
+    EXPECT_EQ(toolTipAt(&list, at.route.center()), worst.sourcePath + u"  →  "_s + worst.destinationPath);
+    EXPECT_EQ(toolTipAt(&list, at.removeButton.center()), u"Remove this transfer from the queue"_s);
     (void)toolTipAt(&list, places(1).name.center());
-    EXPECT_TRUE(waitFor([] { return QToolTip::text().isEmpty(); })) << "it is all there";
+    EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it is all there";
 }
 
 TEST_F(QueueRowTests, dividersLieBetweenTheRows) {
@@ -414,7 +413,7 @@ protected:
 TEST_F(QueueTests, anEmptyQueueShowsTheHintAndNothingToClear) {
     showPanel();
     EXPECT_EQ(child<TextLabel>("queue.hint")->text(),
-              u"Select files and use → or ← to copy between Android and Mac."_s);
+              u"Select files and use → or ← to copy between Android and %1."_s.arg(thisComputer()));
     EXPECT_TRUE(child<TextLabel>("queue.hint")->isVisible());
     EXPECT_FALSE(child<TextLabel>("queue.note")->isVisible());
     EXPECT_FALSE(child<IconButton>("queue.clear")->isVisible());
@@ -512,7 +511,7 @@ TEST_F(QueueTests, anErrorOfTenLinesStaysOneLine) {
     EXPECT_EQ(panel->sizeHint().height(), panel->minimumSizeHint().height());
     EXPECT_EQ(list->visualRect(row(0)).height(), QueueRowGeometry::rowHeight() + 1);
     EXPECT_EQ(toolTipAt(list, QueueRowGeometry(list->visualRect(row(0))).progress.center()),
-              plainToolTip(item.progressLabel()));
+              item.progressLabel());
 }
 
 TEST_F(QueueTests, rowsAreRemovedByMouseAndByKeys) {

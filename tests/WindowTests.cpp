@@ -1,13 +1,11 @@
 // The main window and how it divides its room, on a demo phone.
 
 #include "support/Files.h"
-#include "support/WindowFixture.h"
+#include "support/MainWindowFixture.h"
+#include "support/Processes.h"
 
 #include "ADB/ADBClient.h"
-#include "App/System/Settings.h"
-#include "App/Updates/Updater.h"
 #include "App/Window/ContentView.h"
-#include "App/Window/MainWindow.h"
 #include "App/Window/ToolbarButton.h"
 #include "Kit/AppStyle.h"
 #include "Kit/TextLabel.h"
@@ -47,27 +45,14 @@ TEST_F(BrowserColumnTests, thePanelGrowsUntilThePanesHaveTheirLeastHeight) {
     EXPECT_EQ(view->size(), QSize(840, 640));
 }
 
-class MainWindowTests : public WindowFixture {
+class MainWindowTests : public MainWindowFixture {
 protected:
-    [[nodiscard]] QString settingsPath() const { return mac.filePath(u"settings.ini"_s); }
-    MainWindow *showWindow() {
-        settings.emplace(settingsPath());
-        auto *window = new MainWindow(desktop, *settings, updater);
-        view.reset(window);
-        window->show();
-        EXPECT_TRUE(waitFor([&] { return window->isFurnished(); }));
-        settle();
-        return window;
-    }
     [[nodiscard]] qsizetype looks() const {
         qsizetype count = 0;
         for (const QStringList &line : phone.commandLines())
             count += line == QStringList{u"devices"_s};
         return count;
     }
-
-    Updater updater{Updater::Configuration{}};
-    std::optional<Settings> settings;
 };
 
 TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
@@ -86,6 +71,43 @@ TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
     // The content does not ask for more than the window gives: at its least size nothing is cut off.
     EXPECT_LE(window->minimumSizeHint().width(), 1100);
     EXPECT_LE(window->minimumSizeHint().height(), 720);
+}
+
+TEST_F(MainWindowTests, opensAsItWasLeft) {
+    const auto closed = [&] {
+        view->close();
+        view.reset();
+        EXPECT_TRUE(settings->save());
+        return contents(settingsPath());
+    };
+    showWindow();
+    EXPECT_EQ(closed(), "(missing)") << "nobody has changed anything";
+
+    showWindow()->setGeometry(150, 90, 1200, 760);
+    settle();
+    EXPECT_EQ(closed(), "windowPosition=150,90\nwindowSize=1200x760\nwindowZoomed=false\n");
+    EXPECT_EQ(showWindow()->geometry(), QRect(150, 90, 1200, 760));
+    view->showMaximized();
+    settle();
+    closed();
+    MainWindow *window = showWindow();
+    EXPECT_TRUE(window->isMaximized());
+    child<QAbstractButton>("window.zoom")->click();
+    settle();
+    EXPECT_EQ(window->geometry(), QRect(150, 90, 1200, 760));
+
+    // A screen that is gone, and what nobody can have meant; it stays as it is stored until the user chooses.
+    for (const auto &[stored, expected] :
+         {std::pair(QByteArray("windowPosition=50000,60\nwindowSize=1200x760\n"), QSize(1200, 760)),
+          {"windowPosition=50,60\nwindowSize=90000x90000\n", window->screen()->availableSize()},
+          {"windowPosition=50,60\nwindowSize=3x2\n", MainWindow::minimum},
+          {"windowPosition=here\nwindowSize=large\n", MainWindow::standard}}) {
+        write(settingsPath(), stored);
+        window = showWindow();
+        EXPECT_EQ(window->size(), expected) << stored.toStdString();
+        EXPECT_TRUE(window->screen()->availableGeometry().contains(window->geometry()));
+        EXPECT_EQ(closed(), stored);
+    }
 }
 
 TEST_F(MainWindowTests, isThereBeforeItIsFurnishedAndLooksForThePhoneLast) {
@@ -164,45 +186,28 @@ TEST_F(MainWindowTests, aNewSchemeRecoloursEveryGround) {
     }
 }
 
-TEST_F(MainWindowTests, looksForThePhoneAsLongAsItIsOpen) {
+TEST_F(MainWindowTests, followsThePhoneAsLongAsItIsOpen) {
     phone.unplug();
     MainWindow *window = showWindow();
-    auto *poll = child<QTimer>("devicePoll");
-    EXPECT_EQ(poll->intervalAsDuration(), std::chrono::seconds(3));
-    ASSERT_TRUE(waitFor([&] { return poll->isActive(); }));
+    const auto trackers = [] {
+        const auto children = processes::children();
+        return std::count_if(children.begin(), children.end(), [](const processes::Child &one) {
+            return one.commandLine.contains("track-devices");
+        });
+    };
+    ASSERT_TRUE(waitFor([&] { return trackers() == 1; }));
     EXPECT_FALSE(window->state().macItems().isEmpty() && window->state().macBrowseError())
         << "the computer's folder came first";
-    EXPECT_EQ(looks(), 1);
 
     // Everything is found without a click, and without a sign of the search.
-    poll->start(1);
-    QSignalSpy spinner(&window->state(), &AppState::isRefreshingDeviceChanged);
+    const QSignalSpy spinner(&window->state(), &AppState::isRefreshingDeviceChanged);
     phone.plug();
-    ASSERT_TRUE(waitFor([&] { return window->state().device().isConnected && poll->isActive(); }));
+    ASSERT_TRUE(waitFor([&] { return window->state().device().isConnected; }));
     EXPECT_EQ(spinner.count(), 0);
+    EXPECT_EQ(looks(), 1) << "at the start, and never again";
 
-    // A slow phone is not asked again before it has answered.
-    phone.set(u"devices.hang"_s, "on");
-    const qsizetype before = looks();
-    ASSERT_TRUE(waitFor([&] { return looks() == before + 1; }));
-    EXPECT_FALSE(poll->isActive());
-    phone.reset(u"devices.hang"_s);
-    ASSERT_TRUE(waitFor([&] { return poll->isActive(); }));
-
-    // A look that is under way when the window closes is the last one.
-    phone.set(u"devices.hang"_s, "on");
-    const qsizetype last = looks() + 1;
-    ASSERT_TRUE(waitFor([&] { return looks() == last; }));
     window->close();
-    QSignalSpy answered(&window->state(), &AppState::deviceChanged);
-    phone.unplug();
-    phone.reset(u"devices.hang"_s);
-    ASSERT_TRUE(waitFor([&] { return answered.count() == 1; }));
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(poll->isActive());
-    view.reset();
-    Background::stop(&ADBClient::stopRunningTools);
-    EXPECT_EQ(looks(), last);
+    EXPECT_EQ(trackers(), 0);
 }
 
 TEST_F(MainWindowTests, isDestroyedWhileEverythingIsUnderWay) {

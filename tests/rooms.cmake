@@ -6,7 +6,7 @@ vantrel_test(ADBTests LIBRARIES vantrel_adb demo_phone_fixture SOURCES ADBTextTe
 vantrel_test(MacFilesTests LIBRARIES vantrel_macfiles SOURCES MacFilesTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_kit SOURCES KitTests.cpp)
 vantrel_test(StateTests LIBRARIES vantrel_state demo_phone_fixture
-             SOURCES AppStateTests.cpp PaneStateTests.cpp TransferTests.cpp CopyTests.cpp)
+             SOURCES AppStateTests.cpp PaneStateTests.cpp PhoneWatchTests.cpp TransferTests.cpp CopyTests.cpp)
 vantrel_gui_test(ViewsTests LIBRARIES vantrel_views demo_phone_fixture
                  SOURCES AccessibilityTests.cpp FileRowTests.cpp PaneTests.cpp QueueTests.cpp SidebarTests.cpp)
 # A screen reader is told things only while there is one. Only the toolkit's own headers let a test pretend.
@@ -19,7 +19,8 @@ vantrel_test_at_3x(ViewsTests *geometry*:*ShareTheWidth*:*headersStand*:*hasItsP
 vantrel_gui_test(SystemTests LIBRARIES vantrel_app_system SOURCES SettingsTests.cpp)
 vantrel_gui_test(UpdatesTests LIBRARIES vantrel_app_updates SOURCES UpdaterTests.cpp support/LocalHttpServer.cpp)
 vantrel_gui_test(SheetsTests LIBRARIES vantrel_app_window SOURCES AboutTests.cpp)
-vantrel_gui_test(WindowTests LIBRARIES vantrel_app_window demo_phone_fixture SOURCES WindowTests.cpp ChromeTests.cpp)
+vantrel_gui_test(WindowTests LIBRARIES vantrel_app_window demo_phone_fixture 
+                 SOURCES WindowTests.cpp ChromeTests.cpp SheetTests.cpp)
 vantrel_test_at_3x(WindowTests *opensAtItsSize*:*thePanelGrows*)
 
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)

@@ -79,6 +79,12 @@ QString reasonOf(const QString &complaint) {
     return colon < 0 ? complaint : complaint.mid(colon + 2);
 }
 
+/// For the phone's shell; parseTree reads the answer.
+QString treeQuestion(const QString &path) {
+    return QStringLiteral("find -H ") % quoted(path) % QStringLiteral(" -printf '") %
+           QString::fromLatin1(treeFormat) % QLatin1Char('\'');
+}
+
 /// Calls `use` with as many words as one line holds, until all were given.
 template <class Use>
 ADBResult<void> forEachLine(const QStringList &words, Use use) {
@@ -87,7 +93,7 @@ ADBResult<void> forEachLine(const QStringList &words, Use use) {
         qsizetype bytes = 0;
         while (end < words.size() && (end == first || bytes + words.at(end).size() * 3 < longestLine))
             bytes += words.at(end++).toUtf8().size() + 1;
-        if (const ADBResult<void> done = use(words.mid(first, end - first)); !done)
+        if (ADBResult<void> done = use(words.mid(first, end - first)); !done)
             return done;
         first = end;
     }
@@ -115,9 +121,7 @@ bool isGone(const QString &serial) {
 } // namespace
 
 ADBResult<FileTree> fetchTree(const QString &serial, const QString &path, const std::stop_token &stop) {
-    const auto answer = runShell(
-        serial, QStringLiteral("find -H %1 -printf '%2'").arg(quoted(path), QString::fromLatin1(treeFormat)),
-        stop);
+    const auto answer = runShell(serial, treeQuestion(path), stop);
     if (!answer)
         return tl::make_unexpected(answer.error());
     auto tree = parseTree(answer->output);
@@ -208,7 +212,11 @@ ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<
                 return {};
             });
     }
+    // What is still there afterwards was not moved. Asked for with the last line, since a run of adb costs
+    // the time of many renames.
+    commands.append(treeQuestion(stagingFolder));
     QString complaints;
+    QByteArray listing;
     if (const auto moved = forEachLine(commands,
                                        [&](const QStringList &lines) -> ADBResult<void> {
                                            const auto answer =
@@ -216,14 +224,15 @@ ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<
                                            if (!answer)
                                                return tl::make_unexpected(answer.error());
                                            complaints += answer->errors % QLatin1Char('\n');
+                                           listing = answer->output;
                                            return {};
                                        });
         !moved)
         return tl::make_unexpected(moved.error());
 
-    const auto left = fetchTree(serial, stagingFolder, stop);
+    const auto left = parseTree(listing);
     if (!left)
-        return tl::make_unexpected(left.error());
+        return tl::make_unexpected(unreadableAnswer());
     QHash<QString, QString> unmoved;
     for (const TreeEntry &entry : left->entries) {
         if (entry.kind != TreeEntry::Kind::file)

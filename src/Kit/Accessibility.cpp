@@ -11,7 +11,8 @@ namespace {
 
 constexpr const char *roleProperty = "vantrelAccessibleRole";
 
-/// A progress bar that has to be described is one without a known end: it is busy.
+/// A progress bar that has to be described is one without a known end: it is busy. A dialog is one inside its
+/// window, which it keeps from being used.
 class DescribedWidget : public QAccessibleWidget {
 public:
     using QAccessibleWidget::QAccessibleWidget;
@@ -23,6 +24,7 @@ public:
     [[nodiscard]] QAccessible::State state() const override {
         QAccessible::State state = QAccessibleWidget::state();
         state.busy = role() == QAccessible::ProgressBar;
+        state.modal = role() == QAccessible::Dialog;
         return state;
     }
     /// The toolkit would read out the tool tip.

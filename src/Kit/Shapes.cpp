@@ -113,6 +113,21 @@ void paintCard(QPainter &painter, const QRectF &rect, double radius, const QColo
     painter.restore();
 }
 
+void paintShadow(QPainter &painter, const QRectF &card, double radius, int reach) {
+    constexpr double strength = 0.16; // beside the card, of all layers together
+    constexpr int layers = 8;
+    const double fall = reach / 3.0;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (int layer = 1; layer <= layers; ++layer) {
+        const double step = (reach - fall) * layer / layers;
+        painter.fillPath(
+            roundedRect(card.translated(0, fall).adjusted(-step, -step, step, step), radius + step),
+            QColor::fromRgbF(0, 0, 0, float(strength / layers)));
+    }
+    painter.restore();
+}
+
 void paintProgress(QPainter &painter, const QRectF &rect, double fraction, const QColor &fill,
                    const QColor &track) {
     painter.save();

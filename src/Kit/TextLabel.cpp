@@ -1,8 +1,8 @@
 #include "Kit/TextLabel.h"
 
-#include <QHelpEvent>
+#include "Kit/ToolTips.h"
+
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
 
@@ -68,10 +68,7 @@ int TextLabel::heightForWidth(int width) const {
 
 bool TextLabel::event(QEvent *event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        if (isElided())
-            QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
-        else
-            QToolTip::hideText();
+        ToolTips::show(isElided() ? text() : QString(), this, rect());
         return true;
     }
     return QLabel::event(event);

@@ -135,9 +135,7 @@ QString displayText(const QString &text) {
 }
 
 QString plainToolTip(const QString &text) {
-    if (text.isEmpty())
-        return {};
-    return QStringLiteral("<span>") + displayText(text).toHtmlEscaped() + QStringLiteral("</span>");
+    return displayText(text);
 }
 
 QString elidedText(const QString &text, const TextStyle &style, double width, Elision elision) {

@@ -47,8 +47,7 @@ struct TextStyle {
 /// line break shows as "↵". Everything below does this to the text it is given.
 [[nodiscard]] QString displayText(const QString &text);
 
-/// `text` for QWidget::setToolTip and QToolTip, shown letter for letter: a file name that looks like markup
-/// is not interpreted. Long texts wrap.
+/// `text` for QWidget::setToolTip and ToolTips: a tip is plain text, what looks like markup included.
 [[nodiscard]] QString plainToolTip(const QString &text);
 
 /// `text` on one line, shortened with "…" to at most `width`; empty when not even the "…" fits.

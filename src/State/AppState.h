@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Records/AndroidDevice.h"
 #include "Records/StorageShortcut.h"
 #include "State/DeviceSearch.h"
 #include "State/PaneState.h"
+#include "State/PhoneWatch.h"
 #include "Transfers/TransferRunner.h"
 
 #include <algorithm>
@@ -23,8 +23,7 @@ class AppState : public QObject, private TransferHost {
     Q_OBJECT
 
 public:
-    /// How loudly a refresh goes about its work: a visible one sets isRefreshingDevice.
-    enum class Spinner { hidden, shown };
+    using Spinner = PhoneWatch::Spinner;
 
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
@@ -33,14 +32,15 @@ public:
     [[nodiscard]] Desktop &desktop() const { return m_desktop; }
 
     // -- The phone
-    [[nodiscard]] const AndroidDevice &device() const { return m_device.value(); }
-    [[nodiscard]] const std::optional<QString> &deviceStatusMessage() const {
-        return m_deviceStatusMessage.value();
-    }
-    [[nodiscard]] bool isRefreshingDevice() const { return m_isRefreshingDevice; }
+    [[nodiscard]] const AndroidDevice &device() const { return m_phones.device(); }
+    [[nodiscard]] const std::optional<QString> &deviceStatusMessage() const { return m_phones.message(); }
+    [[nodiscard]] bool isRefreshingDevice() const { return m_phones.isRefreshing(); }
+    /// All phones; device() is the one of them that is shown.
+    [[nodiscard]] PhoneWatch &phones() { return m_phones; }
+    [[nodiscard]] const PhoneWatch &phones() const { return m_phones; }
     /// Looks for the phone. When it was just found, the phone pane opens the highlighted shortcut's folder. A
     /// hidden refresh does nothing while another is asking, a shown one supersedes it.
-    QCoro::Task<> refreshDevice(Spinner spinner);
+    QCoro::Task<> refreshDevice(Spinner spinner) { return m_phones.refresh(spinner); }
 
     // -- Both panes
     [[nodiscard]] PaneState &pane(BrowserSide side) {
@@ -185,8 +185,7 @@ Q_SIGNALS:
 private:
     void forwardSignals();
     void transfer(TransferDirection direction);
-    QCoro::Task<> showPhone(AndroidDevice found);
-    void showNoPhone(const QString &reason);
+    QCoro::Task<> openPhone();
     [[nodiscard]] std::optional<QString> connectedSerial() const override;
     [[nodiscard]] QString shownFolder(BrowserSide side) const override;
     QCoro::Task<> listAgain(BrowserSide side) override;
@@ -195,16 +194,10 @@ private:
     const QList<StorageShortcut> m_shortcuts;
     PaneState m_androidPane;
     PaneState m_macPane;
+    PhoneWatch m_phones{[this] { return openPhone(); }};
     DeviceSearch m_search{m_androidPane};
     TransferRunner m_transfers{*this};
 
-    quint64 m_refreshToken = 0; ///< of the newest refresh; what an older one learns is dropped
-    bool m_isAskingForDevice = false;
-    Q_OBJECT_BINDABLE_PROPERTY(AppState, AndroidDevice, m_device, &AppState::deviceChanged)
-    Q_OBJECT_BINDABLE_PROPERTY(AppState, std::optional<QString>, m_deviceStatusMessage,
-                               &AppState::deviceStatusMessageChanged)
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, m_isRefreshingDevice, false,
-                                         &AppState::isRefreshingDeviceChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, m_isOpeningAndroidFile, false,
                                          &AppState::isOpeningAndroidFileChanged)
     Q_OBJECT_BINDABLE_PROPERTY(AppState, std::optional<QUuid>, m_selectedShortcutID,

@@ -60,10 +60,11 @@ quint64 PaneState::open(const QString &path) {
     return ++m_token;
 }
 
-void PaneState::setItems(const QList<FileItem> &items) {
-    if (items == m_items)
+void PaneState::setItems(const QList<FileItem> &items, qsizetype unreadableCount) {
+    if (items == m_items && unreadableCount == m_unreadableCount)
         return;
     m_items = items;
+    m_unreadableCount = unreadableCount;
     updateVisibleItems();
     Q_EMIT itemsChanged();
 }

@@ -521,9 +521,9 @@ private:
     /// Fills the batch with the next files that may be copied by one run of adb into one folder: no two of
     /// one name, not more than the command line takes. False when none is left.
     bool takeBatch() {
-        constexpr qsizetype mostFiles = 256;
-        constexpr qint64 mostBytes = 256'000'000; // what a killed program has to copy again
-        constexpr qsizetype mostPathBytes = 40'000;
+        constexpr qsizetype mostFiles = 1000;
+        constexpr qint64 mostBytes = 256'000'000;    // what a killed program has to copy again
+        constexpr qsizetype mostPathBytes = 400'000; // macOS takes a command line of 1 MB
         m_batch.clear();
         QSet<QString> names;
         qint64 bytes = 0;
@@ -539,7 +539,7 @@ private:
                 continue;
             }
             bytes = sum(bytes, file.sizeBytes);
-            pathBytes += 4 * (file.source.size() + m_job.folder.size());
+            pathBytes += file.source.toUtf8().size();
             if (!m_batch.isEmpty() && (bytes > mostBytes || pathBytes > mostPathBytes))
                 break;
             names.insert(name);

@@ -156,7 +156,8 @@ void TransferQueue::reindex() {
         m_rows.squeeze();
     }
     m_rows.reserve(m_items.size());
-    m_activeCount = m_waitingCount = m_completedCount = m_failedCount = m_nameTakenCount = m_pausedCount = 0;
+    m_activeCount = m_waitingCount = m_completedCount = m_failedCount = m_nameTakenCount = m_pausedCount =
+        m_unclaimedCount = 0;
     m_totalBytes = m_doneBytes = 0;
     for (qsizetype row = 0; row < m_items.size(); ++row) {
         m_rows.insert(m_items.at(row).id, row);
@@ -171,8 +172,9 @@ void TransferQueue::count(const QueueItem &item, int change) {
     m_pausedCount += status.is<QueueItemStatus::Paused>() ? change : 0;
     m_failedCount += status.is<QueueItemStatus::Failed>() ? change : 0;
     m_nameTakenCount += status.is<QueueItemStatus::NameTaken>() ? change : 0;
-    if (status.is<QueueItemStatus::Waiting>()) {
+    if (const auto *waiting = status.as<QueueItemStatus::Waiting>()) {
         m_waitingCount += change;
+        m_unclaimedCount += waiting->isClaimed ? 0 : change;
         m_totalBytes += change * counted(item.totalBytes);
     } else if (const auto *progress = status.progress()) {
         m_totalBytes += change * counted(progress->totalBytes);

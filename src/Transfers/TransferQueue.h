@@ -26,6 +26,8 @@ public:
     [[nodiscard]] const QList<QueueItem> &items() const { return m_items; }
     [[nodiscard]] int activeCount() const { return m_activeCount; }
     [[nodiscard]] int waitingCount() const { return m_waitingCount; }
+    /// Waiting entries whose turn has not been fixed.
+    [[nodiscard]] int unclaimedCount() const { return m_unclaimedCount; }
     /// Entries that are done.
     [[nodiscard]] int completedCount() const { return m_completedCount; }
     [[nodiscard]] int failedCount() const { return m_failedCount; }
@@ -68,6 +70,7 @@ private:
     qsizetype m_waitingEnd = 0;
     int m_activeCount = 0;
     int m_waitingCount = 0;
+    int m_unclaimedCount = 0;
     int m_completedCount = 0;
     int m_failedCount = 0;
     int m_nameTakenCount = 0;

@@ -165,7 +165,8 @@ bool TransferRunner::mayStart(const QueueItem &item) const {
 /// Starts copies until all slots are taken or nothing may start, and ends the run when nothing is left: both
 /// in one step on the main thread, so that nothing that is queued meanwhile is left waiting.
 void TransferRunner::fillSlots() {
-    constexpr qsizetype mostTogether = 256;
+    constexpr qsizetype mostTogether = 1000;
+    constexpr qsizetype few = 4 * concurrentCopies;
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
@@ -175,9 +176,10 @@ void TransferRunner::fillSlots() {
             return mayStart(item) && !places.contains(destinationKey(item)) &&
                    (places.insert(destinationKey(item)), true);
         };
-        const qsizetype most =
-            std::clamp<qsizetype>(m_queue.waitingCount() / concurrentCopies, 1, mostTogether);
-        const QList<QueueItem> claimed = m_queue.claim(most, isFree);
+        // A run of adb costs the time of many small files: unless few wait, the free slots share them.
+        const qsizetype waiting = m_queue.unclaimedCount();
+        const qsizetype share = waiting < few ? 1 : waiting / (concurrentCopies - m_runs.size()) + 1;
+        const QList<QueueItem> claimed = m_queue.claim(std::min(share, mostTogether), isFree);
         if (claimed.isEmpty())
             break;
         for (const QueueItem &item : claimed)
@@ -207,7 +209,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
         }
         CopyReport refused;
         refused.failure = QStringLiteral("This name can’t be used on the other side.");
-        finish(item, refused);
+        finish(item.id, refused);
     }
     const QPointer<TransferRunner> self(this);
     CopyWatcher watcher;
@@ -218,12 +220,10 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
                 self->applyProgress(id, progress);
         });
     };
-    watcher.onEnd = [self, entries](const QUuid &id, const CopyReport &report) {
-        const auto item = std::find_if(entries.begin(), entries.end(),
-                                       [&](const QueueItem &entry) { return entry.id == id; });
-        Background::post([self, entry = *item, report] {
+    watcher.onEnd = [self](const QUuid &id, const CopyReport &report) {
+        Background::post([self, id, report] {
             if (self)
-                self->finish(entry, report);
+                self->finish(id, report);
         });
     };
     const std::stop_token stop = run->stopToken();
@@ -234,24 +234,26 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     fillSlots();
 }
 
-void TransferRunner::finish(const QueueItem &item, const CopyReport &report) {
-    const QueueItem *entry = m_queue.find(item.id);
+void TransferRunner::finish(const QUuid &id, const CopyReport &report) {
+    const QueueItem *entry = m_queue.find(id);
     if (!entry)
         return;
-    const auto *progress = entry->status.progress();
+    const QueueItem item = *entry;
+    const auto *progress = item.status.progress();
     if (report.wasStopped && m_isPaused) {
         QueueItemStatus::Paused paused;
         if (progress)
             static_cast<QueueItemStatus::Progress &>(paused) = *progress;
-        updateStatus(item.id, paused);
+        updateStatus(id, paused);
     } else if (report.wasStopped) {
-        updateStatus(item.id, QueueItemStatus::Waiting()); // paused and resumed before it had stopped
+        updateStatus(id, QueueItemStatus::Waiting()); // paused and resumed before it had stopped
     } else if (report.isPhoneGone) {
         m_gonePhones.insert(item.serial);
-        updateStatus(item.id, QueueItemStatus::Waiting{true});
+        updateStatus(id, QueueItemStatus::Waiting{true});
+        Q_EMIT phoneLeft();
     } else {
         const QueueItemStatus status = statusAfter(item, report);
-        updateStatus(item.id, status);
+        updateStatus(id, status);
     }
     if (report.copied > 0)
         refreshReceivingPane(item);

@@ -82,6 +82,8 @@ Q_SIGNALS:
     void remainingLabelChanged();
     void isTransferringChanged();
     void isPausedChanged();
+    /// The phone left while something was copied; what is meant for it waits for phoneWasAsked().
+    void phoneLeft();
 
 private:
     /// One run of copies, shared with its worker.
@@ -96,7 +98,7 @@ private:
     [[nodiscard]] bool mayStart(const QueueItem &item) const;
     void fillSlots();
     QCoro::Task<> runSlot(QList<QueueItem> entries);
-    void finish(const QueueItem &item, const CopyReport &report);
+    void finish(const QUuid &id, const CopyReport &report);
     void letWait(const std::function<bool(const QueueItem &)> &isMeant);
     void refreshReceivingPane(const QueueItem &item);
     QCoro::Task<> browseAgain(BrowserSide side);

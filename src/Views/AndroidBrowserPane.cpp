@@ -45,7 +45,7 @@ void AndroidBrowserPane::fill(FilePane &pane) {
     pane.footerTrailing = state->androidFooterStats();
     pane.onOpen = [this](const FileItem &item) {
         focusSide();
-        if (item.isDirectory)
+        if (item.isDirectory && item.isNameExact)
             app().browseAndroid(item.path);
         else
             app().openAndroidFile(item);

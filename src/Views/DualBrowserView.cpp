@@ -6,6 +6,7 @@
 #include "Views/TransferButtons.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -15,6 +16,13 @@
 namespace vantrel {
 
 namespace {
+
+/// A dialog may be part of the window, over the panes.
+bool isInDialog(const QWidget *control) {
+    while (control && !qobject_cast<const QDialog *>(control))
+        control = control->parentWidget();
+    return control;
+}
 
 bool editsText(const QWidget *control) {
     return qobject_cast<const QLineEdit *>(control) || qobject_cast<const QTextEdit *>(control) ||
@@ -44,7 +52,8 @@ DualBrowserView::DualBrowserView(AppState *state, QWidget *parent) : QWidget(par
 }
 
 DualBrowserView::KeyOutcome DualBrowserView::handleKeyEvent(const QKeyEvent &event, AppState &state) {
-    if (editsText(QApplication::focusWidget()) || QApplication::activePopupWidget() ||
+    const QWidget *control = QApplication::focusWidget();
+    if (editsText(control) || isInDialog(control) || QApplication::activePopupWidget() ||
         QApplication::activeModalWidget())
         return KeyOutcome::passedOn;
     const BrowserSide side = state.focusedBrowserSide();

@@ -1,13 +1,13 @@
 #include "Views/FileDelegate.h"
 
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
 #include "Views/FileItemsModel.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
 
@@ -24,8 +24,7 @@ bool FileDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const Q
     if (event->type() != QEvent::ToolTip)
         return QAbstractItemDelegate::helpEvent(event, view, option, index);
     const FileEntry shown = entry(index);
-    const QString tip = cutsName(shown, option.rect) ? plainToolTip(shown.item.name) : QString();
-    QToolTip::showText(event->globalPos(), tip, view->viewport(), option.rect);
+    ToolTips::show(cutsName(shown, option.rect) ? shown.item.name : QString(), view->viewport(), option.rect);
     return true;
 }
 

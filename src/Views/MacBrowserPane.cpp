@@ -1,6 +1,7 @@
 #include "Views/MacBrowserPane.h"
 
 #include "MacFiles/MacFileClient.h"
+#include "MacFiles/ThisComputer.h"
 #include "State/AppState.h"
 #include "Views/FilePane.h"
 
@@ -16,7 +17,7 @@ MacBrowserPane::MacBrowserPane(AppState *state, QWidget *parent)
 
 void MacBrowserPane::fill(FilePane &pane) {
     AppState *state = &app();
-    pane.title = QStringLiteral("Mac");
+    pane.title = thisComputer();
     pane.pathLabel = state->macPath();
     pane.footerLeading = state->macSelectionSummary();
     pane.footerTrailing = state->macAvailableLabel();

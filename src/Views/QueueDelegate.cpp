@@ -3,6 +3,7 @@
 #include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueListView.h"
@@ -10,7 +11,6 @@
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
 
@@ -167,10 +167,7 @@ bool QueueDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const 
     const QString problems = item.problemText();
     if (!problems.isEmpty() && (parts.progress | parts.percent).contains(event->pos()))
         help = item.progressLabel() % QStringLiteral("\n\n") % problems;
-    if (help.isEmpty())
-        QToolTip::hideText();
-    else
-        QToolTip::showText(event->globalPos(), plainToolTip(help), view->viewport(), option.rect);
+    ToolTips::show(help, view->viewport(), option.rect);
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "Kit/Boxes.h"
 #include "Kit/Focus.h"
 #include "Kit/IconButton.h"
+#include "MacFiles/ThisComputer.h"
 #include "State/AppState.h"
 #include "Views/FileItemsView.h"
 
@@ -25,8 +26,8 @@ TransferButtons::TransferButtons(AppState *state, QWidget *android, QWidget *mac
     : m_state(state), m_android(android), m_mac(mac),
       m_toMac(named(QStringLiteral("transferToMac"), new IconButton({34, 34}, 8))),
       m_toAndroid(named(QStringLiteral("transferToAndroid"), new IconButton({34, 34}, 8))) {
-    m_toMac->setHelp(QStringLiteral("Transfer selected Android items to Mac"));
-    m_toAndroid->setHelp(QStringLiteral("Transfer selected Mac items to Android"));
+    m_toMac->setHelp(QStringLiteral("Transfer selected Android items to ") + thisComputer());
+    m_toAndroid->setHelp(QStringLiteral("Transfer selected %1 items to Android").arg(thisComputer()));
     setLayout(columnOf(10, {BoxItem::room(), m_toMac, m_toAndroid, BoxItem::room()}));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
 

@@ -5,6 +5,7 @@
 #include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/TextLabel.h"
+#include "MacFiles/ThisComputer.h"
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
@@ -75,7 +76,8 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     m_hint = new QWidget(m_card);
     auto *hint = new TextLabel({12, Weight::medium}, AppTheme::inkTertiary(), m_hint);
     hint->setObjectName(QStringLiteral("queue.hint"));
-    hint->setText(QStringLiteral("Select files and use → or ← to copy between Android and Mac."));
+    hint->setText(
+        QStringLiteral("Select files and use → or ← to copy between Android and %1.").arg(thisComputer()));
     auto *padding = new QVBoxLayout(m_hint);
     padding->setContentsMargins(hintPadding, hintPadding, hintPadding, hintPadding);
     padding->addWidget(hint);

@@ -7,13 +7,25 @@
 #endif
 
 #include <QObject>
+#include <QPoint>
 #include <QSettings>
+#include <QSize>
 #include <QString>
 #include <QTimer>
 
 #include <chrono>
+#include <optional>
 
 namespace vantrel {
+
+/// How the user left the window; nothing where nobody has said so yet. In layout pixels.
+struct WindowGeometry {
+    std::optional<QSize> size = {};      ///< while it is not zoomed
+    std::optional<QPoint> position = {}; ///< of its top left corner, likewise; the desktop may not tell
+    bool isZoomed = false;
+
+    friend bool operator==(const WindowGeometry &, const WindowGeometry &) = default;
+};
 
 /// The few choices that outlive a start of the program. Whatever state the stored settings are in, there is
 /// an answer: what is missing or nonsense counts as not set, and a choice that cannot be stored holds until
@@ -34,6 +46,11 @@ public:
     /// Only the stored text "dark" is dark.
     [[nodiscard]] ColorScheme appearancePreference() const;
     void setAppearancePreference(ColorScheme scheme);
+
+    /// What is stored may fit no screen that is there now.
+    [[nodiscard]] WindowGeometry windowGeometry() const;
+    /// Leaves stored what `geometry` says nothing about.
+    void setWindowGeometry(const WindowGeometry &geometry);
 
     /// Stores toolTipDelay where the Mac's toolkit looks for it; elsewhere the program applies it itself.
     void storeToolTipDelay();

@@ -1,19 +1,19 @@
 #pragma once
 
+#include "App/System/Settings.h"
 #include "Theme/AppTheme.h"
 
 #include <QCoroTask>
 #include <QMainWindow>
-#include <QTimer>
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace vantrel {
 
 class AppState;
 class Desktop;
-class Settings;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
@@ -27,8 +27,6 @@ class MainWindow : public QMainWindow {
 public:
     static constexpr QSize minimum{1100, 720}; ///< layout pixels, with the title bar
     static constexpr QSize standard{1280, 820};
-    /// From the end of one look at the phone to the next.
-    static constexpr std::chrono::seconds pollInterval{3};
 
     /// All of them must outlive the window. It takes the colour scheme from the settings at once.
     MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent = nullptr);
@@ -54,14 +52,13 @@ private:
     void addToolbarButtons();
     void renderAppearanceButton();
     QCoro::Task<> runStartUp();
-    QCoro::Task<> poll();
 
     Settings &m_settings;
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
-    QTimer *m_pollTimer;
+    std::optional<WindowGeometry> m_openedWith; ///< after the desktop had its say
     bool m_isFurnished = false;
     bool m_isStarted = false;
 };

@@ -1,5 +1,6 @@
 #include "App/Window/WindowChrome.h"
 
+#include "App/System/Settings.h"
 #include "App/Window/TitleBar.h"
 #include "App/Window/WindowPlacement.h"
 #include "Kit/WindowFrame.h"
@@ -37,6 +38,21 @@ Qt::CursorShape cursorFor(Qt::Edges edges) {
     if (edges == (Qt::TopEdge | Qt::RightEdge) || edges == (Qt::BottomEdge | Qt::LeftEdge))
         return Qt::SizeBDiagCursor;
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
+}
+
+/// What panels leave free of each screen, that of the primary one first.
+QList<QRect> freeScreens() {
+    QList<QRect> free;
+    for (const QScreen *screen : QGuiApplication::screens())
+        free.append(screen->availableGeometry());
+    return free;
+}
+
+/// What Wayland's compositors keep for their panels they do not tell. A zoomed window that is larger than
+/// what they leave, because its minimum is, they end.
+QSize surelyFree(const QRect &screen) {
+    constexpr QSize panels(160, 160);
+    return isWayland() ? screen.size() - panels : screen.size();
 }
 
 bool takesClicks(const QWidget *widget) {
@@ -283,22 +299,36 @@ void WindowChrome::setMinimumSize(QSize size) {
 void WindowChrome::fitMinimum() {
     if (!m_minimum.isValid())
         return;
-    // What Wayland's compositors keep for their panels they do not tell; a zoomed window that is larger than
-    // they say, because its minimum is, they end.
-    constexpr QSize panels(160, 160);
     QSize least = m_minimum;
     if (const auto screen = visibleScreenFrame())
-        least = least.boundedTo(isWayland() ? screen->size() - panels : screen->size());
+        least = least.boundedTo(surelyFree(*screen));
     m_window->setMinimumSize(least);
+}
+
+void WindowChrome::restore(const WindowGeometry &geometry, QSize standard) {
+    const QList<QRect> screens = freeScreens();
+    const QSize minimum = m_window->minimumSize();
+    const QSize size =
+        geometry.size.value_or(standard.boundedTo(surelyFree(screens.value(0, QRect(QPoint(), standard)))));
+    if (geometry.position && !isWayland())
+        m_window->setGeometry(fittedFrame(QRect(*geometry.position, size), minimum, screens));
+    else
+        m_window->resize(fittedFrame(QRect(QPoint(), size), minimum, screens.mid(0, 1)).size());
+    if (geometry.isZoomed)
+        m_window->setWindowState(Qt::WindowMaximized);
+}
+
+WindowGeometry WindowChrome::geometry() const {
+    const QRect normal = m_window->normalGeometry();
+    return {.size = normal.size(),
+            .position = isWayland() ? std::nullopt : std::optional(normal.topLeft()),
+            .isZoomed = m_window->isMaximized()};
 }
 
 void WindowChrome::stayReachable() {
     if (fillsScreen() || !m_window->isVisible() || isWayland()) // there the compositor alone places windows
         return;
-    QList<QRect> screens;
-    for (const QScreen *screen : QGuiApplication::screens())
-        screens.append(screen->availableGeometry());
-    const QRect reachable = reachableFrame(frame(), screens);
+    const QRect reachable = reachableFrame(frame(), freeScreens());
     if (reachable != frame())
         m_window->move(reachable.topLeft());
 }

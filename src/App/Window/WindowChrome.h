@@ -15,6 +15,7 @@ class QWindow;
 namespace vantrel {
 
 class TitleBar;
+struct WindowGeometry;
 
 /// Gives a main window a frame of our own: the title bar, moving, zooming and resizing with the mouse. Moves
 /// and resizes are left to the window system where it offers that, so that its snapping and tiling work;
@@ -35,6 +36,13 @@ public:
     /// The size that the window does not go below, in layout pixels. It yields to a screen that has less
     /// free.
     void setMinimumSize(QSize size);
+
+    /// Gives the window what it was left with, fitted to the screens that are there now, before it is shown;
+    /// `standard` is its size when there is none. Where the compositor alone places windows, the position is
+    /// left to it.
+    void restore(const WindowGeometry &geometry, QSize standard);
+    /// What restore() takes another time.
+    [[nodiscard]] WindowGeometry geometry() const;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
