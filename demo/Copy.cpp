@@ -78,6 +78,8 @@ public:
 
     [[nodiscard]] bool onTerminal() const { return m_onTerminal; }
 
+    void beQuiet() { m_isQuiet = true; }
+
     /// A line that the next one replaces; only a terminal shows it.
     void passing(const std::string &text) const {
         if (m_onTerminal)
@@ -93,7 +95,7 @@ public:
     /// `own` of the file's bytes and `overall` of all bytes are through.
     void progress(const std::string &path, std::int64_t own, std::int64_t size, std::int64_t overall,
                   std::int64_t total, bool several) {
-        if (!m_onTerminal && !m_settings.current().standardErrorProgress)
+        if (m_isQuiet || (!m_onTerminal && !m_settings.current().standardErrorProgress))
             return;
         const auto percent = [](std::int64_t part, std::int64_t whole) {
             return static_cast<int>(std::min<std::int64_t>(100, part * 100 / whole));
@@ -116,6 +118,7 @@ public:
 private:
     const SettingsSource &m_settings;
     bool m_onTerminal = false;
+    bool m_isQuiet = false;
     std::string m_lastFigure;
 };
 
@@ -126,6 +129,7 @@ public:
           m_printer(settings) {}
 
     int run(const std::vector<std::string> &sources, const std::string &destination);
+    int stream(const std::string &tool, const std::string &path, const File &from, const File &to, int error);
 
 private:
     [[nodiscard]] bool isFolder(const std::string &destination) const;
@@ -448,6 +452,25 @@ int Copy::run(const std::vector<std::string> &sources, const std::string &destin
     return status;
 }
 
+/// `error` says, as errno, why one of the files is not open.
+int Copy::stream(const std::string &tool, const std::string &path, const File &from, const File &to,
+                 int error) {
+    if (!from.isOpen() || !to.isOpen()) {
+        writeAll(STDERR_FILENO, tool + ": " + path + ": " + std::strerror(error) + "\n");
+        return 1;
+    }
+    m_printer.beQuiet();
+    try {
+        transfer({path, path, {}, {}}, from, to);
+    } catch (const Unplugged &) {
+        return 1;
+    } catch (const CopyError &failed) {
+        writeAll(STDERR_FILENO, tool + ": write" + failed.text.substr(failed.text.rfind(": ")) + "\n");
+        return 1;
+    }
+    return 0;
+}
+
 /// One source that fails does not keep the next from being copied.
 int Copy::copyOne(const std::string &source, const std::string &destination) {
     const Clock::time_point start = Clock::now();
@@ -504,6 +527,34 @@ bool writeAll(int descriptor, std::string_view text) {
 int runCopy(CopyDirection direction, KeepTimes keepTimes, const std::vector<std::string> &sources,
             const std::string &destination, const PhoneFiles &files, SettingsSource &settings) {
     return Copy(direction, keepTimes, files, settings).run(sources, destination);
+}
+
+int runTail(const std::string &path, std::int64_t first, const PhoneFiles &files, SettingsSource &settings) {
+    Entry entry;
+    int error = files.look(path, Links::follow, entry);
+    if (error == 0 && !isReadable(entry.status))
+        error = EACCES;
+    const File from(error == 0 ? ::open(entry.place.hostPath.c_str(), O_RDONLY | O_CLOEXEC) : -1);
+    if (from.isOpen())
+        ::lseek(from.descriptor(), std::max<std::int64_t>(first - 1, 0), SEEK_SET);
+    else if (error == 0)
+        error = errno;
+    const File to(::dup(STDOUT_FILENO));
+    return Copy(CopyDirection::pull, KeepTimes::no, files, settings).stream("tail", path, from, to, error);
+}
+
+int runAppend(const std::string &path, const PhoneFiles &files, SettingsSource &settings) {
+    const Place place = files.resolve(path, Links::follow);
+    Entry above;
+    int error = files.look(place.phonePath.substr(0, place.phonePath.rfind('/')), Links::follow, above);
+    if (error == 0 && (place.denied || !isWritable(above.status)))
+        error = EACCES;
+    const File to(error == 0 ? ::open(place.hostPath.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666)
+                             : -1);
+    if (!to.isOpen() && error == 0)
+        error = errno;
+    const File from(::dup(STDIN_FILENO));
+    return Copy(CopyDirection::push, KeepTimes::no, files, settings).stream("cat", path, from, to, error);
 }
 
 } // namespace vantrel::demo

@@ -3,6 +3,7 @@
 #include "PhoneFiles.h"
 #include "Settings.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,12 @@ enum class KeepTimes { no, yes };
 [[nodiscard]] int runCopy(CopyDirection direction, KeepTimes keepTimes,
                           const std::vector<std::string> &sources, const std::string &destination,
                           const PhoneFiles &files, SettingsSource &settings);
+
+/// The rest of a phone's file to standard output, from `first` on, the file's first byte being 1; or standard
+/// input behind what a phone's file holds. As runCopy, but with the shell's errors on standard error.
+[[nodiscard]] int runTail(const std::string &path, std::int64_t first, const PhoneFiles &files,
+                          SettingsSource &settings);
+[[nodiscard]] int runAppend(const std::string &path, const PhoneFiles &files, SettingsSource &settings);
 
 /// Writes the whole text to a file descriptor. False when the other end is gone.
 bool writeAll(int descriptor, std::string_view text);

@@ -1,10 +1,14 @@
 #include "CopyCommands.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string_view>
@@ -171,6 +175,42 @@ void remove(const Words &words, const PhoneFiles &files) {
     }
 }
 
+// -- md5sum, touch
+
+/// The sum comes from this computer's own tool.
+void sumUp(const std::string &path, const PhoneFiles &files, Answer &answer) {
+    Entry entry;
+    if (const int error = files.look(path, Links::follow, entry)) {
+        answer.standardError += "md5sum: " + path + ": " + std::strerror(error) + "\n";
+        return;
+    }
+    std::string command = "md5sum <'";
+    for (const char c : entry.place.hostPath)
+        command += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    FILE *tool = ::popen((command + "'").c_str(), "r");
+    if (!tool)
+        return;
+    constexpr std::size_t digits = 32;
+    std::array<char, digits> sum{};
+    if (std::fread(sum.data(), 1, digits, tool) == digits)
+        answer.standardOutput += std::string(sum.data(), digits) + "  " + path + "\n";
+    ::pclose(tool);
+}
+
+void setTime(const std::string &path, long long seconds, const PhoneFiles &files, Answer &answer) {
+    Place place;
+    int error = placeToChange(path, files, place);
+    const std::array<timespec, 2> times{timespec{seconds, 0}, timespec{seconds, 0}};
+    if (error == 0 && ::utimensat(AT_FDCWD, place.hostPath.c_str(), times.data(), 0) != 0)
+        error = errno;
+    if (error != 0)
+        answer.standardError += "touch: '" + path + "': " + std::strerror(error) + "\n";
+}
+
+bool isNumber(const std::string &text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
 bool isKnown(const Words &words) {
     const auto has = [&](std::size_t at, std::string_view word) {
         return words.size() > at && words[at] == word;
@@ -178,7 +218,9 @@ bool isKnown(const Words &words) {
     return !questionOf(words).empty() || (has(0, "mkdir") && words.size() > (has(1, "-p") ? 2U : 1U)) ||
            (has(0, "mv") && has(1, "-nT") && words.size() == 4) ||
            (has(0, "mv") && has(1, "-n") && words.size() > 3 && words.back().back() == '/') ||
-           (has(0, "rm") && has(1, "-rf") && words.size() > 2);
+           (has(0, "rm") && has(1, "-rf") && words.size() > 2) || (has(0, "md5sum") && words.size() == 2) ||
+           (has(0, "touch") && has(1, "-d") && words.size() == 4 && words[2].rfind('@', 0) == 0 &&
+            isNumber(words[2].substr(1)));
 }
 
 } // namespace
@@ -187,7 +229,7 @@ std::string nameOfCopyLine(const std::vector<ShellPipeline> &line) {
     if (line.size() < 2 || line.back().front().words != Words{"echo", "end"})
         return {};
     for (std::size_t i = 0; i + 1 < line.size(); ++i) {
-        if (line[i].size() != 1 || !isKnown(line[i][0].words))
+        if (line[i].size() != 1 || line[i][0].appends || !isKnown(line[i][0].words))
             return {};
     }
     const Words &first = line[0][0].words;
@@ -204,6 +246,10 @@ Answer runCopyLine(const std::vector<ShellPipeline> &line, const PhoneFiles &fil
             makeFolders(words, files, answer);
         else if (words[0] == "mv")
             move(words, files, answer);
+        else if (words[0] == "md5sum")
+            sumUp(words[1], files, answer);
+        else if (words[0] == "touch")
+            setTime(words[3], std::strtoll(words[2].c_str() + 1, nullptr, 10), files, answer);
         else
             remove(words, files);
     }

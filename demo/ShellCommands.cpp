@@ -364,9 +364,12 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
         known = (name == "getprop" && words == Words{"getprop", "ro.product.model"}) ||
                 (name == "df" && words.size() == 2 && (has(1, "/sdcard") || has(1, "/data"))) ||
                 (name == "ls" && words.size() == 3 && (has(1, "-la") || has(1, "-lab"))) ||
+                (name == "tail" && words.size() == 4 && has(1, "-c") && words[2].rfind('+', 0) == 0 &&
+                 isNumber(words[2].substr(1))) ||
+                (name == "cat" && words.size() == 2 && pipeline[0].appends) ||
                 (name == "stat" && words.size() > 3 && has(1, "-c") && has(2, "%n|%F|%s|%Y"));
     }
-    return known ? name : unknown;
+    return known && pipeline[0].appends == (name == "cat") ? name : unknown;
 }
 
 Answer runShellCommand(const std::vector<ShellPipeline> &line, const PhoneFiles &files,

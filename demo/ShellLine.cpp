@@ -71,6 +71,9 @@ std::vector<ShellPipeline> parseShellLine(const std::string &line) {
             (end == line.size() || isBlank(line[end]) || line[end] == ';' || line[end] == '|')) {
             command.discardsErrors = true;
             at = end;
+        } else if (line.compare(at, 2, ">>") == 0 && !command.appends) {
+            command.appends = true;
+            at += 2;
         } else {
             command.words.push_back(readWord(line, at));
         }

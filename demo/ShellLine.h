@@ -9,15 +9,17 @@ namespace vantrel::demo {
 struct ShellCommand {
     std::vector<std::string> words;
     bool discardsErrors = false;
+    bool appends = false; ///< its output goes behind what the file holds that its last word names
 };
 
 /// Commands joined by "|".
 using ShellPipeline = std::vector<ShellCommand>;
 
-/// Splits a line as the phone's shell does: single quotes, backslash outside them, ";", "|" and
-/// "2>/dev/null". Whatever else means something to a shell and stands outside quotes ("$", "`", "&", "*"…) is
-/// refused, so that a name which leaves its quotes shows as a failure and never as a command. Nothing is run.
-/// Throws std::invalid_argument.
+/// Splits a line as the phone's shell does: single quotes, backslash outside them, ";", "|", "2>/dev/null"
+/// and
+/// ">>". Whatever else means something to a shell and stands outside quotes ("$", "`", "&", "*"…) is refused,
+/// so that a name which leaves its quotes shows as a failure and never as a command. Nothing is run. Throws
+/// std::invalid_argument.
 [[nodiscard]] std::vector<ShellPipeline> parseShellLine(const std::string &line);
 
 } // namespace vantrel::demo

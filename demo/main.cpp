@@ -209,6 +209,14 @@ Answer answerTo(const Request &request, SettingsSource &settings) {
         return answer;
     }
     const PhoneFiles files(settings);
+    if (request.name == "tail" || request.name == "cat") {
+        const std::vector<std::string> &words = request.shellLine[0][0].words;
+        answer.exitStatus =
+            request.name == "cat"
+                ? runAppend(words[1], files, settings)
+                : runTail(words[3], std::strtoll(words[2].c_str() + 1, nullptr, 10), files, settings);
+        return answer;
+    }
     if (!isCopy)
         return runShellCommand(request.shellLine, files, settings.current());
     answer.exitStatus = runCopy(request.name == "push" ? CopyDirection::push : CopyDirection::pull,

@@ -5,6 +5,7 @@
 #include "support/Printers.h"
 
 #include "ADB/ADBClient.h"
+#include "ADB/PhoneCopies.h"
 #include "ADB/SearchText.h"
 
 #include <QElapsedTimer>
@@ -507,6 +508,38 @@ TEST(ADBSearchTests, factsAreMatchedByTheirPlaceInTheAnswer) {
         EXPECT_EQ(facts.value(paths[i]).sizeBytes, i + 1) << paths[i].toStdString();
         EXPECT_FALSE(facts.value(paths[i]).isDirectory) << paths[i].toStdString();
     }
+}
+
+TEST(ADBCopyTests, aFindThatKnowsNoPrintfIsAskedInAnotherWay) {
+    // This computer's own shell as that of a phone.
+    const ScriptedADB adb("case \"$4\" in *-printf*) echo \"find: bad arg '-printf'\" >&2; echo end;;\n"
+                          "*) exec sh -c \"$4\";; esac");
+    const QTemporaryDir folder;
+    for (const char *name : {"a", "sub/it's b", "two\nlines", ".mark-1"})
+        write(folder.filePath(QString::fromLatin1(name)), "1234");
+    ASSERT_TRUE(QFile::link(u"nowhere"_s, folder.filePath(u"link"_s)));
+    ASSERT_TRUE(QFile::link(folder.path(), folder.filePath(u"sub/root"_s)));
+    const auto tree = ADBClient::fetchTree(serial, folder.filePath(u"sub/root"_s), {});
+    ASSERT_TRUE(tree) << tree.error().errorDescription().toStdString();
+    QMap<QString, TreeEntry::Kind> kinds;
+    for (const TreeEntry &entry : tree->entries)
+        kinds.insert(entry.path, entry.kind);
+    using Kind = TreeEntry::Kind;
+    const QMap<QString, Kind> expected{{QString(), Kind::folder},   {u"a"_s, Kind::file},
+                                       {u".mark-1"_s, Kind::file},  {u"link"_s, Kind::other},
+                                       {u"sub"_s, Kind::folder},    {u"sub/it's b"_s, Kind::file},
+                                       {u"sub/root"_s, Kind::other}};
+    EXPECT_EQ(kinds, expected);
+    EXPECT_EQ(tree->leftOut.size(), 1) << "the name with a line break";
+    EXPECT_TRUE(ADBClient::fetchTree(serial, folder.filePath(u"gone"_s), {})->entries.isEmpty());
+
+    const QString file = folder.filePath(u"sub/it's b"_s);
+    const auto facts = ADBClient::fetchFacts(serial, {file, folder.filePath(u"gone"_s)}, {});
+    ASSERT_TRUE(facts);
+    EXPECT_EQ(facts->keys(), QStringList{file});
+    EXPECT_EQ(facts->value(file).sizeBytes, 4);
+    const auto names = ADBClient::namesBeginningWith(serial, folder.path(), u".mark-"_s, {});
+    EXPECT_TRUE(names && names->size() == 1 && names->first().endsWith(u"/.mark-1"_s));
 }
 
 TEST(ADBTransferTests, percentagesOfEitherStreamAreReportedInOrder) {

@@ -1,5 +1,6 @@
 #include "support/Printers.h"
 
+#include "App/Window/Activation.h"
 #include "App/Window/TitleBar.h"
 #include "App/Window/WindowChrome.h"
 #include "App/Window/WindowChromeCoordinator.h"

@@ -117,12 +117,13 @@ TEST_F(CopyTests, anotherContentWaitsForTheUserWhileTheRestGoesOn) {
         writeOn(to, u"b 2"_s, "second");
         start();
         copyAllFrom(from);
-        EXPECT_EQ(state->transferQueue().nameTakenCount(), 2) << statuses().toStdString();
+        EXPECT_EQ(state->transfers().queue().nameTakenCount(), 2) << statuses().toStdString();
         EXPECT_TRUE(statuses().contains(u"c:Done"_s)) << "no question stops the run";
 
-        state->keepAllBoth();
+        state->transfers().keepAllBoth();
         waitForQueue();
-        EXPECT_EQ(state->transferQueue().completedCount(), state->queue().size()) << statuses().toStdString();
+        EXPECT_EQ(state->transfers().queue().completedCount(), state->queue().size())
+            << statuses().toStdString();
         const std::pair<const char *, const char *> expected[] = {
             {"a.tar.gz", "first"}, {"a.tar 2.gz", "new"}, {"b", "first"},
             {"b 2", "second"},     {"b 3", "new"},        {"c", "new"}};
@@ -177,10 +178,10 @@ TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
     state->selectAllVisible(BrowserSide::android);
     state->transferAndroidToMac();
     ASSERT_TRUE(waitFor([&] { return runsOf(u"pull"_s) == 3; }));
-    state->pauseTransfers();
+    state->transfers().pause();
     ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
-    EXPECT_TRUE(state->isPaused());
-    EXPECT_EQ(state->transferQueue().pausedCount(), 3) << statuses().toStdString();
+    EXPECT_TRUE(state->transfers().isPaused());
+    EXPECT_EQ(state->transfers().queue().pausedCount(), 3) << statuses().toStdString();
     EXPECT_EQ(state->waitingCount(), 2);
     EXPECT_TRUE(staged().isEmpty());
     const qsizetype runs = phone.commandLines().size();
@@ -189,11 +190,95 @@ TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
     EXPECT_GT(phone.commandLines().size(), runs);
 
     phone.reset(u"bandwidth"_s);
-    state->resumeTransfers();
+    state->transfers().resume();
     waitForQueue();
-    EXPECT_EQ(state->transferQueue().completedCount(), 5) << statuses().toStdString();
+    EXPECT_EQ(state->transfers().queue().completedCount(), 5) << statuses().toStdString();
     for (const char *name : {"a", "b", "c", "d", "e"})
         EXPECT_EQ(contents(here(QString::fromLatin1(name))), QByteArray(200'000, *name));
+}
+
+TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
+    constexpr qsizetype size = 33'000'000;
+    enum class Break { unplugged, paused, sourceChanged, partDamaged };
+    QByteArray bytes(size, '\0');
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = char(i * 31 + i / 4096);
+    const QByteArray other = bytes.mid(size / 2) + bytes.left(size / 2);
+    for (const BrowserSide from : sides) {
+        for (const Break how : {Break::unplugged, Break::paused, Break::sourceChanged, Break::partDamaged}) {
+            SCOPED_TRACE(testing::Message() << (from == BrowserSide::mac ? "push" : "pull") << int(how));
+            writeOn(from, u"film"_s, bytes);
+            phone.resetAll();
+            phone.set(u"stderr-progress"_s, "off");
+            phone.set(u"bandwidth"_s, "30"); // what adb removes at once cannot be kept
+            if (how != Break::paused)
+                phone.set(u"unplug-after"_s, QByteArray::number(size / 2));
+            start();
+            select(from, u"film"_s);
+            from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+            if (how == Break::paused) {
+                ASSERT_TRUE(waitFor([&] {
+                    const auto *progress = state->queue().first().status.progress();
+                    return progress && progress->transferredBytes > size / 8;
+                }));
+                state->pauseTransfers();
+            }
+            ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+            ASSERT_EQ(staged().size(), 1) << statuses().toStdString();
+            EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"film"_s)));
+            const QDir kept(staged().first());
+            ASSERT_EQ(kept.entryList(QDir::Files).size(), 1);
+            const QString part = kept.filePath(kept.entryList(QDir::Files).first());
+            EXPECT_GT(QFileInfo(part).size(), size / 8);
+            if (how == Break::sourceChanged)
+                writeOn(from, u"film"_s, other, oldTime.addDays(1));
+            if (how == Break::partDamaged)
+                write(part, QByteArray(QFileInfo(part).size(), '?'));
+
+            phone.resetAll();
+            phone.set(u"stderr-progress"_s, "off");
+            phone.set(u"log"_s, "on");
+            const bool goesOn = how == Break::unplugged || how == Break::paused;
+            if (goesOn) // whoever begins anew is unplugged
+                phone.set(u"unplug-after"_s, QByteArray::number(size - size / 8));
+            connectPhone();
+            state->resumeTransfers();
+            waitForQueue();
+            EXPECT_EQ(statuses(), u"film:Done"_s);
+            EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == other, how == Break::sourceChanged);
+            EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == bytes, how != Break::sourceChanged);
+            EXPECT_EQ(QFileInfo(pathOn(otherThan(from), u"film"_s)).lastModified(),
+                      QFileInfo(pathOn(from, u"film"_s)).lastModified());
+            // The second time a push always begins so that it can go on.
+            const bool isWhole = !goesOn && (from == BrowserSide::android || how == Break::partDamaged);
+            EXPECT_EQ(runsOf(u"pull"_s) + runsOf(u"push"_s), isWhole ? 1 : 0);
+            EXPECT_TRUE(staged().isEmpty());
+            state->clearQueue();
+            QFile::remove(here(u"film"_s));
+            QFile::remove(phone.hostPath(u"film"_s));
+        }
+    }
+}
+
+TEST_F(CopyTests, whatIsKeptOfACopyGoesWithItsEntry) {
+    for (const BrowserSide from : sides) {
+        writeOn(from, u"film"_s, QByteArray(33'000'000, 'x'));
+        phone.set(u"bandwidth"_s, "20");
+        start();
+        select(from, u"film"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        ASSERT_TRUE(waitFor([&] {
+            const auto *progress = state->queue().first().status.progress();
+            return progress && progress->transferredBytes > 1'000'000;
+        }));
+        state->pauseTransfers();
+        ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+        EXPECT_EQ(staged().size(), 1);
+        from == BrowserSide::mac ? state->removeQueueItem(state->queue().first().id) : state->clearQueue();
+        EXPECT_TRUE(waitFor([&] { return staged().isEmpty(); }));
+        state->resumeTransfers();
+        QFile::remove(pathOn(from, u"film"_s));
+    }
 }
 
 TEST_F(CopyTests, oneBadFileDoesNotEndAFolderAndIsTriedAgainAlone) {
@@ -218,7 +303,7 @@ TEST_F(CopyTests, oneBadFileDoesNotEndAFolderAndIsTriedAgainAlone) {
         phone.reset(u"fail"_s);
         ::chmod(QFile::encodeName(bad).constData(), 0644);
         const qsizetype before = copyOrder().size();
-        state->tryAllAgain();
+        state->transfers().tryAllAgain();
         waitForQueue();
         EXPECT_TRUE(statuses().contains(u"Trip:1 copied, 2 already there"_s)) << statuses().toStdString();
         EXPECT_EQ(copyOrder().mid(before), u"bad's one"_s);
@@ -283,7 +368,7 @@ TEST_F(CopyTests, manySmallEntriesShareRunsAndEachHasItsOwnEnd) {
         const int copies = runsOf(u"pull"_s) + runsOf(u"push"_s);
         copyAllFrom(from);
         EXPECT_EQ(statuses().count(u":Done"_s), count - 1) << statuses().toStdString();
-        EXPECT_EQ(state->transferQueue().nameTakenCount(), 1);
+        EXPECT_EQ(state->transfers().queue().nameTakenCount(), 1);
         EXPECT_LE(runsOf(u"pull"_s) + runsOf(u"push"_s) - copies, count / 5);
         EXPECT_LE(int(phone.commandLines().size()) - before, count) << "less than one run for each";
         for (const QString &root : {here(QString()), phone.root()}) {

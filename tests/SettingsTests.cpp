@@ -249,6 +249,28 @@ TEST_F(SingleInstanceTests, aSecondStartRaisesTheFirst) {
     EXPECT_EQ(next.claim(), Role::first);
 }
 
+TEST_F(SingleInstanceTests, readsTheScreenAndTheTokenFromTheEnvironment) {
+    const char *names[] = {"WAYLAND_DISPLAY", "DISPLAY", "XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"};
+    QByteArray before[4];
+    for (int i = 0; i < 4; ++i)
+        before[i] = qgetenv(names[i]);
+    using Values = std::array<QByteArray, 4>;
+    for (const auto &[values, screen, token] :
+         {std::tuple(Values{"", "", "", ""}, u""_s, QByteArray()),
+          {Values{"wayland-1", ":0", "t", "id_TIME5"}, u"wayland-1"_s, "t"},
+          {Values{"", ":1", "", "id_TIME5"}, u":1"_s, "id_TIME5"},
+          {Values{"", ":1.0", "", ""}, u":1"_s, ""},
+          {Values{"", ":1.1", "", ""}, u":1.1"_s, ""},
+          {Values{"", "localhost:10.0", "", ""}, u"localhost:10"_s, ""}}) {
+        for (size_t i = 0; i < 4; ++i)
+            qputenv(names[i], values[i]);
+        EXPECT_EQ(SingleInstance::userScreen(), screen);
+        EXPECT_EQ(SingleInstance::activationToken(), token);
+    }
+    for (int i = 0; i < 4; ++i)
+        qputenv(names[i], before[i]);
+}
+
 TEST_F(SingleInstanceTests, takesOverAfterABadEnd) {
     // What a killed program leaves: a socket nobody listens on, and a lock of a process that is gone.
     write(directory.filePath(u"vantrel.socket"_s), "");

@@ -21,28 +21,85 @@ using namespace Qt::StringLiterals;
 
 using BrowserColumnTests = WindowFixture;
 
-TEST_F(BrowserColumnTests, thePanelGrowsUntilThePanesHaveTheirLeastHeight) {
+TEST_F(BrowserColumnTests, thePanelTakesTwoFifthsUntilItsEdgeIsDragged) {
     auto *browser = new QWidget;
     auto *queue = new TransferQueueView(state.get());
-    show(new BrowserColumn(browser, queue), {840, 640});
-    EXPECT_EQ(queue->geometry().bottom(), 640 - 8 - 1);
+    auto *column = show(new BrowserColumn(browser, queue), {840, 900});
+    auto *edge = child<QSplitterHandle>("queue.edge");
+    EXPECT_EQ(queue->geometry().bottom(), 900 - 8 - 1);
     EXPECT_EQ(queue->x(), 12);
     EXPECT_EQ(browser->geometry(), QRect(12, 12, 840 - 24, queue->y() - 24));
-    const auto *list = child<QueueListView>("queue.list");
-    const int roomForRows = 640 - 24 - 8 - BrowserColumn::browserMinimumHeight - 24 - 8;
+    EXPECT_FALSE(edge->isEnabled()) << "there is nothing to make higher";
+    const int room = 900 - 12 - 8 - 12;
+    const int most = room * 2 / 5;
     int previous = queue->height();
     for (const int count : {1, 3, 40}) {
         queueGhosts(count);
         ASSERT_TRUE(waitFor([&] { return state->queue().size() >= count; }));
         settle();
-        const bool fits = QueueListView::heightOfRows(state->queue().size()) <= roomForRows;
-        EXPECT_GT(queue->height(), previous);
-        EXPECT_GE(browser->height(), BrowserColumn::browserMinimumHeight);
-        EXPECT_EQ(list->verticalScrollBar()->maximum() == 0, fits) << count;
+        EXPECT_GT(queue->height(), previous) << count;
+        EXPECT_EQ(queue->height(), std::min(queue->sizeHint().height(), most));
         previous = queue->height();
     }
+    EXPECT_EQ(queue->height(), most);
+    EXPECT_EQ(view->size(), QSize(840, 900));
+
+    QSignalSpy chosen(column, &BrowserColumn::queueLimitChosen);
+    const auto drag = [&](int by) {
+        const QPoint from = edge->rect().center();
+        QTest::mousePress(edge, Qt::LeftButton, {}, from);
+        QTest::mouseMove(edge, from + QPoint(0, by / 2));
+        QTest::mouseMove(edge, from + QPoint(0, by - by / 2));
+        QTest::mouseRelease(edge, Qt::LeftButton, {}, edge->rect().center());
+        settle();
+    };
+    drag(-100);
+    EXPECT_EQ(queue->height(), most + 100);
+    EXPECT_EQ(column->queueLimit(), most + 100);
+    EXPECT_EQ(chosen.count(), 1) << "once, not for every step of it";
+    drag(-2000);
     EXPECT_EQ(browser->height(), BrowserColumn::browserMinimumHeight);
-    EXPECT_EQ(view->size(), QSize(840, 640));
+    drag(2000);
+    EXPECT_EQ(queue->height(), queue->minimumSizeHint().height());
+    edge->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(edge, Qt::Key_Up);
+    EXPECT_EQ(queue->height(), queue->minimumSizeHint().height() + 24);
+    QTest::keyClick(edge, Qt::Key_Down);
+    EXPECT_EQ(queue->height(), queue->minimumSizeHint().height());
+    EXPECT_EQ(accessible(edge)->role(), QAccessible::Splitter);
+    EXPECT_FALSE(accessible(edge)->text(QAccessible::Name).isEmpty());
+    QTest::mouseDClick(edge, Qt::LeftButton);
+    settle();
+    EXPECT_EQ(queue->height(), most);
+    EXPECT_FALSE(column->queueLimit());
+    view->resize(840, 640);
+    settle();
+    EXPECT_EQ(queue->height(), (640 - 32) * 2 / 5);
+    EXPECT_GE(browser->height(), BrowserColumn::browserMinimumHeight);
+}
+
+TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
+    const QString path = mac.filePath(u"settings.ini"_s);
+    {
+        Settings settings(path);
+        auto *content = show(new ContentView(state.get(), settings), {1100, 800});
+        queueGhosts(40);
+        settle();
+        auto *edge = content->findChild<QSplitterHandle *>(u"queue.edge"_s);
+        edge->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(edge, Qt::Key_Down);
+    }
+    const int chosen = child<TransferQueueView>("queue")->height();
+    view.reset();
+    Settings settings(path);
+    EXPECT_EQ(settings.queueHeight(), chosen);
+    show(new ContentView(state.get(), settings), {1100, 800});
+    settle();
+    EXPECT_EQ(child<TransferQueueView>("queue")->height(), chosen);
+    for (const char *nonsense : {"-5", "x", "999999999", ""}) {
+        write(path, "queueHeight=" + QByteArray(nonsense));
+        EXPECT_FALSE(Settings(path).queueHeight()) << nonsense;
+    }
 }
 
 class MainWindowTests : public MainWindowFixture {

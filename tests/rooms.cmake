@@ -5,8 +5,9 @@ vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.c
 vantrel_test(ADBTests LIBRARIES vantrel_adb demo_phone_fixture SOURCES ADBTextTests.cpp ADBClientTests.cpp)
 vantrel_test(MacFilesTests LIBRARIES vantrel_macfiles SOURCES MacFilesTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_kit SOURCES KitTests.cpp)
+vantrel_test(TransfersTests LIBRARIES vantrel_state demo_phone_fixture SOURCES TransferTests.cpp CopyTests.cpp)
 vantrel_test(StateTests LIBRARIES vantrel_state demo_phone_fixture
-             SOURCES AppStateTests.cpp PaneStateTests.cpp PhoneWatchTests.cpp TransferTests.cpp CopyTests.cpp)
+             SOURCES AppStateTests.cpp PaneStateTests.cpp PhoneWatchTests.cpp)
 vantrel_gui_test(ViewsTests LIBRARIES vantrel_views demo_phone_fixture
                  SOURCES AccessibilityTests.cpp FileRowTests.cpp PaneTests.cpp QueueTests.cpp SidebarTests.cpp)
 # A screen reader is told things only while there is one. Only the toolkit's own headers let a test pretend.
@@ -28,6 +29,17 @@ vantrel_gui_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.
 if(NOT APPLE)
     vantrel_gui_test(DesktopTests LIBRARIES vantrel_app_window demo_phone_fixture SOURCES DesktopTests.cpp)
     vantrel_wayland_test(WaylandTests 1024x600 1366x768 1920x1080)
+    if(TARGET PkgConfig::XCB)
+        add_executable(X11Tests X11Tests.cpp)
+        target_link_libraries(X11Tests PRIVATE vantrel_app_window PkgConfig::XCB ${VANTREL_GUI_TEST_LIBRARIES})
+        target_include_directories(X11Tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+        vantrel_target(X11Tests)
+        vantrel_use_precompiled(X11Tests gui_test)
+        add_test(NAME X11Tests COMMAND X11Tests)
+        # Leaks are not looked for: those of the toolkit's X11 plugin have no name.
+        set_tests_properties(X11Tests PROPERTIES TIMEOUT 300 ENVIRONMENT
+                             "${VANTREL_TEST_ENVIRONMENT};ASAN_OPTIONS=detect_leaks=0")
+    endif()
     vantrel_test(FaultMatrixTests LIBRARIES vantrel_state demo_phone_fixture SOURCES FaultMatrixTests.cpp)
     vantrel_test(HostilePhoneTests LIBRARIES vantrel_state demo_phone_fixture SOURCES HostilePhoneTests.cpp)
     add_executable(copyProgram support/copyProgram.cpp)

@@ -8,9 +8,12 @@
 #include "ADB/ToolText.h"
 #include "ADB/TreeText.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QMap>
 
 #include <algorithm>
+#include <unistd.h>
 
 namespace vantrel::ADBClient {
 
@@ -85,6 +88,23 @@ QString treeQuestion(const QString &path) {
            QString::fromLatin1(treeFormat) % QLatin1Char('\'');
 }
 
+/// Asks with `find … -printf`; older phones know no -printf and are asked with `stat`.
+ADBResult<ShellAnswer> ask(const QString &serial, const QString &question, const QString &olderQuestion,
+                           const QString &root, const std::stop_token &stop) {
+    auto answer = runShell(serial, question, stop);
+    if (!answer || !answer->errors.contains(QLatin1String("-printf")))
+        return answer;
+    answer = runShell(serial, olderQuestion, stop);
+    if (answer)
+        answer->output = recordsOfLines(answer->output, root);
+    return answer;
+}
+
+QString statCommand(QLatin1String options) {
+    return QStringLiteral("stat ") % options % QStringLiteral("-c '") % QString::fromLatin1(lineFormat) %
+           QStringLiteral("' ");
+}
+
 /// Calls `use` with as many words as one line holds, until all were given.
 template <class Use>
 ADBResult<void> forEachLine(const QStringList &words, Use use) {
@@ -121,7 +141,11 @@ bool isGone(const QString &serial) {
 } // namespace
 
 ADBResult<FileTree> fetchTree(const QString &serial, const QString &path, const std::stop_token &stop) {
-    const auto answer = runShell(serial, treeQuestion(path), stop);
+    const auto answer =
+        ask(serial, treeQuestion(path),
+            statCommand(QLatin1String("-L ")) % quoted(path) % QStringLiteral("; find -H ") % quoted(path) %
+                QStringLiteral(" -mindepth 1 -exec ") % statCommand(QLatin1String()) % QStringLiteral("{} +"),
+            path, stop);
     if (!answer)
         return tl::make_unexpected(answer.error());
     auto tree = parseTree(answer->output);
@@ -140,11 +164,12 @@ ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QSt
                                                 const std::stop_token &stop) {
     QHash<QString, TreeEntry> facts;
     const auto asked = forEachLine(quotedAll(paths), [&](const QStringList &words) -> ADBResult<void> {
-        const auto answer = runShell(serial,
-                                     QStringLiteral("find -H ") % words.join(QLatin1Char(' ')) %
-                                         QStringLiteral(" -maxdepth 0 -printf '") %
-                                         QString::fromLatin1(factsFormat) % QLatin1Char('\''),
-                                     stop);
+        const QString listed = words.join(QLatin1Char(' '));
+        const auto answer =
+            ask(serial,
+                QStringLiteral("find -H ") % listed % QStringLiteral(" -maxdepth 0 -printf '") %
+                    QString::fromLatin1(factsFormat) % QLatin1Char('\''),
+                statCommand(QLatin1String("-L ")) % listed, {}, stop);
         if (!answer)
             return tl::make_unexpected(answer.error());
         const auto parsed = parseFacts(answer->output);
@@ -160,12 +185,11 @@ ADBResult<QHash<QString, TreeEntry>> fetchFacts(const QString &serial, const QSt
 
 ADBResult<QStringList> namesBeginningWith(const QString &serial, const QString &folder, const QString &prefix,
                                           const std::stop_token &stop) {
-    const auto answer =
-        runShell(serial,
-                 QStringLiteral("find ") % quoted(AndroidPath::join(folder, QString())) %
-                     QStringLiteral(" -maxdepth 1 -name '") % prefix % QStringLiteral("*' -printf '") %
-                     QString::fromLatin1(treeFormat) % QLatin1Char('\''),
-                 stop);
+    const QString found = QStringLiteral("find ") % quoted(AndroidPath::join(folder, QString())) %
+                          QStringLiteral(" -maxdepth 1 -name '") % prefix % QStringLiteral("*'");
+    const auto answer = ask(
+        serial, found % QStringLiteral(" -printf '") % QString::fromLatin1(treeFormat) % QLatin1Char('\''),
+        found % QStringLiteral(" -exec ") % statCommand(QLatin1String()) % QStringLiteral("{} +"), {}, stop);
     if (!answer)
         return tl::make_unexpected(answer.error());
     const auto facts = parseFacts(answer->output); // the format of a tree: paths below the folder
@@ -230,7 +254,13 @@ ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<
         !moved)
         return tl::make_unexpected(moved.error());
 
-    const auto left = parseTree(listing);
+    auto left = parseTree(listing);
+    if (complaints.contains(QLatin1String("-printf"))) {
+        const auto asked = fetchTree(serial, stagingFolder, stop);
+        if (!asked)
+            return tl::make_unexpected(asked.error());
+        left = *asked;
+    }
     if (!left)
         return tl::make_unexpected(unreadableAnswer());
     QHash<QString, QString> unmoved;
@@ -307,6 +337,92 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
     const QString message = ToolText::reason(ToolText::decode(errors)).text;
     return tl::make_unexpected(
         failure(message.isEmpty() ? QStringLiteral("adb exited with %1").arg(run.exitStatus()) : message));
+}
+
+namespace {
+
+/// Runs `adb shell LINE` whose streams the caller has tied to files.
+ADBResult<void> runStream(ToolRun &run, const QString &serial, const std::function<void()> &onWait) {
+    if (const auto started = run.start(); !started)
+        return tl::make_unexpected(started.error());
+    QByteArray errors;
+    while (run.isRunningAfter(waitStep)) {
+        constexpr qsizetype kept = 65'536;
+        errors += run.takeStandardError();
+        errors = errors.right(kept);
+        onWait();
+    }
+    errors += run.takeStandardError();
+    if (run.wasStopped())
+        return tl::make_unexpected(failure(QStringLiteral("The copy was stopped.")));
+    const QString message = ToolText::reason(ToolText::decode(errors)).text;
+    if (run.succeeded() && message.isEmpty())
+        return {};
+    if (isGone(serial))
+        return tl::make_unexpected(failure(QStringLiteral("The phone was disconnected during the copy.")));
+    return tl::make_unexpected(
+        failure(message.isEmpty() ? QStringLiteral("adb exited with %1").arg(run.exitStatus()) : message));
+}
+
+QStringList shellArguments(const QString &serial, const QString &line) {
+    return {QStringLiteral("-s"), serial, QStringLiteral("shell"), line};
+}
+
+} // namespace
+
+ADBResult<void> continuePull(const QString &serial, const QString &source, const QString &localPath,
+                             const std::stop_token &stop, const BytesProgress &onProgress) {
+    const auto tool = resolveADBPath();
+    if (!tool)
+        return tl::make_unexpected(ADBError::adbNotFound());
+    const qint64 first = QFileInfo(localPath).size() + 1;
+    ToolRun run(*tool,
+                shellArguments(serial, QStringLiteral("tail -c +%1 ").arg(first) +
+                                           AndroidPath::quotedForShell(source)),
+                augmentedEnvironment());
+    run.appendTo(localPath);
+    run.stopWith(stop);
+    return runStream(run, serial, [&] { onProgress(QFileInfo(localPath).size()); });
+}
+
+ADBResult<void> continuePush(const QString &serial, const QString &localPath, qint64 from,
+                             const QString &path, const std::stop_token &stop,
+                             const BytesProgress &onProgress) {
+    const auto tool = resolveADBPath();
+    if (!tool)
+        return tl::make_unexpected(ADBError::adbNotFound());
+    QFile file(localPath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !file.seek(from))
+        return tl::make_unexpected(
+            failure(QStringLiteral("This computer can’t read it: ") + file.errorString()));
+    ToolRun run(*tool, shellArguments(serial, QStringLiteral("cat >>") + quoted(path)),
+                augmentedEnvironment());
+    run.readFrom(file.handle());
+    run.stopWith(stop);
+    return runStream(run, serial, [&] { onProgress(::lseek(file.handle(), 0, SEEK_CUR)); });
+}
+
+ADBResult<void> setModified(const QString &serial, const QString &path, qint64 modified,
+                            const std::stop_token &stop) {
+    const auto answer = runShell(serial, QStringLiteral("touch -d @%1 ").arg(modified) + quoted(path), stop);
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    return {};
+}
+
+ADBResult<QByteArray> fetchSum(const QString &serial, const QString &path, const std::stop_token &stop) {
+    constexpr qsizetype digits = 32;
+    const auto answer = runShell(serial, QStringLiteral("md5sum ") + quoted(path), stop);
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    if (!answer->errors.isEmpty())
+        return tl::make_unexpected(failure(reasonOf(answer->errors)));
+    // A backslash before the sum says that the name behind it is written with escapes.
+    const QByteArray sum = answer->output.mid(answer->output.startsWith('\\') ? 1 : 0, digits);
+    const bool isSum = sum.size() == digits && std::all_of(sum.begin(), sum.end(), [](char c) {
+                           return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+                       });
+    return isSum ? ADBResult<QByteArray>(sum) : tl::make_unexpected(unreadableAnswer());
 }
 
 } // namespace vantrel::ADBClient

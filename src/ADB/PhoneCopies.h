@@ -62,4 +62,23 @@ using BatchProgress = std::function<void(int endedFiles, double fractionOfNext)>
                                                const QStringList &sources, const QString &folder,
                                                const std::stop_token &stop, const BatchProgress &onProgress);
 
+/// Called on the thread that copies, with all bytes that are through.
+using BytesProgress = std::function<void(qint64 bytes)>;
+/// Appends to a file of this computer what a phone's file holds behind the bytes that are in it already. An
+/// error as of copyFiles, or the phone's own reason; what has come stays.
+[[nodiscard]] ADBResult<void> continuePull(const QString &serial, const QString &source,
+                                           const QString &localPath, const std::stop_token &stop,
+                                           const BytesProgress &onProgress);
+/// The same from a file of this computer to one of the phone, which holds the first `from` bytes of it, and
+/// is made where it is missing.
+[[nodiscard]] ADBResult<void> continuePush(const QString &serial, const QString &localPath, qint64 from,
+                                           const QString &path, const std::stop_token &stop,
+                                           const BytesProgress &onProgress);
+/// Sets a file's time, in seconds since 1970.
+[[nodiscard]] ADBResult<void> setModified(const QString &serial, const QString &path, qint64 modified,
+                                          const std::stop_token &stop);
+/// The MD5 sum of a file's content, 32 digits; the phone reads all of it.
+[[nodiscard]] ADBResult<QByteArray> fetchSum(const QString &serial, const QString &path,
+                                             const std::stop_token &stop);
+
 } // namespace vantrel::ADBClient

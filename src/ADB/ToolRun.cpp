@@ -53,6 +53,21 @@ void ToolRun::useTerminal(PseudoTerminal &terminal) {
     m_process.setChildProcessModifier([slave = terminal.slave()] { prepareChild(slave); });
 }
 
+void ToolRun::readFrom(int file) {
+    m_process.setInputChannelMode(QProcess::ManagedInputChannel);
+    m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.setChildProcessModifier([file] {
+        prepareChild(-1);
+        ::dup2(file, STDIN_FILENO);
+    });
+}
+
+void ToolRun::appendTo(const QString &path) {
+    m_process.setInputChannelMode(QProcess::ManagedInputChannel);
+    m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.setStandardOutputFile(path, QIODevice::Append);
+}
+
 void ToolRun::onStandardError(const std::function<void()> &handler) {
     QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process, handler);
 }

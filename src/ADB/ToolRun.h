@@ -28,6 +28,12 @@ public:
     /// Standard output goes to the terminal, standard input comes from nowhere. To be called before start().
     void useTerminal(PseudoTerminal &terminal);
 
+    /// Standard input comes from a file of this process, from where it stands on: how far the child has read
+    /// is where it stands then. To be called before start(); the file must stay open until the end.
+    void readFrom(int file);
+    /// Standard output is appended to a file. To be called before start().
+    void appendTo(const QString &path);
+
     /// Called, while the run waits, whenever something has come on standard error. To be set before waiting.
     void onStandardError(const std::function<void()> &handler);
 

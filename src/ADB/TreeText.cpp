@@ -92,6 +92,25 @@ std::optional<QHash<QString, TreeEntry>> parseFacts(const QByteArray &answer) {
     return isWhole ? std::optional(std::move(facts)) : std::nullopt;
 }
 
+QByteArray recordsOfLines(const QByteArray &answer, const QString &root) {
+    if (!answer.endsWith(answerEnd))
+        return {};
+    const QByteArray folder = root.isEmpty() ? QByteArray() : root.toUtf8() + '/';
+    QByteArray records;
+    for (const QByteArray &line : answer.chopped(qsizetype(sizeof answerEnd) - 1).split('\n')) {
+        const auto record = parseRecord(line);
+        const bool isRoot = record && !folder.isEmpty() && record->path == folder.chopped(1);
+        if (record && (isRoot || record->path.startsWith(folder))) {
+            const QByteArray path = isRoot ? QByteArray() : record->path.toByteArray().mid(folder.size());
+            records += line.chopped(record->path.size()) + path + '\0';
+        } else if (!line.isEmpty() && !records.isEmpty()) {
+            constexpr char noText = '\xff'; // in no UTF-8
+            records.insert(records.size() - 1, noText);
+        }
+    }
+    return records + answerEnd;
+}
+
 QList<CopyProblem> parseFindComplaints(const QString &errors, const QString &root) {
     const QLatin1String prefix("find: ");
     QList<CopyProblem> problems;

@@ -10,8 +10,8 @@
 #include "App/System/UsageAnalytics.h"
 #include "App/System/Version.h"
 #include "App/Updates/Updater.h"
+#include "App/Window/Activation.h"
 #include "App/Window/MainWindow.h"
-#include "App/Window/WindowChrome.h"
 #include "Kit/AppStyle.h"
 #include "Worker/Worker.h"
 
@@ -51,6 +51,7 @@ int main(int argc, char **argv) {
     if (isDone(parseCommandLine(toArguments(argc, argv), UnknownArguments::ignored)))
         return 0;
 
+    const QByteArray activationToken = SingleInstance::activationToken();
     QApplication application(argc, argv);
     QApplication::setApplicationName(product::name());
     QApplication::setApplicationVersion(version::shortVersion());
@@ -59,7 +60,7 @@ int main(int argc, char **argv) {
         return 2;
 
     SingleInstance instance(SingleInstance::userDirectory());
-    if (instance.claim(qgetenv("XDG_ACTIVATION_TOKEN")) == SingleInstance::Role::second)
+    if (instance.claim(activationToken) == SingleInstance::Role::second)
         return 0;
 
     readFontConfiguration();

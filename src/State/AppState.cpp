@@ -54,7 +54,6 @@ void AppState::forwardSignals() {
     connect(&m_transfers, &TransferRunner::queueChanged, this, &AppState::queueChanged);
     connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
     connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
-    connect(&m_transfers, &TransferRunner::isPausedChanged, this, &AppState::isPausedChanged);
     connect(&m_transfers, &TransferRunner::isTransferringChanged, this, &AppState::isTransferringChanged);
 }
 
@@ -108,8 +107,8 @@ QString AppState::shownFolder(BrowserSide side) const {
     return side == BrowserSide::mac ? macPath() : androidCurrentPath();
 }
 
-QCoro::Task<> AppState::listAgain(BrowserSide side) {
-    return side == BrowserSide::mac ? browseMac(macPath()) : browseAndroid(androidCurrentPath());
+bool AppState::isListing(BrowserSide side) const {
+    return side == BrowserSide::mac ? isLoadingMac() : isLoadingAndroid();
 }
 
 } // namespace vantrel

@@ -6,7 +6,6 @@
 #include "State/PhoneWatch.h"
 #include "Transfers/TransferRunner.h"
 
-#include <algorithm>
 #include <memory>
 
 namespace vantrel {
@@ -117,37 +116,20 @@ public:
 
     // -- Transfers
     [[nodiscard]] const QList<QueueItem> &queue() const { return m_transfers.queue().items(); }
-    /// Tells which rows of the queue change.
-    [[nodiscard]] QAbstractItemModel *queueModel() { return m_transfers.queueModel(); }
     [[nodiscard]] const QString &transferSpeedLabel() const { return m_transfers.speedLabel(); }
     [[nodiscard]] const QString &remainingLabel() const { return m_transfers.remainingLabel(); }
     [[nodiscard]] bool isTransferring() const { return m_transfers.isTransferring(); }
-    /// Entries that are being copied at this moment: one for each run.
-    [[nodiscard]] int activeTransferCount() const {
-        return std::min(m_transfers.queue().activeCount(), TransferRunner::concurrentCopies);
-    }
-    /// Entries that wait for their turn, or only for the others of their run.
-    [[nodiscard]] int waitingCount() const {
-        return m_transfers.queue().waitingCount() + m_transfers.queue().activeCount() - activeTransferCount();
-    }
+    [[nodiscard]] int activeTransferCount() const { return m_transfers.activeCount(); }
+    [[nodiscard]] int waitingCount() const { return m_transfers.waitingCount(); }
     /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
     void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
     void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }
-    [[nodiscard]] bool isPaused() const { return m_transfers.isPaused(); }
-    /// The queue's figures: entries done, failed and held up by a taken name; bytes done of all that are
-    /// known.
-    [[nodiscard]] const TransferQueue &transferQueue() const { return m_transfers.queue(); }
     /// Removes one entry; a copy that runs for it is stopped and leaves nothing behind.
     void removeQueueItem(const QUuid &id) { m_transfers.remove(id); }
     /// Removes every entry that is not running.
     void clearQueue() { m_transfers.clear(); }
-    /// Stops what runs until it is resumed.
-    void pauseTransfers() { m_transfers.pause(); }
-    void resumeTransfers() { m_transfers.resume(); }
-    void tryAgain(const QUuid &id) { m_transfers.tryAgain(id); }
-    void tryAllAgain() { m_transfers.tryAllAgain(); }
-    void keepBoth(const QUuid &id) { m_transfers.keepBoth(id); }
-    void keepAllBoth() { m_transfers.keepAllBoth(); }
+    /// What runs the queue, for whatever else is to be done with it.
+    [[nodiscard]] TransferRunner &transfers() { return m_transfers; }
 
 Q_SIGNALS:
     void deviceChanged();
@@ -180,14 +162,15 @@ Q_SIGNALS:
     void transferSpeedLabelChanged();
     void remainingLabelChanged();
     void isTransferringChanged();
-    void isPausedChanged();
 
 private:
     void forwardSignals();
     void transfer(TransferDirection direction);
     QCoro::Task<> openPhone();
+    void showAvailable(std::optional<qint64> bytes);
     [[nodiscard]] std::optional<QString> connectedSerial() const override;
     [[nodiscard]] QString shownFolder(BrowserSide side) const override;
+    [[nodiscard]] bool isListing(BrowserSide side) const override;
     QCoro::Task<> listAgain(BrowserSide side) override;
 
     Desktop &m_desktop;

@@ -63,9 +63,32 @@ QCoro::Task<> AppState::browseMac(QString path) {
     if (!listing)
         m_macPane.setBrowseError(listing.error().errorDescription());
     m_macPane.setItems(std::move(listing).value_or(QList<FileItem>()));
-    m_macAvailableLabel =
-        available ? QString(formatFileSize(*available) + QStringLiteral(" available")) : unknownLabel();
+    showAvailable(available);
     m_macPane.setLoading(false);
+}
+
+void AppState::showAvailable(std::optional<qint64> bytes) {
+    m_macAvailableLabel =
+        bytes ? QString(formatFileSize(*bytes) + QStringLiteral(" available")) : unknownLabel();
+}
+
+/// What cannot be listed is left as it was seen last: nobody has asked.
+QCoro::Task<> AppState::listAgain(BrowserSide side) {
+    PaneState &shown = pane(side);
+    const quint64 token = shown.token();
+    const QString folder = shown.path();
+    if (side == BrowserSide::mac) {
+        auto listing = co_await Background::run(this, &MacFileClient::listDirectory, folder);
+        const auto available = co_await Background::run(this, &MacFileClient::availableBytes, folder);
+        if (!listing || !shown.isNewest(token))
+            co_return;
+        shown.setItemsAgain(std::move(*listing));
+        showAvailable(available);
+    } else if (const auto serial = connectedSerial()) {
+        auto listing = co_await Background::run(this, &ADBClient::listDirectory, *serial, folder);
+        if (listing && shown.isNewest(token))
+            shown.setItemsAgain(*listing, listing->unreadableCount);
+    }
 }
 
 QCoro::Task<> AppState::openAndroidFile(FileItem item) {

@@ -56,8 +56,13 @@ public:
     /// Whether no other folder was opened, and the pane not emptied, since open() returned the token. The
     /// path may be the same, the phone not.
     [[nodiscard]] bool isNewest(quint64 token) const { return token == m_token; }
+    /// What stands for the listing that open() has asked for last.
+    [[nodiscard]] quint64 token() const { return m_token; }
     void setLoading(bool isLoading) { m_isLoading = isLoading; }
     void setItems(const QList<FileItem> &items, qsizetype unreadableCount = 0);
+    /// The same folder's entries, listed again: what was there before, by its path, keeps its identity, and
+    /// with it stays selected.
+    void setItemsAgain(QList<FileItem> items, qsizetype unreadableCount = 0);
     void setBrowseError(const std::optional<QString> &error) { m_browseError = error; }
     /// Empties the pane, because what it lists is gone, and drops the listing that is under way.
     void empty(const std::optional<QString> &error = std::nullopt);

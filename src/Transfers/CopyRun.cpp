@@ -4,9 +4,12 @@
 #include "ADB/AndroidPath.h"
 #include "ADB/PhoneCopies.h"
 #include "Records/TransferFormat.h"
+#include "Transfers/KeptParts.h"
 #include "Transfers/LocalStaging.h"
 #include "Transfers/StagedName.h"
 
+#include <QCryptographicHash>
+#include <QDir>
 #include <QFile>
 #include <QSet>
 
@@ -14,6 +17,8 @@
 #include <limits>
 #include <mutex>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace vantrel {
 
@@ -21,6 +26,9 @@ namespace {
 
 /// FAT keeps times in steps of two seconds.
 constexpr qint64 timeTolerance = 2;
+
+/// A file of this size is not copied again from its beginning when its copy was interrupted.
+constexpr qint64 smallestContinued = 32'000'000;
 
 /// One file that is missing on the other side.
 struct PlannedFile {
@@ -78,6 +86,24 @@ SweptFolders &sweptFolders() {
     return folders;
 }
 
+/// Where staging folders lie, as the sweeper knows it: a folder, with the phone that it is on.
+QString placeOf(TransferDirection direction, const QString &serial, const QString &folder) {
+    return direction == TransferDirection::androidToMac ? folder
+                                                        : QString(serial % QLatin1Char(':') % folder);
+}
+
+/// Removes a staging folder on either side. What is on a phone that has left is swept before the next copy.
+void removeStaging(TransferDirection direction, const QString &serial, const QString &folder,
+                   const QString &name) {
+    const QString path = AndroidPath::join(folder, name);
+    const bool isRemoved = direction == TransferDirection::androidToMac
+                               ? QDir(path).removeRecursively()
+                               : ADBClient::removeFolder(serial, path).has_value();
+    if (!isRemoved)
+        sweptFolders().forget(placeOf(direction, serial, folder));
+    StagedName::release(name);
+}
+
 /// Whether adb's reason is that the phone is not there; it may be back by now.
 bool speaksOfAbsence(const QString &reason) {
     const QLatin1String reasons[] = {QLatin1String("device '"),
@@ -102,8 +128,13 @@ public:
         plan();
         makeFolders();
         copyMissing();
-        for (qsizetype entry = 0; entry < m_states.size(); ++entry)
+        removeLeftOver();
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
+            const CopyReport &report = m_states.at(entry).report;
+            if (!report.wasStopped && !report.isPhoneGone)
+                discardKeptParts({m_job.entries.at(entry).id});
             end(entry);
+        }
     }
 
 private:
@@ -158,16 +189,14 @@ private:
     // -- Looking
 
     /// The folder that is written into, with the phone that it is on.
-    [[nodiscard]] QString place() const {
-        return isPull() ? m_job.folder : QString(m_job.serial % QLatin1Char(':') % m_job.folder);
-    }
+    [[nodiscard]] QString place() const { return placeOf(m_job.direction, m_job.serial, m_job.folder); }
 
-    /// Removes what programs that died have left in the folder that is to be written into.
-    void sweep() const {
+    /// Finds what programs that died have left in the folder that is to be written into.
+    void sweep() {
         if (!sweptFolders().visit(place()))
             return;
         if (isPull()) {
-            LocalFiles::sweep(m_job.folder);
+            m_leftOver = LocalFiles::leftOver(m_job.folder);
             return;
         }
         const auto names =
@@ -177,8 +206,143 @@ private:
         for (const QString &path : *names) {
             const QString name = AndroidPath::lastComponent(path);
             if (StagedName::isLeftOver(name))
-                ADBClient::removeFolder(m_job.serial, AndroidPath::join(m_job.folder, name));
+                m_leftOver.append(name);
         }
+    }
+
+    void removeLeftOver() {
+        for (const QString &name : std::exchange(m_leftOver, {}))
+            removeStaging(m_job.direction, m_job.serial, m_job.folder, name);
+    }
+
+    // -- Going on
+
+    [[nodiscard]] static bool isLarge(const PlannedFile &file) { return file.sizeBytes >= smallestContinued; }
+
+    /// The file's name while it is staged. That of a large one tells of what it is the beginning, and of what
+    /// time and size: when the source has changed since, the name is another.
+    [[nodiscard]] QString stagedName(const PlannedFile &file) const {
+        if (!isLarge(file))
+            return AndroidPath::lastComponent(file.source);
+        const QString identity = QStringList{m_job.serial, file.source, QString::number(file.sizeBytes),
+                                             QString::number(file.modified)}
+                                     .join(QChar(u'\0'));
+        const QByteArray hash = QCryptographicHash::hash(identity.toUtf8(), QCryptographicHash::Sha256);
+        return QString::fromLatin1(hash.toHex().left(32));
+    }
+
+    /// Takes over what earlier runs, also of programs that died, have kept of the large files, and removes
+    /// the rest of it.
+    void adopt(const QString &staging) {
+        for (const QueueItem &copied : m_job.entries) {
+            for (const KeptParts::Part &part : KeptParts::take(copied.id)) {
+                m_leftOver.append(part.name);
+            }
+        }
+        QList<ADBClient::PhoneMove> moves;
+        for (const PlannedFile &file : std::as_const(m_files)) {
+            for (const QString &name : std::as_const(m_leftOver)) {
+                if (!isLarge(file))
+                    break;
+                const QString begun =
+                    AndroidPath::join(AndroidPath::join(m_job.folder, name), stagedName(file));
+                const QString staged = AndroidPath::join(staging, stagedName(file));
+                if (isPull())
+                    [[maybe_unused]] const auto moved = LocalFiles::place(begun, staged);
+                else
+                    moves.append({begun, staged});
+            }
+        }
+        m_wasInterrupted = !moves.isEmpty();
+        if (m_wasInterrupted) {
+            [[maybe_unused]] const auto ignored = // what is missing begins anew
+                ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
+        }
+        removeLeftOver();
+    }
+
+    /// Whether the copy that has just ended early is to go on later.
+    [[nodiscard]] bool goesOn() const {
+        return m_batch.size() == 1 && isLarge(m_batch.first()) &&
+               (m_stop.stop_requested() || m_isPhoneGone) && isWanted(m_batch.first().entry);
+    }
+    /// Leaves a staging folder for the run in which its file goes on.
+    void keep(const QString &name) {
+        const qsizetype entry = m_batch.first().entry;
+        const QUuid id = m_job.entries.at(entry).id;
+        KeptParts::keep({id, m_job.direction, m_job.serial, m_job.folder, name});
+        if (!isWanted(entry)) // removed from the queue in between
+            discardKeptParts({id});
+    }
+
+    /// Whether what was continued has its source's content; an error when it cannot be said.
+    [[nodiscard]] ADBResult<bool> isSameAsSource(const QString &here, const QString &onPhone) const {
+        const auto there = ADBClient::fetchSum(m_job.serial, onPhone, m_stop);
+        if (!there)
+            return tl::make_unexpected(there.error());
+        return LocalFiles::sum(here, m_stop) == *there;
+    }
+
+    ADBResult<QStringList> pullLarge(const QString &staged) {
+        const PlannedFile &file = m_batch.first();
+        const auto begun = LocalFiles::look(staged);
+        if (begun && begun->sizeBytes > 0 && begun->sizeBytes <= file.sizeBytes) {
+            const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+            const auto continued =
+                ADBClient::continuePull(m_job.serial, file.source, staged, m_stop, onBytes);
+            if (!continued)
+                return tl::make_unexpected(continued.error());
+            const auto isSame = isSameAsSource(staged, file.source);
+            if (!isSame)
+                return tl::make_unexpected(isSame.error());
+            if (*isSame && LocalFiles::setModified(staged, file.modified))
+                return QStringList();
+        }
+        QFile::remove(staged);
+        // adb removes what it could not finish: a second name keeps it.
+        const QString arriving = staged + QStringLiteral(".new");
+        bool isLinked = false;
+        const auto onProgress = [&](int /*ended*/, double fraction) {
+            isLinked = isLinked || ::link(QFile::encodeName(arriving).constData(),
+                                          QFile::encodeName(staged).constData()) == 0;
+            report(file.entry, wholeBytes(fraction * static_cast<double>(file.sizeBytes)));
+        };
+        const auto copied =
+            ADBClient::copyFiles(m_job.direction, m_job.serial, {file.source}, arriving, m_stop, onProgress);
+        if (isLinked || !copied)
+            QFile::remove(arriving);
+        else
+            QFile::rename(arriving, staged);
+        return copied;
+    }
+
+    ADBResult<QStringList> pushLarge(const QString &staged) {
+        const PlannedFile &file = m_batch.first();
+        // What adb has pushed is gone when the cable is: the second time it is sent so that it stays.
+        if (std::exchange(m_wasInterrupted, true)) {
+            const auto begun = ADBClient::fetchFacts(m_job.serial, {staged}, m_stop);
+            if (!begun)
+                return tl::make_unexpected(begun.error());
+            const qint64 reached = begun->value(staged).sizeBytes;
+            if (reached <= file.sizeBytes) {
+                const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+                const auto continued =
+                    ADBClient::continuePush(m_job.serial, file.source, reached, staged, m_stop, onBytes);
+                if (!continued)
+                    return tl::make_unexpected(continued.error());
+                const auto timed = ADBClient::setModified(m_job.serial, staged, file.modified, m_stop);
+                const auto isSame = timed ? isSameAsSource(file.source, staged)
+                                          : ADBResult<bool>(tl::make_unexpected(timed.error()));
+                if (!isSame)
+                    return tl::make_unexpected(isSame.error());
+                if (*isSame)
+                    return QStringList();
+            }
+        }
+        const auto onProgress = [&](int /*ended*/, double fraction) {
+            report(file.entry, wholeBytes(fraction * static_cast<double>(file.sizeBytes)));
+        };
+        return ADBClient::copyFiles(m_job.direction, m_job.serial, {file.source}, staged, m_stop, onProgress);
     }
 
     void readSources() {
@@ -405,17 +569,24 @@ private:
     }
 
     void pullMissing() {
-        const auto staging = LocalStaging::create(m_job.folder);
+        auto staging = LocalStaging::create(m_job.folder);
         if (!staging)
             return failAll(QStringLiteral("Can’t write into “%1”: %2")
                                .arg(AndroidPath::lastComponent(m_job.folder), staging.error()));
+        adopt(staging->path());
         while (!m_stop.stop_requested() && takeBatch()) {
             const auto errors = copyBatch(staging->path());
+            if (!errors && isLarge(m_batch.first()))
+                failAll(errors.error());
+            if (!errors && goesOn()) {
+                const QString name = AndroidPath::lastComponent(staging->path());
+                staging->keep();
+                return keep(name);
+            }
             if (!LocalFiles::look(m_job.folder))
                 return failAll(vanished());
             for (const PlannedFile &file : std::as_const(m_batch)) {
-                const QString staged =
-                    AndroidPath::join(staging->path(), AndroidPath::lastComponent(file.source));
+                const QString staged = AndroidPath::join(staging->path(), stagedName(file));
                 const auto arrived = LocalFiles::look(staged);
                 if (arrived && isSameContent(*arrived, file.sizeBytes, file.modified))
                     takeName(file, staged, staging->newFileMode());
@@ -459,16 +630,17 @@ private:
                                      .arg(AndroidPath::lastComponent(m_job.folder), reason)
                                : reason);
         }
+        adopt(staging);
         while (!m_stop.stop_requested() && takeBatch()) {
             if (const auto pushed = pushBatch(staging); !pushed) {
                 failAll(pushed.error());
                 break;
             }
         }
-        // A phone that is gone keeps it until the next copy into this folder.
-        if (!ADBClient::removeFolder(m_job.serial, staging))
-            sweptFolders().forget(place());
-        StagedName::release(name);
+        if (goesOn())
+            keep(name);
+        else
+            removeStaging(m_job.direction, m_job.serial, m_job.folder, name);
     }
 
     ADBResult<void> pushBatch(const QString &staging) {
@@ -487,7 +659,7 @@ private:
         QList<ADBClient::PhoneMove> moves;
         QList<PlannedFile> moved;
         for (const PlannedFile &file : std::as_const(m_batch)) {
-            const QString name = AndroidPath::lastComponent(file.source);
+            const QString name = stagedName(file);
             const auto there = byName.constFind(name);
             const auto here = LocalFiles::look(file.source);
             const bool isThere = there != byName.constEnd();
@@ -540,10 +712,14 @@ private:
             }
             bytes = sum(bytes, file.sizeBytes);
             pathBytes += file.source.toUtf8().size();
-            if (!m_batch.isEmpty() && (bytes > mostBytes || pathBytes > mostPathBytes))
+            if (!m_batch.isEmpty() && (isLarge(file) || bytes > mostBytes || pathBytes > mostPathBytes))
                 break;
             names.insert(name);
             m_batch.append(file);
+            if (isLarge(file)) { // for itself, so that it can go on
+                ++m_nextFile;
+                break;
+            }
         }
         m_files += sameName;
         return !m_batch.isEmpty();
@@ -573,8 +749,12 @@ private:
         constexpr int mostTries = 3;
         ADBResult<QStringList> copied;
         for (int tries = 0; tries < mostTries; ++tries) {
-            copied =
-                ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, m_stop, onProgress);
+            const QString large = AndroidPath::join(staging, stagedName(m_batch.first()));
+            if (!isLarge(m_batch.first()))
+                copied =
+                    ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, m_stop, onProgress);
+            else
+                copied = isPull() ? pullLarge(large) : pushLarge(large);
             if (copied || copied.error().errorDescription() != QLatin1String("adb exited with 1"))
                 break;
         }
@@ -653,12 +833,25 @@ private:
     QList<PlannedFile> m_folders;
     QList<PlannedFile> m_files;
     QSet<QString> m_planned; ///< where the files of this run go
+    QStringList m_leftOver;  ///< staging folders that nobody works in
+    bool m_wasInterrupted = false;
     bool m_isPhoneGone = false;
     qsizetype m_nextFile = 0;
     QList<PlannedFile> m_batch;
 };
 
 } // namespace
+
+bool discardKeptParts(const QList<QUuid> &entries) {
+    bool hasAny = false;
+    for (const QUuid &entry : entries) {
+        for (const KeptParts::Part &part : KeptParts::take(entry)) {
+            removeStaging(part.direction, part.serial, part.folder, part.name);
+            hasAny = true;
+        }
+    }
+    return hasAny;
+}
 
 bool runCopyJob(const CopyJob &job, const CopyWatcher &watcher, const std::stop_token &stop) {
     CopyRun(job, watcher, stop).run();

@@ -49,6 +49,9 @@ struct CopyWatcher {
 /// and a final name is a whole file.
 bool runCopyJob(const CopyJob &job, const CopyWatcher &watcher, const std::stop_token &stop);
 
+/// Removes what is kept of the copies of entries that will not go on. Blocking. Whether there was any.
+bool discardKeptParts(const QList<QUuid> &entries);
+
 /// What the queue shows of an entry that has ended like this.
 [[nodiscard]] QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report);
 

@@ -3,9 +3,10 @@
 #include "ADB/AndroidPath.h"
 #include "Transfers/StagedName.h"
 
-#include <QDir>
+#include <QCryptographicHash>
 #include <QFile>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <dirent.h>
@@ -171,15 +172,40 @@ tl::expected<void, QString> makeFolder(const QString &path) {
     return tl::make_unexpected(systemText(error));
 }
 
-void sweep(const QString &folder) {
+bool setModified(const QString &path, qint64 modified) {
+    const std::array<timespec, 2> times{timespec{modified, 0}, timespec{modified, 0}};
+    return ::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times.data(), 0) == 0;
+}
+
+std::optional<QByteArray> sum(const QString &path, const std::stop_token &stop) {
+    constexpr qint64 blockSize = 1'000'000;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return std::nullopt;
+    QCryptographicHash hash(QCryptographicHash::Md5);
+    while (!stop.stop_requested()) {
+        const QByteArray block = file.read(blockSize);
+        if (block.isEmpty())
+            return file.error() == QFile::NoError ? std::optional(hash.result().toHex()) : std::nullopt;
+        hash.addData(block);
+    }
+    return std::nullopt;
+}
+
+QStringList leftOver(const QString &folder) {
     const auto names = namesIn(folder);
-    if (!names)
-        return;
-    for (const QByteArray &name : *names) {
+    QStringList found;
+    for (const QByteArray &bytes : names.value_or(QList<QByteArray>())) {
+        if (const QString name = QString::fromUtf8(bytes); StagedName::isLeftOver(name))
+            found.append(name);
+    }
+    return found;
+}
+
+void sweep(const QString &folder) {
+    for (const QString &name : leftOver(folder)) {
         std::error_code ignored;
-        if (StagedName::isLeftOver(QString::fromUtf8(name)))
-            std::filesystem::remove_all(nativePath(AndroidPath::join(folder, QString::fromUtf8(name))),
-                                        ignored);
+        std::filesystem::remove_all(nativePath(AndroidPath::join(folder, name)), ignored);
     }
 }
 

@@ -3,8 +3,10 @@
 #include "Records/FileTree.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
+#include <stop_token>
 #include <sys/types.h>
 #include <tl/expected.hpp>
 
@@ -25,6 +27,8 @@ public:
     LocalStaging &operator=(LocalStaging &&) = delete;
 
     [[nodiscard]] const QString &path() const { return m_path; }
+    /// Leaves the folder where it is, its name in use.
+    void keep() { m_path.clear(); }
     /// The permissions of a file that the user makes.
     [[nodiscard]] mode_t newFileMode() const { return m_newFileMode; }
 
@@ -55,7 +59,13 @@ enum class Placing {
 [[nodiscard]] FileTree readTree(const QString &path);
 /// Makes a folder; one that is there is left as it is. The system's text when there is none afterwards.
 [[nodiscard]] tl::expected<void, QString> makeFolder(const QString &path);
-/// Removes from a folder what dead programs of this user have left of their copies.
+/// Sets a file's time, in seconds since 1970.
+bool setModified(const QString &path, qint64 modified);
+/// The MD5 sum of a file's content, 32 digits; nothing when it cannot be read or a stop is requested.
+[[nodiscard]] std::optional<QByteArray> sum(const QString &path, const std::stop_token &stop);
+/// The names in a folder of what dead programs of this user have left of their copies.
+[[nodiscard]] QStringList leftOver(const QString &folder);
+/// Removes it.
 void sweep(const QString &folder);
 
 } // namespace LocalFiles

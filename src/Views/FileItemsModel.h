@@ -45,6 +45,7 @@ Q_SIGNALS:
     void selectedRowsChanged();
 
 private:
+    bool insertNewRows();
     [[nodiscard]] QBitArray selectedAmong(const QList<FileItem> &items) const;
     void tellChanges(const QList<FileItem> &itemsBefore, const QBitArray &selectedBefore);
 

@@ -44,8 +44,14 @@ void FileItemsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &b
 }
 
 void FileItemsView::rowsInserted(const QModelIndex &parent, int start, int end) {
+    const int place = verticalScrollBar()->value();
+    const int first = firstVisibleRow();
+    const int count = end - start + 1;
+    const bool isAbove = place > 0 && start <= first && count < model()->rowCount();
     QListView::rowsInserted(parent, start, end);
     layOutRows();
+    if (isAbove) // what is in sight stays there
+        verticalScrollBar()->setValue(place + ((first + count) / columns() - first / columns()) * pitch());
     updateRows(start, end);
 }
 

@@ -14,6 +14,7 @@ namespace {
 const QString appearanceKey = QStringLiteral("appearancePreference");
 const QString toolTipDelayKey = QStringLiteral("NSInitialToolTipDelay");
 const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
+const QString queueHeightKey = QStringLiteral("queueHeight");
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
 const QString windowSizeKey = QStringLiteral("windowSize");
 const QString windowPositionKey = QStringLiteral("windowPosition");
@@ -129,6 +130,16 @@ void Settings::storeToolTipDelay() {
 QString Settings::doubleClickAction() const {
     const QString action = value(doubleClickKey);
     return action.isEmpty() ? QStringLiteral("Maximize") : action;
+}
+
+std::optional<int> Settings::queueHeight() const {
+    constexpr int most = 100'000;
+    const int height = value(queueHeightKey).toInt();
+    return height > 0 && height < most ? std::optional(height) : std::nullopt;
+}
+
+void Settings::setQueueHeight(std::optional<int> height) {
+    setValue(queueHeightKey, height ? QString::number(*height) : QString());
 }
 
 bool Settings::analyticsDisabled() const {

@@ -64,6 +64,10 @@ public:
     [[nodiscard]] bool analyticsDisabled() const;
     void setAnalyticsDisabled(bool disabled);
 
+    /// The most height that the user has given the transfer queue, in layout pixels; nothing until then.
+    [[nodiscard]] std::optional<int> queueHeight() const;
+    void setQueueHeight(std::optional<int> height);
+
     /// Writes what has changed at once. False when it could not be stored.
     bool save();
     /// Why the latest changes could not be stored, as a sentence for the user; empty when they were.

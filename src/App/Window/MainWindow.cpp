@@ -10,6 +10,7 @@
 #include "App/Window/ToolbarButton.h"
 #include "App/Window/WindowChrome.h"
 #include "State/AppState.h"
+#include "Transfers/QueueFile.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -43,7 +44,7 @@ void MainWindow::furnish() {
     m_openedWith = m_chrome->geometry();
     setWindowTitle(product::name());
     addToolbarButtons();
-    setCentralWidget(new ContentView(m_state.get(), this));
+    setCentralWidget(new ContentView(m_state.get(), m_settings, this));
     centralWidget()->installEventFilter(this);
 }
 
@@ -137,6 +138,7 @@ void MainWindow::closeEvent(QCloseEvent *event) {
 
 QCoro::Task<> MainWindow::runStartUp() {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.svg")));
+    m_state->transfers().remember(QueueFile::userFolder());
     // The model ends before this window does, and with it whatever is awaited here.
     co_await m_state->browseMac(m_state->macPath());
     co_await m_state->refreshDevice(AppState::Spinner::shown);

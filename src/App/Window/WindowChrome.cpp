@@ -409,13 +409,4 @@ void WindowChrome::moveWithMouse(QPoint pressedAt) {
         m_grip = Grip{{}, pressedAt, frame()};
 }
 
-void bringToFront(QWidget *window, const QByteArray &activationToken) {
-    if (!activationToken.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", activationToken); // where the toolkit looks for it
-    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-    window->show();
-    window->raise();
-    window->activateWindow();
-}
-
 } // namespace vantrel

@@ -108,9 +108,4 @@ private:
     bool m_hasRoundCorners = false;
 };
 
-/// Shows the window, whatever state it is in, in front of the others and with the keyboard. `activationToken`
-/// is what the desktop gave the start that asks for it; without one some desktops only mark the window as
-/// wanting attention.
-void bringToFront(QWidget *window, const QByteArray &activationToken);
-
 } // namespace vantrel
