@@ -3,6 +3,7 @@
 #include "support/WindowFixture.h"
 
 #include "Kit/IconButton.h"
+#include "MacFiles/ThisComputer.h"
 #include "Views/DualBrowserView.h"
 #include "Views/FileItemsView.h"
 #include "Views/SelectAllBox.h"
@@ -283,7 +284,8 @@ TEST_F(WholeWindowTests, everyChangeIsToldOnce) {
     phone.write(u"DCIM/another.jpg"_s, "x");
     QDir(mac.filePath(u"folder"_s)).mkpath(u"sub/deeper"_s);
     EXPECT_THAT(toldOf([&] { state->browseMac(mac.filePath(u"folder/sub"_s)); }),
-                ElementsAre(u"Mac: "_s + mac.filePath(u"folder/sub"_s) + u", 1 item"_s, u"at deeper"_s));
+                ElementsAre(thisComputer() + u": "_s + mac.filePath(u"folder/sub"_s) + u", 1 item"_s,
+                            u"at deeper"_s));
     EXPECT_THAT(
         toldOf([&] { state->browseAndroid(u"/sdcard/DCIM"_s); }),
         testing::IsSupersetOf({u"Browse DCIM: on"_s, u"Android Device: Internal Storage › DCIM, 2 items"_s}));
