@@ -7,7 +7,7 @@ debian_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-svg-dev l
               libfontconfig-dev qcoro-qt6-dev libexpected-dev libbenchmark-dev adb fonts-inter
               fonts-noto-color-emoji xdg-utils"
 debian_test="libgtest-dev libgmock-dev desktop-file-utils appstream dpkg-dev file gzip man-db weston qt6-wayland xvfb
-             qt6-base-private-dev"
+             qt6-base-private-dev dbus-daemon"
 debian_bench="python3 xvfb"
 debian_coverage="gcovr"
 debian_fuzz="clang-14 libclang-rt-14-dev"

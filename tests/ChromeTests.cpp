@@ -408,6 +408,36 @@ TEST_F(WindowChromeTests, zoomsByDoubleClickAndByButton) {
     EXPECT_TRUE(window.isVisible());
 }
 
+TEST_F(WindowChromeTests, aRightClickInTheBandOpensTheWindowsMenu) {
+    const auto menuAt = [&](QPoint position) {
+        QTest::mouseClick(window.windowHandle(), Qt::RightButton, {}, position);
+        return qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    };
+    const auto choose = [&](const QString &title) {
+        QMenu *menu = menuAt({250, 26});
+        ASSERT_TRUE(menu);
+        for (QAction *action : menu->actions()) {
+            if (action->text() == title) {
+                QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+                return;
+            }
+        }
+        menu->close();
+        FAIL() << "no " << title.toStdString();
+    };
+    EXPECT_FALSE(menuAt({24, 26})) << "a button";
+    EXPECT_FALSE(menuAt({250, 200})) << "the content";
+    choose(u"Zoom"_s);
+    EXPECT_TRUE(window.isMaximized());
+    choose(u"Restore"_s);
+    EXPECT_FALSE(window.isMaximized());
+    choose(u"Minimize"_s);
+    EXPECT_TRUE(window.isMinimized());
+    bringToFront(&window, {});
+    choose(u"Close"_s);
+    EXPECT_FALSE(window.isVisible());
+}
+
 TEST_F(WindowChromeTests, buttonsSayWhatTheyDo) {
     for (const auto &[which, name] : {std::pair(WindowButton::close, u"Close"_s),
                                       {WindowButton::minimise, u"Minimize"_s},

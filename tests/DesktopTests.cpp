@@ -3,6 +3,7 @@
 #include "support/WindowFixture.h"
 
 #include "App/Sheets/TextPrompt.h"
+#include "App/System/DesktopPreferences.h"
 #include "App/System/FileManager.h"
 #include "App/System/QtDesktop.h"
 
@@ -145,6 +146,80 @@ public:
         return bus.send(message.createReply());
     }
 };
+
+/// A settings portal at the other end of a bus of its own.
+class PortalStub : public QDBusVirtualObject {
+    Q_OBJECT
+public:
+    using Groups = QMap<QString, QVariantMap>;
+    std::optional<Groups> settings; ///< nothing: it refuses
+
+    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+    /// Right after its answer the user turns the desktop dark.
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
+        if (message.member() != u"ReadAll"_s)
+            return false;
+        QDBusMessage change =
+            QDBusMessage::createSignal(message.path(), message.interface(), u"SettingChanged"_s);
+        change << u"org.freedesktop.appearance"_s << u"color-scheme"_s
+               << QVariant::fromValue(QDBusVariant(1U));
+        return bus.send(settings ? message.createReply(QVariant::fromValue(*settings))
+                                 : message.createErrorReply(QDBusError::Failed, u"no"_s)) &&
+               bus.send(change);
+    }
+};
+
+TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
+    qDBusRegisterMetaType<PortalStub::Groups>();
+    // A bus like a desktop's, of its own.
+    QProcess daemon;
+    daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
+    ASSERT_TRUE(waitFor([&] { return daemon.canReadLine(); }));
+    const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+    PortalStub portal;
+    QDBusConnection there = QDBusConnection::connectToBus(address, u"portal"_s);
+    ASSERT_TRUE(there.registerVirtualObject(u"/org"_s, &portal, QDBusConnection::SubPath));
+    ASSERT_TRUE(there.registerService(u"org.freedesktop.portal.Desktop"_s));
+    const QDBusConnection bus = QDBusConnection::connectToBus(address, u"program"_s);
+
+    const QString appearance = u"org.freedesktop.appearance"_s;
+    const QString gnome = u"org.gnome.desktop.interface"_s;
+    const QString name = u"color-scheme"_s;
+    using enum ColorScheme;
+    using Schemes = QList<ColorScheme>;
+    // What the portal answers, and what is heard of it: the answer, then the change.
+    const std::tuple<std::optional<PortalStub::Groups>, Schemes, QList<bool>> cases[] = {
+        {{{{appearance, {{name, 1U}}}}}, {dark, dark}, {}},
+        {{{{appearance, {{name, 2U}}}}}, {light, dark}, {}},
+        {{{{appearance, {{name, 0U}}}}}, {light, dark}, {}},
+        {{{{appearance, {{name, 77U}}}}}, {light, dark}, {}},
+        {{{{appearance, {{name, u"dark"_s}}}}}, {light, dark}, {}},
+        {{{{gnome, {{u"enable-animations"_s, false}}}}}, {dark}, {true}},
+        {{{{gnome, {{u"enable-animations"_s, false}}}, {appearance, {{u"reduced-motion"_s, 0U}}}}},
+         {dark},
+         {true, false}},
+        {{{{u"org.other"_s, {{name, 2U}}}}}, {dark}, {}},
+        {std::nullopt, {dark}, {}},
+    };
+    for (const auto &[settings, schemes, motions] : cases) {
+        portal.settings = settings;
+        DesktopPreferences preferences(bus);
+        Schemes heardSchemes;
+        QList<bool> heardMotions;
+        QObject::connect(&preferences, &DesktopPreferences::colorSchemePreferred,
+                         [&](ColorScheme scheme) { heardSchemes.append(scheme); });
+        QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred,
+                         [&](bool reduced) { heardMotions.append(reduced); });
+        EXPECT_TRUE(waitFor([&] { return heardSchemes.size() >= schemes.size(); }));
+        EXPECT_EQ(heardSchemes, schemes);
+        EXPECT_EQ(heardMotions, motions);
+    }
+    const DesktopPreferences nobodyToAsk{QDBusConnection(u"no such bus"_s)};
+    for (const QString &connection : {u"portal"_s, u"program"_s})
+        QDBusConnection::disconnectFromBus(connection);
+    daemon.terminate();
+    EXPECT_TRUE(daemon.waitForFinished());
+}
 
 TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {
     QDBusServer server(u"unix:dir="_s + mac.path());

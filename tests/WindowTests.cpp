@@ -226,6 +226,23 @@ TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {
     }
 }
 
+TEST_F(MainWindowTests, followsTheDesktopsSchemeUntilTheUserChooses) {
+    MainWindow *window = showWindow();
+    for (const ColorScheme preferred : {ColorScheme::dark, ColorScheme::light, ColorScheme::dark}) {
+        window->followDesktop(preferred);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(AppTheme::scheme(), preferred);
+        EXPECT_EQ(child<ToolbarButton>("toolbar.appearance")->text() == u"Light"_s,
+                  preferred == ColorScheme::dark);
+    }
+    QTest::mouseClick(child<ToolbarButton>("toolbar.appearance"), Qt::LeftButton);
+    window->followDesktop(ColorScheme::dark);
+    EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "the user has chosen";
+    view.reset();
+    showWindow()->followDesktop(ColorScheme::dark);
+    EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "at the next start too";
+}
+
 TEST_F(MainWindowTests, aNewSchemeRecoloursEveryGround) {
     MainWindow *window = showWindow();
     for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {

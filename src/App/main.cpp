@@ -1,6 +1,9 @@
 #include "ADB/ADBClient.h"
 #include "App/Sheets/TextPrompt.h"
 #include "App/System/CommandLine.h"
+#ifndef Q_OS_MACOS
+#include "App/System/DesktopPreferences.h"
+#endif
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
 #include "App/System/QtDesktop.h"
@@ -81,6 +84,13 @@ int main(int argc, char **argv) {
         desktop.setWindow(&window);
         QObject::connect(&instance, &SingleInstance::raiseRequested, &window,
                          [&window](const QByteArray &token) { bringToFront(&window, token); });
+#ifndef Q_OS_MACOS
+        DesktopPreferences preferences(QDBusConnection::sessionBus());
+        QObject::connect(&preferences, &DesktopPreferences::colorSchemePreferred, &window,
+                         &MainWindow::followDesktop);
+        QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred, &window,
+                         &AppStyle::setReducedMotion);
+#endif
         window.show();
         status = QApplication::exec();
     }

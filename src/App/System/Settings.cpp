@@ -101,6 +101,10 @@ ColorScheme Settings::appearancePreference() const {
     return value(appearanceKey) == QLatin1String("dark") ? ColorScheme::dark : ColorScheme::light;
 }
 
+bool Settings::hasAppearancePreference() const {
+    return !value(appearanceKey).isEmpty();
+}
+
 void Settings::setAppearancePreference(ColorScheme scheme) {
     setValue(appearanceKey, scheme == ColorScheme::dark ? QStringLiteral("dark") : QStringLiteral("light"));
 }

@@ -45,6 +45,8 @@ public:
 
     /// Only the stored text "dark" is dark.
     [[nodiscard]] ColorScheme appearancePreference() const;
+    /// Whether the user has ever chosen; until then the desktop's own preference may be followed.
+    [[nodiscard]] bool hasAppearancePreference() const;
     void setAppearancePreference(ColorScheme scheme);
 
     /// What is stored may fit no screen that is there now.

@@ -44,10 +44,10 @@ QString SingleInstance::userDirectory() {
 }
 
 QString SingleInstance::userScreen() {
-    const QString wayland = qEnvironmentVariable("WAYLAND_DISPLAY");
+    QString wayland = qEnvironmentVariable("WAYLAND_DISPLAY");
     if (!wayland.isEmpty())
         return wayland;
-    const QString display = qEnvironmentVariable("DISPLAY");
+    QString display = qEnvironmentVariable("DISPLAY");
     return display.endsWith(QLatin1StringView(".0")) ? display.chopped(2) : display; // two names of one
 }
 

@@ -86,6 +86,11 @@ void MainWindow::setAppearancePreference(ColorScheme scheme) {
     AppTheme::setScheme(scheme);
 }
 
+void MainWindow::followDesktop(ColorScheme preferred) {
+    if (!m_settings.hasAppearancePreference())
+        AppTheme::setScheme(preferred);
+}
+
 void MainWindow::showAbout() {
     if (findChild<AboutView *>())
         return; // it is open, or will be when another sheet is closed

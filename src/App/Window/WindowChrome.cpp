@@ -17,6 +17,8 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
@@ -190,6 +192,11 @@ bool WindowChrome::nativeWindowEvent(QEvent *event) {
 }
 
 bool WindowChrome::mousePressed(const QMouseEvent &event) {
+    if (event.button() == Qt::RightButton &&
+        m_coordinator.isInTitleBarBand({this, event.position(), m_clickCount})) {
+        showWindowMenu(event.globalPosition().toPoint());
+        return true;
+    }
     if (event.button() != Qt::LeftButton)
         return false;
     // The toolkit tells of the second click twice, as a press and as a double-click.
@@ -228,6 +235,18 @@ bool WindowChrome::mouseReleased(const QMouseEvent &event) {
     m_coordinator.mouseReleased(chromeEvent(event));
     // Never swallowed: the toolkit keeps count of the buttons that are down, and nothing in the band minds.
     return false;
+}
+
+void WindowChrome::showWindowMenu(QPoint position) {
+    auto *menu = new QMenu(m_window);
+    menu->setObjectName(QStringLiteral("windowMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(QStringLiteral("Minimize"), this, &WindowChrome::minimise);
+    menu->addAction(fillsScreen() ? QStringLiteral("Restore") : QStringLiteral("Zoom"), this,
+                    [this] { m_coordinator.toggleZoom(); });
+    menu->addSeparator();
+    menu->addAction(QStringLiteral("Close"), m_window, &QWidget::close);
+    menu->popup(position);
 }
 
 void WindowChrome::followMouse(QPoint position) {

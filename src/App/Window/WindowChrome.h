@@ -17,9 +17,10 @@ namespace vantrel {
 class TitleBar;
 struct WindowGeometry;
 
-/// Gives a main window a frame of our own: the title bar, moving, zooming and resizing with the mouse. Moves
-/// and resizes are left to the window system where it offers that, so that its snapping and tiling work;
-/// elsewhere the window follows the mouse by itself. The window is kept where its title bar can be reached.
+/// Gives a main window a frame of our own: the title bar and its menu, moving, zooming and resizing with the
+/// mouse. Moves and resizes are left to the window system where it offers that, so that its snapping and
+/// tiling work; elsewhere the window follows the mouse by itself. The window is kept where its title bar can
+/// be reached.
 ///
 /// On the Mac the window keeps its native buttons, edges and shadow under a transparent title bar, and only
 /// the rules for the mouse are ours; that part has not been run.
@@ -69,6 +70,7 @@ private:
     bool mouseMoved(const QMouseEvent &event);
     bool mouseReleased(const QMouseEvent &event);
     void followMouse(QPoint position);
+    void showWindowMenu(QPoint position);
     void pointAt(Qt::Edges edges);
     void paintGround();
     void fitShape();
