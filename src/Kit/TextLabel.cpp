@@ -2,6 +2,7 @@
 
 #include "Kit/ToolTips.h"
 
+#include <QEvent>
 #include <QPainter>
 
 namespace vantrel {
