@@ -4,10 +4,12 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Boxes.h"
 #include "Kit/Canvas.h"
+#include "Kit/Focus.h"
 #include "Kit/Shapes.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
 #include "Views/DualBrowserView.h"
+#include "Views/FileItemsView.h"
 #include "Views/SidebarView.h"
 #include "Views/StatusBarView.h"
 #include "Views/TransferQueueView.h"
@@ -139,7 +141,7 @@ void BrowserColumn::arrange() {
     const int most = std::max(least, room() - browserMinimumHeight);
     const int queueHeight = std::clamp(std::min(wanted, m_queueLimit.value_or(room() * 2 / 5)), least, most);
     setSizes({room() - queueHeight, queueHeight});
-    handle(1)->setEnabled(wanted > least);
+    enableWithHeir(handle(1), wanted > least, [this] { focusEntries(window()); });
 }
 
 bool BrowserColumn::event(QEvent *event) {
