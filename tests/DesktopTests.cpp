@@ -6,9 +6,14 @@
 #include "App/System/DesktopPreferences.h"
 #include "App/System/FileManager.h"
 #include "App/System/QtDesktop.h"
+#include "App/System/StayAwake.h"
 
 #include <QtDBus>
 #include <QtWidgets>
+
+#include <array>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace vantrel {
 namespace {
@@ -246,6 +251,58 @@ TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {
     ASSERT_TRUE(waitFor([&] { return failures == 2; }));
     EXPECT_EQ(manager.shown.size(), 1);
     QDBusConnection::disconnectFromPeer(u"manager"_s);
+}
+
+/// A login manager: the other ends of the locks that it has given.
+class LoginManagerStub : public QDBusVirtualObject {
+public:
+    QList<int> locks;
+    QStringList asked;
+    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe2(ends.data(), O_NONBLOCK | O_CLOEXEC), 0);
+        asked.append(message.arguments().first().toString() + u' ' + message.arguments().last().toString());
+        locks.append(ends[0]);
+        bus.send(message.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))));
+        close(ends[1]);
+        return true;
+    }
+    /// Whether the program holds the newest lock.
+    [[nodiscard]] bool isHeld() const {
+        char byte = 0;
+        return read(locks.last(), &byte, 1) < 0; // the end of the pipe, once the other end is closed
+    }
+    ~LoginManagerStub() override {
+        for (const int lock : locks)
+            close(lock);
+    }
+};
+
+TEST(StayAwakeTests, holdsTheLockOfTheLoginManagerAsLongAsItIsOn) {
+    LoginManagerStub manager;
+    QDBusServer server;
+    QObject::connect(&server, &QDBusServer::newConnection, &manager, [&](QDBusConnection connection) {
+        connection.registerVirtualObject(u"/"_s, &manager, QDBusConnection::SubPath);
+    });
+    {
+        StayAwake awake(QDBusConnection::connectToPeer(server.address(), u"login"_s));
+        awake.setOn(true);
+        awake.setOn(true);
+        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 1; }));
+        EXPECT_EQ(manager.asked, QStringList(u"sleep:idle block"_s));
+        EXPECT_TRUE(manager.isHeld());
+        awake.setOn(false);
+        EXPECT_TRUE(waitFor([&] { return !manager.isHeld(); }));
+        awake.setOn(true);
+        awake.setOn(false); // before it was given
+        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 2 && !manager.isHeld(); }));
+        awake.setOn(true);
+        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 3; }));
+    }
+    EXPECT_TRUE(waitFor([&] { return !manager.isHeld(); })) << "it ends with it";
+    QDBusConnection::disconnectFromPeer(u"login"_s);
+    StayAwake(QDBusConnection(u"no such bus"_s)).setOn(true);
 }
 
 } // namespace

@@ -22,7 +22,7 @@ vantrel_gui_test(UpdatesTests LIBRARIES vantrel_app_updates SOURCES UpdaterTests
 vantrel_gui_test(SheetsTests LIBRARIES vantrel_app_window SOURCES AboutTests.cpp)
 vantrel_gui_test(WindowTests LIBRARIES vantrel_app_window demo_phone_fixture 
                  SOURCES WindowTests.cpp ChromeTests.cpp SheetTests.cpp)
-vantrel_test_at_3x(WindowTests *opensAtItsSize*:*thePanelGrows*)
+vantrel_test_at_3x(WindowTests *opensAtItsSize*:*thePanelTakes*)
 
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)
 vantrel_gui_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)

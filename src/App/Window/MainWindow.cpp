@@ -4,6 +4,9 @@
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
 #include "App/System/Settings.h"
+#ifndef Q_OS_MACOS
+#include "App/System/StayAwake.h"
+#endif
 #include "App/Window/ApplicationMenu.h"
 #include "App/Window/ContentView.h"
 #include "App/Window/TitleBar.h"
@@ -144,6 +147,11 @@ void MainWindow::closeEvent(QCloseEvent *event) {
 QCoro::Task<> MainWindow::runStartUp() {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.svg")));
     m_state->transfers().remember(QueueFile::userFolder());
+#ifndef Q_OS_MACOS
+    auto *awake = new StayAwake(QDBusConnection::systemBus(), this);
+    const auto follow = [this, awake] { awake->setOn(m_state->isTransferring()); };
+    connect(m_state.get(), &AppState::isTransferringChanged, awake, follow);
+#endif
     // The model ends before this window does, and with it whatever is awaited here.
     co_await m_state->browseMac(m_state->macPath());
     co_await m_state->refreshDevice(AppState::Spinner::shown);
