@@ -1,6 +1,7 @@
 // The model on the demo phone and on temporary folders: what a person would see in its properties.
 
 #include "support/ModelTest.h"
+#include "support/Processes.h"
 
 #include "State/FilePreview.h"
 
@@ -196,6 +197,42 @@ TEST_F(AppStateTests, namesThatAreNoTextAreShownAndRefusedInWords) {
     ASSERT_EQ(state->queue().size(), 1);
     EXPECT_EQ(state->queue().first().name, u"good one"_s);
     waitForQueue();
+}
+
+TEST_F(AppStateTests, aPhoneThatDoesNotAnswerIsGivenUp) {
+    phone.write(u"a.txt"_s, "x");
+    connectPhone();
+    const auto usual = ADBClient::patience();
+    EXPECT_EQ(usual, std::chrono::seconds(15));
+    ADBClient::setPatience(std::chrono::milliseconds(300));
+    const QString words = u"The phone does not answer."_s;
+    phone.set(u"ls.hang"_s, "on");
+    browsePhone(u"/sdcard"_s);
+    EXPECT_EQ(state->androidBrowseError(), words);
+    EXPECT_TRUE(processes::children().isEmpty()) << "its process goes on";
+    phone.reset(u"ls.hang"_s);
+    browsePhone(u"/sdcard"_s);
+    EXPECT_EQ(shownOfPhone(), u"a.txt"_s) << "asked again, it answers";
+
+    phone.set(u"pull.hang"_s, "on");
+    open(state->androidItems().first());
+    EXPECT_EQ(state->androidBrowseError(), words);
+    EXPECT_TRUE(processes::children().isEmpty());
+
+    phone.set(u"find.hang"_s, "on");
+    state->setAndroidSearchScope(AndroidSearchScope::everywhere);
+    searchFor(u"ab"_s);
+    finishSearch();
+    EXPECT_EQ(state->androidBrowseError(), words);
+    state->clearAndroidSearch();
+
+    phone.set(u"getprop.hang"_s, "on");
+    state->refreshDevice(AppState::Spinner::shown);
+    ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
+    EXPECT_EQ(state->deviceStatusMessage(), words);
+    EXPECT_EQ(state->phones().trouble(), PhoneTrouble::noAnswer);
+    EXPECT_TRUE(processes::children().isEmpty());
+    ADBClient::setPatience(usual);
 }
 
 TEST_F(AppStateTests, aListingOfThePhoneThatLeftIsDropped) {

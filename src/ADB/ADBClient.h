@@ -132,7 +132,7 @@ using TransferProgress = std::function<void(double fraction, qint64 transferredB
 
 /// Runs an adb push or pull to its end. `expectedBytes` is 0 when unknown. `localPathForSizePolling`, when
 /// given, is the destination of a pull, whose growth is a source of progress. Removes nothing, whatever
-/// happens.
+/// happens. A copy of which nothing is heard for as long as askADB() bears silence is ended.
 [[nodiscard]] ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
                                           const std::optional<QString> &localPathForSizePolling,
                                           const TransferProgress &onProgress);
