@@ -82,7 +82,7 @@ QCoro::Task<> AppState::listAgain(BrowserSide side) {
         const auto available = co_await Background::run(this, &MacFileClient::availableBytes, folder);
         if (!listing || !shown.isNewest(token))
             co_return;
-        shown.setItemsAgain(std::move(*listing));
+        shown.setItemsAgain(*listing);
         showAvailable(available);
     } else if (const auto serial = connectedSerial()) {
         auto listing = co_await Background::run(this, &ADBClient::listDirectory, *serial, folder);

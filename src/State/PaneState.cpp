@@ -69,14 +69,15 @@ void PaneState::setItems(const QList<FileItem> &items, qsizetype unreadableCount
     Q_EMIT itemsChanged();
 }
 
-void PaneState::setItemsAgain(QList<FileItem> items, qsizetype unreadableCount) {
+void PaneState::setItemsAgain(const QList<FileItem> &items, qsizetype unreadableCount) {
     QHash<QString, QUuid> known;
     known.reserve(m_items.size());
     for (const FileItem &item : std::as_const(m_items))
         known.insert(item.path, item.id);
-    for (FileItem &item : items)
+    QList<FileItem> same = items;
+    for (FileItem &item : same)
         item.id = known.contains(item.path) ? known.take(item.path) : item.id;
-    setItems(items, unreadableCount);
+    setItems(same, unreadableCount);
 }
 
 void PaneState::empty(const std::optional<QString> &error) {

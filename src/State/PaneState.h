@@ -62,7 +62,7 @@ public:
     void setItems(const QList<FileItem> &items, qsizetype unreadableCount = 0);
     /// The same folder's entries, listed again: what was there before, by its path, keeps its identity, and
     /// with it stays selected.
-    void setItemsAgain(QList<FileItem> items, qsizetype unreadableCount = 0);
+    void setItemsAgain(const QList<FileItem> &items, qsizetype unreadableCount = 0);
     void setBrowseError(const std::optional<QString> &error) { m_browseError = error; }
     /// Empties the pane, because what it lists is gone, and drops the listing that is under way.
     void empty(const std::optional<QString> &error = std::nullopt);

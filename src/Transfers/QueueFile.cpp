@@ -140,7 +140,7 @@ void QueueFile::read(const QString &path, Contents &contents) {
     }
     const QJsonArray entries = json.value(QLatin1String("unfinished")).toArray();
     bool areAllUnderstood = entries.size() <= mostEntries;
-    for (const QJsonValue &entry : entries) {
+    for (const auto &entry : entries) {
         if (const auto item = fromJson(entry.toObject()); item && contents.entries.size() < mostEntries)
             contents.entries.append(*item);
         else
