@@ -27,13 +27,23 @@ QString listing(int entries) {
     return text;
 }
 
-void parseAndSortListing(benchmark::State &state) {
-    const QString text = listing(static_cast<int>(state.range(0)));
+/// By a phone that escapes its names, and by one that does not.
+void parseAndSortListing(benchmark::State &state,
+                         QList<FileItem> (*parse)(const QString &, const QString &, bool)) {
+    QString text = listing(static_cast<int>(state.range(0)));
+    if (parse == &ADBClient::parseLSLAB)
+        text.replace(QStringLiteral("Folder "), QStringLiteral("Folder\\ "));
     for (auto _ : state)
-        benchmark::DoNotOptimize(ADBClient::parseLSLA(text, QStringLiteral("/sdcard/DCIM")));
+        benchmark::DoNotOptimize(parse(text, QStringLiteral("/sdcard/DCIM"), true));
     state.SetComplexityN(state.range(0));
 }
-BENCHMARK(parseAndSortListing)
+BENCHMARK_CAPTURE(parseAndSortListing, lsLab, &ADBClient::parseLSLAB)
+    ->Arg(1'000)
+    ->Arg(10'000)
+    ->Arg(100'000)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity(benchmark::oNLogN);
+BENCHMARK_CAPTURE(parseAndSortListing, lsLa, &ADBClient::parseLSLA)
     ->Arg(1'000)
     ->Arg(10'000)
     ->Arg(100'000)

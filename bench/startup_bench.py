@@ -28,7 +28,7 @@ MAXIMUM_IDLE_LOAD = 1.0  # percent of one core
 
 def environment(build, folder):
     variables = dict(os.environ)
-    for name in ("HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"):
+    for name in ("HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_RUNTIME_DIR"):
         variables[name] = folder
     variables.update(
         DBUS_SESSION_BUS_ADDRESS="disabled:",

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <charconv>
@@ -12,6 +13,7 @@
 #include <fstream>
 #include <limits>
 #include <optional>
+#include <sstream>
 #include <string_view>
 #include <variant>
 
@@ -27,11 +29,12 @@ struct Key {
     Member member;
 };
 
-const std::array<Key, 20> &keys() {
-    static const std::array<Key, 20> table{{
+const std::array<Key, 22> &keys() {
+    static const std::array<Key, 22> table{{
         {"serial", &Settings::serial},
         {"model", &Settings::model},
         {"state", &Settings::state},
+        {"phone", &Settings::phones},
         {"storage-total", &Settings::storageTotal},
         {"storage-used", &Settings::storageUsed},
         {"bandwidth", &Settings::bandwidth},
@@ -42,6 +45,7 @@ const std::array<Key, 20> &keys() {
         {"hang", &Settings::hang},
         {"crash", &Settings::crash},
         {"chatter", &Settings::chatter},
+        {"escapes", &Settings::escapes},
         {"stdout", &Settings::standardOutput},
         {"stderr", &Settings::standardError},
         {"exit", &Settings::exitStatus},
@@ -173,8 +177,27 @@ std::vector<Line> linesOf(const std::string &path) {
 
 } // namespace
 
-SettingsSource::SettingsSource(std::string root, std::string command)
-    : m_root(std::move(root)), m_command(std::move(command)) {
+std::vector<OtherPhone> otherPhones(const Settings &settings) {
+    std::vector<OtherPhone> phones;
+    for (const std::string &line : settings.phones) {
+        OtherPhone phone;
+        std::istringstream words(line);
+        words >> phone.serial >> phone.state;
+        std::getline(words >> std::ws, phone.model);
+        const auto known = std::find_if(phones.begin(), phones.end(), [&](const OtherPhone &other) {
+            return other.serial == phone.serial;
+        });
+        known == phones.end() ? static_cast<void>(phones.push_back(phone))
+                              : static_cast<void>(*known = phone);
+    }
+    std::erase_if(phones,
+                  [](const OtherPhone &phone) { return phone.state.empty() || phone.state == "none"; });
+    return phones;
+}
+
+SettingsSource::SettingsSource(std::string root, std::string command, std::string serial)
+    : m_root(std::move(root)), m_command(std::move(command)), m_serial(std::move(serial)),
+      m_servedRoot(m_root) {
     refresh();
 }
 
@@ -209,6 +232,15 @@ void SettingsSource::load() {
             if (line.command == command)
                 assign(settings, *line.key, line.value);
         }
+    }
+    for (const OtherPhone &phone : otherPhones(settings)) {
+        if (phone.serial != m_serial)
+            continue;
+        settings.serial = phone.serial;
+        settings.state = phone.state;
+        settings.model = phone.model;
+        m_servedRoot = m_root + "-" + phone.serial;
+        std::filesystem::create_directory(m_servedRoot);
     }
     m_current = std::move(settings);
 }

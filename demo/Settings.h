@@ -13,6 +13,7 @@ struct Settings {
     std::string serial = "demo-phone";
     std::string model = "Demo Phone";
     std::string state = "device";
+    std::vector<std::string> phones;             ///< others that are plugged in: "SERIAL STATE MODEL"
     std::int64_t storageTotal = 118'082'764'800; ///< bytes
     std::int64_t storageUsed = 20'606'418'944;   ///< bytes
     double bandwidth = 0;                        ///< MB (10^6 bytes) per second of each copy; 0 is unlimited
@@ -23,6 +24,7 @@ struct Settings {
     bool hang = false;
     std::int64_t crash = 0; ///< signal number; 0 is none
     std::string chatter = "off";
+    bool escapes = true;        ///< whether ls knows -b
     std::string standardOutput; ///< printed in place of the answer when hasStandardOutput
     bool hasStandardOutput = false;
     std::string standardError;
@@ -43,12 +45,13 @@ public:
 /// person or a test may write that file at any time.
 class SettingsSource {
 public:
-    /// Reads the settings that hold for one command ("ls", "pull"…). Throws SettingsError.
-    SettingsSource(std::string root, std::string command);
+    /// Reads the settings that hold for one command ("ls", "pull"…) to the phone with this serial. Throws
+    /// SettingsError.
+    SettingsSource(std::string root, std::string command, std::string serial);
 
     [[nodiscard]] const Settings &current() const { return m_current; }
-    /// The served folder.
-    [[nodiscard]] const std::string &root() const { return m_root; }
+    /// The served folder: the one that the settings lie beside, or another phone's.
+    [[nodiscard]] const std::string &root() const { return m_servedRoot; }
     /// Reads the file again if it has changed. Throws SettingsError.
     void refresh();
     /// Writes into the file that the phone has been unplugged, and may be plugged in again without leaving a
@@ -60,10 +63,22 @@ private:
 
     std::string m_root;
     std::string m_command;
+    std::string m_serial;
+    std::string m_servedRoot;
     Settings m_current;
     std::int64_t m_size = -2; ///< of the file as last read; -1 when there was none, -2 before the first look
     timespec m_modified{};
 };
+
+/// One of the other phones.
+struct OtherPhone {
+    std::string serial;
+    std::string state;
+    std::string model;
+};
+/// The other phones, in the order in which they were first named; a later line changes one, and "none" takes
+/// it away.
+[[nodiscard]] std::vector<OtherPhone> otherPhones(const Settings &settings);
 
 /// The served folder: DEMO_PHONE_ROOT, or one of the user's data folder. Absolute, without a trailing slash.
 [[nodiscard]] std::string servedFolder();

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <charconv>
 #include <clocale>
+#include <cstdio>
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
@@ -23,7 +24,7 @@ std::string complaint(std::string_view command, const std::string &path, int err
     return std::string(command) + ": " + path + ": " + std::strerror(error) + "\n";
 }
 
-// -- ls -la
+// -- ls -la, ls -lab
 
 struct Row {
     std::array<std::string, 6> columns; ///< mode, links, owner, group, size, time
@@ -36,6 +37,50 @@ std::string timeText(time_t time) {
     std::array<char, 32> text{};
     const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &local);
     return {text.data(), length};
+}
+
+/// One character that starts a text, and its length; the byte itself, with length 0, where none does.
+std::pair<wchar_t, std::size_t> character(std::string_view text) {
+    wchar_t found = 0;
+    std::mbstate_t state{};
+    const std::size_t length = std::mbrtowc(&found, text.data(), text.size(), &state);
+    if (length == 0 || length > text.size())
+        return {static_cast<unsigned char>(text[0]), 0};
+    return {found, length};
+}
+
+void useUtf8() {
+    if (!std::setlocale(LC_CTYPE, "C.UTF-8"))
+        std::setlocale(LC_CTYPE, "en_US.UTF-8");
+}
+
+/// A name as toybox writes it: every byte of a character that does not print with a backslash, but only the
+/// number of one below 256.
+std::string escaped(std::string_view name) {
+    useUtf8();
+    std::string text;
+    while (!name.empty()) {
+        const auto [found, length] = character(name);
+        const std::size_t taken = std::max<std::size_t>(length, 1);
+        if (length > 0 && ::wcwidth(found) >= 0 && found != L' ' && found != L'\\') {
+            text += name.substr(0, taken);
+        } else {
+            const std::string bytes(found < 256 ? std::string(1, static_cast<char>(found))
+                                                : std::string(name.substr(0, taken)));
+            static constexpr std::string_view named = "\a\b\x1b\f\n\r\t\v\\ ";
+            for (const char byte : bytes) {
+                if (const std::size_t at = named.find(byte); at != std::string_view::npos) {
+                    text += {'\\', "abefnrtv\\ "[at]};
+                } else {
+                    std::array<char, 8> octal{};
+                    std::snprintf(octal.data(), octal.size(), "\\%03o", static_cast<unsigned char>(byte));
+                    text += octal.data();
+                }
+            }
+        }
+        name.remove_prefix(taken);
+    }
+    return text;
 }
 
 Row rowOf(const Entry &entry, const std::string &name, int error) {
@@ -76,9 +121,16 @@ std::string tableOf(const std::vector<Row> &rows) {
     return text;
 }
 
-Answer ls(const Words &words, const PhoneFiles &files) {
+Answer ls(const Words &words, const PhoneFiles &files, const Settings &settings) {
+    const bool escapes = words[1] == "-lab";
     const std::string &path = words[2];
     Answer answer;
+    if (escapes && !settings.escapes) {
+        answer.standardError = "ls: Unknown option 'b' (see \"ls --help\")\n";
+        answer.exitStatus = 1;
+        return answer;
+    }
+    const auto shown = [&](const std::string &name) { return escapes ? escaped(name) : name; };
     Entry target;
     int error = files.look(path, Links::keep, target);
     std::vector<std::string> names;
@@ -91,7 +143,7 @@ Answer ls(const Words &words, const PhoneFiles &files) {
         return answer;
     }
     if (!isFolder) {
-        answer.standardOutput = tableOf({rowOf(target, path, 0)});
+        answer.standardOutput = tableOf({rowOf(target, shown(path), 0)});
         return answer;
     }
     names.insert(names.end(), {".", ".."});
@@ -108,7 +160,7 @@ Answer ls(const Words &words, const PhoneFiles &files) {
             answer.exitStatus = 1;
         }
         blocks += entry.status.st_blocks;
-        rows.push_back(rowOf(entry, name, entryError));
+        rows.push_back(rowOf(entry, shown(name), entryError));
     }
     answer.standardOutput = "total " + std::to_string(blocks / 2) + "\n" + tableOf(rows);
     return answer;
@@ -119,17 +171,11 @@ Answer ls(const Words &words, const PhoneFiles &files) {
 /// The text in lower case, one element per character; bytes that are no UTF-8 stay what they are.
 std::wstring lowered(std::string_view text) {
     std::wstring result;
-    std::mbstate_t state{};
     while (!text.empty()) {
-        wchar_t character = 0;
-        std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
-        if (length == 0 || length > text.size()) {
-            character = static_cast<wchar_t>(0xDC00 + static_cast<unsigned char>(text[0]));
-            length = 1;
-            state = {};
-        }
-        result += static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
-        text.remove_prefix(length);
+        const auto [found, length] = character(text);
+        result += length == 0 ? static_cast<wchar_t>(0xDC00 + found)
+                              : static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(found)));
+        text.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return result;
 }
@@ -192,8 +238,7 @@ private:
 };
 
 Answer find(const Words &words, const Words &head, const PhoneFiles &files) {
-    if (!std::setlocale(LC_CTYPE, "C.UTF-8"))
-        std::setlocale(LC_CTYPE, "en_US.UTF-8");
+    useUtf8();
     const std::string &pattern = words[4];
     std::size_t limit = 0;
     std::from_chars(head[2].data(), head[2].data() + head[2].size(), limit);
@@ -318,7 +363,7 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
     } else if (pipeline.size() == 1) {
         known = (name == "getprop" && words == Words{"getprop", "ro.product.model"}) ||
                 (name == "df" && words.size() == 2 && (has(1, "/sdcard") || has(1, "/data"))) ||
-                (name == "ls" && words.size() == 3 && has(1, "-la")) ||
+                (name == "ls" && words.size() == 3 && (has(1, "-la") || has(1, "-lab"))) ||
                 (name == "tail" && words.size() == 4 && has(1, "-c") && words[2].rfind('+', 0) == 0 &&
                  isNumber(words[2].substr(1))) ||
                 (name == "cat" && words.size() == 2 && pipeline[0].appends) ||
@@ -339,7 +384,7 @@ Answer runShellCommand(const std::vector<ShellPipeline> &line, const PhoneFiles 
     else if (words[0] == "df")
         answer = df(words, settings);
     else if (words[0] == "ls")
-        answer = ls(words, files);
+        answer = ls(words, files, settings);
     else if (words[0] == "find")
         answer = find(words, pipeline[1].words, files);
     else

@@ -10,10 +10,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -26,8 +29,9 @@ namespace {
 
 /// A command line, understood.
 struct Request {
-    std::string name = "unknown"; ///< "devices", "push", "pull", a shell command's name, or "unknown"
-    std::string serial;           ///< empty for "devices"
+    std::string name =
+        "unknown";      ///< "devices", "track-devices", "push", "pull", a shell command's name, or "unknown"
+    std::string serial; ///< empty where no phone is named
     std::vector<ShellPipeline> shellLine;
     std::vector<std::string> sources;
     std::string destination;
@@ -36,8 +40,9 @@ struct Request {
 
 Request understood(const std::vector<std::string> &arguments) {
     Request request;
-    if (arguments == std::vector<std::string>{"devices"}) {
-        request.name = "devices";
+    if (arguments == std::vector<std::string>{"devices"} ||
+        arguments == std::vector<std::string>{"track-devices"}) {
+        request.name = arguments[0];
         return request;
     }
     if (arguments.size() < 4 || arguments[0] != "-s")
@@ -152,24 +157,49 @@ std::string deviceError(const Settings &settings, const std::string &serial) {
     return "device " + state;
 }
 
-Answer devices(const Settings &settings) {
-    Answer answer;
-    answer.standardOutput = "List of devices attached\n";
+/// The list of phones without its title. The others come first: which one adb lists first is anybody's guess.
+std::string deviceList(const Settings &settings) {
+    std::string list;
+    for (const OtherPhone &phone : otherPhones(settings))
+        list += phone.serial + "\t" + phone.state + "\n";
     if (settings.state != "none")
-        answer.standardOutput += settings.serial + "\t" + settings.state + "\n";
-    answer.standardOutput += "\n";
-    return answer;
+        list += settings.serial + "\t" + settings.state + "\n";
+    return list;
+}
+
+/// Prints the list of phones now and whenever it changes, until nobody is left who reads it or an exit status
+/// is set. A text that is set takes the list's place.
+Answer trackDevices(SettingsSource &settings) {
+    const pid_t parent = ::getppid();
+    std::optional<std::string> last;
+    while (settings.current().exitStatus < 0 && ::getppid() == parent) {
+        std::string text = settings.current().standardOutput;
+        if (!settings.current().hasStandardOutput) {
+            const std::string list = deviceList(settings.current());
+            std::array<char, 8> length{};
+            std::snprintf(length.data(), length.size(), "%04zx", list.size());
+            text = length.data() + list;
+        }
+        if (text != last && !writeAll(STDOUT_FILENO, text))
+            break;
+        last = text;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        settings.refresh();
+    }
+    return {};
 }
 
 Answer answerTo(const Request &request, SettingsSource &settings) {
     const bool isCopy = request.name == "push" || request.name == "pull";
     Answer answer;
+    if (request.name == "track-devices")
+        return trackDevices(settings);
     if (settings.current().hasStandardOutput) {
         answer.standardOutput = settings.current().standardOutput;
         return answer;
     }
     if (request.name == "devices")
-        return devices(settings.current());
+        return {"List of devices attached\n" + deviceList(settings.current()) + "\n", {}, 0};
     if (const std::string error = deviceError(settings.current(), request.serial); !error.empty()) {
         answer.exitStatus = 1;
         if (isCopy)
@@ -204,7 +234,7 @@ int run(const std::vector<std::string> &arguments) {
     } catch (const std::invalid_argument &error) {
         reason = error.what();
     }
-    SettingsSource settings(root, request.name);
+    SettingsSource settings(root, request.name, request.serial);
     if (settings.current().log)
         writeLog(root, arguments);
     if (request.name == "unknown") {

@@ -35,8 +35,25 @@ bool isPercent(const std::optional<double> &percent) {
 }
 
 void deviceList(const QByteArray &input) {
-    for (const QString &serial : ADBClient::parseDeviceList(ToolText::decode(input)))
-        require(!serial.isEmpty() && ToolText::fields(serial).size() == 1, "a serial is one word");
+    const auto phones = ADBClient::parsePhones(ToolText::decode(input));
+    for (const ListedPhone &phone : phones)
+        require(!phone.serial.isEmpty() && !phone.state.isEmpty() &&
+                    !phone.serial.contains(QLatin1Char('\t')),
+                "a phone has a serial and a state");
+    require(phones.size() <= ADBClient::mostPhones, "there is an end to phones");
+}
+
+/// A pipe hands over its text in pieces of any size; where it is cut must not matter.
+void trackedDevices(const QByteArray &input) {
+    ADBClient::TrackedDevices whole;
+    const auto newest = whole.feed(input);
+    ADBClient::TrackedDevices pieces;
+    std::optional<QList<ListedPhone>> last;
+    for (const char byte : input) {
+        if (auto phones = pieces.feed(QByteArray(1, byte)))
+            last = std::move(phones);
+    }
+    require(last == newest && pieces.isGarbage() == whole.isGarbage(), "pieces read like the whole");
 }
 
 void storage(const QByteArray &input) {
@@ -45,9 +62,7 @@ void storage(const QByteArray &input) {
         require(bytes->used % 1024 == 0 && bytes->total % 1024 == 0, "df counts blocks of 1024 bytes");
 }
 
-void listing(const QByteArray &input) {
-    const QString folder = QStringLiteral("/sdcard/Download");
-    const auto items = ADBClient::parseLSLA(ToolText::decode(input), folder);
+void listingIn(const QString &folder, const QList<FileItem> &items) {
     for (const FileItem &item : items) {
         require(AndroidPath::isSafeName(item.name), "a name is one component");
         require(!item.name.startsWith(QLatin1Char('.')), "hidden names are left out");
@@ -60,6 +75,25 @@ void listing(const QByteArray &input) {
     require(std::equal(items.begin(), items.end(), sorted.begin(),
                        [](const FileItem &a, const FileItem &b) { return a.name == b.name; }),
             "a listing is in file order");
+}
+
+void listing(const QByteArray &input) {
+    const QString folder = QStringLiteral("/sdcard/Download");
+    const auto [text, isExact] = ToolText::decodeLeniently(input);
+    listingIn(folder, ADBClient::parseLSLA(text, folder, isExact));
+}
+
+/// The phone may go while it lists: every beginning of a listing is one, too.
+void exactListing(const QByteArray &input) {
+    const QString folder = QStringLiteral("/sdcard/Download");
+    const auto [text, isExact] = ToolText::decodeLeniently(input);
+    const auto items = ADBClient::parseLSLAB(text, folder, isExact);
+    listingIn(folder, items);
+    const qsizetype end = text.lastIndexOf(QLatin1Char('\n')) + 1;
+    const auto whole = ADBClient::parseLSLAB(text.left(end), folder, isExact);
+    require(items.size() - whole.size() == 0 || items.size() - whole.size() == 1,
+            "a line that is cut is one entry at most");
+    require(ADBClient::countComplaints(input) <= input.count('\n') + 1, "a line is one complaint at most");
 }
 
 void foundPaths(const QByteArray &input) {
@@ -155,7 +189,7 @@ void analyticsCache(const QByteArray &input) {
     const auto batch = decodeSignals(input);
     if (!batch)
         return;
-    const auto written = encodeSignals(*batch, DateForm::Disk);
+    const auto written = encodeSignals(*batch, DateForm::disk);
     require(written && decodeSignals(*written).has_value(), "what was read can be written and read again");
 }
 
@@ -177,10 +211,13 @@ void settings(const QByteArray &input) {
 } // namespace
 
 const QList<Target> &targets() {
+    // clang-format off: one to a line, as fuzz/run reads them
     static const QList<Target> all{
         {"device-list", &deviceList},
+        {"tracked-devices", &trackedDevices},
         {"storage", &storage},
         {"listing", &listing},
+        {"exact-listing", &exactListing},
         {"found-paths", &foundPaths},
         {"search-metadata", &searchMetadata},
         {"progress", &progress},
@@ -189,6 +226,7 @@ const QList<Target> &targets() {
         {"analytics-cache", &analyticsCache},
         {"settings", &settings},
     };
+    // clang-format on
     return all;
 }
 

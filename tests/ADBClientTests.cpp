@@ -312,6 +312,120 @@ TEST(ADBListingTests, hostileNamesAreFoundAgain) {
     EXPECT_FALSE(phone.exists(u"hostile/pwned"_s));
 }
 
+namespace {
+
+/// Names as they stand on a file system, bytes that are no text among them.
+const std::vector<QByteArray> oddNames{
+    "plain",       "a  b",   " lead",       "trail ", "nb\u00a0sp",     "line\nbreak", "tab\tx",
+    "back\\slash", "a -> b", "->",          "cr\rx",  "\x1b[31m",       "c1\u0085x",   "ls\u2028x",
+    "wide\u3000",  "\\040",  "bad\xff\xfe", "\xc2",   "sur\xed\xa0\x80"};
+
+void writeOddNames(const DemoPhone &phone, const QString &folder) {
+    phone.makeFolder(folder);
+    for (const QByteArray &name : oddNames) {
+        const QByteArray path = QFile::encodeName(phone.hostPath(folder)) + '/' + name;
+        const int file = ::open(path.constData(), O_WRONLY | O_CREAT, 0600);
+        ASSERT_GE(file, 0) << name.constData();
+        ASSERT_EQ(::write(file, name.constData(), static_cast<size_t>(name.size())), name.size());
+        ::close(file);
+    }
+}
+
+} // namespace
+
+TEST(ADBListingTests, everyNameIsExactAndLeadsToItsFile) {
+    DemoPhone phone;
+    writeOddNames(phone, u"odd"_s);
+    const auto items = ADBClient::listDirectory(serial, u"/sdcard/odd"_s);
+    ASSERT_TRUE(items.has_value());
+    EXPECT_EQ(items->size(), std::ssize(oddNames));
+    EXPECT_EQ(items->unreadableCount, 0);
+    const QTemporaryDir target;
+    QStringList inexact;
+    for (const FileItem &item : *items) {
+        if (!item.isNameExact) {
+            inexact.append(item.name);
+            continue;
+        }
+        const QString local = target.filePath(u"copy"_s);
+        EXPECT_EQ(pull(item.path, local), u"(success)") << item.name.toStdString();
+        EXPECT_EQ(contents(local), item.name.toUtf8());
+        QFile::remove(local);
+    }
+    inexact.sort();
+    EXPECT_EQ(inexact,
+              (QStringList{u"bad\ufffd\ufffd"_s, u"c1\ufffdx"_s, u"sur\ufffd\ufffd\ufffd"_s, u"\ufffd"_s}));
+
+    const auto hits = ADBClient::search(serial, u"/sdcard/odd"_s, u"bre"_s, 200);
+    ASSERT_TRUE(hits.has_value());
+    EXPECT_EQ(namesOf(*hits), QStringList{u"line\nbreak"_s});
+    EXPECT_EQ(hits->first().sizeBytes, 10);
+    const auto odd = ADBClient::search(serial, u"/sdcard"_s, u"od"_s, 200);
+    EXPECT_EQ(namesOf(*odd), QStringList{u"odd"_s});
+    const auto bad = ADBClient::search(serial, u"/sdcard"_s, u"ba"_s, 200);
+    EXPECT_EQ(namesOf(*bad), (QStringList{u"back\\slash"_s, u"bad\ufffd\ufffd"_s}))
+        << "one bad name empties it";
+    EXPECT_TRUE(bad->first().isNameExact);
+    EXPECT_FALSE(bad->last().isNameExact);
+}
+
+TEST(ADBListingTests, aPhoneThatKnowsNoEscapesIsAskedWithout) {
+    DemoPhone phone;
+    phone.set(u"escapes"_s, "off");
+    writeOddNames(phone, u"odd"_s);
+    phone.write(u"odd/two words"_s, "1");
+    const auto items = ADBClient::listDirectory(serial, u"/sdcard/odd"_s);
+    ASSERT_TRUE(items.has_value());
+    EXPECT_TRUE(namesOf(*items).contains(u"two words"_s));
+    EXPECT_TRUE(namesOf(*items).contains(u"bad\ufffd\ufffd"_s)) << "it empties its folder";
+    for (const FileItem &item : *items)
+        EXPECT_EQ(item.isNameExact, !item.name.contains(QChar(QChar::ReplacementCharacter)))
+            << item.name.toStdString();
+    EXPECT_EQ(phone.commandLines().last(),
+              (QStringList{u"-s"_s, serial, u"shell"_s, u"ls"_s, u"-la"_s, u"'/sdcard/odd/'"_s}));
+    const auto missing = ADBClient::listDirectory(serial, u"/sdcard/nope"_s);
+    EXPECT_EQ(missing.error().errorDescription(), u"ls: /sdcard/nope/: No such file or directory"_s);
+}
+
+TEST(ADBListingTests, whatCanBeReadIsListedAndTheRestIsCounted) {
+    const QByteArray row = "-rw-rw---- 1 a a 1 2024-05-01 13:07 a\n";
+    const struct {
+        const char *name;
+        QByteArray output;
+        QByteArray errors;
+        QByteArray exitStatus;
+        qsizetype items; // -1: it fails
+        qsizetype unreadable = 0;
+    } cases[] = {
+        {"all is well", row, "", "0", 1},
+        {"a warning", row, "WARNING: linker\n", "0", 1},
+        {"one entry", row, "ls: /sdcard/b: Permission denied\n", "1", 1, 1},
+        {"three", row, "ls: /sdcard/b: x\nls: /sdcard/c: x\nls: /sdcard/\xff: x\n", "1", 1, 3},
+        {"nothing but those", "total 0\nd????????? ? ? ? ? ? b\n", "ls: /sdcard/b: Permission denied\n", "1",
+         0, 1},
+        {"the folder itself", "", "ls: /sdcard/: Permission denied\n", "1", -1},
+        {"the phone went away", row, "error: device offline\n", "1", -1},
+        {"the phone went away without a word", row, "", "1", -1},
+    };
+    DemoPhone phone;
+    for (const auto &c : cases) {
+        phone.set(u"ls.stdout"_s, c.output);
+        phone.set(u"ls.stderr"_s, c.errors);
+        phone.set(u"ls.exit"_s, c.exitStatus);
+        const auto listing = ADBClient::listDirectory(serial, u"/sdcard"_s);
+        EXPECT_EQ(listing ? listing->size() : -1, c.items) << c.name;
+        EXPECT_EQ(listing ? listing->unreadableCount : 0, c.unreadable) << c.name;
+    }
+    phone.resetAll();
+    phone.write(u"a.txt"_s, "1");
+    phone.write(u"secret/b.txt"_s, "1");
+    phone.deny(u"secret"_s);
+    const auto listing = ADBClient::listDirectory(serial, u"/sdcard"_s);
+    ASSERT_TRUE(listing.has_value());
+    EXPECT_EQ(namesOf(*listing), QStringList{u"a.txt"_s});
+    EXPECT_EQ(listing->unreadableCount, 1);
+}
+
 TEST(ADBSearchTests, findsNamesWithTheirFacts) {
     DemoPhone phone;
     const QDateTime noon(QDate(2024, 5, 1), QTime(12, 0));

@@ -134,6 +134,84 @@ TEST(ListingTextTests, oddAndHostileEntriesKeepWhatIsKnownOfThem) {
     EXPECT_EQ(named(crlf, "My Song.mp3").sizeBytes, 1'048'576);
 }
 
+TEST(ListingTextTests, anExactListingKeepsWhateverANameHolds) {
+    // toybox writes U+0085 like the byte 0x85, which is no text.
+    const struct {
+        const char *mode;
+        const char *column;
+        QString name; // null: the line is no entry
+        bool isExact = true;
+    } cases[] = {
+        {"-", "plain", u"plain"_s},
+        {"-", "a\\ \\ b", u"a  b"_s},
+        {"-", "\\ lead", u" lead"_s},
+        {"-", "trail\\ ", u"trail "_s},
+        {"-", "\u00a0n\u00a0\u00a0b\u3000", u"\u00a0n\u00a0\u00a0b\u3000"_s},
+        {"-", "line\\nbreak\\r\\t\\a\\b\\e\\f\\v", u"line\nbreak\r\t\a\b\x1b\f\v"_s},
+        {"-", "back\\\\slash\\\\", u"back\\slash\\"_s},
+        {"-", "\\\\040", u"\\040"_s},
+        {"-", "a\\ ->\\ b", u"a -> b"_s},
+        {"-", "->\\ x", u"-> x"_s},
+        {"l", "a\\ ->\\ b -> c -> d", u"a -> b"_s},
+        {"l", "ends\\\\ -> \\", u"ends\\"_s},
+        {"l", "no target", u"no target"_s},
+        {"-", "not escaped -> here", u"not escaped -> here"_s},
+        {"-", "ls\\342\\200\\250x", u"ls\u2028x"_s},
+        {"-", "del\\177\\001", u"del\x7f\x01"_s},
+        {"-", "😀é\u0301\ufffd", u"😀é\u0301\ufffd"_s},
+        {"-", "bad\\377\\376.txt", u"bad\ufffd\ufffd.txt"_s, false},
+        {"-", "c1\\205", u"c1\ufffd"_s, false},
+        {"-", "cut\\342\\200", u"cut\ufffd\ufffd"_s, false},
+        {"-", "odd\\", u"odd\\"_s},
+        {"-", "odd\\4", u"odd\\4"_s},
+        {"-", "odd\\12", u"odd\\12"_s},
+        {"-", "odd\\777\\q", u"odd\\777\\q"_s},
+        {"-", "", u""_s},
+    };
+    for (const auto &[mode, column, name, isExact] : cases) {
+        const QString line = QLatin1String(mode) + u"rw-rw----  1 u0_a1 media_rw     7 2024-05-01 13:07 "_s +
+                             QString::fromUtf8(column);
+        for (const QString &end : {QString(), u"\r"_s}) {
+            const auto entry = ADBClient::parseLSLABLine(QString(line + end));
+            ASSERT_TRUE(entry.has_value()) << column;
+            EXPECT_EQ(entry->name, name) << column;
+            EXPECT_EQ(entry->isNameExact, isExact) << column;
+            EXPECT_EQ(entry->size, 7) << column;
+        }
+    }
+    for (const char *none :
+         {"", "total 28", "d?????????   ? ?      ?        ?                ? my\\ file now and then",
+          "ls: /x: Permission denied"})
+        EXPECT_FALSE(ADBClient::parseLSLABLine(QString::fromUtf8(none)).has_value()) << none;
+}
+
+TEST(ListingTextTests, aRealExactListingIsRead) {
+    const auto items = ADBClient::parseLSLAB(transcript("exact-listing/toybox.txt"), u"/sdcard"_s);
+    EXPECT_EQ(items.size(), 41);
+    EXPECT_EQ(items.first().name, u"Two  Words "_s);
+    EXPECT_TRUE(items.first().isDirectory);
+    EXPECT_EQ(named(items, "li -> nk").sizeBytes, 11);
+    EXPECT_EQ(named(items, "line\nbreak").path, u"/sdcard/line\nbreak"_s);
+    EXPECT_EQ(named(items, "nb\u00a0\u00a0sp").modifiedAt, QDateTime(QDate(2026, 11, 23), QTime(23, 22)));
+    EXPECT_EQ(
+        std::count_if(items.begin(), items.end(), [](const FileItem &item) { return !item.isNameExact; }), 5);
+    const auto devices = ADBClient::parseLSLAB(u"crw-rw-rw-  1 0 0 1,   3 2026-11-23 23:22 null\n"
+                                               "-rw------- 1 0 0 8 Nov 22 19:53 month name.txt\n"
+                                               "-rw------- 1 0 0 8 2026-11-23 23:22 .hidden\n"
+                                               "-rw------- 1 0 0 8 2026-11-23 23:22 a\\057b\n"
+                                               "-rw------- 1 0 0 8 2026-11-23 23:22 a\\000b\n"_s,
+                                               u"/dev"_s);
+    EXPECT_EQ(names(devices), u"name.txt|null"_s);
+    EXPECT_EQ(named(devices, "null").sizeBytes, std::nullopt);
+}
+
+TEST(ListingTextTests, complaintsAreCounted) {
+    EXPECT_EQ(ADBClient::countComplaints("ls: /a: Permission denied\nls: /b\xff: gone\r\nWARNING: linker\n"),
+              2);
+    EXPECT_EQ(ADBClient::countComplaints(""), 0);
+    EXPECT_EQ(ADBClient::countComplaints("error: device offline\n"), 0);
+}
+
 TEST(ListingTextTests, timesAreReadAlsoOnADayWhenTheClockIsChanged) {
     const QByteArray before = qgetenv("TZ");
     qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
@@ -209,14 +287,23 @@ TEST(SearchTextTests, queriesLoseWhatTheShellCouldRead) {
 }
 
 TEST(SearchTextTests, foundPathsComeOnceWithoutRootAndHiddenNames) {
-    const QString output = u"/sdcard\n/sdcard/a\r\n/sdcard/a/\n/sdcard/.nomedia\n/sdcard/.hidden/b\n"
-                           "/sdcard/c d.txt\n/sdcard/a \n /sdcard/e\ntail of a name with a "
-                           "newline\n/sdcard/x/..\n/\n\n/sdcard/a\n"_s;
+    const QString output =
+        u"* daemon started successfully\n/sdcard\n/sdcard/a\n/sdcard/a/\n"
+        "/sdcard/.nomedia\n/sdcard/.hidden/b\n/sdcard/c d.txt\n/sdcard/a \n"
+        "/sdcard/two\n\nbreaks\r\v\u2028\n/sdcard/x/..\n/sdcard/ e  f\u00a0\n/sdcard/a\n"_s;
     const QString root = u"/sdcard"_s;
-    EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 200),
-              (QStringList{u"/sdcard/a"_s, u"/sdcard/.hidden/b"_s, u"/sdcard/c d.txt"_s, u"/sdcard/a "_s,
-                           u"/sdcard/e"_s}));
-    EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 3).size(), 1) << "lines count, not hits";
+    const QStringList expected{u"/sdcard/a"_s,
+                               u"/sdcard/.hidden/b"_s,
+                               u"/sdcard/c d.txt"_s,
+                               u"/sdcard/a "_s,
+                               u"/sdcard/two\n\nbreaks\r\v\u2028"_s,
+                               u"/sdcard/ e  f\u00a0"_s};
+    EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 200), expected);
+    EXPECT_EQ(ADBClient::parseFoundPaths(output.chopped(1), root, 200), expected);
+    EXPECT_EQ(ADBClient::parseFoundPaths(output, root, 4).size(), 1) << "lines count, not hits";
+    EXPECT_EQ(ADBClient::parseFoundPaths(u"/sdcard/a\r\n/sdcard/b\r\n"_s, root, 200),
+              (QStringList{u"/sdcard/a"_s, u"/sdcard/b"_s}));
+    EXPECT_EQ(ADBClient::parseFoundPaths(u"/\n/a\n"_s, u"/"_s, 200), QStringList{u"/a"_s});
     const QString cut = u"/sdcard/a%1/b\n"_s.arg(QChar(u'\0'));
     EXPECT_TRUE(ADBClient::parseFoundPaths(cut, root, 200).isEmpty()) << "a NUL would end the argument early";
 }

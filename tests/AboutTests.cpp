@@ -7,6 +7,7 @@
 #include "App/Updates/Updater.h"
 #include "App/Window/ApplicationMenu.h"
 #include "App/Window/WindowChrome.h"
+#include "MacFiles/ThisComputer.h"
 #include "Theme/AppTheme.h"
 
 #include <QtTest>
@@ -83,11 +84,11 @@ TEST_F(AboutViewTests, showsItsTextsAndOpensItsLinks) {
     QStringList shown;
     for (const QLabel *label : about.findChildren<QLabel *>())
         shown.append(label->text());
-    EXPECT_EQ(shown, QStringList({u"Vantrel (1.4)"_s, u"Transfer files between Mac and Android"_s,
-                                  u"Connect your phone with USB debugging on."_s,
-                                  u"Found a bug or have an idea?"_s, product::copyright()}));
-    EXPECT_EQ(about.width(), 340);
-    EXPECT_TRUE(about.isModal());
+    EXPECT_EQ(shown,
+              QStringList({u"Vantrel (1.4)"_s, u"Transfer files between %1 and Android"_s.arg(thisComputer()),
+                           u"Connect your phone with USB debugging on."_s, u"Found a bug or have an idea?"_s,
+                           product::copyright()}));
+    EXPECT_EQ(about.findChild<QWidget *>(u"sheet.card"_s)->width(), 340);
 
     QAbstractButton *site = button(about, "about.website");
     EXPECT_EQ(site->toolTip(), u"Open "_s + product::websiteDomain());
@@ -102,10 +103,9 @@ TEST_F(AboutViewTests, closesOnReturnWhereverTheKeyboardIs) {
         for (const char *focused : {"", "about.website", "about.close"}) {
             AboutView about(&window);
             about.open();
-            ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &about; }));
             if (*focused)
                 button(about, focused)->setFocus();
-            QTest::keyClick(about.windowHandle(), key);
+            QTest::keyClick(window.windowHandle(), key);
             EXPECT_FALSE(about.isVisible()) << focused << ' ' << key;
         }
     }
@@ -114,8 +114,6 @@ TEST_F(AboutViewTests, closesOnReturnWhereverTheKeyboardIs) {
     about.open();
     button(about, "about.close")->click();
     EXPECT_FALSE(about.isVisible());
-    EXPECT_EQ(window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly), QList<QWidget *>{&about})
-        << "the window is no longer dimmed";
 }
 
 class ApplicationMenuTests : public ::testing::Test {

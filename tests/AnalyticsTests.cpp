@@ -37,7 +37,7 @@ QStringList typesIn(const QJsonArray &records) {
 /// A client's surroundings: files of its own, a server that answers as it is told, a log, a clock.
 struct World {
     World() {
-        configuration.logHandler = LogHandler{LogLevel::Debug, [this](LogLevel level, const QString &text) {
+        configuration.logHandler = LogHandler{LogLevel::debug, [this](LogLevel level, const QString &text) {
                                                   const QMutexLocker locker(&lock);
                                                   log[level].append(text);
                                               }};
@@ -99,14 +99,14 @@ TEST(AnalyticsRecordTests, isWrittenInOrderWithBothFormsOfDates) {
                              R"("type":"na\"me\\\n\u0001 ü","floatValue":2.5,)"
                              R"("payload":{"a":"","b":"2"},"isTestMode":"false"}])";
     const auto json = [](DateForm form) { return encodeSignals({sample()}, form)->toStdString(); };
-    EXPECT_EQ(json(DateForm::Network), "[{\"receivedAt\":\"2024-05-31T23:59:07+0000\"" + rest);
-    EXPECT_EQ(json(DateForm::Disk), "[{\"receivedAt\":738892747.125" + rest);
+    EXPECT_EQ(json(DateForm::network), "[{\"receivedAt\":\"2024-05-31T23:59:07+0000\"" + rest);
+    EXPECT_EQ(json(DateForm::disk), "[{\"receivedAt\":738892747.125" + rest);
     SignalPostBody whole = sample();
     whole.floatValue.reset();
     const QList both{sample(), whole};
-    EXPECT_EQ(decodeSignals(*encodeSignals(both, DateForm::Disk)), both);
+    EXPECT_EQ(decodeSignals(*encodeSignals(both, DateForm::disk)), both);
     whole.floatValue = qInf();
-    const auto failed = encodeSignals({whole}, DateForm::Network);
+    const auto failed = encodeSignals({whole}, DateForm::network);
     ASSERT_FALSE(failed);
     EXPECT_TRUE(failed.error().description.startsWith(u"Failed to encode signal batch: "_s));
 }
@@ -118,7 +118,7 @@ TEST(AnalyticsRecordTests, DISABLED_sendsOne) {
     TelemetryEnvironment environment;
     environment.preferencesDirectory = qEnvironmentVariable("VANTREL_TEST_DIRECTORY");
     environment.cachesDirectory = environment.preferencesDirectory + u"/sent"_s;
-    constexpr auto dark = ApplicationFacts::ColorScheme::Dark;
+    constexpr auto dark = ApplicationFacts::ColorScheme::dark;
     const ApplicationFacts facts{u"1.2"_s, u"34"_s, 1920, 1080.5, 2, dark, Qt::RightToLeft};
     environment.applicationFacts = [facts] { return facts; };
     const TelemetryManager manager(configuration, environment);
@@ -224,7 +224,7 @@ TEST(AnalyticsRecordTests, prefixesNamesAndWarnsOfReservedOnes) {
         const auto records = world.records(1);
         EXPECT_EQ(records[0][u"type"].toString(), prefix + signal);
         EXPECT_EQ(records[0][u"payload"][prefix + parameter], u"mine"_s);
-        EXPECT_EQ(world.messages(LogLevel::Error).replaceInStrings(form, u"\\1|\\2"_s), warnings)
+        EXPECT_EQ(world.messages(LogLevel::error).replaceInStrings(form, u"\\1|\\2"_s), warnings)
             << signal.toStdString();
     }
 }
@@ -252,7 +252,7 @@ TEST(AnalyticsChoiceTests, whoCannotBeRememberedIsNotCounted) {
     world.manager->signal(u"s"_s);
     world.manager.reset();
     EXPECT_EQ(world.posts, 0);
-    EXPECT_TRUE(world.messages(LogLevel::Error).contains(world.preferencesFile() + u" cannot be read"_s));
+    EXPECT_TRUE(world.messages(LogLevel::error).contains(world.preferencesFile() + u" cannot be read"_s));
     EXPECT_EQ(world.saved(), QStringList());
 }
 
@@ -283,7 +283,7 @@ TEST(AnalyticsSendingTests, formsTheServiceAddressOrWaitsForABetterOne) {
         EXPECT_EQ(manager.consecutiveFailures(), expected.isEmpty() ? 1 : 0);
         const QString refused =
             u"Unable to construct signal API URL for namespace %1. Invalid endpoint URL"_s;
-        EXPECT_EQ(world.messages(LogLevel::Error).join(u". "_s),
+        EXPECT_EQ(world.messages(LogLevel::error).join(u". "_s),
                   expected.isEmpty() ? refused.arg(nameSpace) : QString());
     }
 }
@@ -297,7 +297,7 @@ TEST(AnalyticsSendingTests, goesOutInBatchesBacksOffAndRecovers) {
         manager.push(sample(QString::number(i)));
     for (const int count : {100, 100, 50})
         EXPECT_EQ(attempt(manager, world).first.size(), count);
-    EXPECT_EQ(world.messages(LogLevel::Info)[1], u"Sending 100 signals leaving a cache of 150 signals"_s);
+    EXPECT_EQ(world.messages(LogLevel::info)[1], u"Sending 100 signals leaving a cache of 150 signals"_s);
     manager.push(sample(u"s"_s));
     for (const int delay : {20, 40, 80, 160, 300, 300, 10}) {
         world.answers = {HttpResponse{delay == 10 ? 200 : 503, {}}};
@@ -306,7 +306,7 @@ TEST(AnalyticsSendingTests, goesOutInBatchesBacksOffAndRecovers) {
         EXPECT_EQ(attempt(manager, world), std::pair(QStringList(u"s"_s), delay));
     }
     EXPECT_EQ(attempt(manager, world), std::pair(QStringList(), 10));
-    EXPECT_EQ(world.messages(LogLevel::Error), QStringList(u"unplugged"_s));
+    EXPECT_EQ(world.messages(LogLevel::error), QStringList(u"unplugged"_s));
 }
 
 TEST(AnalyticsSendingTests, judgesEveryStatus) {
@@ -326,22 +326,22 @@ TEST(AnalyticsSendingTests, judgesEveryStatus) {
         world.answers.append(HttpResponse{code, "the answer"});
         EXPECT_EQ(attempt(manager, world).first.size(), 3);
         const QString later = u"Failed to send events (status %1), will try again later"_s.arg(code);
-        EXPECT_EQ(world.messages(LogLevel::Debug).contains(later), isKept);
+        EXPECT_EQ(world.messages(LogLevel::debug).contains(later), isKept);
         EXPECT_EQ(attempt(manager, world).first.size(), isKept ? 3 : 0);
         const QString dropped = u"Dropping 3 signal(s): rejected by server "_s + rejected.value(code);
-        EXPECT_EQ(world.messages(LogLevel::Error), QStringList(rejected.count(code), dropped));
+        EXPECT_EQ(world.messages(LogLevel::error), QStringList(rejected.count(code), dropped));
     }
 }
 
 TEST(AnalyticsCacheTests, readsWhatItCanAndSurvivesTheRest) {
-    const QByteArray good = *encodeSignals({sample()}, DateForm::Disk);
+    const QByteArray good = *encodeSignals({sample()}, DateForm::disk);
     const auto changed = [&good](const char *from, const QByteArray &to) {
         return QByteArray(good).replace(from, to);
     };
     const QByteArray large = '"' + QByteArray(50 * 1024 * 1024, 'x') + '"';
     QByteArrayList unreadable{"", "signals!", "beyond any sense", good.chopped(9), good.mid(1).chopped(1)};
     unreadable << changed("clientUser", "user") << changed("\"2\"", "2") << good.chopped(1) + ",{}]"
-               << *encodeSignals({sample()}, DateForm::Network);
+               << *encodeSignals({sample()}, DateForm::network);
     const auto readable = QByteArrayList{good, changed("\"appID\"", "\"new\":[],\"appID\"")}
                           << changed("\"2\"", large);
     for (const QByteArray &text : unreadable + readable) {
@@ -358,7 +358,7 @@ TEST(AnalyticsCacheTests, readsWhatItCanAndSurvivesTheRest) {
         cache.save();
         EXPECT_EQ(world.saved().last(), u"new"_s);
         const QString log = u"Loading Telemetry cache from: %1|%2Saved Telemetry cache %1 of %3 signals"_s;
-        EXPECT_EQ(world.messages(LogLevel::Info).join(u'|'),
+        EXPECT_EQ(world.messages(LogLevel::info).join(u'|'),
                   log.arg(QUrl::fromLocalFile(world.cacheFile()).toString(),
                           isLoaded ? u"Loaded 1 signals|"_s : u""_s)
                       .arg(cache.size()));
@@ -382,7 +382,7 @@ TEST(AnalyticsCacheTests, keepsTheNewestAndSaysWhatItCannotWrite) {
     setrlimit(RLIMIT_FSIZE, &unlimited);
     EXPECT_EQ(world.saved(), saved);
     SignalCache(world.shared(), QString()).save();
-    EXPECT_EQ(world.messages(LogLevel::Error).join(u". "_s),
+    EXPECT_EQ(world.messages(LogLevel::error).join(u". "_s),
               u"Error saving Telemetry cache. Failed to get disk cache url from FileManager."_s);
 }
 
@@ -390,20 +390,23 @@ TEST(AnalyticsCacheTests, savesSignalsUnderWayAndNeverKeepsTheWindowOpen) {
     World world;
     world.isHeld = true;
     world.start();
-    for (int i = 1; i <= 102; ++i)
+    QSet<QString> recorded;
+    for (int i = 1; i <= 102; ++i) {
+        recorded.insert(QString::number(i));
         world.manager->signal(QString::number(i));
-    world.records(1);
+    }
+    world.records(1);  // by then the session may have begun, too
     world.lock.lock(); // the thread is stuck when it wants to say that it has saved
     const QDeadlineTimer patience(5s);
     world.manager->aboutToTerminate(); // returns all the same
     EXPECT_FALSE(patience.hasExpired());
-    EXPECT_EQ(world.log.value(LogLevel::Info).filter(u"Saved"_s), QStringList());
+    EXPECT_EQ(world.log.value(LogLevel::info).filter(u"Saved"_s), QStringList());
     world.lock.unlock();
     world.manager->signal(u"too late"_s);
     world.manager.reset();
     const QStringList saved = world.saved();
     EXPECT_FALSE(saved.contains(u"too late"_s));
-    EXPECT_EQ(QSet(saved.begin(), saved.end()).size(), 102);
+    EXPECT_TRUE(QSet(saved.begin(), saved.end()).contains(recorded));
 }
 
 TEST(AnalyticsCacheTests, isSharedByCopiesOfTheProgram) {

@@ -1,6 +1,7 @@
 // The model on the demo phone and on temporary folders: what a person would see in its properties.
 
 #include "support/ModelTest.h"
+#include "support/Processes.h"
 
 #include "State/FilePreview.h"
 
@@ -162,6 +163,78 @@ TEST_F(AppStateTests, aPhoneWhoseStorageCannotBeReadIsThere) {
     EXPECT_EQ(state->device().totalBytes, 0);
 }
 
+TEST_F(AppStateTests, namesThatAreNoTextAreShownAndRefusedInWords) {
+    phone.set(u"ls.stdout"_s, "-rw-rw---- 1 a a 5 2024-05-01 13:07 good\\ one\n"
+                              "-rw-rw---- 1 a a 5 2024-05-01 13:07 bad\\377\n"
+                              "drwxrwx--- 1 a a 5 2024-05-01 13:07 ba\\376\n");
+    phone.set(u"ls.stderr"_s, "ls: /sdcard/x: Permission denied\n");
+    phone.set(u"ls.exit"_s, "1");
+    connectPhone();
+    EXPECT_EQ(shownOfPhone(), u"ba\ufffd bad\ufffd good one"_s);
+    EXPECT_EQ(state->androidFooterStats(), u"3 items • 10 bytes • 1 entry could not be read"_s);
+    phone.set(u"ls.stderr"_s, "ls: /sdcard/x: x\nls: /sdcard/y: x\nls: /sdcard/z: x\n");
+    browsePhone(u"/sdcard"_s);
+    EXPECT_TRUE(state->androidFooterStats().endsWith(u" • 3 entries could not be read"_s));
+
+    for (const FileItem &item : state->androidItems()) {
+        state->openAndroidFile(item);
+        if (!item.isNameExact) {
+            EXPECT_EQ(state->androidBrowseError(),
+                      u"“"_s + item.name + u"” can’t be opened: its name on the phone is not text."_s);
+        }
+    }
+    ASSERT_TRUE(waitFor([&] { return !state->isOpeningAndroidFile(); }));
+    browseHere();
+    select(BrowserSide::android, u"bad\ufffd"_s);
+    state->transferAndroidToMac();
+    EXPECT_TRUE(state->queue().isEmpty());
+    EXPECT_EQ(state->androidBrowseError(),
+              u"“bad\ufffd” can’t be copied: its name on the phone is not text."_s);
+    state->selectAllVisible(BrowserSide::android);
+    state->transferAndroidToMac();
+    EXPECT_EQ(state->androidBrowseError(),
+              u"2 entries can’t be copied: their names on the phone are not text."_s);
+    ASSERT_EQ(state->queue().size(), 1);
+    EXPECT_EQ(state->queue().first().name, u"good one"_s);
+    waitForQueue();
+}
+
+TEST_F(AppStateTests, aPhoneThatDoesNotAnswerIsGivenUp) {
+    phone.write(u"a.txt"_s, "x");
+    connectPhone();
+    const auto usual = ADBClient::patience();
+    EXPECT_EQ(usual, std::chrono::seconds(15));
+    ADBClient::setPatience(std::chrono::milliseconds(300));
+    const QString words = u"The phone does not answer."_s;
+    phone.set(u"ls.hang"_s, "on");
+    browsePhone(u"/sdcard"_s);
+    EXPECT_EQ(state->androidBrowseError(), words);
+    EXPECT_TRUE(processes::children().isEmpty()) << "its process goes on";
+    phone.reset(u"ls.hang"_s);
+    browsePhone(u"/sdcard"_s);
+    EXPECT_EQ(shownOfPhone(), u"a.txt"_s) << "asked again, it answers";
+
+    phone.set(u"pull.hang"_s, "on");
+    open(state->androidItems().first());
+    EXPECT_EQ(state->androidBrowseError(), words);
+    EXPECT_TRUE(processes::children().isEmpty());
+
+    phone.set(u"find.hang"_s, "on");
+    state->setAndroidSearchScope(AndroidSearchScope::everywhere);
+    searchFor(u"ab"_s);
+    finishSearch();
+    EXPECT_EQ(state->androidBrowseError(), words);
+    state->clearAndroidSearch();
+
+    phone.set(u"getprop.hang"_s, "on");
+    state->refreshDevice(AppState::Spinner::shown);
+    ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
+    EXPECT_EQ(state->deviceStatusMessage(), words);
+    EXPECT_EQ(state->phones().trouble(), PhoneTrouble::noAnswer);
+    EXPECT_TRUE(processes::children().isEmpty());
+    ADBClient::setPatience(usual);
+}
+
 TEST_F(AppStateTests, aListingOfThePhoneThatLeftIsDropped) {
     phone.write(u"a.txt"_s, "x");
     connectPhone();
@@ -187,6 +260,16 @@ TEST_F(AppStateTests, onlyTheNewestListingIsApplied) {
     ASSERT_TRUE(waitFor([&] { return first.isReady(); }));
     EXPECT_EQ(shownOfPhone(), u"new.txt"_s);
     EXPECT_EQ(state->androidCurrentPath(), u"/sdcard/fast"_s);
+
+    for (const QString &name : {u"old"_s, u"new"_s})
+        QDir().mkpath(here(name + u"/inside "_s + name));
+    QStringList seen;
+    QObject::connect(state.get(), &AppState::macItemsChanged, state.get(),
+                     [&] { seen.append(shown(state->macItems())); });
+    const auto older = state->browseMac(here(u"old"_s));
+    const auto newer = state->browseMac(here(u"new"_s));
+    ASSERT_TRUE(waitFor([&] { return older.isReady() && newer.isReady(); }));
+    EXPECT_EQ(seen, QStringList{u"inside new"_s});
 }
 
 TEST_F(AppStateTests, anUnfinishedCallEndsWithoutEffectWhenTheModelIsGone) {
@@ -277,16 +360,23 @@ TEST_F(AppStateTests, searchesOnceWhenTypingRestsAndDropsLateHits) {
     EXPECT_EQ(shown(state->displayedAndroidItems()), u"abc.txt"_s);
     EXPECT_EQ(state->androidFooterStats(), u"1 result for “abc”"_s);
 
-    // A search that was given up: its late hits are dropped.
+    // A search that was given up, by clearing it or by looking elsewhere: its late hits are dropped.
     phone.set(u"find.delay"_s, "0.3");
-    searchFor(u"xyz"_s);
-    ASSERT_TRUE(waitFor([&] { return finds().size() == 2; }));
-    state->setAndroidSearchScope(AndroidSearchScope::thisFolder);
-    state->scheduleAndroidSearch();
-    EXPECT_FALSE(state->isSearchingAndroid());
-    ASSERT_TRUE(waitFor([&] { return Background::workers().activeThreadCount() == 0; }));
-    QCoreApplication::sendPostedEvents();
-    EXPECT_TRUE(state->androidSearchResults().isEmpty());
+    for (const bool isCleared : {true, false}) {
+        const auto before = finds().size();
+        searchFor(u"xyz"_s);
+        ASSERT_TRUE(waitFor([&] { return finds().size() > before; }));
+        if (isCleared) {
+            state->clearAndroidSearch();
+        } else {
+            state->setAndroidSearchScope(AndroidSearchScope::thisFolder);
+            state->scheduleAndroidSearch();
+        }
+        EXPECT_FALSE(state->isSearchingAndroid());
+        ASSERT_TRUE(waitFor([&] { return Background::workers().activeThreadCount() == 0; }));
+        QCoreApplication::sendPostedEvents();
+        EXPECT_TRUE(state->androidSearchResults().isEmpty()) << isCleared;
+    }
 
     // A failed one says why; a good one takes the message away.
     phone.set(u"find.exit"_s, "1");
@@ -325,6 +415,11 @@ TEST_F(AppStateTests, opensAFileFromTheCacheAsItIsNow) {
     EXPECT_TRUE(state->androidBrowseError()->contains(u"Permission denied"_s));
     EXPECT_EQ(desktop.opened.size(), 2);
     EXPECT_EQ(shownOfPhone(), u"a.pdf"_s);
+
+    connectPhone();
+    browsePhone(u"/sdcard"_s);
+    open(state->androidItems().first());
+    EXPECT_EQ(state->androidBrowseError(), std::nullopt) << "a folder is none of its business";
 }
 
 TEST(FilePreviewTests, foldersStayInsideTheCache) {

@@ -1,5 +1,6 @@
 #include "support/Printers.h"
 
+#include "App/Window/Activation.h"
 #include "App/Window/TitleBar.h"
 #include "App/Window/WindowChrome.h"
 #include "App/Window/WindowChromeCoordinator.h"
@@ -272,6 +273,27 @@ TEST(WindowPlacementTests, keepsTheTitleBarReachable) {
         EXPECT_EQ(reachableFrame(frame, screens), QRect(expected, frame.size())) << what;
 }
 
+TEST(WindowPlacementTests, fitsARememberedFrameToTheScreensOfToday) {
+    constexpr QRect left(0, 28, 1920, 1052);
+    constexpr QRect right(1920, 0, 1280, 1024);
+    constexpr QRect small(0, 0, 1024, 600);
+    constexpr QSize minimum(1100, 720);
+    const std::tuple<const char *, QRect, QList<QRect>, QRect> cases[] = {
+        {"as it was", {200, 100, 1280, 820}, {left}, {200, 100, 1280, 820}},
+        {"on the second screen", {1920, 10, 1280, 820}, {left, right}, {1920, 10, 1280, 820}},
+        {"that is gone", {1960, 10, 1280, 820}, {left}, {320, 144, 1280, 820}},
+        {"mostly on the second", {1800, 10, 1200, 820}, {left, right}, {1920, 10, 1200, 820}},
+        {"beyond an edge", {-700, 500, 1280, 820}, {left}, {0, 260, 1280, 820}},
+        {"a smaller screen", {100, 100, 1800, 1000}, {{0, 0, 1366, 728}}, {0, 0, 1366, 728}},
+        {"smaller than the minimum", {100, 100, 1800, 1000}, {small}, small},
+        {"smaller than it may be", {100, 100, 1, 1}, {left}, {100, 100, 1100, 720}},
+        {"far off", {100'000, -100'000, 100'000, 100'000}, {left}, left},
+        {"no screen at all", {5000, 100, 1280, 820}, {}, {5000, 100, 1280, 820}},
+    };
+    for (const auto &[what, frame, screens, expected] : cases)
+        EXPECT_EQ(fittedFrame(frame, minimum, screens), expected) << what;
+}
+
 TEST(WindowPlacementTests, dragsAMaximisedWindowOutUnderTheMouse) {
     for (const double x : {0.0, 480.0, 1919.0}) {
         const QPoint mouse(qRound(x) + 7, 90); // it has moved on since the press
@@ -384,6 +406,36 @@ TEST_F(WindowChromeTests, zoomsByDoubleClickAndByButton) {
     bringToFront(&window, {});
     EXPECT_FALSE(window.isMinimized());
     EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(WindowChromeTests, aRightClickInTheBandOpensTheWindowsMenu) {
+    const auto menuAt = [&](QPoint position) {
+        QTest::mouseClick(window.windowHandle(), Qt::RightButton, {}, position);
+        return qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    };
+    const auto choose = [&](const QString &title) {
+        QMenu *menu = menuAt({250, 26});
+        ASSERT_TRUE(menu);
+        for (QAction *action : menu->actions()) {
+            if (action->text() == title) {
+                QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+                return;
+            }
+        }
+        menu->close();
+        FAIL() << "no " << title.toStdString();
+    };
+    EXPECT_FALSE(menuAt({24, 26})) << "a button";
+    EXPECT_FALSE(menuAt({250, 200})) << "the content";
+    choose(u"Zoom"_s);
+    EXPECT_TRUE(window.isMaximized());
+    choose(u"Restore"_s);
+    EXPECT_FALSE(window.isMaximized());
+    choose(u"Minimize"_s);
+    EXPECT_TRUE(window.isMinimized());
+    bringToFront(&window, {});
+    choose(u"Close"_s);
+    EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(WindowChromeTests, buttonsSayWhatTheyDo) {

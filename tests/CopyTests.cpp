@@ -117,12 +117,13 @@ TEST_F(CopyTests, anotherContentWaitsForTheUserWhileTheRestGoesOn) {
         writeOn(to, u"b 2"_s, "second");
         start();
         copyAllFrom(from);
-        EXPECT_EQ(state->transferQueue().nameTakenCount(), 2) << statuses().toStdString();
+        EXPECT_EQ(state->transfers().queue().nameTakenCount(), 2) << statuses().toStdString();
         EXPECT_TRUE(statuses().contains(u"c:Done"_s)) << "no question stops the run";
 
-        state->keepAllBoth();
+        state->transfers().keepAllBoth();
         waitForQueue();
-        EXPECT_EQ(state->transferQueue().completedCount(), state->queue().size()) << statuses().toStdString();
+        EXPECT_EQ(state->transfers().queue().completedCount(), state->queue().size())
+            << statuses().toStdString();
         const std::pair<const char *, const char *> expected[] = {
             {"a.tar.gz", "first"}, {"a.tar 2.gz", "new"}, {"b", "first"},
             {"b 2", "second"},     {"b 3", "new"},        {"c", "new"}};
@@ -177,10 +178,10 @@ TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
     state->selectAllVisible(BrowserSide::android);
     state->transferAndroidToMac();
     ASSERT_TRUE(waitFor([&] { return runsOf(u"pull"_s) == 3; }));
-    state->pauseTransfers();
+    state->transfers().pause();
     ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
-    EXPECT_TRUE(state->isPaused());
-    EXPECT_EQ(state->transferQueue().pausedCount(), 3) << statuses().toStdString();
+    EXPECT_TRUE(state->transfers().isPaused());
+    EXPECT_EQ(state->transfers().queue().pausedCount(), 3) << statuses().toStdString();
     EXPECT_EQ(state->waitingCount(), 2);
     EXPECT_TRUE(staged().isEmpty());
     const qsizetype runs = phone.commandLines().size();
@@ -189,9 +190,9 @@ TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
     EXPECT_GT(phone.commandLines().size(), runs);
 
     phone.reset(u"bandwidth"_s);
-    state->resumeTransfers();
+    state->transfers().resume();
     waitForQueue();
-    EXPECT_EQ(state->transferQueue().completedCount(), 5) << statuses().toStdString();
+    EXPECT_EQ(state->transfers().queue().completedCount(), 5) << statuses().toStdString();
     for (const char *name : {"a", "b", "c", "d", "e"})
         EXPECT_EQ(contents(here(QString::fromLatin1(name))), QByteArray(200'000, *name));
 }
@@ -220,7 +221,7 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
                     const auto *progress = state->queue().first().status.progress();
                     return progress && progress->transferredBytes > size / 8;
                 }));
-                state->pauseTransfers();
+                state->transfers().pause();
             }
             ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
             ASSERT_EQ(staged().size(), 1) << statuses().toStdString();
@@ -241,7 +242,7 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             if (goesOn) // whoever begins anew is unplugged
                 phone.set(u"unplug-after"_s, QByteArray::number(size - size / 8));
             connectPhone();
-            state->resumeTransfers();
+            state->transfers().resume();
             waitForQueue();
             EXPECT_EQ(statuses(), u"film:Done"_s);
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == other, how == Break::sourceChanged);
@@ -270,12 +271,12 @@ TEST_F(CopyTests, whatIsKeptOfACopyGoesWithItsEntry) {
             const auto *progress = state->queue().first().status.progress();
             return progress && progress->transferredBytes > 1'000'000;
         }));
-        state->pauseTransfers();
+        state->transfers().pause();
         ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
         EXPECT_EQ(staged().size(), 1);
         from == BrowserSide::mac ? state->removeQueueItem(state->queue().first().id) : state->clearQueue();
         EXPECT_TRUE(waitFor([&] { return staged().isEmpty(); }));
-        state->resumeTransfers();
+        state->transfers().resume();
         QFile::remove(pathOn(from, u"film"_s));
     }
 }
@@ -302,7 +303,7 @@ TEST_F(CopyTests, oneBadFileDoesNotEndAFolderAndIsTriedAgainAlone) {
         phone.reset(u"fail"_s);
         ::chmod(QFile::encodeName(bad).constData(), 0644);
         const qsizetype before = copyOrder().size();
-        state->tryAllAgain();
+        state->transfers().tryAllAgain();
         waitForQueue();
         EXPECT_TRUE(statuses().contains(u"Trip:1 copied, 2 already there"_s)) << statuses().toStdString();
         EXPECT_EQ(copyOrder().mid(before), u"bad's one"_s);
@@ -367,7 +368,7 @@ TEST_F(CopyTests, manySmallEntriesShareRunsAndEachHasItsOwnEnd) {
         const int copies = runsOf(u"pull"_s) + runsOf(u"push"_s);
         copyAllFrom(from);
         EXPECT_EQ(statuses().count(u":Done"_s), count - 1) << statuses().toStdString();
-        EXPECT_EQ(state->transferQueue().nameTakenCount(), 1);
+        EXPECT_EQ(state->transfers().queue().nameTakenCount(), 1);
         EXPECT_LE(runsOf(u"pull"_s) + runsOf(u"push"_s) - copies, count / 5);
         EXPECT_LE(int(phone.commandLines().size()) - before, count) << "less than one run for each";
         for (const QString &root : {here(QString()), phone.root()}) {

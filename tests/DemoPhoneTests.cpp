@@ -217,6 +217,47 @@ TEST(DemoPhoneListingTests, pathsLeadWhereThePhonesWouldAndNeverOut) {
     }
 }
 
+TEST(DemoPhoneListingTests, namesAreEscapedAsToyboxDoes) {
+    DemoPhone phone;
+    // Each name, and how a phone's toybox was seen to print it.
+    const std::pair<QByteArray, const char *> cases[] = {
+        {" lead", "\\ lead"},
+        {"a\x01", "a\\001"},
+        {"-> x", "->\\ x"},
+        {"\\040", "\\\\040"},
+        {"bad\xff\xfe", "bad\\377\\376"},
+        {"bell\a", "bell\\a"},
+        {"bs\b", "bs\\b"},
+        {"c1\u0085x", "c1\\205x"},
+        {"del\x7f", "del\\177"},
+        {"esc\x1b", "esc\\e"},
+        {"ff\f", "ff\\f"},
+        {"grüße 😀", "grüße\\ 😀"},
+        {"line\nx", "line\\nx"},
+        {"ls\u2028", "ls\\342\\200\\250"},
+        {"nb\u00a0", "nb\u00a0"},
+        {"ov\xc0\xaf", "ov\\300\\257"},
+        {"q'\"*?", "q'\"*?"},
+        {"\xc2", "\\302"},
+    };
+    std::vector<std::string> expected{".", ".."};
+    for (const auto &[name, printed] : cases) {
+        const QByteArray path = QFile::encodeName(phone.root()) + '/' + name;
+        ASSERT_EQ(::mkdir(path.constData(), 0700), 0) << printed;
+        expected.emplace_back(printed);
+    }
+    std::vector<std::string> listed;
+    for (const QByteArray &line : QByteArray::fromStdString(shell("ls -lab '/sdcard/'").out).split('\n')) {
+        if (line.startsWith('d')) // the name stands behind the minute
+            listed.push_back(line.mid(line.indexOf(':') + 4).toStdString());
+    }
+    EXPECT_THAT(listed, testing::UnorderedElementsAreArray(expected));
+    phone.set(u"escapes"_s, "off");
+    const Outcome old = shell("ls -lab '/sdcard/'");
+    EXPECT_EQ(old.err, "ls: Unknown option 'b' (see \"ls --help\")\n");
+    EXPECT_EQ(old.exitStatus, 1);
+}
+
 // -- The furnished phone
 
 TEST(DemoPhoneFurnishingTests, aFolderThatDoesNotExistIsFilledOnce) {

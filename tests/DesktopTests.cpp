@@ -3,11 +3,17 @@
 #include "support/WindowFixture.h"
 
 #include "App/Sheets/TextPrompt.h"
+#include "App/System/DesktopPreferences.h"
 #include "App/System/FileManager.h"
 #include "App/System/QtDesktop.h"
+#include "App/System/StayAwake.h"
 
 #include <QtDBus>
 #include <QtWidgets>
+
+#include <array>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace vantrel {
 namespace {
@@ -57,11 +63,9 @@ TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
         TextPrompt *shown = prompt();
         ASSERT_NE(shown, nullptr);
         EXPECT_FALSE(future.isFinished()) << "nobody has answered yet";
-        EXPECT_TRUE(shown->isModal());
         EXPECT_EQ(field(shown)->size(), QSize(240, 24));
         EXPECT_EQ(field(shown)->selectedText(), u"New Folder"_s);
-        ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == shown; }));
-        EXPECT_TRUE(field(shown)->hasFocus());
+        ASSERT_TRUE(waitFor([&] { return field(shown)->hasFocus(); }));
         answer(shown);
         ASSERT_TRUE(future.isFinished());
         EXPECT_EQ(future.result(), expected);
@@ -81,7 +85,7 @@ TEST_F(DesktopTests, theModelMakesTheFolderThatWasAskedFor) {
     model->browseMac(mac.path());
     ASSERT_TRUE(waitFor([&] { return !model->isLoadingMac(); }));
     model->createMacFolder();
-    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == prompt(); }));
+    ASSERT_TRUE(waitFor([&] { return prompt()->findChild<QLineEdit *>()->hasFocus(); }));
     QTest::keyClicks(prompt()->findChild<QLineEdit *>(), u"  Lisbon "_s);
     QTest::keyClick(prompt()->findChild<QLineEdit *>(), Qt::Key_Return);
     ASSERT_TRUE(waitFor([&] { return QDir(mac.filePath(u"Lisbon"_s)).exists(); }));
@@ -91,11 +95,11 @@ TEST_F(DesktopTests, theModelMakesTheFolderThatWasAskedFor) {
 TEST_F(DesktopTests, theFolderChooserAnswersThroughItsFuture) {
     QDir(mac.path()).mkpath(u"inside"_s);
     for (const bool accepted : {true, false}) {
-        const auto future = real.chooseFolder(u"Choose a Mac folder"_s, u"Choose"_s, mac.path());
+        const auto future = real.chooseFolder(u"Choose a folder"_s, u"Choose"_s, mac.path());
         auto *chooser = window->findChild<QFileDialog *>();
         ASSERT_NE(chooser, nullptr);
         EXPECT_FALSE(future.isFinished());
-        EXPECT_EQ(chooser->windowTitle(), u"Choose a Mac folder"_s);
+        EXPECT_EQ(chooser->windowTitle(), u"Choose a folder"_s);
         EXPECT_EQ(chooser->labelText(QFileDialog::Accept), u"Choose"_s);
         EXPECT_EQ(QDir(chooser->directory()).canonicalPath(), QDir(mac.path()).canonicalPath());
         chooser->selectFile(mac.filePath(u"inside"_s));
@@ -148,6 +152,80 @@ public:
     }
 };
 
+/// A settings portal at the other end of a bus of its own.
+class PortalStub : public QDBusVirtualObject {
+    Q_OBJECT
+public:
+    using Groups = QMap<QString, QVariantMap>;
+    std::optional<Groups> settings; ///< nothing: it refuses
+
+    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+    /// Right after its answer the user turns the desktop dark.
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
+        if (message.member() != u"ReadAll"_s)
+            return false;
+        QDBusMessage change =
+            QDBusMessage::createSignal(message.path(), message.interface(), u"SettingChanged"_s);
+        change << u"org.freedesktop.appearance"_s << u"color-scheme"_s
+               << QVariant::fromValue(QDBusVariant(1U));
+        return bus.send(settings ? message.createReply(QVariant::fromValue(*settings))
+                                 : message.createErrorReply(QDBusError::Failed, u"no"_s)) &&
+               bus.send(change);
+    }
+};
+
+TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
+    qDBusRegisterMetaType<PortalStub::Groups>();
+    // A bus like a desktop's, of its own.
+    QProcess daemon;
+    daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
+    ASSERT_TRUE(waitFor([&] { return daemon.canReadLine(); }));
+    const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+    PortalStub portal;
+    QDBusConnection there = QDBusConnection::connectToBus(address, u"portal"_s);
+    ASSERT_TRUE(there.registerVirtualObject(u"/org"_s, &portal, QDBusConnection::SubPath));
+    ASSERT_TRUE(there.registerService(u"org.freedesktop.portal.Desktop"_s));
+    const QDBusConnection bus = QDBusConnection::connectToBus(address, u"program"_s);
+
+    const QString appearance = u"org.freedesktop.appearance"_s;
+    const QString gnome = u"org.gnome.desktop.interface"_s;
+    const QString name = u"color-scheme"_s;
+    using enum ColorScheme;
+    using Schemes = QList<ColorScheme>;
+    // What the portal answers, and what is heard of it: the answer, then the change.
+    const std::tuple<std::optional<PortalStub::Groups>, Schemes, QList<bool>> cases[] = {
+        {{{{appearance, {{name, 1U}}}}}, {dark, dark}, {}},
+        {{{{appearance, {{name, 2U}}}}}, {light, dark}, {}},
+        {{{{appearance, {{name, 0U}}}}}, {light, dark}, {}},
+        {{{{appearance, {{name, 77U}}}}}, {light, dark}, {}},
+        {{{{appearance, {{name, u"dark"_s}}}}}, {light, dark}, {}},
+        {{{{gnome, {{u"enable-animations"_s, false}}}}}, {dark}, {true}},
+        {{{{gnome, {{u"enable-animations"_s, false}}}, {appearance, {{u"reduced-motion"_s, 0U}}}}},
+         {dark},
+         {true, false}},
+        {{{{u"org.other"_s, {{name, 2U}}}}}, {dark}, {}},
+        {std::nullopt, {dark}, {}},
+    };
+    for (const auto &[settings, schemes, motions] : cases) {
+        portal.settings = settings;
+        DesktopPreferences preferences(bus);
+        Schemes heardSchemes;
+        QList<bool> heardMotions;
+        QObject::connect(&preferences, &DesktopPreferences::colorSchemePreferred,
+                         [&](ColorScheme scheme) { heardSchemes.append(scheme); });
+        QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred,
+                         [&](bool reduced) { heardMotions.append(reduced); });
+        EXPECT_TRUE(waitFor([&] { return heardSchemes.size() >= schemes.size(); }));
+        EXPECT_EQ(heardSchemes, schemes);
+        EXPECT_EQ(heardMotions, motions);
+    }
+    const DesktopPreferences nobodyToAsk{QDBusConnection(u"no such bus"_s)};
+    for (const QString &connection : {u"portal"_s, u"program"_s})
+        QDBusConnection::disconnectFromBus(connection);
+    daemon.terminate();
+    EXPECT_TRUE(daemon.waitForFinished());
+}
+
 TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {
     QDBusServer server(u"unix:dir="_s + mac.path());
     FileManagerStub manager;
@@ -173,6 +251,58 @@ TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {
     ASSERT_TRUE(waitFor([&] { return failures == 2; }));
     EXPECT_EQ(manager.shown.size(), 1);
     QDBusConnection::disconnectFromPeer(u"manager"_s);
+}
+
+/// A login manager: the other ends of the locks that it has given.
+class LoginManagerStub : public QDBusVirtualObject {
+public:
+    QList<int> locks;
+    QStringList asked;
+    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe2(ends.data(), O_NONBLOCK | O_CLOEXEC), 0);
+        asked.append(message.arguments().first().toString() + u' ' + message.arguments().last().toString());
+        locks.append(ends[0]);
+        bus.send(message.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))));
+        close(ends[1]);
+        return true;
+    }
+    /// Whether the program holds the newest lock.
+    [[nodiscard]] bool isHeld() const {
+        char byte = 0;
+        return read(locks.last(), &byte, 1) < 0; // the end of the pipe, once the other end is closed
+    }
+    ~LoginManagerStub() override {
+        for (const int lock : locks)
+            close(lock);
+    }
+};
+
+TEST(StayAwakeTests, holdsTheLockOfTheLoginManagerAsLongAsItIsOn) {
+    LoginManagerStub manager;
+    QDBusServer server;
+    QObject::connect(&server, &QDBusServer::newConnection, &manager, [&](QDBusConnection connection) {
+        connection.registerVirtualObject(u"/"_s, &manager, QDBusConnection::SubPath);
+    });
+    {
+        StayAwake awake(QDBusConnection::connectToPeer(server.address(), u"login"_s));
+        awake.setOn(true);
+        awake.setOn(true);
+        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 1; }));
+        EXPECT_EQ(manager.asked, QStringList(u"sleep:idle block"_s));
+        EXPECT_TRUE(manager.isHeld());
+        awake.setOn(false);
+        EXPECT_TRUE(waitFor([&] { return !manager.isHeld(); }));
+        awake.setOn(true);
+        awake.setOn(false); // before it was given
+        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 2 && !manager.isHeld(); }));
+        awake.setOn(true);
+        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 3; }));
+    }
+    EXPECT_TRUE(waitFor([&] { return !manager.isHeld(); })) << "it ends with it";
+    QDBusConnection::disconnectFromPeer(u"login"_s);
+    StayAwake(QDBusConnection(u"no such bus"_s)).setOn(true);
 }
 
 } // namespace

@@ -126,6 +126,42 @@ TEST_F(DeviceTest, hostileNamesGoThereAndComeBack) {
     EXPECT_LE(std::abs(found2->first().modifiedAt->secsTo(QDateTime::currentDateTime())), 86'400);
 }
 
+TEST_F(DeviceTest, namesAreListedAndFoundAsTheyAre) {
+    const QString remote = folder() + QStringLiteral("/exact");
+    const QStringList names{QStringLiteral("a b"),
+                            QStringLiteral("a  b"),
+                            QStringLiteral(" lead"),
+                            QStringLiteral("trail "),
+                            QStringLiteral("a\u00a0b"),
+                            QStringLiteral("line\nbreak"),
+                            QStringLiteral("tab\there"),
+                            QStringLiteral("a -> b"),
+                            QStringLiteral("back\\slash"),
+                            QStringLiteral("ls\u2028ps"),
+                            QStringLiteral("\u3000wide\u3000")};
+    for (const QString &name : names) {
+        write(local.filePath(name), name.toUtf8());
+        ASSERT_EQ(push(name, AndroidPath::join(remote, name)), QString()) << name.toStdString();
+    }
+    const auto listing = ADBClient::listDirectory(serial(), remote);
+    ASSERT_TRUE(listing) << listing.error().errorDescription().toStdString();
+    EXPECT_EQ(listing->unreadableCount, 0);
+    QStringList expected = names;
+    QStringList found = namesOf(*listing);
+    expected.sort();
+    found.sort();
+    EXPECT_EQ(found, expected);
+    for (const FileItem &item : *listing) {
+        EXPECT_EQ(pull(item.path, QStringLiteral("back")), QString()) << item.name.toStdString();
+        EXPECT_EQ(contents(local.filePath(QStringLiteral("back"))), item.name.toUtf8());
+        QFile::remove(local.filePath(QStringLiteral("back")));
+    }
+    const auto hits = ADBClient::search(serial(), remote, QStringLiteral("break"), 200);
+    ASSERT_TRUE(hits);
+    EXPECT_EQ(namesOf(*hits), QStringList{QStringLiteral("line\nbreak")});
+    EXPECT_EQ(hits->first().sizeBytes, 10);
+}
+
 TEST_F(DeviceTest, foldersArriveWholeBothWays) {
     const QByteArray bytes = pattern(300'000);
     for (const char *name : {"tree/a.bin", "tree/sub/b.bin", "tree/sub/deeper/c.bin"})

@@ -197,6 +197,16 @@ TEST(FileRowTests, paintingShowsTheSelectionAndTheKind) {
                 QColor(AppTheme::accentSoft()).alphaF(), 0.01);
 }
 
+TEST(FileRowTests, theEndOfALongFolderIsSeen) {
+    FileEntry here{fileNamed(u"hit.txt"_s), false, true};
+    FileEntry there = here;
+    here.item.path = u"/sdcard/"_s + QString(200, u'p') + u"/Camera/hit.txt"_s;
+    there.item.path = u"/sdcard/"_s + QString(200, u'p') + u"/Screens/hit.txt"_s;
+    const QSize row(400, FileRowGeometry::height(true)), cell(110, FileGridCellGeometry::height());
+    EXPECT_NE(painted(FileRow{here}, row), painted(FileRow{there}, row));
+    EXPECT_NE(painted(FileGridCell{here}, cell), painted(FileGridCell{there}, cell));
+}
+
 TEST(FileRowTests, noNamePaintsOutsideItsRow) {
     const QString emoji = u"😀"_s.repeated(60);
     const QString names[] = {QString(255, u'w'),   emoji,

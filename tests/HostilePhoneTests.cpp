@@ -90,7 +90,7 @@ TEST_F(HostilePhoneTests, namesStayInTheirFolder) {
 
 TEST_F(HostilePhoneTests, hitsStayInTheirFolderAndTheirNumbersInRange) {
     phone.set(u"find.stdout"_s,
-              "/sdcard/..\n/sdcard/a/.\nsdcard/song.bin\n../victim\n/sdcard/s" + QByteArray(1, '\0') +
+              "sdcard/song.bin\n../victim\n/sdcard/..\n/sdcard/a/.\n/sdcard/s" + QByteArray(1, '\0') +
                   "/song.bin\n/sdcard/song.bin\n/sdcard/far\n/sdcard/farther\n/sdcard/extra\n");
     phone.set(u"stat.stdout"_s, "/sdcard/song.bin|regular file|9223372036854775807|9.2e15\n"
                                 "/sdcard/far|regular file|9223372036854775807|-9.2e15\n"

@@ -1,11 +1,11 @@
-#include "Kit/Card.h"
-#include "Kit/Divider.h"
+#include "Kit/Canvas.h"
 #include "Kit/IconButton.h"
 #include "Kit/RenderScheduler.h"
 #include "Kit/Shapes.h"
 #include "Kit/Spinner.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextLabel.h"
+#include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
 
 #include <QtTest>
@@ -159,7 +159,6 @@ TEST(TextTests, namesCannotDeceive) {
     };
     for (const auto &[text, shown] : cases)
         EXPECT_EQ(displayText(text), shown);
-    EXPECT_FALSE(plainToolTip(u"<img src='x'>"_s).contains(u"<img"_s));
 }
 
 TEST(TextTests, paintsInsideItsRectangle) {
@@ -459,6 +458,148 @@ TEST(ControlTests, everyKindRepaintsInTheNewColours) {
     for (QWidget *widget : kinds) {
         EXPECT_TRUE(painted.widgets.contains(widget)) << widget->metaObject()->className();
         EXPECT_NE(widget->grab().toImage(), before.takeFirst()) << widget->metaObject()->className();
+    }
+    AppTheme::setScheme(ColorScheme::light);
+}
+
+TEST(ToolTipTests, areBesideTheirControlAndOverNoOther) {
+    constexpr QRect window(0, 0, 800, 600);
+    constexpr QSize tip(200, 24);
+    const QRect arrow(383, 300, 34, 34);
+    const QRect belowIt = arrow.translated(0, 44), aboveIt = arrow.translated(0, -44);
+    const QRect row(20, 60, 200, 32);
+    // The control, what it is centred on, the others, and where the tip's top left comes to lie.
+    const std::tuple<const char *, QRect, int, QList<QRect>, QPoint> cases[] = {
+        {"below", arrow, 400, {}, {300, 337}},
+        {"above, since there is another below", arrow, 400, {belowIt}, {300, 273}},
+        {"beside, between two", arrow, 400, {belowIt, aboveIt}, {420, 304}},
+        {"of a row among rows", row, 100, {row.translated(0, 32), row.translated(0, -32)}, {223, 63}},
+        {"at the right edge", {760, 10, 34, 34}, 777, {}, {600, 47}},
+        {"at the lower edge", {20, 570, 34, 24}, 37, {}, {0, 543}},
+        {"with no free place, below", arrow, 400, {window}, {300, 337}},
+        {"of a window full of one control", window, 400, {}, {300, 576}},
+    };
+    for (const auto &[what, part, x, controls, expected] : cases)
+        EXPECT_EQ(placeToolTip(tip, part, x, window, controls), expected) << what;
+}
+
+class ShownToolTipTests : public ::testing::Test {
+protected:
+    ShownToolTipTests() {
+        window.resize(600, 400);
+        for (int i = 0; i < 2; ++i) {
+            buttons[i] = new QPushButton(&window);
+            buttons[i]->setGeometry(280, 150 + 44 * i, 34, 34);
+        }
+        window.show();
+    }
+    static void rest(QWidget *on, QPoint at = {5, 5}) {
+        QHelpEvent event(QEvent::ToolTip, at, on->mapToGlobal(at));
+        QCoreApplication::sendEvent(on, &event);
+    }
+    QWidget *tip() const {
+        for (QWidget *child : window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (QAccessible::queryAccessibleInterface(child)->role() == QAccessible::ToolTip)
+                return child;
+        }
+        return nullptr;
+    }
+
+    QWidget window;
+    QPushButton *buttons[2] = {};
+};
+
+TEST_F(ShownToolTipTests, oneLineWhereItFitsAndAtMostHalfTheWindow) {
+    const QString markup = u"<b>Transfer selected Android items</b> &amp;"_s;
+    int oneLine = 0;
+    for (const QString &text : {u"Back"_s, markup, QString(240, u'w'), u"a word "_s.repeated(60)}) {
+        buttons[0]->setToolTip(text);
+        rest(buttons[0]);
+        ASSERT_TRUE(tip()) << text.toStdString();
+        EXPECT_EQ(QAccessible::queryAccessibleInterface(tip())->text(QAccessible::Name), text);
+        EXPECT_LE(tip()->width(), window.width() / 2 + 12) << "with its shadow";
+        EXPECT_TRUE(window.rect().contains(tip()->geometry()));
+        EXPECT_FALSE(tip()->geometry().adjusted(6, 6, -6, -6).intersects(buttons[1]->geometry()));
+        if (!oneLine)
+            oneLine = tip()->height();
+        EXPECT_EQ(tip()->height() > oneLine, text.size() > 100) << text.toStdString();
+    }
+    EXPECT_EQ(window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).size(), 3);
+}
+
+TEST_F(ShownToolTipTests, goAsSoonAsAnythingHappens) {
+    buttons[0]->setToolTip(u"Back"_s);
+    QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
+    QMouseEvent press(QEvent::MouseButtonPress, {5, 5}, {5, 5}, Qt::LeftButton, Qt::LeftButton, {});
+    QMouseEvent outside(QEvent::MouseMove, {5, 40}, {5, 40}, Qt::NoButton, {}, {});
+    QMouseEvent inside(QEvent::MouseMove, {9, 9}, {9, 9}, Qt::NoButton, {}, {});
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Down, {});
+    QEvent leave(QEvent::Leave);
+    for (QEvent *event : std::initializer_list<QEvent *>{&inside, &wheel, &press, &outside, &key, &leave}) {
+        rest(buttons[0]);
+        ASSERT_EQ(ToolTips::text(), u"Back"_s);
+        QCoreApplication::sendEvent(buttons[0], event);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(ToolTips::text().isEmpty(), event != &inside) << int(event->type());
+    }
+    rest(buttons[0]);
+    buttons[0]->setToolTip({}); // nothing is said about what stands there now
+    buttons[0]->update();
+    EXPECT_TRUE(QTest::qWaitFor([] { return ToolTips::text().isEmpty(); }));
+    buttons[0]->setToolTip(u"Back"_s);
+    rest(buttons[0]);
+    buttons[0]->hide();
+    EXPECT_TRUE(ToolTips::text().isEmpty());
+    buttons[0]->show();
+    rest(buttons[0]);
+    delete std::exchange(buttons[0], nullptr);
+    EXPECT_TRUE(ToolTips::text().isEmpty());
+}
+
+TEST_F(ShownToolTipTests, areAskedForAgainWhenSomethingElseStandsThere) {
+    TextLabel label({12}, AppTheme::ink(), &window);
+    label.setGeometry(10, 10, 60, 20);
+    label.show();
+    label.setText(u"A name that is longer than its label"_s);
+    rest(&label);
+    EXPECT_EQ(ToolTips::text(), label.text());
+    label.setText(u"Another one, longer than its label too"_s);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ToolTips::text() == label.text(); }));
+    label.setText(u"Short"_s);
+    EXPECT_TRUE(QTest::qWaitFor([] { return ToolTips::text().isEmpty(); }));
+}
+
+TEST(AppStyleTests, menusAreCardsInBothSchemesAndShowTheirKeys) {
+    QMenu menu;
+    QAction *chosen = menu.addAction(u"Chosen"_s);
+    chosen->setCheckable(true);
+    chosen->setChecked(true);
+    menu.addAction(u"Off"_s)->setEnabled(false);
+    menu.addSeparator();
+    QAction *quit = menu.addAction(u"Quit"_s);
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    const auto pixels = [&](const QImage &image, const QAction *action, const QColor &color) {
+        const QRect item = menu.actionGeometry(const_cast<QAction *>(action));
+        int count = 0;
+        for (int y = item.top(); y <= item.bottom(); ++y) {
+            for (int x = item.left(); x <= item.right(); ++x)
+                count += image.pixelColor(x, y).rgba() == color.rgba();
+        }
+        return count;
+    };
+    for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark}) {
+        AppTheme::setScheme(scheme);
+        menu.popup({100, 100});
+        menu.setActiveAction(quit);
+        QCoreApplication::processEvents();
+        const QImage image = menu.grab().toImage();
+        EXPECT_EQ(image.pixelColor(3, 3).rgba(), AppTheme::surface().resolved(scheme).rgba());
+        EXPECT_GT(pixels(image, quit, AppTheme::accent()), 1000) << "what is pointed at";
+        EXPECT_EQ(pixels(image, chosen, AppTheme::accent()), 0);
+        EXPECT_GT(pixels(image, chosen, AppTheme::ink()), 0);
+        EXPECT_EQ(pixels(image, menu.actions().at(1), AppTheme::ink()), 0) << "it is grey";
+        EXPECT_EQ(menu.actionGeometry(quit).height(), 26);
+        menu.hide();
     }
     AppTheme::setScheme(ColorScheme::light);
 }

@@ -3,6 +3,7 @@
 #include "support/Printers.h"
 
 #include "MacFiles/MacFileClient.h"
+#include "MacFiles/ThisComputer.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -156,6 +157,13 @@ TEST(MacFilesTests, theDesktopGetsStandardizedPaths) {
     EXPECT_EQ(MacFileClient::chooseFolder(desktop, u"/x/"_s).result(), std::nullopt);
     desktop.nextFolder = u"/chosen"_s;
     EXPECT_EQ(MacFileClient::chooseFolder(desktop, QString()).result(), u"/chosen"_s);
-    EXPECT_EQ(desktop.folderQuestions,
-              (QStringList{u"Choose a Mac folder|Choose|/x"_s, u"Choose a Mac folder|Choose|"_s}));
+    EXPECT_EQ(desktop.folderQuestions, (QStringList{u"Choose a %1 folder|Choose|/x"_s.arg(thisComputer()),
+                                                    u"Choose a %1 folder|Choose|"_s.arg(thisComputer())}));
+}
+TEST(MacFilesTests, onlyAMacIsCalledOne) {
+#ifdef Q_OS_MACOS
+    EXPECT_EQ(thisComputer(), u"Mac"_s);
+#else
+    EXPECT_EQ(thisComputer(), u"Computer"_s);
+#endif
 }

@@ -104,4 +104,11 @@ TEST_F(PaneStateTests, aListingIsAwaitedUntilAnotherIsAskedForOrThePaneIsEmptied
     EXPECT_FALSE(pane.isNewest(second));
     EXPECT_FALSE(pane.isLoading());
     EXPECT_EQ(pane.browseError(), u"gone"_s);
+
+    // Another folder begins without what was selected and said in this one.
+    pane.setItems(files("ab"));
+    pane.selectAllVisible();
+    pane.open(u"/sdcard/DCIM"_s);
+    EXPECT_TRUE(pane.selectedIDs().isEmpty());
+    EXPECT_EQ(pane.browseError(), std::nullopt);
 }

@@ -25,8 +25,8 @@ public:
         for (const QString &folder : {u"run"_s, u"home/.config/vantrel"_s})
             QDir().mkpath(path(folder));
         QFile::setPermissions(path(u"run"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        for (const char *name : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "DISPLAY",
-                                 "WAYLAND_DISPLAY", "DO_NOT_TRACK"})
+        for (const char *name : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME",
+                                 "DISPLAY", "WAYLAND_DISPLAY", "DO_NOT_TRACK"})
             variables.remove(QLatin1String(name));
         variables.insert(u"HOME"_s, path(u"home"_s));
         variables.insert(u"XDG_RUNTIME_DIR"_s, path(u"run"_s));

@@ -3,7 +3,10 @@
 #include "support/WindowFixture.h"
 
 #include "Kit/IconButton.h"
+#include "Kit/TextButton.h"
 #include "Kit/TextLabel.h"
+#include "Kit/ToolTips.h"
+#include "MacFiles/ThisComputer.h"
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueDelegate.h"
 #include "Views/QueueListView.h"
@@ -16,7 +19,6 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QToolTip>
 
 namespace vantrel {
 namespace {
@@ -75,7 +77,7 @@ bool shows(const QImage &list, const QRect &place, const QString &text, const Te
 QString toolTipAt(QueueListView *list, QPoint place) {
     QHelpEvent event(QEvent::ToolTip, place, list->viewport()->mapToGlobal(place));
     QCoreApplication::sendEvent(list->viewport(), &event);
-    return QToolTip::text();
+    return ToolTips::text();
 }
 
 // -- What the queue announces
@@ -155,7 +157,7 @@ TEST_F(QueueRowTests, showsTheCopyAndHowFarItIs) {
     const Case cases[] = {
         {transferring(0.5), AppTheme::progress(), 0.5, u"2 MB / 4 MB"_s, u"50%"_s, 50},
         {transferring(-1), AppTheme::progress(), 0, u"-4 MB / 4 MB"_s, u"-100%"_s, 0},
-        {paused, AppTheme::progress(), 0.25, u"Transferring…"_s, u"25%"_s, 25},
+        {paused, AppTheme::progress(), 0.25, u"Paused"_s, u"25%"_s, 25},
         {QueueItemStatus::Failed{u"No space left"_s}, AppTheme::danger(), 0, u"No space left"_s, u"Error"_s,
          0},
         {QueueItemStatus::Waiting(), AppTheme::progress(), 0, u"Waiting…"_s, u"—"_s, 0},
@@ -173,13 +175,22 @@ TEST_F(QueueRowTests, showsTheCopyAndHowFarItIs) {
         EXPECT_NEAR(pixelsOf(c.color, image, at.bar.y() + 2), c.filled * at.bar.width(), 4);
         EXPECT_TRUE(
             shows(image, at.name, u"photo.jpg"_s, {12.5, Weight::semibold}, AppTheme::ink(), Qt::AlignLeft));
+        const bool isFailed = c.status.is<QueueItemStatus::Failed>();
+        if (isFailed) { // the reason takes the place of the route and the bar
+            const QueueRowGeometry failed(list.visualRect(row(0)).adjusted(0, 0, 0, -1), true);
+            EXPECT_TRUE(
+                shows(image, failed.reason, c.progress, progressStyle, AppTheme::danger(), Qt::AlignLeft));
+            EXPECT_GT(failed.reason.width(), at.route.width() + at.progress.width());
+            EXPECT_FALSE(failed.reason.intersects(failed.action) || failed.reason.intersects(failed.percent));
+            EXPECT_TRUE(shows(image, failed.percent.adjusted(failed.action.width(), 0, 0, 0), c.percent,
+                              percentStyle, AppTheme::ink(), Qt::AlignRight));
+            continue;
+        }
         EXPECT_TRUE(shows(image, at.route, u"/sdcard/DCIM/photo.jpg  →  /home/sam/photo.jpg"_s,
                           {10.5, Weight::medium}, AppTheme::inkTertiary(), Qt::AlignLeft, Elision::middle));
         EXPECT_TRUE(
             shows(image, at.progress, c.progress, progressStyle, AppTheme::inkSecondary(), Qt::AlignRight));
-        // What can be done about an end stands before the percentage.
-        const QRect percent = at.percent.adjusted(list.actionRect(row(0)).width(), 0, 0, 0);
-        EXPECT_TRUE(shows(image, percent, c.percent, percentStyle, AppTheme::ink(), Qt::AlignRight));
+        EXPECT_TRUE(shows(image, at.percent, c.percent, percentStyle, AppTheme::ink(), Qt::AlignRight));
         EXPECT_EQ(accessibleRow(0)->text(QAccessible::Name), u"photo.jpg"_s);
         EXPECT_EQ(accessibleRow(0)->text(QAccessible::Description),
                   QString(c.progress + u", "_s + c.percent));
@@ -209,7 +220,8 @@ TEST_F(QueueRowTests, offersWhatCanBeDoneAboutAnEnd) {
         const bool isOffered = !c.title.isEmpty();
         EXPECT_EQ(list.actionRect(row(0)).isValid(), isOffered);
         EXPECT_EQ(accessibleRow(0)->childCount(), isOffered ? 3 : 2);
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, places(0).action.center());
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                          isOffered ? list.actionRect(row(0)).center() : places(0).action.center());
         QTest::keyClick(&list, Qt::Key_Left);
         EXPECT_EQ(list.isOnAction(), isOffered);
         if (isOffered) {
@@ -225,7 +237,9 @@ TEST_F(QueueRowTests, offersWhatCanBeDoneAboutAnEnd) {
         asked.clear();
     }
     queue.setStatus(item.id, cases[3].status);
-    EXPECT_EQ(toolTipAt(&list, places(0).progress.center()), plainToolTip(u"Broken\n\na: too large"_s));
+    const QString help = toolTipAt(&list, places(0).reason.center());
+    for (const char *line : {"Broken", "a: too large", "/sdcard/DCIM/photo.jpg  →  /home/sam/photo.jpg"})
+        EXPECT_TRUE(help.contains(QString::fromUtf8(line))) << help.toStdString();
 }
 
 TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
@@ -257,14 +271,13 @@ TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
     list.resize(700, list.height());
     QCoreApplication::processEvents();
     const QueueRowGeometry at = places(0);
-    EXPECT_EQ(toolTipAt(&list, at.progress.center()), plainToolTip(longText));
-    EXPECT_EQ(toolTipAt(&list, at.name.center()), plainToolTip(worst.name));
-    EXPECT_EQ(toolTipAt(&list, at.route.center()),
-              plainToolTip(worst.sourcePath + u"  →  "_s + worst.destinationPath));
-    EXPECT_EQ(toolTipAt(&list, at.removeButton.center()),
-              plainToolTip(u"Remove this transfer from the queue"_s));
+    EXPECT_EQ(toolTipAt(&list, at.name.center()), worst.name);
+    EXPECT_TRUE(toolTipAt(&list, at.reason.center()).count(u"goes on and on"_s) == 10);
+    EXPECT_TRUE(
+        toolTipAt(&list, at.route.center()).endsWith(worst.sourcePath + u"  →  "_s + worst.destinationPath));
+    EXPECT_EQ(toolTipAt(&list, at.removeButton.center()), u"Remove this transfer from the queue"_s);
     (void)toolTipAt(&list, places(1).name.center());
-    EXPECT_TRUE(waitFor([] { return QToolTip::text().isEmpty(); })) << "it is all there";
+    EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it is all there";
 }
 
 TEST_F(QueueRowTests, dividersLieBetweenTheRows) {
@@ -385,6 +398,52 @@ TEST_F(QueueRowTests, aButtonIsPressedWhereTheMouseWentDownAndUp) {
     }
 }
 
+TEST_F(QueueRowTests, whatRunsStaysInSightUntilTheUserScrolls) {
+    QList<QueueItem> items;
+    for (int index = 0; index < 100; ++index)
+        items.append(queueItem({}));
+    showRows(items, QueueListView::heightOfRows(4));
+    list.clearFocus();
+    QScrollBar *bar = list.verticalScrollBar();
+    const auto areSeen = [&](const QList<int> &rows) {
+        return std::all_of(rows.begin(), rows.end(), [&](int index) {
+            return list.viewport()->rect().contains(list.visualRect(row(index)).adjusted(0, 0, 0, -1));
+        });
+    };
+    const auto scroll = [&](int lines) {
+        QWheelEvent wheel(QPointF(50, 50), list.viewport()->mapToGlobal(QPointF(50, 50)), {},
+                          {0, -120 * lines}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(list.viewport(), &wheel);
+    };
+    for (const QList<int> &rows :
+         {QList<int>{97, 99, 98}, {96, 97, 98}, {60, 61}, {5, 6, 7}, {80}, {0}, {96, 97, 98, 99}}) {
+        list.keepInSight(rows);
+        EXPECT_TRUE(areSeen(rows)) << rows.first();
+    }
+    const int seen = bar->value();
+    list.keepInSight({97, 98});
+    EXPECT_EQ(bar->value(), seen) << "what is in sight does not move";
+    list.keepInSight({10, 50, 98});
+    EXPECT_TRUE(areSeen({98})) << "one of those that do not all fit";
+
+    scroll(-10);
+    const int chosen = bar->value();
+    ASSERT_FALSE(areSeen({98}));
+    list.keepInSight({96, 97});
+    EXPECT_EQ(bar->value(), chosen) << "the user is reading";
+    scroll(20);
+    list.keepInSight({80});
+    EXPECT_TRUE(areSeen({80})) << "the user came back";
+    scroll(10);
+    list.keepInSight({});
+    list.keepInSight({3});
+    EXPECT_TRUE(areSeen({3})) << "the next time all is as at first";
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, places(3).removeButton.center());
+    list.keepInSight({50});
+    EXPECT_TRUE(areSeen({3})) << "nothing moves below a pressed button";
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, QPoint(0, 0));
+}
+
 // -- The panel
 
 class QueueTests : public WindowFixture {
@@ -414,7 +473,7 @@ protected:
 TEST_F(QueueTests, anEmptyQueueShowsTheHintAndNothingToClear) {
     showPanel();
     EXPECT_EQ(child<TextLabel>("queue.hint")->text(),
-              u"Select files and use → or ← to copy between Android and Mac."_s);
+              u"Select files and use → or ← to copy between Android and %1."_s.arg(thisComputer()));
     EXPECT_TRUE(child<TextLabel>("queue.hint")->isVisible());
     EXPECT_FALSE(child<TextLabel>("queue.note")->isVisible());
     EXPECT_FALSE(child<IconButton>("queue.clear")->isVisible());
@@ -438,21 +497,22 @@ TEST_F(QueueTests, theHeaderPausesAndResumesAndSaysHowFarAllIs) {
     state->transferAndroidToMac();
     auto *pause = child<IconButton>("queue.pause");
     auto *figures = child<TextLabel>("queue.figures");
-    ASSERT_TRUE(waitFor([&] { return pause->isVisible() && state->transferQueue().doneBytes() > 0; }));
+    ASSERT_TRUE(waitFor([&] { return pause->isVisible() && state->transfers().queue().doneBytes() > 0; }));
     QTest::mouseClick(pause, Qt::LeftButton);
+    auto *resume = child<IconButton>("queue.resume");
     ASSERT_TRUE(
-        waitFor([&] { return !state->isTransferring() && pause->accessibleName().startsWith(u"Resume"_s); }));
-    EXPECT_GT(state->transferQueue().pausedCount() + state->waitingCount(), 0);
+        waitFor([&] { return !state->isTransferring() && resume->isVisible() && !pause->isVisible(); }));
+    EXPECT_GT(state->transfers().queue().pausedCount() + state->waitingCount(), 0);
     EXPECT_TRUE(figures->text().contains(u"of 5 · "_s)) << figures->text().toStdString();
     phone.reset(u"bandwidth"_s);
-    QTest::mouseClick(pause, Qt::LeftButton);
-    auto *keepAll = child<IconButton>("queue.keepAll");
+    QTest::mouseClick(resume, Qt::LeftButton);
+    auto *keepAll = child<TextButton>("queue.keepAll");
     ASSERT_TRUE(
-        waitFor([&] { return !state->isTransferring() && keepAll->isVisible() && !pause->isVisible(); }));
+        waitFor([&] { return !state->isTransferring() && keepAll->isVisible() && !resume->isVisible(); }));
     QTest::mouseClick(keepAll, Qt::LeftButton);
     EXPECT_TRUE(
-        waitFor([&] { return state->transferQueue().completedCount() == 5 && !keepAll->isVisible(); }));
-    EXPECT_TRUE(waitFor([&] { return figures->text().startsWith(u"5 of 5 · 1.2 MB of 1.2 MB"_s); }))
+        waitFor([&] { return state->transfers().queue().completedCount() == 5 && !keepAll->isVisible(); }));
+    EXPECT_TRUE(waitFor([&] { return figures->text().startsWith(u"5 of 5 · 1.2 of 1.2 MB"_s); }))
         << figures->text().toStdString();
     EXPECT_TRUE(QFileInfo::exists(folder.filePath(u"e 2"_s)));
 }
@@ -464,9 +524,11 @@ TEST_F(QueueTests, everyRowOfALongQueueIsReached) {
     settle();
     ASSERT_EQ(state->queue().size(), count);
     EXPECT_EQ(panel->height(), 320);
-    EXPECT_TRUE(isInView(0));
+    EXPECT_TRUE(isInView(count - 1)) << "what runs";
 
     QScrollBar *bar = list->verticalScrollBar();
+    bar->triggerAction(QAbstractSlider::SliderToMinimum);
+    EXPECT_TRUE(isInView(0));
     EXPECT_EQ(bar->maximum(), QueueListView::heightOfRows(count) - list->height());
     bar->setValue(bar->maximum());
     EXPECT_TRUE(isInView(count - 1));
@@ -488,7 +550,7 @@ TEST_F(QueueTests, progressRepaintsOnlyTheRowsThatItConcerns) {
     // The last three run, the first two wait.
     PaintedRegion painted(list->viewport());
     const auto isPainted = [&](int index) { return painted.region.intersects(list->visualRect(row(index))); };
-    QSignalSpy reports(state->queueModel(), &QAbstractItemModel::dataChanged);
+    QSignalSpy reports(state->transfers().queueModel(), &QAbstractItemModel::dataChanged);
     ASSERT_TRUE(waitFor([&] { return reports.count() >= 6 && isPainted(4); }));
     if (state->waitingCount() == 2) {
         EXPECT_FALSE(isPainted(0) || isPainted(1));
@@ -511,8 +573,9 @@ TEST_F(QueueTests, anErrorOfTenLinesStaysOneLine) {
     ASSERT_GT(item.progressLabel().count(u'\n'), 8);
     EXPECT_EQ(panel->sizeHint().height(), panel->minimumSizeHint().height());
     EXPECT_EQ(list->visualRect(row(0)).height(), QueueRowGeometry::rowHeight() + 1);
-    EXPECT_EQ(toolTipAt(list, QueueRowGeometry(list->visualRect(row(0))).progress.center()),
-              plainToolTip(item.progressLabel()));
+    EXPECT_EQ(toolTipAt(list, QueueRowGeometry(list->visualRect(row(0))).reason.center())
+                  .count(u"something went wrong"_s),
+              10);
 }
 
 TEST_F(QueueTests, rowsAreRemovedByMouseAndByKeys) {
@@ -585,6 +648,7 @@ TEST_F(QueueTests, tabGoesThroughAllRowsAndScrolls) {
         QTest::keyClick(QApplication::focusWidget(), key);
         settle();
     };
+    list->verticalScrollBar()->triggerAction(QAbstractSlider::SliderToMinimum);
     clear->setFocus(Qt::TabFocusReason);
     for (int index = 0; index < 20; ++index) {
         press(Qt::Key_Tab);

@@ -1,6 +1,5 @@
 #include "support/Printers.h"
 
-#include "Records/AndroidSearchScope.h"
 #include "Records/FileItem.h"
 #include "Records/FileOrder.h"
 #include "Records/FileSizeFormat.h"

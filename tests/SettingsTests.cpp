@@ -70,6 +70,31 @@ TEST_F(SettingsTests, areReadAsTheyAreStored) {
     }
 }
 
+TEST_F(SettingsTests, theWindowsGeometryIsStoredOrCountsAsNotSet) {
+    const WindowGeometry left{QSize(1300, 800), QPoint(-40, 20), true};
+    {
+        Settings settings(path);
+        EXPECT_EQ(settings.windowGeometry(), WindowGeometry());
+        settings.setWindowGeometry(left);
+    }
+    EXPECT_EQ(contents(path), "windowPosition=-40,20\nwindowSize=1300x800\nwindowZoomed=true\n");
+    {
+        Settings settings(path);
+        EXPECT_EQ(settings.windowGeometry(), left);
+        settings.setWindowGeometry({.size = QSize(1100, 720)});
+        EXPECT_EQ(settings.windowGeometry().position, left.position) << "where the desktop does not tell";
+    }
+    for (const char *nonsense : {"", "1300", "1300x", "x800", "1300x800x2", "-1300x800", "0x0", "1300,800",
+                                 "1e3x800", "99999999999x800", "2000000x2", "a lot", "-2147483648x1"}) {
+        write(path,
+              QByteArray("windowSize=") + nonsense + "\nwindowPosition=" + nonsense + "\nwindowZoomed=1");
+        const WindowGeometry read = Settings(path).windowGeometry();
+        EXPECT_FALSE(read.size) << nonsense;
+        EXPECT_EQ(read.position.has_value(), QByteArray(nonsense) == "1300,800") << nonsense;
+        EXPECT_FALSE(read.isZoomed);
+    }
+}
+
 TEST_F(SettingsTests, damagedOnesAreSetAsideAndMayHaveSaidNo) {
     constexpr char binary[] = "\x89PNG\0\xff\xfe[]=%%\n]]";
     const QByteArray random = QByteArray(binary, sizeof binary).repeated(200);
@@ -222,6 +247,28 @@ TEST_F(SingleInstanceTests, aSecondStartRaisesTheFirst) {
     first.reset();
     SingleInstance next(directory.path(), QString());
     EXPECT_EQ(next.claim(), Role::first);
+}
+
+TEST_F(SingleInstanceTests, readsTheScreenAndTheTokenFromTheEnvironment) {
+    const char *names[] = {"WAYLAND_DISPLAY", "DISPLAY", "XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"};
+    QByteArray before[4];
+    for (int i = 0; i < 4; ++i)
+        before[i] = qgetenv(names[i]);
+    using Values = std::array<QByteArray, 4>;
+    for (const auto &[values, screen, token] :
+         {std::tuple(Values{"", "", "", ""}, u""_s, QByteArray()),
+          {Values{"wayland-1", ":0", "t", "id_TIME5"}, u"wayland-1"_s, "t"},
+          {Values{"", ":1", "", "id_TIME5"}, u":1"_s, "id_TIME5"},
+          {Values{"", ":1.0", "", ""}, u":1"_s, ""},
+          {Values{"", ":1.1", "", ""}, u":1.1"_s, ""},
+          {Values{"", "localhost:10.0", "", ""}, u"localhost:10"_s, ""}}) {
+        for (size_t i = 0; i < 4; ++i)
+            qputenv(names[i], values[i]);
+        EXPECT_EQ(SingleInstance::userScreen(), screen);
+        EXPECT_EQ(SingleInstance::activationToken(), token);
+    }
+    for (int i = 0; i < 4; ++i)
+        qputenv(names[i], before[i]);
 }
 
 TEST_F(SingleInstanceTests, takesOverAfterABadEnd) {

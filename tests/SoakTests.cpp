@@ -66,7 +66,8 @@ protected:
             if (m_isRestless && random.bounded(oneIn) == 0)
                 QTimer::singleShot(0, state.get(), [this] { doSomething(); });
         };
-        QObject::connect(state->queueModel(), &QAbstractItemModel::dataChanged, state.get(), onRow);
+        QObject::connect(state->transfers().queueModel(), &QAbstractItemModel::dataChanged, state.get(),
+                         onRow);
     }
     ~Soak() override {
         state.reset();

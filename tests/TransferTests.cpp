@@ -252,6 +252,69 @@ TEST_F(TransferTests, aFolderHasNoSizeAndASmallQueueIsTakenUpAgain) {
     EXPECT_TRUE(statuses().startsWith(u"Dir:1 already there"_s));
 }
 
+TEST_F(TransferTests, thePaneThatReceivesIsListedAgainWithoutASign) {
+    for (const char *name : {"kept", "other"}) {
+        phone.write(QString::fromLatin1(name), name);
+        write(here(QString::fromLatin1(name)), name);
+    }
+    phone.write(u"from phone"_s, "x");
+    write(here(u"another kept"_s), "y");
+    connectPhone();
+    browseHere();
+    browsePhone(u"/sdcard"_s);
+    int loadings = 0;
+    for (const auto signal : {&AppState::isLoadingMacChanged, &AppState::isLoadingAndroidChanged})
+        QObject::connect(state.get(), signal, state.get(), [&] { ++loadings; });
+    const auto selectedNames = [&](BrowserSide side) {
+        QStringList names;
+        for (const FileItem &item : state->pane(side).items()) {
+            if (state->pane(side).selectedIDs().contains(item.id))
+                names.append(item.name);
+        }
+        return names.join(u' ');
+    };
+
+    select(BrowserSide::android, u"from phone"_s);
+    state->transferAndroidToMac();
+    select(BrowserSide::mac, u"kept"_s);
+    ASSERT_TRUE(waitFor([&] { return namesOf(state->macItems()).contains(u"from phone"_s); }));
+    EXPECT_EQ(selectedNames(BrowserSide::mac), u"kept"_s);
+
+    state->clearSelection(BrowserSide::mac);
+    select(BrowserSide::mac, u"another kept"_s);
+    state->transferMacToAndroid();
+    state->setAndroidSearchText(u"kept"_s);
+    select(BrowserSide::android, u"kept"_s);
+    ASSERT_TRUE(waitFor([&] { return namesOf(state->androidItems()).contains(u"another kept"_s); }));
+    EXPECT_EQ(selectedNames(BrowserSide::android), u"kept"_s);
+    EXPECT_EQ(state->androidSearchText(), u"kept"_s);
+    EXPECT_EQ(namesOf(state->displayedAndroidItems()).join(u'|'), u"another kept|kept"_s);
+    EXPECT_EQ(loadings, 0) << "nobody has asked for it";
+    waitForQueue();
+
+    // A pane that shows another folder meanwhile is left alone.
+    state->setAndroidSearchText({});
+    write(here(u"third"_s), "z");
+    browseHere();
+    state->clearSelection(BrowserSide::mac);
+    select(BrowserSide::mac, u"third"_s);
+    phone.makeFolder(u"Elsewhere"_s);
+    phone.set(u"push.delay"_s, "0.3");
+    state->transferMacToAndroid();
+    browsePhone(u"/sdcard/Elsewhere"_s);
+    const auto listings = [&] {
+        qsizetype count = 0;
+        for (const QStringList &line : phone.commandLines())
+            count += line.contains(u"ls"_s) ? 1 : 0;
+        return count;
+    };
+    const qsizetype before = listings();
+    waitForQueue();
+    EXPECT_TRUE(waitFor([&] { return phone.exists(u"third"_s); }));
+    EXPECT_EQ(listings(), before);
+    EXPECT_TRUE(state->androidItems().isEmpty());
+}
+
 TEST(TransferQueueTests, keepsOrderCountsAndClaims) {
     const auto item = [](const char *name, qint64 bytes, const char *folder = "/in") {
         QueueItem made;

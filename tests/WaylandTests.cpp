@@ -5,6 +5,7 @@
 #include "support/FakeDesktop.h"
 
 #include "ADB/ADBClient.h"
+#include "App/Sheets/AboutView.h"
 #include "App/System/Settings.h"
 #include "App/Updates/Updater.h"
 #include "App/Window/MainWindow.h"
@@ -118,6 +119,39 @@ TEST_F(WaylandTests, yieldsToTheCompositorsSize) {
     EXPECT_TRUE(becomes([&] { return window->size() == window->screen()->size(); }));
     window->showNormal();
     EXPECT_TRUE(becomes([&] { return !window->isFullScreen() && !window->isMaximized(); }));
+}
+
+TEST_F(WaylandTests, opensZoomedAndReturnsToTheSizeItWasLeftWith) {
+    window.reset();
+    const QSize left(1000, 500);
+    settings.setWindowGeometry({.size = left, .position = QPoint(-300, 9000), .isZoomed = true});
+    window = std::make_unique<MainWindow>(desktop, settings, updater);
+    window->show();
+    EXPECT_TRUE(becomes([&] { return window->isFurnished() && window->isMaximized(); }));
+    zoomByButton();
+    const QSize fitted = left.expandedTo(window->minimumSize());
+    EXPECT_TRUE(becomes([&] { return !window->isMaximized() && window->size() == fitted; }))
+        << window->width() << " x " << window->height();
+    window->close();
+    EXPECT_EQ(settings.windowGeometry(),
+              (WindowGeometry{.size = fitted, .position = QPoint(-300, 9000), .isZoomed = false}))
+        << "only the compositor knows a place";
+}
+
+TEST_F(WaylandTests, sheetsArePartOfTheWindow) {
+    const qsizetype windows = QGuiApplication::topLevelWindows().size();
+    window->showAbout();
+    auto *about = window->findChild<AboutView *>();
+    const auto *card = about->findChild<QWidget *>(u"sheet.card"_s);
+    EXPECT_TRUE(becomes([&] { return card->y() > 0; }));
+    EXPECT_EQ(QGuiApplication::topLevelWindows().size(), windows);
+    zoomByButton();
+    EXPECT_TRUE(becomes([&] { return window->isMaximized() && about->width() == window->width(); }));
+    EXPECT_TRUE(about->rect().contains(card->geometry()));
+    const auto *close = about->findChild<QWidget *>(u"about.close"_s);
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},
+                      close->mapTo(window.get(), close->rect().center()));
+    EXPECT_TRUE(becomes([&] { return window->findChild<AboutView *>() == nullptr; }));
 }
 
 TEST_F(WaylandTests, resizesMinimisesAndComesBack) {

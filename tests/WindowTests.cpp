@@ -1,13 +1,11 @@
 // The main window and how it divides its room, on a demo phone.
 
 #include "support/Files.h"
-#include "support/WindowFixture.h"
+#include "support/MainWindowFixture.h"
+#include "support/Processes.h"
 
 #include "ADB/ADBClient.h"
-#include "App/System/Settings.h"
-#include "App/Updates/Updater.h"
 #include "App/Window/ContentView.h"
-#include "App/Window/MainWindow.h"
 #include "App/Window/ToolbarButton.h"
 #include "Kit/AppStyle.h"
 #include "Kit/TextLabel.h"
@@ -23,51 +21,95 @@ using namespace Qt::StringLiterals;
 
 using BrowserColumnTests = WindowFixture;
 
-TEST_F(BrowserColumnTests, thePanelGrowsUntilThePanesHaveTheirLeastHeight) {
+TEST_F(BrowserColumnTests, thePanelTakesTwoFifthsUntilItsEdgeIsDragged) {
     auto *browser = new QWidget;
     auto *queue = new TransferQueueView(state.get());
-    show(new BrowserColumn(browser, queue), {840, 640});
-    EXPECT_EQ(queue->geometry().bottom(), 640 - 8 - 1);
+    auto *column = show(new BrowserColumn(browser, queue), {840, 900});
+    auto *edge = child<QSplitterHandle>("queue.edge");
+    EXPECT_EQ(queue->geometry().bottom(), 900 - 8 - 1);
     EXPECT_EQ(queue->x(), 12);
     EXPECT_EQ(browser->geometry(), QRect(12, 12, 840 - 24, queue->y() - 24));
-    const auto *list = child<QueueListView>("queue.list");
-    const int roomForRows = 640 - 24 - 8 - BrowserColumn::browserMinimumHeight - 24 - 8;
+    EXPECT_FALSE(edge->isEnabled()) << "there is nothing to make higher";
+    const int room = 900 - 12 - 8 - 12;
+    const int most = room * 2 / 5;
     int previous = queue->height();
     for (const int count : {1, 3, 40}) {
         queueGhosts(count);
         ASSERT_TRUE(waitFor([&] { return state->queue().size() >= count; }));
         settle();
-        const bool fits = QueueListView::heightOfRows(state->queue().size()) <= roomForRows;
-        EXPECT_GT(queue->height(), previous);
-        EXPECT_GE(browser->height(), BrowserColumn::browserMinimumHeight);
-        EXPECT_EQ(list->verticalScrollBar()->maximum() == 0, fits) << count;
+        EXPECT_GT(queue->height(), previous) << count;
+        EXPECT_EQ(queue->height(), std::min(queue->sizeHint().height(), most));
         previous = queue->height();
     }
+    EXPECT_EQ(queue->height(), most);
+    EXPECT_EQ(view->size(), QSize(840, 900));
+
+    QSignalSpy chosen(column, &BrowserColumn::queueLimitChosen);
+    const auto drag = [&](int by) {
+        const QPoint from = edge->rect().center();
+        QTest::mousePress(edge, Qt::LeftButton, {}, from);
+        QTest::mouseMove(edge, from + QPoint(0, by / 2));
+        QTest::mouseMove(edge, from + QPoint(0, by - by / 2));
+        QTest::mouseRelease(edge, Qt::LeftButton, {}, edge->rect().center());
+        settle();
+    };
+    drag(-100);
+    EXPECT_EQ(queue->height(), most + 100);
+    EXPECT_EQ(column->queueLimit(), most + 100);
+    EXPECT_EQ(chosen.count(), 1) << "once, not for every step of it";
+    drag(-2000);
     EXPECT_EQ(browser->height(), BrowserColumn::browserMinimumHeight);
-    EXPECT_EQ(view->size(), QSize(840, 640));
+    drag(2000);
+    EXPECT_EQ(queue->height(), queue->minimumSizeHint().height());
+    edge->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(edge, Qt::Key_Up);
+    EXPECT_EQ(queue->height(), queue->minimumSizeHint().height() + 24);
+    QTest::keyClick(edge, Qt::Key_Down);
+    EXPECT_EQ(queue->height(), queue->minimumSizeHint().height());
+    EXPECT_EQ(accessible(edge)->role(), QAccessible::Splitter);
+    EXPECT_FALSE(accessible(edge)->text(QAccessible::Name).isEmpty());
+    QTest::mouseDClick(edge, Qt::LeftButton);
+    settle();
+    EXPECT_EQ(queue->height(), most);
+    EXPECT_FALSE(column->queueLimit());
+    view->resize(840, 640);
+    settle();
+    EXPECT_EQ(queue->height(), (640 - 32) * 2 / 5);
+    EXPECT_GE(browser->height(), BrowserColumn::browserMinimumHeight);
 }
 
-class MainWindowTests : public WindowFixture {
-protected:
-    [[nodiscard]] QString settingsPath() const { return mac.filePath(u"settings.ini"_s); }
-    MainWindow *showWindow() {
-        settings.emplace(settingsPath());
-        auto *window = new MainWindow(desktop, *settings, updater);
-        view.reset(window);
-        window->show();
-        EXPECT_TRUE(waitFor([&] { return window->isFurnished(); }));
+TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
+    const QString path = mac.filePath(u"settings.ini"_s);
+    {
+        Settings settings(path);
+        auto *content = show(new ContentView(state.get(), settings), {1100, 800});
+        queueGhosts(40);
         settle();
-        return window;
+        auto *edge = content->findChild<QSplitterHandle *>(u"queue.edge"_s);
+        edge->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(edge, Qt::Key_Down);
     }
+    const int chosen = child<TransferQueueView>("queue")->height();
+    view.reset();
+    Settings settings(path);
+    EXPECT_EQ(settings.queueHeight(), chosen);
+    show(new ContentView(state.get(), settings), {1100, 800});
+    settle();
+    EXPECT_EQ(child<TransferQueueView>("queue")->height(), chosen);
+    for (const char *nonsense : {"-5", "x", "999999999", ""}) {
+        write(path, "queueHeight=" + QByteArray(nonsense));
+        EXPECT_FALSE(Settings(path).queueHeight()) << nonsense;
+    }
+}
+
+class MainWindowTests : public MainWindowFixture {
+protected:
     [[nodiscard]] qsizetype looks() const {
         qsizetype count = 0;
         for (const QStringList &line : phone.commandLines())
             count += line == QStringList{u"devices"_s};
         return count;
     }
-
-    Updater updater{Updater::Configuration{}};
-    std::optional<Settings> settings;
 };
 
 TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
@@ -86,6 +128,43 @@ TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
     // The content does not ask for more than the window gives: at its least size nothing is cut off.
     EXPECT_LE(window->minimumSizeHint().width(), 1100);
     EXPECT_LE(window->minimumSizeHint().height(), 720);
+}
+
+TEST_F(MainWindowTests, opensAsItWasLeft) {
+    const auto closed = [&] {
+        view->close();
+        view.reset();
+        EXPECT_TRUE(settings->save());
+        return contents(settingsPath());
+    };
+    showWindow();
+    EXPECT_EQ(closed(), "(missing)") << "nobody has changed anything";
+
+    showWindow()->setGeometry(150, 90, 1200, 760);
+    settle();
+    EXPECT_EQ(closed(), "windowPosition=150,90\nwindowSize=1200x760\nwindowZoomed=false\n");
+    EXPECT_EQ(showWindow()->geometry(), QRect(150, 90, 1200, 760));
+    view->showMaximized();
+    settle();
+    closed();
+    MainWindow *window = showWindow();
+    EXPECT_TRUE(window->isMaximized());
+    child<QAbstractButton>("window.zoom")->click();
+    settle();
+    EXPECT_EQ(window->geometry(), QRect(150, 90, 1200, 760));
+
+    // A screen that is gone, and what nobody can have meant; it stays as it is stored until the user chooses.
+    for (const auto &[stored, expected] :
+         {std::pair(QByteArray("windowPosition=50000,60\nwindowSize=1200x760\n"), QSize(1200, 760)),
+          {"windowPosition=50,60\nwindowSize=90000x90000\n", window->screen()->availableSize()},
+          {"windowPosition=50,60\nwindowSize=3x2\n", MainWindow::minimum},
+          {"windowPosition=here\nwindowSize=large\n", MainWindow::standard}}) {
+        write(settingsPath(), stored);
+        window = showWindow();
+        EXPECT_EQ(window->size(), expected) << stored.toStdString();
+        EXPECT_TRUE(window->screen()->availableGeometry().contains(window->geometry()));
+        EXPECT_EQ(closed(), stored);
+    }
 }
 
 TEST_F(MainWindowTests, isThereBeforeItIsFurnishedAndLooksForThePhoneLast) {
@@ -147,6 +226,23 @@ TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {
     }
 }
 
+TEST_F(MainWindowTests, followsTheDesktopsSchemeUntilTheUserChooses) {
+    MainWindow *window = showWindow();
+    for (const ColorScheme preferred : {ColorScheme::dark, ColorScheme::light, ColorScheme::dark}) {
+        window->followDesktop(preferred);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(AppTheme::scheme(), preferred);
+        EXPECT_EQ(child<ToolbarButton>("toolbar.appearance")->text() == u"Light"_s,
+                  preferred == ColorScheme::dark);
+    }
+    QTest::mouseClick(child<ToolbarButton>("toolbar.appearance"), Qt::LeftButton);
+    window->followDesktop(ColorScheme::dark);
+    EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "the user has chosen";
+    view.reset();
+    showWindow()->followDesktop(ColorScheme::dark);
+    EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "at the next start too";
+}
+
 TEST_F(MainWindowTests, aNewSchemeRecoloursEveryGround) {
     MainWindow *window = showWindow();
     for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {
@@ -164,45 +260,28 @@ TEST_F(MainWindowTests, aNewSchemeRecoloursEveryGround) {
     }
 }
 
-TEST_F(MainWindowTests, looksForThePhoneAsLongAsItIsOpen) {
+TEST_F(MainWindowTests, followsThePhoneAsLongAsItIsOpen) {
     phone.unplug();
     MainWindow *window = showWindow();
-    auto *poll = child<QTimer>("devicePoll");
-    EXPECT_EQ(poll->intervalAsDuration(), std::chrono::seconds(3));
-    ASSERT_TRUE(waitFor([&] { return poll->isActive(); }));
+    const auto trackers = [] {
+        const auto children = processes::children();
+        return std::count_if(children.begin(), children.end(), [](const processes::Child &one) {
+            return one.commandLine.contains("track-devices");
+        });
+    };
+    ASSERT_TRUE(waitFor([&] { return trackers() == 1; }));
     EXPECT_FALSE(window->state().macItems().isEmpty() && window->state().macBrowseError())
         << "the computer's folder came first";
-    EXPECT_EQ(looks(), 1);
 
     // Everything is found without a click, and without a sign of the search.
-    poll->start(1);
-    QSignalSpy spinner(&window->state(), &AppState::isRefreshingDeviceChanged);
+    const QSignalSpy spinner(&window->state(), &AppState::isRefreshingDeviceChanged);
     phone.plug();
-    ASSERT_TRUE(waitFor([&] { return window->state().device().isConnected && poll->isActive(); }));
+    ASSERT_TRUE(waitFor([&] { return window->state().device().isConnected; }));
     EXPECT_EQ(spinner.count(), 0);
+    EXPECT_EQ(looks(), 1) << "at the start, and never again";
 
-    // A slow phone is not asked again before it has answered.
-    phone.set(u"devices.hang"_s, "on");
-    const qsizetype before = looks();
-    ASSERT_TRUE(waitFor([&] { return looks() == before + 1; }));
-    EXPECT_FALSE(poll->isActive());
-    phone.reset(u"devices.hang"_s);
-    ASSERT_TRUE(waitFor([&] { return poll->isActive(); }));
-
-    // A look that is under way when the window closes is the last one.
-    phone.set(u"devices.hang"_s, "on");
-    const qsizetype last = looks() + 1;
-    ASSERT_TRUE(waitFor([&] { return looks() == last; }));
     window->close();
-    QSignalSpy answered(&window->state(), &AppState::deviceChanged);
-    phone.unplug();
-    phone.reset(u"devices.hang"_s);
-    ASSERT_TRUE(waitFor([&] { return answered.count() == 1; }));
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(poll->isActive());
-    view.reset();
-    Background::stop(&ADBClient::stopRunningTools);
-    EXPECT_EQ(looks(), last);
+    EXPECT_EQ(trackers(), 0);
 }
 
 TEST_F(MainWindowTests, isDestroyedWhileEverythingIsUnderWay) {

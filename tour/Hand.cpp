@@ -45,6 +45,12 @@ void Hand::clickAt(QWidget *control, QPoint position, Click click) const {
     rest();
 }
 
+void Hand::pointAt(const QString &name, const QString &within) const {
+    QWidget *target = control(name, within);
+    QTest::mouseMove(target, target->rect().center());
+    rest();
+}
+
 void Hand::click(const QString &name, const QString &within) const {
     QWidget *target = control(name, within);
     if (!QTest::qWaitFor([target] { return target->isEnabled(); }))

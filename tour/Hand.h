@@ -28,6 +28,8 @@ public:
 
     /// The visible control of that name, inside the one named `within` when that is given.
     [[nodiscard]] QWidget *control(const QString &name, const QString &within = {}) const;
+    /// Moves the mouse there and lets it lie.
+    void pointAt(const QString &name, const QString &within = {}) const;
     void click(const QString &name, const QString &within = {}) const;
     void type(const QString &name, const QString &text) const;
     void press(QWidget *control, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const;

@@ -4,6 +4,7 @@
 #include "TourPhone.h"
 
 #include "App/Window/MainWindow.h"
+#include "Kit/ToolTips.h"
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Views/FileItemsView.h"
@@ -55,13 +56,15 @@ void Tour::watchRows() {
         std::printf("      %-5s %-28s %s\n", qPrintable(item.percentLabel()), qPrintable(item.name),
                     qPrintable(item.progressLabel()));
     };
-    QObject::connect(state().queueModel(), &QAbstractItemModel::dataChanged, &m_window, onRow);
+    QObject::connect(state().transfers().queueModel(), &QAbstractItemModel::dataChanged, &m_window, onRow);
 }
 
 void Tour::take() {
     watchRows();
     startWithoutPhone();
     connectPhone();
+    readToolTip();
+    showAbout();
     selectFiles();
     watchCopy();
     finishCopies();
@@ -98,6 +101,20 @@ void Tour::connectPhone() {
          QStringLiteral("%1 (%2), %3 of %4 used, %5 entries")
              .arg(device.name, device.id, formatFileSize(device.usedBytes), formatFileSize(device.totalBytes),
                   QString::number(state().androidItems().size())));
+}
+
+void Tour::readToolTip() {
+    m_hand.pointAt(QStringLiteral("transferToMac"));
+    m_hand.waitUntil(QStringLiteral("the tool tip"), [] { return !ToolTips::text().isEmpty(); });
+    tell(QStringLiteral("tool-tip"), ToolTips::text());
+}
+
+void Tour::showAbout() {
+    m_hand.click(QStringLiteral("toolbar.about"));
+    const QWidget *card = m_hand.control(QStringLiteral("sheet.card"));
+    m_hand.waitUntil(QStringLiteral("the end of its slide"), [&] { return card->y() > 0; });
+    tell(QStringLiteral("about"), QStringLiteral("the About sheet is open"));
+    m_hand.click(QStringLiteral("about.close"));
 }
 
 void Tour::openPhoneFolder(const QStringList &way) {

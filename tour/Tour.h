@@ -29,6 +29,8 @@ public:
 private:
     void startWithoutPhone();
     void connectPhone();
+    void readToolTip();
+    void showAbout();
     void selectFiles();
     void watchCopy();
     void finishCopies();

@@ -77,6 +77,8 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
         QtDesktop desktop(&askForText);
         MainWindow window(desktop, settings, updater);
         desktop.setWindow(&window);
+        if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
+            window.resize(MainWindow::standard); // its screen is smaller than any that people have
         window.show();
         if (!QTest::qWaitFor([&window] { return window.isFurnished(); }))
             throw TourError(QStringLiteral("the window does not appear"));
@@ -106,7 +108,7 @@ int main(int argc, char **argv) {
     // Nothing of the user's own is touched: settings, caches and the home folder are the tour's.
     const QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/vantrel-XXXXXX"));
     qputenv("HOME", QFile::encodeName(folder.filePath(QStringLiteral("sam"))));
-    for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+    for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
         qputenv(variable, QFile::encodeName(folder.filePath(QStringLiteral("xdg"))));
 #ifdef Q_OS_LINUX
     if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&

@@ -3,6 +3,7 @@
 #include "ADB/ADBError.h"
 #include "Records/AndroidDevice.h"
 #include "Records/FileItem.h"
+#include "Records/ListedPhone.h"
 
 #include <QHash>
 #include <QList>
@@ -10,6 +11,7 @@
 #include <QSet>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -35,6 +37,24 @@ namespace vantrel::ADBClient {
                                             const QProcessEnvironment &environment);
 /// Runs adb with these arguments.
 [[nodiscard]] ADBResult<QString> runADB(const QStringList &arguments);
+
+/// All that a tool which ran to its end left behind.
+struct ToolAnswer {
+    QByteArray output; ///< of standard output, unchanged
+    QByteArray errors; ///< of standard error, unchanged
+    int exitStatus = 0;
+    bool succeeded = false;
+    /// Why it did not succeed, in the tool's words.
+    [[nodiscard]] ADBError error() const;
+};
+/// Runs adb with a question that somebody waits for. A tool that is silent for as long as the phone's
+/// patience is killed, and the phone does not answer.
+[[nodiscard]] ADBResult<ToolAnswer> askADB(const QStringList &arguments);
+/// The same for its standard output as text, where anything but success is an error.
+[[nodiscard]] ADBResult<QString> askADBForText(const QStringList &arguments);
+/// How long askADB() bears silence: 15 s unless set. Any thread.
+[[nodiscard]] std::chrono::milliseconds patience();
+void setPatience(std::chrono::milliseconds patience);
 /// Ends every tool that is running at this moment, on whatever thread; its operation fails within a fraction
 /// of a second. For quitting: nothing may be left running. Operations that start later are not touched.
 void stopRunningTools();
@@ -43,8 +63,25 @@ void stopRunningTools();
 
 /// The serials of the phones that are ready, in adb's order.
 [[nodiscard]] ADBResult<QStringList> listDeviceSerials();
-/// The first phone that is ready, with its model name and storage. Its total is -1 when only its bytes
-/// cannot be read; a phone that answers neither question is an error.
+/// The serial of the one to show: the preferred one while it is ready, else the first that is; null when none
+/// is.
+[[nodiscard]] QString chosenPhone(const QList<ListedPhone> &phones, const QString &preferred);
+/// A phone with its model name and storage. Its total is -1 when only its bytes cannot be read; a phone that
+/// answers neither question is an error.
+[[nodiscard]] ADBResult<AndroidDevice> fetchDevice(const QString &serial);
+/// A phone's model name; may be empty.
+[[nodiscard]] ADBResult<QString> fetchModel(const QString &serial);
+/// All phones that adb knows, ready or not, in its order and without their models; and the chosen one of them
+/// or why there is none.
+struct PhoneLook {
+    QList<ListedPhone> phones;
+    ADBResult<AndroidDevice> phone;
+    PhoneTrouble trouble = PhoneTrouble::none;
+};
+[[nodiscard]] PhoneLook lookForPhones(const QString &preferred);
+/// What an error of asking a phone that is ready means for showing it.
+[[nodiscard]] PhoneTrouble troubleOf(const ADBError &error);
+/// The first phone that is ready.
 [[nodiscard]] ADBResult<AndroidDevice> fetchPrimaryDevice();
 
 /// Bytes of a volume.
@@ -61,8 +98,12 @@ struct StorageBytes {
 /// The canonical form of a phone path: "/sdcard" for nothing, no trailing slash but for "/". Blanks around it
 /// go, unless it begins with "/": then those at its end belong to a name.
 [[nodiscard]] QString normalizePath(const QString &path);
-/// The visible entries of a folder, folders first. Fails with the phone's own words.
-[[nodiscard]] ADBResult<QList<FileItem>> listDirectory(const QString &serial, const QString &path);
+/// The visible entries of a folder, folders first, every name as it is.
+struct Listing : QList<FileItem> {
+    qsizetype unreadableCount = 0; ///< entries that the phone could tell nothing of
+};
+/// Lists a folder. Fails with the phone's own words when nothing of it can be read.
+[[nodiscard]] ADBResult<Listing> listDirectory(const QString &serial, const QString &path);
 
 // -- Search (ADBSearch.cpp)
 
@@ -91,7 +132,7 @@ using TransferProgress = std::function<void(double fraction, qint64 transferredB
 
 /// Runs an adb push or pull to its end. `expectedBytes` is 0 when unknown. `localPathForSizePolling`, when
 /// given, is the destination of a pull, whose growth is a source of progress. Removes nothing, whatever
-/// happens.
+/// happens. A copy of which nothing is heard for as long as askADB() bears silence is ended.
 [[nodiscard]] ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
                                           const std::optional<QString> &localPathForSizePolling,
                                           const TransferProgress &onProgress);

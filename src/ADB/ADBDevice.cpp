@@ -5,21 +5,71 @@
 
 namespace vantrel::ADBClient {
 
+namespace {
+
+ADBResult<QString> askShell(const QString &serial, const QString &command, const QString &argument) {
+    return askADBForText({QStringLiteral("-s"), serial, QStringLiteral("shell"), command, argument});
+}
+
+bool isSilent(const ADBError &error) {
+    return error.kind() == ADBError::Kind::noAnswer;
+}
+
+} // namespace
+
+PhoneTrouble troubleOf(const ADBError &error) {
+    switch (error.kind()) {
+    case ADBError::Kind::adbNotFound:
+        return PhoneTrouble::toolMissing;
+    case ADBError::Kind::noAnswer:
+        return PhoneTrouble::noAnswer;
+    default:
+        return PhoneTrouble::other;
+    }
+}
+
 ADBResult<QStringList> listDeviceSerials() {
-    return runADB({QStringLiteral("devices")}).map(parseDeviceList);
+    return askADBForText({QStringLiteral("devices")}).map(parseDeviceList);
+}
+
+QString chosenPhone(const QList<ListedPhone> &phones, const QString &preferred) {
+    QString chosen;
+    for (const ListedPhone &phone : phones) {
+        if (phone.isReady() && (chosen.isNull() || phone.serial == preferred))
+            chosen = phone.serial;
+    }
+    return chosen;
+}
+
+PhoneLook lookForPhones(const QString &preferred) {
+    const auto answer = askADB({QStringLiteral("devices")});
+    if (!answer)
+        return {{}, tl::make_unexpected(answer.error()), troubleOf(answer.error())};
+    const PhoneTrouble ofServer = troubleOf(answer->errors);
+    if (!answer->succeeded)
+        return {{}, tl::make_unexpected(answer->error()), ofServer};
+    const auto phones = parsePhones(ToolText::decode(answer->output));
+    const QString serial = chosenPhone(phones, preferred);
+    if (serial.isNull()) // a server that was just restarted has not found the phones yet
+        return {phones, tl::make_unexpected(ADBError::noDevice()),
+                ofServer == PhoneTrouble::other ? troubleOf(phones) : ofServer};
+    const auto phone = fetchDevice(serial);
+    return {phones, phone, phone ? PhoneTrouble::none : troubleOf(phone.error())};
 }
 
 ADBResult<AndroidDevice> fetchPrimaryDevice() {
-    const auto serials = listDeviceSerials();
-    if (!serials)
-        return tl::make_unexpected(serials.error());
-    if (serials->isEmpty())
-        return tl::make_unexpected(ADBError::noDevice());
-    const QString &serial = serials->first();
+    return lookForPhones({}).phone;
+}
 
-    const auto model = runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"),
-                               QStringLiteral("getprop"), QStringLiteral("ro.product.model")})
-                           .map(ToolText::trimmed);
+ADBResult<QString> fetchModel(const QString &serial) {
+    return askShell(serial, QStringLiteral("getprop"), QStringLiteral("ro.product.model"))
+        .map(ToolText::trimmed);
+}
+
+ADBResult<AndroidDevice> fetchDevice(const QString &serial) {
+    const auto model = fetchModel(serial);
+    if (!model && isSilent(model.error())) // it would keep silent to the next question, too
+        return tl::make_unexpected(model.error());
     const auto bytes = fetchStorageBytes(serial);
     if (!model && !bytes) // nothing that is asked of it is answered
         return tl::make_unexpected(bytes.error());
@@ -30,10 +80,8 @@ ADBResult<AndroidDevice> fetchPrimaryDevice() {
 
 ADBResult<StorageBytes> fetchStorageBytes(const QString &serial) {
     for (const QString &path : {QStringLiteral("/sdcard"), QStringLiteral("/data")}) {
-        auto bytes =
-            runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"), QStringLiteral("df"), path})
-                .and_then(parseDF);
-        if (bytes)
+        auto bytes = askShell(serial, QStringLiteral("df"), path).and_then(parseDF);
+        if (bytes || isSilent(bytes.error()))
             return bytes;
     }
     return tl::make_unexpected(ADBError::parseFailed(QStringLiteral("Could not read device storage (df).")));

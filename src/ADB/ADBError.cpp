@@ -8,6 +8,8 @@ QString ADBError::errorDescription() const {
         return QStringLiteral("Vantrel’s Android tools are missing. Please reinstall the app.");
     case Kind::noDevice:
         return QStringLiteral("No Android device connected. Plug in your phone and turn on USB debugging.");
+    case Kind::noAnswer:
+        return QStringLiteral("The phone does not answer.");
     case Kind::executionFailed:
     case Kind::parseFailed:
         break;

@@ -14,6 +14,7 @@ public:
         parseFailed,     ///< a tool's output made no sense; carries the text
         adbNotFound,     ///< there is no usable adb
         noDevice,        ///< no phone is ready
+        noAnswer,        ///< nothing came for as long as an answer is waited for
     };
 
     [[nodiscard]] static ADBError executionFailed(const QString &message) {
@@ -22,6 +23,7 @@ public:
     [[nodiscard]] static ADBError parseFailed(const QString &message) { return {Kind::parseFailed, message}; }
     [[nodiscard]] static ADBError adbNotFound() { return {Kind::adbNotFound, {}}; }
     [[nodiscard]] static ADBError noDevice() { return {Kind::noDevice, {}}; }
+    [[nodiscard]] static ADBError noAnswer() { return {Kind::noAnswer, {}}; }
 
     [[nodiscard]] Kind kind() const { return m_kind; }
     /// The user-facing description.

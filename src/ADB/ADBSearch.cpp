@@ -2,6 +2,7 @@
 
 #include "ADB/AndroidPath.h"
 #include "ADB/SearchText.h"
+#include "ADB/ToolText.h"
 #include "Records/FileOrder.h"
 #include "Records/Identity.h"
 #include "Records/TextLength.h"
@@ -10,8 +11,8 @@ namespace vantrel::ADBClient {
 
 namespace {
 
-ADBResult<QString> runShellText(const QString &serial, const QString &command) {
-    return runADB({QStringLiteral("-s"), serial, QStringLiteral("shell"), command});
+ADBResult<QString> askShellForText(const QString &serial, const QString &command) {
+    return askADBForText({QStringLiteral("-s"), serial, QStringLiteral("shell"), command});
 }
 
 /// Paths that are asked for with one run of adb.
@@ -50,21 +51,26 @@ ADBResult<QList<FileItem>> search(const QString &serial, const QString &root, co
         return QList<FileItem>();
 
     const QString folder = normalizePath(root);
-    const auto found =
-        runShellText(serial, QStringLiteral("find -L '") % folder % QStringLiteral("' -iname '*") %
-                                 sanitized % QStringLiteral("*' 2>/dev/null | head -n ") %
-                                 QString::number(limit) % QStringLiteral("; true"));
-    if (!found)
-        return tl::make_unexpected(found.error());
+    const auto answer = askADB({QStringLiteral("-s"), serial, QStringLiteral("shell"),
+                                QStringLiteral("find -L '") % folder % QStringLiteral("' -iname '*") %
+                                    sanitized % QStringLiteral("*' 2>/dev/null | head -n ") %
+                                    QString::number(limit) % QStringLiteral("; true")});
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    if (!answer->succeeded)
+        return tl::make_unexpected(answer->error());
 
-    const QStringList paths = parseFoundPaths(*found, folder, limit);
+    const auto [text, isExact] = ToolText::decodeLeniently(answer->output);
+    const QStringList paths = parseFoundPaths(text, folder, limit);
     const auto metadata = fetchSearchMetadata(serial, paths);
     QList<FileItem> items;
     items.reserve(paths.size());
     for (const QString &path : paths) {
-        const SearchMetadata facts = metadata.value(path);
+        const bool isPathExact = isExact || !path.contains(QChar(QChar::ReplacementCharacter));
+        const SearchMetadata facts = isPathExact ? metadata.value(path) : SearchMetadata();
         items.append({newIdentity(), AndroidPath::lastComponent(path), path, facts.isDirectory,
-                      facts.isDirectory ? std::nullopt : facts.sizeBytes, std::nullopt, facts.modifiedAt});
+                      facts.isDirectory ? std::nullopt : facts.sizeBytes, std::nullopt, facts.modifiedAt,
+                      isPathExact});
     }
     sortInFileOrder(items);
     return items;
@@ -73,8 +79,9 @@ ADBResult<QList<FileItem>> search(const QString &serial, const QString &root, co
 QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial, const QStringList &paths) {
     QHash<QString, SearchMetadata> metadata;
     for (const Question &question : questionsFor(paths)) {
-        const auto answer = runShellText(serial, QStringLiteral("stat -c '%n|%F|%s|%Y' ") % question.quoted %
-                                                     QStringLiteral(" 2>/dev/null; true"));
+        const auto answer =
+            askShellForText(serial, QStringLiteral("stat -c '%n|%F|%s|%Y' ") % question.quoted %
+                                        QStringLiteral(" 2>/dev/null; true"));
         if (answer)
             metadata.insert(parseSearchMetadata(*answer, question.paths));
     }

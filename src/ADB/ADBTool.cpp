@@ -5,12 +5,17 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QStandardPaths>
+
+#include <atomic>
 
 namespace vantrel::ADBClient {
 
 namespace {
+
+std::atomic<std::chrono::milliseconds> currentPatience{std::chrono::seconds(15)};
 
 bool isExecutableFile(const QString &path) {
     const QFileInfo info(path);
@@ -42,6 +47,46 @@ QStringList resourceDirectories() {
     directories.append(QStringLiteral(VANTREL_DEVELOPMENT_RESOURCES));
 #endif
     return directories;
+}
+
+/// Runs a program until it ends, or until it has been silent for as long as it may.
+ADBResult<ToolAnswer> runToItsEnd(const QString &executable, const QStringList &arguments,
+                                  const QProcessEnvironment &environment,
+                                  std::optional<std::chrono::milliseconds> longestSilence) {
+    constexpr qsizetype largestOutput = 64'000'000;
+    ToolRun run(executable, arguments, environment);
+    if (const auto started = run.start(); !started)
+        return tl::make_unexpected(started.error());
+
+    ToolAnswer answer;
+    QElapsedTimer silence;
+    silence.start();
+    bool isRunning = true;
+    while (isRunning) {
+        isRunning = run.isRunningAfter(std::chrono::milliseconds(120));
+        const QByteArray output = run.takeStandardOutput();
+        const QByteArray errors = run.takeStandardError();
+        answer.output += output;
+        answer.errors += errors;
+        if (answer.output.size() + answer.errors.size() > largestOutput)
+            return tl::make_unexpected(ADBError::executionFailed(
+                QStringLiteral("The phone’s answer was longer than 64 MB and was not read to its end.")));
+        if (!output.isEmpty() || !errors.isEmpty())
+            silence.start();
+        else if (isRunning && longestSilence && silence.hasExpired(longestSilence->count()))
+            return tl::make_unexpected(ADBError::noAnswer()); // the run takes its process with it
+    }
+    if (run.wasStopped())
+        return tl::make_unexpected(ADBError::executionFailed(QStringLiteral("adb was stopped.")));
+    answer.exitStatus = run.exitStatus();
+    answer.succeeded = run.succeeded();
+    return answer;
+}
+
+ADBResult<QString> textOf(const ToolAnswer &answer) {
+    if (!answer.succeeded)
+        return tl::make_unexpected(answer.error());
+    return ToolText::decode(answer.output);
 }
 
 } // namespace
@@ -78,32 +123,15 @@ QProcessEnvironment augmentedEnvironment() {
     return environment;
 }
 
+ADBError ToolAnswer::error() const {
+    const QString message = ToolText::reason(ToolText::decode(errors)).text;
+    return ADBError::executionFailed(
+        message.isEmpty() ? QStringLiteral("adb exited with ") + QString::number(exitStatus) : message);
+}
+
 ADBResult<QString> runProcess(const QString &executable, const QStringList &arguments,
                               const QProcessEnvironment &environment) {
-    constexpr qsizetype largestOutput = 64'000'000;
-    ToolRun run(executable, arguments, environment);
-    if (const auto started = run.start(); !started)
-        return tl::make_unexpected(started.error());
-
-    QByteArray output;
-    QByteArray errors;
-    bool isRunning = true;
-    while (isRunning) {
-        isRunning = run.isRunningAfter(std::chrono::milliseconds(120));
-        output += run.takeStandardOutput();
-        errors += run.takeStandardError();
-        if (output.size() + errors.size() > largestOutput)
-            return tl::make_unexpected(ADBError::executionFailed(
-                QStringLiteral("The phone’s answer was longer than 64 MB and was not read to its end.")));
-    }
-    if (run.wasStopped())
-        return tl::make_unexpected(ADBError::executionFailed(QStringLiteral("adb was stopped.")));
-    if (run.succeeded())
-        return ToolText::decode(output);
-    const QString message = ToolText::reason(ToolText::decode(errors)).text;
-    return tl::make_unexpected(ADBError::executionFailed(
-        message.isEmpty() ? QStringLiteral("adb exited with ") + QString::number(run.exitStatus())
-                          : message));
+    return runToItsEnd(executable, arguments, environment, std::nullopt).and_then(textOf);
 }
 
 ADBResult<QString> runADB(const QStringList &arguments) {
@@ -111,6 +139,25 @@ ADBResult<QString> runADB(const QStringList &arguments) {
     if (!tool)
         return tl::make_unexpected(ADBError::adbNotFound());
     return runProcess(*tool, arguments, augmentedEnvironment());
+}
+
+ADBResult<ToolAnswer> askADB(const QStringList &arguments) {
+    const auto tool = resolveADBPath();
+    if (!tool)
+        return tl::make_unexpected(ADBError::adbNotFound());
+    return runToItsEnd(*tool, arguments, augmentedEnvironment(), patience());
+}
+
+ADBResult<QString> askADBForText(const QStringList &arguments) {
+    return askADB(arguments).and_then(textOf);
+}
+
+std::chrono::milliseconds patience() {
+    return currentPatience;
+}
+
+void setPatience(std::chrono::milliseconds patience) {
+    currentPatience = patience;
 }
 
 void stopRunningTools() {

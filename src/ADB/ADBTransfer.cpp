@@ -7,9 +7,11 @@
 #include "Records/TransferFormat.h"
 
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <mutex>
 
@@ -126,7 +128,9 @@ ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
     run.useTerminal(terminal);
     if (auto started = run.start(); !started)
         return started;
+    std::atomic<bool> isHeard{false}; // on any of the three ways in which a copy shows
     terminal.startReading([&](const QByteArray &bytes) {
+        isHeard = true;
         if (const auto percent = output.feed(bytes))
             progress.reportPercent(*percent);
     });
@@ -135,18 +139,29 @@ ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
         const QByteArray bytes = run.takeStandardError();
         if (bytes.isEmpty())
             return;
+        isHeard = true;
         errors.append(bytes);
         if (const auto percent = parseProgressPercent(errors.text()))
             progress.reportPercent(*percent);
     };
     run.onStandardError(readErrors);
+    QElapsedTimer silence;
+    silence.start();
+    bool isSilent = false;
     do {
+        if (isHeard.exchange(false))
+            silence.start();
+        isSilent = silence.hasExpired(patience().count());
+        if (isSilent)
+            run.kill();
         if (localPathForSizePolling && expectedBytes > 0)
             progress.reportBytes(allocatedByteCount(*localPathForSizePolling));
     } while (run.isRunningAfter(pollingInterval));
     readErrors();
     terminal.finishReading();
 
+    if (isSilent)
+        return tl::make_unexpected(ADBError::noAnswer());
     if (run.succeeded() && !run.wasStopped())
         return {};
     return tl::make_unexpected(ADBError::executionFailed(

@@ -2,19 +2,99 @@
 
 #include "ADB/ToolText.h"
 
+#include <QHash>
+
+#include <algorithm>
+#include <cctype>
+
 namespace vantrel::ADBClient {
+
+namespace {
+
+/// adb's word for a state, without what it adds: an explanation, or the facts of a long list.
+QString stateWord(QStringView text) {
+    const QStringView state = ToolText::blankTrimmed(text);
+    constexpr QStringView noPermissions = u"no permissions";
+    if (state.startsWith(noPermissions))
+        return noPermissions.toString();
+    return state.left(state.indexOf(u' ') < 0 ? state.size() : state.indexOf(u' ')).toString();
+}
+
+} // namespace
+
+QList<ListedPhone> parsePhones(const QString &text) {
+    QList<ListedPhone> phones;
+    for (const QStringView line : ToolText::lines(text)) {
+        if (phones.size() == mostPhones)
+            break;
+        const qsizetype tab = line.indexOf(u'\t');
+        if (ToolText::isNotice(line) || line.startsWith(u"List of devices"))
+            continue;
+        if (tab > 0) {
+            const QString state = stateWord(line.mid(tab));
+            if (!state.isEmpty())
+                phones.append({line.left(tab).toString(), state});
+        } else if (const auto fields = ToolText::fields(line); fields.size() >= 2 && fields[1] == u"device") {
+            phones.append({fields[0].toString(), fields[1].toString()});
+        }
+    }
+    return phones;
+}
 
 QStringList parseDeviceList(const QString &text) {
     QStringList serials;
-    for (const QStringView raw : ToolText::lines(text)) {
-        const QStringView line = ToolText::blankTrimmed(raw);
-        if (line.isEmpty() || line.startsWith(u"List of devices"))
-            continue;
-        const ToolText::Fields fields = ToolText::fields(line);
-        if (fields.size() >= 2 && fields[1] == u"device")
-            serials.append(fields[0].toString());
+    for (const ListedPhone &phone : parsePhones(text)) {
+        if (phone.isReady())
+            serials.append(phone.serial);
     }
     return serials;
+}
+
+PhoneTrouble troubleOf(const QList<ListedPhone> &phones) {
+    static const QHash<QString, PhoneTrouble> troubles{
+        {QStringLiteral("unauthorized"), PhoneTrouble::unauthorized},
+        {QStringLiteral("authorizing"), PhoneTrouble::authorizing},
+        {QStringLiteral("connecting"), PhoneTrouble::authorizing},
+        {QStringLiteral("offline"), PhoneTrouble::offline},
+        {QStringLiteral("no permissions"), PhoneTrouble::noPermissions},
+        {QStringLiteral("recovery"), PhoneTrouble::recovery},
+        {QStringLiteral("rescue"), PhoneTrouble::recovery},
+        {QStringLiteral("sideload"), PhoneTrouble::sideload},
+        {QStringLiteral("bootloader"), PhoneTrouble::bootloader},
+    };
+    return phones.isEmpty() ? PhoneTrouble::noPhone
+                            : troubles.value(phones.first().state, PhoneTrouble::offline);
+}
+
+PhoneTrouble troubleOf(const QByteArray &standardError) {
+    const QByteArray words = standardError.toLower();
+    const auto says = [&](const char *text) { return words.contains(text); };
+    if (says("doesn't match this client") || says("server is out of date"))
+        return PhoneTrouble::serverRestarts;
+    if (says("address already in use") || says("cannot bind") || says("failed to start daemon") ||
+        says("cannot connect to daemon"))
+        return PhoneTrouble::portTaken;
+    return PhoneTrouble::other;
+}
+
+std::optional<QList<ListedPhone>> TrackedDevices::feed(const QByteArray &bytes) {
+    constexpr qsizetype headSize = 4;
+    std::optional<QList<ListedPhone>> newest;
+    m_pending += bytes;
+    qsizetype at = 0;
+    while (!m_isGarbage && m_pending.size() - at >= headSize) {
+        const QByteArrayView head = QByteArrayView(m_pending).sliced(at, headSize);
+        const bool isLength = std::all_of(
+            head.begin(), head.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); });
+        m_isGarbage = !isLength;
+        const qsizetype length = isLength ? head.toByteArray().toInt(nullptr, 16) : 0;
+        if (m_isGarbage || m_pending.size() - at - headSize < length)
+            break;
+        newest = parsePhones(ToolText::decodeLeniently(m_pending.mid(at + headSize, length)).text);
+        at += headSize + length;
+    }
+    m_pending = m_isGarbage ? QByteArray() : m_pending.mid(at);
+    return newest;
 }
 
 ADBResult<StorageBytes> parseDF(const QString &text) {

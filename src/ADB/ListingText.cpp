@@ -77,11 +77,120 @@ QString displayName(const QString &name) {
     return ToolText::blankTrimmed(before.isEmpty() ? after : before).toString();
 }
 
+/// The pieces of a line that stand between blanks, one after the other.
+class Columns {
+public:
+    explicit Columns(QStringView line) : m_rest(line) {}
+
+    QStringView next() {
+        qsizetype start = 0;
+        while (start < m_rest.size() && m_rest[start] == u' ')
+            ++start;
+        qsizetype end = start;
+        while (end < m_rest.size() && m_rest[end] != u' ')
+            ++end;
+        const QStringView column = m_rest.mid(start, end - start);
+        m_rest = m_rest.mid(end);
+        return column;
+    }
+    /// What follows the blank behind the last piece.
+    [[nodiscard]] QStringView rest() const { return m_rest.mid(1); }
+
+private:
+    QStringView m_rest;
+};
+
+bool isDate(QStringView column) {
+    return column.size() >= 8 && column.contains(u'-');
+}
+
+/// The byte that the escape sequence at this position of a name stands for, and how many characters it takes;
+/// the backslash itself where it begins no sequence.
+std::pair<char, qsizetype> escaped(QStringView text, qsizetype at) {
+    static constexpr QStringView letters = u"abefnrtv\\ ";
+    static constexpr std::string_view meanings = "\a\b\x1b\f\n\r\t\v\\ ";
+    if (at + 1 == text.size())
+        return {'\\', 1};
+    if (const qsizetype letter = letters.indexOf(text[at + 1]); letter >= 0)
+        return {meanings[static_cast<std::size_t>(letter)], 2};
+    int byte = 0;
+    for (qsizetype i = at + 1; i < at + 4; ++i) {
+        if (i >= text.size() || text[i] < u'0' || text[i] > u'7')
+            return {'\\', 1};
+        byte = byte * 8 + (text[i].unicode() - u'0');
+    }
+    return byte < 256 ? std::pair{static_cast<char>(byte), qsizetype(4)} : std::pair{'\\', qsizetype(1)};
+}
+
+/// Takes the name without its escapes. toybox writes a control character from U+0080 to U+009F like the byte
+/// of that number, which is no UTF-8: such a name is not exact.
+void unescape(QStringView text, LSEntry &entry) {
+    QByteArray bytes;
+    for (qsizetype i = 0; i < text.size();) {
+        qsizetype next = text.indexOf(u'\\', i);
+        if (next < 0)
+            next = text.size();
+        bytes += text.mid(i, next - i).toUtf8();
+        i = next;
+        if (i < text.size()) {
+            const auto [byte, length] = escaped(text, i);
+            bytes += byte;
+            i += length;
+        }
+    }
+    const ToolText::Decoded name = ToolText::decodeLeniently(bytes);
+    entry.name = name.text;
+    entry.isNameExact = name.isExact;
+}
+
+/// Where a link's name ends: at the first blank without a backslash, behind which its target stands.
+QStringView withoutTarget(QStringView text) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'\\')
+            ++i;
+        else if (text[i] == u' ' && text.mid(i).startsWith(u" -> "))
+            return text.left(i);
+    }
+    return text;
+}
+
+/// Whether the phone tells nothing of the entry but its type and name.
+bool isUnreadable(QStringView line) {
+    return line.size() > 1 && line[1] == u'?';
+}
+
+/// Makes the rows of one listing.
+class Rows {
+public:
+    Rows(const QString &parentPath, bool isTextExact)
+        : m_parentPath(parentPath), m_isTextExact(isTextExact) {}
+
+    void append(const LSEntry &entry, const QString &name) {
+        if (isHidden(name) || !AndroidPath::isSafeName(name))
+            return;
+        const bool isExact =
+            entry.isNameExact && (m_isTextExact || !name.contains(QChar(QChar::ReplacementCharacter)));
+        m_items.append({newIdentity(), name, AndroidPath::join(m_parentPath, name), entry.isDirectory,
+                        entry.size, std::nullopt, m_times.read(entry.date, entry.time), isExact});
+    }
+    [[nodiscard]] bool isFull() const { return m_items.size() == largestListing; }
+    [[nodiscard]] QList<FileItem> inOrder() {
+        sortInFileOrder(m_items);
+        return std::move(m_items);
+    }
+
+private:
+    const QString &m_parentPath;
+    const bool m_isTextExact;
+    QList<FileItem> m_items;
+    TimeReader m_times;
+};
+
 } // namespace
 
 std::optional<LSEntry> parseLSLALine(QStringView line) {
     constexpr qsizetype shortestLine = 11; // ten mode characters and a blank
-    if (line.size() < shortestLine)
+    if (line.size() < shortestLine || isUnreadable(line))
         return std::nullopt;
     const ToolText::Fields fields = ToolText::fields(line);
     if (fields.size() < 8)
@@ -90,7 +199,7 @@ std::optional<LSEntry> parseLSLALine(QStringView line) {
     LSEntry entry;
     entry.isDirectory = line.front() == u'd';
     const QStringView date = fields[5];
-    if (date.contains(u'-') && date.size() >= 8) {
+    if (isDate(date)) {
         if (!entry.isDirectory)
             entry.size = ToolText::wholeNumber(fields[4]);
         entry.date = date;
@@ -102,26 +211,67 @@ std::optional<LSEntry> parseLSLALine(QStringView line) {
     return entry;
 }
 
-QList<FileItem> parseLSLA(const QString &text, const QString &parentPath) {
-    QList<FileItem> items;
-    TimeReader times;
+std::optional<LSEntry> parseLSLABLine(QStringView line) {
+    if (line.endsWith(u'\r')) // from the terminal of an old phone; one in a name is written with a backslash
+        line.chop(1);
+    if (line.startsWith(u"total ") || isUnreadable(line))
+        return std::nullopt;
+    Columns columns(line);
+    LSEntry entry;
+    const QStringView mode = columns.next();
+    entry.isDirectory = mode.startsWith(u'd');
+    for (int i = 0; i < 3; ++i) // links, owner, group
+        columns.next();
+    const QStringView size = columns.next();
+    if (size.endsWith(u',')) // a device's two numbers
+        columns.next();
+    const QStringView date = columns.next();
+    const QStringView time = columns.next();
+    if (!isDate(date)) // a form that no ls with escapes is known to print
+        return parseLSLALine(line);
+    if (!entry.isDirectory)
+        entry.size = ToolText::wholeNumber(size);
+    entry.date = date;
+    entry.time = time;
+    const QStringView name = mode.startsWith(u'l') ? withoutTarget(columns.rest()) : columns.rest();
+    if (name.contains(u'\\'))
+        unescape(name, entry);
+    else
+        entry.name = name.toString();
+    return entry;
+}
+
+QList<FileItem> parseLSLA(const QString &text, const QString &parentPath, bool isTextExact) {
+    Rows rows(parentPath, isTextExact);
     for (const QStringView raw : ToolText::lines(text)) {
-        if (items.size() == largestListing)
+        if (rows.isFull())
             break;
         const QStringView line = ToolText::blankTrimmed(raw);
         if (line.isEmpty() || line.startsWith(u"total "))
             continue;
         const auto entry = parseLSLALine(line);
-        if (!entry || isHidden(entry->name))
-            continue;
-        const QString name = displayName(entry->name);
-        if (isHidden(name) || !AndroidPath::isSafeName(name)) // "-> .name" would be shown as ".name"
-            continue;
-        items.append({newIdentity(), name, AndroidPath::join(parentPath, name), entry->isDirectory,
-                      entry->size, std::nullopt, times.read(entry->date, entry->time)});
+        if (entry && !isHidden(entry->name))
+            rows.append(*entry, displayName(entry->name)); // of "-> .name" only ".name" is left
     }
-    sortInFileOrder(items);
-    return items;
+    return rows.inOrder();
+}
+
+QList<FileItem> parseLSLAB(const QString &text, const QString &parentPath, bool isTextExact) {
+    Rows rows(parentPath, isTextExact);
+    for (const QStringView line : QStringView(text).tokenize(u'\n', Qt::SkipEmptyParts)) {
+        if (rows.isFull())
+            break;
+        if (const auto entry = parseLSLABLine(line))
+            rows.append(*entry, entry->name);
+    }
+    return rows.inOrder();
+}
+
+qsizetype countComplaints(const QByteArray &standardError) {
+    qsizetype count = 0;
+    for (const QByteArray &line : standardError.split('\n'))
+        count += line.startsWith("ls: ") ? 1 : 0;
+    return count;
 }
 
 } // namespace vantrel::ADBClient

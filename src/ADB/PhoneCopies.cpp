@@ -113,7 +113,7 @@ ADBResult<void> forEachLine(const QStringList &words, Use use) {
         qsizetype bytes = 0;
         while (end < words.size() && (end == first || bytes + words.at(end).size() * 3 < longestLine))
             bytes += words.at(end++).toUtf8().size() + 1;
-        if (const ADBResult<void> done = use(words.mid(first, end - first)); !done)
+        if (ADBResult<void> done = use(words.mid(first, end - first)); !done)
             return done;
         first = end;
     }

@@ -39,6 +39,11 @@ std::optional<SearchMetadata> nextFacts(const QString &text, const QString &path
     return std::nullopt;
 }
 
+/// Whether each line ends as the terminal of an old phone ends it.
+bool isFromATerminal(const QString &text) {
+    return text.count(QLatin1Char('\n')) == text.count(QLatin1String("\r\n"));
+}
+
 } // namespace
 
 QString sanitizeSearchQuery(const QString &query) {
@@ -52,16 +57,29 @@ QString sanitizeSearchQuery(const QString &query) {
 }
 
 QStringList parseFoundPaths(const QString &text, const QString &root, int limit) {
-    QStringList paths;
-    QSet<QString> seen;
-    for (const QStringView raw : ToolText::lines(text)) {
+    const QString below = AndroidPath::join(root, QString());
+    const bool endsInReturns = isFromATerminal(text);
+    QStringView output = text;
+    if (output.endsWith(u'\n'))
+        output.chop(1);
+    QStringList found;
+    for (QStringView line : output.tokenize(u'\n')) {
         if (--limit < 0)
             break;
-        const QString path = normalizePath(raw.toString());
-        // A name that holds a newline comes as two lines; the second is no path. One with a NUL would be
-        // another path for the tool, whose arguments end there.
-        if (!path.startsWith(QLatin1Char('/')) || path.contains(QChar(u'\0')) || path == root ||
-            seen.contains(path))
+        if (endsInReturns && line.endsWith(u'\r'))
+            line.chop(1);
+        if (line.startsWith(below) || line == root)
+            found.append(line.toString());
+        else if (!found.isEmpty())
+            found.last() += QLatin1Char('\n') % line;
+    }
+
+    QStringList paths;
+    QSet<QString> seen;
+    for (const QString &line : std::as_const(found)) {
+        const QString path = normalizePath(line);
+        // One with a NUL would be another path for the tool, whose arguments end there.
+        if (path.contains(QChar(u'\0')) || path == root || seen.contains(path))
             continue;
         seen.insert(path);
         const QString name = AndroidPath::lastComponent(path);

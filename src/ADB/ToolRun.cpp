@@ -25,10 +25,7 @@ std::atomic<quint64> stopGeneration{0};
 
 /// Between fork and exec: only calls that are safe there.
 void prepareChild(int terminalForOutput) {
-#ifdef Q_OS_LINUX
-    // Sent when the thread that started the child ends, and that one waits for the child.
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-#endif
+    ToolRun::endWithThread();
     if (terminalForOutput >= 0)
         ::dup2(terminalForOutput, STDOUT_FILENO);
 }
@@ -108,6 +105,12 @@ void ToolRun::kill() {
 
 bool ToolRun::succeeded() const {
     return m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
+}
+
+void ToolRun::endWithThread() {
+#ifdef Q_OS_LINUX
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
 }
 
 void ToolRun::stopAll() {

@@ -57,6 +57,8 @@ public:
     /// Whether stopAll() or a request to stop ended it.
     [[nodiscard]] bool wasStopped() const { return m_wasStopped; }
 
+    /// For a child, between fork and exec: on Linux it is killed when the thread that started it ends.
+    static void endWithThread();
     /// Makes every run that exists now end its child within 0.12 s. Any thread.
     static void stopAll();
 

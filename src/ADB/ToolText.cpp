@@ -19,10 +19,15 @@ bool isBlank(QChar c) {
 
 } // namespace
 
-QString decode(const QByteArray &bytes) {
+Decoded decodeLeniently(const QByteArray &bytes) {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder.decode(bytes);
-    return decoder.hasError() ? QString() : text;
+    QString text = decoder.decode(bytes);
+    return {std::move(text), !decoder.hasError()};
+}
+
+QString decode(const QByteArray &bytes) {
+    const Decoded decoded = decodeLeniently(bytes);
+    return decoded.isExact ? decoded.text : QString();
 }
 
 Lines::Iterator &Lines::Iterator::operator++() {

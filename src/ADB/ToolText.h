@@ -12,6 +12,13 @@ namespace vantrel::ToolText {
 
 /// UTF-8; output that is not valid UTF-8 counts as no output.
 [[nodiscard]] QString decode(const QByteArray &bytes);
+/// A text whose bytes may have been none.
+struct Decoded {
+    QString text;
+    bool isExact = true; ///< else U+FFFD stands for what is no UTF-8
+};
+/// UTF-8, as far as it is.
+[[nodiscard]] Decoded decodeLeniently(const QByteArray &bytes);
 /// The pieces of a text between newline characters (line feed, vertical tab, form feed, carriage return,
 /// U+0085, U+2028, U+2029), empty ones dropped; found one after the other, since there may be millions. The
 /// views stay valid as long as the text.

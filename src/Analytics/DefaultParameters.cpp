@@ -5,6 +5,7 @@
 #include <QSysInfo>
 
 #include <algorithm>
+#include <vector>
 
 #ifdef Q_OS_MACOS
 #include <sys/sysctl.h>
@@ -15,13 +16,6 @@ namespace vantrel {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-constexpr auto libraryName = "VantrelAnalytics";
-constexpr auto libraryVersion = "1.0.0";
-
-QString boolean(bool value) {
-    return value ? u"true"_s : u"false"_s;
-}
 
 QString decimal(double value) {
     return QString::number(value, 'f', QLocale::FloatingPointShortest);
@@ -54,101 +48,101 @@ QString systemVersion(qsizetype parts) {
     return name + u' ' + version.first(std::min(parts, version.size())).join(u'.');
 }
 
+/// A parameter's name behind "TelemetryDeck.", the short name that it also has (or none) and its value.
+struct Parameter {
+    const char *name;
+    const char *shortName;
+    QString value;
+};
+
+void add(SignalParameters &parameters, const std::vector<Parameter> &added) {
+    for (const auto &[name, shortName, value] : added) {
+        parameters.insert(u"TelemetryDeck."_s + QLatin1String(name), value);
+        if (shortName)
+            parameters.insert(QLatin1String(shortName), value);
+    }
+}
+
 void addApplication(SignalParameters &parameters, const ApplicationFacts &facts) {
-    parameters.insert({
-        {u"TelemetryDeck.AppInfo.buildNumber"_s, facts.buildNumber},
-        {u"TelemetryDeck.AppInfo.version"_s, facts.version},
-        {u"TelemetryDeck.AppInfo.versionAndBuildNumber"_s,
-         facts.version + u" (build " + facts.buildNumber + u')'},
-        {u"appVersion"_s, facts.version},
-        {u"buildNumber"_s, facts.buildNumber},
-        {u"TelemetryDeck.SDK.name"_s, QLatin1String(libraryName)},
-        {u"TelemetryDeck.SDK.version"_s, QLatin1String(libraryVersion)},
-        {u"TelemetryDeck.SDK.nameAndVersion"_s,
-         QLatin1String(libraryName) + u' ' + QLatin1String(libraryVersion)},
-        {u"telemetryClientVersion"_s, QLatin1String(libraryVersion)},
-        {u"TelemetryDeck.UserPreference.colorScheme"_s,
-         facts.colorScheme == ApplicationFacts::ColorScheme::Dark ? u"Dark"_s : u"Light"_s},
-        {u"TelemetryDeck.UserPreference.layoutDirection"_s,
-         facts.layoutDirection == Qt::RightToLeft ? u"rightToLeft"_s : u"leftToRight"_s},
-        {u"TelemetryDeck.Device.screenResolutionHeight"_s, decimal(facts.screenHeight)},
-        {u"TelemetryDeck.Device.screenResolutionWidth"_s, decimal(facts.screenWidth)},
-        {u"TelemetryDeck.Device.screenScaleFactor"_s, decimal(facts.screenScaleFactor)},
-    });
+    const QString library = u"VantrelAnalytics"_s;
+    const QString libraryVersion = u"1.0.0"_s;
+    const bool isDark = facts.colorScheme == ApplicationFacts::ColorScheme::dark;
+    const bool isRightToLeft = facts.layoutDirection == Qt::RightToLeft;
+    add(parameters,
+        {
+            {"AppInfo.buildNumber", "buildNumber", facts.buildNumber},
+            {"AppInfo.version", "appVersion", facts.version},
+            {"AppInfo.versionAndBuildNumber", nullptr,
+             facts.version + u" (build " + facts.buildNumber + u')'},
+            {"SDK.name", nullptr, library},
+            {"SDK.version", "telemetryClientVersion", libraryVersion},
+            {"SDK.nameAndVersion", nullptr, library + u' ' + libraryVersion},
+            {"UserPreference.colorScheme", nullptr, isDark ? u"Dark"_s : u"Light"_s},
+            {"UserPreference.layoutDirection", nullptr, isRightToLeft ? u"rightToLeft"_s : u"leftToRight"_s},
+            {"Device.screenResolutionHeight", nullptr, decimal(facts.screenHeight)},
+            {"Device.screenResolutionWidth", nullptr, decimal(facts.screenWidth)},
+            {"Device.screenScaleFactor", nullptr, decimal(facts.screenScaleFactor)},
+        });
 }
 
 /// One platform and one architecture whatever the computer: the service knows the product as a single build.
 /// What a system has no such thing as is left out: a store, a test flight and an orientation off the Mac, and
 /// extensions everywhere.
 void addDeviceAndRunContext(SignalParameters &parameters) {
-    struct Value {
-        QString family;
-        QString name;      ///< behind "TelemetryDeck." and the family
-        QString shortName; ///< empty: none
-        QString value;
-    };
-    static const QList<Value> values{
-        {u"Device."_s, u"architecture"_s, u"architecture"_s, u"arm64"_s},
-        {u"Device."_s, u"modelName"_s, u"modelName"_s, modelName()},
-        {u"Device."_s, u"operatingSystem"_s, u"operatingSystem"_s, u"macOS"_s},
+    static const std::vector<Parameter> values{
+        {"Device.architecture", "architecture", u"arm64"_s},
+        {"Device.modelName", "modelName", modelName()},
+        {"Device.operatingSystem", "operatingSystem", u"macOS"_s},
 #ifdef Q_OS_MACOS
-        {u"Device."_s, u"orientation"_s, {}, u"Fixed"_s},
-        {u"RunContext."_s, u"isAppStore"_s, u"isAppStore"_s, u"true"_s}, // the negation of isTestFlight
-        {u"RunContext."_s, u"isTestFlight"_s, u"isTestFlight"_s, u"false"_s},
+        {"Device.orientation", nullptr, u"Fixed"_s},
+        {"RunContext.isAppStore", "isAppStore", u"true"_s}, // the negation of isTestFlight
+        {"RunContext.isTestFlight", "isTestFlight", u"false"_s},
 #endif
-        {u"Device."_s, u"platform"_s, u"platform"_s, u"macOS"_s},
-        {u"Device."_s, u"systemMajorMinorVersion"_s, u"majorMinorSystemVersion"_s, systemVersion(2)},
-        {u"Device."_s, u"systemMajorVersion"_s, u"majorSystemVersion"_s, systemVersion(1)},
-        {u"Device."_s, u"systemVersion"_s, u"systemVersion"_s, systemVersion(3)},
-        {u"RunContext."_s, u"isDebug"_s, u"isDebug"_s, u"false"_s},
-        {u"RunContext."_s, u"isSimulator"_s, u"isSimulator"_s, u"false"_s},
-        {u"RunContext."_s, u"targetEnvironment"_s, u"targetEnvironment"_s, u"native"_s},
+        {"Device.platform", "platform", u"macOS"_s},
+        {"Device.systemMajorMinorVersion", "majorMinorSystemVersion", systemVersion(2)},
+        {"Device.systemMajorVersion", "majorSystemVersion", systemVersion(1)},
+        {"Device.systemVersion", "systemVersion", systemVersion(3)},
+        {"RunContext.isDebug", "isDebug", u"false"_s},
+        {"RunContext.isSimulator", "isSimulator", u"false"_s},
+        {"RunContext.targetEnvironment", "targetEnvironment", u"native"_s},
     };
-    for (const auto &[family, name, shortName, value] : values) {
-        parameters.insert(u"TelemetryDeck."_s + family + name, value);
-        if (!shortName.isEmpty())
-            parameters.insert(shortName, value);
-    }
+    add(parameters, values);
 }
 
 void addLocale(SignalParameters &parameters, const QDateTime &local) {
     const QLocale locale;
     const QString language = QLocale::languageToCode(locale.language());
     const QString region = QLocale::territoryToCode(locale.territory());
-    const QString preferred = QLocale::system().uiLanguages().value(0, language);
     const int offset = local.offsetFromUtc() / 60; // minutes
     // The offset and not the zone's name, which tells more about the user.
     const QString timeZone = u"UTC%1%2:%3"_s.arg(QLatin1Char(offset < 0 ? '-' : '+'))
                                  .arg(std::abs(offset) / 60, 2, 10, QLatin1Char('0'))
                                  .arg(std::abs(offset) % 60, 2, 10, QLatin1Char('0'));
-    parameters.insert({
-        {u"TelemetryDeck.Device.timeZone"_s, timeZone},
-        {u"TelemetryDeck.RunContext.language"_s, language},
-        {u"appLanguage"_s, language},
-        {u"TelemetryDeck.RunContext.locale"_s, locale.name()},
-        {u"locale"_s, locale.name()},
-        {u"TelemetryDeck.UserPreference.language"_s, preferred},
-        {u"preferredLanguage"_s, preferred},
-    });
-    if (!region.isEmpty()) { // the language "C" is spoken nowhere
-        parameters[u"TelemetryDeck.UserPreference.region"_s] = region;
-        parameters[u"region"_s] = region;
-    }
+    add(parameters, {
+                        {"Device.timeZone", nullptr, timeZone},
+                        {"RunContext.language", "appLanguage", language},
+                        {"RunContext.locale", "locale", locale.name()},
+                        {"UserPreference.language", "preferredLanguage",
+                         QLocale::system().uiLanguages().value(0, language)},
+                    });
+    if (!region.isEmpty()) // the language "C" is spoken nowhere
+        add(parameters, {{"UserPreference.region", "region", region}});
 }
 
 void addCalendar(SignalParameters &parameters, const QDateTime &local) {
     const QDate date = local.date();
     const bool isWeekend = !QLocale().weekdays().contains(Qt::DayOfWeek(date.dayOfWeek()));
-    parameters.insert({
-        {u"TelemetryDeck.Calendar.dayOfMonth"_s, QString::number(date.day())},
-        {u"TelemetryDeck.Calendar.dayOfWeek"_s, QString::number(date.dayOfWeek())}, // Monday is 1
-        {u"TelemetryDeck.Calendar.dayOfYear"_s, QString::number(date.dayOfYear())},
-        {u"TelemetryDeck.Calendar.weekOfYear"_s, QString::number(date.weekNumber())}, // ISO 8601
-        {u"TelemetryDeck.Calendar.isWeekend"_s, boolean(isWeekend)},
-        {u"TelemetryDeck.Calendar.monthOfYear"_s, QString::number(date.month())},
-        {u"TelemetryDeck.Calendar.quarterOfYear"_s, QString::number((date.month() + 2) / 3)},
-        {u"TelemetryDeck.Calendar.hourOfDay"_s, QString::number(local.time().hour())}, // 0 to 23
-    });
+    const auto number = [&parameters](const char *name, int value) {
+        parameters.insert(u"TelemetryDeck.Calendar."_s + QLatin1String(name), QString::number(value));
+    };
+    number("dayOfMonth", date.day());
+    number("dayOfWeek", date.dayOfWeek()); // Monday is 1
+    number("dayOfYear", date.dayOfYear());
+    number("weekOfYear", date.weekNumber()); // ISO 8601
+    number("monthOfYear", date.month());
+    number("quarterOfYear", (date.month() + 2) / 3);
+    number("hourOfDay", local.time().hour()); // 0 to 23
+    parameters.insert(u"TelemetryDeck.Calendar.isWeekend"_s, isWeekend ? u"true"_s : u"false"_s);
 }
 
 } // namespace

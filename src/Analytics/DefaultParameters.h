@@ -9,14 +9,14 @@ namespace vantrel {
 
 /// What the application tells about itself and its screen; this library sees neither.
 struct ApplicationFacts {
-    enum class ColorScheme { Light, Dark };
+    enum class ColorScheme { light, dark };
 
     QString version;
     QString buildNumber;
     double screenWidth = 0; ///< of the main screen, in layout pixels
     double screenHeight = 0;
     double screenScaleFactor = 1;
-    ColorScheme colorScheme = ColorScheme::Light;
+    ColorScheme colorScheme = ColorScheme::light;
     Qt::LayoutDirection layoutDirection = Qt::LeftToRight;
 };
 

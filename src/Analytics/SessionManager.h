@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Analytics/SignalPostBody.h"
-#include "Analytics/TelemetryEnvironment.h"
+#include "Analytics/TelemetryManagerConfiguration.h"
 #include "Preferences/PreferencesFile.h"
 
 #include <QList>

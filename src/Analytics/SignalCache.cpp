@@ -16,17 +16,8 @@ namespace {
 /// More than the JSON parser takes. 10,000 signals are a quarter of it.
 constexpr qint64 maximumFileSize = 134'217'728;
 
-/// Several copies of the program share the file. Where the lock cannot be had, because the directory is
-/// read-only or the other copy hangs, going on without it is better than losing the signals for certain.
-class FileLock {
-public:
-    explicit FileLock(const QString &file) : m_lock(file + QStringLiteral(".lock")) {
-        static_cast<void>(m_lock.tryLock(2000));
-    }
-
-private:
-    QLockFile m_lock;
-};
+constexpr QLatin1String lockSuffix(".lock");
+constexpr int lockPatience = 2000; // milliseconds
 
 /// The file's text; nothing when there is no such regular file or it cannot be read or is far too large.
 std::optional<QByteArray> contents(const QString &path) {
@@ -42,7 +33,7 @@ SignalCache::SignalCache(std::shared_ptr<const TelemetryManagerConfiguration> co
                          const QString &directory)
     : m_configuration(std::move(configuration)) {
     if (directory.isEmpty())
-        m_configuration->log(LogLevel::Error,
+        m_configuration->log(LogLevel::error,
                              QStringLiteral("Failed to get disk cache url from FileManager."));
     else
         m_cacheFileURL = QUrl::fromLocalFile(filePath(directory));
@@ -69,12 +60,15 @@ QList<SignalPostBody> SignalCache::pop() {
 void SignalCache::load() {
     if (!m_cacheFileURL)
         return;
-    m_configuration->log(LogLevel::Info,
+    m_configuration->log(LogLevel::info,
                          QStringLiteral("Loading Telemetry cache from: ") + m_cacheFileURL->toString());
     const QString path = m_cacheFileURL->toLocalFile();
     if (!QFileInfo::exists(path))
         return;
-    const FileLock lock(path);
+    // Several copies of the program share the file. Where the lock cannot be had, because the directory is
+    // read-only or the other copy hangs, going on without it is better than losing the signals for certain.
+    QLockFile lock(path + lockSuffix);
+    static_cast<void>(lock.tryLock(lockPatience));
     const auto json = contents(path);
     if (json)
         QFile::remove(path);
@@ -82,7 +76,7 @@ void SignalCache::load() {
     if (!loaded)
         return;
     push(*loaded);
-    m_configuration->log(LogLevel::Info, QStringLiteral("Loaded %1 signals").arg(loaded->size()));
+    m_configuration->log(LogLevel::info, QStringLiteral("Loaded %1 signals").arg(loaded->size()));
 }
 
 void SignalCache::save() {
@@ -90,21 +84,22 @@ void SignalCache::save() {
         return;
     const QString path = m_cacheFileURL->toLocalFile();
     QDir().mkpath(QFileInfo(path).path());
-    const FileLock lock(path);
+    QLockFile lock(path + lockSuffix);
+    static_cast<void>(lock.tryLock(lockPatience));
     const auto existing = contents(path);
     if (const auto others = existing ? decodeSignals(*existing) : std::nullopt)
         push(*others + std::exchange(m_signals, {}));
 
-    const auto json = encodeSignals(m_signals, DateForm::Disk);
+    const auto json = encodeSignals(m_signals, DateForm::disk);
     QSaveFile file(path);
     // The commit alone overlooks what comes of the last flush, a full disk above all.
     if (json && file.open(QIODevice::WriteOnly) && file.write(*json) == json->size() && file.flush() &&
         file.commit())
-        m_configuration->log(LogLevel::Info, QStringLiteral("Saved Telemetry cache %1 of %2 signals")
+        m_configuration->log(LogLevel::info, QStringLiteral("Saved Telemetry cache %1 of %2 signals")
                                                  .arg(m_cacheFileURL->toString())
                                                  .arg(m_signals.size()));
     else
-        m_configuration->log(LogLevel::Error, QStringLiteral("Error saving Telemetry cache"));
+        m_configuration->log(LogLevel::error, QStringLiteral("Error saving Telemetry cache"));
 }
 
 } // namespace vantrel

@@ -33,7 +33,7 @@ QByteArray object(const SignalParameters &parameters) {
 }
 
 QByteArray date(const QDateTime &moment, DateForm form) {
-    if (form == DateForm::Disk) {
+    if (form == DateForm::disk) {
         const qint64 milliseconds = moment.toMSecsSinceEpoch() - referenceDate;
         return QByteArray::number(double(milliseconds) / 1000.0, 'f', QLocale::FloatingPointShortest);
     }
@@ -110,7 +110,7 @@ std::optional<QList<SignalPostBody>> decodeSignals(const QByteArray &json) {
         return std::nullopt;
     QList<SignalPostBody> result;
     const QJsonArray array = document.array();
-    for (const QJsonValue &value : array) {
+    for (const auto &value : array) {
         auto body = decode(value.toObject());
         if (!body)
             return std::nullopt;

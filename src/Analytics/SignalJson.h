@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Analytics/SignalPostBody.h"
-#include "Analytics/TelemetryError.h"
 
 #include <QByteArray>
 #include <QList>
@@ -10,8 +9,20 @@
 
 namespace vantrel {
 
+/// Why a batch could not even be handed to the HTTP client.
+struct TelemetryError {
+    QString description;
+
+    [[nodiscard]] static TelemetryError encodeFailed(const QString &error) {
+        return {QStringLiteral("Failed to encode signal batch: ") + error};
+    }
+    [[nodiscard]] static TelemetryError invalidEndpointUrl() {
+        return {QStringLiteral("Invalid endpoint URL")};
+    }
+};
+
 /// The service takes dates as text, the cache file holds seconds since 2001-01-01 00:00 UTC; they never mix.
-enum class DateForm { Network, Disk };
+enum class DateForm { network, disk };
 
 /// The signals as a JSON array with the keys in the order of the record. Fails on a floatValue that JSON
 /// cannot hold.

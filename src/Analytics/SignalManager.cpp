@@ -9,29 +9,17 @@ namespace vantrel {
 
 namespace {
 
-/// The statuses that will not change by asking again, with their names; null for every other.
-const char *rejectionReason(int status) {
-    switch (status) {
-    case 400:
-        return "Bad Request (400)";
-    case 401:
-        return "Unauthorized (401)";
-    case 403:
-        return "Forbidden (403)";
-    case 404:
-        return "Not Found (404)";
-    case 413:
-        return "Payload Too Large (413)";
-    case 422:
-        return "Unprocessable Entity (422)";
-    case 501:
-        return "Not Implemented (501)";
-    case 505:
-        return "HTTP Version Not Supported (505)";
-    default:
-        return nullptr;
-    }
-}
+/// The statuses that will not change by asking again, with their names.
+const QMap<int, QString> rejections{
+    {400, QStringLiteral("Bad Request (400)")},
+    {401, QStringLiteral("Unauthorized (401)")},
+    {403, QStringLiteral("Forbidden (403)")},
+    {404, QStringLiteral("Not Found (404)")},
+    {413, QStringLiteral("Payload Too Large (413)")},
+    {422, QStringLiteral("Unprocessable Entity (422)")},
+    {501, QStringLiteral("Not Implemented (501)")},
+    {505, QStringLiteral("HTTP Version Not Supported (505)")},
+};
 
 } // namespace
 
@@ -74,25 +62,25 @@ void SignalManager::scheduleNextTransmission() {
 
 void SignalManager::attemptSend() {
     const auto log = [this](LogLevel level, const QString &message) { m_configuration->log(level, message); };
-    log(LogLevel::Debug, QStringLiteral("Current signal cache count: %1").arg(m_signalCache.size()));
+    log(LogLevel::debug, QStringLiteral("Current signal cache count: %1").arg(m_signalCache.size()));
     const QList<SignalPostBody> batch = m_signalCache.pop();
     if (batch.isEmpty())
         return finishSuccess();
-    log(LogLevel::Info, QStringLiteral("Sending %1 signals leaving a cache of %2 signals")
+    log(LogLevel::info, QStringLiteral("Sending %1 signals leaving a cache of %2 signals")
                             .arg(batch.size())
                             .arg(m_signalCache.size()));
     const auto fail = [&](const TelemetryError &error) {
-        log(LogLevel::Error, error.description);
+        log(LogLevel::error, error.description);
         finishFailure(batch);
     };
-    const auto json = encodeSignals(batch, DateForm::Network);
+    const auto json = encodeSignals(batch, DateForm::network);
     if (!json)
         return fail(json.error());
-    if (m_configuration->logs(LogLevel::Debug))
-        log(LogLevel::Debug, QString::fromUtf8(*json));
+    if (m_configuration->logs(LogLevel::debug))
+        log(LogLevel::debug, QString::fromUtf8(*json));
     const auto url = serviceURL(*m_configuration);
     if (!url) {
-        log(LogLevel::Error, QStringLiteral("Unable to construct signal API URL for namespace ") +
+        log(LogLevel::error, QStringLiteral("Unable to construct signal API URL for namespace ") +
                                  m_configuration->nameSpace.value_or(QStringLiteral("nil")));
         return fail(TelemetryError::invalidEndpointUrl());
     }
@@ -106,21 +94,21 @@ void SignalManager::attemptSend() {
 void SignalManager::complete(const QList<SignalPostBody> &batch, const Result &result) {
     const auto log = [this](LogLevel level, const QString &message) { m_configuration->log(level, message); };
     if (!result) {
-        log(LogLevel::Error, result.error().text);
+        log(LogLevel::error, result.error().text);
         return finishFailure(batch);
     }
     const int status = result->status;
     if (status >= 200 && status <= 299) {
-        log(LogLevel::Debug, QString::fromUtf8(result->body));
+        log(LogLevel::debug, QString::fromUtf8(result->body));
         return finishSuccess();
     }
-    if (const char *reason = rejectionReason(status)) {
-        log(LogLevel::Error, QStringLiteral("Dropping %1 signal(s): rejected by server %2")
+    if (rejections.contains(status)) {
+        log(LogLevel::error, QStringLiteral("Dropping %1 signal(s): rejected by server %2")
                                  .arg(batch.size())
-                                 .arg(QLatin1String(reason)));
+                                 .arg(rejections.value(status)));
         return finishSuccess();
     }
-    log(LogLevel::Debug,
+    log(LogLevel::debug,
         QStringLiteral("Failed to send events (status %1), will try again later").arg(status));
     finishFailure(batch);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Analytics/TelemetryEnvironment.h"
 #include "Analytics/TelemetryManagerConfiguration.h"
 
 /// The application's way in: the one shared analytics client. Main thread.

@@ -47,34 +47,22 @@ Recorded gather(const TelemetryManagerConfiguration &configuration, const Teleme
     return recorded;
 }
 
-bool hasReservedPrefix(const QString &name) {
-    return name.startsWith("telemetrydeck."_L1, Qt::CaseInsensitive);
-}
-
-bool isReserved(const QString &name) {
-    return reservedNames().contains(name.toLower());
-}
-
 void warnOfReservedNames(const TelemetryManagerConfiguration &configuration, const QString &name,
                          const SignalParameters &parameters) {
-    const auto warn = [&configuration](const QString &message) {
-        configuration.log(LogLevel::Error, message);
+    const auto check = [&](const QString &what, const QString &part, const QString &prefix,
+                           const QString &text) {
+        if (text.startsWith("telemetrydeck."_L1, Qt::CaseInsensitive))
+            configuration.log(LogLevel::error,
+                              u"Sending %1 with reserved %2 'TelemetryDeck.' will cause unexpected behavior. "
+                              "Please use another prefix instead."_s.arg(what, prefix));
+        else if (reservedNames().contains(text.toLower()))
+            configuration.log(LogLevel::error,
+                              u"Sending %1 with reserved %2 '%3' will cause unexpected behavior. "
+                              "Please use another %2 instead."_s.arg(what, part, text));
     };
-    if (hasReservedPrefix(name))
-        warn(u"Sending signal with reserved prefix 'TelemetryDeck.' will cause unexpected behavior. "
-             "Please use another prefix instead."_s);
-    else if (isReserved(name))
-        warn(u"Sending signal with reserved name '"_s + name +
-             u"' will cause unexpected behavior. Please use another name instead."_s);
-    for (auto it = parameters.keyBegin(); it != parameters.keyEnd(); ++it) {
-        if (hasReservedPrefix(*it))
-            warn(u"Sending parameter with reserved key prefix 'TelemetryDeck.' will cause unexpected "
-                 u"behavior. "
-                 "Please use another prefix instead."_s);
-        else if (isReserved(*it))
-            warn(u"Sending parameter with reserved key '"_s + *it +
-                 u"' will cause unexpected behavior. Please use another key instead."_s);
-    }
+    check(u"signal"_s, u"name"_s, u"prefix"_s, name);
+    for (auto it = parameters.keyBegin(); it != parameters.keyEnd(); ++it)
+        check(u"parameter"_s, u"key"_s, u"key prefix"_s, *it);
 }
 
 } // namespace
@@ -95,7 +83,7 @@ public:
     }
 
     /// `started` is the signal of the new session.
-    void startSession(Recorded started) {
+    void startSession(const Recorded &started) {
         const auto firstDate = m_sessions ? m_sessions->startNewSession() : std::nullopt;
         if (firstDate) {
             Recorded install = started;
@@ -123,11 +111,11 @@ public:
                                   recorded.floatValue,
                                   payload,
                                   m_configuration->testMode.value_or(false) ? u"true"_s : u"false"_s};
-        if (m_configuration->logs(LogLevel::Debug))
+        if (m_configuration->logs(LogLevel::debug))
             m_configuration->log(
-                LogLevel::Debug,
+                LogLevel::debug,
                 u"Process signal: "_s +
-                    QString::fromUtf8(encodeSignals({body}, DateForm::Network).value_or(QByteArray())));
+                    QString::fromUtf8(encodeSignals({body}, DateForm::network).value_or(QByteArray())));
         m_signals->push(body);
     }
 
@@ -151,7 +139,7 @@ private:
             m_preferences->setValue(key, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
         const QString problem = m_preferences->save();
         if (!problem.isEmpty()) {
-            m_configuration->log(LogLevel::Error, problem);
+            m_configuration->log(LogLevel::error, problem);
             return std::nullopt;
         }
         return m_preferences->value(key);

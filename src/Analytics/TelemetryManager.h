@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Analytics/TelemetryEnvironment.h"
 #include "Analytics/TelemetryManagerConfiguration.h"
 
 #include <QObject>

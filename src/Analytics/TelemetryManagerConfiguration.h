@@ -1,16 +1,30 @@
 #pragma once
 
-#include "Analytics/LogHandler.h"
+#include "Analytics/DefaultParameters.h"
 #include "Analytics/SignalPostBody.h"
 #include "Network/HttpExchange.h"
 
+#include <QStandardPaths>
 #include <QUrl>
 #include <QUuid>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
 namespace vantrel {
+
+enum class LogLevel { debug, info, error };
+
+/// Where the analytics client's messages go.
+struct LogHandler {
+    LogLevel minimumLevel = LogLevel::info; ///< messages below it are not passed on
+    /// Called on whatever thread has something to say, several at once.
+    std::function<void(LogLevel level, const QString &message)> function;
+
+    /// The platform's log, category "vantrel.analytics".
+    [[nodiscard]] static LogHandler platformLog(LogLevel minimumLevel = LogLevel::info);
+};
 
 /// Adds parameters to a signal, given its name, the user identifier it was recorded with and its value.
 /// Called on the main thread.
@@ -60,6 +74,28 @@ struct TelemetryManagerConfiguration {
         if (logs(level))
             logHandler->function(level, message);
     }
+};
+
+/// A point in time, twice.
+struct Moment {
+    QDateTime date;                   ///< in UTC, as the computer believes; it may jump either way
+    std::chrono::milliseconds uptime; ///< since some fixed moment; never runs backwards
+
+    [[nodiscard]] static Moment now() {
+        return {QDateTime::currentDateTimeUtc(), std::chrono::duration_cast<std::chrono::milliseconds>(
+                                                     std::chrono::steady_clock::now().time_since_epoch())};
+    }
+};
+
+/// What the client needs from outside. The defaults are the computer's own.
+struct TelemetryEnvironment {
+    std::function<Moment()> now = &Moment::now; ///< any thread
+    /// The directory of the client's preferences file.
+    QString preferencesDirectory = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    /// The directory of the file that keeps unsent signals; empty: they are not kept.
+    QString cachesDirectory = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    /// What only the application knows. Called on the main thread for every signal.
+    std::function<ApplicationFacts()> applicationFacts = [] { return ApplicationFacts(); };
 };
 
 } // namespace vantrel

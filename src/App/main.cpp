@@ -1,6 +1,9 @@
 #include "ADB/ADBClient.h"
 #include "App/Sheets/TextPrompt.h"
 #include "App/System/CommandLine.h"
+#ifndef Q_OS_MACOS
+#include "App/System/DesktopPreferences.h"
+#endif
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
 #include "App/System/QtDesktop.h"
@@ -10,8 +13,8 @@
 #include "App/System/UsageAnalytics.h"
 #include "App/System/Version.h"
 #include "App/Updates/Updater.h"
+#include "App/Window/Activation.h"
 #include "App/Window/MainWindow.h"
-#include "App/Window/WindowChrome.h"
 #include "Kit/AppStyle.h"
 #include "Worker/Worker.h"
 
@@ -51,6 +54,7 @@ int main(int argc, char **argv) {
     if (isDone(parseCommandLine(toArguments(argc, argv), UnknownArguments::ignored)))
         return 0;
 
+    const QByteArray activationToken = SingleInstance::activationToken();
     QApplication application(argc, argv);
     QApplication::setApplicationName(product::name());
     QApplication::setApplicationVersion(version::shortVersion());
@@ -59,7 +63,7 @@ int main(int argc, char **argv) {
         return 2;
 
     SingleInstance instance(SingleInstance::userDirectory());
-    if (instance.claim(qgetenv("XDG_ACTIVATION_TOKEN")) == SingleInstance::Role::second)
+    if (instance.claim(activationToken) == SingleInstance::Role::second)
         return 0;
 
     readFontConfiguration();
@@ -80,6 +84,13 @@ int main(int argc, char **argv) {
         desktop.setWindow(&window);
         QObject::connect(&instance, &SingleInstance::raiseRequested, &window,
                          [&window](const QByteArray &token) { bringToFront(&window, token); });
+#ifndef Q_OS_MACOS
+        DesktopPreferences preferences(QDBusConnection::sessionBus());
+        QObject::connect(&preferences, &DesktopPreferences::colorSchemePreferred, &window,
+                         &MainWindow::followDesktop);
+        QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred, &window,
+                         &AppStyle::setReducedMotion);
+#endif
         window.show();
         status = QApplication::exec();
     }

@@ -1,16 +1,23 @@
 #include "Kit/AppStyle.h"
 
 #include "Kit/Shapes.h"
+#include "Kit/Symbol.h"
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
+#include "Kit/WindowFrame.h"
 #include "Theme/AppTheme.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QMenu>
 #include <QPainter>
 #include <QStyleOption>
 #include <QToolTip>
 #include <QtMath>
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace vantrel {
 
@@ -26,6 +33,9 @@ QString toolkitStyle() {
     return QStringLiteral("fusion");
 }
 #endif
+
+constexpr int animationDuration = 180; // milliseconds
+bool reducedMotion = false;
 
 // -- Scroll bars
 
@@ -149,24 +159,152 @@ void paintPushButton(QPainter &painter, const QStyleOptionButton &button) {
         paintFocusRing(painter, rect, isLink(button) ? linkRadius : buttonRadius);
 }
 
+// -- Menus and pop-ups
+
+constexpr int menuMargin = 5;
+constexpr double menuRadius = 8;
+constexpr double menuItemRadius = 5;
+constexpr int menuItemPadding = 10;
+constexpr int tickWidth = 18;
+constexpr int menuItemHeight = 26;
+constexpr int menuSeparatorHeight = 9;
+
+bool isPopUp(const QWidget *widget) {
+    return qobject_cast<const QMenu *>(widget) || (widget && widget->inherits("QComboBoxPrivateContainer"));
+}
+
+/// As the control that it belongs to.
+TextStyle menuStyle(const QWidget *widget) {
+    return {.size = qobject_cast<const QComboBox *>(widget) ? 11.5 : 12.5, .weight = Weight::medium};
+}
+
+bool isSeparator(const QStyleOptionMenuItem &item) {
+    return item.menuItemType == QStyleOptionMenuItem::Separator;
+}
+
+/// What an item says, and the keys that do the same.
+std::pair<QString, QString> menuTexts(const QStyleOptionMenuItem &item) {
+    const QString text = QString(item.text).remove(u'&');
+    return {text.section(u'\t', 0, 0), text.section(u'\t', 1)};
+}
+
+void paintMenuPanel(QPainter &painter, const QRectF &rect, const QWidget *widget) {
+    const bool isRound = widget && widget->testAttribute(Qt::WA_TranslucentBackground);
+    paintCard(painter, rect, isRound ? menuRadius : 0, AppTheme::surface(), AppTheme::paneStroke());
+}
+
+void paintTick(QPainter &painter, const QPointF &centre, const QColor &color) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(centre);
+    painter.setPen(QPen(color, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolyline(QPolygonF{{-3.5, 0.5}, {-1, 3}, {3.5, -3}});
+    painter.restore();
+}
+
+void paintMenuItem(QPainter &painter, const QStyleOptionMenuItem &item, const QWidget *widget) {
+    const int inset = qobject_cast<const QComboBox *>(widget) ? menuMargin : 0; // its list has no margins
+    const QRectF rect = item.rect.adjusted(inset, 0, -inset, 0);
+    if (isSeparator(item)) {
+        fillLine(painter, {rect.left() + 4, std::floor(rect.center().y()), rect.width() - 8, hairline},
+                 AppTheme::stroke());
+        return;
+    }
+    const bool isEnabled = item.state & QStyle::State_Enabled;
+    const bool isPointedAt = isEnabled && item.state & QStyle::State_Selected;
+    if (isPointedAt)
+        paintCard(painter, rect, menuItemRadius, AppTheme::accent(), ThemeColor());
+    const QColor ink = isPointedAt ? AppTheme::onAccent()
+                       : isEnabled ? AppTheme::ink()
+                                   : AppTheme::inkTertiary();
+    QRectF text = rect.adjusted(menuItemPadding, 0, -menuItemPadding, 0);
+    if (item.menuHasCheckableItems) {
+        if (item.checked)
+            paintTick(painter, {text.left() + 4, rect.center().y()}, ink);
+        text.setLeft(text.left() + tickWidth);
+    }
+    const auto [title, keys] = menuTexts(item);
+    paintText(painter, text, title, menuStyle(widget), ink);
+    paintText(painter, text, keys, menuStyle(widget), isPointedAt ? ink : QColor(AppTheme::inkTertiary()),
+              Qt::AlignRight | Qt::AlignVCenter);
+    if (item.menuItemType == QStyleOptionMenuItem::SubMenu)
+        Symbol{QStringLiteral("chevron.right"), 9, Weight::bold}.paint(
+            painter, QRectF(text.right() - menuItemPadding, rect.top(), menuItemPadding, rect.height()), ink);
+}
+
+/// The place of a list that drops from a pop-up button: its texts lie over the button's, and are seen whole.
+QRect popUpListRect(QRect rect, const QComboBox &button) {
+    double widest = 0;
+    for (int i = 0; i < button.count(); ++i)
+        widest = std::max(widest, menuStyle(&button).width(button.itemText(i)));
+    constexpr int beforeText = menuMargin + menuItemPadding + tickWidth;
+    constexpr int buttonPadding = 8;
+    rect.translate(buttonPadding - beforeText, 0);
+    rect.setWidth(std::max(rect.width(), qCeil(widest) + 1 + beforeText + menuItemPadding + menuMargin));
+    return rect;
+}
+
+QSize menuItemSize(const QStyleOptionMenuItem &item, const QWidget *widget) {
+    if (isSeparator(item))
+        return {1, menuSeparatorHeight}; // without a width it would be left out
+    constexpr int keysGap = 20;          // the toolkit adds the keys' own width
+    const auto [title, keys] = menuTexts(item);
+    const int text = qCeil(menuStyle(widget).width(title)) + 1;
+    return {text + 2 * menuItemPadding + (item.menuHasCheckableItems ? tickWidth : 0) +
+                (keys.isEmpty() ? 0 : keysGap),
+            menuItemHeight};
+}
+
 } // namespace
 
 AppStyle::AppStyle(std::chrono::milliseconds toolTipDelay)
     : QProxyStyle(toolkitStyle()), m_toolTipDelay(toolTipDelay) {}
 
-void AppStyle::install(QApplication &, std::chrono::milliseconds toolTipDelay) {
+void AppStyle::install(QApplication &application, std::chrono::milliseconds toolTipDelay) {
     QApplication::setStyle(new AppStyle(toolTipDelay));
     QApplication::setFont(TextStyle{13}.font());
     QApplication::setPalette(AppTheme::palette());
-    QToolTip::setFont(TextStyle{11}.font());
+    ToolTips::install(application);
+    QToolTip::setFont(TextStyle{11.5, Weight::medium}.font()); // those of menus, which the toolkit shows
     QToolTip::setPalette({}); // the desktop's own would stay when the scheme changes
+}
+
+void AppStyle::setReducedMotion(bool reduced) {
+    reducedMotion = reduced;
+}
+
+void AppStyle::polish(QWidget *widget) {
+    QProxyStyle::polish(widget);
+    if (isPopUp(widget) && desktopBlendsWindows())
+        widget->setAttribute(Qt::WA_TranslucentBackground);
+}
+
+void AppStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                             const QWidget *widget) const {
+    const auto *frame = qstyleoption_cast<const QStyleOptionFrame *>(option);
+    if (element == PE_PanelMenu || (element == PE_Frame && isPopUp(widget))) {
+        paintMenuPanel(*painter, option->rect, widget);
+    } else if (element == PE_FrameMenu) {
+        return; // it is part of the panel
+    } else if (element == PE_PanelTipLabel) {
+        paintCard(*painter, option->rect, 0, AppTheme::surface(), AppTheme::paneStroke());
+    } else if (element == PE_PanelLineEdit && frame && frame->lineWidth > 0) {
+        const bool isFocused = option->state & State_HasFocus;
+        paintCard(*painter, option->rect, buttonRadius, AppTheme::surface(),
+                  isFocused ? AppTheme::accent() : AppTheme::paneStroke(), isFocused ? 2 : hairline);
+    } else {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
 }
 
 void AppStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                            const QWidget *widget) const {
     const auto *bar = qstyleoption_cast<const QStyleOptionProgressBar *>(option);
     const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
-    if (element == CE_ProgressBar && bar)
+    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+    if (element == CE_MenuItem && item)
+        paintMenuItem(*painter, *item, widget);
+    else if (element == CE_ProgressBar && bar)
         paintProgressBar(*painter, *bar);
     else if (element == CE_PushButton && button)
         paintPushButton(*painter, *button);
@@ -186,6 +324,9 @@ void AppStyle::drawComplexControl(ComplexControl control, const QStyleOptionComp
 QRect AppStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
                                const QWidget *widget) const {
     const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
+    const auto *button = qobject_cast<const QComboBox *>(widget);
+    if (control == CC_ComboBox && part == SC_ComboBoxListBoxPopup && button)
+        return popUpListRect(QProxyStyle::subControlRect(control, option, part, widget), *button);
     if (control != CC_ScrollBar || !bar)
         return QProxyStyle::subControlRect(control, option, part, widget);
     const ScrollBarParts parts(*bar);
@@ -206,12 +347,21 @@ QRect AppStyle::subControlRect(ComplexControl control, const QStyleOptionComplex
 QSize AppStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
                                  const QWidget *widget) const {
     const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
-    return type == CT_PushButton && button ? pushButtonSize(*button)
-                                           : QProxyStyle::sizeFromContents(type, option, size, widget);
+    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+    if (type == CT_PushButton && button)
+        return pushButtonSize(*button);
+    if (type == CT_MenuItem && item)
+        return menuItemSize(*item, widget);
+    return QProxyStyle::sizeFromContents(type, option, size, widget);
 }
 
 int AppStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const {
     switch (metric) {
+    case PM_MenuPanelWidth:
+        return 0;
+    case PM_MenuHMargin:
+    case PM_MenuVMargin:
+        return menuMargin;
     case PM_ScrollBarExtent:
     case PM_ScrollView_ScrollBarOverlap:
         return scrollBarWidth;
@@ -229,6 +379,8 @@ int AppStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidge
     switch (hint) {
     case SH_ToolTip_WakeUpDelay:
         return static_cast<int>(m_toolTipDelay.count());
+    case SH_Widget_Animation_Duration:
+        return reducedMotion ? 0 : animationDuration;
     case SH_ScrollBar_ContextMenu:
         return 0;
     default:

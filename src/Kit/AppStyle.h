@@ -14,6 +14,8 @@ namespace vantrel {
 ///   there is something to scroll;
 /// - a progress bar is a capsule filled from the left, one without a known end (a range of nothing) a circle
 ///   of spokes;
+/// - menus and pop-ups are cards of rows, with a tick beside what is chosen, round where the desktop blends
+///   windows; a text field is a card whose line tells that it has the keyboard;
 /// - a push button is a small card with its title, in the accent colour if it is the dialog's default; a flat
 ///   one is text that acts like a link.
 class AppStyle : public QProxyStyle {
@@ -29,6 +31,13 @@ public:
     /// Gives the application this style, and the theme's palette and font.
     static void install(QApplication &application, std::chrono::milliseconds toolTipDelay);
 
+    /// Whether things move at all; at first they do. Controls learn of it as SH_Widget_Animation_Duration.
+    static void setReducedMotion(bool reduced);
+
+    void polish(QWidget *widget) override;
+    using QProxyStyle::polish;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override;
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,

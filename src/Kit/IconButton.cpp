@@ -1,13 +1,40 @@
 #include "Kit/IconButton.h"
 
+#include "Kit/Accessibility.h"
 #include "Kit/Shapes.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 
 namespace vantrel {
 
+PlainButton::PlainButton(QWidget *parent) : QAbstractButton(parent) {
+    setFocusPolicy(Qt::TabFocus);
+}
+
+void PlainButton::setHelp(const QString &help, QAccessible::Role role) {
+    setToolTip(plainToolTip(help));
+    describe(this, role, help);
+}
+
+void PlainButton::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    painter.save();
+    paintContent(painter);
+    painter.restore();
+    if (hasFocus())
+        paintFocusRing(painter, rect(), m_ringRadius);
+}
+
+void PlainButton::keyPressEvent(QKeyEvent *event) {
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && !event->isAutoRepeat())
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
+}
+
 IconButton::IconButton(QSize size, double radius, QWidget *parent)
-    : PlainButton(parent), m_size(size), m_radius(qMin(radius, qMin(size.width(), size.height()) / 2.0)) {
+    : PlainButton(parent), m_radius(qMin(radius, qMin(size.width(), size.height()) / 2.0)) {
     setFixedSize(size);
     setRingRadius(m_radius);
 }
@@ -17,10 +44,6 @@ void IconButton::setLook(const Look &look) {
         return;
     m_look = look;
     update();
-}
-
-QSize IconButton::sizeHint() const {
-    return m_size;
 }
 
 void IconButton::paintContent(QPainter &painter) {

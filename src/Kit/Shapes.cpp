@@ -61,9 +61,11 @@ QPainterPath capsule(const QRectF &rect) {
 void fillLine(QPainter &painter, const QRectF &rect, const QColor &color) {
     // In pieces: what is translucent and taller than 95 device pixels, the toolkit hands to several threads,
     // and waiting for them takes longer than painting a line. Up to three device pixels make a layout pixel.
-    constexpr double tallest = 30;
-    for (double top = rect.top(); top < rect.bottom(); top += tallest)
-        painter.fillRect(QRectF(rect.left(), top, rect.width(), qMin(tallest, rect.bottom() - top)), color);
+    constexpr int tallest = 30;
+    for (int done = 0; done < rect.height(); done += tallest)
+        painter.fillRect(
+            QRectF(rect.left(), rect.top() + done, rect.width(), qMin<double>(tallest, rect.height() - done)),
+            color);
 }
 
 void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QColor &color, double width) {
@@ -108,6 +110,21 @@ void paintCard(QPainter &painter, const QRectF &rect, double radius, const QColo
         painter.fillPath(roundedRect(rect, radius), fill);
     if (stroke.alpha() > 0 && strokeWidth > 0)
         strokeInside(painter, rect, radius, stroke, strokeWidth);
+    painter.restore();
+}
+
+void paintShadow(QPainter &painter, const QRectF &card, double radius, int reach) {
+    constexpr double strength = 0.16; // beside the card, of all layers together
+    constexpr int layers = 8;
+    const double fall = reach / 3.0;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (int layer = 1; layer <= layers; ++layer) {
+        const double step = (reach - fall) * layer / layers;
+        painter.fillPath(
+            roundedRect(card.translated(0, fall).adjusted(-step, -step, step, step), radius + step),
+            QColor::fromRgbF(0, 0, 0, float(strength / layers)));
+    }
     painter.restore();
 }
 

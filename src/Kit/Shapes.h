@@ -30,6 +30,9 @@ void strokeInside(QPainter &painter, const QRectF &rect, double radius, const QC
 void paintCard(QPainter &painter, const QRectF &rect, double radius, const QColor &fill, const QColor &stroke,
                double strokeWidth = hairline);
 
+/// The soft shadow of a card that lies above others, as of light from above: no more than `reach` beyond it.
+void paintShadow(QPainter &painter, const QRectF &card, double radius, int reach);
+
 /// A capsule filled from the left: `fraction` of it, 0 to 1. Anything beyond is cut off; NaN, from a division
 /// by an unknown total, counts as nothing.
 void paintProgress(QPainter &painter, const QRectF &rect, double fraction, const QColor &fill,

@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QFile>
 #include <QImage>
+#include <QMap>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -16,19 +17,8 @@ namespace {
 constexpr double gridPerPoint = 1.4;
 
 /// Width of the lines in units of the grid.
-double strokeWidth(Weight weight) {
-    switch (weight) {
-    case Weight::regular:
-        return 1.5;
-    case Weight::medium:
-        return 1.75;
-    case Weight::semibold:
-        return 2.0;
-    case Weight::bold:
-        return 2.4;
-    }
-    Q_UNREACHABLE();
-}
+const QMap<Weight, double> strokeWidths{
+    {Weight::regular, 1.5}, {Weight::medium, 1.75}, {Weight::semibold, 2.0}, {Weight::bold, 2.4}};
 
 QString fileOf(const QString &name) {
     return QStringLiteral(":/symbols/") + name + QStringLiteral(".svg");
@@ -41,7 +31,7 @@ QImage drawn(const QString &name, Weight weight, int side) {
         return {};
     QByteArray svg = file.readAll();
     const QByteArray familyWidth = QByteArrayLiteral("stroke-width=\"2\"");
-    const QByteArray weightWidth = "stroke-width=\"" + QByteArray::number(strokeWidth(weight)) + '"';
+    const QByteArray weightWidth = "stroke-width=\"" + QByteArray::number(strokeWidths[weight]) + '"';
     const qsizetype position = svg.indexOf(familyWidth);
     Q_ASSERT_X(position >= 0, "Symbol", "the drawing does not have the family's stroke width");
     svg.replace(position, familyWidth.size(), weightWidth);

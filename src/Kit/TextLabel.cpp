@@ -1,8 +1,9 @@
 #include "Kit/TextLabel.h"
 
-#include <QHelpEvent>
+#include "Kit/ToolTips.h"
+
+#include <QEvent>
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
 
@@ -27,11 +28,6 @@ void TextLabel::setColor(const ThemeColor &color) {
     update();
 }
 
-void TextLabel::setElision(Elision elision) {
-    m_elision = elision;
-    update();
-}
-
 void TextLabel::setMaximumLines(int lines) {
     m_maximumLines = lines;
     QSizePolicy policy = sizePolicy();
@@ -41,6 +37,16 @@ void TextLabel::setMaximumLines(int lines) {
     setSizePolicy(policy);
     updateGeometry();
     update();
+}
+
+void TextLabel::setElision(Elision elision) {
+    m_elision = elision;
+    update();
+}
+
+void TextLabel::setKeptWidth(int width) {
+    m_keptWidth = width;
+    updateGeometry();
 }
 
 bool TextLabel::isElided() const {
@@ -56,14 +62,6 @@ QSize TextLabel::sizeHint() const {
     return {width, m_style.lineHeight()};
 }
 
-QSize TextLabel::minimumSizeHint() const {
-    return {0, m_style.lineHeight()};
-}
-
-bool TextLabel::hasHeightForWidth() const {
-    return m_maximumLines > 1;
-}
-
 int TextLabel::heightForWidth(int width) const {
     const auto lines = wrappedLines(text(), m_style, width, m_maximumLines).size();
     return int(qMax<qsizetype>(1, lines)) * m_style.lineHeight();
@@ -71,10 +69,7 @@ int TextLabel::heightForWidth(int width) const {
 
 bool TextLabel::event(QEvent *event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        if (isElided())
-            QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
-        else
-            QToolTip::hideText();
+        ToolTips::show(isElided() ? text() : QString(), this, rect());
         return true;
     }
     return QLabel::event(event);

@@ -21,15 +21,20 @@ public:
     /// Repaints and lays out again only when the text differs.
     void setText(const QString &text);
     void setColor(const ThemeColor &color);
-    void setElision(Elision elision);
     void setMaximumLines(int lines);
+    /// Where a single line is shortened; at first at its end.
+    void setElision(Elision elision);
+    /// How wide it stays, if its text needs that much: another text beside it yields first. Layout pixels.
+    void setKeptWidth(int width);
 
     /// Whether the text is shortened at the current width.
     [[nodiscard]] bool isElided() const;
 
     [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override;
-    [[nodiscard]] bool hasHeightForWidth() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override {
+        return {qMin(m_keptWidth, sizeHint().width()), m_style.lineHeight()};
+    }
+    [[nodiscard]] bool hasHeightForWidth() const override { return m_maximumLines > 1; }
     [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
@@ -39,8 +44,9 @@ protected:
 private:
     TextStyle m_style;
     ThemeColor m_color;
-    Elision m_elision = Elision::end;
     int m_maximumLines = 1;
+    int m_keptWidth = 0;
+    Elision m_elision = Elision::end;
 };
 
 } // namespace vantrel

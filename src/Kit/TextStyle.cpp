@@ -9,41 +9,25 @@ namespace vantrel {
 
 namespace {
 
-QFont::Weight fontWeight(Weight weight) {
-    switch (weight) {
-    case Weight::regular:
-        return QFont::Normal;
-    case Weight::medium:
-        return QFont::Medium;
-    case Weight::semibold:
-        return QFont::DemiBold;
-    case Weight::bold:
-        return QFont::Bold;
-    }
-    Q_UNREACHABLE();
-}
-
-/// Which of them is installed the toolkit finds out when it opens the font, not before.
-QStringList standardFamilies() {
-    const QString general = QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
-#ifdef Q_OS_MACOS
-    return {general};
-#else
-    return {QStringLiteral("Inter"), general};
-#endif
+QString systemFamily(QFontDatabase::SystemFont font) {
+    return QFontDatabase::systemFont(font).family();
 }
 
 const QStringList &families(FontDesign design) {
     // Asking for the system's fonts again for every text would be noticed while scrolling.
-    static const QStringList standard = standardFamilies();
-    static const QStringList monospaced{QFontDatabase::systemFont(QFontDatabase::FixedFont).family()};
+    static const QStringList monospaced{systemFamily(QFontDatabase::FixedFont)};
+    static const QStringList standard{
+#ifndef Q_OS_MACOS
+        QStringLiteral("Inter"), // whether it is installed the toolkit finds out when it opens the font
+#endif
+        systemFamily(QFontDatabase::GeneralFont)};
     return design == FontDesign::monospaced ? monospaced : standard;
 }
 
 QFont styledFont(const TextStyle &style, int pixelSize) {
     QFont font(families(style.design));
     font.setPixelSize(pixelSize);
-    font.setWeight(fontWeight(style.weight));
+    font.setWeight(QFont::Weight(style.weight));
     // Hinting would round every advance to whole pixels, and so undo half of what the sizes differ in.
     font.setHintingPreference(QFont::PreferNoHinting);
     if (style.design == FontDesign::monospaced)
@@ -151,9 +135,7 @@ QString displayText(const QString &text) {
 }
 
 QString plainToolTip(const QString &text) {
-    if (text.isEmpty())
-        return {};
-    return QStringLiteral("<span>") + displayText(text).toHtmlEscaped() + QStringLiteral("</span>");
+    return displayText(text);
 }
 
 QString elidedText(const QString &text, const TextStyle &style, double width, Elision elision) {
@@ -206,13 +188,15 @@ void paintText(QPainter &painter, const QRectF &rect, const QString &text, const
     painter.restore();
 }
 
-void paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
-                const QColor &color, int maximumLines, Qt::Alignment alignment) {
+int paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
+               const QColor &color, int maximumLines, Qt::Alignment alignment) {
     QRectF line(rect.left(), rect.top(), rect.width(), style.lineHeight());
-    for (const QString &words : wrappedLines(text, style, rect.width(), maximumLines)) {
+    const QStringList lines = wrappedLines(text, style, rect.width(), maximumLines);
+    for (const QString &words : lines) {
         paintText(painter, line, words, style, color, alignment | Qt::AlignVCenter);
         line.translate(0, line.height());
     }
+    return int(lines.size());
 }
 
 } // namespace vantrel

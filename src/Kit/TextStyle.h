@@ -11,7 +11,12 @@ class QPainter;
 namespace vantrel {
 
 /// Weight of a text or of a symbol beside it.
-enum class Weight { regular, medium, semibold, bold };
+enum class Weight {
+    regular = QFont::Normal,
+    medium = QFont::Medium,
+    semibold = QFont::DemiBold,
+    bold = QFont::Bold,
+};
 
 enum class FontDesign { standard, monospaced };
 
@@ -42,8 +47,7 @@ struct TextStyle {
 /// line break shows as "↵". Everything below does this to the text it is given.
 [[nodiscard]] QString displayText(const QString &text);
 
-/// `text` for QWidget::setToolTip and QToolTip, shown letter for letter: a file name that looks like markup
-/// is not interpreted. Long texts wrap.
+/// `text` for QWidget::setToolTip and ToolTips: a tip is plain text, what looks like markup included.
 [[nodiscard]] QString plainToolTip(const QString &text);
 
 /// `text` on one line, shortened with "…" to at most `width`; empty when not even the "…" fits.
@@ -60,8 +64,9 @@ void paintText(QPainter &painter, const QRectF &rect, const QString &text, const
                const QColor &color, Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter,
                Elision elision = Elision::end);
 
-/// Paints up to `maximumLines` lines from the top of `rect`; `alignment` is the horizontal one.
-void paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
-                const QColor &color, int maximumLines, Qt::Alignment alignment = Qt::AlignHCenter);
+/// Paints up to `maximumLines` lines from the top of `rect`; `alignment` is the horizontal one. Returns how
+/// many lines there are.
+int paintLines(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
+               const QColor &color, int maximumLines, Qt::Alignment alignment = Qt::AlignHCenter);
 
 } // namespace vantrel

@@ -39,7 +39,7 @@ bool hasCompositingManager(xcb_connection_t *connection) {
 #endif
 
 bool desktopBlendsWindows() {
-    if (QGuiApplication::platformName().startsWith(QLatin1StringView("wayland")))
+    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
         return true;
 #ifdef VANTREL_HAS_XCB
     // Other platforms may offer the interface without having a connection.

@@ -1,5 +1,7 @@
 #include "MacFiles/MacFileClient.h"
 
+#include "MacFiles/ThisComputer.h"
+
 #include "MacFiles/Desktop.h"
 #include "Records/FileOrder.h"
 #include "Records/Identity.h"
@@ -161,7 +163,8 @@ void copyPath(Desktop &desktop, const QString &path) {
 }
 
 QFuture<std::optional<QString>> chooseFolder(Desktop &desktop, const QString &startingAt) {
-    return desktop.chooseFolder(QStringLiteral("Choose a Mac folder"), QStringLiteral("Choose"),
+    return desktop.chooseFolder(QStringLiteral("Choose a %1 folder").arg(thisComputer()),
+                                QStringLiteral("Choose"),
                                 startingAt.isEmpty() ? startingAt : standardizedPath(startingAt));
 }
 

@@ -80,7 +80,7 @@ private:
             request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
             m_reply = m_network.post(request, new SingleUseBody(m_request.json, this));
         }
-        m_reply->setReadBufferSize(std::max<qint64>(m_request.maximumSize / 16, 16 * 1024));
+        m_reply->setReadBufferSize(std::max<qint64>(m_request.maximumSize / 16, 16LL * 1024));
         m_body.clear();
         connect(m_reply, &QNetworkReply::readyRead, this, &HttpExchange::receive);
         connect(m_reply, &QNetworkReply::finished, this, &HttpExchange::replyFinished);

@@ -135,7 +135,7 @@ QString PreferencesFile::save() {
             return QStringLiteral("%1 is damaged and cannot be put aside").arg(m_path);
     }
     const QString text = merged(m_text, m_changes);
-    const QString problem = write(text);
+    QString problem = write(text);
     if (problem.isEmpty()) {
         m_text = text;
         m_state = State::readable;

@@ -18,6 +18,9 @@ struct FileItem {
     std::optional<qint64> sizeBytes;     ///< bytes; absent where the producer could not tell (folders)
     std::optional<qint64> itemCount;     ///< entries inside a folder, where known
     std::optional<QDateTime> modifiedAt; ///< last modification; absent where unknown
+    /// False for a phone's name that is no text: U+FFFD stands in the path for what it holds, and nothing on
+    /// the phone answers to it.
+    bool isNameExact = true;
 
     /// The size column: a file's size, "N items" for a folder whose count is known, else "—"; "0 B" for a
     /// file of unknown size.

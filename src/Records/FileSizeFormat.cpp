@@ -72,4 +72,13 @@ QString formatFileSize(qint64 bytes) {
            unit.name;
 }
 
+QString formatFileSizes(qint64 done, qint64 total) {
+    const QString whole = formatFileSize(total);
+    QString part = done == 0 ? QStringLiteral("0") : formatFileSize(done);
+    const QString unit = whole.mid(whole.lastIndexOf(QLatin1Char(' ')));
+    if (part.endsWith(unit))
+        part.chop(unit.size());
+    return part % QStringLiteral(" of ") % whole;
+}
+
 } // namespace vantrel

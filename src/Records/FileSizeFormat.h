@@ -13,4 +13,7 @@ namespace vantrel {
 /// minus sign.
 [[nodiscard]] QString formatFileSize(qint64 bytes);
 
+/// How much of a byte count is done: "4.1 of 12 GB", "900 KB of 12 GB", "0 of 12 GB".
+[[nodiscard]] QString formatFileSizes(qint64 done, qint64 total);
+
 } // namespace vantrel

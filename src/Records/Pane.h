@@ -12,15 +12,26 @@ enum class BrowserSide { android, mac };
 
 /// How a pane lays out its entries.
 enum class PaneViewMode { list, grid };
+inline constexpr std::array allPaneViewModes{PaneViewMode::list, PaneViewMode::grid};
+
+/// What the phone pane's search field searches.
+enum class AndroidSearchScope { thisFolder, everywhere };
+inline constexpr std::array allAndroidSearchScopes{AndroidSearchScope::thisFolder,
+                                                   AndroidSearchScope::everywhere};
 
 /// What a pane's select-all box shows: nothing visible selected, some of it, all of it.
 enum class PaneSelectAllState { none, partial, all };
 
-inline constexpr std::array allPaneViewModes{PaneViewMode::list, PaneViewMode::grid};
-
-/// The name under which a view mode is stored.
+/// The name under which a choice is stored.
 [[nodiscard]] QString rawValue(PaneViewMode mode);
-/// The view mode of exactly that name, or none.
+[[nodiscard]] QString rawValue(AndroidSearchScope scope);
+/// The choice of exactly that name, or none.
 [[nodiscard]] std::optional<PaneViewMode> paneViewModeFromRawValue(const QString &text);
+[[nodiscard]] std::optional<AndroidSearchScope> androidSearchScopeFromRawValue(const QString &text);
+
+/// The scope's title in the scope picker.
+[[nodiscard]] QString displayTitle(AndroidSearchScope scope);
+/// The search field's placeholder while the scope is chosen.
+[[nodiscard]] QString searchPlaceholder(AndroidSearchScope scope);
 
 } // namespace vantrel

@@ -16,7 +16,8 @@ const QueueItemStatus::Progress *QueueItemStatus::progress() const {
 QString QueueItem::progressLabel() const {
     if (const auto *progress = status.progress()) {
         if (progress->totalBytes < 1)
-            return QStringLiteral("Transferring…");
+            return status.is<QueueItemStatus::Paused>() ? QStringLiteral("Paused")
+                                                        : QStringLiteral("Transferring…");
         return formatFileSize(progress->transferredBytes) % QStringLiteral(" / ") %
                formatFileSize(progress->totalBytes);
     }

@@ -24,13 +24,9 @@ public:
         qsizetype fileCount = 0;     ///< 0 while it is unknown
         friend bool operator==(const Progress &, const Progress &) = default;
     };
-    struct Transferring : Progress {
-        friend bool operator==(const Transferring &, const Transferring &) = default;
-    };
+    struct Transferring : Progress {};
     /// A stopped copy with its progress; shown like Transferring.
-    struct Paused : Progress {
-        friend bool operator==(const Paused &, const Paused &) = default;
-    };
+    struct Paused : Progress {};
     /// It ended without all of it; another try may bring the rest.
     struct Failed {
         QString message;                  ///< what the user reads

@@ -17,6 +17,14 @@ AppState::AppState(Desktop &desktop, QObject *parent)
     if (!m_shortcuts.isEmpty())
         m_selectedShortcutID = m_shortcuts.first().id;
     forwardSignals();
+    // With the listing that is still under way: it is of the phone that is gone.
+    connect(&m_phones, &PhoneWatch::wasLost, this, [this] { m_androidPane.empty(); });
+    connect(&m_phones, &PhoneWatch::wasAsked, &m_transfers, &TransferRunner::phoneWasAsked);
+    connect(&m_transfers, &TransferRunner::phoneLeft, &m_phones, &PhoneWatch::doubt);
+    connect(this, &AppState::isTransferringChanged, this, [this] {
+        if (!isTransferring())
+            m_phones.refreshStorage();
+    });
 }
 
 std::unique_ptr<AppState> AppState::designPreview(Desktop &desktop) {
@@ -24,6 +32,9 @@ std::unique_ptr<AppState> AppState::designPreview(Desktop &desktop) {
 }
 
 void AppState::forwardSignals() {
+    connect(&m_phones, &PhoneWatch::deviceChanged, this, &AppState::deviceChanged);
+    connect(&m_phones, &PhoneWatch::messageChanged, this, &AppState::deviceStatusMessageChanged);
+    connect(&m_phones, &PhoneWatch::isRefreshingChanged, this, &AppState::isRefreshingDeviceChanged);
     connect(&m_androidPane, &PaneState::pathChanged, this, &AppState::androidCurrentPathChanged);
     connect(&m_androidPane, &PaneState::itemsChanged, this, &AppState::androidItemsChanged);
     connect(&m_androidPane, &PaneState::selectedIDsChanged, this, &AppState::androidSelectedIDsChanged);
@@ -43,7 +54,6 @@ void AppState::forwardSignals() {
     connect(&m_transfers, &TransferRunner::queueChanged, this, &AppState::queueChanged);
     connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
     connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
-    connect(&m_transfers, &TransferRunner::isPausedChanged, this, &AppState::isPausedChanged);
     connect(&m_transfers, &TransferRunner::isTransferringChanged, this, &AppState::isTransferringChanged);
 }
 
@@ -51,15 +61,20 @@ void AppState::forwardSignals() {
 /// folder.
 void AppState::transfer(TransferDirection direction) {
     if (!connectedSerial()) {
-        m_deviceStatusMessage = QStringLiteral("Connect an Android device to transfer.");
+        m_phones.setMessage(QStringLiteral("Connect an Android device to transfer."));
         return;
     }
     const bool isPull = direction == TransferDirection::androidToMac;
     PaneState &source = isPull ? m_androidPane : m_macPane;
     const QString folder = isPull ? macPath() : androidCurrentPath();
     QList<QueueItem> entries;
+    QStringList nameless; // what these are called, adb cannot be told
     for (const FileItem &item : source.visibleItems()) {
-        if (source.selectedIDs().contains(item.id))
+        if (!source.selectedIDs().contains(item.id))
+            continue;
+        if (!item.isNameExact)
+            nameless.append(item.name);
+        else
             entries.append({newIdentity(),
                             item.name,
                             item.isDirectory,
@@ -70,6 +85,14 @@ void AppState::transfer(TransferDirection direction) {
                             item.sizeBytes.value_or(0),
                             *connectedSerial()});
     }
+    if (!nameless.isEmpty())
+        source.setBrowseError(
+            nameless.size() == 1
+                ? QString(QStringLiteral("“") % nameless.first() %
+                          QStringLiteral("” can’t be copied: its name on the phone is not text."))
+                : QString(
+                      QString::number(nameless.size()) %
+                      QStringLiteral(" entries can’t be copied: their names on the phone are not text.")));
     if (entries.isEmpty())
         return;
     source.clearSelection();
@@ -84,8 +107,8 @@ QString AppState::shownFolder(BrowserSide side) const {
     return side == BrowserSide::mac ? macPath() : androidCurrentPath();
 }
 
-QCoro::Task<> AppState::listAgain(BrowserSide side) {
-    return side == BrowserSide::mac ? browseMac(macPath()) : browseAndroid(androidCurrentPath());
+bool AppState::isListing(BrowserSide side) const {
+    return side == BrowserSide::mac ? isLoadingMac() : isLoadingAndroid();
 }
 
 } // namespace vantrel

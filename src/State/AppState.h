@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Records/AndroidDevice.h"
 #include "Records/StorageShortcut.h"
 #include "State/DeviceSearch.h"
 #include "State/PaneState.h"
+#include "State/PhoneWatch.h"
 #include "Transfers/TransferRunner.h"
 
-#include <algorithm>
 #include <memory>
 
 namespace vantrel {
@@ -23,8 +22,7 @@ class AppState : public QObject, private TransferHost {
     Q_OBJECT
 
 public:
-    /// How loudly a refresh goes about its work: a visible one sets isRefreshingDevice.
-    enum class Spinner { hidden, shown };
+    using Spinner = PhoneWatch::Spinner;
 
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
@@ -33,14 +31,15 @@ public:
     [[nodiscard]] Desktop &desktop() const { return m_desktop; }
 
     // -- The phone
-    [[nodiscard]] const AndroidDevice &device() const { return m_device.value(); }
-    [[nodiscard]] const std::optional<QString> &deviceStatusMessage() const {
-        return m_deviceStatusMessage.value();
-    }
-    [[nodiscard]] bool isRefreshingDevice() const { return m_isRefreshingDevice; }
+    [[nodiscard]] const AndroidDevice &device() const { return m_phones.device(); }
+    [[nodiscard]] const std::optional<QString> &deviceStatusMessage() const { return m_phones.message(); }
+    [[nodiscard]] bool isRefreshingDevice() const { return m_phones.isRefreshing(); }
+    /// All phones; device() is the one of them that is shown.
+    [[nodiscard]] PhoneWatch &phones() { return m_phones; }
+    [[nodiscard]] const PhoneWatch &phones() const { return m_phones; }
     /// Looks for the phone. When it was just found, the phone pane opens the highlighted shortcut's folder. A
     /// hidden refresh does nothing while another is asking, a shown one supersedes it.
-    QCoro::Task<> refreshDevice(Spinner spinner);
+    QCoro::Task<> refreshDevice(Spinner spinner) { return m_phones.refresh(spinner); }
 
     // -- Both panes
     [[nodiscard]] PaneState &pane(BrowserSide side) {
@@ -117,37 +116,20 @@ public:
 
     // -- Transfers
     [[nodiscard]] const QList<QueueItem> &queue() const { return m_transfers.queue().items(); }
-    /// Tells which rows of the queue change.
-    [[nodiscard]] QAbstractItemModel *queueModel() { return m_transfers.queueModel(); }
     [[nodiscard]] const QString &transferSpeedLabel() const { return m_transfers.speedLabel(); }
     [[nodiscard]] const QString &remainingLabel() const { return m_transfers.remainingLabel(); }
     [[nodiscard]] bool isTransferring() const { return m_transfers.isTransferring(); }
-    /// Entries that are being copied at this moment: one for each run.
-    [[nodiscard]] int activeTransferCount() const {
-        return std::min(m_transfers.queue().activeCount(), TransferRunner::concurrentCopies);
-    }
-    /// Entries that wait for their turn, or only for the others of their run.
-    [[nodiscard]] int waitingCount() const {
-        return m_transfers.queue().waitingCount() + m_transfers.queue().activeCount() - activeTransferCount();
-    }
+    [[nodiscard]] int activeTransferCount() const { return m_transfers.activeCount(); }
+    [[nodiscard]] int waitingCount() const { return m_transfers.waitingCount(); }
     /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
     void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
     void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }
-    [[nodiscard]] bool isPaused() const { return m_transfers.isPaused(); }
-    /// The queue's figures: entries done, failed and held up by a taken name; bytes done of all that are
-    /// known.
-    [[nodiscard]] const TransferQueue &transferQueue() const { return m_transfers.queue(); }
     /// Removes one entry; a copy that runs for it is stopped and leaves nothing behind.
     void removeQueueItem(const QUuid &id) { m_transfers.remove(id); }
     /// Removes every entry that is not running.
     void clearQueue() { m_transfers.clear(); }
-    /// Stops what runs until it is resumed.
-    void pauseTransfers() { m_transfers.pause(); }
-    void resumeTransfers() { m_transfers.resume(); }
-    void tryAgain(const QUuid &id) { m_transfers.tryAgain(id); }
-    void tryAllAgain() { m_transfers.tryAllAgain(); }
-    void keepBoth(const QUuid &id) { m_transfers.keepBoth(id); }
-    void keepAllBoth() { m_transfers.keepAllBoth(); }
+    /// What runs the queue, for whatever else is to be done with it.
+    [[nodiscard]] TransferRunner &transfers() { return m_transfers; }
 
 Q_SIGNALS:
     void deviceChanged();
@@ -180,31 +162,25 @@ Q_SIGNALS:
     void transferSpeedLabelChanged();
     void remainingLabelChanged();
     void isTransferringChanged();
-    void isPausedChanged();
 
 private:
     void forwardSignals();
     void transfer(TransferDirection direction);
-    QCoro::Task<> showPhone(AndroidDevice found);
-    void showNoPhone(const QString &reason);
+    QCoro::Task<> openPhone();
+    void showAvailable(std::optional<qint64> bytes);
     [[nodiscard]] std::optional<QString> connectedSerial() const override;
     [[nodiscard]] QString shownFolder(BrowserSide side) const override;
+    [[nodiscard]] bool isListing(BrowserSide side) const override;
     QCoro::Task<> listAgain(BrowserSide side) override;
 
     Desktop &m_desktop;
     const QList<StorageShortcut> m_shortcuts;
     PaneState m_androidPane;
     PaneState m_macPane;
+    PhoneWatch m_phones{[this] { return openPhone(); }};
     DeviceSearch m_search{m_androidPane};
     TransferRunner m_transfers{*this};
 
-    quint64 m_refreshToken = 0; ///< of the newest refresh; what an older one learns is dropped
-    bool m_isAskingForDevice = false;
-    Q_OBJECT_BINDABLE_PROPERTY(AppState, AndroidDevice, m_device, &AppState::deviceChanged)
-    Q_OBJECT_BINDABLE_PROPERTY(AppState, std::optional<QString>, m_deviceStatusMessage,
-                               &AppState::deviceStatusMessageChanged)
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, m_isRefreshingDevice, false,
-                                         &AppState::isRefreshingDeviceChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, m_isOpeningAndroidFile, false,
                                          &AppState::isOpeningAndroidFileChanged)
     Q_OBJECT_BINDABLE_PROPERTY(AppState, std::optional<QUuid>, m_selectedShortcutID,

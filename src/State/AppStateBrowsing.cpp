@@ -12,52 +12,12 @@
 
 namespace vantrel {
 
-QCoro::Task<> AppState::refreshDevice(Spinner spinner) {
-    const bool isShown = spinner == Spinner::shown;
-    if (isShown ? isRefreshingDevice() : m_isAskingForDevice)
-        co_return;
-    if (isShown)
-        m_isRefreshingDevice = true;
-    const quint64 token = ++m_refreshToken;
-    m_isAskingForDevice = true;
-    const auto found = co_await Background::run(this, &ADBClient::fetchPrimaryDevice);
-    if (token == m_refreshToken) {
-        m_isAskingForDevice = false;
-        if (found)
-            co_await showPhone(*found);
-        else
-            showNoPhone(found.error().errorDescription());
-    }
-    if (isShown)
-        m_isRefreshingDevice = false;
-}
-
-QCoro::Task<> AppState::showPhone(AndroidDevice found) {
-    // Another phone in the old one's place is new, too: its folders are not those that the pane shows.
-    const bool isNew = connectedSerial() != found.id;
-    std::optional<QString> message;
-    if (found.totalBytes < 0) {
-        message = QStringLiteral("Its storage use could not be read. Copying still works.");
-        found.usedBytes = isNew ? 0 : device().usedBytes;
-        found.totalBytes = isNew ? 0 : device().totalBytes;
-    }
-    m_device = found;
-    m_deviceStatusMessage = message;
-    m_transfers.phoneWasAsked();
-    if (!isNew)
-        co_return;
+QCoro::Task<> AppState::openPhone() {
     const auto shortcut = std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [this](const auto &entry) {
         return entry.id == selectedShortcutID();
     });
     const QString folder = shortcut != m_shortcuts.end() ? shortcut->path : QStringLiteral("/sdcard");
-    co_await browseAndroid(folder);
-}
-
-void AppState::showNoPhone(const QString &reason) {
-    m_device = AndroidDevice();
-    m_deviceStatusMessage = reason;
-    m_transfers.phoneWasAsked();
-    m_androidPane.empty(); // with the listing that is still under way: it is of the phone that is gone
+    return browseAndroid(folder);
 }
 
 QCoro::Task<> AppState::browseAndroid(QString path) {
@@ -84,7 +44,8 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
         co_return;
     if (!listing)
         m_androidPane.setBrowseError(listing.error().errorDescription());
-    m_androidPane.setItems(std::move(listing).value_or(QList<FileItem>()));
+    const auto shown = std::move(listing).value_or(ADBClient::Listing());
+    m_androidPane.setItems(shown, shown.unreadableCount);
     m_androidPane.setLoading(false);
 }
 
@@ -102,12 +63,40 @@ QCoro::Task<> AppState::browseMac(QString path) {
     if (!listing)
         m_macPane.setBrowseError(listing.error().errorDescription());
     m_macPane.setItems(std::move(listing).value_or(QList<FileItem>()));
-    m_macAvailableLabel =
-        available ? QString(formatFileSize(*available) + QStringLiteral(" available")) : unknownLabel();
+    showAvailable(available);
     m_macPane.setLoading(false);
 }
 
+void AppState::showAvailable(std::optional<qint64> bytes) {
+    m_macAvailableLabel =
+        bytes ? QString(formatFileSize(*bytes) + QStringLiteral(" available")) : unknownLabel();
+}
+
+/// What cannot be listed is left as it was seen last: nobody has asked.
+QCoro::Task<> AppState::listAgain(BrowserSide side) {
+    PaneState &shown = pane(side);
+    const quint64 token = shown.token();
+    const QString folder = shown.path();
+    if (side == BrowserSide::mac) {
+        auto listing = co_await Background::run(this, &MacFileClient::listDirectory, folder);
+        const auto available = co_await Background::run(this, &MacFileClient::availableBytes, folder);
+        if (!listing || !shown.isNewest(token))
+            co_return;
+        shown.setItemsAgain(*listing);
+        showAvailable(available);
+    } else if (const auto serial = connectedSerial()) {
+        auto listing = co_await Background::run(this, &ADBClient::listDirectory, *serial, folder);
+        if (listing && shown.isNewest(token))
+            shown.setItemsAgain(*listing, listing->unreadableCount);
+    }
+}
+
 QCoro::Task<> AppState::openAndroidFile(FileItem item) {
+    if (!item.isNameExact) {
+        m_androidPane.setBrowseError(QStringLiteral("“") % item.name %
+                                     QStringLiteral("” can’t be opened: its name on the phone is not text."));
+        co_return;
+    }
     if (item.isDirectory)
         co_return;
     const auto serial = connectedSerial();

@@ -11,6 +11,14 @@ QString plural(qsizetype count, const QString &noun) {
     return QString::number(count) % QLatin1Char(' ') % noun % (count == 1 ? QString() : QStringLiteral("s"));
 }
 
+QString unreadable(qsizetype count) {
+    if (count == 0)
+        return {};
+    return QStringLiteral(" • ") % QString::number(count) %
+           (count == 1 ? QStringLiteral(" entry") : QStringLiteral(" entries")) %
+           QStringLiteral(" could not be read");
+}
+
 } // namespace
 
 QString AppState::macSelectionSummary() const {
@@ -57,7 +65,7 @@ QString AppState::androidFooterStats() const {
     const QString counted =
         query.isEmpty() ? QString() : QString::number(shown.size()) + QStringLiteral(" of ");
     return counted % QString::number(androidItems().size()) % QStringLiteral(" items • ") %
-           formatFileSize(bytes);
+           formatFileSize(bytes) % unreadable(m_androidPane.unreadableCount());
 }
 
 } // namespace vantrel

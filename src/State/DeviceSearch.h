@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Records/AndroidSearchScope.h"
 #include "Records/FileItem.h"
+#include "Records/Pane.h"
 
 #include <QCoroTask>
 #include <QObject>

@@ -60,12 +60,24 @@ quint64 PaneState::open(const QString &path) {
     return ++m_token;
 }
 
-void PaneState::setItems(const QList<FileItem> &items) {
-    if (items == m_items)
+void PaneState::setItems(const QList<FileItem> &items, qsizetype unreadableCount) {
+    if (items == m_items && unreadableCount == m_unreadableCount)
         return;
     m_items = items;
+    m_unreadableCount = unreadableCount;
     updateVisibleItems();
     Q_EMIT itemsChanged();
+}
+
+void PaneState::setItemsAgain(const QList<FileItem> &items, qsizetype unreadableCount) {
+    QHash<QString, QUuid> known;
+    known.reserve(m_items.size());
+    for (const FileItem &item : std::as_const(m_items))
+        known.insert(item.path, item.id);
+    QList<FileItem> same = items;
+    for (FileItem &item : same)
+        item.id = known.contains(item.path) ? known.take(item.path) : item.id;
+    setItems(same, unreadableCount);
 }
 
 void PaneState::empty(const std::optional<QString> &error) {

@@ -29,6 +29,8 @@ public:
     /// What the pane shows: the listing, the filtered listing, or the hits of a search. Cheap to call.
     [[nodiscard]] const QList<FileItem> &visibleItems() const { return m_visibleItems; }
     [[nodiscard]] const QSet<QUuid> &selectedIDs() const { return m_selectedIDs; }
+    /// Entries of the folder that could not be read, and are not among its items.
+    [[nodiscard]] qsizetype unreadableCount() const { return m_unreadableCount; }
     /// Whether a listing is under way.
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     /// Why the pane could not do what was asked of it last, in words for its footer.
@@ -54,8 +56,13 @@ public:
     /// Whether no other folder was opened, and the pane not emptied, since open() returned the token. The
     /// path may be the same, the phone not.
     [[nodiscard]] bool isNewest(quint64 token) const { return token == m_token; }
+    /// What stands for the listing that open() has asked for last.
+    [[nodiscard]] quint64 token() const { return m_token; }
     void setLoading(bool isLoading) { m_isLoading = isLoading; }
-    void setItems(const QList<FileItem> &items);
+    void setItems(const QList<FileItem> &items, qsizetype unreadableCount = 0);
+    /// The same folder's entries, listed again: what was there before, by its path, keeps its identity, and
+    /// with it stays selected.
+    void setItemsAgain(const QList<FileItem> &items, qsizetype unreadableCount = 0);
     void setBrowseError(const std::optional<QString> &error) { m_browseError = error; }
     /// Empties the pane, because what it lists is gone, and drops the listing that is under way.
     void empty(const std::optional<QString> &error = std::nullopt);
@@ -81,6 +88,7 @@ private:
 
     const BrowserSide m_side;
     QList<FileItem> m_items;
+    qsizetype m_unreadableCount = 0;
     QList<FileItem> m_visibleItems;
     QSet<QUuid> m_selectedIDs;
     QString m_filter;

@@ -10,7 +10,7 @@ enum class ColorScheme { light, dark };
 /// A named colour of the palette: a light and a dark value side by side. It becomes a QColor, the one of the
 /// current scheme, at the moment it is used, so a widget that keeps a ThemeColor follows every change of the
 /// scheme.
-class ThemeColor {
+class [[nodiscard]] ThemeColor {
 public:
     /// Fully transparent in both schemes: paints nothing.
     constexpr ThemeColor() = default;
@@ -18,12 +18,14 @@ public:
     /// The same in both schemes.
     constexpr explicit ThemeColor(QColor fixed) : ThemeColor(fixed, fixed) {}
 
-    [[nodiscard]] QColor resolved(ColorScheme scheme) const;
+    [[nodiscard]] QColor resolved(ColorScheme scheme) const {
+        return scheme == ColorScheme::dark ? m_dark : m_light;
+    }
     /// The value of the current scheme.
     operator QColor() const; // NOLINT(google-explicit-constructor): painters take a ThemeColor as a QColor
 
     /// The same colour with its alpha multiplied by `opacity` (0 to 1).
-    [[nodiscard]] ThemeColor withOpacity(double opacity) const;
+    ThemeColor withOpacity(double opacity) const;
 
     friend bool operator==(const ThemeColor &, const ThemeColor &) = default;
 
@@ -44,48 +46,56 @@ public:
     /// next pass of the event loop, and it repaints.
     static void setScheme(ColorScheme scheme);
 
+    // Each colour has its light value on the left and its dark one on the right.
+
     // Text and icons: primary, secondary, and captions, placeholders, section headers.
-    [[nodiscard]] static ThemeColor ink();
-    [[nodiscard]] static ThemeColor inkSecondary();
-    [[nodiscard]] static ThemeColor inkTertiary();
+    static ThemeColor ink() { return {rgb(0.11, 0.11, 0.12), rgb(0.93, 0.93, 0.94)}; }
+    static ThemeColor inkSecondary() { return {rgb(0.35, 0.36, 0.38), rgb(0.70, 0.71, 0.73)}; }
+    static ThemeColor inkTertiary() { return {rgb(0.55, 0.56, 0.58), rgb(0.52, 0.53, 0.55)}; }
 
     // Backgrounds: sidebar and status bar, toolbar, browser column, cards and panes and small buttons.
-    [[nodiscard]] static ThemeColor sidebar();
-    [[nodiscard]] static ThemeColor titleBar();
-    [[nodiscard]] static ThemeColor canvas();
-    [[nodiscard]] static ThemeColor surface();
+    static ThemeColor sidebar() { return {rgb(0.93, 0.94, 0.96), rgb(0.13, 0.14, 0.15)}; }
+    static ThemeColor titleBar() { return {rgb(0.88, 0.89, 0.92), rgb(0.17, 0.17, 0.19)}; }
+    static ThemeColor canvas() { return {rgb(0.96, 0.96, 0.97), rgb(0.10, 0.10, 0.11)}; }
+    static ThemeColor surface() { return {white(1), rgb(0.16, 0.16, 0.18)}; }
 
     // Lines: hairlines and card borders, stronger borders and empty tracks, pane borders.
-    [[nodiscard]] static ThemeColor stroke();
-    [[nodiscard]] static ThemeColor strokeStrong();
-    [[nodiscard]] static ThemeColor paneStroke();
+    static ThemeColor stroke() { return {white(0, 0.08), white(1, 0.10)}; }
+    static ThemeColor strokeStrong() { return {white(0, 0.12), white(1, 0.16)}; }
+    static ThemeColor paneStroke() { return {white(0, 0.22), white(1, 0.22)}; }
 
     // Selection and meaning.
-    [[nodiscard]] static ThemeColor accent();
-    [[nodiscard]] static ThemeColor accentSoft();
-    [[nodiscard]] static ThemeColor onAccent(); ///< glyphs on an accent or device-icon background
-    [[nodiscard]] static ThemeColor success();
-    [[nodiscard]] static ThemeColor progress();
-    [[nodiscard]] static ThemeColor danger();
-    [[nodiscard]] static ThemeColor focusRing();
-    [[nodiscard]] static ThemeColor dimming(); ///< over a window behind its sheet
+    static ThemeColor accent() { return ThemeColor(rgb(0.20, 0.48, 0.96)); }
+    static ThemeColor accentSoft() { return {rgb(0.20, 0.48, 0.96, 0.12), rgb(0.35, 0.55, 0.98, 0.22)}; }
+    static ThemeColor onAccent() { return ThemeColor(white(1)); } ///< glyphs on accent or deviceIcon
+    static ThemeColor success() { return ThemeColor(rgb(0.20, 0.72, 0.40)); }
+    static ThemeColor progress() { return ThemeColor(rgb(0.22, 0.72, 0.45)); }
+    static ThemeColor danger() { return ThemeColor(rgb(0.86, 0.28, 0.28)); }
+    static ThemeColor focusRing() { return {rgb(0.20, 0.48, 0.96, 0.85), rgb(0.45, 0.64, 1.00, 0.90)}; }
+    static ThemeColor dimming() { return {white(0, 0.18), white(0, 0.40)}; } ///< over a window with a sheet
 
     // Kinds of files.
-    [[nodiscard]] static ThemeColor folderBlue();
-    [[nodiscard]] static ThemeColor systemPurple();
-    [[nodiscard]] static ThemeColor systemPink();
-    [[nodiscard]] static ThemeColor systemOrange();
+    static ThemeColor folderBlue() { return ThemeColor(rgb(0.30, 0.56, 0.95)); }
+    static ThemeColor systemPurple() { return {rgb(0.62, 0.33, 0.86), rgb(0.74, 0.48, 0.95)}; }
+    static ThemeColor systemPink() { return {rgb(0.92, 0.26, 0.47), rgb(0.97, 0.40, 0.58)}; }
+    static ThemeColor systemOrange() { return {rgb(0.93, 0.52, 0.08), rgb(0.98, 0.63, 0.24)}; }
 
     // The phone's picture in the sidebar: its gradient from the top-leading to the bottom-trailing corner.
-    [[nodiscard]] static ThemeColor deviceIconTop();
-    [[nodiscard]] static ThemeColor deviceIconBottom();
+    static ThemeColor deviceIconTop() { return ThemeColor(rgb(0.18, 0.20, 0.24)); }
+    static ThemeColor deviceIconBottom() { return ThemeColor(rgb(0.10, 0.12, 0.15)); }
 
     /// The native title bar's colour for a scheme, whichever scheme is current.
-    [[nodiscard]] static QColor titleBarNSColor(ColorScheme scheme);
+    [[nodiscard]] static QColor titleBarNSColor(ColorScheme scheme) { return titleBar().resolved(scheme); }
 
     /// The palette for what the toolkit draws itself, such as text fields, menus and tool tips; current
     /// scheme.
     [[nodiscard]] static QPalette palette();
+
+private:
+    static QColor rgb(double red, double green, double blue, double alpha = 1) {
+        return QColor::fromRgbF(float(red), float(green), float(blue), float(alpha));
+    }
+    static QColor white(double level, double alpha = 1) { return rgb(level, level, level, alpha); }
 };
 
 } // namespace vantrel

@@ -40,6 +40,20 @@ QVariant TransferQueue::data(const QModelIndex &index, int role) const {
     return role == itemRole ? QVariant::fromValue(item) : QVariant();
 }
 
+QList<int> TransferQueue::activeRows() const {
+    QList<int> rows;
+    for (const QUuid &id : m_activeIDs)
+        rows.append(int(indexOf(id)));
+    return rows;
+}
+
+QList<QueueItem> TransferQueue::unfinished() const {
+    QList<QueueItem> entries;
+    std::copy_if(m_items.begin(), m_items.end(), std::back_inserter(entries),
+                 [](const QueueItem &item) { return !item.status.is<QueueItemStatus::Completed>(); });
+    return entries;
+}
+
 qsizetype TransferQueue::indexOf(const QUuid &id) const {
     return m_rows.value(id, -1);
 }
@@ -54,6 +68,15 @@ void TransferQueue::insertFront(const QList<QueueItem> &block) {
         return;
     beginInsertRows({}, 0, int(block.size()) - 1);
     m_items = block + m_items;
+    reindex();
+    endInsertRows();
+}
+
+void TransferQueue::insertBack(const QList<QueueItem> &block) {
+    if (block.isEmpty())
+        return;
+    beginInsertRows({}, int(m_items.size()), int(m_items.size() + block.size()) - 1);
+    m_items += block;
     reindex();
     endInsertRows();
 }
@@ -156,8 +179,9 @@ void TransferQueue::reindex() {
         m_rows.squeeze();
     }
     m_rows.reserve(m_items.size());
-    m_activeCount = m_waitingCount = m_completedCount = m_failedCount = m_nameTakenCount = m_pausedCount =
-        m_unclaimedCount = 0;
+    m_activeIDs.clear();
+    m_waitingCount = m_completedCount = m_failedCount = m_nameTakenCount = m_pausedCount = m_unclaimedCount =
+        0;
     m_totalBytes = m_doneBytes = 0;
     for (qsizetype row = 0; row < m_items.size(); ++row) {
         m_rows.insert(m_items.at(row).id, row);
@@ -168,7 +192,8 @@ void TransferQueue::reindex() {
 
 void TransferQueue::count(const QueueItem &item, int change) {
     const QueueItemStatus &status = item.status;
-    m_activeCount += status.is<QueueItemStatus::Transferring>() ? change : 0;
+    if (status.is<QueueItemStatus::Transferring>())
+        change > 0 ? (void)m_activeIDs.insert(item.id) : (void)m_activeIDs.remove(item.id);
     m_pausedCount += status.is<QueueItemStatus::Paused>() ? change : 0;
     m_failedCount += status.is<QueueItemStatus::Failed>() ? change : 0;
     m_nameTakenCount += status.is<QueueItemStatus::NameTaken>() ? change : 0;

@@ -4,6 +4,7 @@
 
 #include <QAbstractListModel>
 #include <QHash>
+#include <QSet>
 
 #include <functional>
 
@@ -24,7 +25,7 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
 
     [[nodiscard]] const QList<QueueItem> &items() const { return m_items; }
-    [[nodiscard]] int activeCount() const { return m_activeCount; }
+    [[nodiscard]] int activeCount() const { return int(m_activeIDs.size()); }
     [[nodiscard]] int waitingCount() const { return m_waitingCount; }
     /// Waiting entries whose turn has not been fixed.
     [[nodiscard]] int unclaimedCount() const { return m_unclaimedCount; }
@@ -37,6 +38,11 @@ public:
     [[nodiscard]] qint64 totalBytes() const { return m_totalBytes; }
     [[nodiscard]] qint64 doneBytes() const { return m_doneBytes; }
 
+    /// The rows that are being copied, in no order.
+    [[nodiscard]] QList<int> activeRows() const;
+    /// The entries that are not done, in the order of the list.
+    [[nodiscard]] QList<QueueItem> unfinished() const;
+
     /// The row of the entry, or -1.
     [[nodiscard]] qsizetype indexOf(const QUuid &id) const;
     /// The entry, or null.
@@ -44,6 +50,8 @@ public:
 
     /// Inserts the block before everything else, in its own order.
     void insertFront(const QList<QueueItem> &block);
+    /// The same behind everything else.
+    void insertBack(const QList<QueueItem> &block);
     /// Claims waiting entries and gives them: the one nearest the end of the list that may start, which
     /// becomes transferring, and up to `most` altogether with its neighbours that may be copied with it,
     /// small files into one folder, which wait for their turn.
@@ -68,7 +76,7 @@ private:
     QHash<QUuid, qsizetype> m_rows;
     /// Rows at and behind this one hold no waiting entry, so that claiming need not walk past finished ones.
     qsizetype m_waitingEnd = 0;
-    int m_activeCount = 0;
+    QSet<QUuid> m_activeIDs;
     int m_waitingCount = 0;
     int m_unclaimedCount = 0;
     int m_completedCount = 0;

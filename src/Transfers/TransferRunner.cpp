@@ -3,6 +3,7 @@
 #include "ADB/AndroidPath.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/TransferFormat.h"
+#include "Transfers/QueueFile.h"
 #include "Worker/Worker.h"
 
 #include <QPointer>
@@ -49,7 +50,26 @@ public:
     void stop() { m_stop.request_stop(); }
     [[nodiscard]] std::stop_token stopToken() const { return m_stop.get_token(); }
 
+    // -- Main thread only
+
+    /// How many bytes more the cable has carried when that many more were reported. A push runs ahead of it
+    /// by what the sockets hold, which no cable has carried yet.
+    qint64 carriedOf(qint64 reported) {
+        m_reported += reported;
+        const qint64 carried = std::max(m_carried, m_reported - m_heldBySockets);
+        return carried - std::exchange(m_carried, carried);
+    }
+    /// What is left when the run has ended: then everything has been carried.
+    qint64 rest() {
+        m_heldBySockets = 0;
+        return carriedOf(0);
+    }
+    void pushes() { m_heldBySockets = 4 << 20; }
+
 private:
+    qint64 m_reported = 0;
+    qint64 m_carried = 0;
+    qint64 m_heldBySockets = 0;
     mutable std::mutex m_guard;
     QSet<QUuid> m_wanted;
     std::stop_source m_stop;
@@ -62,17 +82,24 @@ TransferRunner::TransferRunner(TransferHost &host) : m_host(host) {
         timer.setSingleShot(true);
         connect(&timer, &QTimer::timeout, this, [this, side] { browseAgain(side); });
     }
+    m_speedTimer.setInterval(500);
+    connect(&m_speedTimer, &QTimer::timeout, this, &TransferRunner::renderSpeed);
+    m_saveTimer.setSingleShot(true);
+    connect(&m_saveTimer, &QTimer::timeout, this, &TransferRunner::save);
 }
 
 TransferRunner::~TransferRunner() {
     for (const auto &run : std::as_const(m_runs))
         run->stop();
+    if (m_file && (m_isUnsaved || m_isSaving))
+        m_file->write(m_queue.unfinished(), ++m_saveNumber);
 }
 
 void TransferRunner::enqueue(const QList<QueueItem> &entries) {
     if (!m_isTransferring)
         forgetSpeed();
     m_queue.insertFront(entries);
+    noteChange();
     Q_EMIT queueChanged();
     fillSlots();
 }
@@ -83,6 +110,7 @@ void TransferRunner::remove(const QUuid &id) {
     discard({id});
     if (!m_queue.remove(id))
         return;
+    noteChange();
     Q_EMIT queueChanged();
     fillSlots();
 }
@@ -97,8 +125,11 @@ void TransferRunner::clear() {
             run->drop(item.id);
     }
     discard(removed);
-    if (m_queue.clear())
+    m_notice = QString(); // it has been read
+    if (m_queue.clear()) {
+        noteChange();
         Q_EMIT queueChanged();
+    }
     fillSlots();
 }
 
@@ -130,6 +161,7 @@ void TransferRunner::tryAllAgain() {
 
 void TransferRunner::keepBoth(const QUuid &id) {
     m_queue.setWhenTaken(id, WhenTaken::keepBoth);
+    noteChange();
     letWait([id](const QueueItem &item) { return item.id == id && item.canKeepBoth(); });
 }
 
@@ -138,6 +170,7 @@ void TransferRunner::keepAllBoth() {
         if (item.canKeepBoth())
             m_queue.setWhenTaken(item.id, WhenTaken::keepBoth);
     }
+    noteChange();
     letWait(&QueueItem::canKeepBoth);
 }
 
@@ -174,7 +207,7 @@ bool TransferRunner::mayStart(const QueueItem &item) const {
 /// in one step on the main thread, so that nothing that is queued meanwhile is left waiting.
 void TransferRunner::fillSlots() {
     constexpr qsizetype mostTogether = 1000;
-    constexpr qsizetype few = 4 * concurrentCopies;
+    constexpr qsizetype few = qsizetype{4} * concurrentCopies;
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
@@ -192,6 +225,8 @@ void TransferRunner::fillSlots() {
             break;
         for (const QueueItem &item : claimed)
             m_destinationsInUse.insert(destinationKey(item));
+        if (!m_speedTimer.isActive())
+            m_speedTimer.start();
         m_isTransferring = true;
         Q_EMIT queueChanged();
         runSlot(claimed);
@@ -199,12 +234,15 @@ void TransferRunner::fillSlots() {
     m_isFillingSlots = false;
     if (!m_runs.isEmpty())
         return;
+    m_speedTimer.stop();
     forgetSpeed();
     m_isTransferring = false; // whoever is told may queue more
 }
 
 QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     const auto run = std::make_shared<Run>(entries);
+    if (entries.first().direction == TransferDirection::macToAndroid)
+        run->pushes();
     m_runs.append(run);
     CopyJob job;
     job.direction = entries.first().direction;
@@ -222,10 +260,10 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     const QPointer<TransferRunner> self(this);
     CopyWatcher watcher;
     watcher.isWanted = [run](const QUuid &id) { return run->isWanted(id); };
-    watcher.onProgress = [self](const QUuid &id, const QueueItemStatus::Progress &progress) {
-        Background::post([self, id, progress] {
+    watcher.onProgress = [self, run](const QUuid &id, const QueueItemStatus::Progress &progress) {
+        Background::post([self, run, id, progress] {
             if (self)
-                self->applyProgress(id, progress);
+                self->applyProgress(run, id, progress);
         });
     };
     watcher.onEnd = [self](const QUuid &id, const CopyReport &report) {
@@ -238,6 +276,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     co_await Background::run(this, &runCopyJob, job, watcher, stop);
     for (const QueueItem &item : std::as_const(entries))
         m_destinationsInUse.remove(destinationKey(item));
+    m_rate.add(run->rest());
     m_runs.removeOne(run);
     fillSlots();
 }
@@ -258,9 +297,12 @@ void TransferRunner::finish(const QUuid &id, const CopyReport &report) {
     } else if (report.isPhoneGone) {
         m_gonePhones.insert(item.serial);
         updateStatus(id, QueueItemStatus::Waiting{true});
+        Q_EMIT phoneLeft();
     } else {
         const QueueItemStatus status = statusAfter(item, report);
         updateStatus(id, status);
+        if (status.is<QueueItemStatus::Completed>())
+            noteChange();
     }
     if (report.copied > 0)
         refreshReceivingPane(item);
@@ -287,7 +329,8 @@ void TransferRunner::refreshReceivingPane(const QueueItem &item) {
 
 QCoro::Task<> TransferRunner::browseAgain(BrowserSide side) {
     ReceivingPane &pane = receivingPane(side);
-    if (pane.isBeingListed) { // one listing at a time, the next when the last has ended
+    if (pane.isBeingListed ||
+        m_host.isListing(side)) { // one listing at a time, the next when the last has ended
         constexpr int soon = 50;
         pane.listLater.start(soon);
         co_return;
@@ -299,28 +342,72 @@ QCoro::Task<> TransferRunner::browseAgain(BrowserSide side) {
     pane.sinceListed.start();
 }
 
-void TransferRunner::applyProgress(const QUuid &id, const QueueItemStatus::Progress &progress) {
+void TransferRunner::applyProgress(const std::shared_ptr<Run> &run, const QUuid &id,
+                                   const QueueItemStatus::Progress &progress) {
     const QueueItem *entry = m_queue.find(id);
     if (!entry ||
         !(entry->status.is<QueueItemStatus::Transferring>() || entry->status.is<QueueItemStatus::Waiting>()))
         return;
     const auto *before = entry->status.progress();
-    m_rate.add(progress.transferredBytes - (before ? before->transferredBytes : 0));
+    if (progress.fraction > 0) // the first report counts what had been there already
+        m_rate.add(run->carriedOf(progress.transferredBytes - (before ? before->transferredBytes : 0)));
     QueueItemStatus::Transferring now;
     static_cast<QueueItemStatus::Progress &>(now) = progress;
     updateStatus(id, now);
+    renderSpeed();
+}
+
+void TransferRunner::renderSpeed() {
     const auto speed = m_rate.bytesPerSecond();
-    if (!speed)
-        return;
-    m_speedLabel = formatTransferRate(*speed);
-    m_remainingLabel =
-        formatDuration(static_cast<double>(m_queue.totalBytes() - m_queue.doneBytes()) / *speed);
+    const auto left = static_cast<double>(m_queue.totalBytes() - m_queue.doneBytes());
+    m_speedLabel = speed ? formatTransferRate(*speed) : unknownLabel();
+    m_remainingLabel = speed ? formatDuration(left / *speed) : unknownLabel();
 }
 
 void TransferRunner::forgetSpeed() {
     m_rate.forget();
     m_speedLabel = unknownLabel();
     m_remainingLabel = unknownLabel();
+}
+
+QCoro::Task<> TransferRunner::remember(QString folder) {
+    const auto file = std::make_shared<QueueFile>(folder);
+    const QueueFile::Contents kept = co_await Background::run(this, &QueueFile::openOn, file);
+    m_file = file;
+    m_notice = kept.problem;
+    m_queue.insertBack(kept.entries);
+    if (m_isUnsaved || !kept.entries.isEmpty())
+        noteChange();
+    if (!kept.entries.isEmpty())
+        Q_EMIT queueChanged();
+}
+
+/// The list of what is not finished has changed: it is written at once, and then at most once a second; less
+/// often where that takes long. How far a copy has come is not kept: what is there already is not copied
+/// again.
+void TransferRunner::noteChange() {
+    m_isUnsaved = true;
+    if (m_file && !m_isSaving && !m_saveTimer.isActive())
+        m_saveTimer.start(int(std::max<qint64>(m_pauseUntilSave.remainingTime(), 0)));
+}
+
+QCoro::Task<> TransferRunner::save() {
+    constexpr qint64 shortestPause = 1000;
+    constexpr qint64 pausePerDuration = 10;
+    m_isSaving = true;
+    m_isUnsaved = false;
+    QElapsedTimer duration;
+    duration.start();
+    const QList<QueueItem> unfinished = m_queue.unfinished();
+    const quint64 number = ++m_saveNumber;
+    const QString problem = co_await Background::run(this, &QueueFile::writeOn, m_file, unfinished, number);
+    if (problem != m_writeProblem) // what was found at the start stays until something else is to be said
+        m_notice = problem;
+    m_writeProblem = problem;
+    m_pauseUntilSave.setRemainingTime(std::max(shortestPause, pausePerDuration * duration.elapsed()));
+    m_isSaving = false;
+    if (m_isUnsaved)
+        noteChange();
 }
 
 void TransferRunner::updateStatus(const QUuid &id, const QueueItemStatus &status) {

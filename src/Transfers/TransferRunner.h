@@ -6,17 +6,21 @@
 #include "Transfers/TransferRate.h"
 
 #include <QCoroTask>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QProperty>
 #include <QSet>
 #include <QTimer>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <optional>
 
 namespace vantrel {
+
+class QueueFile;
 
 /// What the copies need of the model that they belong to. Main thread only.
 class TransferHost {
@@ -25,7 +29,9 @@ public:
     [[nodiscard]] virtual std::optional<QString> connectedSerial() const = 0;
     /// The folder that the pane shows.
     [[nodiscard]] virtual QString shownFolder(BrowserSide side) const = 0;
-    /// Lists the folder again that the pane shows.
+    /// Whether the pane's folder is being listed for the user.
+    [[nodiscard]] virtual bool isListing(BrowserSide side) const = 0;
+    /// Lists the folder again that the pane shows, without a sign but what is new in it.
     virtual QCoro::Task<> listAgain(BrowserSide side) = 0;
 
 protected:
@@ -55,6 +61,18 @@ public:
     /// Whether anything runs, or waits for anything but the phone or the end of a pause.
     [[nodiscard]] bool isTransferring() const { return m_isTransferring; }
     [[nodiscard]] bool isPaused() const { return m_isPaused; }
+    /// Entries that are being copied at this moment: one for each run.
+    [[nodiscard]] int activeCount() const { return std::min(m_queue.activeCount(), concurrentCopies); }
+    /// Entries that wait for their turn, or only for the others of their run.
+    [[nodiscard]] int waitingCount() const {
+        return m_queue.waitingCount() + m_queue.activeCount() - activeCount();
+    }
+    /// What the user has to know of how the queue is remembered, as a sentence; empty when all is well.
+    [[nodiscard]] const QString &notice() const { return m_notice.value(); }
+
+    /// Keeps what is not finished in a file of this folder from now on, and takes up, paused and behind all
+    /// others, what an earlier start has left there. To be called once.
+    QCoro::Task<> remember(QString folder);
 
     /// Puts the entries, which wait, before all others, and runs the queue.
     void enqueue(const QList<QueueItem> &entries);
@@ -82,6 +100,9 @@ Q_SIGNALS:
     void remainingLabelChanged();
     void isTransferringChanged();
     void isPausedChanged();
+    void noticeChanged();
+    /// The phone left while something was copied; what is meant for it waits for phoneWasAsked().
+    void phoneLeft();
 
 private:
     /// One run of copies, shared with its worker.
@@ -103,8 +124,12 @@ private:
     void refreshReceivingPane(const QueueItem &item);
     QCoro::Task<> browseAgain(BrowserSide side);
     [[nodiscard]] ReceivingPane &receivingPane(BrowserSide side) { return m_receiving.at(size_t(side)); }
-    void applyProgress(const QUuid &id, const QueueItemStatus::Progress &progress);
+    void noteChange();
+    QCoro::Task<> save();
+    void applyProgress(const std::shared_ptr<Run> &run, const QUuid &id,
+                       const QueueItemStatus::Progress &progress);
     void updateStatus(const QUuid &id, const QueueItemStatus &status);
+    void renderSpeed();
     void forgetSpeed();
 
     TransferHost &m_host;
@@ -118,6 +143,16 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(TransferRunner, bool, m_isPaused, false,
                                          &TransferRunner::isPausedChanged)
 
+    Q_OBJECT_BINDABLE_PROPERTY(TransferRunner, QString, m_notice, &TransferRunner::noticeChanged)
+
+    QTimer m_speedTimer;               ///< a copy that stands still has no reports
+    std::shared_ptr<QueueFile> m_file; ///< shared with the worker that writes
+    QTimer m_saveTimer;
+    QDeadlineTimer m_pauseUntilSave{0};
+    QString m_writeProblem;
+    quint64 m_saveNumber = 0;
+    bool m_isUnsaved = false;
+    bool m_isSaving = false;
     QList<std::shared_ptr<Run>> m_runs;
     bool m_isFillingSlots = false;
     /// Phones that left while something was copied, until they are seen again.

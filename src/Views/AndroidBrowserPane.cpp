@@ -18,7 +18,7 @@ AndroidBrowserPane::AndroidBrowserPane(AppState *state, QWidget *parent)
 }
 
 QString AndroidBrowserPane::parentAndroidPath(const QString &path) {
-    const QString storage = QStringLiteral("/sdcard");
+    QString storage = QStringLiteral("/sdcard");
     const QString folder = ADBClient::normalizePath(path);
     QStringList pieces = folder.split(QLatin1Char('/'), Qt::SkipEmptyParts);
     if (folder == storage || folder == QLatin1String("/storage/emulated/0") || pieces.size() < 2)
@@ -28,7 +28,7 @@ QString AndroidBrowserPane::parentAndroidPath(const QString &path) {
 }
 
 QString AndroidBrowserPane::activity() const {
-    if (const QString loading = BrowserPane::activity(); !loading.isEmpty())
+    if (QString loading = BrowserPane::activity(); !loading.isEmpty())
         return loading;
     if (app().isSearchingAndroid())
         return QStringLiteral("Searching device…");
@@ -45,7 +45,7 @@ void AndroidBrowserPane::fill(FilePane &pane) {
     pane.footerTrailing = state->androidFooterStats();
     pane.onOpen = [this](const FileItem &item) {
         focusSide();
-        if (item.isDirectory)
+        if (item.isDirectory && item.isNameExact)
             app().browseAndroid(item.path);
         else
             app().openAndroidFile(item);

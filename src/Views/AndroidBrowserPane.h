@@ -6,8 +6,6 @@ namespace vantrel {
 
 /// The phone's file pane. It starts the search anew whenever the search text or scope changes.
 class AndroidBrowserPane : public BrowserPane {
-    Q_OBJECT
-
 public:
     /// The state must outlive the view.
     explicit AndroidBrowserPane(AppState *state, QWidget *parent = nullptr);

@@ -6,6 +6,7 @@
 #include "Views/TransferButtons.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -15,6 +16,13 @@
 namespace vantrel {
 
 namespace {
+
+/// A dialog may be part of the window, over the panes.
+bool isInDialog(const QWidget *control) {
+    while (control && !qobject_cast<const QDialog *>(control))
+        control = control->parentWidget();
+    return control;
+}
 
 bool editsText(const QWidget *control) {
     return qobject_cast<const QLineEdit *>(control) || qobject_cast<const QTextEdit *>(control) ||
@@ -27,14 +35,25 @@ DualBrowserView::DualBrowserView(AppState *state, QWidget *parent) : QWidget(par
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(10);
-    row->addWidget(new AndroidBrowserPane(state), 1);
-    row->addWidget(new TransferButtons(state));
-    row->addWidget(new MacBrowserPane(state), 1);
+    auto *android = new AndroidBrowserPane(state);
+    auto *mac = new MacBrowserPane(state);
+    row->addWidget(android, 1);
+    row->addWidget(new TransferButtons(state, android, mac));
+    row->addWidget(mac, 1);
     setMinimumHeight(320);
+
+    // However the keyboard came there: the keys below act on the pane that has it.
+    connect(qApp, &QApplication::focusChanged, this, [=](QWidget *, QWidget *now) {
+        if (now && android->isAncestorOf(now))
+            state->setFocusedBrowserSide(BrowserSide::android);
+        else if (now && mac->isAncestorOf(now))
+            state->setFocusedBrowserSide(BrowserSide::mac);
+    });
 }
 
 DualBrowserView::KeyOutcome DualBrowserView::handleKeyEvent(const QKeyEvent &event, AppState &state) {
-    if (editsText(QApplication::focusWidget()) || QApplication::activePopupWidget() ||
+    const QWidget *control = QApplication::focusWidget();
+    if (editsText(control) || isInDialog(control) || QApplication::activePopupWidget() ||
         QApplication::activeModalWidget())
         return KeyOutcome::passedOn;
     const BrowserSide side = state.focusedBrowserSide();

@@ -12,8 +12,6 @@ class AppState;
 /// it is on screen it also handles, for the whole application, the two keys that act on the focused pane's
 /// selection: Command-A (Control-A off the Mac) and Escape.
 class DualBrowserView : public QWidget {
-    Q_OBJECT
-
 public:
     /// What becomes of a key: it goes on to the focused control, or it ends here.
     enum class KeyOutcome { passedOn, consumed };

@@ -1,17 +1,19 @@
 #include "Views/FileDelegate.h"
 
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
-#include "Views/FileGridCell.h"
 #include "Views/FileItemsModel.h"
-#include "Views/FileRow.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
+
+namespace {
+constexpr int dividerHeight = 1;
+} // namespace
 
 FileEntry FileDelegate::entry(const QModelIndex &index) {
     return index.data(FileItemsModel::entryRole).value<FileEntry>();
@@ -22,19 +24,13 @@ bool FileDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const Q
     if (event->type() != QEvent::ToolTip)
         return QAbstractItemDelegate::helpEvent(event, view, option, index);
     const FileEntry shown = entry(index);
-    const QString tip = cutsName(shown, option.rect) ? plainToolTip(shown.item.name) : QString();
-    QToolTip::showText(event->globalPos(), tip, view->viewport(), option.rect);
+    ToolTips::show(cutsName(shown, option.rect) ? shown.item.name : QString(), view->viewport(), option.rect);
     return true;
 }
 
-// -- List
-
-namespace {
-constexpr int dividerHeight = 1;
-} // namespace
-
 void FileRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                             const QModelIndex &index) const {
+    constexpr int dividerIndent = 40;
     const FileEntry shown = entry(index);
     const QRect &rect = option.rect;
     FileRow{shown}.paint(*painter, rect.adjusted(0, 0, 0, -dividerHeight));
@@ -50,33 +46,9 @@ QSize FileRowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex 
     return {1, FileRowGeometry::height(entry(index).showsLocation) + dividerHeight};
 }
 
-FileEntry::Part FileRowDelegate::partAt(const FileEntry &entry, const QRect &rect,
-                                        const QPoint &point) const {
-    return FileRow{entry}.hitTest(rect, point);
-}
-
-bool FileRowDelegate::cutsName(const FileEntry &entry, const QRect &rect) const {
-    return FileRow{entry}.cutsName(rect);
-}
-
-// -- Grid
-
 void FileGridCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                  const QModelIndex &index) const {
     FileGridCell{entry(index)}.paint(*painter, option.rect);
-}
-
-QSize FileGridCellDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const {
-    return m_cellSize;
-}
-
-FileEntry::Part FileGridCellDelegate::partAt(const FileEntry &entry, const QRect &rect,
-                                             const QPoint &point) const {
-    return FileGridCell{entry}.hitTest(rect, point);
-}
-
-bool FileGridCellDelegate::cutsName(const FileEntry &entry, const QRect &rect) const {
-    return FileGridCell{entry}.cutsName(rect);
 }
 
 } // namespace vantrel

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Views/FileEntry.h"
+#include "Views/FileGridCell.h"
+#include "Views/FileRow.h"
 
 #include <QAbstractItemDelegate>
 
@@ -8,8 +9,6 @@ namespace vantrel {
 
 /// How a view paints the entries of a FileItemsModel, and what lies where in one of them.
 class FileDelegate : public QAbstractItemDelegate {
-    Q_OBJECT
-
 public:
     [[nodiscard]] static FileEntry entry(const QModelIndex &index);
 
@@ -25,54 +24,46 @@ public:
                    const QModelIndex &index) override;
 
 protected:
-    using QAbstractItemDelegate::QAbstractItemDelegate;
-
     /// Whether the name is too long to be shown in full.
     [[nodiscard]] virtual bool cutsName(const FileEntry &entry, const QRect &rect) const = 0;
 };
 
-/// A FileRow with a divider under it.
-class FileRowDelegate : public FileDelegate {
-    Q_OBJECT
-
+/// What a FileRow and a FileGridCell answer alike.
+template <class Cell>
+class FileCellDelegate : public FileDelegate {
 public:
-    /// How far the dividers are indented from the left.
-    static constexpr int dividerIndent = 40;
+    [[nodiscard]] FileEntry::Part partAt(const FileEntry &entry, const QRect &rect,
+                                         const QPoint &point) const override {
+        return Cell{entry}.hitTest(rect, point);
+    }
+    [[nodiscard]] bool showsModified() const override { return Cell::showsModified; }
+    [[nodiscard]] double focusRadius() const override { return Cell::radius; }
 
-    using FileDelegate::FileDelegate;
+protected:
+    [[nodiscard]] bool cutsName(const FileEntry &entry, const QRect &rect) const override {
+        return Cell{entry}.cutsName(rect);
+    }
+};
 
+/// A FileRow with a divider under it.
+class FileRowDelegate : public FileCellDelegate<FileRow> {
+public:
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-    [[nodiscard]] FileEntry::Part partAt(const FileEntry &entry, const QRect &rect,
-                                         const QPoint &point) const override;
-    [[nodiscard]] bool showsModified() const override { return true; }
-    [[nodiscard]] double focusRadius() const override { return 4; }
-
-protected:
-    [[nodiscard]] bool cutsName(const FileEntry &entry, const QRect &rect) const override;
 };
 
 /// A FileGridCell.
-class FileGridCellDelegate : public FileDelegate {
-    Q_OBJECT
-
+class FileGridCellDelegate : public FileCellDelegate<FileGridCell> {
 public:
-    using FileDelegate::FileDelegate;
-
     /// What every cell takes, in layout pixels.
     void setCellSize(const QSize &size) { m_cellSize = size; }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-    [[nodiscard]] FileEntry::Part partAt(const FileEntry &entry, const QRect &rect,
-                                         const QPoint &point) const override;
-    [[nodiscard]] bool showsModified() const override { return false; }
-    [[nodiscard]] double focusRadius() const override { return 10; }
-
-protected:
-    [[nodiscard]] bool cutsName(const FileEntry &entry, const QRect &rect) const override;
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const override {
+        return m_cellSize;
+    }
 
 private:
     QSize m_cellSize;

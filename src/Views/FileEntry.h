@@ -2,6 +2,8 @@
 
 #include "Records/FileItem.h"
 
+#include <initializer_list>
+
 namespace vantrel {
 
 /// One entry of a pane as a value: what a row and a tile are made of.
@@ -13,6 +15,8 @@ struct FileEntry {
     /// What of an entry is under the mouse: the mark toggles the selection, the body selects.
     enum class Part { body, mark };
 
+    /// Whether the name ends with one of these, in large or small letters.
+    [[nodiscard]] bool nameEndsWith(std::initializer_list<QLatin1String> suffixes) const;
     /// The folder that the entry lies in, as a breadcrumb of the phone.
     [[nodiscard]] QString locationLabel() const;
     /// What it tells of its second fact in one line: where it is, or how large.

@@ -7,8 +7,6 @@
 
 #include <QPainter>
 
-#include <algorithm>
-
 namespace vantrel {
 
 namespace {
@@ -25,13 +23,10 @@ Symbol badgeSymbol(bool isSelected) {
             Weight::semibold};
 }
 
-bool isPicture(const QString &name) {
-    static const QLatin1String suffixes[] = {QLatin1String(".jpg"), QLatin1String(".jpeg"),
-                                             QLatin1String(".png"), QLatin1String(".heic"),
-                                             QLatin1String(".webp")};
-    const QString lowered = name.toLower();
-    return std::any_of(std::begin(suffixes), std::end(suffixes),
-                       [&lowered](QLatin1String suffix) { return lowered.endsWith(suffix); });
+bool isPicture(const FileEntry &entry) {
+    return !entry.item.isDirectory &&
+           entry.nameEndsWith({QLatin1String(".jpg"), QLatin1String(".jpeg"), QLatin1String(".png"),
+                               QLatin1String(".heic"), QLatin1String(".webp")});
 }
 
 } // namespace
@@ -52,20 +47,12 @@ int FileGridCellGeometry::height() {
                captionStyle.lineHeight());
 }
 
-QString FileGridCell::fileIcon(const QString &name) {
-    return isPicture(name) ? QStringLiteral("photo") : FileRow::fileIcon(name);
-}
-
-ThemeColor FileGridCell::fileColor(const QString &name) {
-    return isPicture(name) ? AppTheme::folderBlue() : FileRow::fileColor(name);
-}
-
 QString FileGridCell::icon() const {
-    return item.isDirectory ? QStringLiteral("folder.fill") : fileIcon(item.name);
+    return isPicture(*this) ? QStringLiteral("photo") : FileRow{*this}.icon();
 }
 
 ThemeColor FileGridCell::iconColor() const {
-    return item.isDirectory ? AppTheme::folderBlue() : fileColor(item.name);
+    return isPicture(*this) ? AppTheme::folderBlue() : FileRow{*this}.iconColor();
 }
 
 FileEntry::Part FileGridCell::hitTest(const QRectF &rect, const QPointF &point) const {
@@ -80,24 +67,17 @@ bool FileGridCell::cutsName(const QRectF &rect) const {
 
 void FileGridCell::paint(QPainter &painter, const QRectF &rect) const {
     const FileGridCellGeometry parts(rect);
-    paintCard(painter, parts.tile, FileGridCellGeometry::tileRadius,
-              isSelected ? AppTheme::accentSoft() : AppTheme::canvas(),
+    paintCard(painter, parts.tile, radius, isSelected ? AppTheme::accentSoft() : AppTheme::canvas(),
               isSelected ? AppTheme::accent().withOpacity(0.45) : AppTheme::stroke());
     Symbol{icon(), 28, Weight::semibold}.paint(painter, parts.tile, iconColor());
     badgeSymbol(isSelected)
         .paint(painter, parts.badge, isSelected ? AppTheme::accent() : AppTheme::inkTertiary());
 
-    QRectF line(parts.name.topLeft(), QSizeF(parts.name.width(), nameStyle.lineHeight()));
-    QRectF caption = parts.caption;
-    const QStringList lines =
-        wrappedLines(item.name, nameStyle, parts.name.width(), FileGridCellGeometry::nameLines);
-    for (const QString &words : lines) {
-        paintText(painter, line, words, nameStyle, AppTheme::ink(), Qt::AlignCenter);
-        line.translate(0, line.height());
-    }
-    if (lines.size() > 1)
-        caption.translate(0, nameStyle.lineHeight());
-    paintText(painter, caption, captionLabel(), captionStyle, AppTheme::inkTertiary(), Qt::AlignCenter);
+    const int lines = paintLines(painter, parts.name, item.name, nameStyle, AppTheme::ink(),
+                                 FileGridCellGeometry::nameLines);
+    const QRectF caption = parts.caption.translated(0, lines > 1 ? nameStyle.lineHeight() : 0);
+    paintText(painter, caption, captionLabel(), captionStyle, AppTheme::inkTertiary(), Qt::AlignCenter,
+              Elision::middle);
 }
 
 } // namespace vantrel

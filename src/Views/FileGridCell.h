@@ -12,7 +12,6 @@ namespace vantrel {
 /// Where the parts of a grid cell lie inside its rectangle, in layout pixels.
 struct FileGridCellGeometry {
     static constexpr double tileHeight = 72;
-    static constexpr double tileRadius = 10;
     static constexpr int nameLines = 2;
 
     explicit FileGridCellGeometry(const QRectF &rect);
@@ -29,11 +28,10 @@ struct FileGridCellGeometry {
 
 /// One entry in the grid layout.
 struct FileGridCell : FileEntry {
-    /// The symbol and the colour of a file, from the end of its name: as in the list, but pictures have their
-    /// own.
-    [[nodiscard]] static QString fileIcon(const QString &name);
-    [[nodiscard]] static ThemeColor fileColor(const QString &name);
+    static constexpr bool showsModified = false;
+    static constexpr double radius = 10; ///< of the tile, and of the focus ring
 
+    /// As in the list, but pictures have their own.
     [[nodiscard]] QString icon() const;
     [[nodiscard]] ThemeColor iconColor() const;
 

@@ -36,10 +36,6 @@ void FileGridView::fit(int width) {
     setGridSize(cell + QSize(FileGridGeometry::spacing, FileGridGeometry::spacing));
 }
 
-int FileGridView::verticalOffset() const {
-    return FileItemsView::verticalOffset() - FileGridGeometry::inset;
-}
-
 void FileGridView::updateGeometries() {
     QScrollBar *bar = verticalScrollBar();
     const int place = bar->value();

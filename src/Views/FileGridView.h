@@ -26,8 +26,6 @@ struct FileGridGeometry {
 /// The entries in lines of tiles, a FileGridCell each. The toolkit puts them into a grid that begins at the
 /// left and at the top; inset and centring are a shift of all of it.
 class FileGridView : public FileItemsView {
-    Q_OBJECT
-
 public:
     FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent = nullptr);
 
@@ -35,7 +33,9 @@ protected:
     [[nodiscard]] int columns() const override { return m_geometry.columns; }
     [[nodiscard]] int pitch() const override { return gridSize().height(); }
     [[nodiscard]] int horizontalOffset() const override { return -m_geometry.left; }
-    [[nodiscard]] int verticalOffset() const override;
+    [[nodiscard]] int verticalOffset() const override {
+        return FileItemsView::verticalOffset() - FileGridGeometry::inset;
+    }
     void updateGeometries() override;
     void resizeEvent(QResizeEvent *event) override;
 

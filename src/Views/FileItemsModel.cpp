@@ -28,6 +28,7 @@ FileItemsModel::FileItemsModel(const PaneState &pane, QObject *parent)
     : QAbstractListModel(parent), m_pane(pane) {}
 
 void FileItemsModel::follow(bool showsLocation) {
+    const bool hasNewRows = showsLocation == m_showsLocation && insertNewRows();
     const QList<FileItem> itemsBefore = m_items;
     const QBitArray selectedBefore = m_selectedRows;
     const bool isReset = showsLocation != m_showsLocation; // every row gets another height
@@ -54,8 +55,40 @@ void FileItemsModel::follow(bool showsLocation) {
 
     if (!isReset)
         tellChanges(itemsBefore, selectedBefore);
-    if (isReset || m_selectedRows != selectedBefore)
+    if (isReset || hasNewRows || m_selectedRows != selectedBefore)
         Q_EMIT selectedRowsChanged();
+}
+
+/// Where the pane shows the known entries and some more among them, as when a folder is listed again that has
+/// received files, the views are told which rows are new: the keyboard stays with its entry, and what is in
+/// sight stays there. For a few places only; each is laid out by itself.
+bool FileItemsModel::insertNewRows() {
+    constexpr int mostPlaces = 8;
+    const QList<FileItem> &now = m_pane.visibleItems();
+    if (m_items.isEmpty() || now.size() <= m_items.size() || now.isSharedWith(m_items))
+        return false;
+    QList<std::pair<int, int>> runs; // first and last new row, as they lie in the end
+    qsizetype known = 0;
+    for (int row = 0; row < now.size(); ++row) {
+        if (known < m_items.size() && now.at(row).id == m_items.at(known).id) {
+            ++known;
+        } else if (!runs.isEmpty() && runs.last().second == row - 1) {
+            runs.last().second = row;
+        } else {
+            runs.append({row, row});
+            if (runs.size() > mostPlaces)
+                return false;
+        }
+    }
+    if (known < m_items.size())
+        return false;
+    for (const auto &[first, last] : std::as_const(runs)) {
+        beginInsertRows({}, first, last);
+        m_items = m_items.mid(0, first) + now.mid(first, last - first + 1) + m_items.mid(first);
+        m_selectedRows = selectedAmong(m_items);
+        endInsertRows();
+    }
+    return true;
 }
 
 QBitArray FileItemsModel::selectedAmong(const QList<FileItem> &items) const {
@@ -100,10 +133,6 @@ QModelIndex FileItemsModel::index(int row, int column, const QModelIndex &parent
     return exists ? createIndex(row, column) : QModelIndex();
 }
 
-int FileItemsModel::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : int(m_items.size());
-}
-
 QVariant FileItemsModel::data(const QModelIndex &index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
@@ -128,8 +157,35 @@ QVariant FileItemsModel::data(const QModelIndex &index, int role) const {
     }
 }
 
-Qt::ItemFlags FileItemsModel::flags(const QModelIndex &index) const {
-    return QAbstractListModel::flags(index) | Qt::ItemIsUserCheckable;
+// -- Selection
+
+FileSelectionModel::FileSelectionModel(FileItemsModel *model, QObject *parent)
+    : QItemSelectionModel(model, parent), m_model(model) {
+    connect(model, &FileItemsModel::selectedRowsChanged, this, &FileSelectionModel::mirror);
+}
+
+void FileSelectionModel::select(const QItemSelection &selection, SelectionFlags command) {
+    if (!(command & (Select | Deselect | Toggle)))
+        return;
+    const QModelIndexList indexes = selection.indexes();
+    const QList<FileItem> items = m_model->items(); // what is called may give the model others
+    for (const QModelIndex &index : indexes) {
+        if (command & Toggle || isSelected(index) == command.testFlag(Deselect))
+            Q_EMIT toggled(items.at(index.row()));
+    }
+}
+
+void FileSelectionModel::mirror() {
+    const QBitArray &rows = m_model->selectedRows();
+    QItemSelection selection;
+    for (qsizetype row = 0; row < rows.size(); ++row) {
+        const qsizetype first = row;
+        while (row < rows.size() && rows.testBit(row))
+            ++row;
+        if (row > first)
+            selection.append(QItemSelectionRange(m_model->index(int(first)), m_model->index(int(row - 1))));
+    }
+    QItemSelectionModel::select(selection, ClearAndSelect);
 }
 
 } // namespace vantrel

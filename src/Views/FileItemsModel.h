@@ -5,6 +5,7 @@
 
 #include <QAbstractListModel>
 #include <QBitArray>
+#include <QItemSelectionModel>
 
 namespace vantrel {
 
@@ -32,14 +33,19 @@ public:
     [[nodiscard]] const QBitArray &selectedRows() const { return m_selectedRows; }
 
     [[nodiscard]] QModelIndex index(int row, int column = 0, const QModelIndex &parent = {}) const override;
-    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override {
+        return parent.isValid() ? 0 : int(m_items.size());
+    }
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
-    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override {
+        return QAbstractListModel::flags(index) | Qt::ItemIsUserCheckable;
+    }
 
 Q_SIGNALS:
     void selectedRowsChanged();
 
 private:
+    bool insertNewRows();
     [[nodiscard]] QBitArray selectedAmong(const QList<FileItem> &items) const;
     void tellChanges(const QList<FileItem> &itemsBefore, const QBitArray &selectedBefore);
 
@@ -47,6 +53,27 @@ private:
     QList<FileItem> m_items;
     QBitArray m_selectedRows;
     bool m_showsLocation = false;
+};
+
+/// The pane's selection as the toolkit's views and assistive technology know it. It is a mirror: what they
+/// ask it to select is passed on to the pane, and shows here when the pane has done it.
+class FileSelectionModel : public QItemSelectionModel {
+    Q_OBJECT
+
+public:
+    explicit FileSelectionModel(FileItemsModel *model, QObject *parent = nullptr);
+
+    using QItemSelectionModel::select;
+    void select(const QItemSelection &selection, SelectionFlags command) override;
+
+Q_SIGNALS:
+    /// The user wants the entry's mark to change.
+    void toggled(const FileItem &item);
+
+private:
+    void mirror();
+
+    FileItemsModel *m_model;
 };
 
 } // namespace vantrel

@@ -2,20 +2,23 @@
 
 #include "Kit/Shapes.h"
 #include "Views/FileDelegate.h"
+#include "Views/FileItemsAccessibility.h"
 #include "Views/FileItemsModel.h"
-#include "Views/FileSelectionModel.h"
 
+#include <QAccessible>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <functional>
 
 namespace vantrel {
 
 FileItemsView::FileItemsView(FileItemsModel *model, FileSelectionModel *selection, FileDelegate *delegate,
                              QWidget *parent)
     : QListView(parent), m_delegate(delegate) {
+    makeFileItemsAccessible();
     delegate->setParent(this);
     setItemDelegate(delegate);
     setModel(model);
@@ -41,8 +44,14 @@ void FileItemsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &b
 }
 
 void FileItemsView::rowsInserted(const QModelIndex &parent, int start, int end) {
+    const int place = verticalScrollBar()->value();
+    const int first = firstVisibleRow();
+    const int count = end - start + 1;
+    const bool isAbove = place > 0 && start <= first && count < model()->rowCount();
     QListView::rowsInserted(parent, start, end);
     layOutRows();
+    if (isAbove) // what is in sight stays there
+        verticalScrollBar()->setValue(place + ((first + count) / columns() - first / columns()) * pitch());
     updateRows(start, end);
 }
 
@@ -73,11 +82,6 @@ void FileItemsView::updateRows(int first, int last) {
             break;
         viewport()->update(rect);
     }
-}
-
-/// What a change of the selection repaints: the model has told.
-QRegion FileItemsView::visualRegionForSelection(const QItemSelection &) const {
-    return {};
 }
 
 // -- Layout
@@ -196,8 +200,8 @@ QItemSelectionModel::SelectionFlags FileItemsView::selectionCommand(const QModel
 void FileItemsView::keyPressEvent(QKeyEvent *event) {
     if (focusedIndex().isValid() && !(event->modifiers() & ~Qt::KeypadModifier))
         QListView::keyPressEvent(event);
-    else
-        QAbstractScrollArea::keyPressEvent(event);
+    else                                           // the arrow keys scroll
+        QAbstractScrollArea::keyPressEvent(event); // NOLINT(bugprone-parent-virtual-call)
 }
 
 QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
@@ -220,6 +224,14 @@ void FileItemsView::currentChanged(const QModelIndex &current, const QModelIndex
     // Without a ring there is nothing to paint, to scroll to or to tell.
     if (m_showsFocus)
         QListView::currentChanged(current, previous);
+}
+
+void FileItemsView::announceFocus() {
+    if (!hasFocus() || !focusedIndex().isValid())
+        return;
+    QAccessibleEvent event(this, QAccessible::Focus);
+    event.setChild(focusedIndex().row());
+    QAccessible::updateAccessibility(&event);
 }
 
 void FileItemsView::showFocus() {
@@ -259,6 +271,13 @@ void FileItemsView::focusOutEvent(QFocusEvent *event) {
         viewport()->update();
     else
         hideFocus();
+}
+
+void focusEntries(const QWidget *window) {
+    const auto views = window->findChildren<FileItemsView *>();
+    const auto shown = std::find_if(views.begin(), views.end(), std::mem_fn(&QWidget::isVisible));
+    if (shown != views.end())
+        (*shown)->takeFocus();
 }
 
 } // namespace vantrel

@@ -27,6 +27,10 @@ public:
 
     /// Shows the first entries, and has the keyboard begin there.
     void startAtTop();
+    /// Tells assistive technology that another entry may stand where the ring is.
+    void announceFocus();
+    /// Takes the keyboard from a control that goes away, with the ring: who was there works with keys.
+    void takeFocus() { setFocus(Qt::TabFocusReason); }
     /// The entry that has the focus ring; invalid when none has.
     [[nodiscard]] QModelIndex focusedIndex() const;
 
@@ -49,7 +53,13 @@ protected:
     void updateGeometries() override;
     void rowsInserted(const QModelIndex &parent, int start, int end) override;
     void rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) override;
-    [[nodiscard]] QRegion visualRegionForSelection(const QItemSelection &selection) const override;
+    /// What a change of the selection repaints: the model has told.
+    [[nodiscard]] QRegion visualRegionForSelection(const QItemSelection &) const override { return {}; }
+    /// Of two views on one selection, only the one that is seen tells of it.
+    void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override {
+        if (isVisible())
+            QListView::selectionChanged(selected, deselected);
+    }
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -82,5 +92,9 @@ private:
     std::optional<Target> m_clicked; ///< the last one, which a second click may make a double click
     bool m_showsFocus = false;
 };
+
+/// Gives the keyboard to the entries of the window's first pane, if it has one. For controls that have to
+/// give it up and have nothing harmless beside them.
+void focusEntries(const QWidget *window);
 
 } // namespace vantrel

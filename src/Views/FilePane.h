@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Records/AndroidSearchScope.h"
 #include "Records/FileItem.h"
 #include "Records/Pane.h"
 

@@ -1,7 +1,9 @@
 #include "Views/FilePaneView.h"
 
 #include "Kit/Accessibility.h"
-#include "Kit/Divider.h"
+#include "Kit/Boxes.h"
+#include "Kit/Canvas.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
@@ -11,11 +13,9 @@
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
 #include "Views/FileRow.h"
-#include "Views/FileSelectionModel.h"
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 
-#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
@@ -33,43 +33,27 @@ constexpr double toolRadius = 5;
 
 constexpr TextStyle columnStyle{10.5, Weight::semibold};
 
-TextLabel *label(const QString &objectName, const TextStyle &style, const ThemeColor &color) {
-    auto *made = new TextLabel(style, color);
-    made->setObjectName(objectName);
-    return made;
-}
-
 /// The sign in front of the search field; assistive technology hears the field's own name.
-class SearchGlyph : public QWidget {
-public:
-    SearchGlyph() { setFixedSize(m_symbol.naturalSize().toSize()); }
-
-protected:
-    void paintEvent(QPaintEvent *) override {
-        QPainter painter(this);
-        m_symbol.paint(painter, rect(), AppTheme::inkTertiary());
-    }
-
-private:
-    Symbol m_symbol{QStringLiteral("magnifyingglass"), 12, Weight::semibold};
-};
+QWidget *searchGlyph() {
+    const Symbol symbol{QStringLiteral("magnifyingglass"), 12, Weight::semibold};
+    auto *glyph = new Canvas([symbol](QPainter &painter, const QRectF &rect) {
+        symbol.paint(painter, rect, AppTheme::inkTertiary());
+    });
+    glyph->setFixedSize(symbol.naturalSize().toSize());
+    return glyph;
+}
 
 /// A widget with a row of controls in it.
-QHBoxLayout *rowOf(QWidget *bar, int vertical, int spacing) {
-    auto *row = new QHBoxLayout(bar);
-    row->setContentsMargins(inset, vertical, inset, vertical);
-    row->setSpacing(spacing);
-    return row;
+QWidget *barOf(int vertical, int spacing, std::initializer_list<BoxItem> controls) {
+    auto *bar = new QWidget;
+    bar->setLayout(rowOf(spacing, controls, {inset, vertical, inset, vertical}));
+    return bar;
 }
 
-/// A stack of a bar and its line.
-QWidget *withDivider(QWidget *bar, Qt::Edge edge) {
+/// A bar and its line, one below the other.
+QWidget *stackOf(QWidget *upper, QWidget *lower) {
     auto *stack = new QWidget;
-    auto *column = new QVBoxLayout(stack);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(bar);
-    column->insertWidget(edge == Qt::TopEdge ? 0 : 1, new Divider);
+    stack->setLayout(columnOf(0, {upper, lower}));
     return stack;
 }
 
@@ -92,10 +76,8 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     m_searchBar = makeSearchBar();
     m_columnHeaders = makeColumnHeaders();
     m_gridBar = makeGridSelectAllBar();
-    m_list = new FileItemsView(m_items, selection, new FileRowDelegate);
-    m_list->setObjectName(QStringLiteral("fileList"));
-    m_grid = new FileGridView(m_items, selection);
-    m_grid->setObjectName(QStringLiteral("fileGrid"));
+    m_list = named(QStringLiteral("fileList"), new FileItemsView(m_items, selection, new FileRowDelegate));
+    m_grid = named(QStringLiteral("fileGrid"), new FileGridView(m_items, selection));
     m_footer = makeFooter();
 
     const auto toggle = [this](const FileItem &item) { call(m_pane.onToggle, item); };
@@ -107,85 +89,63 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
         connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
     }
 
-    auto *stack = new QVBoxLayout(this);
-    stack->setContentsMargins(border, border, border, border);
-    stack->setSpacing(0);
-    for (QWidget *section : {m_header, m_searchBar, m_columnHeaders, m_gridBar})
-        stack->addWidget(section);
-    stack->addWidget(m_list, 1);
-    stack->addWidget(m_grid, 1);
-    stack->addWidget(m_footer);
-}
-
-IconButton *FilePaneView::makeTool(const QString &objectName, const QString &symbol, const QString &help) {
-    auto *tool = new IconButton(toolSize, toolRadius);
-    tool->setObjectName(objectName);
-    tool->setLook({.symbol = {symbol, 11, Weight::semibold}});
-    tool->setHelp(help);
-    return tool;
+    setLayout(
+        columnOf(0, {m_header, m_searchBar, m_columnHeaders, m_gridBar, {m_list, 1}, {m_grid, 1}, m_footer},
+                 {border, border, border, border}));
 }
 
 QWidget *FilePaneView::makeHeader() {
-    m_title = label(QStringLiteral("title"), {13, Weight::semibold}, AppTheme::ink());
-    m_path = label(QStringLiteral("path"), {11, Weight::medium}, AppTheme::inkTertiary());
-    m_back = makeTool(QStringLiteral("back"), QStringLiteral("chevron.left"), QStringLiteral("Go back"));
-    m_home = makeTool(QStringLiteral("home"), QStringLiteral("house"), QStringLiteral("Go to Home"));
-    m_chooseFolder =
-        makeTool(QStringLiteral("chooseFolder"), QStringLiteral("folder"), QStringLiteral("Choose folder"));
-    m_newFolder = makeTool(QStringLiteral("newFolder"), QStringLiteral("folder.badge.plus"),
-                           QStringLiteral("New folder"));
-    m_refresh =
-        makeTool(QStringLiteral("refresh"), QStringLiteral("arrow.clockwise"), QStringLiteral("Refresh"));
-    m_listTool =
-        makeTool(QStringLiteral("listView"), QStringLiteral("list.bullet"), QStringLiteral("List view"));
-    m_gridTool =
-        makeTool(QStringLiteral("gridView"), QStringLiteral("square.grid.2x2"), QStringLiteral("Grid view"));
-
-    auto *header = new QWidget;
-    auto *row = rowOf(header, 10, 8);
-    auto *texts = new QVBoxLayout;
-    texts->setSpacing(2);
-    texts->addWidget(m_title);
-    texts->addWidget(m_path);
-    row->addLayout(texts, 1);
-    for (IconButton *tool : {m_back, m_home, m_chooseFolder, m_newFolder, m_refresh, m_listTool, m_gridTool})
-        row->addWidget(tool);
-
-    connect(m_back, &IconButton::clicked, this, [this] { call(m_pane.onBack); });
-    connect(m_home, &IconButton::clicked, this, [this] { call(m_pane.onHome); });
-    connect(m_chooseFolder, &IconButton::clicked, this, [this] { call(m_pane.onChooseFolder); });
-    connect(m_newFolder, &IconButton::clicked, this, [this] { call(m_pane.onNewFolder); });
-    connect(m_refresh, &IconButton::clicked, this, [this] { call(m_pane.onRefresh); });
-    const auto setMode = [this](PaneViewMode mode) {
-        if (m_pane.viewMode)
-            call(m_pane.viewMode->set, mode);
+    m_title = named(QStringLiteral("title"), new TextLabel({13, Weight::semibold}, AppTheme::ink()));
+    m_path = named(QStringLiteral("path"), new TextLabel({11, Weight::medium}, AppTheme::inkTertiary()));
+    const auto makeTool = [this](const char *name, const char *symbol, const char *help, auto action) {
+        auto *tool = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
+        tool->setLook({.symbol = {QLatin1String(symbol), 11, Weight::semibold}});
+        tool->setHelp(QLatin1String(help));
+        connect(tool, &IconButton::clicked, this, action);
+        return tool;
     };
-    connect(m_listTool, &IconButton::clicked, this, [setMode] { setMode(PaneViewMode::list); });
-    connect(m_gridTool, &IconButton::clicked, this, [setMode] { setMode(PaneViewMode::grid); });
-    return header;
+    using Action = std::function<void()> FilePane::*;
+    const auto action = [&](const char *name, const char *symbol, const char *help, Action act) {
+        auto *tool = makeTool(name, symbol, help, [this, act] { call(m_pane.*act); });
+        m_actions.append({tool, act});
+        return tool;
+    };
+    const auto mode = [&](const char *name, const char *symbol, const char *help, PaneViewMode shown) {
+        auto *tool = makeTool(name, symbol, help, [this, shown] {
+            if (m_pane.viewMode)
+                call(m_pane.viewMode->set, shown);
+        });
+        tool->setCheckable(true);
+        tool->setHelp(QLatin1String(help), QAccessible::RadioButton);
+        return tool;
+    };
+    auto *back = action("back", "chevron.left", "Go back", &FilePane::onBack);
+    auto *home = action("home", "house", "Go to Home", &FilePane::onHome);
+    auto *choose = action("chooseFolder", "folder", "Choose folder", &FilePane::onChooseFolder);
+    auto *create = action("newFolder", "folder.badge.plus", "New folder", &FilePane::onNewFolder);
+    auto *refresh = action("refresh", "arrow.clockwise", "Refresh", &FilePane::onRefresh);
+    m_folderTools = {home, choose, create};
+    m_listTool = mode("listView", "list.bullet", "List view", PaneViewMode::list);
+    m_gridTool = mode("gridView", "square.grid.2x2", "Grid view", PaneViewMode::grid);
+    return barOf(
+        10, 8,
+        {{columnOf(2, {m_title, m_path}), 1}, back, home, choose, create, refresh, m_listTool, m_gridTool});
 }
 
 QWidget *FilePaneView::makeSearchBar() {
     auto *bar = new QWidget;
     // Before the field is there: made with another font, it would open that one first.
     bar->setFont(TextStyle{12.5, Weight::medium}.font());
-    m_searchField = new QLineEdit(bar);
-    m_searchField->setObjectName(QStringLiteral("searchField"));
+    m_searchField = named(QStringLiteral("searchField"), new QLineEdit(bar));
     m_searchField->setFrame(false);
     m_searchField->setTextMargins(-2, 0, 0, 0); // what the toolkit keeps free before the first letter
-    m_scopePicker = new ScopePicker;
-    m_scopePicker->setObjectName(QStringLiteral("scopePicker"));
-    m_clearSearch = new IconButton({18, 18}, IconButton::circle);
-    m_clearSearch->setObjectName(QStringLiteral("clearSearch"));
+    m_scopePicker = named(QStringLiteral("scopePicker"), new ScopePicker);
+    m_clearSearch = named(QStringLiteral("clearSearch"), new IconButton({18, 18}, IconButton::circle));
     m_clearSearch->setLook({.symbol = {QStringLiteral("xmark.circle.fill"), 12, Weight::semibold},
                             .glyph = AppTheme::inkTertiary()});
     m_clearSearch->setHelp(QStringLiteral("Clear search"));
-
-    auto *row = rowOf(bar, 8, 8);
-    row->addWidget(new SearchGlyph);
-    row->addWidget(m_searchField, 1);
-    row->addWidget(m_scopePicker);
-    row->addWidget(m_clearSearch);
+    bar->setLayout(
+        rowOf(8, {searchGlyph(), {m_searchField, 1}, m_scopePicker, m_clearSearch}, {inset, 8, inset, 8}));
 
     connect(m_searchField, &QLineEdit::textChanged, this, [this](const QString &text) {
         if (m_pane.searchText && m_pane.searchText->value != text)
@@ -196,58 +156,50 @@ QWidget *FilePaneView::makeSearchBar() {
             call(m_pane.searchScope->set, scope);
     });
     connect(m_clearSearch, &IconButton::clicked, this, &FilePaneView::clearSearch);
-    return withDivider(bar, Qt::BottomEdge);
+    return stackOf(bar, new Divider);
 }
 
 QWidget *FilePaneView::makeColumnHeaders() {
-    m_columnSelectAll = new SelectAllBox;
-    m_columnSelectAll->setObjectName(QStringLiteral("columnSelectAll"));
-    m_nameColumn = label(QStringLiteral("nameColumn"), columnStyle, AppTheme::inkTertiary());
-    auto *size = label(QStringLiteral("sizeColumn"), columnStyle, AppTheme::inkTertiary());
-    auto *modified = label(QStringLiteral("modifiedColumn"), columnStyle, AppTheme::inkTertiary());
-    size->setText(QStringLiteral("Size"));
-    modified->setText(QStringLiteral("Modified"));
-    size->setFixedWidth(int(FileRowGeometry::sizeWidth));
-    modified->setFixedWidth(int(FileRowGeometry::modifiedWidth));
-    for (TextLabel *column : {size, modified})
-        column->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-
-    auto *bar = new QWidget;
-    auto *row = rowOf(bar, 6, 0);
-    row->addWidget(m_columnSelectAll);
-    row->addSpacing(int(FileRowGeometry::checkboxWidth) - m_columnSelectAll->width());
-    row->addWidget(m_nameColumn, 1);
-    row->addWidget(size);
-    row->addWidget(modified);
+    const auto column = [](const QString &name, double width, const QString &title) {
+        auto *label = named(name, new TextLabel(columnStyle, AppTheme::inkTertiary()));
+        label->setText(title);
+        label->setFixedWidth(int(width));
+        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        return label;
+    };
+    m_columnSelectAll = named(QStringLiteral("columnSelectAll"), new SelectAllBox);
+    m_nameColumn = named(QStringLiteral("nameColumn"), new TextLabel(columnStyle, AppTheme::inkTertiary()));
     connect(m_columnSelectAll, &SelectAllBox::clicked, this, &FilePaneView::toggleSelectAll);
-    return withDivider(bar, Qt::BottomEdge);
+    using Row = FileRowGeometry;
+    return stackOf(
+        barOf(6, 0,
+              {m_columnSelectAll,
+               BoxItem::gap(int(Row::checkboxWidth) - m_columnSelectAll->width()),
+               {m_nameColumn, 1},
+               column(QStringLiteral("sizeColumn"), Row::sizeWidth, QStringLiteral("Size")),
+               column(QStringLiteral("modifiedColumn"), Row::modifiedWidth, QStringLiteral("Modified"))}),
+        new Divider);
 }
 
 QWidget *FilePaneView::makeGridSelectAllBar() {
-    m_gridSelectAll = new SelectAllBox;
-    m_gridSelectAll->setObjectName(QStringLiteral("gridSelectAll"));
-    m_gridSelectAllTitle = label(QStringLiteral("gridSelectAllTitle"), columnStyle, AppTheme::inkTertiary());
-
-    auto *bar = new QWidget;
-    auto *row = rowOf(bar, 6, 8);
-    row->addWidget(m_gridSelectAll);
-    row->addWidget(m_gridSelectAllTitle, 1);
+    m_gridSelectAll = named(QStringLiteral("gridSelectAll"), new SelectAllBox);
+    m_gridSelectAllTitle =
+        named(QStringLiteral("gridSelectAllTitle"), new TextLabel(columnStyle, AppTheme::inkTertiary()));
     connect(m_gridSelectAll, &SelectAllBox::clicked, this, &FilePaneView::toggleSelectAll);
-    return withDivider(bar, Qt::BottomEdge);
+    return stackOf(barOf(6, 8, {m_gridSelectAll, {m_gridSelectAllTitle, 1}}), new Divider);
 }
 
 QWidget *FilePaneView::makeFooter() {
     constexpr TextStyle style{11, Weight::medium};
-    m_footerLeading = label(QStringLiteral("footerLeading"), style, AppTheme::inkSecondary());
-    m_footerTrailing = label(QStringLiteral("footerTrailing"), style, AppTheme::inkSecondary());
+    m_footerLeading = named(QStringLiteral("footerLeading"), new TextLabel(style, AppTheme::inkSecondary()));
+    m_footerTrailing =
+        named(QStringLiteral("footerTrailing"), new TextLabel(style, AppTheme::inkSecondary()));
     m_footerTrailing->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-
-    auto *bar = new QWidget;
-    auto *row = rowOf(bar, 8, 8);
-    row->addWidget(m_footerLeading);
-    row->addStretch(1);
-    row->addWidget(m_footerTrailing);
-    return withDivider(bar, Qt::TopEdge);
+    // The summary of the selection stays beside an error. That has its reason at its end.
+    constexpr int summaryWidth = 180;
+    m_footerLeading->setKeptWidth(summaryWidth);
+    m_footerTrailing->setElision(Elision::middle);
+    return stackOf(new Divider, barOf(8, 8, {m_footerLeading, BoxItem::room(1), m_footerTrailing}));
 }
 
 // -- Showing
@@ -266,8 +218,6 @@ void FilePaneView::setPane(const FilePane &pane) {
     if (isFirst || before.title != m_pane.title) {
         m_title->setText(m_pane.title);
         describe(this, QAccessible::Pane, m_pane.title);
-        m_list->setAccessibleName(m_pane.title);
-        m_grid->setAccessibleName(m_pane.title);
     }
     m_path->setText(m_pane.pathLabel);
     m_footerLeading->setText(m_pane.footerLeading);
@@ -285,36 +235,32 @@ void FilePaneView::setPane(const FilePane &pane) {
         m_grid->startAtTop();
     }
     showEntries();
-    m_columnHeaders->setVisible(!isGrid());
-    m_gridBar->setVisible(isGrid() && m_pane.onToggleSelectAll);
+    const auto heir = [this] { entries()->takeFocus(); };
+    showWithHeir(m_columnHeaders, !isGrid(), heir);
+    showWithHeir(m_gridBar, isGrid() && m_pane.onToggleSelectAll, heir);
+    announceEntries();
 
     if (!isFirst && before.focusSearchToken != m_pane.focusSearchToken)
         m_searchField->setFocus(Qt::OtherFocusReason);
 }
 
 void FilePaneView::showTools() {
-    const auto show = [](IconButton *tool, bool isEnabled, bool isActive = false) {
-        tool->setEnabled(isEnabled);
+    const auto heir = [this] { entries()->takeFocus(); };
+    const auto show = [&](IconButton *tool, bool isEnabled, bool isActive = false) {
+        enableWithHeir(tool, isEnabled, heir);
         tool->setLook({.symbol = tool->look().symbol,
                        .glyph = isActive ? AppTheme::accent() : AppTheme::inkSecondary(),
                        .fill = isActive ? AppTheme::accentSoft() : AppTheme::surface(),
                        .stroke = isActive ? AppTheme::accent().withOpacity(0.35) : AppTheme::stroke(),
                        .disabledOpacity = 0.45});
     };
-    show(m_back, bool(m_pane.onBack));
-    show(m_refresh, bool(m_pane.onRefresh));
-    show(m_home, bool(m_pane.onHome));
-    show(m_chooseFolder, bool(m_pane.onChooseFolder));
-    show(m_newFolder, bool(m_pane.onNewFolder));
-    const bool hasFolderTools = m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder;
-    for (IconButton *tool : {m_home, m_chooseFolder, m_newFolder})
-        tool->setVisible(hasFolderTools);
-
+    for (const auto &[tool, action] : m_actions)
+        show(tool, bool(m_pane.*action));
+    for (IconButton *tool : m_folderTools)
+        showWithHeir(tool, m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder, heir);
     const bool hasModes = m_pane.viewMode.has_value();
-    show(m_listTool, hasModes, hasModes && !isGrid());
-    show(m_gridTool, hasModes, hasModes && isGrid());
     for (const auto &[tool, isOn] : {std::pair(m_listTool, !isGrid()), std::pair(m_gridTool, isGrid())}) {
-        tool->setCheckable(true);
+        show(tool, hasModes, hasModes && isOn);
         tool->setChecked(hasModes && isOn);
     }
 }
@@ -332,10 +278,9 @@ void FilePaneView::showSearch() {
     const AndroidSearchScope scope =
         m_pane.searchScope ? m_pane.searchScope->value : AndroidSearchScope::thisFolder;
     m_searchField->setPlaceholderText(searchPlaceholder(scope));
-    m_searchField->setAccessibleName(searchPlaceholder(scope));
-    if (m_pane.searchText->value.isEmpty() && m_clearSearch->hasFocus())
-        m_searchField->setFocus(Qt::OtherFocusReason);
-    m_clearSearch->setVisible(!m_pane.searchText->value.isEmpty());
+    setAccessibleTexts(m_searchField, searchPlaceholder(scope));
+    showWithHeir(m_clearSearch, !m_pane.searchText->value.isEmpty(),
+                 [this] { m_searchField->setFocus(Qt::OtherFocusReason); });
 }
 
 void FilePaneView::showEntries() {
@@ -351,10 +296,22 @@ void FilePaneView::showEntries() {
         entries()->setFocus(hadRing ? Qt::TabFocusReason : Qt::OtherFocusReason);
 }
 
+/// To those who do not see that another folder is here, once all of it is.
+void FilePaneView::announceEntries() {
+    const QString before = entries()->accessibleDescription();
+    const int count = m_items->rowCount();
+    const QString number = count == 1 ? QStringLiteral(", 1 item") : QStringLiteral(", %L1 items").arg(count);
+    const QString now = m_state.isLoading() ? before : QString(displayText(m_pane.pathLabel) + number);
+    setAccessibleTexts(entries(), m_pane.title, now);
+    if (now != before)
+        entries()->announceFocus();
+}
+
 void FilePaneView::showSelectAll() {
     const PaneSelectAllState state = m_state.selectAllState();
     for (SelectAllBox *box : {m_columnSelectAll, m_gridSelectAll}) {
-        box->setEnabled(m_pane.onToggleSelectAll && m_items->rowCount() > 0);
+        enableWithHeir(box, m_pane.onToggleSelectAll && m_items->rowCount() > 0,
+                       [this] { entries()->takeFocus(); });
         box->setSelection(state);
     }
     m_gridSelectAllTitle->setText(SelectAllBox::title(state));
@@ -366,7 +323,7 @@ void FilePaneView::select(const FileItem &item) {
     call(m_pane.onSelect ? m_pane.onSelect : m_pane.onToggle, item);
 }
 
-void FilePaneView::open(const FileItem &item) {
+void FilePaneView::open(const FileItem &item) const {
     call(m_pane.onOpen, item);
 }
 
@@ -377,7 +334,7 @@ void FilePaneView::clearSearch() {
         call(m_pane.searchText->set, QString());
 }
 
-void FilePaneView::toggleSelectAll() {
+void FilePaneView::toggleSelectAll() const {
     const auto toggle = m_pane.onToggleSelectAll;
     call(m_pane.onFocus);
     call(toggle);
@@ -403,11 +360,6 @@ void FilePaneView::mousePressEvent(QMouseEvent *event) {
 }
 
 // -- Painting
-
-QSize FilePaneView::sizeHint() const {
-    // The same for every pane, whatever it shows: two of them share a width equally.
-    return {480, 480};
-}
 
 QSize FilePaneView::minimumSizeHint() const {
     // Beside the fixed columns and the tools there is room for the beginning of a name.

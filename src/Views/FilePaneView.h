@@ -22,8 +22,6 @@ class TextLabel;
 ///
 /// Long texts are shortened; none makes the pane wider.
 class FilePaneView : public QWidget {
-    Q_OBJECT
-
 public:
     /// The state must outlive the view.
     explicit FilePaneView(const PaneState &state, QWidget *parent = nullptr);
@@ -32,7 +30,8 @@ public:
     void setPane(const FilePane &pane);
     [[nodiscard]] const FilePane &pane() const { return m_pane; }
 
-    [[nodiscard]] QSize sizeHint() const override;
+    /// The same for every pane, whatever it shows: two of them share a width equally.
+    [[nodiscard]] QSize sizeHint() const override { return {480, 480}; }
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
@@ -45,19 +44,19 @@ private:
     [[nodiscard]] QWidget *makeColumnHeaders();
     [[nodiscard]] QWidget *makeGridSelectAllBar();
     [[nodiscard]] QWidget *makeFooter();
-    [[nodiscard]] IconButton *makeTool(const QString &objectName, const QString &symbol, const QString &help);
 
     void showTools();
     void showSearch();
     void showSelectAll();
     void showEntries();
+    void announceEntries();
     [[nodiscard]] bool isGrid() const;
     [[nodiscard]] FileItemsView *entries() const { return isGrid() ? m_grid : m_list; }
 
-    void open(const FileItem &item);
+    void open(const FileItem &item) const;
     void select(const FileItem &item);
     void clearSearch();
-    void toggleSelectAll();
+    void toggleSelectAll() const;
     void showContextMenu(const FileItem &item, const QPoint &position);
 
     const PaneState &m_state;
@@ -68,11 +67,8 @@ private:
     QWidget *m_header;
     TextLabel *m_title;
     TextLabel *m_path;
-    IconButton *m_back;
-    IconButton *m_home;
-    IconButton *m_chooseFolder;
-    IconButton *m_newFolder;
-    IconButton *m_refresh;
+    QList<std::pair<IconButton *, std::function<void()> FilePane::*>> m_actions; ///< and what they call
+    QList<IconButton *> m_folderTools;
     IconButton *m_listTool;
     IconButton *m_gridTool;
 

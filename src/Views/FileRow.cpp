@@ -30,7 +30,7 @@ struct FileKind {
     ThemeColor (*color)();
 };
 
-const FileKind &kindOf(const QString &name) {
+const FileKind &kindOf(const FileEntry &entry) {
     static const FileKind kinds[] = {
         {{QLatin1String(".mp4"), QLatin1String(".mov")}, QLatin1String("film"), &AppTheme::systemPurple},
         {{QLatin1String(".m4a"), QLatin1String(".mp3")}, QLatin1String("music.note"), &AppTheme::systemPink},
@@ -38,11 +38,11 @@ const FileKind &kindOf(const QString &name) {
         {{QLatin1String(".txt")}, QLatin1String("doc.text"), &AppTheme::inkSecondary},
     };
     static const FileKind anyFile{{}, QLatin1String("doc.fill"), &AppTheme::inkSecondary};
-    const QString lowered = name.toLower();
-    const auto ends = [&lowered](QLatin1String suffix) { return lowered.endsWith(suffix); };
-    const auto *kind = std::find_if(std::begin(kinds), std::end(kinds), [&ends](const FileKind &candidate) {
-        return std::any_of(candidate.suffixes.begin(), candidate.suffixes.end(), ends);
-    });
+    static const FileKind folder{{}, QLatin1String("folder.fill"), &AppTheme::folderBlue};
+    if (entry.item.isDirectory)
+        return folder;
+    const auto *kind = std::find_if(std::begin(kinds), std::end(kinds),
+                                    [&entry](const FileKind &of) { return entry.nameEndsWith(of.suffixes); });
     return kind != std::end(kinds) ? *kind : anyFile;
 }
 
@@ -68,20 +68,12 @@ int FileRowGeometry::height(bool showsLocation) {
     return int(text + 2 * verticalInset(showsLocation));
 }
 
-QString FileRow::fileIcon(const QString &name) {
-    return kindOf(name).icon;
-}
-
-ThemeColor FileRow::fileColor(const QString &name) {
-    return kindOf(name).color();
-}
-
 QString FileRow::icon() const {
-    return item.isDirectory ? QStringLiteral("folder.fill") : fileIcon(item.name);
+    return kindOf(*this).icon;
 }
 
 ThemeColor FileRow::iconColor() const {
-    return item.isDirectory ? AppTheme::folderBlue() : fileColor(item.name);
+    return kindOf(*this).color();
 }
 
 FileEntry::Part FileRow::hitTest(const QRectF &rect, const QPointF &point) const {
@@ -108,7 +100,8 @@ void FileRow::paint(QPainter &painter, const QRectF &rect) const {
 
     paintText(painter, parts.name, item.name, nameStyle, AppTheme::ink());
     if (showsLocation)
-        paintText(painter, parts.location, locationLabel(), locationStyle, AppTheme::inkTertiary());
+        paintText(painter, parts.location, locationLabel(), locationStyle, AppTheme::inkTertiary(),
+                  Qt::AlignLeft | Qt::AlignVCenter, Elision::middle);
 
     constexpr auto trailing = Qt::AlignRight | Qt::AlignVCenter;
     paintText(painter, parts.size, item.sizeLabel(), columnStyle, AppTheme::inkSecondary(), trailing);

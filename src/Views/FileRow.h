@@ -31,10 +31,10 @@ struct FileRowGeometry {
 
 /// One entry in the list layout.
 struct FileRow : FileEntry {
-    /// The symbol and the colour of a file, from the end of its name. A folder does not ask.
-    [[nodiscard]] static QString fileIcon(const QString &name);
-    [[nodiscard]] static ThemeColor fileColor(const QString &name);
+    static constexpr bool showsModified = true;
+    static constexpr double radius = 4; ///< of the focus ring
 
+    /// The symbol and its colour; of a file, from the end of its name.
     [[nodiscard]] QString icon() const;
     [[nodiscard]] ThemeColor iconColor() const;
 

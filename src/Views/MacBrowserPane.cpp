@@ -1,24 +1,13 @@
 #include "Views/MacBrowserPane.h"
 
 #include "MacFiles/MacFileClient.h"
+#include "MacFiles/ThisComputer.h"
 #include "State/AppState.h"
 #include "Views/FilePane.h"
 
 #include <QDir>
 
 namespace vantrel {
-
-namespace {
-
-void chooseFolder(AppState *state) {
-    MacFileClient::chooseFolder(state->desktop(), state->macPath())
-        .then(state, [state](const std::optional<QString> &folder) {
-            if (folder)
-                state->browseMac(*folder);
-        });
-}
-
-} // namespace
 
 MacBrowserPane::MacBrowserPane(AppState *state, QWidget *parent)
     : BrowserPane(state, BrowserSide::mac, parent) {
@@ -28,7 +17,7 @@ MacBrowserPane::MacBrowserPane(AppState *state, QWidget *parent)
 
 void MacBrowserPane::fill(FilePane &pane) {
     AppState *state = &app();
-    pane.title = QStringLiteral("Mac");
+    pane.title = thisComputer();
     pane.pathLabel = state->macPath();
     pane.footerLeading = state->macSelectionSummary();
     pane.footerTrailing = state->macAvailableLabel();
@@ -39,7 +28,13 @@ void MacBrowserPane::fill(FilePane &pane) {
     };
     pane.onBack = [state] { state->browseMac(MacFileClient::parentPath(state->macPath())); };
     pane.onRefresh = [state] { state->browseMac(state->macPath()); };
-    pane.onChooseFolder = [state] { chooseFolder(state); };
+    pane.onChooseFolder = [state] {
+        MacFileClient::chooseFolder(state->desktop(), state->macPath())
+            .then(state, [state](const std::optional<QString> &folder) {
+                if (folder)
+                    state->browseMac(*folder);
+            });
+    };
     pane.onNewFolder = [state] { state->createMacFolder(); };
     pane.onHome = [state] { state->browseMac(QDir::homePath()); };
     pane.showsMacContextMenu = true;

@@ -6,8 +6,6 @@ namespace vantrel {
 
 /// The computer's file pane.
 class MacBrowserPane : public BrowserPane {
-    Q_OBJECT
-
 public:
     /// The state must outlive the view.
     explicit MacBrowserPane(AppState *state, QWidget *parent = nullptr);

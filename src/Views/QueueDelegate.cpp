@@ -3,6 +3,7 @@
 #include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextStyle.h"
+#include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
 #include "Transfers/TransferQueue.h"
 #include "Views/QueueListView.h"
@@ -10,7 +11,6 @@
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 namespace vantrel {
 
@@ -67,7 +67,7 @@ double shownFraction(const QueueItemStatus &status) {
     return status.is<QueueItemStatus::Completed>() ? 1 : 0;
 }
 
-QueueRowGeometry::QueueRowGeometry(const QRect &row)
+QueueRowGeometry::QueueRowGeometry(const QRect &row, bool showsReason)
     : icon(row.left() + horizontalPadding, row.top(), iconWidth, row.height()),
       removeButton(row.right() + 1 - horizontalPadding - buttonSize,
                    row.top() + (row.height() - buttonSize) / 2, buttonSize, buttonSize) {
@@ -77,13 +77,16 @@ QueueRowGeometry::QueueRowGeometry(const QRect &row)
     const int numbersTop = row.top() + (row.height() - progressHeight - numbersGap - percentHeight + 1) / 2;
     progress = {numbersLeft, numbersTop, numbersWidth, progressHeight};
     percent = {numbersLeft, numbersTop + progressHeight + numbersGap, numbersWidth, percentHeight};
-    action = percent.adjusted(0, 0, -percentWidth, 0);
 
     const int left = icon.right() + 1 + columnGap;
     const int width = qMax(0, numbersLeft - columnGap - left);
     name = {left, row.top() + verticalPadding, width, nameStyle.lineHeight()};
     route = {left, name.bottom() + 1 + lineGap, width, routeStyle.lineHeight()};
     bar = {left, route.bottom() + 1 + lineGap, width, barHeight};
+    reason = {left, name.bottom() + 1, progress.right() + 1 - left, bar.bottom() - name.bottom()};
+    if (showsReason)
+        percent.moveTop(name.top() + (name.height() - percentHeight) / 2);
+    action = percent.adjusted(0, 0, -percentWidth, 0);
 }
 
 int QueueRowGeometry::rowHeight() {
@@ -105,6 +108,12 @@ QString QueueDelegate::actionTitle(const QueueItem &item) {
     return item.canKeepBoth() ? QStringLiteral("Keep both") : QString();
 }
 
+bool QueueDelegate::showsReason(const QueueItem &item) {
+    return item.canTryAgain() || item.canKeepBoth() ||
+           (item.status.is<QueueItemStatus::Completed>() &&
+            progressStyle.width(item.progressLabel()) > numbersWidth);
+}
+
 QSize QueueDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const {
     return {0, QueueRowGeometry::rowHeight() + dividerHeight};
 }
@@ -113,18 +122,25 @@ void QueueDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const {
     const QueueItem item = queueItemAt(index);
     const QRect row = option.rect.adjusted(0, 0, 0, -dividerHeight);
-    const QueueRowGeometry parts(row);
+    const bool isReason = showsReason(item);
+    const QueueRowGeometry parts(row, isReason);
 
     const Symbol symbol{item.isDirectory ? QStringLiteral("folder.fill") : QStringLiteral("doc.fill"), 14,
                         Weight::semibold};
     symbol.paint(*painter, parts.icon, item.isDirectory ? AppTheme::folderBlue() : AppTheme::inkSecondary());
     paintText(*painter, parts.name, item.name, nameStyle, AppTheme::ink());
-    paintText(*painter, parts.route, routeOf(item), routeStyle, AppTheme::inkTertiary(),
-              Qt::AlignLeft | Qt::AlignVCenter, Elision::middle);
-    paintProgress(*painter, parts.bar, shownFraction(item.status), barColor(item.status), AppTheme::stroke());
     constexpr auto trailing = Qt::AlignRight | Qt::AlignVCenter;
-    paintText(*painter, parts.progress, item.progressLabel(), progressStyle, AppTheme::inkSecondary(),
-              trailing);
+    if (isReason) {
+        paintText(*painter, parts.reason, item.progressLabel(), progressStyle,
+                  item.canTryAgain() ? AppTheme::danger() : AppTheme::inkSecondary());
+    } else {
+        paintText(*painter, parts.route, routeOf(item), routeStyle, AppTheme::inkTertiary(),
+                  Qt::AlignLeft | Qt::AlignVCenter, Elision::middle);
+        paintProgress(*painter, parts.bar, shownFraction(item.status), barColor(item.status),
+                      AppTheme::stroke());
+        paintText(*painter, parts.progress, item.progressLabel(), progressStyle, AppTheme::inkSecondary(),
+                  trailing);
+    }
     paintText(*painter, parts.percent, item.percentLabel(), percentStyle, AppTheme::ink(), trailing);
     const bool hasFocus = option.state.testFlag(QStyle::State_HasFocus);
     const auto *list = qobject_cast<const QueueListView *>(option.widget);
@@ -151,7 +167,8 @@ bool QueueDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const 
     if (event->type() != QEvent::ToolTip || !index.isValid())
         return QAbstractItemDelegate::helpEvent(event, view, option, index);
     const QueueItem item = queueItemAt(index);
-    const QueueRowGeometry parts(option.rect.adjusted(0, 0, 0, -dividerHeight));
+    const bool isReason = showsReason(item);
+    const QueueRowGeometry parts(option.rect.adjusted(0, 0, 0, -dividerHeight), isReason);
     const struct {
         QRect rect;
         QString text;
@@ -159,18 +176,24 @@ bool QueueDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const 
     } texts[] = {{parts.name, item.name, nameStyle},
                  {parts.route, routeOf(item), routeStyle},
                  {parts.progress, item.progressLabel(), progressStyle}};
-    QString help = parts.removeButton.contains(event->pos()) ? removeHelp() : QString();
+    QStringList help;
+    if (parts.removeButton.contains(event->pos()))
+        help = {removeHelp()};
     for (const auto &[rect, text, style] : texts) {
-        if (rect.contains(event->pos()) && style.width(text) > rect.width())
-            help = text;
+        if (!(isReason && rect != parts.name) && rect.contains(event->pos()) &&
+            style.width(text) > rect.width())
+            help = {text};
     }
     const QString problems = item.problemText();
-    if (!problems.isEmpty() && (parts.progress | parts.percent).contains(event->pos()))
-        help = item.progressLabel() % QStringLiteral("\n\n") % problems;
-    if (help.isEmpty())
-        QToolTip::hideText();
-    else
-        QToolTip::showText(event->globalPos(), plainToolTip(help), view->viewport(), option.rect);
+    const QRect words = isReason ? parts.reason : parts.progress | parts.percent;
+    if ((isReason || !problems.isEmpty()) && words.contains(event->pos())) {
+        help = item.progressLabel().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        if (!problems.isEmpty())
+            help += QStringList(QString()) + problems.split(QLatin1Char('\n'));
+        help += {QString(), routeOf(item)};
+    }
+    std::transform(help.begin(), help.end(), help.begin(), &displayText); // a name has no lines of its own
+    ToolTips::show(help.join(QLatin1Char('\n')), view->viewport(), option.rect);
     return true;
 }
 

@@ -16,7 +16,7 @@ class QueueItemStatus;
 /// Where the parts of a row lie, in layout pixels: of the row at `row`, which is as high as rowHeight() and
 /// ends above its divider.
 struct QueueRowGeometry {
-    explicit QueueRowGeometry(const QRect &row);
+    explicit QueueRowGeometry(const QRect &row, bool showsReason = false);
 
     /// The same for every row, whatever it shows.
     [[nodiscard]] static int rowHeight();
@@ -27,6 +27,7 @@ struct QueueRowGeometry {
     QRect bar;
     QRect progress;
     QRect percent;
+    QRect reason; ///< in place of the route and the bar; there the percentage and the action stand above
     QRect action; ///< beside the percentage, where there is one to take
     QRect removeButton;
 };
@@ -44,6 +45,9 @@ public:
 
     /// What the remove button does.
     [[nodiscard]] static QString removeHelp();
+    /// Whether words stand in place of the route and the bar: those of an end that are worth reading, or too
+    /// long for the column of numbers.
+    [[nodiscard]] static bool showsReason(const QueueItem &item);
     /// What the user may do about how the entry has ended: "Try again", "Keep both", or empty.
     [[nodiscard]] static QString actionTitle(const QueueItem &item);
 

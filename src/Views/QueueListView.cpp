@@ -39,6 +39,9 @@ QueueListView::QueueListView(QAbstractItemModel *queue, double radius, QWidget *
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
     verticalScrollBar()->setSingleStep(pitch() / 3);
+    connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this, [this] { // by the user alone
+        m_followsRunning = areInSight(m_running, verticalScrollBar()->sliderPosition());
+    });
     // The last row has no divider: the place where it would be lies below the list's edge.
     setViewportMargins(0, 0, 0, -dividerHeight);
     viewport()->setAutoFillBackground(false);
@@ -48,6 +51,32 @@ int QueueListView::heightOfRows(qsizetype count) {
     // A queue of a million rows would still fit; beyond that the panel is as high as it can get anyway.
     constexpr qsizetype enough = 1'000'000;
     return count < 1 ? 0 : int(std::min(count, enough)) * pitch() - dividerHeight;
+}
+
+bool QueueListView::areInSight(const QList<int> &running, int offset) const {
+    if (running.isEmpty())
+        return true;
+    const auto isInSight = [&](int row) {
+        return row * pitch() >= offset && heightOfRows(row + 1) <= offset + viewport()->height();
+    };
+    const auto [first, last] = std::minmax_element(running.begin(), running.end());
+    const bool fit = heightOfRows(*last - *first + 1) <= viewport()->height();
+    return fit ? isInSight(*first) && isInSight(*last)
+               : std::any_of(running.begin(), running.end(), isInSight);
+}
+
+void QueueListView::keepInSight(const QList<int> &running) {
+    m_running = running;
+    m_followsRunning = m_followsRunning || running.isEmpty();
+    const int place = verticalScrollBar()->value();
+    if (!m_followsRunning || hasFocus() || m_pressed.isValid() || areInSight(running, place))
+        return;
+    // The queue is worked off upwards: the lowest one at the lower edge leaves room for those that come next.
+    const auto [first, last] = std::minmax_element(running.begin(), running.end());
+    const int below = heightOfRows(*last + 1) - viewport()->height();
+    const bool fit = *first * pitch() >= below;
+    executeDelayedItemsLayout();
+    verticalScrollBar()->setValue(fit && place > below ? *first * pitch() : below);
 }
 
 QRect QueueListView::removeButtonRect(const QModelIndex &row) const {
@@ -64,9 +93,10 @@ void QueueListView::pressRemoveButton(const QModelIndex &row) {
 }
 
 QRect QueueListView::actionRect(const QModelIndex &row) const {
-    return QueueDelegate::actionTitle(queueItemAt(row)).isEmpty()
+    const QueueItem item = queueItemAt(row);
+    return QueueDelegate::actionTitle(item).isEmpty()
                ? QRect()
-               : QueueRowGeometry(visualRect(row).adjusted(0, 0, 0, -dividerHeight)).action;
+               : QueueRowGeometry(visualRect(row).adjusted(0, 0, 0, -dividerHeight), true).action;
 }
 
 void QueueListView::pressAction(const QModelIndex &row) {
@@ -89,6 +119,7 @@ void QueueListView::setOnAction(bool isOnAction) {
 void QueueListView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                                 const QList<int> &roles) {
     // QListView would lay out all its rows, since one might have got another size. None of ours ever does.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractItemView::dataChanged(topLeft, bottomRight, roles);
     announceProgress(this, topLeft);
 }

@@ -27,6 +27,10 @@ public:
 
     /// Where the remove button of a row lies, in the viewport.
     [[nodiscard]] QRect removeButtonRect(const QModelIndex &row) const;
+    /// Scrolls so that the rows are in sight that run; where they do not all fit, one of them. Not after the
+    /// user has scrolled them out of it, until they are back or none runs; nor while the list is in use.
+    void keepInSight(const QList<int> &running);
+
     /// Does what the remove button of a row does.
     void pressRemoveButton(const QModelIndex &row);
 
@@ -61,10 +65,14 @@ private:
     [[nodiscard]] QModelIndex removeButtonAt(const QPoint &place) const;
 
     void setOnAction(bool isOnAction);
+    /// Whether that would be in sight, with this many pixels above the viewport.
+    [[nodiscard]] bool areInSight(const QList<int> &running, int offset) const;
 
     QPersistentModelIndex m_pressed; ///< whose button the mouse holds down
     bool m_isActionPressed = false;  ///< the action, not the remove button
     bool m_isOnAction = false;
+    QList<int> m_running;         ///< rows, as told last
+    bool m_followsRunning = true; ///< the user has not scrolled away from them
 };
 
 } // namespace vantrel

@@ -31,7 +31,7 @@ ScopePicker::ScopePicker(QWidget *parent) : QComboBox(parent) {
     // Where the toolkit gives the chosen title as the name.
     setAccessibleDescription(QStringLiteral("Scope"));
     setFocusPolicy(Qt::TabFocus);
-    setFixedSize(sizeHint());
+    setFixedSize(ScopePicker::sizeHint());
     connect(this, &QComboBox::activated, this,
             [this](int index) { Q_EMIT scopeChosen(allAndroidSearchScopes.at(size_t(index))); });
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Records/AndroidSearchScope.h"
+#include "Records/Pane.h"
 
 #include <QComboBox>
 

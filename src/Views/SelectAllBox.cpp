@@ -1,30 +1,23 @@
 #include "Views/SelectAllBox.h"
 
-#include "Kit/Shapes.h"
-#include "Kit/Symbol.h"
-#include "Kit/TextStyle.h"
-#include "Theme/AppTheme.h"
-
-#include <QPainter>
-
 namespace vantrel {
 
 namespace {
 
-Symbol symbolOf(Qt::CheckState state) {
-    const QString name = state == Qt::Checked            ? QStringLiteral("checkmark.square.fill")
-                         : state == Qt::PartiallyChecked ? QStringLiteral("minus.square.fill")
-                                                         : QStringLiteral("square");
+Symbol symbolOf(PaneSelectAllState selection) {
+    const QString name = selection == PaneSelectAllState::all       ? QStringLiteral("checkmark.square.fill")
+                         : selection == PaneSelectAllState::partial ? QStringLiteral("minus.square.fill")
+                                                                    : QStringLiteral("square");
     return {name, 13, Weight::medium};
 }
 
 } // namespace
 
-SelectAllBox::SelectAllBox(QWidget *parent) : QCheckBox(parent) {
-    setTristate(true);
-    setFocusPolicy(Qt::TabFocus);
-    setFixedSize(sizeHint());
-    setSelection(PaneSelectAllState::none);
+SelectAllBox::SelectAllBox(QWidget *parent) : PlainButton(parent) {
+    setCheckable(true);
+    setRingRadius(4);
+    setFixedSize(SelectAllBox::sizeHint());
+    setHelp(title(m_selection), QAccessible::CheckBox);
 }
 
 QString SelectAllBox::title(PaneSelectAllState selection) {
@@ -33,25 +26,34 @@ QString SelectAllBox::title(PaneSelectAllState selection) {
 }
 
 void SelectAllBox::setSelection(PaneSelectAllState selection) {
-    setCheckState(selection == PaneSelectAllState::all       ? Qt::Checked
-                  : selection == PaneSelectAllState::partial ? Qt::PartiallyChecked
-                                                             : Qt::Unchecked);
-    setToolTip(plainToolTip(title(selection)));
-    setAccessibleName(title(selection));
+    if (std::exchange(m_selection, selection) == selection)
+        return;
+    setHelp(title(selection), QAccessible::CheckBox);
+    const bool isOn = selection != PaneSelectAllState::none;
+    if (isOn != isChecked()) {
+        setChecked(isOn);
+    } else { // from some to all or back, which the toolkit does not tell assistive technology
+        QAccessible::State changed;
+        changed.checked = changed.checkStateMixed = true;
+        QAccessibleStateChangeEvent event(this, changed);
+        QAccessible::updateAccessibility(&event);
+    }
+    update();
+}
+
+Qt::CheckState SelectAllBox::checkState() const {
+    return m_selection == PaneSelectAllState::partial ? Qt::PartiallyChecked : PlainButton::checkState();
 }
 
 QSize SelectAllBox::sizeHint() const {
-    return symbolOf(Qt::Unchecked).naturalSize().toSize();
+    return symbolOf(PaneSelectAllState::none).naturalSize().toSize();
 }
 
-void SelectAllBox::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    const ThemeColor color = !isEnabled()                    ? AppTheme::inkTertiary().withOpacity(0.45)
-                             : checkState() == Qt::Unchecked ? AppTheme::inkTertiary()
-                                                             : AppTheme::accent();
-    symbolOf(checkState()).paint(painter, rect(), color);
-    if (hasFocus())
-        paintFocusRing(painter, rect(), 4);
+void SelectAllBox::paintContent(QPainter &painter) {
+    const ThemeColor color = !isEnabled() ? AppTheme::inkTertiary().withOpacity(0.45)
+                             : m_selection == PaneSelectAllState::none ? AppTheme::inkTertiary()
+                                                                       : AppTheme::accent();
+    symbolOf(m_selection).paint(painter, rect(), color);
 }
 
 } // namespace vantrel

@@ -1,16 +1,13 @@
 #pragma once
 
+#include "Kit/IconButton.h"
 #include "Records/Pane.h"
-
-#include <QCheckBox>
 
 namespace vantrel {
 
 /// The box above a pane's entries. It shows what it is told; a click does not change it, what follows from
 /// the click does.
-class SelectAllBox : public QCheckBox {
-    Q_OBJECT
-
+class SelectAllBox : public PlainButton {
 public:
     explicit SelectAllBox(QWidget *parent = nullptr);
 
@@ -18,13 +15,15 @@ public:
     /// "Select all", or "Deselect all" when everything is selected: its tool tip.
     [[nodiscard]] static QString title(PaneSelectAllState selection);
 
+    [[nodiscard]] Qt::CheckState checkState() const override;
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
-    void nextCheckState() override {}
-    [[nodiscard]] bool hitButton(const QPoint &point) const override { return rect().contains(point); }
+    void paintContent(QPainter &painter) override;
+
+private:
+    PaneSelectAllState m_selection = PaneSelectAllState::none;
 };
 
 } // namespace vantrel

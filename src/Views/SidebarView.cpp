@@ -1,7 +1,9 @@
 #include "Views/SidebarView.h"
 
 #include "Kit/Accessibility.h"
-#include "Kit/Card.h"
+#include "Kit/Boxes.h"
+#include "Kit/Canvas.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/Spinner.h"
@@ -9,11 +11,11 @@
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
+#include "Views/FileItemsView.h"
 
 #include <QPainter>
 #include <QProgressBar>
 #include <QScrollArea>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -24,45 +26,22 @@ namespace {
 constexpr int storageSteps = 10'000; // finer than the bar has pixels
 
 /// The phone's picture; the same whether or not one is connected.
-class DeviceIcon : public QWidget {
-public:
-    explicit DeviceIcon(QWidget *parent) : QWidget(parent) { setFixedSize(36, 36); }
+void paintDeviceIcon(QPainter &painter, const QRectF &rect) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    QLinearGradient gradient(rect.topLeft(), rect.bottomRight());
+    gradient.setColorAt(0, AppTheme::deviceIconTop());
+    gradient.setColorAt(1, AppTheme::deviceIconBottom());
+    painter.fillPath(roundedRect(rect, 10), gradient);
+    Symbol{QStringLiteral("iphone"), 15, Weight::medium}.paint(painter, rect, AppTheme::onAccent());
+}
 
-protected:
-    void paintEvent(QPaintEvent *) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        QLinearGradient gradient(rect().topLeft(), QRectF(rect()).bottomRight());
-        gradient.setColorAt(0, AppTheme::deviceIconTop());
-        gradient.setColorAt(1, AppTheme::deviceIconBottom());
-        painter.fillPath(roundedRect(rect(), 10), gradient);
-        Symbol{QStringLiteral("iphone"), 15, Weight::medium}.paint(painter, rect(), AppTheme::onAccent());
-    }
-};
+Canvas *canvas(int side, Canvas::Paint paint) {
+    auto *made = new Canvas(std::move(paint));
+    made->setFixedSize(side, side);
+    return made;
+}
 
 } // namespace
-
-class StatusDot : public QWidget {
-public:
-    explicit StatusDot(QWidget *parent) : QWidget(parent) { setFixedSize(7, 7); }
-
-    void setColor(const ThemeColor &color) {
-        if (color == m_color)
-            return;
-        m_color = color;
-        update();
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.fillPath(capsule(rect()), QColor(m_color));
-    }
-
-private:
-    ThemeColor m_color;
-};
 
 class ShortcutRow : public PlainButton {
 public:
@@ -70,14 +49,11 @@ public:
         : PlainButton(parent), m_symbol{shortcut.systemImage, 13, Weight::semibold}, m_title(shortcut.title),
           m_loading(new Spinner(Spinner::Size::mini, QStringLiteral("Loading ") + shortcut.title, this)) {
         setObjectName(QStringLiteral("sidebar.shortcut.") + shortcut.title);
-        setHelp(QStringLiteral("Browse ") + shortcut.title);
+        setHelp(QStringLiteral("Browse ") + shortcut.title, QAccessible::RadioButton);
         setCheckable(true);
         setRingRadius(radius);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        auto *row = new QHBoxLayout(this);
-        row->setContentsMargins(horizontalPadding, 0, horizontalPadding, 0);
-        row->addStretch();
-        row->addWidget(m_loading);
+        setLayout(rowOf(0, {BoxItem::room(), m_loading}, {horizontalPadding, 0, horizontalPadding, 0}));
     }
 
     void setLoading(bool loading) { m_loading->setVisible(loading); }
@@ -115,12 +91,9 @@ SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_
     describe(this, QAccessible::Grouping, QStringLiteral("Sidebar"));
     setFixedWidth(columnWidth);
 
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins({});
-    column->setSpacing(0);
-    column->addWidget(deviceCard());
-    column->addWidget(sectionHeader(QStringLiteral("ANDROID STORAGE")));
-    column->addWidget(shortcutList(), 1);
+    auto *header = new TextLabel({10, Weight::bold, FontDesign::standard, 0.6}, AppTheme::inkTertiary());
+    header->setText(QStringLiteral("ANDROID STORAGE"));
+    setLayout(columnOf(0, {deviceCard(), columnOf(0, {header}, {14, 0, 14, 6}), {shortcutList(), 1}}));
 
     m_rendering.watch(state, &AppState::deviceChanged, &AppState::deviceStatusMessageChanged,
                       &AppState::isRefreshingDeviceChanged, &AppState::isLoadingAndroidChanged,
@@ -129,28 +102,21 @@ SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_
 }
 
 QWidget *SidebarView::deviceCard() {
-    auto *padded = new QWidget(this);
-    auto *padding = new QVBoxLayout(padded);
-    padding->setContentsMargins(12, 12, 12, 12);
-    auto *card = new Card(12, padded);
-    card->setObjectName(QStringLiteral("sidebar.device"));
-    describe(card, QAccessible::Grouping, QStringLiteral("Android device"));
-    padding->addWidget(card);
-
-    const auto text = [card](const QString &name, const TextStyle &style, const ThemeColor &color) {
-        auto *label = new TextLabel(style, color, card);
-        label->setObjectName(name);
-        return label;
+    const TextStyle caption{10.5, Weight::medium};
+    const auto text = [](const QString &name, const TextStyle &style, const ThemeColor &color) {
+        return named(name, new TextLabel(style, color));
     };
     m_title = text(QStringLiteral("sidebar.device.title"), {12.5, Weight::semibold, FontDesign::monospaced},
                    AppTheme::ink());
-    m_refreshing = new Spinner(Spinner::Size::mini, QStringLiteral("Checking the device"), card);
-    m_refreshing->setObjectName(QStringLiteral("sidebar.device.refreshing"));
-    m_dot = new StatusDot(card);
-    m_dot->setObjectName(QStringLiteral("sidebar.device.statusDot"));
+    m_refreshing = named(QStringLiteral("sidebar.device.refreshing"),
+                         new Spinner(Spinner::Size::mini, QStringLiteral("Checking the device")));
+    m_dot = named(QStringLiteral("sidebar.device.statusDot"),
+                  canvas(7, [this](QPainter &painter, const QRectF &rect) {
+                      painter.setRenderHint(QPainter::Antialiasing);
+                      painter.fillPath(capsule(rect), QColor(statusColor()));
+                  }));
     m_status = text(QStringLiteral("sidebar.device.status"), {11, Weight::semibold}, AppTheme::danger());
-    m_refresh = new IconButton({24, 24}, IconButton::circle, card);
-    m_refresh->setObjectName(QStringLiteral("sidebar.refresh"));
+    m_refresh = named(QStringLiteral("sidebar.refresh"), new IconButton({24, 24}, IconButton::circle));
     m_refresh->setHelp(QStringLiteral("Refresh connected Android device"));
     m_refresh->setLook({.symbol = {QStringLiteral("arrow.clockwise"), 11, Weight::semibold},
                         .glyph = AppTheme::inkSecondary(),
@@ -158,69 +124,31 @@ QWidget *SidebarView::deviceCard() {
                         .stroke = AppTheme::stroke()});
     connect(m_refresh, &QAbstractButton::clicked, this,
             [this] { m_state->refreshDevice(AppState::Spinner::shown); });
-
-    const TextStyle caption{10.5, Weight::medium};
     m_message = text(QStringLiteral("sidebar.device.message"), caption, AppTheme::inkTertiary());
     m_message->setMaximumLines(2);
     m_message->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    m_storage = new QProgressBar(card);
+    m_storage = named(QStringLiteral("sidebar.storage"), new QProgressBar);
     m_storage->setRange(0, storageSteps);
     m_storage->setFixedHeight(6);
-    m_storage->setObjectName(QStringLiteral("sidebar.storage"));
     m_storage->setAccessibleName(QStringLiteral("Storage used"));
     m_storageText = text(QStringLiteral("sidebar.storage.text"), caption, AppTheme::inkTertiary());
     // The model's name yields first.
     m_storageText->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     m_model = text(QStringLiteral("sidebar.device.model"), caption, AppTheme::inkTertiary());
 
-    auto *status = new QHBoxLayout;
-    status->setSpacing(5);
-    status->addWidget(m_refreshing);
-    status->addWidget(m_dot);
-    status->addWidget(m_status, 1);
-    auto *titles = new QVBoxLayout;
-    titles->setSpacing(3);
-    titles->addWidget(m_title);
-    titles->addLayout(status);
-    auto *header = new QHBoxLayout;
-    header->setSpacing(10);
-    header->addWidget(new DeviceIcon(card));
-    header->addLayout(titles, 1);
-    header->addWidget(m_refresh);
-
-    auto *storageRow = new QHBoxLayout;
-    storageRow->setSpacing(8);
-    storageRow->addWidget(m_storageText);
-    storageRow->addStretch();
-    storageRow->addWidget(m_model);
-    auto *storage = new QVBoxLayout;
-    storage->setSpacing(5);
-    storage->addWidget(m_storage);
-    storage->addLayout(storageRow);
-
-    auto *stack = new QVBoxLayout(card);
-    stack->setContentsMargins(12, 12, 12, 12);
-    stack->setSpacing(10);
-    stack->addLayout(header);
-    stack->addWidget(m_message);
-    stack->addLayout(storage);
+    auto *titles = columnOf(3, {m_title, rowOf(5, {m_refreshing, m_dot, {m_status, 1}})});
+    auto *header = rowOf(10, {canvas(36, &paintDeviceIcon), {titles, 1}, m_refresh});
+    auto *storage = columnOf(5, {m_storage, rowOf(8, {m_storageText, BoxItem::room(), m_model})});
+    auto *card = named(QStringLiteral("sidebar.device"), new Card(12));
+    describe(card, QAccessible::Grouping, QStringLiteral("Android device"));
+    card->setLayout(columnOf(10, {header, m_message, storage}, {12, 12, 12, 12}));
+    auto *padded = new QWidget;
+    padded->setLayout(columnOf(0, {card}, {12, 12, 12, 12}));
     return padded;
 }
 
-QWidget *SidebarView::sectionHeader(const QString &title) {
-    auto *header = new QWidget(this);
-    auto *label =
-        new TextLabel({10, Weight::bold, FontDesign::standard, 0.6}, AppTheme::inkTertiary(), header);
-    label->setText(title);
-    auto *padding = new QVBoxLayout(header);
-    padding->setContentsMargins(14, 0, 14, 6);
-    padding->addWidget(label);
-    return header;
-}
-
 QWidget *SidebarView::shortcutList() {
-    auto *scroll = new QScrollArea(this);
-    scroll->setObjectName(QStringLiteral("sidebar.shortcuts"));
+    auto *scroll = named(QStringLiteral("sidebar.shortcuts"), new QScrollArea);
     scroll->setAccessibleName(QStringLiteral("Android storage"));
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
@@ -229,9 +157,8 @@ QWidget *SidebarView::shortcutList() {
     scroll->viewport()->setAutoFillBackground(false);
 
     auto *rows = new QWidget;
-    auto *stack = new QVBoxLayout(rows);
-    stack->setContentsMargins(8, 0, 8, 0);
-    stack->setSpacing(2);
+    auto *stack = columnOf(2, {}, {8, 0, 8, 0});
+    rows->setLayout(stack);
     for (const StorageShortcut &shortcut : m_state->shortcuts()) {
         auto *row = new ShortcutRow(shortcut, rows);
         connect(row, &QAbstractButton::clicked, this, [this, shortcut] {
@@ -248,21 +175,25 @@ QWidget *SidebarView::shortcutList() {
     return scroll;
 }
 
+ThemeColor SidebarView::statusColor() const {
+    return m_state->device().isConnected ? AppTheme::success() : AppTheme::danger();
+}
+
 void SidebarView::render() {
     const AndroidDevice &device = m_state->device();
     const bool connected = device.isConnected;
     const bool refreshing = m_state->isRefreshingDevice();
-    const ThemeColor statusColor = connected ? AppTheme::success() : AppTheme::danger();
 
     m_title->setText(connected ? device.id : QStringLiteral("No device"));
     m_refreshing->setVisible(refreshing);
     m_dot->setVisible(!refreshing);
-    m_dot->setColor(statusColor);
+    m_dot->update();
     m_status->setText(refreshing  ? QStringLiteral("Checking…")
                       : connected ? QStringLiteral("Connected")
                                   : QStringLiteral("Disconnected"));
-    m_status->setColor(statusColor);
-    m_refresh->setEnabled(!refreshing);
+    m_status->setColor(statusColor());
+    // Not to a shortcut: the next stroke of the same key would leave the folder.
+    enableWithHeir(m_refresh, !refreshing, [this] { focusEntries(window()); });
 
     const QString message = m_state->deviceStatusMessage().value_or(QString());
     m_message->setText(message);

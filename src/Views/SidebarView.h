@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/RenderScheduler.h"
+#include "Theme/AppTheme.h"
 
 #include <QList>
 #include <QWidget>
@@ -14,12 +15,9 @@ class IconButton;
 class Spinner;
 class TextLabel;
 class ShortcutRow;
-class StatusDot;
 
 /// The column at the left of the window: the phone with its storage, and the shortcuts to its folders.
 class SidebarView : public QWidget {
-    Q_OBJECT
-
 public:
     static constexpr int columnWidth = 240; ///< layout pixels
 
@@ -31,14 +29,14 @@ protected:
 
 private:
     QWidget *deviceCard();
-    QWidget *sectionHeader(const QString &title);
     QWidget *shortcutList();
     void render();
+    [[nodiscard]] ThemeColor statusColor() const;
 
     AppState *m_state;
     TextLabel *m_title = nullptr;
     Spinner *m_refreshing = nullptr;
-    StatusDot *m_dot = nullptr;
+    QWidget *m_dot = nullptr;
     TextLabel *m_status = nullptr;
     IconButton *m_refresh = nullptr;
     TextLabel *m_message = nullptr;

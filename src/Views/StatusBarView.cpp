@@ -1,12 +1,12 @@
 #include "Views/StatusBarView.h"
 
 #include "Kit/Accessibility.h"
+#include "Kit/Boxes.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
 
-#include <QHBoxLayout>
 #include <QPainter>
 
 namespace vantrel {
@@ -16,22 +16,13 @@ StatusBarView::StatusBarView(AppState *state, QWidget *parent) : QWidget(parent)
     describe(this, QAccessible::StatusBar, QStringLiteral("Transfer status"));
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 
-    const auto text = [this](const QString &name) {
-        auto *label = new TextLabel({11, Weight::medium}, AppTheme::inkSecondary(), this);
-        label->setObjectName(name);
-        return label;
+    const auto text = [](const QString &name) {
+        return named(name, new TextLabel({11, Weight::medium}, AppTheme::inkSecondary()));
     };
     m_counts = text(QStringLiteral("statusBar.counts"));
     m_speed = text(QStringLiteral("statusBar.speed"));
     m_remaining = text(QStringLiteral("statusBar.remaining"));
-
-    auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(14, 7, 14, 7);
-    row->setSpacing(8);
-    row->addWidget(m_counts);
-    row->addStretch();
-    row->addWidget(m_speed);
-    row->addWidget(m_remaining);
+    setLayout(rowOf(8, {m_counts, BoxItem::room(), m_speed, m_remaining}, {14, 7, 14, 7}));
 
     m_rendering.watch(state, &AppState::queueChanged, &AppState::transferSpeedLabelChanged,
                       &AppState::remainingLabelChanged);

@@ -11,8 +11,6 @@ class TextLabel;
 
 /// The strip along the bottom of the window: how many copies run and wait, how fast, how long still.
 class StatusBarView : public QWidget {
-    Q_OBJECT
-
 public:
     /// The model must outlive the view.
     explicit StatusBarView(AppState *state, QWidget *parent = nullptr);

@@ -1,26 +1,18 @@
 #include "Views/TransferButtons.h"
 
+#include "Kit/Boxes.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
+#include "MacFiles/ThisComputer.h"
 #include "State/AppState.h"
-
-#include <QVBoxLayout>
+#include "Views/FileItemsView.h"
 
 namespace vantrel {
 
 namespace {
 
-constexpr QSize buttonSize(34, 34);
-constexpr double buttonRadius = 8;
-
-IconButton *transferButton(const QString &objectName, const QString &help) {
-    auto *button = new IconButton(buttonSize, buttonRadius);
-    button->setObjectName(objectName);
-    button->setHelp(help);
-    return button;
-}
-
-void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
-    button->setEnabled(enabled);
+void setEnabledLook(IconButton *button, const QString &symbol, bool enabled, const QWidget *source) {
+    enableWithHeir(button, enabled, [source] { focusEntries(source); });
     button->setLook({.symbol = {symbol, 13, Weight::bold},
                      .glyph = enabled ? AppTheme::onAccent() : AppTheme::inkTertiary(),
                      .fill = enabled ? AppTheme::accent() : AppTheme::surface(),
@@ -30,19 +22,13 @@ void setEnabledLook(IconButton *button, const QString &symbol, bool enabled) {
 
 } // namespace
 
-TransferButtons::TransferButtons(AppState *state, QWidget *parent)
-    : QWidget(parent), m_state(state),
-      m_toMac(transferButton(QStringLiteral("transferToMac"),
-                             QStringLiteral("Transfer selected Android items to Mac"))),
-      m_toAndroid(transferButton(QStringLiteral("transferToAndroid"),
-                                 QStringLiteral("Transfer selected Mac items to Android"))) {
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(10);
-    column->addStretch();
-    column->addWidget(m_toMac);
-    column->addWidget(m_toAndroid);
-    column->addStretch();
+TransferButtons::TransferButtons(AppState *state, QWidget *android, QWidget *mac)
+    : m_state(state), m_android(android), m_mac(mac),
+      m_toMac(named(QStringLiteral("transferToMac"), new IconButton({34, 34}, 8))),
+      m_toAndroid(named(QStringLiteral("transferToAndroid"), new IconButton({34, 34}, 8))) {
+    m_toMac->setHelp(QStringLiteral("Transfer selected Android items to ") + thisComputer());
+    m_toAndroid->setHelp(QStringLiteral("Transfer selected %1 items to Android").arg(thisComputer()));
+    setLayout(columnOf(10, {BoxItem::room(), m_toMac, m_toAndroid, BoxItem::room()}));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
 
     connect(m_toMac, &IconButton::clicked, state, &AppState::transferAndroidToMac);
@@ -56,9 +42,9 @@ TransferButtons::TransferButtons(AppState *state, QWidget *parent)
 void TransferButtons::render() {
     const bool connected = m_state->device().isConnected;
     setEnabledLook(m_toMac, QStringLiteral("chevron.right"),
-                   connected && !m_state->androidSelectedIDs().isEmpty());
+                   connected && !m_state->androidSelectedIDs().isEmpty(), m_android);
     setEnabledLook(m_toAndroid, QStringLiteral("chevron.left"),
-                   connected && !m_state->macSelectedIDs().isEmpty());
+                   connected && !m_state->macSelectedIDs().isEmpty(), m_mac);
 }
 
 } // namespace vantrel

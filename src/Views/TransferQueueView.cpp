@@ -1,15 +1,19 @@
 #include "Views/TransferQueueView.h"
 
 #include "Kit/Accessibility.h"
-#include "Kit/Card.h"
+#include "Kit/Canvas.h"
+#include "Kit/Focus.h"
 #include "Kit/IconButton.h"
+#include "Kit/TextButton.h"
 #include "Kit/TextLabel.h"
+#include "MacFiles/ThisComputer.h"
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
-#include "Transfers/TransferQueue.h"
+#include "Views/FileItemsView.h"
 #include "Views/QueueListView.h"
 
+#include <QLocale>
 #include <QProgressBar>
 #include <QVBoxLayout>
 
@@ -29,7 +33,8 @@ constexpr int barSteps = 10 * barWidth;
 
 } // namespace
 
-TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget(parent), m_state(state) {
+TransferQueueView::TransferQueueView(AppState *state, QWidget *parent)
+    : QWidget(parent), m_state(state), m_transfers(&state->transfers()) {
     setObjectName(QStringLiteral("queue"));
     describe(this, QAccessible::Grouping, QStringLiteral("Transfer Queue"));
 
@@ -38,7 +43,6 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     title->setText(QStringLiteral("Transfer Queue"));
     m_note = new TextLabel({10.5, Weight::medium}, AppTheme::inkTertiary(), m_header);
     m_note->setObjectName(QStringLiteral("queue.note"));
-    m_note->setText(QStringLiteral("Copy only — originals are kept"));
     m_figures = new TextLabel({11, Weight::medium}, AppTheme::inkSecondary(), m_header);
     m_figures->setObjectName(QStringLiteral("queue.figures"));
     m_bar = new QProgressBar(m_header);
@@ -46,16 +50,22 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     m_bar->setAccessibleName(QStringLiteral("Progress of all copies"));
     m_bar->setRange(0, barSteps);
     m_bar->setFixedSize(barWidth, barHeight);
-    m_tryAll = makeButton("queue.tryAll", QStringLiteral("arrow.clockwise"), QStringLiteral("Try all again"));
-    m_keepAll = makeButton("queue.keepAll", QStringLiteral("doc.on.doc"),
-                           QStringLiteral("Keep both wherever another content is already there"));
-    m_pause = makeButton("queue.pause", QStringLiteral("pause.fill"), QStringLiteral("Pause"));
+    m_tryAll = new TextButton(QStringLiteral("Try all again"),
+                              QStringLiteral("Try all transfers again that have failed"), m_header);
+    m_tryAll->setObjectName(QStringLiteral("queue.tryAll"));
+    m_keepAll =
+        new TextButton(QStringLiteral("Keep all both"),
+                       QStringLiteral("Keep both wherever another content is already there"), m_header);
+    m_keepAll->setObjectName(QStringLiteral("queue.keepAll"));
+    m_pause = makeButton("queue.pause", QStringLiteral("pause.fill"), QStringLiteral("Pause all transfers"));
+    m_resume =
+        makeButton("queue.resume", QStringLiteral("play.fill"), QStringLiteral("Resume all transfers"));
     m_clear = makeButton("queue.clear", QStringLiteral("trash"),
                          QStringLiteral("Clear all transfers from the queue"));
-    connect(m_tryAll, &QAbstractButton::clicked, state, &AppState::tryAllAgain);
-    connect(m_keepAll, &QAbstractButton::clicked, state, &AppState::keepAllBoth);
-    connect(m_pause, &QAbstractButton::clicked, state,
-            [state] { state->isPaused() ? state->resumeTransfers() : state->pauseTransfers(); });
+    connect(m_tryAll, &QAbstractButton::clicked, m_transfers, &TransferRunner::tryAllAgain);
+    connect(m_keepAll, &QAbstractButton::clicked, m_transfers, &TransferRunner::keepAllBoth);
+    connect(m_pause, &QAbstractButton::clicked, m_transfers, &TransferRunner::pause);
+    connect(m_resume, &QAbstractButton::clicked, m_transfers, &TransferRunner::resume);
     connect(m_clear, &QAbstractButton::clicked, state, &AppState::clearQueue);
     auto *header = new QHBoxLayout(m_header);
     header->setContentsMargins({});
@@ -65,7 +75,7 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     header->addWidget(m_bar);
     header->addStretch();
     header->addWidget(m_note);
-    for (QWidget *button : {m_tryAll, m_keepAll, m_pause, m_clear})
+    for (QWidget *button : std::initializer_list<QWidget *>{m_tryAll, m_keepAll, m_pause, m_resume, m_clear})
         header->addWidget(button);
 
     m_card = new Card(cardRadius, this);
@@ -73,14 +83,15 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     m_hint = new QWidget(m_card);
     auto *hint = new TextLabel({12, Weight::medium}, AppTheme::inkTertiary(), m_hint);
     hint->setObjectName(QStringLiteral("queue.hint"));
-    hint->setText(QStringLiteral("Select files and use → or ← to copy between Android and Mac."));
+    hint->setText(
+        QStringLiteral("Select files and use → or ← to copy between Android and %1.").arg(thisComputer()));
     auto *padding = new QVBoxLayout(m_hint);
     padding->setContentsMargins(hintPadding, hintPadding, hintPadding, hintPadding);
     padding->addWidget(hint);
-    m_list = new QueueListView(state->queueModel(), cardRadius, m_card);
+    m_list = new QueueListView(m_transfers->queueModel(), cardRadius, m_card);
     connect(m_list, &QueueListView::removeRequested, state, &AppState::removeQueueItem);
-    connect(m_list, &QueueListView::tryAgainRequested, state, &AppState::tryAgain);
-    connect(m_list, &QueueListView::keepBothRequested, state, &AppState::keepBoth);
+    connect(m_list, &QueueListView::tryAgainRequested, m_transfers, &TransferRunner::tryAgain);
+    connect(m_list, &QueueListView::keepBothRequested, m_transfers, &TransferRunner::keepBoth);
     auto *card = new QVBoxLayout(m_card);
     card->setContentsMargins({});
     card->setSpacing(0);
@@ -93,50 +104,60 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent) : QWidget
     stack->addWidget(m_header);
     stack->addWidget(m_card, 1);
 
-    m_rendering.watch(state, &AppState::queueChanged, &AppState::isPausedChanged,
-                      &AppState::isTransferringChanged);
+    m_rendering.watch(m_transfers, &TransferRunner::queueChanged, &TransferRunner::isPausedChanged,
+                      &TransferRunner::isTransferringChanged, &TransferRunner::noticeChanged);
     m_rendering.renderNow();
 }
 
 void TransferQueueView::render() {
-    const qsizetype count = m_state->queue().size();
-    m_note->setVisible(count > 0);
-    m_clear->setVisible(count > 0);
+    const TransferQueue &queue = m_transfers->queue();
+    const qsizetype count = queue.items().size();
+    const bool isToDecide = queue.failedCount() > 0 || queue.nameTakenCount() > 0;
+    const QString &notice = m_transfers->notice();
+    m_note->setText(notice.isEmpty() ? QStringLiteral("Copy only — originals are kept") : notice);
+    m_note->setColor(notice.isEmpty() ? AppTheme::inkTertiary() : AppTheme::danger());
+    m_note->setVisible(!notice.isEmpty() || (count > 0 && !isToDecide)); // there is no room for all
+    // Not to their neighbours, which do things to copies.
+    const auto heir = [this] { focusEntries(window()); };
+    const auto orTo = [&heir](QWidget *other) {
+        return [&heir, other] { other->isHidden() ? heir() : other->setFocus(Qt::TabFocusReason); };
+    };
+    showWithHeir(m_clear, !notice.isEmpty() || count > 0, heir);
     renderFigures();
-    renderPause();
-    m_tryAll->setVisible(m_state->transferQueue().failedCount() > 0);
-    m_keepAll->setVisible(m_state->transferQueue().nameTakenCount() > 0);
+    const bool mayPause =
+        !m_transfers->isPaused() && (m_transfers->isTransferring() || queue.waitingCount() > 0);
+    const bool mayResume = m_transfers->isPaused() || queue.pausedCount() > 0;
+    m_resume->setVisible(m_resume->isVisibleTo(this) || mayResume);
+    showWithHeir(m_pause, mayPause, orTo(m_resume));
+    showWithHeir(m_resume, mayResume, orTo(m_pause));
+    showWithHeir(m_tryAll, queue.failedCount() > 0, heir);
+    showWithHeir(m_keepAll, queue.nameTakenCount() > 0, heir);
     m_hint->setVisible(count == 0);
-    m_list->setVisible(count > 0);
+    showWithHeir(m_list, count > 0, heir);
     if (std::exchange(m_shownCount, count) != count)
         updateGeometry();
+    m_list->keepInSight(queue.activeRows());
 }
 
 /// "312 of 2,000 · 4.1 of 12 GB"
 void TransferQueueView::renderFigures() {
-    const TransferQueue &queue = m_state->transferQueue();
+    const TransferQueue &queue = m_transfers->queue();
     const qsizetype count = queue.items().size();
     m_figures->setVisible(count > 1);
     m_bar->setVisible(count > 1);
     if (count < 2)
         return;
-    QString text = QStringLiteral("%L1 of %L2").arg(queue.completedCount()).arg(count);
+    QLocale locale;
+    locale.setNumberOptions(QLocale::DefaultNumberOptions); // with separators of thousands everywhere
+    const auto grouped = [&locale](qint64 number) { return locale.toString(number); };
+    QString text = grouped(queue.completedCount()) % QStringLiteral(" of ") % grouped(count);
+    const double bytes = static_cast<double>(queue.totalBytes());
     if (queue.totalBytes() > 0)
-        text += QStringLiteral(" · %1 of %2")
-                    .arg(formatFileSize(queue.doneBytes()), formatFileSize(queue.totalBytes()));
+        text += QStringLiteral(" · ") + formatFileSizes(queue.doneBytes(), queue.totalBytes());
     m_figures->setText(text);
-    const double total = std::max(static_cast<double>(queue.totalBytes()), 1.0);
-    m_bar->setValue(static_cast<int>(barSteps * (static_cast<double>(queue.doneBytes()) / total)));
-}
-
-void TransferQueueView::renderPause() {
-    const bool isPaused = m_state->isPaused();
-    m_pause->setVisible(isPaused || m_state->isTransferring() || m_state->waitingCount() > 0);
-    m_pause->setHelp(isPaused ? QStringLiteral("Resume all transfers")
-                              : QStringLiteral("Pause all transfers"));
-    IconButton::Look look = m_pause->look();
-    look.symbol.name = isPaused ? QStringLiteral("play.fill") : QStringLiteral("pause.fill");
-    m_pause->setLook(look);
+    const double fraction = bytes > 0 ? static_cast<double>(queue.doneBytes()) / bytes
+                                      : queue.completedCount() / static_cast<double>(count);
+    m_bar->setValue(static_cast<int>(barSteps * fraction));
 }
 
 IconButton *TransferQueueView::makeButton(const char *name, const QString &symbol, const QString &help) {

@@ -12,7 +12,9 @@ class AppState;
 class Card;
 class IconButton;
 class QueueListView;
+class TextButton;
 class TextLabel;
+class TransferRunner;
 
 /// The panel of all copies: waiting, running and done. It asks for the height of all its rows; in less they
 /// scroll inside its card.
@@ -31,18 +33,19 @@ private:
     [[nodiscard]] IconButton *makeButton(const char *name, const QString &symbol, const QString &help);
     void render();
     void renderFigures();
-    void renderPause();
     /// The panel's height when its body is that high.
     [[nodiscard]] int heightAround(int bodyHeight) const;
 
     AppState *m_state;
+    TransferRunner *m_transfers;
     QWidget *m_header;
     TextLabel *m_figures;
     QProgressBar *m_bar;
     TextLabel *m_note;
-    IconButton *m_tryAll;
-    IconButton *m_keepAll;
+    TextButton *m_tryAll;
+    TextButton *m_keepAll;
     IconButton *m_pause;
+    IconButton *m_resume;
     IconButton *m_clear;
     Card *m_card;
     QWidget *m_hint;

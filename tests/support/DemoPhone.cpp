@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <QProcessEnvironment>
 
+#include <filesystem>
+
 namespace vantrel {
 
 namespace {
@@ -54,6 +56,9 @@ DemoPhone::~DemoPhone() {
         else
             qunsetenv(it.key().constData());
     }
+    // With the names that are no text, which QTemporaryDir cannot spell.
+    std::error_code ignored;
+    std::filesystem::remove_all(QFile::encodeName(root()).toStdString(), ignored);
 }
 
 void DemoPhone::setEnvironment(const char *name, const QByteArray &value) {
@@ -121,6 +126,14 @@ void DemoPhone::set(const QString &setting, const QByteArray &value) const {
     escaped.replace("\\", "\\\\").replace("\n", "\\n");
     // An empty text is not the same as none.
     append(setting, escaped.isEmpty() ? QByteArray("\\c") : escaped);
+}
+
+void DemoPhone::setOther(const QString &other, const QString &state, const QString &model) const {
+    set(QStringLiteral("phone"), QString(other % QLatin1Char(' ') % state % QLatin1Char(' ') % model));
+}
+
+QString DemoPhone::otherRoot(const QString &other) const {
+    return root() + QLatin1Char('-') + other;
 }
 
 void DemoPhone::reset(const QString &setting) const {

@@ -56,6 +56,11 @@ public:
     void unplug() const { set(QStringLiteral("state"), "none"); }
     void plug() const { set(QStringLiteral("state"), "device"); }
 
+    /// Plugs another phone in, changes its state, or takes it away with the state "none"; it is listed first.
+    void setOther(const QString &serial, const QString &state, const QString &model = {}) const;
+    /// Where the storage of another phone lies on this computer.
+    [[nodiscard]] QString otherRoot(const QString &serial) const;
+
     /// The argument list of every adb that was started, in order.
     [[nodiscard]] QList<QStringList> commandLines() const;
 

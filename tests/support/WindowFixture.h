@@ -47,6 +47,7 @@ protected:
         phone.set(QStringLiteral("stderr-progress"), "off");
         qputenv("HOME", QFile::encodeName(mac.path()));
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(mac.filePath(QStringLiteral("config"))));
+        qputenv("XDG_STATE_HOME", QFile::encodeName(mac.filePath(QStringLiteral("state"))));
         state = AppState::designPreview(desktop);
     }
     ~WindowFixture() override {

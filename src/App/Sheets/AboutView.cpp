@@ -2,8 +2,9 @@
 
 #include "App/System/Product.h"
 #include "Kit/AppStyle.h"
-#include "Kit/Divider.h"
+#include "Kit/Canvas.h"
 #include "Kit/TextLabel.h"
+#include "MacFiles/ThisComputer.h"
 #include "Theme/AppTheme.h"
 
 #include <QDesktopServices>
@@ -63,7 +64,7 @@ AboutView::AboutView(QWidget *window, const AboutTexts &texts)
     main->addSpacing(gap);
     main->addWidget(centred(m_texts.title(), {.size = 18, .weight = Weight::semibold}, AppTheme::ink()));
     main->addSpacing(gap);
-    main->addWidget(centred(QStringLiteral("Transfer files between Mac and Android"),
+    main->addWidget(centred(QStringLiteral("Transfer files between %1 and Android").arg(thisComputer()),
                             {.size = 13, .weight = Weight::medium}, AppTheme::inkSecondary()));
     main->addSpacing(linkGap);
     QPushButton *site = link(product::websiteDomain(), QStringLiteral("Open ") + product::websiteDomain(),

@@ -1,12 +1,17 @@
 #include "App/Sheets/Sheet.h"
 
+#include "Kit/Accessibility.h"
+#include "Kit/Canvas.h"
 #include "Kit/Shapes.h"
-#include "Kit/WindowFrame.h"
 #include "Theme/AppTheme.h"
 
+#include <QApplication>
+#include <QEvent>
+#include <QMainWindow>
+#include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPushButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -14,51 +19,42 @@ namespace vantrel {
 namespace {
 
 constexpr int gapBelowTitleBar = 24;
+constexpr double cornerRadius = 12;
 
-/// A veil over the window that takes no part in anything.
-class Dimming : public QWidget {
-public:
-    explicit Dimming(QWidget *window) : QWidget(window) {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        setGeometry(window->rect());
-        raise();
-        show();
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        // What lies outside the window's round corners is not the window's.
-        const bool isRound = window()->testAttribute(Qt::WA_TranslucentBackground) &&
-                             !window()->isMaximized() && !window()->isFullScreen();
-        painter.fillPath(roundedTop(rect(), isRound ? windowCornerRadius : 0), QColor(AppTheme::dimming()));
-    }
-};
+/// What lies below the window's title bar.
+QRect contentOf(const QWidget &window) {
+    QRect content = window.contentsRect();
+    const auto *mainWindow = qobject_cast<const QMainWindow *>(&window);
+    if (const QWidget *titleBar = mainWindow ? mainWindow->menuWidget() : nullptr)
+        content.setTop(titleBar->geometry().bottom() + 1);
+    return content;
+}
 
 } // namespace
 
 Sheet::Sheet(const QString &name, int width, QWidget *window)
-    : QDialog(window, Qt::Dialog | Qt::FramelessWindowHint), m_content(new QVBoxLayout(this)) {
-    setWindowTitle(name);
-    setAccessibleName(name);
-    setWindowModality(Qt::WindowModal);
+    : QDialog(window, Qt::SubWindow | Qt::FramelessWindowHint), // in the window, and Tab goes round in it
+      m_card(new Card(cornerRadius, this)), m_content(new QVBoxLayout(m_card)), m_firstFocus(this) {
+    describe(this, QAccessible::Dialog, name);
+    setAttribute(Qt::WA_NoMousePropagation);
+    m_card->setObjectName(QStringLiteral("sheet.card"));
+    m_card->setFixedWidth(width);
     m_content->setSpacing(0);
     m_content->setContentsMargins(0, 0, 0, 0);
     m_content->setSizeConstraint(QLayout::SetNoConstraint);
-    setFixedWidth(width);
-    if (desktopBlendsWindows()) {
-        setAttribute(Qt::WA_TranslucentBackground);
-        m_hasRoundCorners = true;
-    }
+    m_slide.setStartValue(0.0);
+    m_slide.setEndValue(1.0);
+    m_slide.setEasingCurve(QEasingCurve::OutCubic);
+    connect(&m_slide, &QVariantAnimation::valueChanged, this, &Sheet::place);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { keepFocus(now); });
 }
 
 Sheet::~Sheet() {
-    delete m_dimming;
+    hide(); // as long as it is one, to give the keyboard back
 }
 
 QPushButton *Sheet::makeButton(const QString &title, const QString &objectName) {
-    auto *button = new QPushButton(title, this);
+    auto *button = new QPushButton(title, m_card);
     button->setObjectName(objectName);
     button->setAutoDefault(false);        // or Return would press the one that has the keyboard
     button->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it was
@@ -66,44 +62,75 @@ QPushButton *Sheet::makeButton(const QString &title, const QString &objectName) 
     return button;
 }
 
-void Sheet::showEvent(QShowEvent *event) {
-    setFixedHeight(m_content->hasHeightForWidth() ? m_content->totalHeightForWidth(width())
-                                                  : m_content->totalSizeHint().height());
-    if (QWidget *window = parentWidget()) {
-        if (!m_dimming)
-            m_dimming = new Dimming(window->window());
-        window->window()->installEventFilter(this);
-        place();
+void Sheet::open() {
+    for (const Sheet *other : parentWidget()->findChildren<Sheet *>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (other != this && !other->isHidden()) {
+            connect(other, &QDialog::finished, this, &Sheet::open, Qt::SingleShotConnection);
+            return;
+        }
     }
-    setFocus(Qt::OtherFocusReason); // no control is preselected; Tab begins at the first one
-    QDialog::showEvent(event);
+    const int width = m_card->width();
+    m_card->setFixedHeight(m_content->hasHeightForWidth() ? m_content->totalHeightForWidth(width)
+                                                          : m_content->totalSizeHint().height());
+    m_slide.setDuration(style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this));
+    m_slide.start();
+    place();
+    raise();
+    parentWidget()->installEventFilter(this);
+
+    m_focusBefore = window()->focusWidget();
+    setResult(0);
+    show(); // where the toolkit would give the keyboard to the default button
+    m_focus = m_firstFocus;
+    m_focus->setFocus(Qt::OtherFocusReason);
 }
 
-void Sheet::hideEvent(QHideEvent *event) {
-    if (QWidget *window = parentWidget())
-        window->window()->removeEventFilter(this);
-    delete m_dimming;
-    QDialog::hideEvent(event);
+void Sheet::hideEvent(QHideEvent *) {
+    if (!isHidden()) // it is still open, its window is not to be seen
+        return;
+    parentWidget()->removeEventFilter(this);
+    m_slide.stop();
+    // Before the toolkit looks for a place of its own choice, which may be any button.
+    m_focus.clear();
+    if (m_focusBefore && m_focusBefore->isVisible() && m_focusBefore->isEnabled())
+        m_focusBefore->setFocus(Qt::OtherFocusReason);
+    else if (QWidget *focused = window()->focusWidget())
+        focused->clearFocus();
+}
+
+void Sheet::keepFocus(QWidget *now) {
+    if (!m_focus || (now && now->window() != window()) || !window()->isActiveWindow())
+        return;
+    if (now && (now == this || isAncestorOf(now)))
+        m_focus = now;
+    else
+        m_focus->setFocus(Qt::OtherFocusReason);
 }
 
 bool Sheet::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::Move || event->type() == QEvent::Resize)
+    if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest ||
+        event->type() == QEvent::ContentsRectChange)
         place();
     return QDialog::eventFilter(watched, event);
 }
 
+void Sheet::mousePressEvent(QMouseEvent *event) {
+    event->accept(); // beside the card: nothing
+}
+
 void Sheet::place() {
-    const QWidget *window = parentWidget()->window();
-    if (m_dimming)
-        m_dimming->setGeometry(window->rect());
-    const QPoint below((window->width() - width()) / 2, titleBarHeight + gapBelowTitleBar);
-    move(window->mapToGlobal(below));
+    setGeometry(contentOf(*parentWidget()));
+    const double away = 1 - m_slide.currentValue().toDouble();
+    const int fall = gapBelowTitleBar + m_card->height();
+    m_card->move((width() - m_card->width()) / 2, gapBelowTitleBar - qRound(away * fall));
+    update();
 }
 
 void Sheet::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    paintCard(painter, rect(), m_hasRoundCorners ? windowCornerRadius : 0, AppTheme::surface(),
-              AppTheme::paneStroke());
+    painter.fillRect(rect(), AppTheme::dimming().withOpacity(m_slide.currentValue().toDouble()));
+    constexpr int shadow = 24;
+    paintShadow(painter, m_card->geometry(), cornerRadius, shadow);
 }
 
 } // namespace vantrel

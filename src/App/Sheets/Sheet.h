@@ -2,23 +2,30 @@
 
 #include <QDialog>
 #include <QPointer>
+#include <QVariantAnimation>
 
 class QPushButton;
 class QVBoxLayout;
 
 namespace vantrel {
 
-/// A modal dialog that belongs to its window: it hangs below the title bar, dims the window, follows it, and
-/// has the theme's look. Return presses its default button, Escape closes it.
+/// A dialog inside its window: a card that slides out from under the title bar, over the dimmed content.
+/// Behind it the content takes neither mouse nor keyboard; the title bar stays in use, so that the window can
+/// be moved, zoomed and closed. Return presses the default button, Escape closes the sheet, Tab stays in it;
+/// then the keyboard is where it was before.
+///
+/// A window shows one sheet at a time: one that is opened over another waits until that is closed.
 class Sheet : public QDialog {
     Q_OBJECT
 
 public:
-    /// `name` is the sheet's for assistive technology and window lists. The sheet is `width` layout pixels
-    /// wide and as high as its content.
+    /// `name` is the sheet's for assistive technology. Its card is `width` layout pixels wide and as high as
+    /// its content. `window` is where it appears.
     Sheet(const QString &name, int width, QWidget *window);
     ~Sheet() override;
 
+    /// The way to show it.
+    void open() override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 protected:
@@ -28,16 +35,23 @@ protected:
     /// A button for the content. Return presses the one that is made the default, wherever the keyboard is.
     [[nodiscard]] QPushButton *makeButton(const QString &title, const QString &objectName);
 
-    void showEvent(QShowEvent *event) override;
+    /// What has the keyboard at first; without this no control has, and Tab begins at the first one.
+    void setFirstFocus(QWidget *control) { m_firstFocus = control; }
+
     void hideEvent(QHideEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
 
 private:
     void place();
+    void keepFocus(QWidget *now);
 
+    QWidget *m_card;
     QVBoxLayout *m_content;
-    QPointer<QWidget> m_dimming; ///< over the window while the sheet is shown
-    bool m_hasRoundCorners = false;
+    QWidget *m_firstFocus;
+    QVariantAnimation m_slide;       ///< from 0, out of sight, to 1, in place
+    QPointer<QWidget> m_focusBefore; ///< what had the keyboard before the sheet
+    QPointer<QWidget> m_focus;       ///< what has it in the sheet
 };
 
 } // namespace vantrel

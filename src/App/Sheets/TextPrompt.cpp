@@ -25,6 +25,8 @@ TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
     m_field->setAccessibleName(question.informativeText);
     m_field->setFixedSize(240, 24);
     m_field->setFont(TextStyle{13}.font());
+    m_field->selectAll();
+    setFirstFocus(m_field);
 
     QPushButton *cancel = makeButton(question.cancelLabel, QStringLiteral("textPrompt.cancel"));
     QPushButton *accept = makeButton(question.acceptLabel, QStringLiteral("textPrompt.accept"));
@@ -51,12 +53,6 @@ TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
 
 QString TextPrompt::text() const {
     return m_field->text();
-}
-
-void TextPrompt::showEvent(QShowEvent *event) {
-    Sheet::showEvent(event);
-    m_field->setFocus(Qt::OtherFocusReason);
-    m_field->selectAll();
 }
 
 QFuture<std::optional<QString>> askForText(const Desktop::TextQuestion &question, QWidget *window) {

@@ -16,9 +16,6 @@ public:
 
     [[nodiscard]] QString text() const;
 
-protected:
-    void showEvent(QShowEvent *event) override;
-
 private:
     QLineEdit *m_field;
 };

@@ -1,6 +1,6 @@
 #include "App/Sheets/UpdateView.h"
 
-#include "Kit/Divider.h"
+#include "Kit/Canvas.h"
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 

@@ -10,22 +10,19 @@ namespace vantrel {
 
 namespace {
 
-std::jthread &reader() {
-    static std::jthread thread;
-    return thread;
-}
+std::jthread reader;
 
 } // namespace
 
 void readFontConfiguration() {
 #ifdef VANTREL_HAS_FONTCONFIG
-    reader() = std::jthread([] { FcInit(); });
+    reader = std::jthread([] { FcInit(); });
 #endif
 }
 
 void awaitFontConfiguration() {
-    if (reader().joinable())
-        reader().join();
+    if (reader.joinable())
+        reader.join();
 }
 
 } // namespace vantrel

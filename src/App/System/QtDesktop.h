@@ -21,7 +21,7 @@ public:
 
     explicit QtDesktop(AskForText ask) : m_askForText(ask) {}
 
-    /// Where its questions appear; null: in windows of their own.
+    /// Where its questions appear. To be set before the first.
     void setWindow(QWidget *window) { m_window = window; }
 
     void openFile(const QString &path) override;

@@ -4,6 +4,9 @@
 
 #include <QStandardPaths>
 
+#include <cmath>
+#include <utility>
+
 namespace vantrel {
 
 namespace {
@@ -11,7 +14,29 @@ namespace {
 const QString appearanceKey = QStringLiteral("appearancePreference");
 const QString toolTipDelayKey = QStringLiteral("NSInitialToolTipDelay");
 const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
+const QString queueHeightKey = QStringLiteral("queueHeight");
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
+const QString windowSizeKey = QStringLiteral("windowSize");
+const QString windowPositionKey = QStringLiteral("windowPosition");
+const QString windowZoomedKey = QStringLiteral("windowZoomed");
+
+/// The two numbers of a text like "1280x820" or "-40,20"; nothing for any other text.
+std::optional<std::pair<int, int>> numbersIn(const QString &text, QChar separator) {
+    constexpr int most = 100'000; // pixels; what is larger is nonsense, and sums of it must not overflow
+    const QStringList parts = text.split(separator);
+    bool isFirst = false;
+    bool isSecond = false;
+    const int first = parts.value(0).toInt(&isFirst);
+    const int second = parts.value(1).toInt(&isSecond);
+    if (parts.size() != 2 || !isFirst || !isSecond || std::abs(double(first)) > most ||
+        std::abs(double(second)) > most)
+        return std::nullopt;
+    return std::pair(first, second);
+}
+
+QString pair(int first, QChar separator, int second) {
+    return QString::number(first) + separator + QString::number(second);
+}
 
 } // namespace
 
@@ -73,11 +98,33 @@ void Settings::setValue(const QString &key, const QString &value) {
 }
 
 ColorScheme Settings::appearancePreference() const {
-    return value(appearanceKey) == QLatin1StringView("dark") ? ColorScheme::dark : ColorScheme::light;
+    return value(appearanceKey) == QLatin1String("dark") ? ColorScheme::dark : ColorScheme::light;
+}
+
+bool Settings::hasAppearancePreference() const {
+    return !value(appearanceKey).isEmpty();
 }
 
 void Settings::setAppearancePreference(ColorScheme scheme) {
     setValue(appearanceKey, scheme == ColorScheme::dark ? QStringLiteral("dark") : QStringLiteral("light"));
+}
+
+WindowGeometry Settings::windowGeometry() const {
+    WindowGeometry geometry;
+    if (const auto size = numbersIn(value(windowSizeKey), u'x'); size && size->first > 0 && size->second > 0)
+        geometry.size = QSize(size->first, size->second);
+    if (const auto position = numbersIn(value(windowPositionKey), u','))
+        geometry.position = QPoint(position->first, position->second);
+    geometry.isZoomed = value(windowZoomedKey) == QLatin1StringView("true");
+    return geometry;
+}
+
+void Settings::setWindowGeometry(const WindowGeometry &geometry) {
+    if (geometry.size)
+        setValue(windowSizeKey, pair(geometry.size->width(), u'x', geometry.size->height()));
+    if (geometry.position)
+        setValue(windowPositionKey, pair(geometry.position->x(), u',', geometry.position->y()));
+    setValue(windowZoomedKey, geometry.isZoomed ? QStringLiteral("true") : QStringLiteral("false"));
 }
 
 void Settings::storeToolTipDelay() {
@@ -89,10 +136,20 @@ QString Settings::doubleClickAction() const {
     return action.isEmpty() ? QStringLiteral("Maximize") : action;
 }
 
+std::optional<int> Settings::queueHeight() const {
+    constexpr int most = 100'000;
+    const int height = value(queueHeightKey).toInt();
+    return height > 0 && height < most ? std::optional(height) : std::nullopt;
+}
+
+void Settings::setQueueHeight(std::optional<int> height) {
+    setValue(queueHeightKey, height ? QString::number(*height) : QString());
+}
+
 bool Settings::analyticsDisabled() const {
     // As the toolkit reads a truth value; anything unknown may be meant as a wish to be left alone.
     const QString text = value(analyticsKey).toLower();
-    return !text.isEmpty() && text != QLatin1StringView("false") && text != QLatin1StringView("0");
+    return !text.isEmpty() && text != QLatin1String("false") && text != QLatin1String("0");
 }
 
 void Settings::setAnalyticsDisabled(bool disabled) {

@@ -7,13 +7,25 @@
 #endif
 
 #include <QObject>
+#include <QPoint>
 #include <QSettings>
+#include <QSize>
 #include <QString>
 #include <QTimer>
 
 #include <chrono>
+#include <optional>
 
 namespace vantrel {
+
+/// How the user left the window; nothing where nobody has said so yet. In layout pixels.
+struct WindowGeometry {
+    std::optional<QSize> size = {};      ///< while it is not zoomed
+    std::optional<QPoint> position = {}; ///< of its top left corner, likewise; the desktop may not tell
+    bool isZoomed = false;
+
+    friend bool operator==(const WindowGeometry &, const WindowGeometry &) = default;
+};
 
 /// The few choices that outlive a start of the program. Whatever state the stored settings are in, there is
 /// an answer: what is missing or nonsense counts as not set, and a choice that cannot be stored holds until
@@ -33,7 +45,14 @@ public:
 
     /// Only the stored text "dark" is dark.
     [[nodiscard]] ColorScheme appearancePreference() const;
+    /// Whether the user has ever chosen; until then the desktop's own preference may be followed.
+    [[nodiscard]] bool hasAppearancePreference() const;
     void setAppearancePreference(ColorScheme scheme);
+
+    /// What is stored may fit no screen that is there now.
+    [[nodiscard]] WindowGeometry windowGeometry() const;
+    /// Leaves stored what `geometry` says nothing about.
+    void setWindowGeometry(const WindowGeometry &geometry);
 
     /// Stores toolTipDelay where the Mac's toolkit looks for it; elsewhere the program applies it itself.
     void storeToolTipDelay();
@@ -46,6 +65,10 @@ public:
     /// hold that wish: then it counts as said, until it is taken back here.
     [[nodiscard]] bool analyticsDisabled() const;
     void setAnalyticsDisabled(bool disabled);
+
+    /// The most height that the user has given the transfer queue, in layout pixels; nothing until then.
+    [[nodiscard]] std::optional<int> queueHeight() const;
+    void setQueueHeight(std::optional<int> height);
 
     /// Writes what has changed at once. False when it could not be stored.
     bool save();

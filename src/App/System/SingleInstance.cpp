@@ -44,8 +44,16 @@ QString SingleInstance::userDirectory() {
 }
 
 QString SingleInstance::userScreen() {
-    const QString wayland = qEnvironmentVariable("WAYLAND_DISPLAY");
-    return wayland.isEmpty() ? qEnvironmentVariable("DISPLAY") : wayland;
+    QString wayland = qEnvironmentVariable("WAYLAND_DISPLAY");
+    if (!wayland.isEmpty())
+        return wayland;
+    QString display = qEnvironmentVariable("DISPLAY");
+    return display.endsWith(QLatin1StringView(".0")) ? display.chopped(2) : display; // two names of one
+}
+
+QByteArray SingleInstance::activationToken() {
+    const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
+    return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
 }
 
 SingleInstance::Role SingleInstance::claim(const QByteArray &activationToken, int patience) {

@@ -35,9 +35,12 @@ public:
     /// What the desktop calls the screen that this program's window would appear on; may be empty.
     [[nodiscard]] static QString userScreen();
 
+    /// What the desktop gave this start to let a window come to the front: Wayland's token or X11's startup
+    /// identifier; may be empty. To be asked before there is an application object, which takes the latter.
+    [[nodiscard]] static QByteArray activationToken();
+
     /// Finds the role. Takes up to `patience` milliseconds when another start holds the lock but does not
-    /// answer. `activationToken` is what the desktop gave this start to let it come to the front; may be
-    /// empty.
+    /// answer.
     [[nodiscard]] Role claim(const QByteArray &activationToken = {}, int patience = 2000);
 
 Q_SIGNALS:

@@ -12,11 +12,6 @@ namespace vantrel {
 
 namespace {
 
-/// The product at the analytics service.
-QString analyticsAppID() {
-    return QStringLiteral("3C9A5E21-7B4D-4F08-9E6A-1D2C3B4A5F60");
-}
-
 ApplicationFacts applicationFacts() {
     ApplicationFacts facts;
     facts.version = version::shortVersion();
@@ -26,8 +21,8 @@ ApplicationFacts applicationFacts() {
         facts.screenHeight = screen->geometry().height();
         facts.screenScaleFactor = screen->devicePixelRatio();
     }
-    facts.colorScheme = AppTheme::scheme() == ColorScheme::dark ? ApplicationFacts::ColorScheme::Dark
-                                                                : ApplicationFacts::ColorScheme::Light;
+    facts.colorScheme = AppTheme::scheme() == ColorScheme::dark ? ApplicationFacts::ColorScheme::dark
+                                                                : ApplicationFacts::ColorScheme::light;
     facts.layoutDirection = QGuiApplication::layoutDirection();
     return facts;
 }
@@ -41,8 +36,8 @@ bool hasAnalyticsService() {
 void startUsageAnalytics(const Settings &settings, const QUrl &service) {
     if (service.isEmpty())
         return;
-    const TelemetryManagerConfiguration configuration(analyticsAppID(), {}, service,
-                                                      QStringLiteral("com.vantrelapp"));
+    const TelemetryManagerConfiguration configuration(QStringLiteral("3C9A5E21-7B4D-4F08-9E6A-1D2C3B4A5F60"),
+                                                      {}, service, QStringLiteral("com.vantrelapp"));
     TelemetryEnvironment environment;
     environment.applicationFacts = applicationFacts;
     const auto follow = [configuration, environment](bool disabled) {

@@ -9,20 +9,20 @@ namespace vantrel {
 
 namespace {
 
-constexpr auto feedNamespace = QLatin1StringView("http://www.andymatuschak.org/xml-namespaces/sparkle");
+constexpr auto feedNamespace = QLatin1String("http://www.andymatuschak.org/xml-namespaces/sparkle");
 
 #if defined(Q_OS_MACOS)
-constexpr auto thisSystem = QLatin1StringView("macos");
+constexpr auto thisSystem = QLatin1String("macos");
 #elif defined(Q_OS_WIN)
-constexpr auto thisSystem = QLatin1StringView("windows");
+constexpr auto thisSystem = QLatin1String("windows");
 #else
-constexpr auto thisSystem = QLatin1StringView("linux");
+constexpr auto thisSystem = QLatin1String("linux");
 #endif
 
-/// A version comes from the network and is shown: a short word with a digit in it.
-bool isUsableVersion(const QString &version) {
+/// A version comes from the network and is shown: a short word with a digit in it, or none at all.
+bool isAbsentOrUsable(const QString &version) {
     static const QRegularExpression usable(
-        QStringLiteral("\\A(?=.*[0-9])[0-9A-Za-z][0-9A-Za-z .+_()-]{0,63}\\z"));
+        QStringLiteral("\\A((?=.*[0-9])[0-9A-Za-z][0-9A-Za-z .+_()-]{0,63})?\\z"));
     return usable.match(version).hasMatch();
 }
 
@@ -35,9 +35,9 @@ public:
             if (m_xml.readNext() == QXmlStreamReader::DTD)
                 return tl::unexpected(AppcastError::hasDocumentType);
         }
-        const bool isRss = !m_xml.hasError() && m_xml.name() == QLatin1StringView("rss");
+        const bool isRss = !m_xml.hasError() && m_xml.name() == QLatin1String("rss");
         while (isRss && m_xml.readNextStartElement()) {
-            if (m_xml.name() == QLatin1StringView("channel"))
+            if (m_xml.name() == QLatin1String("channel"))
                 readChannel();
             else
                 m_xml.skipCurrentElement();
@@ -73,15 +73,13 @@ private:
             } else if (isPlain("enclosure")) {
                 // Older feeds carry the versions as attributes of the file.
                 const QXmlStreamAttributes attributes = m_xml.attributes();
-                item.enclosure =
-                    QUrl(attributes.value(QLatin1StringView("url")).toString(), QUrl::StrictMode);
+                item.enclosure = QUrl(attributes.value(QLatin1String("url")).toString(), QUrl::StrictMode);
                 if (item.version.build.isEmpty())
-                    item.version.build =
-                        attributes.value(feedNamespace, QLatin1StringView("version")).toString();
+                    item.version.build = attributes.value(feedNamespace, QLatin1String("version")).toString();
                 if (item.version.shortVersion.isEmpty())
                     item.version.shortVersion =
-                        attributes.value(feedNamespace, QLatin1StringView("shortVersionString")).toString();
-                const auto system = attributes.value(feedNamespace, QLatin1StringView("os"));
+                        attributes.value(feedNamespace, QLatin1String("shortVersionString")).toString();
+                const auto system = attributes.value(feedNamespace, QLatin1String("os"));
                 isForUs = isForUs && (system.isEmpty() || system == thisSystem);
                 m_xml.skipCurrentElement();
             } else if (isFeed("version")) {
@@ -95,9 +93,6 @@ private:
                 m_xml.skipCurrentElement();
             }
         }
-        const auto isAbsentOrUsable = [](const QString &version) {
-            return version.isEmpty() || isUsableVersion(version);
-        };
         const bool versionIsUsable = !item.version.label().isEmpty() &&
                                      isAbsentOrUsable(item.version.build) &&
                                      isAbsentOrUsable(item.version.shortVersion);
@@ -106,10 +101,10 @@ private:
     }
 
     bool isPlain(const char *name) const {
-        return m_xml.namespaceUri().isEmpty() && m_xml.name() == QLatin1StringView(name);
+        return m_xml.namespaceUri().isEmpty() && m_xml.name() == QLatin1String(name);
     }
     bool isFeed(const char *name) const {
-        return m_xml.namespaceUri() == feedNamespace && m_xml.name() == QLatin1StringView(name);
+        return m_xml.namespaceUri() == feedNamespace && m_xml.name() == QLatin1String(name);
     }
     QString readText() { return m_xml.readElementText(QXmlStreamReader::SkipChildElements).trimmed(); }
     QUrl readUrl() { return QUrl(readText(), QUrl::StrictMode); }

@@ -10,7 +10,7 @@ namespace vantrel {
 namespace {
 
 bool isHttps(const QUrl &url) {
-    return url.isValid() && url.scheme() == QLatin1StringView("https") && !url.host().isEmpty();
+    return url.isValid() && url.scheme() == QLatin1String("https") && !url.host().isEmpty();
 }
 
 QString text(AppcastError error) {
@@ -44,7 +44,7 @@ QString text(const HttpError &error) {
 }
 
 UpdateResult failed(const QString &reason) {
-    return {.kind = UpdateResult::Kind::failed, .available = {}, .downloadPage = {}, .reason = reason};
+    return {.kind = UpdateResult::Kind::failed, .reason = reason};
 }
 
 } // namespace
@@ -54,8 +54,7 @@ UpdateMessage describe(const UpdateResult &result, const AppVersion &installed) 
     case UpdateResult::Kind::upToDate:
         return {.heading = QStringLiteral("You’re up to date."),
                 .detail =
-                    product::name() + u' ' + installed.label() + QStringLiteral(" is the newest version."),
-                .actionLabel = {}};
+                    product::name() + u' ' + installed.label() + QStringLiteral(" is the newest version.")};
     case UpdateResult::Kind::available:
         return {.heading = QStringLiteral("A new version of %1 is available.").arg(product::name()),
                 .detail = QStringLiteral("%1 %2 can be downloaded. You have %3.")
@@ -64,24 +63,16 @@ UpdateMessage describe(const UpdateResult &result, const AppVersion &installed) 
     case UpdateResult::Kind::failed:
         break;
     }
-    return {.heading = QStringLiteral("Could not check for updates."),
-            .detail = result.reason,
-            .actionLabel = {}};
+    return {.heading = QStringLiteral("Could not check for updates."), .detail = result.reason};
 }
 
 Updater::Configuration Updater::builtIn() {
-    Configuration configuration;
-    configuration.feed = QUrl(version::updateFeed(), QUrl::StrictMode);
-    configuration.installed = {version::shortVersion(), version::build()};
-    return configuration;
+    return {.feed = QUrl(version::updateFeed(), QUrl::StrictMode),
+            .installed = {version::shortVersion(), version::build()}};
 }
 
 Updater::Updater(Configuration configuration, QObject *parent)
     : QObject(parent), m_configuration(std::move(configuration)) {}
-
-void Updater::start() {
-    setCanCheck(!m_configuration.feed.isEmpty());
-}
 
 QString Updater::whyNever() const {
     return m_configuration.feed.isEmpty() ? QStringLiteral("This build has no update feed") : QString();
@@ -121,13 +112,11 @@ UpdateResult Updater::judge(const tl::expected<HttpResponse, HttpError> &answer)
 UpdateResult Updater::judge(const Appcast &feed) const {
     const std::optional<AppcastItem> newest = feed.newest();
     if (!newest || !isNewer(newest->version, m_configuration.installed))
-        return {.kind = UpdateResult::Kind::upToDate, .available = {}, .downloadPage = {}, .reason = {}};
+        return {.kind = UpdateResult::Kind::upToDate};
     for (const QUrl &page : {newest->link, feed.link, newest->enclosure}) {
         if (mayOpen(page))
-            return {.kind = UpdateResult::Kind::available,
-                    .available = newest->version,
-                    .downloadPage = page,
-                    .reason = {}};
+            return {
+                .kind = UpdateResult::Kind::available, .available = newest->version, .downloadPage = page};
     }
     return failed(
         QStringLiteral("Version %1 is available, but the update feed names no safe address to get it from.")

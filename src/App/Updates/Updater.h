@@ -18,16 +18,16 @@ struct UpdateResult {
     enum class Kind { upToDate, available, failed };
 
     Kind kind = Kind::failed;
-    AppVersion available; ///< the newer version
-    QUrl downloadPage;    ///< where to get it: always HTTPS, on the feed's host or the product's own
-    QString reason;       ///< why the check failed, one sentence for the user
+    AppVersion available = {}; ///< the newer version
+    QUrl downloadPage = {};    ///< where to get it: always HTTPS, on the feed's host or the product's own
+    QString reason = {};       ///< why the check failed, one sentence for the user
 };
 
 /// What the user is told about a result, as plain text.
 struct UpdateMessage {
     QString heading;
     QString detail;
-    QString actionLabel; ///< of the button that opens the download page; empty without one
+    QString actionLabel = {}; ///< of the button that opens the download page; empty without one
 };
 
 [[nodiscard]] UpdateMessage describe(const UpdateResult &result, const AppVersion &installed);
@@ -55,7 +55,7 @@ public:
     explicit Updater(Configuration configuration, QObject *parent = nullptr);
 
     /// Makes checks available where there is a feed. Called once at launch; sends nothing.
-    void start();
+    void start() { setCanCheck(!m_configuration.feed.isEmpty()); }
 
     /// False before start(), without a feed, and while a check runs.
     [[nodiscard]] bool canCheckForUpdates() const { return m_canCheck; }

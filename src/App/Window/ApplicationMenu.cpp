@@ -30,25 +30,6 @@ void addReason(QMenu *menu, const QString &text) {
     menu->addAction(text)->setEnabled(false);
 }
 
-#ifndef Q_OS_MACOS
-
-/// The toolkit's own menus know only the palette.
-void dress(QMenu *menu) {
-    const auto hex = [](const QColor &color) { return color.name(QColor::HexArgb); };
-    menu->setFont(TextStyle{.size = 13}.font());
-    menu->setStyleSheet(
-        QStringLiteral("QMenu { background: %1; color: %2; border: 1px solid %3; padding: 4px; }"
-                       "QMenu::item { padding: 5px 22px 5px 12px; border-radius: 4px; }"
-                       "QMenu::item:disabled { color: %4; }"
-                       "QMenu::item:selected:enabled { background: %5; color: %6; }"
-                       "QMenu::separator { height: 1px; background: %7; margin: 4px 8px; }")
-            .arg(hex(AppTheme::surface()), hex(AppTheme::ink()), hex(AppTheme::paneStroke()),
-                 hex(AppTheme::inkTertiary()), hex(AppTheme::accent()), hex(AppTheme::onAccent()),
-                 hex(AppTheme::stroke())));
-}
-
-#endif
-
 } // namespace
 
 ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater, Settings *settings,
@@ -123,20 +104,13 @@ void ApplicationMenu::addProblem(Settings *settings) {
 }
 
 void ApplicationMenu::show(const UpdateResult &result, const Updater &updater) {
-    for (Sheet *sheet : m_window->findChildren<Sheet *>(QString(), Qt::FindDirectChildrenOnly)) {
-        if (!sheet->isVisible())
-            continue;
-        if (!qobject_cast<UpdateView *>(sheet)) {
-            connect(
-                sheet, &QDialog::finished, this, [this, result, &updater] { show(result, updater); },
-                Qt::SingleShotConnection);
-            return;
-        }
-        sheet->close();
-    }
-    auto *view = new UpdateView(m_window, result, updater.installedVersion());
-    view->setAttribute(Qt::WA_DeleteOnClose);
-    view->open();
+    if (m_outcome && m_outcome->isHidden())
+        delete m_outcome; // it was still waiting
+    else if (m_outcome)
+        m_outcome->close();
+    m_outcome = new UpdateView(m_window, result, updater.installedVersion());
+    m_outcome->setAttribute(Qt::WA_DeleteOnClose);
+    m_outcome->open();
 }
 
 QWidget *ApplicationMenu::createButton(QWidget *parent) const {
@@ -150,7 +124,6 @@ QWidget *ApplicationMenu::createButton(QWidget *parent) const {
     button->setHelp(QStringLiteral("Menu"));
     button->setObjectName(QStringLiteral("applicationMenu"));
     connect(button, &QAbstractButton::clicked, m_menu, [menu = m_menu, button] {
-        dress(menu); // in the scheme of the moment
         const QSize size = menu->sizeHint();
         menu->popup(button->mapToGlobal(QPoint(button->width() - size.width(), button->height() + 2)));
     });

@@ -3,6 +3,7 @@
 #include "App/System/UsageAnalytics.h"
 
 #include <QObject>
+#include <QPointer>
 
 class QAction;
 class QMainWindow;
@@ -12,6 +13,7 @@ class QWidget;
 namespace vantrel {
 
 class Settings;
+class UpdateView;
 class Updater;
 struct UpdateResult;
 
@@ -46,7 +48,7 @@ private:
     void addUpdates(Updater *updater);
     void addAnalytics(Settings *settings);
     void addProblem(Settings *settings);
-    /// Shows the outcome of a check, in place of an earlier one, once no other sheet is open.
+    /// Shows the outcome of a check, in place of an earlier one.
     void show(const UpdateResult &result, const Updater &updater);
 
     QMainWindow *m_window;
@@ -56,6 +58,7 @@ private:
     QAction *m_analytics = nullptr;
     QAction *m_problem;
     QAction *m_quit;
+    QPointer<UpdateView> m_outcome; ///< of the latest check, open or waiting for another sheet to close
 };
 
 } // namespace vantrel

@@ -1,38 +1,35 @@
 #pragma once
 
-#include <QWidget>
+#include "Kit/Canvas.h"
+
+#include <QSplitter>
+
+#include <optional>
 
 namespace vantrel {
 
 class AppState;
+class Settings;
 
 /// Everything below the window's title bar: the sidebar, the two panes above the transfer queue, and the
 /// status bar.
 class ContentView : public QWidget {
-    Q_OBJECT
-
 public:
-    /// The model must outlive the view.
-    explicit ContentView(AppState *state, QWidget *parent = nullptr);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
+    /// The model and the settings must outlive the view.
+    ContentView(AppState *state, Settings &settings, QWidget *parent = nullptr);
 };
 
 /// The grounds of ContentView without anything on them, for the frame before it: no fonts are needed.
-class ContentGround : public QWidget {
-    Q_OBJECT
-
+class ContentGround : public Canvas {
 public:
     explicit ContentGround(QWidget *parent = nullptr);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
 };
 
-/// The panes with the transfer queue below them. The queue takes the height that its rows need, as long as
-/// the panes keep their least height; a longer one scrolls. So the window is never made taller by it.
-class BrowserColumn : public QWidget {
+/// The panes with the transfer queue below them. The queue takes the height that its rows need, up to two
+/// fifths of what there is; a longer one scrolls. Its upper edge can be dragged, with the mouse or, when it
+/// has the keyboard, with Up and Down: then that is the most it takes, until a double-click there. The panes
+/// always keep their least height, and the window is never made taller.
+class BrowserColumn : public QSplitter {
     Q_OBJECT
 
 public:
@@ -41,18 +38,30 @@ public:
     /// Takes both into itself.
     BrowserColumn(QWidget *browser, QWidget *queue, QWidget *parent = nullptr);
 
+    /// The most height of the queue, layout pixels; nothing for two fifths.
+    [[nodiscard]] const std::optional<int> &queueLimit() const { return m_queueLimit; }
+    void setQueueLimit(std::optional<int> limit);
+    /// Makes the queue so much higher, by the user's hand.
+    void stretchQueue(int by);
+
     [[nodiscard]] QSize minimumSizeHint() const override;
 
+Q_SIGNALS:
+    /// The user has chosen another one; once per drag.
+    void queueLimitChosen(std::optional<int> limit);
+
 protected:
+    [[nodiscard]] QSplitterHandle *createHandle() override;
     bool event(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
 
 private:
+    [[nodiscard]] int room() const;
     void arrange();
 
     QWidget *m_browser;
     QWidget *m_queue;
+    std::optional<int> m_queueLimit;
 };
 
 } // namespace vantrel

@@ -4,17 +4,21 @@
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
 #include "App/System/Settings.h"
+#ifndef Q_OS_MACOS
+#include "App/System/StayAwake.h"
+#endif
 #include "App/Window/ApplicationMenu.h"
 #include "App/Window/ContentView.h"
 #include "App/Window/TitleBar.h"
 #include "App/Window/ToolbarButton.h"
 #include "App/Window/WindowChrome.h"
 #include "State/AppState.h"
+#include "Transfers/QueueFile.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
-#include <QScreen>
+#include <QTimer>
 
 #include <utility>
 
@@ -22,18 +26,13 @@ namespace vantrel {
 
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
-      m_state(AppState::designPreview(desktop)), m_pollTimer(new QTimer(this)) {
+      m_state(AppState::designPreview(desktop)) {
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
     m_chrome->setMinimumSize(minimum);
-    resize(screen() ? standard.boundedTo(screen()->availableSize()) : standard);
+    m_chrome->restore(settings.windowGeometry(), standard);
     setCentralWidget(new ContentGround(this));
-
-    m_pollTimer->setObjectName(QStringLiteral("devicePoll"));
-    m_pollTimer->setSingleShot(true);
-    m_pollTimer->setInterval(pollInterval);
-    connect(m_pollTimer, &QTimer::timeout, this, &MainWindow::poll);
 }
 
 MainWindow::~MainWindow() {
@@ -45,9 +44,10 @@ void MainWindow::furnish() {
     if (std::exchange(m_isFurnished, true))
         return;
     awaitFontConfiguration();
+    m_openedWith = m_chrome->geometry();
     setWindowTitle(product::name());
     addToolbarButtons();
-    setCentralWidget(new ContentView(m_state.get(), this));
+    setCentralWidget(new ContentView(m_state.get(), m_settings, this));
     centralWidget()->installEventFilter(this);
 }
 
@@ -89,7 +89,14 @@ void MainWindow::setAppearancePreference(ColorScheme scheme) {
     AppTheme::setScheme(scheme);
 }
 
+void MainWindow::followDesktop(ColorScheme preferred) {
+    if (!m_settings.hasAppearancePreference())
+        AppTheme::setScheme(preferred);
+}
+
 void MainWindow::showAbout() {
+    if (findChild<AboutView *>())
+        return; // it is open, or will be when another sheet is closed
     auto *about = new AboutView(this);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->open();
@@ -129,24 +136,27 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
 void MainWindow::closeEvent(QCloseEvent *event) {
     QMainWindow::closeEvent(event);
     if (event->isAccepted()) {
-        m_pollTimer->stop();
+        // A window that was only looked at stays what it is on a larger screen, which may come back.
+        if (m_openedWith && m_chrome->geometry() != *m_openedWith)
+            m_settings.setWindowGeometry(m_chrome->geometry());
+        m_state->phones().stop();
         m_isStarted = false;
     }
 }
 
 QCoro::Task<> MainWindow::runStartUp() {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.svg")));
+    m_state->transfers().remember(QueueFile::userFolder());
+#ifndef Q_OS_MACOS
+    auto *awake = new StayAwake(QDBusConnection::systemBus(), this);
+    const auto follow = [this, awake] { awake->setOn(m_state->isTransferring()); };
+    connect(m_state.get(), &AppState::isTransferringChanged, awake, follow);
+#endif
     // The model ends before this window does, and with it whatever is awaited here.
     co_await m_state->browseMac(m_state->macPath());
     co_await m_state->refreshDevice(AppState::Spinner::shown);
     if (m_isStarted)
-        m_pollTimer->start();
-}
-
-QCoro::Task<> MainWindow::poll() {
-    co_await m_state->refreshDevice(AppState::Spinner::hidden);
-    if (m_isStarted)
-        m_pollTimer->start();
+        m_state->phones().start();
 }
 
 } // namespace vantrel

@@ -1,19 +1,19 @@
 #pragma once
 
+#include "App/System/Settings.h"
 #include "Theme/AppTheme.h"
 
 #include <QCoroTask>
 #include <QMainWindow>
-#include <QTimer>
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace vantrel {
 
 class AppState;
 class Desktop;
-class Settings;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
@@ -24,13 +24,9 @@ class WindowChrome;
 /// opening fonts and laying out texts takes nearly as long as all that came before, and a window answers the
 /// click.
 class MainWindow : public QMainWindow {
-    Q_OBJECT
-
 public:
     static constexpr QSize minimum{1100, 720}; ///< layout pixels, with the title bar
     static constexpr QSize standard{1280, 820};
-    /// From the end of one look at the phone to the next.
-    static constexpr std::chrono::seconds pollInterval{3};
 
     /// All of them must outlive the window. It takes the colour scheme from the settings at once.
     MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent = nullptr);
@@ -42,6 +38,8 @@ public:
 
     /// Shows the About window over this one.
     void showAbout();
+    /// Takes the colour scheme that the desktop prefers, unless the user has ever chosen one here.
+    void followDesktop(ColorScheme preferred);
     /// Changes the colour scheme of everything, for this start and the next ones.
     void setAppearancePreference(ColorScheme scheme);
 
@@ -56,14 +54,13 @@ private:
     void addToolbarButtons();
     void renderAppearanceButton();
     QCoro::Task<> runStartUp();
-    QCoro::Task<> poll();
 
     Settings &m_settings;
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
-    QTimer *m_pollTimer;
+    std::optional<WindowGeometry> m_openedWith; ///< after the desktop had its say
     bool m_isFurnished = false;
     bool m_isStarted = false;
 };

@@ -1,6 +1,6 @@
 #include "App/Window/TitleBar.h"
 
-#include "Kit/PlainButton.h"
+#include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
 #include "Kit/WindowFrame.h"
@@ -25,12 +25,11 @@ public:
         setRingRadius(buttonSize / 2.0);
         setFocusPolicy(Qt::NoFocus); // the desktop's own keys close and minimise windows
         setAttribute(Qt::WA_Hover);
-        static const std::array names{QStringLiteral("window.close"), QStringLiteral("window.minimise"),
-                                      QStringLiteral("window.zoom")};
-        static const std::array helps{QStringLiteral("Close"), QStringLiteral("Minimize"),
-                                      QStringLiteral("Zoom")};
-        setObjectName(names.at(static_cast<size_t>(button)));
-        setHelp(helps.at(static_cast<size_t>(button)));
+        constexpr const char *texts[][2] = {
+            {"window.close", "Close"}, {"window.minimise", "Minimize"}, {"window.zoom", "Zoom"}};
+        const auto &[name, help] = texts[int(button)];
+        setObjectName(QLatin1String(name));
+        setHelp(QLatin1String(help));
     }
 
     void setActive(bool active) {
@@ -57,19 +56,14 @@ protected:
         painter.setPen(QPen(sign, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.setBrush(Qt::NoBrush);
         painter.translate(centre);
-        switch (m_button) {
-        case WindowButton::close:
+        if (m_button == WindowButton::close) {
             painter.drawLine(QPointF(-2.5, -2.5), QPointF(2.5, 2.5));
             painter.drawLine(QPointF(-2.5, 2.5), QPointF(2.5, -2.5));
-            break;
-        case WindowButton::minimise:
+        } else {
             painter.drawLine(QPointF(-3, 0), QPointF(3, 0));
-            break;
-        case WindowButton::zoom:
-            painter.drawLine(QPointF(-3, 0), QPointF(3, 0));
-            painter.drawLine(QPointF(0, -3), QPointF(0, 3));
-            break;
         }
+        if (m_button == WindowButton::zoom)
+            painter.drawLine(QPointF(0, -3), QPointF(0, 3));
     }
 
 private:
@@ -104,10 +98,6 @@ TitleBar::TitleBar(QWidget *parent) : QWidget(parent), m_toolbar(new QHBoxLayout
     band->addLayout(m_toolbar);
 }
 
-QAbstractButton *TitleBar::button(WindowButton button) const {
-    return m_buttons.at(static_cast<size_t>(button));
-}
-
 void TitleBar::setTitle(const QString &title) {
     // A label without text would open its font all the same.
     if (!m_title && title.isEmpty())
@@ -119,10 +109,6 @@ void TitleBar::setTitle(const QString &title) {
         band->insertWidget(band->indexOf(m_toolbar) - 1, m_title, 1);
     }
     m_title->setText(title);
-}
-
-ThemeColor TitleBar::titleColor() const {
-    return m_active ? AppTheme::ink() : AppTheme::inkTertiary();
 }
 
 void TitleBar::addToolbarWidget(QWidget *widget) {

@@ -24,7 +24,7 @@ public:
     explicit TitleBar(QWidget *parent = nullptr);
 
     /// Null on the Mac.
-    [[nodiscard]] QAbstractButton *button(WindowButton button) const;
+    [[nodiscard]] QAbstractButton *button(WindowButton button) const { return m_buttons.at(size_t(button)); }
 
     void setTitle(const QString &title);
 
@@ -45,7 +45,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    [[nodiscard]] ThemeColor titleColor() const;
+    [[nodiscard]] ThemeColor titleColor() const {
+        return m_active ? AppTheme::ink() : AppTheme::inkTertiary();
+    }
 
     std::array<QAbstractButton *, 3> m_buttons{};
     TextLabel *m_title = nullptr; ///< with the first title

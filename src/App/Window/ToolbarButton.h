@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Kit/PlainButton.h"
+#include "Kit/IconButton.h"
 #include "Kit/Symbol.h"
 
 namespace vantrel {

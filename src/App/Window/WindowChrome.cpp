@@ -1,5 +1,6 @@
 #include "App/Window/WindowChrome.h"
 
+#include "App/System/Settings.h"
 #include "App/Window/TitleBar.h"
 #include "App/Window/WindowPlacement.h"
 #include "Kit/WindowFrame.h"
@@ -16,7 +17,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QLineEdit>
-#include <QMainWindow>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -30,7 +31,7 @@ namespace vantrel {
 namespace {
 
 bool isWayland() {
-    return QGuiApplication::platformName().startsWith(QLatin1StringView("wayland"));
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
 
 Qt::CursorShape cursorFor(Qt::Edges edges) {
@@ -41,11 +42,26 @@ Qt::CursorShape cursorFor(Qt::Edges edges) {
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
+/// What panels leave free of each screen, that of the primary one first.
+QList<QRect> freeScreens() {
+    QList<QRect> free;
+    for (const QScreen *screen : QGuiApplication::screens())
+        free.append(screen->availableGeometry());
+    return free;
+}
+
+/// What Wayland's compositors keep for their panels they do not tell. A zoomed window that is larger than
+/// what they leave, because its minimum is, they end.
+QSize surelyFree(const QRect &screen) {
+    constexpr QSize panels(160, 160);
+    return isWayland() ? screen.size() - panels : screen.size();
+}
+
 bool takesClicks(const QWidget *widget) {
     return qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QLineEdit *>(widget) ||
            qobject_cast<const QComboBox *>(widget) || qobject_cast<const QAbstractSlider *>(widget) ||
            qobject_cast<const QAbstractSpinBox *>(widget) ||
-           QLatin1StringView(widget->metaObject()->className()).contains(QLatin1StringView("Button"));
+           QLatin1String(widget->metaObject()->className()).contains(QLatin1String("Button"));
 }
 
 } // namespace
@@ -175,11 +191,12 @@ bool WindowChrome::nativeWindowEvent(QEvent *event) {
     }
 }
 
-ChromeMouseEvent WindowChrome::chromeEvent(const QMouseEvent &event) const {
-    return {this, event.position(), m_clickCount};
-}
-
 bool WindowChrome::mousePressed(const QMouseEvent &event) {
+    if (event.button() == Qt::RightButton &&
+        m_coordinator.isInTitleBarBand({this, event.position(), m_clickCount})) {
+        showWindowMenu(event.globalPosition().toPoint());
+        return true;
+    }
     if (event.button() != Qt::LeftButton)
         return false;
     // The toolkit tells of the second click twice, as a press and as a double-click.
@@ -220,6 +237,18 @@ bool WindowChrome::mouseReleased(const QMouseEvent &event) {
     return false;
 }
 
+void WindowChrome::showWindowMenu(QPoint position) {
+    auto *menu = new QMenu(m_window);
+    menu->setObjectName(QStringLiteral("windowMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(QStringLiteral("Minimize"), this, &WindowChrome::minimise);
+    menu->addAction(fillsScreen() ? QStringLiteral("Restore") : QStringLiteral("Zoom"), this,
+                    [this] { m_coordinator.toggleZoom(); });
+    menu->addSeparator();
+    menu->addAction(QStringLiteral("Close"), m_window, &QWidget::close);
+    menu->popup(position);
+}
+
 void WindowChrome::followMouse(QPoint position) {
     const QPoint offset = position - m_grip->pressedAt;
     if (m_grip->edges)
@@ -248,10 +277,6 @@ void WindowChrome::pointAt(Qt::Edges edges) {
     if (edges)
         QGuiApplication::setOverrideCursor(cursorFor(edges));
     m_pointedEdges = edges;
-}
-
-bool WindowChrome::fillsScreen() const {
-    return m_window->isMaximized() || m_window->isFullScreen();
 }
 
 void WindowChrome::fitShape() {
@@ -293,28 +318,38 @@ void WindowChrome::setMinimumSize(QSize size) {
 void WindowChrome::fitMinimum() {
     if (!m_minimum.isValid())
         return;
-    // What Wayland's compositors keep for their panels they do not tell; a zoomed window that is larger than
-    // they say, because its minimum is, they end.
-    constexpr QSize panels(160, 160);
     QSize least = m_minimum;
     if (const auto screen = visibleScreenFrame())
-        least = least.boundedTo(isWayland() ? screen->size() - panels : screen->size());
+        least = least.boundedTo(surelyFree(*screen));
     m_window->setMinimumSize(least);
+}
+
+void WindowChrome::restore(const WindowGeometry &geometry, QSize standard) {
+    const QList<QRect> screens = freeScreens();
+    const QSize minimum = m_window->minimumSize();
+    const QSize size =
+        geometry.size.value_or(standard.boundedTo(surelyFree(screens.value(0, QRect(QPoint(), standard)))));
+    if (geometry.position && !isWayland())
+        m_window->setGeometry(fittedFrame(QRect(*geometry.position, size), minimum, screens));
+    else
+        m_window->resize(fittedFrame(QRect(QPoint(), size), minimum, screens.mid(0, 1)).size());
+    if (geometry.isZoomed)
+        m_window->setWindowState(Qt::WindowMaximized);
+}
+
+WindowGeometry WindowChrome::geometry() const {
+    const QRect normal = m_window->normalGeometry();
+    return {.size = normal.size(),
+            .position = isWayland() ? std::nullopt : std::optional(normal.topLeft()),
+            .isZoomed = m_window->isMaximized()};
 }
 
 void WindowChrome::stayReachable() {
     if (fillsScreen() || !m_window->isVisible() || isWayland()) // there the compositor alone places windows
         return;
-    QList<QRect> screens;
-    for (const QScreen *screen : QGuiApplication::screens())
-        screens.append(screen->availableGeometry());
-    const QRect reachable = reachableFrame(frame(), screens);
+    const QRect reachable = reachableFrame(frame(), freeScreens());
     if (reachable != frame())
         m_window->move(reachable.topLeft());
-}
-
-QRect WindowChrome::frame() const {
-    return m_window->geometry();
 }
 
 std::optional<QRect> WindowChrome::visibleScreenFrame() const {
@@ -340,14 +375,6 @@ bool WindowChrome::isOverControl(QPointF position) const {
             return true;
     }
     return false;
-}
-
-bool WindowChrome::isZoomed() const {
-    return m_window->isMaximized();
-}
-
-bool WindowChrome::isFullScreen() const {
-    return m_window->isFullScreen();
 }
 
 void WindowChrome::setFrame(const QRect &frame) {
@@ -378,10 +405,6 @@ void WindowChrome::toggleFullScreen() {
     m_window->setWindowState(m_window->windowState() ^ Qt::WindowFullScreen);
 }
 
-void WindowChrome::minimise() {
-    m_window->showMinimized();
-}
-
 void WindowChrome::startMove(QPointF pressed) {
     const QPoint pressedAt = m_window->mapToGlobal(pressed).toPoint();
     if (!m_window->isMaximized() || isWayland()) { // Wayland's compositors take it out of its zoom themselves
@@ -403,15 +426,6 @@ void WindowChrome::moveDraggedOut(QPoint mouse) {
 void WindowChrome::moveWithMouse(QPoint pressedAt) {
     if (!m_nativeWindow->startSystemMove())
         m_grip = Grip{{}, pressedAt, frame()};
-}
-
-void bringToFront(QWidget *window, const QByteArray &activationToken) {
-    if (!activationToken.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", activationToken); // where the toolkit looks for it
-    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-    window->show();
-    window->raise();
-    window->activateWindow();
 }
 
 } // namespace vantrel

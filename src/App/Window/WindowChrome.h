@@ -2,33 +2,31 @@
 
 #include "App/Window/WindowChromeCoordinator.h"
 
-#include <QObject>
+#include <QMainWindow>
+#include <QMouseEvent>
 #include <QPointer>
 #include <QRect>
 
 #include <functional>
 #include <optional>
 
-class QMainWindow;
-class QMouseEvent;
-class QWidget;
 class QWindow;
 
 namespace vantrel {
 
 class TitleBar;
+struct WindowGeometry;
 
-/// Gives a main window a frame of our own: the title bar, moving, zooming and resizing with the mouse. Moves
-/// and resizes are left to the window system where it offers that, so that its snapping and tiling work;
-/// elsewhere the window follows the mouse by itself. The window is kept where its title bar can be reached.
+/// Gives a main window a frame of our own: the title bar and its menu, moving, zooming and resizing with the
+/// mouse. Moves and resizes are left to the window system where it offers that, so that its snapping and
+/// tiling work; elsewhere the window follows the mouse by itself. The window is kept where its title bar can
+/// be reached.
 ///
 /// On the Mac the window keeps its native buttons, edges and shadow under a transparent title bar, and only
 /// the rules for the mouse are ours; that part has not been run.
 ///
 /// Made before the window is shown; lives as long as the window.
 class WindowChrome : public QObject, private ChromeWindow {
-    Q_OBJECT
-
 public:
     /// `doubleClickAction` is asked at every double-click in the title bar.
     WindowChrome(QMainWindow *window, std::function<QString()> doubleClickAction);
@@ -39,6 +37,13 @@ public:
     /// The size that the window does not go below, in layout pixels. It yields to a screen that has less
     /// free.
     void setMinimumSize(QSize size);
+
+    /// Gives the window what it was left with, fitted to the screens that are there now, before it is shown;
+    /// `standard` is its size when there is none. Where the compositor alone places windows, the position is
+    /// left to it.
+    void restore(const WindowGeometry &geometry, QSize standard);
+    /// What restore() takes another time.
+    [[nodiscard]] WindowGeometry geometry() const;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -65,6 +70,7 @@ private:
     bool mouseMoved(const QMouseEvent &event);
     bool mouseReleased(const QMouseEvent &event);
     void followMouse(QPoint position);
+    void showWindowMenu(QPoint position);
     void pointAt(Qt::Edges edges);
     void paintGround();
     void fitShape();
@@ -72,22 +78,24 @@ private:
     void stayReachable();
     void moveDraggedOut(QPoint mouse);
     void moveWithMouse(QPoint pressedAt);
-    [[nodiscard]] bool fillsScreen() const;
+    [[nodiscard]] bool fillsScreen() const { return m_window->isMaximized() || m_window->isFullScreen(); }
     [[nodiscard]] Qt::Edges edgesAt(QPointF position) const;
-    [[nodiscard]] ChromeMouseEvent chromeEvent(const QMouseEvent &event) const;
+    [[nodiscard]] ChromeMouseEvent chromeEvent(const QMouseEvent &event) const {
+        return {this, event.position(), m_clickCount};
+    }
 
     // The coordinator's view of the window.
-    [[nodiscard]] QRect frame() const override;
+    [[nodiscard]] QRect frame() const override { return m_window->geometry(); }
     [[nodiscard]] std::optional<QRect> visibleScreenFrame() const override;
     [[nodiscard]] qreal contentTop() const override;
     [[nodiscard]] std::optional<QRectF> buttonFrame(WindowButton button) const override;
     [[nodiscard]] bool isOverControl(QPointF position) const override;
-    [[nodiscard]] bool isZoomed() const override;
-    [[nodiscard]] bool isFullScreen() const override;
+    [[nodiscard]] bool isZoomed() const override { return m_window->isMaximized(); }
+    [[nodiscard]] bool isFullScreen() const override { return m_window->isFullScreen(); }
     void setFrame(const QRect &frame) override;
     void toggleZoom() override;
     void toggleFullScreen() override;
-    void minimise() override;
+    void minimise() override { m_window->showMinimized(); }
     void startMove(QPointF pressed) override;
 
     QMainWindow *m_window;
@@ -101,10 +109,5 @@ private:
     int m_clickCount = 1;
     bool m_hasRoundCorners = false;
 };
-
-/// Shows the window, whatever state it is in, in front of the others and with the keyboard. `activationToken`
-/// is what the desktop gave the start that asks for it; without one some desktops only mark the window as
-/// wanting attention.
-void bringToFront(QWidget *window, const QByteArray &activationToken);
 
 } // namespace vantrel

@@ -42,15 +42,11 @@ EventOutcome WindowChromeCoordinator::mouseReleased(const ChromeMouseEvent &even
     m_pendingPress.reset();
     if (event.clickCount != 2 || !isInTitleBarBand(event))
         return EventOutcome::passOn;
-    performDoubleClickAction();
-    return EventOutcome::swallow;
-}
-
-void WindowChromeCoordinator::performDoubleClickAction() {
     if (m_doubleClickAction() == QLatin1String("Minimize"))
         m_window->minimise();
     else
         toggleZoom();
+    return EventOutcome::swallow;
 }
 
 void WindowChromeCoordinator::toggleZoom() {
@@ -90,11 +86,8 @@ bool WindowChromeCoordinator::isInTitleBarBand(const ChromeMouseEvent &event) co
         const std::optional<QRectF> frame = m_window->buttonFrame(button);
         return frame && frame->contains(event.position);
     });
-    return !overWindowButton && !isOverToolbarControl(event.position);
-}
-
-bool WindowChromeCoordinator::isOverToolbarControl(QPointF position) const {
-    return position.x() >= m_window->frame().width() - toolbarWidth || m_window->isOverControl(position);
+    const bool overToolbar = event.position.x() >= m_window->frame().width() - toolbarWidth;
+    return !overWindowButton && !overToolbar && !m_window->isOverControl(event.position);
 }
 
 } // namespace vantrel

@@ -86,9 +86,6 @@ public:
     [[nodiscard]] bool isInTitleBarBand(const ChromeMouseEvent &event) const;
 
 private:
-    [[nodiscard]] bool isOverToolbarControl(QPointF position) const;
-    void performDoubleClickAction();
-
     std::function<QString()> m_doubleClickAction;
     ChromeWindow *m_window = nullptr;
     std::optional<QPointF> m_pendingPress;

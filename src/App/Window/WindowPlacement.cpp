@@ -79,6 +79,24 @@ QRect reachableFrame(const QRect &frame, const QList<QRect> &screens) {
     return best;
 }
 
+QRect fittedFrame(const QRect &frame, QSize minimum, const QList<QRect> &screens) {
+    if (screens.isEmpty())
+        return frame;
+    const auto share = [&frame](const QRect &screen) {
+        const QRect common = screen.intersected(frame);
+        return qint64(common.width()) * common.height();
+    };
+    const QRect screen = *std::ranges::max_element(screens, {}, share);
+    QRect fitted(frame.topLeft(), frame.size().expandedTo(minimum).boundedTo(screen.size()));
+    if (share(screen) <= 0)
+        fitted.moveCenter(screen.center());
+    fitted.moveLeft(
+        pulledInto(fitted.x(), fitted.width(), screen.x(), screen.x() + screen.width(), fitted.width()));
+    fitted.moveTop(
+        pulledInto(fitted.y(), fitted.height(), screen.y(), screen.y() + screen.height(), fitted.height()));
+    return fitted;
+}
+
 QPoint placeDraggedOut(int zoomedWidth, QPointF pressed, QSize normal, QPoint mouse) {
     const qreal share = pressed.x() / std::max(1, zoomedWidth);
     return mouse - QPointF(share * normal.width(), pressed.y()).toPoint();

@@ -22,6 +22,10 @@ namespace vantrel {
 /// unchanged.
 [[nodiscard]] QRect reachableFrame(const QRect &frame, const QList<QRect> &screens);
 
+/// `frame`, made to lie within one screen: the one that most of it is on, or, when it is on none, the middle
+/// of the first. It is smaller than `minimum` only where the screen is. `screens` as above; none: unchanged.
+[[nodiscard]] QRect fittedFrame(const QRect &frame, QSize minimum, const QList<QRect> &screens);
+
 /// Where the top left corner of a window of size `normal` goes when it is dragged out of its zoom by the
 /// mouse at `mouse`: the mouse keeps its distance from the top and its share of the width. `pressed` is where
 /// it went down in the zoomed window.

@@ -1,4 +1,4 @@
-#include "Analytics/LogHandler.h"
+#include "Analytics/TelemetryManagerConfiguration.h"
 
 #include <QLoggingCategory>
 
@@ -8,17 +8,12 @@ Q_LOGGING_CATEGORY(lcAnalytics, "vantrel.analytics")
 
 LogHandler LogHandler::platformLog(LogLevel minimumLevel) {
     return {minimumLevel, [](LogLevel level, const QString &message) {
-                switch (level) {
-                case LogLevel::Debug:
+                if (level == LogLevel::debug)
                     qCDebug(lcAnalytics).noquote() << message;
-                    break;
-                case LogLevel::Info:
+                else if (level == LogLevel::info)
                     qCInfo(lcAnalytics).noquote() << message;
-                    break;
-                case LogLevel::Error:
+                else
                     qCCritical(lcAnalytics).noquote() << message;
-                    break;
-                }
             }};
 }
 

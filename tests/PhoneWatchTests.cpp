@@ -1,0 +1,288 @@
+// Which phone is shown, and how the model learns of it: from adb itself, or by looking.
+
+#include "support/ModelTest.h"
+#include "support/Processes.h"
+
+#include <QSignalSpy>
+
+using namespace Qt::StringLiterals;
+using namespace vantrel;
+
+class PhoneWatchTests : public ModelTest {
+protected:
+    [[nodiscard]] PhoneWatch &watch() const { return state->phones(); }
+    [[nodiscard]] QTimer &timer() const { return *watch().findChild<QTimer *>(u"devicePoll"_s); }
+    /// How often adb was asked something.
+    [[nodiscard]] qsizetype asked(const QString &word) const {
+        const auto lines = phone.commandLines();
+        return std::count_if(lines.begin(), lines.end(),
+                             [&](const QStringList &line) { return line.contains(word); });
+    }
+    [[nodiscard]] static qsizetype trackers() {
+        const auto children = processes::children();
+        return std::count_if(children.begin(), children.end(), [](const processes::Child &child) {
+            return child.commandLine.contains("track-devices");
+        });
+    }
+    void follow() {
+        watch().start();
+        ASSERT_TRUE(waitFor([&] { return asked(u"track-devices"_s) > 0; }));
+    }
+    /// Waits until the phone with this serial is shown, or none is.
+    void waitForPhone(const QString &serial) {
+        ASSERT_TRUE(waitFor([&] { return state->device().id == serial && !state->isLoadingAndroid(); }))
+            << state->device().id.toStdString();
+    }
+    [[nodiscard]] QString listed() const {
+        QStringList list;
+        for (const ListedPhone &one : watch().phones())
+            list.append(QString(one.serial % u' ' % one.state % u' ' % one.model).trimmed());
+        return list.join(u'|');
+    }
+
+    const QString none = AndroidDevice().id;
+};
+
+TEST_F(PhoneWatchTests, adbTellsOfEveryPhoneThatComesAndGoes) {
+    phone.unplug();
+    follow();
+    ASSERT_TRUE(waitFor([&] { return watch().trouble() == PhoneTrouble::noPhone; }));
+    EXPECT_FALSE(timer().isActive()) << "something polls at rest";
+    const QSignalSpy spinner(&watch(), &PhoneWatch::isRefreshingChanged);
+    for (int i = 0; i < 3; ++i) {
+        phone.plug();
+        waitForPhone(DemoPhone::serial());
+        EXPECT_EQ(timer().intervalAsDuration(), PhoneWatch::storageInterval);
+        phone.unplug();
+        waitForPhone(none);
+        EXPECT_FALSE(timer().isActive());
+    }
+    EXPECT_EQ(asked(u"devices"_s), 0) << "nobody has to look";
+    EXPECT_EQ(asked(u"getprop"_s), 3);
+    EXPECT_EQ(asked(u"track-devices"_s), 1);
+    EXPECT_EQ(spinner.count(), 0);
+
+    EXPECT_EQ(trackers(), 1);
+    watch().stop();
+    EXPECT_EQ(trackers(), 0);
+    watch().start();
+    ASSERT_TRUE(waitFor([&] { return trackers() == 1; }));
+    state.reset();
+    EXPECT_EQ(trackers(), 0) << "the tracker outlives the model";
+}
+
+TEST_F(PhoneWatchTests, everyStateIsTold) {
+    const std::pair<const char *, PhoneTrouble> cases[] = {
+        {"unauthorized", PhoneTrouble::unauthorized},
+        {"authorizing", PhoneTrouble::authorizing},
+        {"connecting", PhoneTrouble::authorizing},
+        {"offline", PhoneTrouble::offline},
+        {"recovery", PhoneTrouble::recovery},
+        {"rescue", PhoneTrouble::recovery},
+        {"sideload", PhoneTrouble::sideload},
+        {"bootloader", PhoneTrouble::bootloader},
+        {"host", PhoneTrouble::offline},
+        {"none", PhoneTrouble::noPhone},
+        {"no permissions (user in plugdev group; are your udev rules wrong?); see [http://x]",
+         PhoneTrouble::noPermissions},
+    };
+    follow();
+    for (const auto &[word, trouble] : cases) {
+        phone.set(u"state"_s, word);
+        ASSERT_TRUE(waitFor([&] { return watch().trouble() == trouble; })) << word;
+        EXPECT_EQ(state->deviceStatusMessage(), ADBError::noDevice().errorDescription()) << word;
+        EXPECT_FALSE(state->device().isConnected);
+        phone.plug();
+        waitForPhone(DemoPhone::serial());
+        EXPECT_EQ(watch().trouble(), PhoneTrouble::none);
+    }
+    watch().stop();
+    const std::pair<const char *, PhoneTrouble> errors[] = {
+        {"adb server version (41) doesn't match this client (39); killing...\nerror: protocol fault",
+         PhoneTrouble::serverRestarts},
+        {"adb server is out of date.  killing...\n", PhoneTrouble::serverRestarts},
+        {"* daemon not running; starting now at tcp:5037\nADB server didn't ACK\nadb: error: cannot bind "
+         "'tcp:5037': Address already in use",
+         PhoneTrouble::portTaken},
+        {"* failed to start daemon\nadb: error: cannot connect to daemon at tcp:5037: Connection refused",
+         PhoneTrouble::portTaken},
+        {"error: something new", PhoneTrouble::other},
+    };
+    phone.set(u"devices.exit"_s, "1");
+    for (const auto &[words, trouble] : errors) {
+        phone.set(u"devices.stderr"_s, words);
+        state->refreshDevice(AppState::Spinner::shown);
+        ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
+        EXPECT_EQ(watch().trouble(), trouble) << words;
+    }
+}
+
+TEST_F(PhoneWatchTests, thePhoneThatIsShownStaysShownWhileItIsReady) {
+    QDir().mkpath(phone.otherRoot(u"A1"_s));
+    phone.write(u"Download/mine.txt"_s, "1");
+    write(phone.otherRoot(u"A1"_s) + u"/Download/other.txt"_s, "1");
+    follow();
+    waitForPhone(DemoPhone::serial());
+    browsePhone(u"/sdcard/Download"_s);
+
+    phone.setOther(u"A1"_s, u"unauthorized"_s);
+    ASSERT_TRUE(waitFor([&] { return listed() == u"A1 unauthorized|demo-phone device Demo Phone"_s; }))
+        << listed().toStdString();
+    phone.setOther(u"A1"_s, u"device"_s, u"Pixel 7"_s);
+    ASSERT_TRUE(waitFor([&] { return listed() == u"A1 device Pixel 7|demo-phone device Demo Phone"_s; }))
+        << listed().toStdString();
+    connectPhone(); // the look that the refresh button takes
+    EXPECT_EQ(state->device().id, DemoPhone::serial());
+    EXPECT_EQ(state->androidCurrentPath(), u"/sdcard/Download"_s);
+    EXPECT_EQ(namesOf(state->androidItems()), QStringList{u"mine.txt"_s});
+
+    phone.unplug(); // the first one that is ready takes its place
+    waitForPhone(u"A1"_s);
+    EXPECT_EQ(state->device().name, u"Pixel 7"_s);
+    browsePhone(u"/sdcard/Download"_s);
+    EXPECT_EQ(namesOf(state->androidItems()), QStringList{u"other.txt"_s});
+    phone.plug();
+    ASSERT_TRUE(waitFor([&] { return watch().phones().size() == 2; }));
+    EXPECT_EQ(state->device().id, u"A1"_s);
+
+    watch().show(DemoPhone::serial());
+    waitForPhone(DemoPhone::serial());
+    connectPhone();
+    EXPECT_EQ(state->device().id, DemoPhone::serial()) << "what was chosen stays";
+    phone.setOther(u"A1"_s, u"none"_s);
+    ASSERT_TRUE(waitFor([&] { return watch().phones().size() == 1; }));
+    EXPECT_EQ(state->device().id, DemoPhone::serial());
+}
+
+TEST_F(PhoneWatchTests, aSerialMayLookLikeAnOption) {
+    phone.unplug();
+    phone.setOther(u"-d"_s, u"device"_s, u"Odd One"_s);
+    follow();
+    waitForPhone(u"-d"_s);
+    EXPECT_EQ(state->device().name, u"Odd One"_s);
+}
+
+TEST_F(PhoneWatchTests, aHundredPhonesAreListed) {
+    for (int i = 0; i < 100; ++i)
+        phone.setOther(u"S%1"_s.arg(i), i % 2 == 0 ? u"offline"_s : u"unauthorized"_s);
+    follow();
+    waitForPhone(DemoPhone::serial());
+    EXPECT_EQ(watch().phones().size(), 101);
+}
+
+TEST_F(PhoneWatchTests, phonesAreLookedForWhenAdbDoesNotTell) {
+    struct Case {
+        const char *name;
+        const char *setting;
+        QByteArray value;
+    };
+    const Case cases[] = {
+        {"an adb that does not know the command", "track-devices.exit", "1"},
+        {"garbage", "track-devices.stdout", "List of devices attached\n"},
+        {"garbage behind a list", "track-devices.stdout", "0000zzzz"},
+        {"a list without an end", "track-devices.stdout", "fffe"},
+    };
+    for (const Case &c : cases) {
+        phone.resetAll();
+        phone.unplug();
+        phone.set(QLatin1String(c.setting), c.value);
+        follow();
+        ASSERT_TRUE(waitFor([&] { return timer().isActive(); })) << c.name;
+        EXPECT_EQ(timer().intervalAsDuration(), PhoneWatch::lookInterval) << c.name;
+        const bool mayBecomeAList = c.value == "fffe";
+        ASSERT_TRUE(waitFor([&] { return trackers() == (mayBecomeAList ? 1 : 0); })) << c.name;
+        phone.plug();
+        timer().start(0);
+        waitForPhone(DemoPhone::serial());
+        EXPECT_EQ(asked(u"devices"_s), 1) << c.name;
+        phone.unplug();
+        timer().start(0);
+        waitForPhone(none);
+        EXPECT_EQ(asked(u"devices"_s), 2) << c.name;
+
+        // An adb that cannot is not asked to with every look.
+        const qsizetype attempts = asked(u"track-devices"_s);
+        for (int look = 0; look < 8; ++look) {
+            ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
+            timer().start(0);
+            ASSERT_TRUE(waitFor([&] { return asked(u"devices"_s) == 3 + look; }));
+        }
+        EXPECT_LE(asked(u"track-devices"_s), attempts + 1) << c.name;
+        watch().stop();
+    }
+}
+
+TEST_F(PhoneWatchTests, aSlowPhoneIsNotLookedForAgainBeforeItHasAnswered) {
+    phone.set(u"track-devices.exit"_s, "1");
+    phone.set(u"devices.hang"_s, "on");
+    follow();
+    ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
+    timer().start(0);
+    ASSERT_TRUE(waitFor([&] { return asked(u"devices"_s) == 1; }));
+    EXPECT_FALSE(timer().isActive());
+    state->refreshDevice(AppState::Spinner::hidden);
+    watch().stop(); // a look that is under way now is the last one
+    phone.reset(u"devices.hang"_s);
+    waitForPhone(DemoPhone::serial());
+    EXPECT_FALSE(timer().isActive());
+    EXPECT_EQ(asked(u"devices"_s), 1);
+}
+
+TEST_F(PhoneWatchTests, aServerThatWasRestartedIsFollowedAgain) {
+    follow();
+    waitForPhone(DemoPhone::serial());
+    phone.set(u"track-devices.exit"_s, "0");
+    ASSERT_TRUE(waitFor([&] { return timer().intervalAsDuration() == PhoneWatch::lookInterval; }));
+    EXPECT_TRUE(state->device().isConnected) << "a phone does not go with the server's word";
+    phone.reset(u"track-devices.exit"_s);
+    timer().start(0);
+    ASSERT_TRUE(waitFor(
+        [&] { return timer().isActive() && timer().intervalAsDuration() == PhoneWatch::storageInterval; }));
+    EXPECT_EQ(trackers(), 1);
+    phone.unplug();
+    waitForPhone(none);
+}
+
+TEST_F(PhoneWatchTests, aPhoneThatIsReadyAndFailsIsAskedAgain) {
+    phone.set(u"getprop.exit"_s, "1");
+    phone.set(u"df.exit"_s, "1");
+    follow();
+    ASSERT_TRUE(waitFor([&] { return watch().trouble() == PhoneTrouble::other; }));
+    ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
+    EXPECT_EQ(timer().intervalAsDuration(), PhoneWatch::lookInterval);
+    phone.resetAll();
+    timer().start(0);
+    waitForPhone(DemoPhone::serial());
+}
+
+TEST_F(PhoneWatchTests, theStorageIsAskedOnceAMinuteAndAfterCopies) {
+    phone.write(u"a.bin"_s, "12345");
+    follow();
+    waitForPhone(DemoPhone::serial());
+    ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
+    const qsizetype before = asked(u"df"_s);
+    phone.set(u"storage-used"_s, "30000000000");
+    timer().start(0);
+    ASSERT_TRUE(waitFor([&] { return state->device().usedBytes == 30'000'000'000; }))
+        << state->device().usedBytes;
+    EXPECT_EQ(asked(u"df"_s), before + 1);
+    EXPECT_EQ(asked(u"getprop"_s), 1);
+    EXPECT_EQ(asked(u"devices"_s), 0);
+    EXPECT_EQ(timer().intervalAsDuration(), PhoneWatch::storageInterval);
+
+    phone.set(u"storage-used"_s, "40000000000");
+    browseHere();
+    select(BrowserSide::android, u"a.bin"_s);
+    state->transferAndroidToMac();
+    waitForQueue();
+    ASSERT_TRUE(waitFor([&] { return state->device().usedBytes == 40'000'000'000; }))
+        << state->device().usedBytes;
+    EXPECT_EQ(asked(u"df"_s), before + 2);
+    // One that does not say keeps what is known.
+    phone.set(u"df.exit"_s, "1");
+    timer().start(0);
+    ASSERT_TRUE(waitFor([&] { return asked(u"df"_s) == before + 4; })) << "of /sdcard and of /data";
+    ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
+    EXPECT_EQ(state->device().usedBytes, 40'000'000'000);
+    EXPECT_TRUE(state->device().isConnected);
+}
