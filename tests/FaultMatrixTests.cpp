@@ -176,9 +176,7 @@ protected:
         }
         for (const QString &path : batch()) {
             write(path, QByteArray(60'000, path.at(path.size() - 5).toLatin1()));
-            QFile file(path);
-            ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-            file.setFileTime(QDateTime::fromSecsSinceEpoch(1'600'000'000), QFileDevice::FileModificationTime);
+            makeOld(path);
         }
         if (op == pullMerge || op == pushMerge)
             write(target() + u"/a.bin"_s, contents);
@@ -208,6 +206,12 @@ protected:
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | how));
         file.write(bytes);
+    }
+    /// So that what arrives without its time is told from what arrived with it.
+    static void makeOld(const QString &path) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        file.setFileTime(QDateTime::fromSecsSinceEpoch(1'600'000'000), QFileDevice::FileModificationTime);
     }
     void close(const QString &path, mode_t mode) {
         m_closed.append(path);
@@ -325,7 +329,7 @@ protected:
             break;
         case pullBoth:
         case pushBoth:
-            state->keepAllBoth();
+            state->transfers().keepAllBoth();
             break;
         case pullRest:
         case pushRest:
