@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <cstdio>
@@ -104,6 +105,7 @@ void Tour::connectPhone() {
 }
 
 void Tour::readToolTip() {
+    m_window.setAttribute(Qt::WA_AlwaysShowToolTips); // where no window manager makes it the active one
     m_hand.pointAt(QStringLiteral("transferToMac"));
     m_hand.waitUntil(QStringLiteral("the tool tip"), [] { return !ToolTips::text().isEmpty(); });
     tell(QStringLiteral("tool-tip"), ToolTips::text());
@@ -164,8 +166,8 @@ void Tour::finishCopies() {
     waitForQueue();
     for (const QString &name : m_phone.files()) {
         compare(m_phone.folderPath() + QLatin1Char('/') + name, m_folder + QLatin1Char('/') + name);
-        if (!shows(state().macItems(), name))
-            throw TourError(QStringLiteral("the pane does not show the copy ") + name);
+        m_hand.waitUntil(QStringLiteral("the copy in the pane: ") + name,
+                         [&] { return shows(state().macItems(), name); });
     }
     tell(QStringLiteral("copied"),
          QString::number(m_comparedFiles) + QStringLiteral(" files, every byte equal"));
@@ -189,8 +191,9 @@ void Tour::copyToPhone() {
 
 void Tour::failCopy() {
     const QString name = m_phone.files().last();
-    // A phone that cannot be made to refuse still refuses to overwrite.
-    if (!m_phone.refuse(m_phone.folderPath() + QLatin1Char('/') + name)) {
+    // Where a phone cannot be made to refuse, the file is there already.
+    const bool isRefused = m_phone.refuse(m_phone.folderPath() + QLatin1Char('/') + name);
+    if (!isRefused) {
         m_hand.openEntry(mac, QFileInfo(m_folder).fileName());
         m_hand.waitUntil(QStringLiteral("the folder of this computer"),
                          [this] { return state().macPath() == m_folder && !state().isLoadingMac(); });
@@ -199,9 +202,10 @@ void Tour::failCopy() {
     m_hand.click(QStringLiteral("transferToMac"));
     waitForQueue();
     const QueueItem &item = state().queue().first();
-    if (!item.status.is<QueueItemStatus::Failed>())
-        throw TourError(QStringLiteral("a copy that cannot succeed is ") + item.progressLabel());
-    tell(QStringLiteral("failed"), item.progressLabel());
+    if (item.status.is<QueueItemStatus::Failed>() != isRefused)
+        throw TourError(QStringLiteral("a copy that was refused or is there already is ") +
+                        item.progressLabel());
+    tell(isRefused ? QStringLiteral("failed") : QStringLiteral("already-there"), item.progressLabel());
 }
 
 void Tour::filter() {
@@ -290,7 +294,7 @@ void Tour::fillQueue() {
         const QModelIndex last = list->model()->index(list->model()->rowCount() - 1, 0);
         return list->viewport()->rect().contains(list->visualRect(last));
     };
-    if (lastIsInView())
+    if (list->verticalScrollBar()->maximum() == 0)
         throw TourError(QStringLiteral("the queue was meant to be too long for its panel"));
     m_hand.scrollUntil(list->viewport(), QStringLiteral("the last row of the queue"), lastIsInView);
     tell(QStringLiteral("long-queue"),

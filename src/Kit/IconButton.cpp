@@ -13,7 +13,7 @@ PlainButton::PlainButton(QWidget *parent) : QAbstractButton(parent) {
 }
 
 void PlainButton::setHelp(const QString &help, QAccessible::Role role) {
-    setToolTip(plainToolTip(help));
+    setToolTip(displayText(help));
     describe(this, role, help);
 }
 

@@ -134,10 +134,6 @@ QString displayText(const QString &text) {
     return shown;
 }
 
-QString plainToolTip(const QString &text) {
-    return displayText(text);
-}
-
 QString elidedText(const QString &text, const TextStyle &style, double width, Elision elision) {
     return elided(displayText(text), layoutFont(style), width * enlargement(style), elision);
 }

@@ -47,9 +47,6 @@ struct TextStyle {
 /// line break shows as "↵". Everything below does this to the text it is given.
 [[nodiscard]] QString displayText(const QString &text);
 
-/// `text` for QWidget::setToolTip and ToolTips: a tip is plain text, what looks like markup included.
-[[nodiscard]] QString plainToolTip(const QString &text);
-
 /// `text` on one line, shortened with "…" to at most `width`; empty when not even the "…" fits.
 [[nodiscard]] QString elidedText(const QString &text, const TextStyle &style, double width,
                                  Elision elision = Elision::end);

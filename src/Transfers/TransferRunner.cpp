@@ -211,15 +211,16 @@ void TransferRunner::fillSlots() {
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
+    // A run of adb costs the time of many small files: unless few wait, the free slots share them.
+    const bool areFew = m_queue.unclaimedCount() < few;
     while (m_runs.size() < concurrentCopies && !m_isPaused) {
         QSet<QString> places; // of this claim
         const auto isFree = [&](const QueueItem &item) {
             return mayStart(item) && !places.contains(destinationKey(item)) &&
                    (places.insert(destinationKey(item)), true);
         };
-        // A run of adb costs the time of many small files: unless few wait, the free slots share them.
-        const qsizetype waiting = m_queue.unclaimedCount();
-        const qsizetype share = waiting < few ? 1 : waiting / (concurrentCopies - m_runs.size()) + 1;
+        const qsizetype share =
+            areFew ? 1 : m_queue.unclaimedCount() / (concurrentCopies - m_runs.size()) + 1;
         const QList<QueueItem> claimed = m_queue.claim(std::min(share, mostTogether), isFree);
         if (claimed.isEmpty())
             break;
