@@ -51,7 +51,7 @@ protected:
     [[nodiscard]] static BrowserSide otherThan(BrowserSide side) {
         return side == BrowserSide::mac ? BrowserSide::android : BrowserSide::mac;
     }
-    /// Whatever bears the program's mark on either side.
+    /// What bears the program's mark on either side, without what is in it.
     [[nodiscard]] QStringList staged() const {
         QStringList found;
         for (const QString &root : {mac.path(), phone.root()}) {
@@ -59,7 +59,8 @@ protected:
                                  QDirIterator::Subdirectories);
             while (entries.hasNext()) {
                 entries.next();
-                if (StagedName::isStaged(entries.fileName()))
+                if (StagedName::isStaged(entries.fileName()) &&
+                    !StagedName::isStaged(entries.fileInfo().dir().dirName()))
                     found.append(entries.filePath());
             }
         }

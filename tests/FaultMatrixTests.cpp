@@ -28,6 +28,7 @@
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <utility>
 
 namespace {
 bool isDiskFull = false;
@@ -182,10 +183,8 @@ protected:
             write(target() + u"/a.bin"_s, contents);
         if (isBoth())
             write(target(), "another");
-        if (isRest()) {
-            for (const QString &folder : {mine(), phone.hostPath(u"from"_s)})
-                write(folder + u"/song.bin"_s, contents.repeated(120)); // 36 MB
-        }
+        if (isRest())
+            write(source(), contents.repeated(110)); // 33 MB
         phone.write(u"to/kept.txt"_s, "kept");
         write(here() + u"/kept.txt"_s, "kept");
         QDir().mkpath(mac.filePath(u"cache"_s));
@@ -272,8 +271,8 @@ protected:
             ASSERT_TRUE(waitFor([&] { return state->queue().first().canKeepBoth(); }));
         }
         if (isRest()) {
-            phone.set(u"bandwidth"_s, "60");
-            phone.set(u"unplug-after"_s, "20000000");
+            phone.set(u"bandwidth"_s, "20"); // what adb removes at once cannot be kept
+            phone.set(u"unplug-after"_s, "2000000");
             copySelected();
             ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
             ASSERT_FALSE(staged().isEmpty()) << seen().toStdString();
@@ -591,7 +590,17 @@ TEST_P(FaultMatrix, isSurvivedAndSaid) {
         const QString now = seen().replace(u'\n', u' '); // a table has one line for each row
         return text.startsWith(u"… "_s) ? now.endsWith(end) : now == text;
     };
-    EXPECT_TRUE(waitFor(isSeen)) << seen().toStdString();
+    // Nothing more will come: a search is put off for less, and no copy stands still for so long.
+    QElapsedTimer still;
+    std::pair<QString, bool> last;
+    const auto isOver = [&] {
+        const bool isBusy = !processes::children().isEmpty() || Background::workers().activeThreadCount() > 0;
+        if (std::exchange(last, {seen(), isBusy}) != std::pair(seen(), isBusy) || !still.isValid())
+            still.start();
+        return still.hasExpired(isBusy ? 30'000 : 2000);
+    };
+    EXPECT_TRUE(waitFor([&] { return isSeen() || isOver(); }));
+    EXPECT_TRUE(isSeen()) << seen().toStdString();
     if (isEndless) {
         // The window goes on meanwhile.
         state->browseMac(here());
@@ -611,7 +620,10 @@ TEST_P(FaultMatrix, isSurvivedAndSaid) {
     EXPECT_LT(clock.elapsed(), 5000);
     EXPECT_TRUE(processes::children().isEmpty());
     reopen();
-    EXPECT_EQ(difference(before, tree()), cell.disk);
+    QString disk = difference(before, tree());
+    if (isEndless && isPush()) // whether the phone still clears up is a matter of milliseconds
+        disk.remove(u", staged"_s);
+    EXPECT_EQ(disk, cell.disk);
 }
 
 INSTANTIATE_TEST_SUITE_P(, FaultMatrix, ::testing::ValuesIn(possibleCells()),

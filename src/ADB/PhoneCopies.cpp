@@ -196,12 +196,16 @@ ADBResult<QStringList> namesBeginningWith(const QString &serial, const QString &
     return facts ? ADBResult<QStringList>(facts->keys()) : tl::make_unexpected(unreadableAnswer());
 }
 
-ADBResult<void> makeFolder(const QString &serial, const QString &path, const std::stop_token &stop) {
-    const auto answer = runShell(serial, QStringLiteral("mkdir ") + quoted(path), stop);
+ADBResult<void> makeMarkedFolder(const QString &serial, const QString &path, const QString &marker,
+                                 const std::stop_token &stop) {
+    const auto answer = runShell(serial,
+                                 QStringLiteral("mkdir ") % quoted(path) % QLatin1Char(' ') %
+                                     quoted(AndroidPath::join(path, marker)),
+                                 stop);
     if (!answer)
         return tl::make_unexpected(answer.error());
-    if (!answer->errors.isEmpty())
-        return tl::make_unexpected(failure(reasonOf(answer->errors)));
+    if (!answer->errors.isEmpty()) // the first line is of the folder itself
+        return tl::make_unexpected(failure(reasonOf(answer->errors.section(QLatin1Char('\n'), 0, 0))));
     return {};
 }
 
@@ -416,7 +420,7 @@ ADBResult<QByteArray> fetchSum(const QString &serial, const QString &path, const
     if (!answer)
         return tl::make_unexpected(answer.error());
     if (!answer->errors.isEmpty())
-        return tl::make_unexpected(failure(reasonOf(answer->errors)));
+        return tl::make_unexpected(failure(answer->errors));
     // A backslash before the sum says that the name behind it is written with escapes.
     const QByteArray sum = answer->output.mid(answer->output.startsWith('\\') ? 1 : 0, digits);
     const bool isSum = sum.size() == digits && std::all_of(sum.begin(), sum.end(), [](char c) {

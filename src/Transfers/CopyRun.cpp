@@ -11,6 +11,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
@@ -283,10 +284,11 @@ private:
         return LocalFiles::sum(here, m_stop) == *there;
     }
 
-    /// What the phone's own tool says of the file is a line like those of adb.
+    /// What a tool or the shell of the phone says of the file is a line like those of adb.
     static ADBResult<QStringList> complaint(const ADBError &error) {
+        static const QRegularExpression spoken(QStringLiteral("\\A(tail|cat|md5sum|\\S*sh): "));
         const QString text = error.errorDescription();
-        if (text.startsWith(QLatin1String("tail: ")) || text.startsWith(QLatin1String("cat: ")))
+        if (spoken.match(text).hasMatch())
             return QStringList{text};
         return tl::make_unexpected(error);
     }
@@ -302,7 +304,7 @@ private:
                 return complaint(continued.error());
             const auto isSame = isSameAsSource(staged, file.source);
             if (!isSame)
-                return tl::make_unexpected(isSame.error());
+                return complaint(isSame.error());
             if (*isSame && LocalFiles::setModified(staged, file.modified))
                 return QStringList();
         }
@@ -342,7 +344,7 @@ private:
                 const auto isSame = timed ? isSameAsSource(file.source, staged)
                                           : ADBResult<bool>(tl::make_unexpected(timed.error()));
                 if (!isSame)
-                    return tl::make_unexpected(isSame.error());
+                    return complaint(isSame.error());
                 if (*isSame)
                     return QStringList();
             }
@@ -625,7 +627,7 @@ private:
     void pushMissing() {
         const QString name = StagedName::make();
         const QString staging = AndroidPath::join(m_job.folder, name);
-        if (const auto made = ADBClient::makeFolder(m_job.serial, staging, m_stop); !made) {
+        if (const auto made = ADBClient::makeMarkedFolder(m_job.serial, staging, name, m_stop); !made) {
             const QString reason = made.error().errorDescription();
             StagedName::release(name);
             if (speaksOfAbsence(reason))
@@ -658,31 +660,31 @@ private:
         const auto arrived = ADBClient::fetchTree(m_job.serial, staging, m_stop);
         if (!arrived)
             return tl::make_unexpected(arrived.error());
-        if (arrived->entries.isEmpty() || arrived->entries.first().kind != TreeEntry::Kind::folder)
-            return tl::make_unexpected(ADBError::executionFailed(vanished()));
         QHash<QString, TreeEntry> byName;
         for (const TreeEntry &entry : arrived->entries)
             byName.insert(entry.path, entry);
+        if (!byName.contains(AndroidPath::lastComponent(staging))) // gone, and perhaps made again by adb
+            return tl::make_unexpected(ADBError::executionFailed(vanished()));
 
         QList<ADBClient::PhoneMove> moves;
         QList<PlannedFile> moved;
+        QList<PlannedFile> lacking;
         for (const PlannedFile &file : std::as_const(m_batch)) {
             const QString name = stagedName(file);
             const auto there = byName.constFind(name);
             const auto here = LocalFiles::look(file.source);
-            const bool isThere = there != byName.constEnd();
-            if (!isThere || !isSameContent(*there, file.sizeBytes, file.modified) ||
+            if (there == byName.constEnd() || !isSameContent(*there, file.sizeBytes, file.modified) ||
                 (here && here->kind == TreeEntry::Kind::file &&
                  !isSameContent(*here, file.sizeBytes, file.modified))) {
-                explain(file, isThere, *errors);
+                lacking.append(file);
             } else if (!isGivenUp(file.entry)) {
                 moves.append({AndroidPath::join(staging, name), file.destination});
                 moved.append(file);
             }
         }
-        if (moves.isEmpty())
-            return {};
-        const auto unmoved = ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
+        ADBResult<QHash<QString, QString>> unmoved;
+        if (!moves.isEmpty())
+            unmoved = ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
         if (!unmoved)
             return tl::make_unexpected(unmoved.error());
         for (qsizetype i = 0; i < moves.size(); ++i) {
@@ -695,6 +697,8 @@ private:
                 problem(moved.at(i), &CopyReport::failed,
                         QStringLiteral("The phone can’t write it: ") + *left);
         }
+        for (const PlannedFile &file : std::as_const(lacking)) // a full disk ends what has not arrived
+            explain(file, byName.contains(stagedName(file)), *errors);
         return {};
     }
 
@@ -899,9 +903,11 @@ QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
 QString explainedCopyError(const QString &error) {
     const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
     const QString reason = colon < 0 ? error : error.mid(colon + 2);
-    if (error.contains(QLatin1String("remote open failed")) || error.startsWith(QLatin1String("tail: ")))
+    if (error.contains(QLatin1String("remote open failed")) || error.startsWith(QLatin1String("tail: ")) ||
+        error.startsWith(QLatin1String("md5sum: ")))
         return QStringLiteral("The phone can’t read it: ") + reason;
-    if (error.contains(QLatin1String("remote ")) || error.startsWith(QLatin1String("cat: ")))
+    if (error.contains(QLatin1String("remote ")) || error.startsWith(QLatin1String("cat: ")) ||
+        error.contains(QLatin1String("sh: can't create ")))
         return QStringLiteral("The phone can’t write it: ") + reason;
     if (error.startsWith(QLatin1String("cannot create")) || error.startsWith(QLatin1String("cannot write")))
         return QStringLiteral("This computer can’t write it: ") + reason;
