@@ -7,6 +7,7 @@
 #include "MacFiles/ThisComputer.h"
 #include "Records/Identity.h"
 #include "Views/AndroidBrowserPane.h"
+#include "Views/ColumnButton.h"
 #include "Views/DualBrowserView.h"
 #include "Views/FileGridCell.h"
 #include "Views/FileGridView.h"
@@ -429,6 +430,33 @@ TEST_F(FilePaneTests, contextMenusFollowTheFlags) {
     EXPECT_THAT(desktop.opened, ElementsAre(u"/home/me/file"_s));
     EXPECT_THAT(desktop.revealed, ElementsAre(u"/home/me/file"_s));
     EXPECT_THAT(desktop.copied, ElementsAre(u"/home/me/folder"_s));
+}
+
+TEST_P(PaneLayoutTests, aColumnSortsAndThenReverses) {
+    const auto click = [this](const QString &inList, const QString &inGrid) {
+        ::vantrel::click(control<ColumnButton>(view, isList ? inList : inGrid));
+    };
+    pane.order = {FileOrder(), [this](const FileOrder &order) {
+                      calls.append(rawValue(order));
+                      pane.order->value = order;
+                      state.setOrder(order);
+                      show();
+                  }};
+    show();
+    entries()->verticalScrollBar()->setValue(20);
+    click(u"modifiedColumn"_s, u"gridModified"_s);
+    click(u"modifiedColumn"_s, u"gridModified"_s);
+    click(u"sizeColumn"_s, u"gridSize"_s);
+    click(u"nameColumn"_s, u"gridName"_s);
+    click(u"nameColumn"_s, u"gridName"_s);
+    EXPECT_THAT(taken(), ElementsAre(u"modified descending"_s, u"modified ascending"_s, u"size descending"_s,
+                                     u"name ascending"_s, u"name descending"_s));
+    EXPECT_EQ(entries()->verticalScrollBar()->value(), 0) << "another order is read from its beginning";
+    EXPECT_EQ(entries()->model()->index(0, 0).data(), item(5).name);
+    QAccessibleInterface *name =
+        accessible(control<ColumnButton>(view, isList ? u"nameColumn"_s : u"gridName"_s));
+    EXPECT_EQ(name->text(QAccessible::Name), u"Name");
+    EXPECT_EQ(name->text(QAccessible::Description), u"From Z to A");
 }
 
 TEST_F(FilePaneTests, headersStandAboveTheirColumns) {
@@ -1024,7 +1052,7 @@ TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     QTest::keyClicks(field, u"img"_s);
     EXPECT_TRUE(footerSays(android(), u"Searching device…"_s));
     EXPECT_EQ(text(android(), u"path"_s), u"Search results");
-    EXPECT_EQ(text(android(), u"nameColumn"_s), u"Name / Location");
+    EXPECT_EQ(control<ColumnButton>(android(), u"nameColumn"_s)->text(), u"Name / Location");
     EXPECT_TRUE(android().findChild<Spinner *>()->isVisible());
     EXPECT_TRUE(footerSays(android(), u"2 results for “img”"_s));
     EXPECT_EQ(FileEntry{itemsOf(android()).first()}.locationLabel(), u"Internal Storage › DCIM › Camera");

@@ -53,6 +53,14 @@ PaneSelectAllState PaneState::selectAllState() const {
     return selected == m_visibleItems.size() ? PaneSelectAllState::all : PaneSelectAllState::partial;
 }
 
+void PaneState::setOrder(FileOrder order) {
+    if (order == m_order)
+        return;
+    m_order = order;
+    updateVisibleItems();
+    Q_EMIT orderChanged();
+}
+
 quint64 PaneState::open(const QString &path) {
     m_path = path;
     clearSelection();
@@ -102,7 +110,7 @@ void PaneState::setHits(const std::optional<QList<FileItem>> &hits) {
 }
 
 void PaneState::updateVisibleItems() {
-    const QList<FileItem> visible = m_hits ? *m_hits : filteredItems();
+    const QList<FileItem> visible = inOrder(m_hits ? *m_hits : filteredItems(), m_order);
     const bool hasChanged = !visible.isSharedWith(m_visibleItems);
     m_visibleItems = visible;
     const bool lostGhosts = dropGhosts(); // before anybody is told of what is shown

@@ -18,7 +18,7 @@ BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
 
     m_rendering.watch(&m_state, &PaneState::pathChanged, &PaneState::visibleItemsChanged,
                       &PaneState::selectedIDsChanged, &PaneState::isLoadingChanged,
-                      &PaneState::browseErrorChanged, &PaneState::viewModeChanged);
+                      &PaneState::browseErrorChanged, &PaneState::viewModeChanged, &PaneState::orderChanged);
 }
 
 QString BrowserPane::activity() const {
@@ -45,6 +45,10 @@ void BrowserPane::render() {
     };
     pane.onFocus = [this] { focusSide(); };
     pane.viewMode = {m_state.viewMode(), [this](PaneViewMode mode) { m_state.setViewMode(mode); }};
+    pane.order = {m_state.order(), [this](const FileOrder &order) {
+                      focusSide();
+                      m_state.setOrder(order);
+                  }};
     fill(pane);
     const QString busy = activity();
     if (!busy.isEmpty())

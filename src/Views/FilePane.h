@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Records/FileItem.h"
+#include "Records/FileOrder.h"
 #include "Records/Pane.h"
 
 #include <functional>
@@ -42,6 +42,7 @@ struct FilePane {
     bool showsMacContextMenu = false;                   ///< an entry offers the computer's commands
     bool showsOpenContextMenu = false;                  ///< an entry offers "Open" alone
     std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
+    std::optional<Binding<FileOrder>> order = {};       ///< absent: the columns cannot be clicked
     Desktop *desktop = nullptr; ///< what the computer's context menu acts on; needed where that is shown
 };
 

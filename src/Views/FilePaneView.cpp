@@ -8,6 +8,7 @@
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
 #include "State/PaneState.h"
+#include "Views/ColumnButton.h"
 #include "Views/FileContextMenu.h"
 #include "Views/FileDelegate.h"
 #include "Views/FileGridView.h"
@@ -159,25 +160,33 @@ QWidget *FilePaneView::makeSearchBar() {
     return stackOf(bar, new Divider);
 }
 
+ColumnButton *FilePaneView::makeColumn(const QString &name, FileSortKey key) {
+    auto *column = named(name, new ColumnButton(key));
+    connect(column, &ColumnButton::clicked, this, [this, key] {
+        if (m_pane.order)
+            call(m_pane.order->set, orderAfterClick(m_pane.order->value, key));
+    });
+    m_columns.append(column);
+    return column;
+}
+
 QWidget *FilePaneView::makeColumnHeaders() {
-    const auto column = [](const QString &name, double width, const QString &title) {
-        auto *label = named(name, new TextLabel(columnStyle, AppTheme::inkTertiary()));
-        label->setText(title);
-        label->setFixedWidth(int(width));
-        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        return label;
+    const auto number = [this](const QString &name, FileSortKey key, double width) {
+        ColumnButton *column = makeColumn(name, key);
+        column->setFixedWidth(int(width));
+        column->setAlignment(Qt::AlignRight);
+        return column;
     };
     m_columnSelectAll = named(QStringLiteral("columnSelectAll"), new SelectAllBox);
-    m_nameColumn = named(QStringLiteral("nameColumn"), new TextLabel(columnStyle, AppTheme::inkTertiary()));
     connect(m_columnSelectAll, &SelectAllBox::clicked, this, &FilePaneView::toggleSelectAll);
     using Row = FileRowGeometry;
     return stackOf(
         barOf(6, 0,
               {m_columnSelectAll,
                BoxItem::gap(int(Row::checkboxWidth) - m_columnSelectAll->width()),
-               {m_nameColumn, 1},
-               column(QStringLiteral("sizeColumn"), Row::sizeWidth, QStringLiteral("Size")),
-               column(QStringLiteral("modifiedColumn"), Row::modifiedWidth, QStringLiteral("Modified"))}),
+               {makeColumn(QStringLiteral("nameColumn"), FileSortKey::name), 1},
+               number(QStringLiteral("sizeColumn"), FileSortKey::size, Row::sizeWidth),
+               number(QStringLiteral("modifiedColumn"), FileSortKey::modified, Row::modifiedWidth)}),
         new Divider);
 }
 
@@ -186,7 +195,13 @@ QWidget *FilePaneView::makeGridSelectAllBar() {
     m_gridSelectAllTitle =
         named(QStringLiteral("gridSelectAllTitle"), new TextLabel(columnStyle, AppTheme::inkTertiary()));
     connect(m_gridSelectAll, &SelectAllBox::clicked, this, &FilePaneView::toggleSelectAll);
-    return stackOf(barOf(6, 8, {m_gridSelectAll, {m_gridSelectAllTitle, 1}}), new Divider);
+    return stackOf(barOf(6, 8,
+                         {m_gridSelectAll,
+                          {m_gridSelectAllTitle, 1},
+                          makeColumn(QStringLiteral("gridName"), FileSortKey::name),
+                          makeColumn(QStringLiteral("gridSize"), FileSortKey::size),
+                          makeColumn(QStringLiteral("gridModified"), FileSortKey::modified)}),
+                   new Divider);
 }
 
 QWidget *FilePaneView::makeFooter() {
@@ -222,15 +237,16 @@ void FilePaneView::setPane(const FilePane &pane) {
     m_path->setText(m_pane.pathLabel);
     m_footerLeading->setText(m_pane.footerLeading);
     m_footerTrailing->setText(m_pane.footerTrailing);
-    m_nameColumn->setText(m_pane.showsItemLocation ? QStringLiteral("Name / Location")
-                                                   : QStringLiteral("Name"));
     showTools();
     showSearch();
 
     m_items->follow(m_pane.showsItemLocation);
     showSelectAll();
-    // Another folder or another search is read from its beginning; a folder that is only listed again is not.
-    if (before.pathLabel != m_pane.pathLabel || searchValue(before) != searchValue(m_pane)) {
+    showOrder();
+    // Another folder, search or order is read from its beginning; a folder that is only listed again is not.
+    const auto orderValue = [](const FilePane &of) { return of.order ? of.order->value : FileOrder(); };
+    if (before.pathLabel != m_pane.pathLabel || searchValue(before) != searchValue(m_pane) ||
+        orderValue(before) != orderValue(m_pane)) {
         m_list->startAtTop();
         m_grid->startAtTop();
     }
@@ -315,6 +331,25 @@ void FilePaneView::showSelectAll() {
         box->setSelection(state);
     }
     m_gridSelectAllTitle->setText(SelectAllBox::title(state));
+}
+
+void FilePaneView::showOrder() {
+    const auto title = [this](const ColumnButton *column) {
+        switch (column->column()) {
+        case FileSortKey::size:
+            return QStringLiteral("Size");
+        case FileSortKey::modified:
+            return QStringLiteral("Modified");
+        case FileSortKey::name:
+            break;
+        }
+        const bool isOverLocations = m_pane.showsItemLocation && m_columnHeaders->isAncestorOf(column);
+        return isOverLocations ? QStringLiteral("Name / Location") : QStringLiteral("Name");
+    };
+    for (ColumnButton *column : m_columns) {
+        enableWithHeir(column, m_pane.order.has_value(), [this] { entries()->takeFocus(); });
+        column->show(title(column), m_pane.order ? m_pane.order->value : FileOrder());
+    }
 }
 
 // -- What the user does

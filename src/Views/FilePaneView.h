@@ -8,6 +8,7 @@ class QLineEdit;
 
 namespace vantrel {
 
+class ColumnButton;
 class FileItemsModel;
 class FileItemsView;
 class IconButton;
@@ -41,6 +42,7 @@ protected:
 private:
     [[nodiscard]] QWidget *makeHeader();
     [[nodiscard]] QWidget *makeSearchBar();
+    [[nodiscard]] ColumnButton *makeColumn(const QString &name, FileSortKey key);
     [[nodiscard]] QWidget *makeColumnHeaders();
     [[nodiscard]] QWidget *makeGridSelectAllBar();
     [[nodiscard]] QWidget *makeFooter();
@@ -48,6 +50,7 @@ private:
     void showTools();
     void showSearch();
     void showSelectAll();
+    void showOrder();
     void showEntries();
     void announceEntries();
     [[nodiscard]] bool isGrid() const;
@@ -78,8 +81,8 @@ private:
     IconButton *m_clearSearch;
 
     QWidget *m_columnHeaders;
-    TextLabel *m_nameColumn;
     SelectAllBox *m_columnSelectAll;
+    QList<ColumnButton *> m_columns; ///< over the list and over the grid
     QWidget *m_gridBar;
     SelectAllBox *m_gridSelectAll;
     TextLabel *m_gridSelectAllTitle;

@@ -33,6 +33,12 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
     m_chrome->setMinimumSize(minimum);
     m_chrome->restore(settings.windowGeometry(), standard);
     setCentralWidget(new ContentGround(this));
+    for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac}) {
+        PaneState *pane = &m_state->pane(side);
+        pane->setOrder(settings.fileOrder(side));
+        connect(pane, &PaneState::orderChanged, this,
+                [&settings, side, pane] { settings.setFileOrder(side, pane->order()); });
+    }
 }
 
 MainWindow::~MainWindow() {
