@@ -42,6 +42,8 @@ public:
     // -- What the user does
     void toggleSelection(const FileItem &item);
     void selectItem(const FileItem &item);
+    /// Adds these to the selection, or takes them out of it.
+    void setSelected(const QList<FileItem> &items, bool isSelected);
     /// Adds every visible entry to the selection.
     void selectAllVisible();
     /// The select-all box: takes every visible entry out when all are selected, else adds them.

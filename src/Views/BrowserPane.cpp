@@ -2,6 +2,7 @@
 
 #include "Kit/Spinner.h"
 #include "State/AppState.h"
+#include "State/FolderCompletion.h"
 #include "Views/FilePaneView.h"
 
 #include <QGridLayout>
@@ -39,6 +40,10 @@ void BrowserPane::render() {
         focusSide();
         m_state.selectItem(item);
     };
+    pane.onSelectRange = [this](const QList<FileItem> &items, bool isSelected) {
+        focusSide();
+        m_state.setSelected(items, isSelected);
+    };
     pane.onToggleSelectAll = [this] {
         focusSide();
         m_state.toggleSelectAllVisible();
@@ -49,6 +54,9 @@ void BrowserPane::render() {
                       focusSide();
                       m_state.setOrder(order);
                   }};
+    pane.path.foldersIn = [this](const QString &folder, const auto &show) {
+        QCoro::connect(folderPathsIn(*m_app, m_state.side(), folder), this, show);
+    };
     fill(pane);
     const QString busy = activity();
     if (!busy.isEmpty())

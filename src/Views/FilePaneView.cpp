@@ -14,6 +14,7 @@
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
 #include "Views/FileRow.h"
+#include "Views/PathBar.h"
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 
@@ -86,6 +87,9 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     for (FileItemsView *view : {m_list, m_grid}) {
         connect(view, &FileItemsView::toggled, this, toggle);
         connect(view, &FileItemsView::selected, this, &FilePaneView::select);
+        connect(view, &FileItemsView::ranged, this, [this](const QList<FileItem> &items, bool isSelected) {
+            call(m_pane.onSelectRange, items, isSelected);
+        });
         connect(view, &FileItemsView::opened, this, &FilePaneView::open);
         connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
     }
@@ -97,7 +101,8 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
 
 QWidget *FilePaneView::makeHeader() {
     m_title = named(QStringLiteral("title"), new TextLabel({13, Weight::semibold}, AppTheme::ink()));
-    m_path = named(QStringLiteral("path"), new TextLabel({11, Weight::medium}, AppTheme::inkTertiary()));
+    m_path = new PathBar;
+    connect(m_path, &PathBar::edited, this, &FilePaneView::takeFocus);
     const auto makeTool = [this](const char *name, const char *symbol, const char *help, auto action) {
         auto *tool = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
         tool->setLook({.symbol = {QLatin1String(symbol), 11, Weight::semibold}});
@@ -234,7 +239,7 @@ void FilePaneView::setPane(const FilePane &pane) {
         m_title->setText(m_pane.title);
         describe(this, QAccessible::Pane, m_pane.title);
     }
-    m_path->setText(m_pane.pathLabel);
+    m_path->show(m_pane.pathLabel, m_pane.path);
     m_footerLeading->setText(m_pane.footerLeading);
     m_footerTrailing->setText(m_pane.footerTrailing);
     showTools();
@@ -360,6 +365,14 @@ void FilePaneView::select(const FileItem &item) {
 
 void FilePaneView::open(const FileItem &item) const {
     call(m_pane.onOpen, item);
+}
+
+void FilePaneView::takeFocus() {
+    entries()->takeFocus();
+}
+
+void FilePaneView::editPath() {
+    m_path->edit();
 }
 
 void FilePaneView::clearSearch() {

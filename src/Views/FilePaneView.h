@@ -13,6 +13,7 @@ class FileItemsModel;
 class FileItemsView;
 class IconButton;
 class PaneState;
+class PathBar;
 class ScopePicker;
 class SelectAllBox;
 class TextLabel;
@@ -30,6 +31,11 @@ public:
     /// Shows this, and the entries as they are now. Only what differs is touched.
     void setPane(const FilePane &pane);
     [[nodiscard]] const FilePane &pane() const { return m_pane; }
+
+    /// Gives the keyboard to the entries, with its ring.
+    void takeFocus();
+    /// Lets the path be typed.
+    void editPath();
 
     /// The same for every pane, whatever it shows: two of them share a width equally.
     [[nodiscard]] QSize sizeHint() const override { return {480, 480}; }
@@ -69,7 +75,7 @@ private:
 
     QWidget *m_header;
     TextLabel *m_title;
-    TextLabel *m_path;
+    PathBar *m_path;
     QList<std::pair<IconButton *, std::function<void()> FilePane::*>> m_actions; ///< and what they call
     QList<IconButton *> m_folderTools;
     IconButton *m_listTool;
