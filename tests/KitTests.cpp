@@ -59,7 +59,7 @@ TEST(ThemeTests, coloursFollowTheScheme) {
 TEST(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
     const QStringList names =
         u"internaldrive arrow.down.circle camera film photo music.note doc message waveform iphone "
-        "arrow.clockwise trash folder.fill doc.fill xmark chevron.left chevron.right chevron.down "
+        "arrow.clockwise trash folder.fill doc.fill xmark chevron.left chevron.right chevron.down chevron.up "
         "house folder folder.badge.plus list.bullet square.grid.2x2 magnifyingglass "
         "xmark.circle.fill square minus.square.fill checkmark.square.fill circle "
         "checkmark.circle.fill doc.zipper doc.text sun.max moon info.circle "

@@ -7,6 +7,7 @@
 #include "MacFiles/ThisComputer.h"
 #include "Records/Identity.h"
 #include "Views/AndroidBrowserPane.h"
+#include "Views/ColumnButton.h"
 #include "Views/DualBrowserView.h"
 #include "Views/FileGridCell.h"
 #include "Views/FileGridView.h"
@@ -253,6 +254,46 @@ TEST_F(FilePaneTests, aClickBesideTheControlsFocusesThePane) {
     }
 }
 
+TEST_F(FilePaneTests, thePathLeadsElsewhere) {
+    pane.pathLabel = u"/home/me"_s;
+    pane.path = {u"/home/me"_s,
+                 {{0, 1, u"/"_s}, {1, 5, u"/home"_s}, {6, 8, u"/home/me"_s}},
+                 [this](const QString &path) { calls.append(u"go "_s + path); },
+                 [this](const QString &folder, const auto &show) {
+                     calls.append(u"ask "_s + folder);
+                     show({folder + u"mine"_s, folder + u"music"_s});
+                 }};
+    show();
+    auto *label = control<TextLabel>(view, u"path"_s);
+    click(label, QPoint(label->width() - 2, 5));
+    click(label, QPoint(int(TextStyle{11, Weight::medium}.width(u"/ho"_s)), 5));
+    EXPECT_THAT(taken(), ElementsAre(u"focus"_s, u"go /home"_s));
+
+    auto *field = control<QLineEdit>(view, u"pathField"_s);
+    view.editPath();
+    EXPECT_TRUE(field->hasFocus());
+    EXPECT_EQ(field->selectedText(), u"/home/me");
+    QTest::keyClicks(field, u"/home/m"_s);
+    EXPECT_THAT(taken(), ElementsAre(u"ask /"_s, u"ask /home/"_s)) << "not once a letter";
+    QWidget *offers = QApplication::activePopupWidget();
+    ASSERT_NE(offers, nullptr);
+    QTest::keyClick(offers, Qt::Key_Down);
+    QTest::keyClick(offers, Qt::Key_Return);
+    EXPECT_EQ(field->text(), u"/home/mine");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_THAT(taken(), ElementsAre(u"go /home/mine"_s));
+    EXPECT_TRUE(entries()->hasFocus() && label->isVisible() && !field->isVisible());
+
+    view.editPath();
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_TRUE(entries()->hasFocus() && label->isVisible());
+    view.editPath();
+    control<QLineEdit>(view, u"searchField"_s)->setFocus();
+    EXPECT_TRUE(label->isVisible());
+    EXPECT_TRUE(control<QLineEdit>(view, u"searchField"_s)->hasFocus()) << "the keyboard was taken back";
+    EXPECT_THAT(taken(), ElementsAre());
+}
+
 TEST_F(FilePaneTests, toolsCallTheirCallbacks) {
     const std::tuple<QString, QString, QString> tools[] = {
         {u"back"_s, u"Go back"_s, u"back"_s},
@@ -429,6 +470,33 @@ TEST_F(FilePaneTests, contextMenusFollowTheFlags) {
     EXPECT_THAT(desktop.opened, ElementsAre(u"/home/me/file"_s));
     EXPECT_THAT(desktop.revealed, ElementsAre(u"/home/me/file"_s));
     EXPECT_THAT(desktop.copied, ElementsAre(u"/home/me/folder"_s));
+}
+
+TEST_P(PaneLayoutTests, aColumnSortsAndThenReverses) {
+    const auto click = [this](const QString &inList, const QString &inGrid) {
+        ::vantrel::click(control<ColumnButton>(view, isList ? inList : inGrid));
+    };
+    pane.order = {FileOrder(), [this](const FileOrder &order) {
+                      calls.append(rawValue(order));
+                      pane.order->value = order;
+                      state.setOrder(order);
+                      show();
+                  }};
+    show();
+    entries()->verticalScrollBar()->setValue(20);
+    click(u"modifiedColumn"_s, u"gridModified"_s);
+    click(u"modifiedColumn"_s, u"gridModified"_s);
+    click(u"sizeColumn"_s, u"gridSize"_s);
+    click(u"nameColumn"_s, u"gridName"_s);
+    click(u"nameColumn"_s, u"gridName"_s);
+    EXPECT_THAT(taken(), ElementsAre(u"modified descending"_s, u"modified ascending"_s, u"size descending"_s,
+                                     u"name ascending"_s, u"name descending"_s));
+    EXPECT_EQ(entries()->verticalScrollBar()->value(), 0) << "another order is read from its beginning";
+    EXPECT_EQ(entries()->model()->index(0, 0).data(), item(5).name);
+    QAccessibleInterface *name =
+        accessible(control<ColumnButton>(view, isList ? u"nameColumn"_s : u"gridName"_s));
+    EXPECT_EQ(name->text(QAccessible::Name), u"Name");
+    EXPECT_EQ(name->text(QAccessible::Description), u"From Z to A");
 }
 
 TEST_F(FilePaneTests, headersStandAboveTheirColumns) {
@@ -615,17 +683,14 @@ TEST_P(PaneLayoutTests, theKeyboardMovesARingAndSpaceToggles) {
             QTest::keyClick(list, key);
         return list->focusedIndex().row();
     };
-    // After a click the arrow keys scroll, and Space is nobody's.
+    // After a click they go on from there.
     click(list->viewport(), bodyOf(list, 0));
-    calls.clear();
     ASSERT_TRUE(list->hasFocus());
-    press(Qt::Key_Down);
-    EXPECT_GT(list->verticalScrollBar()->value(), 0);
-    EXPECT_EQ(press(Qt::Key_Space), -1);
-    EXPECT_EQ(press(Qt::Key_Return), -1);
-    EXPECT_THAT(calls, ElementsAre());
+    EXPECT_EQ(list->focusedIndex().row(), -1) << "the mouse has no ring";
+    EXPECT_EQ(press(Qt::Key_Down), line);
+    EXPECT_THAT(taken(), ElementsAre(u"select file 0.txt"_s));
 
-    list->scrollToTop();
+    press(Qt::Key_Home);
     list->clearFocus();
     list->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(list->focusedIndex().row(), 0);
@@ -634,7 +699,7 @@ TEST_P(PaneLayoutTests, theKeyboardMovesARingAndSpaceToggles) {
     EXPECT_EQ(press(Qt::Key_Space), line);
     EXPECT_EQ(press(Qt::Key_Return), line);
     EXPECT_EQ(press(Qt::Key_Delete), line);
-    EXPECT_THAT(calls, ElementsAre(u"toggle file %1.txt"_s.arg(line)));
+    EXPECT_THAT(taken(), ElementsAre(u"toggle file %1.txt"_s.arg(line), u"open file %1.txt"_s.arg(line)));
     EXPECT_EQ(press(Qt::Key_End), 99);
     EXPECT_TRUE(list->viewport()->rect().contains(rectOf(list, 99)));
     EXPECT_LT(press(Qt::Key_PageUp), 99 - line);
@@ -642,8 +707,52 @@ TEST_P(PaneLayoutTests, theKeyboardMovesARingAndSpaceToggles) {
     EXPECT_EQ(press(Qt::Key_Right), isList ? 0 : 1);
     EXPECT_EQ(press(Qt::Key_Right, line), isList ? 0 : line + 1) << "over the edge";
     EXPECT_EQ(press(Qt::Key_Left, 2), isList ? 0 : line - 1);
+    QTest::keyClicks(list, u"FILE 4"_s);
+    EXPECT_EQ(list->focusedIndex().row(), 4) << "letters lead to a name";
+    EXPECT_THAT(taken(), ElementsAre()) << "a blank in a name toggles nothing";
     list->clearFocus();
     EXPECT_EQ(list->focusedIndex().row(), -1);
+}
+
+TEST_P(PaneLayoutTests, rangesGrowAndShrinkAndAClickWithControlToggles) {
+    state.setItems(someFiles(30));
+    pane.onSelectRange = [this](const QList<FileItem> &items, bool isSelected) {
+        state.setSelected(items, isSelected);
+        show();
+    };
+    pane.onToggle = [this](const FileItem &item) { state.toggleSelection(item); };
+    pane.onSelect = [this](const FileItem &item) { state.selectItem(item); };
+    show();
+    const auto selected = [this] {
+        QList<int> rows;
+        for (int row = 0; row < state.items().size(); ++row) {
+            if (state.selectedIDs().contains(item(row).id))
+                rows.append(row);
+        }
+        return rows;
+    };
+    const auto clickRow = [this](int row, Qt::KeyboardModifiers modifiers) {
+        QTest::mouseClick(entries()->viewport(), Qt::LeftButton, modifiers, bodyOf(entries(), row));
+    };
+    clickRow(1, {});
+    clickRow(3, Qt::ShiftModifier);
+    EXPECT_THAT(selected(), ElementsAre(1, 2, 3));
+    clickRow(0, Qt::ShiftModifier);
+    EXPECT_THAT(selected(), ElementsAre(0, 1)) << "the other side of where the range began";
+    clickRow(4, Qt::ControlModifier);
+    clickRow(0, Qt::ControlModifier);
+    EXPECT_THAT(selected(), ElementsAre(1, 4));
+    const Qt::Key on = isList ? Qt::Key_Down : Qt::Key_Right;
+    const Qt::Key back = isList ? Qt::Key_Up : Qt::Key_Left;
+    clickRow(1, {});
+    for (const Qt::Key key : {on, on, back})
+        QTest::keyClick(entries(), key, Qt::ShiftModifier);
+    EXPECT_THAT(selected(), ElementsAre(1, 2, 4));
+    QTest::keyClick(entries(), Qt::Key_End, Qt::ShiftModifier);
+    EXPECT_EQ(selected().size(), 29);
+    show(someFiles(2)); // the range began in what is gone
+    QTest::keyClick(entries(), back, Qt::ShiftModifier);
+    EXPECT_LE(selected().size(), 2);
 }
 
 TEST_F(FilePaneTests, theFocusFollowsIntoTheOtherLayout) {
@@ -1024,7 +1133,7 @@ TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     QTest::keyClicks(field, u"img"_s);
     EXPECT_TRUE(footerSays(android(), u"Searching device…"_s));
     EXPECT_EQ(text(android(), u"path"_s), u"Search results");
-    EXPECT_EQ(text(android(), u"nameColumn"_s), u"Name / Location");
+    EXPECT_EQ(control<ColumnButton>(android(), u"nameColumn"_s)->text(), u"Name / Location");
     EXPECT_TRUE(android().findChild<Spinner *>()->isVisible());
     EXPECT_TRUE(footerSays(android(), u"2 results for “img”"_s));
     EXPECT_EQ(FileEntry{itemsOf(android()).first()}.locationLabel(), u"Internal Storage › DCIM › Camera");

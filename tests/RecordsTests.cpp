@@ -123,6 +123,34 @@ TEST(FileOrderTests, foldersFirstThenNamesWithoutCaseAndStable) {
     EXPECT_EQ(sorted.join(u' '), u"Alpha/4 Gamma/1 ähre2 beta.txt6 same3 SAME5 same7 zeta.txt0");
 }
 
+TEST(FileOrderTests, columnsSortWithinFoldersAndFilesAndKeepNamesApart) {
+    QList<FileItem> items;
+    const auto add = [&](const QString &name, std::optional<qint64> size, int day) {
+        items.append({newIdentity(), name, {}, name.endsWith(u'/'), size, {}, {}});
+        if (day > 0)
+            items.last().modifiedAt = QDateTime(QDate(2024, 5, day), QTime(12, 0));
+    };
+    add(u"A/"_s, {}, 3), add(u"B/"_s, {}, 9), add(u"c"_s, 10, 2), add(u"d"_s, {}, 0), add(u"e"_s, 10, 7);
+    const std::pair<FileOrder, QString> table[]{
+        {{FileSortKey::name, Qt::AscendingOrder}, u"A/ B/ c d e"_s},
+        {{FileSortKey::name, Qt::DescendingOrder}, u"B/ A/ e d c"_s},
+        {{FileSortKey::size, Qt::AscendingOrder}, u"A/ B/ d c e"_s},
+        {{FileSortKey::size, Qt::DescendingOrder}, u"A/ B/ c e d"_s},
+        {{FileSortKey::modified, Qt::AscendingOrder}, u"A/ B/ d c e"_s},
+        {{FileSortKey::modified, Qt::DescendingOrder}, u"B/ A/ e c d"_s},
+    };
+    for (const auto &[order, expected] : table) {
+        QStringList names;
+        for (const FileItem &item : inOrder(items, order))
+            names.append(item.name);
+        EXPECT_EQ(names.join(u' '), expected) << qPrintable(rawValue(order));
+        EXPECT_EQ(fileOrderFromRawValue(rawValue(order)), order);
+    }
+    for (const QString &nonsense :
+         {u""_s, u"name"_s, u"name up"_s, u"name  ascending"_s, u"Name ascending"_s})
+        EXPECT_EQ(fileOrderFromRawValue(nonsense), std::nullopt) << qPrintable(nonsense);
+}
+
 TEST(IdentityTests, isARandomUuidOfVersionFour) {
     QSet<QUuid> seen;
     for (int i = 0; i < 1000; ++i) {

@@ -95,6 +95,13 @@ TEST_F(SettingsTests, theWindowsGeometryIsStoredOrCountsAsNotSet) {
     }
 }
 
+TEST_F(SettingsTests, eachPaneHasItsOrder) {
+    const FileOrder newest{FileSortKey::modified, Qt::DescendingOrder};
+    Settings(path).setFileOrder(BrowserSide::mac, newest);
+    EXPECT_EQ(Settings(path).fileOrder(BrowserSide::mac), newest);
+    EXPECT_EQ(Settings(path).fileOrder(BrowserSide::android), FileOrder());
+}
+
 TEST_F(SettingsTests, damagedOnesAreSetAsideAndMayHaveSaidNo) {
     constexpr char binary[] = "\x89PNG\0\xff\xfe[]=%%\n]]";
     const QByteArray random = QByteArray(binary, sizeof binary).repeated(200);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Records/FileItem.h"
+#include "Records/FileOrder.h"
 #include "Records/Pane.h"
 
 #include <QObject>
@@ -36,10 +36,14 @@ public:
     /// Why the pane could not do what was asked of it last, in words for its footer.
     [[nodiscard]] const std::optional<QString> &browseError() const { return m_browseError.value(); }
     [[nodiscard]] PaneViewMode viewMode() const { return m_viewMode; }
+    /// That of visibleItems().
+    [[nodiscard]] FileOrder order() const { return m_order; }
 
     // -- What the user does
     void toggleSelection(const FileItem &item);
     void selectItem(const FileItem &item);
+    /// Adds these to the selection, or takes them out of it.
+    void setSelected(const QList<FileItem> &items, bool isSelected);
     /// Adds every visible entry to the selection.
     void selectAllVisible();
     /// The select-all box: takes every visible entry out when all are selected, else adds them.
@@ -47,6 +51,7 @@ public:
     void clearSelection();
     [[nodiscard]] PaneSelectAllState selectAllState() const;
     void setViewMode(PaneViewMode mode) { m_viewMode = mode; }
+    void setOrder(FileOrder order);
 
     // -- What the model fills in
 
@@ -59,6 +64,7 @@ public:
     /// What stands for the listing that open() has asked for last.
     [[nodiscard]] quint64 token() const { return m_token; }
     void setLoading(bool isLoading) { m_isLoading = isLoading; }
+    /// The folder's entries, in the order of their names.
     void setItems(const QList<FileItem> &items, qsizetype unreadableCount = 0);
     /// The same folder's entries, listed again: what was there before, by its path, keeps its identity, and
     /// with it stays selected.
@@ -80,6 +86,7 @@ Q_SIGNALS:
     void isLoadingChanged();
     void browseErrorChanged();
     void viewModeChanged();
+    void orderChanged();
 
 private:
     void updateVisibleItems();
@@ -92,6 +99,7 @@ private:
     QList<FileItem> m_visibleItems;
     QSet<QUuid> m_selectedIDs;
     QString m_filter;
+    FileOrder m_order;
     std::optional<QList<FileItem>> m_hits;
     quint64 m_token = 0;
     Q_OBJECT_BINDABLE_PROPERTY(PaneState, QString, m_path, &PaneState::pathChanged)

@@ -2,6 +2,7 @@
 
 #include "Kit/Spinner.h"
 #include "State/AppState.h"
+#include "State/FolderCompletion.h"
 #include "Views/FilePaneView.h"
 
 #include <QGridLayout>
@@ -18,7 +19,7 @@ BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
 
     m_rendering.watch(&m_state, &PaneState::pathChanged, &PaneState::visibleItemsChanged,
                       &PaneState::selectedIDsChanged, &PaneState::isLoadingChanged,
-                      &PaneState::browseErrorChanged, &PaneState::viewModeChanged);
+                      &PaneState::browseErrorChanged, &PaneState::viewModeChanged, &PaneState::orderChanged);
 }
 
 QString BrowserPane::activity() const {
@@ -39,12 +40,23 @@ void BrowserPane::render() {
         focusSide();
         m_state.selectItem(item);
     };
+    pane.onSelectRange = [this](const QList<FileItem> &items, bool isSelected) {
+        focusSide();
+        m_state.setSelected(items, isSelected);
+    };
     pane.onToggleSelectAll = [this] {
         focusSide();
         m_state.toggleSelectAllVisible();
     };
     pane.onFocus = [this] { focusSide(); };
     pane.viewMode = {m_state.viewMode(), [this](PaneViewMode mode) { m_state.setViewMode(mode); }};
+    pane.order = {m_state.order(), [this](const FileOrder &order) {
+                      focusSide();
+                      m_state.setOrder(order);
+                  }};
+    pane.path.foldersIn = [this](const QString &folder, const auto &show) {
+        QCoro::connect(folderPathsIn(*m_app, m_state.side(), folder), this, show);
+    };
     fill(pane);
     const QString busy = activity();
     if (!busy.isEmpty())

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Records/FileItem.h"
+#include "Records/FileOrder.h"
 #include "Records/Pane.h"
 
 #include <functional>
@@ -17,15 +17,33 @@ struct Binding {
     std::function<void(const T &)> set;
 };
 
+/// A name in the label of a path, by its first character and the one after its last, and where it leads.
+struct PathSegment {
+    qsizetype start;
+    qsizetype end;
+    QString path;
+};
+
+/// The folder of a pane, for going elsewhere from it.
+struct PanePath {
+    QString folder = {}; ///< in full, as it may be typed
+    QList<PathSegment> segments = {};
+    std::function<void(const QString &path)> onGoTo = {}; ///< absent: the path is text alone
+    /// Asks for the paths of the folders in one, and calls back on the main thread, later or never.
+    std::function<void(const QString &folder, std::function<void(const QStringList &)>)> foldersIn = {};
+};
+
 /// Everything that a FilePaneView shows and calls beside the entries. An absent callback (an empty function)
 /// or binding hides or disables its control.
 struct FilePane {
     QString title;
     QString pathLabel;
+    PanePath path = {};
     QString footerLeading = {};
     QString footerTrailing = {};
     std::function<void(const FileItem &)> onToggle = {}; ///< never absent
     std::function<void(const FileItem &)> onSelect = {}; ///< absent: a click toggles
+    std::function<void(const QList<FileItem> &, bool isSelected)> onSelectRange = {}; ///< absent: no ranges
     std::function<void()> onToggleSelectAll = {};
     std::function<void(const FileItem &)> onOpen = {};
     std::function<void()> onFocus = {}; ///< the pane was clicked beside its controls
@@ -42,6 +60,7 @@ struct FilePane {
     bool showsMacContextMenu = false;                   ///< an entry offers the computer's commands
     bool showsOpenContextMenu = false;                  ///< an entry offers "Open" alone
     std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
+    std::optional<Binding<FileOrder>> order = {};       ///< absent: the columns cannot be clicked
     Desktop *desktop = nullptr; ///< what the computer's context menu acts on; needed where that is shown
 };
 

@@ -8,11 +8,13 @@
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
 #include "State/PaneState.h"
+#include "Views/ColumnButton.h"
 #include "Views/FileContextMenu.h"
 #include "Views/FileDelegate.h"
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
 #include "Views/FileRow.h"
+#include "Views/PathBar.h"
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 
@@ -85,6 +87,9 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     for (FileItemsView *view : {m_list, m_grid}) {
         connect(view, &FileItemsView::toggled, this, toggle);
         connect(view, &FileItemsView::selected, this, &FilePaneView::select);
+        connect(view, &FileItemsView::ranged, this, [this](const QList<FileItem> &items, bool isSelected) {
+            call(m_pane.onSelectRange, items, isSelected);
+        });
         connect(view, &FileItemsView::opened, this, &FilePaneView::open);
         connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
     }
@@ -96,7 +101,8 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
 
 QWidget *FilePaneView::makeHeader() {
     m_title = named(QStringLiteral("title"), new TextLabel({13, Weight::semibold}, AppTheme::ink()));
-    m_path = named(QStringLiteral("path"), new TextLabel({11, Weight::medium}, AppTheme::inkTertiary()));
+    m_path = new PathBar;
+    connect(m_path, &PathBar::edited, this, &FilePaneView::takeFocus);
     const auto makeTool = [this](const char *name, const char *symbol, const char *help, auto action) {
         auto *tool = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
         tool->setLook({.symbol = {QLatin1String(symbol), 11, Weight::semibold}});
@@ -159,25 +165,33 @@ QWidget *FilePaneView::makeSearchBar() {
     return stackOf(bar, new Divider);
 }
 
+ColumnButton *FilePaneView::makeColumn(const QString &name, FileSortKey key) {
+    auto *column = named(name, new ColumnButton(key));
+    connect(column, &ColumnButton::clicked, this, [this, key] {
+        if (m_pane.order)
+            call(m_pane.order->set, orderAfterClick(m_pane.order->value, key));
+    });
+    m_columns.append(column);
+    return column;
+}
+
 QWidget *FilePaneView::makeColumnHeaders() {
-    const auto column = [](const QString &name, double width, const QString &title) {
-        auto *label = named(name, new TextLabel(columnStyle, AppTheme::inkTertiary()));
-        label->setText(title);
-        label->setFixedWidth(int(width));
-        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        return label;
+    const auto number = [this](const QString &name, FileSortKey key, double width) {
+        ColumnButton *column = makeColumn(name, key);
+        column->setFixedWidth(int(width));
+        column->setAlignment(Qt::AlignRight);
+        return column;
     };
     m_columnSelectAll = named(QStringLiteral("columnSelectAll"), new SelectAllBox);
-    m_nameColumn = named(QStringLiteral("nameColumn"), new TextLabel(columnStyle, AppTheme::inkTertiary()));
     connect(m_columnSelectAll, &SelectAllBox::clicked, this, &FilePaneView::toggleSelectAll);
     using Row = FileRowGeometry;
     return stackOf(
         barOf(6, 0,
               {m_columnSelectAll,
                BoxItem::gap(int(Row::checkboxWidth) - m_columnSelectAll->width()),
-               {m_nameColumn, 1},
-               column(QStringLiteral("sizeColumn"), Row::sizeWidth, QStringLiteral("Size")),
-               column(QStringLiteral("modifiedColumn"), Row::modifiedWidth, QStringLiteral("Modified"))}),
+               {makeColumn(QStringLiteral("nameColumn"), FileSortKey::name), 1},
+               number(QStringLiteral("sizeColumn"), FileSortKey::size, Row::sizeWidth),
+               number(QStringLiteral("modifiedColumn"), FileSortKey::modified, Row::modifiedWidth)}),
         new Divider);
 }
 
@@ -186,7 +200,13 @@ QWidget *FilePaneView::makeGridSelectAllBar() {
     m_gridSelectAllTitle =
         named(QStringLiteral("gridSelectAllTitle"), new TextLabel(columnStyle, AppTheme::inkTertiary()));
     connect(m_gridSelectAll, &SelectAllBox::clicked, this, &FilePaneView::toggleSelectAll);
-    return stackOf(barOf(6, 8, {m_gridSelectAll, {m_gridSelectAllTitle, 1}}), new Divider);
+    return stackOf(barOf(6, 8,
+                         {m_gridSelectAll,
+                          {m_gridSelectAllTitle, 1},
+                          makeColumn(QStringLiteral("gridName"), FileSortKey::name),
+                          makeColumn(QStringLiteral("gridSize"), FileSortKey::size),
+                          makeColumn(QStringLiteral("gridModified"), FileSortKey::modified)}),
+                   new Divider);
 }
 
 QWidget *FilePaneView::makeFooter() {
@@ -219,18 +239,19 @@ void FilePaneView::setPane(const FilePane &pane) {
         m_title->setText(m_pane.title);
         describe(this, QAccessible::Pane, m_pane.title);
     }
-    m_path->setText(m_pane.pathLabel);
+    m_path->show(m_pane.pathLabel, m_pane.path);
     m_footerLeading->setText(m_pane.footerLeading);
     m_footerTrailing->setText(m_pane.footerTrailing);
-    m_nameColumn->setText(m_pane.showsItemLocation ? QStringLiteral("Name / Location")
-                                                   : QStringLiteral("Name"));
     showTools();
     showSearch();
 
     m_items->follow(m_pane.showsItemLocation);
     showSelectAll();
-    // Another folder or another search is read from its beginning; a folder that is only listed again is not.
-    if (before.pathLabel != m_pane.pathLabel || searchValue(before) != searchValue(m_pane)) {
+    showOrder();
+    // Another folder, search or order is read from its beginning; a folder that is only listed again is not.
+    const auto orderValue = [](const FilePane &of) { return of.order ? of.order->value : FileOrder(); };
+    if (before.pathLabel != m_pane.pathLabel || searchValue(before) != searchValue(m_pane) ||
+        orderValue(before) != orderValue(m_pane)) {
         m_list->startAtTop();
         m_grid->startAtTop();
     }
@@ -317,6 +338,25 @@ void FilePaneView::showSelectAll() {
     m_gridSelectAllTitle->setText(SelectAllBox::title(state));
 }
 
+void FilePaneView::showOrder() {
+    const auto title = [this](const ColumnButton *column) {
+        switch (column->column()) {
+        case FileSortKey::size:
+            return QStringLiteral("Size");
+        case FileSortKey::modified:
+            return QStringLiteral("Modified");
+        case FileSortKey::name:
+            break;
+        }
+        const bool isOverLocations = m_pane.showsItemLocation && m_columnHeaders->isAncestorOf(column);
+        return isOverLocations ? QStringLiteral("Name / Location") : QStringLiteral("Name");
+    };
+    for (ColumnButton *column : m_columns) {
+        enableWithHeir(column, m_pane.order.has_value(), [this] { entries()->takeFocus(); });
+        column->show(title(column), m_pane.order ? m_pane.order->value : FileOrder());
+    }
+}
+
 // -- What the user does
 
 void FilePaneView::select(const FileItem &item) {
@@ -325,6 +365,14 @@ void FilePaneView::select(const FileItem &item) {
 
 void FilePaneView::open(const FileItem &item) const {
     call(m_pane.onOpen, item);
+}
+
+void FilePaneView::takeFocus() {
+    entries()->takeFocus();
+}
+
+void FilePaneView::editPath() {
+    m_path->edit();
 }
 
 void FilePaneView::clearSearch() {

@@ -8,10 +8,12 @@ class QLineEdit;
 
 namespace vantrel {
 
+class ColumnButton;
 class FileItemsModel;
 class FileItemsView;
 class IconButton;
 class PaneState;
+class PathBar;
 class ScopePicker;
 class SelectAllBox;
 class TextLabel;
@@ -30,6 +32,11 @@ public:
     void setPane(const FilePane &pane);
     [[nodiscard]] const FilePane &pane() const { return m_pane; }
 
+    /// Gives the keyboard to the entries, with its ring.
+    void takeFocus();
+    /// Lets the path be typed.
+    void editPath();
+
     /// The same for every pane, whatever it shows: two of them share a width equally.
     [[nodiscard]] QSize sizeHint() const override { return {480, 480}; }
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -41,6 +48,7 @@ protected:
 private:
     [[nodiscard]] QWidget *makeHeader();
     [[nodiscard]] QWidget *makeSearchBar();
+    [[nodiscard]] ColumnButton *makeColumn(const QString &name, FileSortKey key);
     [[nodiscard]] QWidget *makeColumnHeaders();
     [[nodiscard]] QWidget *makeGridSelectAllBar();
     [[nodiscard]] QWidget *makeFooter();
@@ -48,6 +56,7 @@ private:
     void showTools();
     void showSearch();
     void showSelectAll();
+    void showOrder();
     void showEntries();
     void announceEntries();
     [[nodiscard]] bool isGrid() const;
@@ -66,7 +75,7 @@ private:
 
     QWidget *m_header;
     TextLabel *m_title;
-    TextLabel *m_path;
+    PathBar *m_path;
     QList<std::pair<IconButton *, std::function<void()> FilePane::*>> m_actions; ///< and what they call
     QList<IconButton *> m_folderTools;
     IconButton *m_listTool;
@@ -78,8 +87,8 @@ private:
     IconButton *m_clearSearch;
 
     QWidget *m_columnHeaders;
-    TextLabel *m_nameColumn;
     SelectAllBox *m_columnSelectAll;
+    QList<ColumnButton *> m_columns; ///< over the list and over the grid
     QWidget *m_gridBar;
     SelectAllBox *m_gridSelectAll;
     TextLabel *m_gridSelectAllTitle;

@@ -34,6 +34,10 @@ std::optional<std::pair<int, int>> numbersIn(const QString &text, QChar separato
     return std::pair(first, second);
 }
 
+QString orderKey(BrowserSide side) {
+    return side == BrowserSide::mac ? QStringLiteral("macFileOrder") : QStringLiteral("androidFileOrder");
+}
+
 QString pair(int first, QChar separator, int second) {
     return QString::number(first) + separator + QString::number(second);
 }
@@ -144,6 +148,14 @@ std::optional<int> Settings::queueHeight() const {
 
 void Settings::setQueueHeight(std::optional<int> height) {
     setValue(queueHeightKey, height ? QString::number(*height) : QString());
+}
+
+FileOrder Settings::fileOrder(BrowserSide side) const {
+    return fileOrderFromRawValue(value(orderKey(side))).value_or(FileOrder());
+}
+
+void Settings::setFileOrder(BrowserSide side, FileOrder order) {
+    setValue(orderKey(side), rawValue(order));
 }
 
 bool Settings::analyticsDisabled() const {

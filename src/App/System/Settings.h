@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Records/FileOrder.h"
+#include "Records/Pane.h"
 #include "Theme/AppTheme.h"
 
 #ifndef Q_OS_MACOS
@@ -69,6 +71,10 @@ public:
     /// The most height that the user has given the transfer queue, in layout pixels; nothing until then.
     [[nodiscard]] std::optional<int> queueHeight() const;
     void setQueueHeight(std::optional<int> height);
+
+    /// In what order a pane shows its entries.
+    [[nodiscard]] FileOrder fileOrder(BrowserSide side) const;
+    void setFileOrder(BrowserSide side, FileOrder order);
 
     /// Writes what has changed at once. False when it could not be stored.
     bool save();

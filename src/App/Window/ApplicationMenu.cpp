@@ -40,6 +40,10 @@ ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater, Settings
     m_about->setMenuRole(QAction::AboutRole);
     connect(m_about, &QAction::triggered, this, &ApplicationMenu::aboutRequested);
 
+    // The shortcut is the window's, which says after the tab what it is.
+    QAction *keyboard = m_menu->addAction(QStringLiteral("Keyboard\tF1"));
+    connect(keyboard, &QAction::triggered, this, &ApplicationMenu::keyboardRequested);
+
     addUpdates(updater);
     if (canSendSignals)
         addAnalytics(settings);
@@ -113,7 +117,14 @@ void ApplicationMenu::show(const UpdateResult &result, const Updater &updater) {
     m_outcome->open();
 }
 
-QWidget *ApplicationMenu::createButton(QWidget *parent) const {
+void ApplicationMenu::popup() {
+    if (!m_button)
+        return;
+    const QSize size = m_menu->sizeHint();
+    m_menu->popup(m_button->mapToGlobal(QPoint(m_button->width() - size.width(), m_button->height() + 2)));
+}
+
+QWidget *ApplicationMenu::createButton(QWidget *parent) {
 #ifdef Q_OS_MACOS
     Q_UNUSED(parent)
     return nullptr;
@@ -123,10 +134,8 @@ QWidget *ApplicationMenu::createButton(QWidget *parent) const {
         {.symbol = {QStringLiteral("line.3.horizontal"), 14, Weight::medium}, .glyph = AppTheme::ink()});
     button->setHelp(QStringLiteral("Menu"));
     button->setObjectName(QStringLiteral("applicationMenu"));
-    connect(button, &QAbstractButton::clicked, m_menu, [menu = m_menu, button] {
-        const QSize size = menu->sizeHint();
-        menu->popup(button->mapToGlobal(QPoint(button->width() - size.width(), button->height() + 2)));
-    });
+    connect(button, &QAbstractButton::clicked, this, &ApplicationMenu::popup);
+    m_button = button;
     return button;
 #endif
 }

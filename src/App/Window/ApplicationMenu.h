@@ -30,7 +30,9 @@ public:
                     bool canSendSignals = hasAnalyticsService());
 
     /// A new button that opens the menu; null on the Mac.
-    [[nodiscard]] QWidget *createButton(QWidget *parent) const;
+    [[nodiscard]] QWidget *createButton(QWidget *parent);
+    /// Opens the menu below its button.
+    void popup();
 
     [[nodiscard]] QAction *aboutAction() const { return m_about; }
     [[nodiscard]] QAction *updateAction() const { return m_update; }
@@ -43,6 +45,8 @@ public:
 Q_SIGNALS:
     /// "About Vantrel" was chosen.
     void aboutRequested();
+    /// "Keyboard" was chosen.
+    void keyboardRequested();
 
 private:
     void addUpdates(Updater *updater);
@@ -53,6 +57,7 @@ private:
 
     QMainWindow *m_window;
     QMenu *m_menu;
+    QPointer<QWidget> m_button;
     QAction *m_about;
     QAction *m_update;
     QAction *m_analytics = nullptr;

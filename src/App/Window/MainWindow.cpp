@@ -1,6 +1,7 @@
 #include "App/Window/MainWindow.h"
 
 #include "App/Sheets/AboutView.h"
+#include "App/Sheets/KeyboardView.h"
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
 #include "App/System/Settings.h"
@@ -12,6 +13,7 @@
 #include "App/Window/TitleBar.h"
 #include "App/Window/ToolbarButton.h"
 #include "App/Window/WindowChrome.h"
+#include "App/Window/WindowCommands.h"
 #include "State/AppState.h"
 #include "Transfers/QueueFile.h"
 
@@ -33,6 +35,12 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
     m_chrome->setMinimumSize(minimum);
     m_chrome->restore(settings.windowGeometry(), standard);
     setCentralWidget(new ContentGround(this));
+    for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac}) {
+        PaneState *pane = &m_state->pane(side);
+        pane->setOrder(settings.fileOrder(side));
+        connect(pane, &PaneState::orderChanged, this,
+                [&settings, side, pane] { settings.setFileOrder(side, pane->order()); });
+    }
 }
 
 MainWindow::~MainWindow() {
@@ -73,6 +81,10 @@ void MainWindow::addToolbarButtons() {
     connect(menu, &ApplicationMenu::aboutRequested, this, &MainWindow::showAbout);
     if (QWidget *button = menu->createButton(bar))
         bar->addToolbarWidget(button);
+    auto *commands = new WindowCommands(this, m_state.get());
+    connect(menu, &ApplicationMenu::keyboardRequested, this, &MainWindow::showKeyboard);
+    connect(commands, &WindowCommands::keyboardRequested, this, &MainWindow::showKeyboard);
+    connect(commands, &WindowCommands::menuRequested, menu, &ApplicationMenu::popup);
 }
 
 void MainWindow::renderAppearanceButton() {
@@ -100,6 +112,14 @@ void MainWindow::showAbout() {
     auto *about = new AboutView(this);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->open();
+}
+
+void MainWindow::showKeyboard() {
+    if (findChild<KeyboardView *>())
+        return;
+    auto *keyboard = new KeyboardView(this);
+    keyboard->setAttribute(Qt::WA_DeleteOnClose);
+    keyboard->open();
 }
 
 bool MainWindow::event(QEvent *event) {

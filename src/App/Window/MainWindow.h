@@ -38,6 +38,8 @@ public:
 
     /// Shows the About window over this one.
     void showAbout();
+    /// Shows what the keys do, likewise.
+    void showKeyboard();
     /// Takes the colour scheme that the desktop prefers, unless the user has ever chosen one here.
     void followDesktop(ColorScheme preferred);
     /// Changes the colour scheme of everything, for this start and the next ones.
