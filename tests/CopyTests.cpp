@@ -85,8 +85,12 @@ TEST_F(CopyTests, theSecondTimeBringsJustWhatIsNew) {
         writeOn(from, name + u"/sub/b.txt"_s, "b");
         writeOn(from, name + u".txt"_s, "single");
         QDir().mkpath(pathOn(from, name + u"/empty/deep"_s));
+        ::chmod(QFile::encodeName(pathOn(from, name + u".txt"_s)).constData(), 0700);
         start();
         copyAllFrom(from);
+        EXPECT_EQ(QFileInfo(pathOn(to, name + u".txt"_s)).permissions(),
+                  QFileInfo(pathOn(from, name + u"/a.txt"_s)).permissions())
+            << "those of a new file";
         EXPECT_EQ(statuses().count(u":Done"_s), state->queue().size()) << statuses().toStdString();
         EXPECT_TRUE(QFileInfo(pathOn(to, name + u"/empty/deep"_s)).isDir()) << "empty folders are created";
         for (const QString &file :
@@ -113,13 +117,19 @@ TEST_F(CopyTests, anotherContentWaitsForTheUserWhileTheRestGoesOn) {
         const BrowserSide to = otherThan(from);
         for (const char *name : {"a.tar.gz", "b", "c"})
             writeOn(from, QString::fromLatin1(name), "new");
+        for (const int seconds : {-3, -2, 2, 3}) { // FAT keeps times in steps of two
+            const QString name = u"%1 s"_s.arg(seconds);
+            writeOn(from, name, "new");
+            writeOn(to, name, "old", oldTime.addSecs(seconds));
+        }
         writeOn(to, u"a.tar.gz"_s, "first");
         writeOn(to, u"b"_s, "first");
         writeOn(to, u"b 2"_s, "second");
         start();
         copyAllFrom(from);
-        EXPECT_EQ(state->transfers().queue().nameTakenCount(), 2) << statuses().toStdString();
+        EXPECT_EQ(state->transfers().queue().nameTakenCount(), 4) << statuses().toStdString();
         EXPECT_TRUE(statuses().contains(u"c:Done"_s)) << "no question stops the run";
+        EXPECT_EQ(statuses().count(u"2 s:Already there"_s), 2);
 
         state->transfers().keepAllBoth();
         waitForQueue();
@@ -149,8 +159,8 @@ TEST(CopyNames, countOnAndFitTheFileSystem) {
 
 TEST_F(CopyTests, stoppingARunningCopyEndsItAtOnceAndLeavesNothing) {
     for (const BrowserSide from : sides) {
-        writeOn(from, u"big"_s, QByteArray(3'000'000, 'x'));
-        phone.set(u"bandwidth"_s, "0.3");
+        writeOn(from, u"big"_s, QByteArray(33'000'000, 'x')); // what a pause would keep
+        phone.set(u"bandwidth"_s, "3");
         start();
         select(from, u"big"_s);
         from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
@@ -158,7 +168,11 @@ TEST_F(CopyTests, stoppingARunningCopyEndsItAtOnceAndLeavesNothing) {
             return !state->queue().isEmpty() && state->queue().first().status.progress() &&
                    state->queue().first().status.progress()->transferredBytes > 0;
         }));
-        EXPECT_FALSE(staged().isEmpty());
+        ASSERT_FALSE(staged().isEmpty());
+        if (from == BrowserSide::android) {
+            EXPECT_EQ(QFileInfo(staged().first()).permissions() & 0xff, QFileDevice::Permissions())
+                << "for the user alone";
+        }
         QElapsedTimer clock;
         clock.start();
         state->removeQueueItem(state->queue().first().id);
@@ -322,13 +336,15 @@ TEST_F(CopyTests, whatCannotBeCopiedIsCountedAndNamed) {
         ASSERT_EQ(::symlink("nowhere", in("broken").constData()), 0);
         ASSERT_EQ(::mkfifo(in("pipe").constData(), 0644), 0);
         ASSERT_EQ(::mkdir(in("\xff").constData(), 0755), 0);
+        // What somebody is copying there at this moment is not even left out.
+        writeOn(from, u"Trip/.vantrel-00000000-0123456789abcdef-00000001.part/x"_s, "part");
         start();
         copyAllFrom(from);
         EXPECT_TRUE(statuses().contains(u"Trip:4 left out"_s)) << statuses().toStdString();
         for (const char *name : {"link: ", "broken: ", "pipe: ", "\xef\xbf\xbd: "})
             EXPECT_TRUE(state->queue().first().problemText().contains(QString::fromUtf8(name))) << name;
         EXPECT_EQ(QDir(pathOn(otherThan(from), u"Trip"_s))
-                      .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+                      .entryList(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot),
                   QStringList{u"plain"_s});
         ASSERT_EQ(::rmdir(in("\xff").constData()), 0);
         QDir(here(u"Trip"_s)).removeRecursively();
@@ -379,6 +395,62 @@ TEST_F(CopyTests, manySmallEntriesShareRunsAndEachHasItsOwnEnd) {
     }
 }
 
+TEST_F(CopyTests, oneOfManyIsTakenOutOfItsRunAndTheOthersArrive) {
+    constexpr int count = 15;
+    for (const BrowserSide from : sides) {
+        phone.set(u"bandwidth"_s, "0.000001"); // each run stands still after its first file
+        for (int i = 0; i < count; ++i)
+            writeOn(from, QString::number(i), QByteArray(60'000, 'x'));
+        start();
+        state->selectAllVisible(from);
+        const int before = runsOf(u"pull"_s) + runsOf(u"push"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        ASSERT_TRUE(waitFor([&] { return runsOf(u"pull"_s) + runsOf(u"push"_s) == before + 3; }));
+        ASSERT_TRUE(waitFor([&] { return staged().size() == 3; }));
+        const QueueItem running = state->queue().last();
+        const QueueItem next = state->queue().at(count - 2);
+        state->removeQueueItem(running.id);
+        state->removeQueueItem(next.id);
+        phone.reset(u"bandwidth"_s);
+        waitForQueue();
+        EXPECT_EQ(statuses().count(u":Done"_s), count - 2) << statuses().toStdString();
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), running.name)));
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), next.name)));
+        EXPECT_EQ(runsOf(u"pull"_s) + runsOf(u"push"_s), before + 3) << "nobody else begins anew";
+        state->clearQueue();
+        for (const QString &root : {here(QString()), phone.root()}) {
+            QDir(root).removeRecursively();
+            QDir().mkpath(root);
+        }
+    }
+}
+
+TEST_F(CopyTests, whatIsUnlikeItsSourceDoesNotGetItsName) {
+    enum class Changed { thePart, theSource };
+    const std::pair<BrowserSide, Changed> cases[] = {{BrowserSide::android, Changed::thePart},
+                                                     {BrowserSide::mac, Changed::thePart},
+                                                     {BrowserSide::mac, Changed::theSource}};
+    for (const auto &[from, changed] : cases) {
+        phone.set(u"bandwidth"_s, "0.000001"); // it stands still after the first block
+        writeOn(from, u"notes"_s, QByteArray(60'000, 'x'));
+        start();
+        select(from, u"notes"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        const auto part = [&]() -> QString { return staged().value(0) + u"/notes"_s; };
+        ASSERT_TRUE(waitFor([&] { return QFileInfo(part()).size() == 60'000; }));
+        if (changed == Changed::theSource)
+            writeOn(from, u"notes"_s, QByteArray(60'000, 'y'), oldTime.addDays(1));
+        else
+            write(part(), QByteArray(70'000, 'y'));
+        phone.reset(u"bandwidth"_s);
+        waitForQueue();
+        EXPECT_EQ(statuses(), u"notes:It was changed while it was copied."_s);
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"notes"_s)));
+        state->clearQueue();
+        QFile::remove(pathOn(from, u"notes"_s));
+    }
+}
+
 TEST_F(CopyTests, aPhoneThatAnswersThePlanWithAnythingGetsNothingAnywhere) {
     phone.write(u"Trip/a"_s, "x");
     const QByteArray root("drwxrwx--x 1 1.0 \0", 18);
@@ -391,13 +463,15 @@ TEST_F(CopyTests, aPhoneThatAnswersThePlanWithAnythingGetsNothingAnywhere) {
                                   root + "end",
                                   root + file + "a" + zero + "and more",
                                   "-rw-rw---- -1 1.0 a" + zero + "end\n",
-                                  "- x y" + zero + "end\n"};
+                                  "- x y" + zero + "end\n",
+                                  root + "-rw-rw---- 9223372036854775807 1.0 a" + zero +
+                                      "-rw-rw---- 9223372036854775807 1.0 b" + zero + "end\n"};
     start();
     for (const QByteArray &answer : answers) {
         phone.set(u"tree.stdout"_s, answer);
         copyAllFrom(BrowserSide::android);
         EXPECT_TRUE(state->queue().first().canTryAgain()) << answer.toStdString() << statuses().toStdString();
-        EXPECT_TRUE(QDir(here(QString())).isEmpty());
+        EXPECT_FALSE(QDirIterator(here(QString()), QDir::Files, QDirIterator::Subdirectories).hasNext());
     }
 }
 

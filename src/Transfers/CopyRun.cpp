@@ -264,8 +264,7 @@ private:
 
     /// Whether the copy that has just ended early is to go on later.
     [[nodiscard]] bool goesOn() const {
-        return m_batch.size() == 1 && isLarge(m_batch.first()) &&
-               (m_stop.stop_requested() || m_isPhoneGone) && isWanted(m_batch.first().entry);
+        return m_batch.size() == 1 && isLarge(m_batch.first()) && (m_stop.stop_requested() || m_isPhoneGone);
     }
     /// Leaves a staging folder for the run in which its file goes on.
     void keep(const QString &name) {
@@ -469,7 +468,8 @@ private:
                 root = freeName(root);
             }
         }
-        QSet<QString> closed; // folders below which nothing can be put
+        QSet<QString> closed;  // folders below which nothing can be put
+        QSet<QString> skipped; // what somebody is copying there at this moment
         for (const TreeEntry &found : std::as_const(state.source.entries)) {
             const QString destination = below(root, found.path);
             const QString shown =
@@ -477,8 +477,10 @@ private:
             const QString parent =
                 found.path.left(std::max<qsizetype>(found.path.lastIndexOf(QLatin1Char('/')), 0));
             const bool isClosed = closed.contains(parent);
-            if (StagedName::isStaged(AndroidPath::lastComponent(destination)))
+            if (skipped.contains(parent) || StagedName::isStaged(AndroidPath::lastComponent(destination))) {
+                skipped.insert(found.path);
                 continue;
+            }
             if (found.kind == TreeEntry::Kind::other) {
                 state.report.leftOut.append({shown, QStringLiteral("Neither a file nor a folder")});
             } else if (found.kind == TreeEntry::Kind::folder) {
