@@ -376,6 +376,7 @@ QCoro::Task<> TransferRunner::remember(QString folder) {
     const QueueFile::Contents kept = co_await Background::run(this, &QueueFile::openOn, file);
     m_file = file;
     m_notice = kept.problem;
+    m_forgetReason = kept.mayWrite ? QString() : kept.problem;
     m_queue.insertBack(kept.entries);
     if (m_isUnsaved || !kept.entries.isEmpty())
         noteChange();
@@ -402,9 +403,9 @@ QCoro::Task<> TransferRunner::save() {
     const QList<QueueItem> unfinished = m_queue.unfinished();
     const quint64 number = ++m_saveNumber;
     const QString problem = co_await Background::run(this, &QueueFile::writeOn, m_file, unfinished, number);
-    if (problem != m_writeProblem) // what was found at the start stays until something else is to be said
+    if (problem != m_forgetReason) // what was found at the start stays until something else is to be said
         m_notice = problem;
-    m_writeProblem = problem;
+    m_forgetReason = problem;
     m_pauseUntilSave.setRemainingTime(std::max(shortestPause, pausePerDuration * duration.elapsed()));
     m_isSaving = false;
     if (m_isUnsaved)

@@ -67,6 +67,12 @@ public:
     [[nodiscard]] int waitingCount() const {
         return m_queue.waitingCount() + m_queue.activeCount() - activeCount();
     }
+    /// Entries that run, wait or are paused.
+    [[nodiscard]] int unfinishedCount() const {
+        return m_queue.activeCount() + m_queue.waitingCount() + m_queue.pausedCount();
+    }
+    /// Why they would be lost if the program ended now, as a sentence; empty when they are remembered.
+    [[nodiscard]] const QString &forgetReason() const { return m_forgetReason; }
     /// What the user has to know of how the queue is remembered, as a sentence; empty when all is well.
     [[nodiscard]] const QString &notice() const { return m_notice.value(); }
 
@@ -149,7 +155,7 @@ private:
     std::shared_ptr<QueueFile> m_file; ///< shared with the worker that writes
     QTimer m_saveTimer;
     QDeadlineTimer m_pauseUntilSave{0};
-    QString m_writeProblem;
+    QString m_forgetReason;
     quint64 m_saveNumber = 0;
     bool m_isUnsaved = false;
     bool m_isSaving = false;
