@@ -341,6 +341,38 @@ TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesItAndNothingElseTakesThe
     }
 }
 
+TEST_F(MainWindowTests, verifiesCopiesFromTheMomentThatTheMenuSaysSo) {
+    phone.write(u"a"_s, "x");
+    const auto action = [this] {
+        for (QAction *each : view->actions()) {
+            if (each->text() == u"Verify Copies"_s)
+                return each;
+        }
+        return new QAction(view.get());
+    };
+    const auto copied = [this](MainWindow *window, const QString &name) {
+        AppState &model = window->state();
+        EXPECT_TRUE(waitFor([&] { return model.androidItems().size() == 1; }));
+        QDir(mac.path()).mkpath(name);
+        model.browseMac(mac.filePath(name));
+        model.selectAllVisible(BrowserSide::android);
+        model.transferAndroidToMac();
+        EXPECT_TRUE(waitFor([&] { return !model.isTransferring(); }));
+        return model.queue().first().progressLabel();
+    };
+    MainWindow *window = showWindow();
+    EXPECT_FALSE(action()->isChecked());
+    EXPECT_EQ(copied(window, u"first"_s), u"Done"_s);
+    action()->trigger();
+    EXPECT_EQ(copied(window, u"second"_s), u"Verified"_s);
+    view.reset();
+    window = showWindow();
+    EXPECT_TRUE(action()->isChecked());
+    EXPECT_EQ(copied(window, u"third"_s), u"Verified"_s);
+    action()->trigger();
+    EXPECT_EQ(copied(window, u"fourth"_s), u"Done"_s);
+}
+
 /// Copies of a window in all the states that they have.
 class ClosingTests : public MainWindowTests {
 protected:

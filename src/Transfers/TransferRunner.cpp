@@ -249,6 +249,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     job.direction = entries.first().direction;
     job.serial = entries.first().serial;
     job.folder = folderOf(entries.first().destinationPath);
+    job.verifies = m_verifies;
     for (const QueueItem &item : std::as_const(entries)) {
         if (AndroidPath::isSafeName(item.name)) {
             job.entries.append(item);
@@ -350,7 +351,8 @@ void TransferRunner::applyProgress(const std::shared_ptr<Run> &run, const QUuid 
         !(entry->status.is<QueueItemStatus::Transferring>() || entry->status.is<QueueItemStatus::Waiting>()))
         return;
     const auto *before = entry->status.progress();
-    if (progress.fraction > 0) // the first report counts what had been there already
+    // The first report counts what had been there already; what is compared has come over before.
+    if (progress.fraction > 0 && !progress.isVerifying)
         m_rate.add(run->carriedOf(progress.transferredBytes - (before ? before->transferredBytes : 0)));
     QueueItemStatus::Transferring now;
     static_cast<QueueItemStatus::Progress &>(now) = progress;

@@ -96,6 +96,8 @@ public:
     /// Lets an entry whose name is taken be copied beside what is there.
     void keepBoth(const QUuid &id);
     void keepAllBoth();
+    /// Whether copies that start from now on are compared with their originals before they take their names.
+    void setVerifies(bool verifies) { m_verifies = verifies; }
     /// To be called whenever it is known anew which phone is there.
     void phoneWasAsked();
 
@@ -161,6 +163,7 @@ private:
     bool m_isSaving = false;
     QList<std::shared_ptr<Run>> m_runs;
     bool m_isFillingSlots = false;
+    bool m_verifies = false;
     /// Phones that left while something was copied, until they are seen again.
     QSet<QString> m_gonePhones;
     /// Where the running copies write, so that two never write to one place.

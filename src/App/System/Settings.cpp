@@ -15,6 +15,7 @@ const QString appearanceKey = QStringLiteral("appearancePreference");
 const QString toolTipDelayKey = QStringLiteral("NSInitialToolTipDelay");
 const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
 const QString queueHeightKey = QStringLiteral("queueHeight");
+const QString verifyKey = QStringLiteral("verifyCopies");
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
 const QString windowSizeKey = QStringLiteral("windowSize");
 const QString windowPositionKey = QStringLiteral("windowPosition");
@@ -144,6 +145,17 @@ std::optional<int> Settings::queueHeight() const {
 
 void Settings::setQueueHeight(std::optional<int> height) {
     setValue(queueHeightKey, height ? QString::number(*height) : QString());
+}
+
+bool Settings::verifiesCopies() const {
+    return value(verifyKey) == QLatin1String("true");
+}
+
+void Settings::setVerifiesCopies(bool verifies) {
+    const bool isChange = verifiesCopies() != verifies;
+    setValue(verifyKey, verifies ? QStringLiteral("true") : QStringLiteral("false"));
+    if (isChange)
+        Q_EMIT verifiesCopiesChanged(verifies);
 }
 
 bool Settings::analyticsDisabled() const {

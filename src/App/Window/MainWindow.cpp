@@ -43,6 +43,9 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
       m_state(AppState::designPreview(desktop)), m_quitWatch(new QuitWatch(this)) {
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
+    m_state->transfers().setVerifies(settings.verifiesCopies());
+    connect(&settings, &Settings::verifiesCopiesChanged, this,
+            [this](bool verifies) { m_state->transfers().setVerifies(verifies); });
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
     m_chrome->setMinimumSize(minimum);
     m_chrome->restore(settings.windowGeometry(), standard);
