@@ -251,7 +251,8 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             state->transfers().resume();
             waitForQueue();
             EXPECT_EQ(statuses(), how == Break::paused ? u"film:Verified"_s : u"film:Done"_s);
-            EXPECT_EQ(runsBeginning(u"md5sum "_s), how == Break::sourceChanged ? 0 : 1)
+            EXPECT_EQ(runsBeginning(u"md5sum "_s),
+                      how == Break::sourceChanged && from == BrowserSide::android ? 0 : 1)
                 << "no file is read twice";
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == other, how == Break::sourceChanged);
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == bytes, how != Break::sourceChanged);
