@@ -27,6 +27,7 @@ public:
         return {};
     }
     QFuture<std::optional<QString>> askForText(const TextQuestion & /*question*/) override { return {}; }
+    void keepAwake(bool /*isOn*/) override {}
 };
 
 /// Runs the event loop until the condition holds.

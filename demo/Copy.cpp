@@ -295,6 +295,8 @@ void Copy::transfer(const Item &item, const File &from, const File &to) {
             throw CopyError{"cannot read " + quoted(item.source) + ": " + std::strerror(errno)};
         if (got == 0)
             break;
+        if (own == 0 && m_settings.current().corrupt)
+            block[0] = static_cast<char>(~block[0]);
         if (!writeAll(to.descriptor(), {block.data(), static_cast<std::size_t>(got)}))
             throw CopyError{where + ": " + std::strerror(errno)};
         if (const std::int64_t room = m_settings.current().fullAfter; room >= 0 && m_done + got > room)

@@ -29,8 +29,8 @@ struct Key {
     Member member;
 };
 
-const std::array<Key, 22> &keys() {
-    static const std::array<Key, 22> table{{
+const std::array<Key, 23> &keys() {
+    static const std::array<Key, 23> table{{
         {"serial", &Settings::serial},
         {"model", &Settings::model},
         {"state", &Settings::state},
@@ -42,6 +42,7 @@ const std::array<Key, 22> &keys() {
         {"fail", &Settings::fail},
         {"unplug-after", &Settings::unplugAfter},
         {"full-after", &Settings::fullAfter},
+        {"corrupt", &Settings::corrupt},
         {"hang", &Settings::hang},
         {"crash", &Settings::crash},
         {"chatter", &Settings::chatter},

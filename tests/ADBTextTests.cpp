@@ -8,6 +8,7 @@
 #include "ADB/DeviceText.h"
 #include "ADB/ListingText.h"
 #include "ADB/SearchText.h"
+#include "ADB/SumText.h"
 #include "ADB/ToolText.h"
 #include "ADB/TransferText.h"
 #include "ADB/TreeText.h"
@@ -409,6 +410,31 @@ TEST(TreeText, keepsWhatLiesBelowItsFolderAndIsWhole) {
           answer({"-rw-rw---- 99999999999999999999 1.0 a"}), answer({"-rw-rw---- 1 9223372036854775807 a"}),
           QByteArray(answer({root}) + "more")})
         EXPECT_FALSE(ADBClient::parseTree(broken)) << broken.toStdString();
+}
+
+TEST(SumText, aSumBelongsToThePathThatWasAskedFor) {
+    const QByteArray a(32, 'a');
+    const QByteArray b(32, 'b');
+    const QStringList paths{u"/x"_s, u"/two\nlines"_s, u"/a\\b"_s};
+    const struct {
+        QByteArray answer;
+        QByteArrayList sums;
+    } cases[] = {
+        {a + "  /x\n" + b + "  /two\nlines\n" + a + "  /a\\b\nend\n", {a, b, a}},
+        {a + "  /x\n\\" + b + "  /two\\nlines\n\\" + a + "  /a\\\\b\nend\n", {a, b, a}},
+        {b + "  /two\nlines\nend\n", {"", b, ""}},
+        {a + "  /a\\b\n" + b + "  /x\n", {"", "", a}}, // in another order: what is passed over is lost
+        {a + "  /xy\n", {"", "", ""}},
+        {a.left(31) + "  /x\n", {"", "", ""}},
+        {a + " /x\n", {"", "", ""}},
+        {QByteArray(32, 'A') + "  /x\n", {"", "", ""}},
+        {a + "  /x", {"", "", ""}},
+        {a, {"", "", ""}},
+        {"\\", {"", "", ""}},
+        {"", {"", "", ""}},
+    };
+    for (const auto &[answer, sums] : cases)
+        EXPECT_EQ(ADBClient::parseSums(answer, paths), sums) << answer.toStdString();
 }
 
 TEST(BatchText, countsFilesAndKeepsErrorsHoweverItIsCut) {

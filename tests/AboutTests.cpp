@@ -199,7 +199,7 @@ TEST_F(ApplicationMenuTests, showsTheLatestOutcomeAloneAndNeverOverAnotherSheet)
     Sheet *sheet = openSheets().constFirst();
     EXPECT_THAT(sheet->findChild<QLabel *>(u"update.detail"_s)->text().toStdString(),
                 HasSubstr("is the newest version."));
-    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(u"update.open"_s));
+    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(u"update.accept"_s));
     sheet->findChild<QAbstractButton *>(u"update.close"_s)->click();
     EXPECT_TRUE(openSheets().isEmpty());
 }

@@ -72,6 +72,11 @@ protected:
             runs += line.value(2) == verb ? 1 : 0;
         return runs;
     }
+    [[nodiscard]] qsizetype runsBeginning(const QString &line) const {
+        const QList<QStringList> lines = phone.commandLines();
+        return std::count_if(lines.begin(), lines.end(),
+                             [&](const QStringList &each) { return each.value(3).startsWith(line); });
+    }
     static constexpr BrowserSide sides[] = {BrowserSide::android, BrowserSide::mac};
 };
 
@@ -256,10 +261,14 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             const bool goesOn = how == Break::unplugged || how == Break::paused;
             if (goesOn) // whoever begins anew is unplugged
                 phone.set(u"unplug-after"_s, QByteArray::number(size - size / 8));
+            state->transfers().setVerifies(how == Break::paused); // in the middle of a copy
             connectPhone();
             state->transfers().resume();
             waitForQueue();
-            EXPECT_EQ(statuses(), u"film:Done"_s);
+            EXPECT_EQ(statuses(), how == Break::paused ? u"film:Verified"_s : u"film:Done"_s);
+            EXPECT_EQ(runsBeginning(u"md5sum "_s),
+                      how == Break::sourceChanged && from == BrowserSide::android ? 0 : 1)
+                << "no file is read twice";
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == other, how == Break::sourceChanged);
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == bytes, how != Break::sourceChanged);
             EXPECT_EQ(QFileInfo(pathOn(otherThan(from), u"film"_s)).lastModified(),
@@ -422,6 +431,111 @@ TEST_F(CopyTests, oneOfManyIsTakenOutOfItsRunAndTheOthersArrive) {
             QDir(root).removeRecursively();
             QDir().mkpath(root);
         }
+    }
+}
+
+TEST_F(CopyTests, whatIsVerifiedHasItsOriginalsContentOrNoName) {
+    const QString unverified = u"Not verified: this phone has no md5sum"_s;
+    const struct {
+        const char *what;
+        std::function<void(BrowserSide to)> prepare;
+        QString file;   ///< how a single file ends
+        QString folder; ///< how a folder of two ends
+        bool arrives;
+    } cases[] = {{"whole", [](BrowserSide) {}, u"Verified"_s, u"Verified"_s, true},
+                 {"corrupted on the way", [&](BrowserSide) { phone.set(u"corrupt"_s, "on"); },
+                  u"The copy differs from the original. Try again."_s, u"2 of 2 could not be copied"_s,
+                  false},
+                 {"no tool",
+                  [&](BrowserSide) {
+                      phone.set(u"md5sum.stdout"_s, "end\n");
+                      phone.set(u"md5sum.stderr"_s, "/system/bin/sh: md5sum: inaccessible or not found\n");
+                  },
+                  unverified, unverified, true},
+                 {"no answer", [&](BrowserSide) { phone.set(u"md5sum.crash"_s, "9"); },
+                  u"adb exited with 9"_s, u"adb exited with 9"_s, false},
+                 {"sums of other files",
+                  [&](BrowserSide) {
+                      phone.set(u"md5sum.stdout"_s, "d41d8cd98f00b204e9800998ecf8427e  /sdcard/other\nend\n");
+                      phone.set(u"md5sum.stderr"_s, "md5sum: /sdcard/x: I/O error\n");
+                  },
+                  u"The phone can’t read it: I/O error"_s, u"2 of 2 could not be copied"_s, false},
+                 {"there already",
+                  [&](BrowserSide to) {
+                      for (const char *name : {"a", "T/it's b", "T/c\nd"})
+                          writeOn(to, QString::fromLatin1(name), name);
+                  },
+                  u"Already there, verified"_s, u"2 already there, verified"_s, true},
+                 {"there already, with another content of the same size and time",
+                  [&](BrowserSide to) {
+                      for (const char *name : {"a", "T/it's b", "T/c\nd"})
+                          writeOn(to, QString::fromLatin1(name), QByteArray(qstrlen(name), '?'));
+                  },
+                  u"Another “a” is already there."_s, u"2 of 2 differ from what is there"_s, false}};
+    state->transfers().setVerifies(true);
+    for (const BrowserSide from : sides) {
+        for (const auto &[what, prepare, file, folder, arrives] : cases) {
+            SCOPED_TRACE(testing::Message() << what << (from == BrowserSide::mac ? " push" : " pull"));
+            phone.resetAll();
+            phone.set(u"stderr-progress"_s, "off");
+            phone.set(u"log"_s, "on");
+            for (const QString &root : {here(QString()), phone.root()}) {
+                QDir(root).removeRecursively();
+                QDir().mkpath(root);
+            }
+            for (const char *name : {"a", "T/it's b", "T/c\nd"})
+                writeOn(from, QString::fromLatin1(name), name);
+            prepare(otherThan(from));
+            start();
+            for (const QString &name : {u"a"_s, u"T"_s})
+                select(from, name);
+            state->clearQueue();
+            from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+            waitForQueue();
+            EXPECT_EQ(statuses(), u"T:"_s + folder + u"|a:"_s + file);
+            for (const char *name : {"a", "T/it's b", "T/c\nd"}) {
+                const QString copy = pathOn(otherThan(from), QString::fromLatin1(name));
+                EXPECT_EQ(contents(copy) == name, arrives) << name;
+                EXPECT_EQ(QFileInfo::exists(copy), arrives || file.startsWith(u"Another"_s)) << name;
+            }
+            EXPECT_EQ(runsBeginning(u"md5sum "_s), 2) << "one question for each run of copies";
+            EXPECT_TRUE(staged().isEmpty());
+            if (file.startsWith(u"Another"_s)) {
+                state->transfers().keepAllBoth();
+                waitForQueue();
+                EXPECT_EQ(statuses(), u"T:Verified|a:Verified"_s);
+                EXPECT_EQ(contents(pathOn(otherThan(from), u"T/it's b 2"_s)), "T/it's b");
+            }
+        }
+    }
+}
+
+TEST_F(CopyTests, verifyingIsSeenAndStopsAtOnce) {
+    state->transfers().setVerifies(true);
+    for (const BrowserSide from : sides) {
+        writeOn(from, u"film"_s, QByteArray(8'000'000, 'x'));
+        start();
+        select(from, u"film"_s);
+        phone.set(u"md5sum.hang"_s, "on");
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        double before = 0;
+        ASSERT_TRUE(waitFor([&] {
+            const auto *progress = state->queue().first().status.progress();
+            if (progress && !progress->isVerifying)
+                before = progress->fraction;
+            return progress && progress->isVerifying && progress->fraction > 0.9;
+        }));
+        EXPECT_EQ(statuses(), u"film:Verifying…"_s);
+        EXPECT_LE(before, 0.5) << "comparing is half of the way";
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"film"_s)));
+        QElapsedTimer clock;
+        clock.start();
+        state->removeQueueItem(state->queue().first().id);
+        waitForQueue();
+        EXPECT_LT(clock.elapsed(), 500);
+        EXPECT_TRUE(staged().isEmpty());
+        phone.reset(u"md5sum.hang"_s);
+        QFile::remove(pathOn(from, u"film"_s));
     }
 }
 

@@ -253,13 +253,25 @@ TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {
     QDBusConnection::disconnectFromPeer(u"manager"_s);
 }
 
-/// A login manager: the other ends of the locks that it has given.
+/// A login manager: the other ends of the locks that it has given. It is the desktop's portal as well.
 class LoginManagerStub : public QDBusVirtualObject {
 public:
     QList<int> locks;
     QStringList asked;
+    QSet<QString> logOutRequests; ///< that are open
+    int logOutQuestions = 0;
     [[nodiscard]] QString introspect(const QString &) const override { return {}; }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
+        if (message.interface() == u"org.freedesktop.portal.Inhibit"_s) {
+            EXPECT_EQ(message.signature(), u"sua{sv}"_s);
+            EXPECT_EQ(message.arguments().value(1).toUInt(), 1U) << "the log-out alone";
+            const QString path = u"/request/%1"_s.arg(++logOutQuestions);
+            logOutRequests.insert(path);
+            bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(path))));
+            return true;
+        }
+        if (message.member() == u"Close"_s)
+            return logOutRequests.remove(message.path());
         std::array<int, 2> ends{};
         EXPECT_EQ(pipe2(ends.data(), O_NONBLOCK | O_CLOEXEC), 0);
         asked.append(message.arguments().first().toString() + u' ' + message.arguments().last().toString());
@@ -279,30 +291,36 @@ public:
     }
 };
 
-TEST(StayAwakeTests, holdsTheLockOfTheLoginManagerAsLongAsItIsOn) {
+TEST(StayAwakeTests, holdsSleepAndLogOutAsLongAsItIsOn) {
     LoginManagerStub manager;
     QDBusServer server;
     QObject::connect(&server, &QDBusServer::newConnection, &manager, [&](QDBusConnection connection) {
         connection.registerVirtualObject(u"/"_s, &manager, QDBusConnection::SubPath);
     });
     {
-        StayAwake awake(QDBusConnection::connectToPeer(server.address(), u"login"_s));
+        const QDBusConnection bus = QDBusConnection::connectToPeer(server.address(), u"login"_s);
+        StayAwake awake(bus, bus);
         awake.setOn(true);
         awake.setOn(true);
         ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 1; }));
         EXPECT_EQ(manager.asked, QStringList(u"sleep:idle block"_s));
         EXPECT_TRUE(manager.isHeld());
+        EXPECT_TRUE(waitFor([&] { return manager.logOutRequests.size() == 1; }));
         awake.setOn(false);
-        EXPECT_TRUE(waitFor([&] { return !manager.isHeld(); }));
+        EXPECT_TRUE(waitFor([&] { return !manager.isHeld() && manager.logOutRequests.isEmpty(); }));
         awake.setOn(true);
         awake.setOn(false); // before it was given
-        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 2 && !manager.isHeld(); }));
+        ASSERT_TRUE(waitFor([&] {
+            return manager.locks.size() == 2 && !manager.isHeld() && manager.logOutQuestions == 2 &&
+                   manager.logOutRequests.isEmpty();
+        }));
         awake.setOn(true);
-        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 3; }));
+        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 3 && manager.logOutQuestions == 3; }));
     }
     EXPECT_TRUE(waitFor([&] { return !manager.isHeld(); })) << "it ends with it";
     QDBusConnection::disconnectFromPeer(u"login"_s);
-    StayAwake(QDBusConnection(u"no such bus"_s)).setOn(true);
+    const QDBusConnection none(u"no such bus"_s);
+    StayAwake(none, none).setOn(true);
 }
 
 } // namespace

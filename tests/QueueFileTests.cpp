@@ -118,8 +118,10 @@ TEST_F(QueueFileTests, aFileThatIsNotOneIsPutAsideAndLeadsNowhere) {
     // A folder that cannot be made is said, and nothing else comes of it.
     write(mac.filePath(u"taken"_s), "x");
     QueueFile nowhere(mac.filePath(u"taken/state"_s));
-    EXPECT_TRUE(nowhere.open().problem.contains(u"will not be remembered"_s));
-    EXPECT_EQ(nowhere.write(state->queue(), 1), QString());
+    const QueueFile::Contents nothing = nowhere.open();
+    EXPECT_TRUE(nothing.problem.contains(u"will not be remembered"_s));
+    EXPECT_FALSE(nothing.mayWrite);
+    EXPECT_EQ(nowhere.write(state->queue(), 1), nothing.problem);
 }
 
 TEST_F(QueueFileTests, programsAtTheSameTimeHaveAFileEachAndALaterOneTakesUpBoth) {

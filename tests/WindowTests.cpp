@@ -5,6 +5,8 @@
 #include "support/Processes.h"
 
 #include "ADB/ADBClient.h"
+#include "App/Sheets/MessageSheet.h"
+#include "App/System/QuitSignals.h"
 #include "App/Window/ContentView.h"
 #include "App/Window/ToolbarButton.h"
 #include "Kit/AppStyle.h"
@@ -13,6 +15,8 @@
 #include "Views/TransferQueueView.h"
 
 #include <QtWidgets>
+
+#include <csignal>
 
 namespace vantrel {
 namespace {
@@ -335,6 +339,144 @@ TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesItAndNothingElseTakesThe
             EXPECT_TRUE(reached.contains(button)) << name;
         }
     }
+}
+
+TEST_F(MainWindowTests, verifiesCopiesFromTheMomentThatTheMenuSaysSo) {
+    phone.write(u"a"_s, "x");
+    const auto action = [this] {
+        for (QAction *each : view->actions()) {
+            if (each->text() == u"Verify Copies"_s)
+                return each;
+        }
+        return new QAction(view.get());
+    };
+    const auto copied = [this](MainWindow *window, const QString &name) {
+        AppState &model = window->state();
+        EXPECT_TRUE(waitFor([&] { return model.androidItems().size() == 1; }));
+        QDir(mac.path()).mkpath(name);
+        model.browseMac(mac.filePath(name));
+        model.selectAllVisible(BrowserSide::android);
+        model.transferAndroidToMac();
+        EXPECT_TRUE(waitFor([&] { return !model.isTransferring(); }));
+        return model.queue().first().progressLabel();
+    };
+    MainWindow *window = showWindow();
+    EXPECT_FALSE(action()->isChecked());
+    EXPECT_EQ(copied(window, u"first"_s), u"Done"_s);
+    action()->trigger();
+    EXPECT_EQ(copied(window, u"second"_s), u"Verified"_s);
+    view.reset();
+    window = showWindow();
+    EXPECT_TRUE(action()->isChecked());
+    EXPECT_EQ(copied(window, u"third"_s), u"Verified"_s);
+    action()->trigger();
+    EXPECT_EQ(copied(window, u"fourth"_s), u"Done"_s);
+}
+
+/// Copies of a window in all the states that they have.
+class ClosingTests : public MainWindowTests {
+protected:
+    enum class Copies { none, done, failed, running, waitingForThePhone, paused };
+
+    MainWindow *windowWith(Copies copies) {
+        phone.resetAll();
+        phone.write(u"a"_s, "x");
+        MainWindow *window = showWindow();
+        EXPECT_TRUE(waitFor([&] { return window->state().device().isConnected; }));
+        TransferRunner &transfers = window->state().transfers();
+        QueueItem item;
+        item.name = u"a"_s;
+        item.sourcePath = copies == Copies::failed ? u"/sdcard/nothing"_s : u"/sdcard/a"_s;
+        item.serial = copies == Copies::waitingForThePhone ? u"another"_s : DemoPhone::serial();
+        if (copies == Copies::running || copies == Copies::paused)
+            phone.set(u"facts.hang"_s, "on");
+        for (const QString &name : {u"a"_s, u"b"_s}) {
+            item.id = QUuid::createUuid();
+            item.destinationPath = mac.filePath(name);
+            if (copies != Copies::none)
+                transfers.enqueue({item});
+        }
+        if (copies == Copies::paused)
+            transfers.pause();
+        if (copies != Copies::running) {
+            EXPECT_TRUE(waitFor([&] { return !transfers.isTransferring(); }));
+        }
+        return window;
+    }
+    [[nodiscard]] MessageSheet *question() const {
+        auto *sheet = view->findChild<MessageSheet *>(u"quit"_s);
+        return sheet && sheet->isVisible() ? sheet : nullptr;
+    }
+    [[nodiscard]] QString said() const {
+        return child<TextLabel>("quit.heading")->text() + u' ' + child<TextLabel>("quit.detail")->text();
+    }
+};
+
+TEST_F(ClosingTests, asksFirstWhileCopiesAreUnfinished) {
+    const struct {
+        Copies copies;
+        QString stay; ///< the other button; empty: it closes at once
+    } cases[] = {{Copies::none, {}},
+                 {Copies::done, {}},
+                 {Copies::failed, {}},
+                 {Copies::running, u"Keep Copying"_s},
+                 {Copies::waitingForThePhone, u"Don’t Quit"_s},
+                 {Copies::paused, u"Don’t Quit"_s}};
+    for (const auto &[copies, stay] : cases) {
+        SCOPED_TRACE(int(copies));
+        MainWindow *window = windowWith(copies);
+        EXPECT_EQ(desktop.isAwake, copies == Copies::running);
+        window->showAbout(); // gives way
+        child<QAbstractButton>("window.close")->click();
+        ASSERT_EQ(window->isVisible(), !stay.isEmpty());
+        if (!stay.isEmpty()) {
+            ASSERT_TRUE(question());
+            EXPECT_EQ(said(), u"2 copies are not finished. They are kept and can go on at the next start."_s);
+            EXPECT_EQ(child<QPushButton>("quit.close")->text(), stay);
+            QTest::keyClick(question(), Qt::Key_Escape);
+            EXPECT_TRUE(window->isVisible());
+            EXPECT_FALSE(question());
+            ASSERT_TRUE(waitFor([&] { return !view->findChild<MessageSheet *>(); }));
+            QTest::keyClick(window->windowHandle(), Qt::Key_Q, Qt::ControlModifier);
+            ASSERT_TRUE(question());
+            window->state().removeQueueItem(window->state().queue().first().id);
+            EXPECT_EQ(said(), u"1 copy is not finished. It is kept and can go on at the next start."_s);
+            QTest::keyClick(question(), Qt::Key_Return);
+            EXPECT_FALSE(window->isVisible());
+        }
+        view.reset();
+        QFile::remove(mac.filePath(u"state/vantrel/transfers.json"_s));
+    }
+    EXPECT_FALSE(desktop.isAwake);
+}
+
+TEST_F(ClosingTests, aQuestionThatIsSettledMeanwhileIsAnsweredAndALossIsNotHidden) {
+    write(mac.filePath(u"state"_s), "no folder");
+    MainWindow *window = windowWith(Copies::running);
+    window->close();
+    ASSERT_TRUE(question());
+    EXPECT_TRUE(said().startsWith(u"2 copies are not finished. Unfinished copies will not be remembered: "_s))
+        << said().toStdString();
+    phone.reset(u"facts.hang"_s);
+    EXPECT_TRUE(waitFor([&] { return !window->isVisible(); })) << "all is copied, and closing was wished";
+    EXPECT_EQ(window->state().transfers().queue().completedCount(), 2);
+}
+
+TEST_F(ClosingTests, aSignalEndsItInGoodOrderAndAsksNobody) {
+    MainWindow *window = windowWith(Copies::running);
+    window->resize(1150, 750);
+    const QuitSignals quitSignals;
+    QTimer::singleShot(0, [] { std::raise(SIGTERM); });
+    QTimer::singleShot(20'000, qApp, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QApplication::exec(), 0) << "not even the window's";
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_FALSE(question());
+    view.reset();
+    EXPECT_TRUE(settings->windowGeometry().size);
+    EXPECT_EQ(contents(mac.filePath(u"state/vantrel/transfers.json"_s)).count("\"name\""), 2);
+    Background::stop(&ADBClient::stopRunningTools);
+    for (const processes::Child &child : processes::children())
+        ADD_FAILURE() << child.commandLine.toStdString();
 }
 
 TEST(AppStyleTests, toolTipsComeAfterAQuarterOfASecond) {

@@ -78,8 +78,14 @@ using BytesProgress = std::function<void(qint64 bytes)>;
 /// Sets a file's time, in seconds since 1970.
 [[nodiscard]] ADBResult<void> setModified(const QString &serial, const QString &path, qint64 modified,
                                           const std::stop_token &stop);
-/// The MD5 sum of a file's content, 32 digits; the phone reads all of it. What it complains of is an error.
-[[nodiscard]] ADBResult<QByteArray> fetchSum(const QString &serial, const QString &path,
+/// What the phone finds when it reads the whole of some files.
+struct PhoneSums {
+    QList<QByteArray> sums;     ///< MD5, 32 digits for each file in its place; empty where there is none
+    QString complaint = {};     ///< why there is none, in the phone's words
+    bool isUnavailable = false; ///< because this phone has no tool for it
+};
+/// The MD5 sums of the files' contents. A run of adb for every 48 KB of paths.
+[[nodiscard]] ADBResult<PhoneSums> fetchSums(const QString &serial, const QStringList &paths,
                                              const std::stop_token &stop);
 
 } // namespace vantrel::ADBClient

@@ -15,6 +15,8 @@ const QueueItemStatus::Progress *QueueItemStatus::progress() const {
 
 QString QueueItem::progressLabel() const {
     if (const auto *progress = status.progress()) {
+        if (progress->isVerifying && status.is<QueueItemStatus::Transferring>())
+            return QStringLiteral("Verifying…");
         if (progress->totalBytes < 1)
             return status.is<QueueItemStatus::Paused>() ? QStringLiteral("Paused")
                                                         : QStringLiteral("Transferring…");

@@ -22,6 +22,7 @@ public:
         qint64 totalBytes = 0;       ///< bytes; 0 when unknown
         qsizetype files = 0;         ///< done, of fileCount
         qsizetype fileCount = 0;     ///< 0 while it is unknown
+        bool isVerifying = false;    ///< what has arrived is being compared with its source
         friend bool operator==(const Progress &, const Progress &) = default;
     };
     struct Transferring : Progress {};

@@ -1,6 +1,7 @@
 #include "State/AppState.h"
 
 #include "ADB/AndroidPath.h"
+#include "MacFiles/Desktop.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/Identity.h"
 
@@ -55,6 +56,12 @@ void AppState::forwardSignals() {
     connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
     connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
     connect(&m_transfers, &TransferRunner::isTransferringChanged, this, &AppState::isTransferringChanged);
+    connect(&m_transfers, &TransferRunner::isTransferringChanged, this,
+            [this] { m_desktop.keepAwake(isTransferring()); });
+}
+
+AppState::~AppState() {
+    m_desktop.keepAwake(false);
 }
 
 /// Queues copies of the source pane's selected entries, as far as they are shown, for the other pane's

@@ -26,6 +26,7 @@ public:
 
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
+    ~AppState() override;
     /// A new model with its initial values.
     [[nodiscard]] static std::unique_ptr<AppState> designPreview(Desktop &desktop);
     [[nodiscard]] Desktop &desktop() const { return m_desktop; }

@@ -15,6 +15,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <future>
 #include <limits>
 #include <mutex>
 #include <sys/stat.h>
@@ -39,6 +40,22 @@ struct PlannedFile {
     QString shownPath; ///< below the entry; its name for a single file
     qint64 sizeBytes = 0;
     qint64 modified = 0;
+    QString wanted = {}; ///< the destination, before a number was added to it
+};
+
+/// Two files, one on each side, that should hold the same.
+struct ComparedFile {
+    qsizetype entry = 0;
+    QString here;
+    QString onPhone;
+    qint64 sizeBytes = 0;
+};
+
+/// What comparing them has come to.
+struct Comparison {
+    enum class Outcome { same, different, unreadable, unavailable };
+    Outcome outcome = Outcome::different;
+    QString reason = {}; ///< of what is unreadable
 };
 
 bool isSameContent(const TreeEntry &there, qint64 sizeBytes, qint64 modified) {
@@ -127,6 +144,7 @@ public:
         readSources();
         readDestinations();
         plan();
+        compareAlike();
         makeFolders();
         copyMissing();
         removeLeftOver();
@@ -147,6 +165,7 @@ private:
         qsizetype filesLeft = 0; ///< planned files that have not ended
         qint64 stagedBytes = 0;  ///< through, but without their names
         qsizetype stagedFiles = 0;
+        qint64 comparedBytes = 0;
         bool hasEnded = false;
     };
 
@@ -275,12 +294,13 @@ private:
             discardKeptParts({id});
     }
 
-    /// Whether what was continued has its source's content; an error when it cannot be said.
-    [[nodiscard]] ADBResult<bool> isSameAsSource(const QString &here, const QString &onPhone) const {
-        const auto there = ADBClient::fetchSum(m_job.serial, onPhone, m_stop);
-        if (!there)
-            return tl::make_unexpected(there.error());
-        return LocalFiles::sum(here, m_stop) == *there;
+    /// Whether what was continued has its source's content, as far as that can be said.
+    [[nodiscard]] ADBResult<bool> isSameAsSource(const QString &staged) {
+        const auto compared = compare({comparedFile(m_batch.first(), staged)}, Arrival::staged);
+        if (!compared)
+            return tl::make_unexpected(compared.error());
+        m_isBatchCompared = compared->first().outcome == Comparison::Outcome::same;
+        return m_isBatchCompared;
     }
 
     /// What a tool or the shell of the phone says of the file is a line like those of adb.
@@ -301,7 +321,7 @@ private:
                 ADBClient::continuePull(m_job.serial, file.source, staged, m_stop, onBytes);
             if (!continued)
                 return complaint(continued.error());
-            const auto isSame = isSameAsSource(staged, file.source);
+            const auto isSame = isSameAsSource(staged);
             if (!isSame)
                 return complaint(isSame.error());
             if (*isSame && LocalFiles::setModified(staged, file.modified))
@@ -340,8 +360,8 @@ private:
                 if (!continued)
                     return complaint(continued.error());
                 const auto timed = ADBClient::setModified(m_job.serial, staged, file.modified, m_stop);
-                const auto isSame = timed ? isSameAsSource(file.source, staged)
-                                          : ADBResult<bool>(tl::make_unexpected(timed.error()));
+                const auto isSame =
+                    timed ? isSameAsSource(staged) : ADBResult<bool>(tl::make_unexpected(timed.error()));
                 if (!isSame)
                     return complaint(isSame.error());
                 if (*isSame)
@@ -509,7 +529,7 @@ private:
     /// Whether the file is missing, there already, or kept from its place by another content.
     void planFile(PlannedFile file) {
         State &state = m_states[file.entry];
-        const QString wanted = file.destination;
+        const QString wanted = file.wanted = file.destination;
         const bool keepsBoth = m_job.entries.at(file.entry).whenTaken == WhenTaken::keepBoth;
         for (int number = 2;; ++number) {
             const auto there = lookAtDestination(file.destination);
@@ -523,16 +543,25 @@ private:
                 m_files.append(std::move(file));
                 return;
             }
-            if (there && isSameContent(*there, file.sizeBytes, file.modified)) {
-                ++state.report.alreadyThere;
-                ++state.progress.files;
-                state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
+            if (there && isSameContent(*there, file.sizeBytes, file.modified) &&
+                !m_different.contains(file.destination)) {
+                if (m_job.verifies)
+                    m_alike.append(std::move(file));
+                else
+                    countAsThere(file);
                 return;
             }
             file.destination =
                 AndroidPath::join(parentOf(wanted), numberedName(AndroidPath::lastComponent(wanted), number));
         }
         state.report.taken.append({file.shownPath, takenReason()});
+    }
+
+    void countAsThere(const PlannedFile &file) {
+        State &state = m_states[file.entry];
+        ++state.report.alreadyThere;
+        ++state.progress.files;
+        state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
     }
 
     [[nodiscard]] QString freeName(const QString &path) const {
@@ -543,6 +572,135 @@ private:
     }
 
     static QString takenReason() { return QStringLiteral("Another content stands under this name"); }
+
+    // -- Comparing
+
+    /// Whether compared files have come in this run, or stood there before it.
+    enum class Arrival { staged, there };
+
+    [[nodiscard]] ComparedFile comparedFile(const PlannedFile &file, const QString &arrived) const {
+        return isPull() ? ComparedFile{file.entry, arrived, file.source, file.sizeBytes}
+                        : ComparedFile{file.entry, file.source, arrived, file.sizeBytes};
+    }
+
+    /// Reads the files of both sides, at the same time. An error when the phone left or the run was stopped.
+    ADBResult<QList<Comparison>> compare(const QList<ComparedFile> &files, Arrival arrival) {
+        using Outcome = Comparison::Outcome;
+        QStringList onPhone;
+        for (const ComparedFile &file : files)
+            onPhone.append(file.onPhone);
+        std::stop_source enough;
+        const std::stop_callback stopsBoth(m_stop, [&enough] { enough.request_stop(); });
+        auto asked = std::async(std::launch::async, [&] {
+            auto answer = ADBClient::fetchSums(m_job.serial, onPhone, m_stop);
+            if (!answer || answer->isUnavailable)
+                enough.request_stop();
+            return answer;
+        });
+        const bool areStaged = arrival == Arrival::staged;
+        for (const ComparedFile &file : files)
+            m_states[file.entry].stagedBytes += areStaged ? file.sizeBytes : 0;
+        QList<std::optional<QByteArray>> here;
+        for (const ComparedFile &file : files) {
+            State &state = m_states[file.entry];
+            const qint64 before = state.comparedBytes;
+            const auto onBytes = [&](qint64 bytes) {
+                state.comparedBytes = sum(before, bytes);
+                report(file.entry, areStaged ? 0 : bytes, true);
+            };
+            here.append(isGivenUp(file.entry) ? std::nullopt
+                                              : LocalFiles::sum(file.here, enough.get_token(), onBytes));
+            state.comparedBytes = sum(before, file.sizeBytes);
+            state.stagedBytes += areStaged ? 0 : file.sizeBytes;
+        }
+        for (const ComparedFile &file : files)
+            m_states[file.entry].stagedBytes = 0;
+        const auto there = asked.get();
+        if (!there)
+            return tl::make_unexpected(there.error());
+        QList<Comparison> compared;
+        for (qsizetype i = 0; i < files.size(); ++i) {
+            const QByteArray &sum = there->sums.at(i);
+            if (there->isUnavailable)
+                compared.append({Outcome::unavailable});
+            else if (sum.isEmpty())
+                compared.append(
+                    {Outcome::unreadable, QStringLiteral("The phone can’t read it: ") + there->complaint});
+            else if (!here.at(i))
+                compared.append({Outcome::unreadable, QStringLiteral("This computer can’t read it.")});
+            else
+                compared.append({*here.at(i) == sum ? Outcome::same : Outcome::different});
+        }
+        return compared;
+    }
+
+    /// When copies are verified, the same size and time are not enough: what differs all the same is another
+    /// content.
+    void compareAlike() {
+        constexpr qsizetype mostFiles = 1000;
+        using Outcome = Comparison::Outcome;
+        while (!m_alike.isEmpty() && !m_stop.stop_requested()) {
+            const QList<PlannedFile> some = m_alike.first(std::min(mostFiles, m_alike.size()));
+            m_alike.remove(0, some.size());
+            QList<ComparedFile> files;
+            for (const PlannedFile &file : some)
+                files.append(comparedFile(file, file.destination));
+            const auto compared = compare(files, Arrival::there);
+            if (!compared)
+                return failAll(compared.error());
+            for (qsizetype i = 0; i < some.size(); ++i) {
+                PlannedFile file = some.at(i);
+                CopyReport &report = m_states[file.entry].report;
+                const Comparison &comparison = compared->at(i);
+                if (comparison.outcome == Outcome::unreadable) {
+                    report.failed.append({file.shownPath, comparison.reason});
+                } else if (comparison.outcome == Outcome::different) {
+                    m_different.insert(file.destination);
+                    file.destination = file.wanted;
+                    planFile(std::move(file));
+                } else {
+                    countAsThere(file);
+                    ++(comparison.outcome == Outcome::same ? report.verified : report.unverified);
+                }
+            }
+        }
+        if (!m_alike.isEmpty())
+            failAll(QStringLiteral("The copy was stopped."));
+    }
+
+    /// Compares staged files with their sources, when that is wanted. Gives the destinations of those that
+    /// must not take their names, and tells why.
+    ADBResult<QSet<QString>> refused(const QList<PlannedFile> &arrived, const QString &staging) {
+        using Outcome = Comparison::Outcome;
+        QSet<QString> names;
+        if (!m_job.verifies || arrived.isEmpty())
+            return names;
+        if (m_isBatchCompared) { // when it was continued
+            ++m_states[arrived.first().entry].report.verified;
+            return names;
+        }
+        QList<ComparedFile> files;
+        for (const PlannedFile &file : arrived)
+            files.append(comparedFile(file, AndroidPath::join(staging, stagedName(file))));
+        const auto compared = compare(files, Arrival::staged);
+        if (!compared)
+            return tl::make_unexpected(compared.error());
+        for (qsizetype i = 0; i < arrived.size(); ++i) {
+            const PlannedFile &file = arrived.at(i);
+            CopyReport &report = m_states[file.entry].report;
+            const Comparison &comparison = compared->at(i);
+            if (comparison.outcome == Outcome::same || comparison.outcome == Outcome::unavailable) {
+                ++(comparison.outcome == Outcome::same ? report.verified : report.unverified);
+                continue;
+            }
+            names.insert(file.destination);
+            problem(file, &CopyReport::failed,
+                    comparison.outcome == Outcome::different
+                        ? QStringLiteral("The copy differs from the original. Try again.")
+                        : comparison.reason);
+        }
+        return names;
+    }
 
     // -- Copying
 
@@ -587,7 +745,16 @@ private:
                                .arg(AndroidPath::lastComponent(m_job.folder), staging.error()));
         adopt(staging->path());
         while (!m_stop.stop_requested() && takeBatch()) {
-            const auto errors = copyBatch(staging->path());
+            ADBResult<QStringList> errors = copyBatch(staging->path());
+            QSet<QString> unfit;
+            if (errors && m_job.verifies) {
+                const auto told = refused(wholeFilesIn(staging->path()), staging->path());
+                if (told)
+                    unfit = *told;
+                else
+                    errors = tl::make_unexpected(told.error());
+            }
+            const bool mayTakeNames = errors || !m_job.verifies;
             if (!errors && isLarge(m_batch.first()))
                 failAll(errors.error());
             if (!errors && goesOn()) {
@@ -600,15 +767,26 @@ private:
             for (const PlannedFile &file : std::as_const(m_batch)) {
                 const QString staged = AndroidPath::join(staging->path(), stagedName(file));
                 const auto arrived = LocalFiles::look(staged);
-                if (arrived && isSameContent(*arrived, file.sizeBytes, file.modified))
+                const bool isWhole = arrived && isSameContent(*arrived, file.sizeBytes, file.modified);
+                if (isWhole && mayTakeNames && !unfit.contains(file.destination))
                     takeName(file, staged, staging->newFileMode());
-                else if (errors)
+                else if (!isWhole && errors)
                     explain(file, arrived.has_value(), *errors);
                 QFile::remove(staged); // what was not placed is not whole or not wanted
             }
             if (!errors)
                 return failAll(errors.error());
         }
+    }
+
+    [[nodiscard]] QList<PlannedFile> wholeFilesIn(const QString &staging) const {
+        QList<PlannedFile> whole;
+        for (const PlannedFile &file : m_batch) {
+            const auto arrived = LocalFiles::look(AndroidPath::join(staging, stagedName(file)));
+            if (arrived && isSameContent(*arrived, file.sizeBytes, file.modified))
+                whole.append(file);
+        }
+        return whole;
     }
 
     void takeName(const PlannedFile &file, const QString &staged, mode_t mode) {
@@ -668,8 +846,7 @@ private:
         if (!byName.contains(AndroidPath::lastComponent(staging))) // gone, and perhaps made again by adb
             return tl::make_unexpected(ADBError::executionFailed(vanished()));
 
-        QList<ADBClient::PhoneMove> moves;
-        QList<PlannedFile> moved;
+        QList<PlannedFile> whole;
         QList<PlannedFile> lacking;
         for (const PlannedFile &file : std::as_const(m_batch)) {
             const QString name = stagedName(file);
@@ -680,9 +857,19 @@ private:
                  !isSameContent(*here, file.sizeBytes, file.modified))) {
                 lacking.append(file);
             } else if (!isGivenUp(file.entry)) {
-                moves.append({AndroidPath::join(staging, name), file.destination});
-                moved.append(file);
+                whole.append(file);
             }
+        }
+        const auto unfit = refused(whole, staging);
+        if (!unfit)
+            return tl::make_unexpected(unfit.error());
+        QList<ADBClient::PhoneMove> moves;
+        QList<PlannedFile> moved;
+        for (const PlannedFile &file : std::as_const(whole)) {
+            if (unfit->contains(file.destination) || isGivenUp(file.entry))
+                continue;
+            moves.append({AndroidPath::join(staging, stagedName(file)), file.destination});
+            moved.append(file);
         }
         ADBResult<QHash<QString, QString>> unmoved;
         if (!moves.isEmpty())
@@ -711,6 +898,7 @@ private:
         constexpr qint64 mostBytes = 256'000'000;    // what a killed program has to copy again
         constexpr qsizetype mostPathBytes = 400'000; // macOS takes a command line of 1 MB
         m_batch.clear();
+        m_isBatchCompared = false;
         QSet<QString> names;
         qint64 bytes = 0;
         qsizetype pathBytes = 0;
@@ -814,8 +1002,9 @@ private:
             end(entry);
     }
 
-    /// Tells how far an entry has come; `underWay` bytes of its next file are through.
-    void report(qsizetype entry, qint64 underWay) {
+    /// Tells how far an entry has come; `underWay` bytes of its next file are through. Where copies are
+    /// verified, comparing is half of the way.
+    void report(qsizetype entry, qint64 underWay, bool isVerifying = false) {
         constexpr double highest = 0.99;
         constexpr double step = 0.001;
         State &state = m_states[entry];
@@ -825,9 +1014,16 @@ private:
         now.transferredBytes =
             std::min(sum(sum(now.transferredBytes, state.stagedBytes), underWay), now.totalBytes);
         now.files += state.stagedFiles;
-        now.fraction = now.totalBytes > 0 ? std::min(highest, static_cast<double>(now.transferredBytes) /
-                                                                  static_cast<double>(now.totalBytes))
-                                          : 0;
+        now.isVerifying = isVerifying;
+        double part = 0;
+        if (now.totalBytes > 0) {
+            part = static_cast<double>(now.transferredBytes) / static_cast<double>(now.totalBytes);
+            if (m_job.verifies)
+                part =
+                    (part + static_cast<double>(state.comparedBytes) / static_cast<double>(now.totalBytes)) /
+                    2;
+        }
+        now.fraction = std::min(highest, part);
         if (now.fraction <= state.progress.fraction + step)
             return;
         state.progress.fraction = now.fraction;
@@ -846,9 +1042,12 @@ private:
     QHash<QString, TreeEntry> m_there; ///< what stands on the phone
     QList<PlannedFile> m_folders;
     QList<PlannedFile> m_files;
-    QSet<QString> m_planned; ///< where the files of this run go
-    QStringList m_leftOver;  ///< staging folders that nobody works in
+    QSet<QString> m_planned;    ///< where the files of this run go
+    QStringList m_leftOver;     ///< staging folders that nobody works in
+    QList<PlannedFile> m_alike; ///< the same size and time stand there; not compared yet
+    QSet<QString> m_different;  ///< of what stands there, what was found to hold something else
     bool m_wasInterrupted = false;
+    bool m_isBatchCompared = false;
     bool m_isPhoneGone = false;
     qsizetype m_nextFile = 0;
     QList<PlannedFile> m_batch;
@@ -897,6 +1096,12 @@ QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
         parts.append(report.copied > 0 || report.fileCount > 1 || isFolder
                          ? QStringLiteral("%1 already there").arg(report.alreadyThere)
                          : QStringLiteral("Already there"));
+    const bool isFirst = parts.isEmpty();
+    if (report.unverified > 0)
+        parts.append((isFirst ? QStringLiteral("Not") : QStringLiteral("not")) %
+                     QStringLiteral(" verified: this phone has no md5sum"));
+    else if (report.verified > 0)
+        parts.append(isFirst ? QStringLiteral("Verified") : QStringLiteral("verified"));
     if (!report.leftOut.isEmpty())
         parts.append(QStringLiteral("%1 left out").arg(report.leftOut.size()));
     return QueueItemStatus::Completed{parts.join(QStringLiteral(", ")), report.leftOut, report.totalBytes};

@@ -249,6 +249,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     job.direction = entries.first().direction;
     job.serial = entries.first().serial;
     job.folder = folderOf(entries.first().destinationPath);
+    job.verifies = m_verifies;
     for (const QueueItem &item : std::as_const(entries)) {
         if (AndroidPath::isSafeName(item.name)) {
             job.entries.append(item);
@@ -350,7 +351,8 @@ void TransferRunner::applyProgress(const std::shared_ptr<Run> &run, const QUuid 
         !(entry->status.is<QueueItemStatus::Transferring>() || entry->status.is<QueueItemStatus::Waiting>()))
         return;
     const auto *before = entry->status.progress();
-    if (progress.fraction > 0) // the first report counts what had been there already
+    // The first report counts what had been there already; what is compared has come over before.
+    if (progress.fraction > 0 && !progress.isVerifying)
         m_rate.add(run->carriedOf(progress.transferredBytes - (before ? before->transferredBytes : 0)));
     QueueItemStatus::Transferring now;
     static_cast<QueueItemStatus::Progress &>(now) = progress;
@@ -376,6 +378,7 @@ QCoro::Task<> TransferRunner::remember(QString folder) {
     const QueueFile::Contents kept = co_await Background::run(this, &QueueFile::openOn, file);
     m_file = file;
     m_notice = kept.problem;
+    m_forgetReason = kept.mayWrite ? QString() : kept.problem;
     m_queue.insertBack(kept.entries);
     if (m_isUnsaved || !kept.entries.isEmpty())
         noteChange();
@@ -402,9 +405,9 @@ QCoro::Task<> TransferRunner::save() {
     const QList<QueueItem> unfinished = m_queue.unfinished();
     const quint64 number = ++m_saveNumber;
     const QString problem = co_await Background::run(this, &QueueFile::writeOn, m_file, unfinished, number);
-    if (problem != m_writeProblem) // what was found at the start stays until something else is to be said
+    if (problem != m_forgetReason) // what was found at the start stays until something else is to be said
         m_notice = problem;
-    m_writeProblem = problem;
+    m_forgetReason = problem;
     m_pauseUntilSave.setRemainingTime(std::max(shortestPause, pausePerDuration * duration.elapsed()));
     m_isSaving = false;
     if (m_isUnsaved)

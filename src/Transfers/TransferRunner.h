@@ -67,6 +67,12 @@ public:
     [[nodiscard]] int waitingCount() const {
         return m_queue.waitingCount() + m_queue.activeCount() - activeCount();
     }
+    /// Entries that run, wait or are paused.
+    [[nodiscard]] int unfinishedCount() const {
+        return m_queue.activeCount() + m_queue.waitingCount() + m_queue.pausedCount();
+    }
+    /// Why they would be lost if the program ended now, as a sentence; empty when they are remembered.
+    [[nodiscard]] const QString &forgetReason() const { return m_forgetReason; }
     /// What the user has to know of how the queue is remembered, as a sentence; empty when all is well.
     [[nodiscard]] const QString &notice() const { return m_notice.value(); }
 
@@ -90,6 +96,8 @@ public:
     /// Lets an entry whose name is taken be copied beside what is there.
     void keepBoth(const QUuid &id);
     void keepAllBoth();
+    /// Whether copies that start from now on are compared with their originals before they take their names.
+    void setVerifies(bool verifies) { m_verifies = verifies; }
     /// To be called whenever it is known anew which phone is there.
     void phoneWasAsked();
 
@@ -149,12 +157,13 @@ private:
     std::shared_ptr<QueueFile> m_file; ///< shared with the worker that writes
     QTimer m_saveTimer;
     QDeadlineTimer m_pauseUntilSave{0};
-    QString m_writeProblem;
+    QString m_forgetReason;
     quint64 m_saveNumber = 0;
     bool m_isUnsaved = false;
     bool m_isSaving = false;
     QList<std::shared_ptr<Run>> m_runs;
     bool m_isFillingSlots = false;
+    bool m_verifies = false;
     /// Phones that left while something was copied, until they are seen again.
     QSet<QString> m_gonePhones;
     /// Where the running copies write, so that two never write to one place.

@@ -15,6 +15,7 @@ const QString appearanceKey = QStringLiteral("appearancePreference");
 const QString toolTipDelayKey = QStringLiteral("NSInitialToolTipDelay");
 const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
 const QString queueHeightKey = QStringLiteral("queueHeight");
+const QString verifyKey = QStringLiteral("verifyCopies");
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
 const QString windowSizeKey = QStringLiteral("windowSize");
 const QString windowPositionKey = QStringLiteral("windowPosition");
@@ -156,6 +157,17 @@ FileOrder Settings::fileOrder(BrowserSide side) const {
 
 void Settings::setFileOrder(BrowserSide side, FileOrder order) {
     setValue(orderKey(side), rawValue(order));
+}
+
+bool Settings::verifiesCopies() const {
+    return value(verifyKey) == QLatin1String("true");
+}
+
+void Settings::setVerifiesCopies(bool verifies) {
+    const bool isChange = verifiesCopies() != verifies;
+    setValue(verifyKey, verifies ? QStringLiteral("true") : QStringLiteral("false"));
+    if (isChange)
+        Q_EMIT verifiesCopiesChanged(verifies);
 }
 
 bool Settings::analyticsDisabled() const {

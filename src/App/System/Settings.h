@@ -68,6 +68,10 @@ public:
     [[nodiscard]] bool analyticsDisabled() const;
     void setAnalyticsDisabled(bool disabled);
 
+    /// Whether each copy is to be compared with its original.
+    [[nodiscard]] bool verifiesCopies() const;
+    void setVerifiesCopies(bool verifies);
+
     /// The most height that the user has given the transfer queue, in layout pixels; nothing until then.
     [[nodiscard]] std::optional<int> queueHeight() const;
     void setQueueHeight(std::optional<int> height);
@@ -83,6 +87,7 @@ public:
 
 Q_SIGNALS:
     void analyticsDisabledChanged(bool disabled);
+    void verifiesCopiesChanged(bool verifies);
     void problemChanged(const QString &problem);
 
 private:

@@ -45,6 +45,7 @@ ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater, Settings
     connect(keyboard, &QAction::triggered, this, &ApplicationMenu::keyboardRequested);
 
     addUpdates(updater);
+    addVerification(settings);
     if (canSendSignals)
         addAnalytics(settings);
     addProblem(settings);
@@ -78,6 +79,17 @@ void ApplicationMenu::addUpdates(Updater *updater) {
     connect(m_update, &QAction::triggered, updater, &Updater::checkForUpdates);
     connect(updater, &Updater::checked, this,
             [this, updater](const UpdateResult &result) { show(result, *updater); });
+}
+
+void ApplicationMenu::addVerification(Settings *settings) {
+    m_verify = m_menu->addAction(QStringLiteral("Verify Copies"));
+    m_verify->setMenuRole(QAction::ApplicationSpecificRole);
+    m_verify->setCheckable(true);
+    m_verify->setChecked(settings->verifiesCopies());
+    explain(m_verify,
+            QStringLiteral("Compares every copy with its original before it gets its name. It takes "
+                           "longer; copies that run already are not affected."));
+    connect(m_verify, &QAction::triggered, settings, &Settings::setVerifiesCopies);
 }
 
 void ApplicationMenu::addAnalytics(Settings *settings) {
