@@ -1,3 +1,5 @@
+#include "support/Widgets.h"
+
 #include "Kit/Canvas.h"
 #include "Kit/IconButton.h"
 #include "Kit/RenderScheduler.h"
@@ -5,55 +7,20 @@
 #include "Kit/Spinner.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextLabel.h"
-#include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
-
-#include <QtTest>
-#include <QtWidgets>
-#include <gtest/gtest.h>
 
 namespace vantrel {
 namespace {
 
 using namespace Qt::StringLiterals;
 
-/// A transparent picture of `size` layout pixels on a screen of `ratio`, with what `paint` put on it.
-QImage painted(QSize size, double ratio, const std::function<void(QPainter &)> &paint) {
-    QImage image((QSizeF(size) * ratio).toSize(), QImage::Format_ARGB32);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    paint(painter);
-    return image;
-}
-
-/// The rectangle in device pixels outside of which nothing was painted.
-QRect inkBounds(const QImage &image) {
-    QRect bounds;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixelColor(x, y).alpha() > 0)
-                bounds |= QRect(x, y, 1, 1);
-    return bounds;
-}
-
 QImage paintedSymbol(const Symbol &symbol, QSize size, double ratio, const QColor &color) {
     return painted(size, ratio,
                    [&](QPainter &painter) { symbol.paint(painter, QRectF(QPointF(), QSizeF(size)), color); });
 }
 
-QString accessible(QWidget &widget, QAccessible::Text text) {
-    return QAccessible::queryAccessibleInterface(&widget)->text(text);
-}
-
-QAccessible::Role role(QWidget &widget) {
-    return QAccessible::queryAccessibleInterface(&widget)->role();
-}
-
-TEST(ThemeTests, coloursFollowTheScheme) {
-    for (const auto scheme : {ColorScheme::light, ColorScheme::dark})
-        EXPECT_EQ(AppTheme::titleBarNSColor(scheme), AppTheme::titleBar().resolved(scheme));
-    EXPECT_NEAR(AppTheme::accent().withOpacity(0.35).resolved(ColorScheme::dark).alphaF(), 0.35, 0.001);
+QString nameOf(QWidget &widget) {
+    return accessible(&widget)->text(QAccessible::Name);
 }
 
 TEST(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
@@ -161,17 +128,6 @@ TEST(TextTests, namesCannotDeceive) {
         EXPECT_EQ(displayText(text), shown);
 }
 
-TEST(TextTests, paintsInsideItsRectangle) {
-    // A pile of combining marks must not reach the neighbouring rows.
-    const QString pile = u"a"_s + u"\u0301\u0302\u0303\u0304"_s.repeated(20);
-    const QImage image = painted({200, 120}, 1, [&](QPainter &painter) {
-        paintText(painter, QRectF(20, 50, 100, 16), pile + QString(200, u'm'), {12.5}, Qt::black);
-    });
-    const QRect ink = inkBounds(image);
-    EXPECT_GT(ink.width(), 60);
-    EXPECT_TRUE(QRect(19, 47, 102, 22).contains(ink)) << ink.top() << " to " << ink.bottom();
-}
-
 TEST(ShapeTests, linesLieInsideAndAreCrisp) {
     for (const double ratio : {1.0, 2.0, 3.0}) {
         SCOPED_TRACE(ratio);
@@ -233,8 +189,8 @@ TEST(RenderTests, rendersOncePerPassHoweverManySignals) {
 TEST(ControlTests, anIconButtonIsNamedByItsHelpAndPressedByMouseAndKeys) {
     IconButton button({24, 24}, 5);
     button.setHelp(u"Go back"_s);
-    EXPECT_EQ(accessible(button, QAccessible::Name), u"Go back"_s);
-    EXPECT_EQ(role(button), QAccessible::Button);
+    EXPECT_EQ(nameOf(button), u"Go back"_s);
+    EXPECT_EQ(accessible(&button)->role(), QAccessible::Button);
     EXPECT_TRUE(button.toolTip().contains(u"Go back"_s));
     button.setLook({.symbol = {u"house"_s, 11}});
     button.show();
@@ -242,7 +198,7 @@ TEST(ControlTests, anIconButtonIsNamedByItsHelpAndPressedByMouseAndKeys) {
 
     for (const bool isEnabled : {true, false}) {
         button.setEnabled(isEnabled);
-        QTest::mouseClick(&button, Qt::LeftButton);
+        click(&button);
         for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
             QTest::keyClick(&button, key);
         EXPECT_EQ(clicks.count(), 4) << isEnabled;
@@ -287,8 +243,8 @@ TEST(ControlTests, aLabelYieldsAndIsReadWhole) {
     parent.show();
     EXPECT_EQ(parent.width(), 100);
     EXPECT_TRUE(label->isElided());
-    EXPECT_EQ(accessible(*label, QAccessible::Name), text);
-    EXPECT_EQ(role(*label), QAccessible::StaticText);
+    EXPECT_EQ(nameOf(*label), text);
+    EXPECT_EQ(accessible(label)->role(), QAccessible::StaticText);
 
     parent.resize(label->sizeHint());
     QCoreApplication::processEvents();
@@ -345,9 +301,9 @@ TEST(ControlTests, aSpinnerTurnsOnlyWhileItIsSeen) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return spinner->grab().toImage() != before; }));
     window.hide();
     EXPECT_FALSE(spinner->isTurning());
-    EXPECT_EQ(accessible(*spinner, QAccessible::Name), u"Loading"_s);
-    EXPECT_EQ(role(*spinner), QAccessible::ProgressBar);
-    EXPECT_TRUE(QAccessible::queryAccessibleInterface(spinner)->state().busy);
+    EXPECT_EQ(nameOf(*spinner), u"Loading"_s);
+    EXPECT_EQ(accessible(spinner)->role(), QAccessible::ProgressBar);
+    EXPECT_TRUE(accessible(spinner)->state().busy);
 
     StillStyle still;
     spinner->setStyle(&still);
@@ -387,7 +343,7 @@ TEST(ControlTests, aScrollBarLiesOverItsContentWhileThereIsSomethingToScroll) {
     QTest::mouseRelease(held, Qt::LeftButton, {}, QPoint(5, 174));
     EXPECT_NEAR(bar->value(), 150, 1);
     EXPECT_NEAR(thumb().top(), 2 + 74, 1);
-    QTest::mouseClick(held, Qt::LeftButton, {}, QPoint(5, 290));
+    click(held, QPoint(5, 290));
     EXPECT_EQ(bar->value(), 300);
 
     content->setMinimumHeight(100'000);
@@ -499,7 +455,7 @@ protected:
     }
     QWidget *tip() const {
         for (QWidget *child : window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
-            if (QAccessible::queryAccessibleInterface(child)->role() == QAccessible::ToolTip)
+            if (accessible(child)->role() == QAccessible::ToolTip)
                 return child;
         }
         return nullptr;
@@ -516,7 +472,7 @@ TEST_F(ShownToolTipTests, oneLineWhereItFitsAndAtMostHalfTheWindow) {
         buttons[0]->setToolTip(text);
         rest(buttons[0]);
         ASSERT_TRUE(tip()) << text.toStdString();
-        EXPECT_EQ(QAccessible::queryAccessibleInterface(tip())->text(QAccessible::Name), text);
+        EXPECT_EQ(accessible(tip())->text(QAccessible::Name), text);
         EXPECT_LE(tip()->width(), window.width() / 2 + 12) << "with its shadow";
         EXPECT_TRUE(window.rect().contains(tip()->geometry()));
         EXPECT_FALSE(tip()->geometry().adjusted(6, 6, -6, -6).intersects(buttons[1]->geometry()));
