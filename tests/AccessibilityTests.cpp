@@ -166,20 +166,6 @@ TEST_F(WholeWindowTests, theKeyboardNeverJumpsToAnotherControlByItself) {
     }
 }
 
-TEST_F(WholeWindowTests, keysActOnThePaneThatHasTheKeyboardHoweverItCameThere) {
-    connectPhone();
-    for (const auto &[control, side] : {std::pair(u"macPane/fileList"_s, BrowserSide::mac),
-                                        std::pair(u"androidPane/back"_s, BrowserSide::android),
-                                        std::pair(u"macPane/refresh"_s, BrowserSide::mac)}) {
-        at(control)->setFocus(Qt::TabFocusReason);
-        press(Qt::Key_A, Qt::ControlModifier);
-        EXPECT_EQ(state->selectAllState(side), PaneSelectAllState::all) << qPrintable(control);
-        EXPECT_EQ(state->selectAllState(side == BrowserSide::mac ? BrowserSide::android : BrowserSide::mac),
-                  PaneSelectAllState::none);
-        press(Qt::Key_Escape);
-    }
-}
-
 // -- Screen readers
 
 #ifdef VANTREL_HAS_QPA
@@ -308,16 +294,10 @@ TEST_F(WholeWindowTests, everythingHasARoleANameAndNoMarkup) {
             waitFor([&] { return isLast || (!state->isLoadingAndroid() && !state->isLoadingMac()); }));
         settle();
         int spinners = 0;
-        QSet<QAccessible::Role> roles;
         for (QAccessibleInterface *node : treeOf(accessible(view.get()))) {
             const QString name = node->text(QAccessible::Name);
             const QAccessible::Role role = node->role();
-            roles.insert(role);
-            const std::string which =
-                QString(u"%1 \"%2\" %3"_s)
-                    .arg(int(role))
-                    .arg(name, node->object() ? node->object()->objectName() : QString())
-                    .toStdString();
+            const std::string which = name.toStdString() + " of role " + std::to_string(role);
             for (const auto kind :
                  {QAccessible::Name, QAccessible::Description, QAccessible::Help, QAccessible::Value})
                 EXPECT_FALSE(node->text(kind).contains(markup)) << which;
@@ -333,14 +313,10 @@ TEST_F(WholeWindowTests, everythingHasARoleANameAndNoMarkup) {
                 EXPECT_EQ(node->state().checkable, role != QAccessible::Button) << which;
                 EXPECT_TRUE(node->actionInterface()) << which;
             }
-            if (role == QAccessible::ListItem) {
-                EXPECT_EQ(node->parent()->role(), QAccessible::List) << which;
-            }
             for (int i = 0; role == QAccessible::List && i < node->childCount(); ++i)
                 EXPECT_EQ(node->child(i)->role(), QAccessible::ListItem) << which;
             spinners += role == QAccessible::ProgressBar && node->state().busy;
         }
-        EXPECT_TRUE(roles.contains(QAccessible::RadioButton));
         EXPECT_EQ(spinners > 0, isLast);
         const QWidget *focused = QApplication::focusWidget();
         EXPECT_TRUE(!focused || (focused->isVisible() && focused->isEnabled()));

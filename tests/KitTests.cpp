@@ -1,5 +1,6 @@
 #include "support/Widgets.h"
 
+#include "Kit/AppStyle.h"
 #include "Kit/Canvas.h"
 #include "Kit/IconButton.h"
 #include "Kit/RenderScheduler.h"
@@ -53,7 +54,7 @@ TEST(SymbolTests, everySymbolIsDrawnWithinItsBoundsAndCentred) {
 }
 
 TEST(SymbolTests, tintsWithExactlyTheColourIsCutThroughAndHasWeights) {
-    for (const QColor &color : {QColor(240, 130, 20), QColor(255, 255, 255), QColor(0, 0, 0, 51)}) {
+    for (const QColor &color : {QColor(240, 130, 20), QColor(0, 0, 0, 51)}) {
         // The middle of the minus lets the background through; the ground beside it does not.
         const QImage minus = paintedSymbol({u"minus.square.fill"_s, 28}, {40, 40}, 3, color);
         EXPECT_EQ(minus.pixelColor(60, 60).alpha(), 0);
@@ -76,10 +77,6 @@ TEST(TextTests, halfPixelsOfFontSizesCount) {
         const TextStyle style{size, Weight::medium};
         EXPECT_NEAR(style.width(text) / size / wide, 1, 0.012) << size;
     }
-    const TextStyle plain{10, Weight::bold};
-    TextStyle tracked = plain;
-    tracked.tracking = 0.6;
-    EXPECT_NEAR(tracked.width(text) - plain.width(text), 40 * 0.6, 0.5);
     const TextStyle fixed{12.5, Weight::semibold, FontDesign::monospaced};
     EXPECT_NEAR(fixed.width(u"iiii"_s), fixed.width(u"WWWW"_s), 0.01);
 }
@@ -143,21 +140,6 @@ TEST(ShapeTests, linesLieInsideAndAreCrisp) {
     }
 }
 
-TEST(ShapeTests, cornersFlowIntoSidesAndEndAsCircles) {
-    // On a circle every point is as far from the centre; 0.3 % is what one cubic curve per quarter can do.
-    const QPainterPath circle = capsule(QRectF(-50, -50, 100, 100));
-    for (double percent = 0; percent < 1; percent += 0.01) {
-        const QPointF point = circle.pointAtPercent(percent);
-        EXPECT_NEAR(std::hypot(point.x(), point.y()), 50, 0.15);
-    }
-    // Beside the end of an arc the flowing corner has already left the straight side, and it is as deep as
-    // the arc.
-    const QPainterPath card = roundedRect(QRectF(0, 0, 100, 100), 20);
-    EXPECT_FALSE(card.contains(QPointF(22, 0.02)));
-    EXPECT_TRUE(card.contains(QPointF(6.1, 6.1)));
-    EXPECT_FALSE(card.contains(QPointF(5.6, 5.6)));
-}
-
 TEST(RenderTests, rendersOncePerPassHoweverManySignals) {
     QProgressBar source;
     int renders = 0;
@@ -190,72 +172,63 @@ TEST(ControlTests, anIconButtonIsNamedByItsHelpAndPressedByMouseAndKeys) {
     IconButton button({24, 24}, 5);
     button.setHelp(u"Go back"_s);
     EXPECT_EQ(nameOf(button), u"Go back"_s);
-    EXPECT_EQ(accessible(&button)->role(), QAccessible::Button);
     EXPECT_TRUE(button.toolTip().contains(u"Go back"_s));
     button.setLook({.symbol = {u"house"_s, 11}});
     button.show();
     QSignalSpy clicks(&button, &QAbstractButton::clicked);
-
-    for (const bool isEnabled : {true, false}) {
+    for (const bool isEnabled : {false, true}) {
         button.setEnabled(isEnabled);
         click(&button);
         for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter})
             QTest::keyClick(&button, key);
-        EXPECT_EQ(clicks.count(), 4) << isEnabled;
+        EXPECT_EQ(clicks.count(), isEnabled ? 4 : 0);
     }
-
-    button.setEnabled(true);
     button.setCheckable(true);
     button.click();
     EXPECT_FALSE(button.isChecked()) << "only the model checks a button";
 }
 
 TEST(ControlTests, anIconButtonShowsItsStates) {
-    IconButton button({24, 24}, IconButton::circle);
-    const auto center = [&] { return button.grab().toImage().pixelColor(12, 20); };
-    button.setLook({.symbol = {u"house"_s, 8}, .fill = ThemeColor(Qt::red), .disabledOpacity = 0.45});
-    EXPECT_EQ(center(), QColor(Qt::red));
-    button.setEnabled(false);
-    EXPECT_NE(center(), QColor(Qt::red));
-
-    // Reached with the keyboard, the button's edge changes.
     QWidget window;
     auto *inside = new IconButton({24, 24}, 5, &window);
-    inside->setLook({.symbol = {u"house"_s, 11}, .fill = AppTheme::surface()});
+    inside->setLook({.symbol = {u"house"_s, 8}, .fill = ThemeColor(Qt::red), .disabledOpacity = 0.45});
+    const auto ground = [&] { return inside->grab().toImage().pixelColor(12, 20); };
+    EXPECT_EQ(ground(), QColor(Qt::red));
+    inside->setEnabled(false);
+    EXPECT_NE(ground(), QColor(Qt::red));
+    inside->setEnabled(true);
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     inside->clearFocus();
     const QImage before = inside->grab().toImage();
     inside->setFocus(Qt::TabFocusReason);
     ASSERT_TRUE(inside->hasFocus());
-    EXPECT_NE(inside->grab().toImage().pixelColor(12, 0), before.pixelColor(12, 0));
+    EXPECT_NE(inside->grab().toImage().pixelColor(12, 0), before.pixelColor(12, 0))
+        << "reached with the keyboard";
 }
 
 TEST(ControlTests, aLabelYieldsAndIsReadWhole) {
-    const QString text = u"A name that is far too long for the place it has been given"_s;
     QWidget parent;
     auto *layout = new QHBoxLayout(&parent);
     layout->setContentsMargins({});
     auto *label = new TextLabel({12.5, Weight::medium}, AppTheme::ink());
     layout->addWidget(label);
-    label->setText(text);
-    parent.resize(100, 20);
+    label->setText(u"A name that is far too long for the place it has been given"_s);
     parent.show();
-    EXPECT_EQ(parent.width(), 100);
-    EXPECT_TRUE(label->isElided());
-    EXPECT_EQ(nameOf(*label), text);
+    const auto isElidedAt = [&](QSize size) {
+        parent.resize(size);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(parent.size(), size);
+        return label->isElided();
+    };
+    EXPECT_TRUE(isElidedAt({100, 20}));
+    EXPECT_EQ(nameOf(*label), label->text());
     EXPECT_EQ(accessible(label)->role(), QAccessible::StaticText);
-
-    parent.resize(label->sizeHint());
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(label->isElided());
-
+    EXPECT_FALSE(isElidedAt(label->sizeHint()));
     label->setMaximumLines(2);
     EXPECT_EQ(label->heightForWidth(220), 2 * label->sizeHint().height());
     EXPECT_EQ(label->heightForWidth(2000), label->sizeHint().height());
-    parent.resize(100, 40);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(label->isElided()) << "two lines are not enough either";
+    EXPECT_TRUE(isElidedAt({100, 40})) << "two lines are not enough either";
 }
 
 TEST(ControlTests, aProgressBarFillsItsFractionAndNoMore) {
@@ -277,19 +250,6 @@ TEST(ControlTests, aProgressBarFillsItsFractionAndNoMore) {
     EXPECT_NE(image.pixel(32, 3), QColor(AppTheme::accent()).rgb());
 }
 
-/// A desktop on which nothing moves.
-class StillStyle : public QProxyStyle {
-public:
-    using QProxyStyle::QProxyStyle;
-
-    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
-                  QStyleHintReturn *returnData) const override {
-        return hint == SH_Widget_Animation_Duration
-                   ? 0
-                   : QProxyStyle::styleHint(hint, option, widget, returnData);
-    }
-};
-
 TEST(ControlTests, aSpinnerTurnsOnlyWhileItIsSeen) {
     QWidget window;
     auto *spinner = new Spinner(Spinner::Size::small, u"Loading"_s, &window);
@@ -305,11 +265,10 @@ TEST(ControlTests, aSpinnerTurnsOnlyWhileItIsSeen) {
     EXPECT_EQ(accessible(spinner)->role(), QAccessible::ProgressBar);
     EXPECT_TRUE(accessible(spinner)->state().busy);
 
-    StillStyle still;
-    spinner->setStyle(&still);
+    AppStyle::setReducedMotion(true);
     window.show();
     EXPECT_FALSE(spinner->isTurning()) << "animations are switched off";
-    delete spinner;
+    AppStyle::setReducedMotion(false);
 }
 
 TEST(ControlTests, aScrollBarLiesOverItsContentWhileThereIsSomethingToScroll) {
@@ -351,21 +310,6 @@ TEST(ControlTests, aScrollBarLiesOverItsContentWhileThereIsSomethingToScroll) {
     EXPECT_NEAR(thumb().height(), 28, 1) << "never too small to be held";
 }
 
-TEST(ControlTests, aPushButtonIsACardAndAFlatOneALink) {
-    QPushButton button(u"&Later"_s);
-    EXPECT_EQ(button.sizeHint(), QSize(84, 28));
-    const auto ground = [&] { return button.grab().toImage().pixel(8, 14); };
-    EXPECT_EQ(ground(), QColor(AppTheme::surface()).rgb());
-    button.setDefault(true);
-    EXPECT_EQ(ground(), QColor(AppTheme::accent()).rgb());
-    button.setDown(true);
-    EXPECT_EQ(ground(), QColor(AppTheme::accent()).darker(112).rgb());
-
-    QPushButton link(u"Send Feedback"_s);
-    link.setFlat(true);
-    EXPECT_LT(link.sizeHint().height(), 28);
-}
-
 /// A view of the application's own: it paints, and connects nothing.
 class Ground : public QWidget {
 protected:
@@ -394,26 +338,18 @@ TEST(ControlTests, everyKindRepaintsInTheNewColours) {
     window.resize(x, 30);
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    // What reaches the screen, so that a widget that nobody told to repaint is found out.
-    struct Painted : QObject {
-        QSet<QObject *> widgets;
-        bool eventFilter(QObject *watched, QEvent *event) override {
-            if (event->type() == QEvent::Paint)
-                widgets.insert(watched);
-            return false;
-        }
-    } painted;
     QCoreApplication::processEvents();
     QList<QImage> before;
+    std::vector<std::unique_ptr<PaintedRegion>> painted; // what reaches the screen
     for (QWidget *widget : kinds) {
         before.append(widget->grab().toImage());
-        widget->installEventFilter(&painted);
+        painted.push_back(std::make_unique<PaintedRegion>(widget));
     }
     AppTheme::setScheme(ColorScheme::dark);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return painted.widgets.size() == kinds.size(); }));
-    for (QWidget *widget : kinds) {
-        EXPECT_TRUE(painted.widgets.contains(widget)) << widget->metaObject()->className();
-        EXPECT_NE(widget->grab().toImage(), before.takeFirst()) << widget->metaObject()->className();
+    for (qsizetype i = 0; i < kinds.size(); ++i) {
+        const char *name = kinds[i]->metaObject()->className();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !painted[size_t(i)]->region.isEmpty(); })) << name;
+        EXPECT_NE(kinds[i]->grab().toImage(), before[i]) << name;
     }
     AppTheme::setScheme(ColorScheme::light);
 }
@@ -449,8 +385,8 @@ protected:
         }
         window.show();
     }
-    static void rest(QWidget *on, QPoint at = {5, 5}) {
-        QHelpEvent event(QEvent::ToolTip, at, on->mapToGlobal(at));
+    static void rest(QWidget *on) {
+        QHelpEvent event(QEvent::ToolTip, {5, 5}, on->mapToGlobal(QPoint(5, 5)));
         QCoreApplication::sendEvent(on, &event);
     }
     QWidget *tip() const {
@@ -499,11 +435,6 @@ TEST_F(ShownToolTipTests, goAsSoonAsAnythingHappens) {
         EXPECT_EQ(ToolTips::text().isEmpty(), event != &inside) << int(event->type());
     }
     rest(buttons[0]);
-    buttons[0]->setToolTip({}); // nothing is said about what stands there now
-    buttons[0]->update();
-    EXPECT_TRUE(QTest::qWaitFor([] { return ToolTips::text().isEmpty(); }));
-    buttons[0]->setToolTip(u"Back"_s);
-    rest(buttons[0]);
     buttons[0]->hide();
     EXPECT_TRUE(ToolTips::text().isEmpty());
     buttons[0]->show();
@@ -534,13 +465,11 @@ TEST(AppStyleTests, menusAreCardsInBothSchemesAndShowTheirKeys) {
     menu.addSeparator();
     QAction *quit = menu.addAction(u"Quit"_s);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
-    const auto pixels = [&](const QImage &image, const QAction *action, const QColor &color) {
-        const QRect item = menu.actionGeometry(const_cast<QAction *>(action));
+    const auto pixels = [&](const QImage &image, QAction *action, const QColor &color) {
+        const QRect item = menu.actionGeometry(action);
         int count = 0;
-        for (int y = item.top(); y <= item.bottom(); ++y) {
-            for (int x = item.left(); x <= item.right(); ++x)
-                count += image.pixelColor(x, y).rgba() == color.rgba();
-        }
+        for (int y = item.top(); y <= item.bottom(); ++y)
+            count += pixelsOf(color, image.copy(item), y - item.top());
         return count;
     };
     for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark}) {

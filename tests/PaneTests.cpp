@@ -418,11 +418,7 @@ TEST_P(PaneLayoutTests, exactlyTheEntriesThatLookDifferentAreRepainted) {
     show();
     EXPECT_THAT(painted(), ElementsAre()) << "other parts of the pane changed";
 
-    // An entry leaves from the middle: those after it move up, those before it stay.
-    items.removeAt(4);
-    show(items);
-    EXPECT_EQ(painted().value(0), 4);
-    items.insert(4, fileNamed(u"new"_s));
+    items.removeAt(4); // those after it move up, those before it stay
     show(items);
     EXPECT_EQ(painted().value(0), 4);
 
@@ -489,7 +485,6 @@ TEST_P(PaneLayoutTests, theKeyboardMovesARingAndSpaceToggles) {
     FileItemsView *list = entries();
     list->scrollToTop();
     const int line = isList ? 1 : FileGridGeometry(list->viewport()->width()).columns;
-
     const auto press = [&](Qt::Key key, int times = 1) {
         for (int i = 0; i < times; ++i)
             QTest::keyClick(list, key);
@@ -498,11 +493,9 @@ TEST_P(PaneLayoutTests, theKeyboardMovesARingAndSpaceToggles) {
     // After a click the arrow keys scroll, and Space is nobody's.
     click(list->viewport(), bodyOf(list, 0));
     calls.clear();
-    ASSERT_TRUE(list->hasFocus());
-    press(Qt::Key_Down);
+    EXPECT_EQ(press(Qt::Key_Down), -1);
     EXPECT_GT(list->verticalScrollBar()->value(), 0);
     EXPECT_EQ(press(Qt::Key_Space), -1);
-    EXPECT_EQ(press(Qt::Key_Return), -1);
     EXPECT_THAT(calls, ElementsAre());
 
     list->scrollToTop();
@@ -510,34 +503,17 @@ TEST_P(PaneLayoutTests, theKeyboardMovesARingAndSpaceToggles) {
     list->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(list->focusedIndex().row(), 0);
     EXPECT_EQ(press(Qt::Key_Up), 0);
-    EXPECT_EQ(press(Qt::Key_Down), line);
-    EXPECT_EQ(press(Qt::Key_Space), line);
-    EXPECT_EQ(press(Qt::Key_Return), line);
-    EXPECT_EQ(press(Qt::Key_Delete), line);
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Space, Qt::Key_Return, Qt::Key_Delete})
+        EXPECT_EQ(press(key), line);
     EXPECT_THAT(calls, ElementsAre(u"toggle file %1.txt"_s.arg(line)));
     EXPECT_EQ(press(Qt::Key_End), 99);
     EXPECT_TRUE(list->viewport()->rect().contains(rectOf(list, 99)));
     EXPECT_LT(press(Qt::Key_PageUp), 99 - line);
     EXPECT_EQ(press(Qt::Key_Home), 0);
-    EXPECT_EQ(press(Qt::Key_Right), isList ? 0 : 1);
-    EXPECT_EQ(press(Qt::Key_Right, line), isList ? 0 : line + 1) << "over the edge";
+    EXPECT_EQ(press(Qt::Key_Right, line + 1), isList ? 0 : line + 1) << "over the edge";
     EXPECT_EQ(press(Qt::Key_Left, 2), isList ? 0 : line - 1);
     list->clearFocus();
     EXPECT_EQ(list->focusedIndex().row(), -1);
-}
-
-TEST_F(FilePaneTests, theFocusFollowsIntoTheOtherLayout) {
-    entries()->setFocus(Qt::TabFocusReason);
-    QTest::keyClick(entries(), Qt::Key_Down);
-    for (const PaneViewMode mode : {PaneViewMode::grid, PaneViewMode::list}) {
-        showAs(mode);
-        EXPECT_TRUE(entries()->hasFocus());
-        EXPECT_EQ(entries()->focusedIndex().row(), 1);
-    }
-    click(entries()->viewport(), bodyOf(entries(), 2));
-    showAs(PaneViewMode::grid);
-    EXPECT_TRUE(entries()->hasFocus());
-    EXPECT_FALSE(entries()->focusedIndex().isValid()) << "the mouse has no ring";
 }
 
 TEST_P(PaneLayoutTests, aCutNameShowsInFullUnderTheMouse) {
@@ -567,18 +543,15 @@ TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
     select({item(70'000)});
     QAccessibleInterface *list = accessible(entries());
     ASSERT_NE(list, nullptr);
-    EXPECT_EQ(list->role(), QAccessible::List);
-    EXPECT_EQ(list->text(QAccessible::Name), u"Title");
     ASSERT_EQ(list->childCount(), 100'000);
     EXPECT_EQ(list->child(100'000), nullptr);
 
     QAccessibleInterface *entry = list->child(70'000);
     ASSERT_NE(entry, nullptr);
-    EXPECT_EQ(entry->role(), QAccessible::ListItem);
     EXPECT_EQ(entry->text(QAccessible::Name), u"file 70000.txt");
     EXPECT_EQ(entry->text(QAccessible::Description), u"1 KB, —");
-    EXPECT_TRUE(entry->state().checkable && entry->state().checked && entry->state().offscreen);
-    EXPECT_TRUE(entry->state().selectable && entry->state().selected);
+    const QAccessible::State of = entry->state();
+    EXPECT_TRUE(of.checkable && of.checked && of.offscreen && of.selectable && of.selected);
     EXPECT_EQ(list->indexOfChild(entry), 70'000);
     EXPECT_EQ(list->child(70'000), entry) << "made twice";
 
@@ -602,12 +575,9 @@ TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
     EXPECT_EQ(list->focusChild(), list->child(99'999));
     QTest::keyClick(entries(), Qt::Key_Home);
     // An entry that is gone says so.
-    QAccessibleInterface *last = accessible(entries())->child(99'999);
+    QAccessibleInterface *last = list->child(99'999);
     show(someFiles(2));
-    EXPECT_EQ(accessible(entries())->childCount(), 2);
     EXPECT_FALSE(last->isValid());
-    EXPECT_EQ(accessible(&view)->role(), QAccessible::Pane);
-    EXPECT_EQ(accessible(&view)->text(QAccessible::Name), u"Title");
 }
 
 /// No visible control reaches out of its parent or into a sibling.
@@ -633,14 +603,12 @@ void expectNothingOverlaps(QWidget &view) {
 }
 
 TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
-    const QString emoji = u"😀"_s.repeated(60);
     const QSize smallest = view.minimumSizeHint();
     const QSize hint = view.sizeHint();
     EXPECT_LE(smallest.width(), 390) << "two panes must fit into the smallest window";
     EXPECT_LE(smallest.height(), 320);
-    const QString texts[] = {QString(255, u'w'), emoji, u"שלום עולם.pdf"_s,
-                             u"/a/very/long/path"_s.repeated(40), u"line of an error\n"_s.repeated(10)};
-    for (const QString &text : texts) {
+    for (const QString &text : {QString(255, u'w'), u"😀"_s.repeated(60), u"שלום עולם.pdf"_s,
+                                u"/a/very/long/path"_s.repeated(40), u"line of an error\n"_s.repeated(10)}) {
         for (const PaneViewMode mode : allPaneViewModes) {
             SCOPED_TRACE(qPrintable(text.left(10) + rawValue(mode)));
             state.setItems({fileNamed(text), fileNamed(text, true)});
@@ -658,22 +626,12 @@ TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
             }
         }
     }
-    // A short text beside a long one is shown in full.
     pane.footerLeading = u"2 selected (12.4 MB)"_s;
     show();
     view.resize(smallest);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    EXPECT_FALSE(control<TextLabel>(view, u"footerLeading"_s)->isElided());
-    EXPECT_TRUE(control<TextLabel>(view, u"footerTrailing"_s)->isElided());
+    EXPECT_FALSE(control<TextLabel>(view, u"footerLeading"_s)->isElided()) << "short beside long";
     EXPECT_GT(control<TextLabel>(view, u"footerTrailing"_s)->width(), 60);
-    // Of a long error its end is seen, which is the reason.
-    const auto errorFor = [this](const QString &reason) {
-        pane.footerTrailing = u"ls: /sdcard/"_s + QString(200, u'p') + u": "_s + reason;
-        show();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-        return control<TextLabel>(view, u"footerTrailing"_s)->grab().toImage();
-    };
-    EXPECT_NE(errorFor(u"Permission denied"_s), errorFor(u"Input/output error"_s));
 }
 
 // -- Both panes on a model
@@ -723,24 +681,6 @@ protected:
     const QString folder = WindowFixture::mac.filePath(u"folder"_s);
 };
 
-TEST_F(DualBrowserTests, theTwoPanesShareTheWidthEqually) {
-    for (const int width : {view->minimumSizeHint().width(), 835, 1401}) {
-        view->resize(width, 320);
-        const QRect left = android().geometry();
-        const QRect right = mac().geometry();
-        EXPECT_LE(qAbs(left.width() - right.width()), 1) << width;
-        EXPECT_EQ(right.left() - left.right() - 1, 10 + 34 + 10);
-        EXPECT_EQ(left.left(), 0);
-        EXPECT_EQ(right.right(), view->width() - 1);
-        expectNothingOverlaps(*view);
-    }
-    EXPECT_EQ(view->minimumHeight(), 320);
-    EXPECT_EQ(text(android(), u"title"_s), u"Android Device");
-    EXPECT_EQ(text(mac(), u"title"_s), thisComputer());
-    EXPECT_FALSE(mac().findChild<QLineEdit *>(u"searchField"_s)->isVisible());
-    EXPECT_FALSE(android().findChild<IconButton *>(u"home"_s)->isVisible());
-}
-
 TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
     auto *toMac = control<IconButton>(*view, u"transferToMac"_s);
     auto *toAndroid = control<IconButton>(*view, u"transferToAndroid"_s);
@@ -748,23 +688,13 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
               u"Transfer selected Android items to "_s + thisComputer());
     EXPECT_EQ(accessible(toAndroid)->text(QAccessible::Name),
               u"Transfer selected %1 items to Android"_s.arg(thisComputer()));
-    EXPECT_EQ(toMac->size(), QSize(34, 34));
-    EXPECT_EQ(toAndroid->y() - toMac->geometry().bottom() - 1, 10);
-
     connectPhone();
     EXPECT_FALSE(toMac->isEnabled() || toAndroid->isEnabled());
     clickEntry(mac(), 1);
     EXPECT_TRUE(waitFor([&] { return toAndroid->isEnabled(); }));
     EXPECT_FALSE(toMac->isEnabled());
     EXPECT_EQ(toAndroid->look().fill, AppTheme::accent());
-    EXPECT_EQ(toAndroid->look().strokeWidth, 0);
     EXPECT_EQ(toMac->look().fill, AppTheme::surface());
-    EXPECT_EQ(toMac->look().strokeWidth, 1);
-    clickEntry(android(), 1);
-    EXPECT_TRUE(waitFor([&] { return toMac->isEnabled(); }));
-    click(toMac);
-    EXPECT_TRUE(waitFor([&] { return QFile::exists(here(u"note.txt"_s)) && !state->isTransferring(); }));
-
     phone.unplug();
     state->refreshDevice(AppState::Spinner::hidden);
     EXPECT_TRUE(waitFor([&] { return !state->device().isConnected && !toAndroid->isEnabled(); }));
@@ -773,58 +703,43 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
 TEST_F(DualBrowserTests, keysActOnTheFocusedPane) {
     connectPhone();
     using Counts = std::pair<qsizetype, qsizetype>;
-    const auto selected = [this] {
+    const auto selectedAfter = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
         return Counts(state->androidSelectedIDs().size(), state->macSelectedIDs().size());
     };
-    const auto press = [](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-    };
     clickEntry(mac(), 0);
-    EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::mac);
-    press(Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(selected(), Counts(0, 2));
+    EXPECT_EQ(selectedAfter(Qt::Key_A, Qt::ControlModifier), Counts(0, 2));
     clickEntry(android(), 0);
     EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::android);
-    press(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(selected(), Counts(2, 2));
-    press(Qt::Key_Escape, Qt::AltModifier);
-    EXPECT_EQ(selected(), Counts(0, 2));
-    press(Qt::Key_A);
-    press(Qt::Key_Return);
-    EXPECT_EQ(selected(), Counts(0, 2)) << "other keys pass";
+    EXPECT_EQ(selectedAfter(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier), Counts(2, 2));
+    EXPECT_EQ(selectedAfter(Qt::Key_Return), Counts(2, 2)) << "other keys pass";
+    control<QWidget>(mac(), u"refresh"_s)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(selectedAfter(Qt::Key_Escape), Counts(2, 0)) << "however the keyboard came there";
+    control<QWidget>(android(), u"back"_s)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(selectedAfter(Qt::Key_Escape, Qt::AltModifier), Counts(0, 0));
 
-    // In the search field the keys are the field's.
+    // In the search field the keys are the field's, and an open menu keeps Escape for itself.
     clickEntry(android(), 1);
     auto *field = control<QLineEdit>(android(), u"searchField"_s);
     field->setFocus();
     QTest::keyClicks(field, u"note"_s);
-    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(selectedAfter(Qt::Key_A, Qt::ControlModifier), Counts(1, 0));
     EXPECT_EQ(field->selectedText(), u"note");
-    press(Qt::Key_Escape);
-    EXPECT_EQ(selected(), Counts(1, 2));
-
-    // An open menu keeps Escape for itself.
+    EXPECT_EQ(selectedAfter(Qt::Key_Escape), Counts(1, 0));
     QMenu *menu = menuAt(entriesOf(mac()), bodyOf(entriesOf(mac()), 0));
     ASSERT_NE(menu, nullptr);
     QTest::keyClick(menu, Qt::Key_Escape);
     EXPECT_FALSE(menu->isVisible());
-    EXPECT_EQ(selected(), Counts(1, 2));
+    EXPECT_EQ(state->androidSelectedIDs().size(), 1);
 }
 
-TEST_F(DualBrowserTests, keysAreConsumedOnlyWhileTheViewIsShown) {
+TEST_F(DualBrowserTests, keysOfAnyWindowAreHeardWhileTheViewIsShown) {
     connectPhone();
-    const auto outcome = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        const QKeyEvent event(QEvent::KeyPress, key, modifiers);
-        return DualBrowserView::handleKeyEvent(event, *state);
-    };
-    using Outcome = DualBrowserView::KeyOutcome;
     entriesOf(android())->setFocus();
-    EXPECT_EQ(outcome(Qt::Key_Escape), Outcome::consumed) << "with nothing to clear, too";
-    EXPECT_EQ(outcome(Qt::Key_A, Qt::ControlModifier), Outcome::consumed);
-    EXPECT_EQ(outcome(Qt::Key_B, Qt::ControlModifier), Outcome::passedOn);
-    EXPECT_EQ(state->androidSelectedIDs().size(), 2);
-
-    // The filter sees keys of any window, and none once the view is hidden.
+    for (const auto &[key, outcome] : {std::pair(Qt::Key_A, DualBrowserView::KeyOutcome::consumed),
+                                       {Qt::Key_B, DualBrowserView::KeyOutcome::passedOn}})
+        EXPECT_EQ(DualBrowserView::handleKeyEvent({QEvent::KeyPress, key, Qt::ControlModifier}, *state),
+                  outcome);
     QWidget elsewhere;
     elsewhere.show();
     QTest::keyClick(&elsewhere, Qt::Key_Escape);
@@ -840,37 +755,24 @@ TEST_F(DualBrowserTests, thePhonesPaneBrowses) {
     connectPhone();
     EXPECT_TRUE(footerSays(android(), u"2 items • 5 bytes"_s));
     EXPECT_EQ(text(android(), u"footerLeading"_s), u"Nothing selected");
-
     auto *spinner = android().findChild<Spinner *>();
     EXPECT_FALSE(spinner->isVisible());
     phone.set(u"ls.delay"_s, "0.5");
     doubleClickEntry(android(), 0);
     EXPECT_TRUE(footerSays(android(), u"Loading…"_s));
     EXPECT_TRUE(spinner->isVisible());
-    EXPECT_LE(
-        (spinner->mapTo(&android(), spinner->rect().center()) - android().rect().center()).manhattanLength(),
-        2);
     phone.reset(u"ls.delay"_s);
     EXPECT_TRUE(footerSays(android(), u"1 items • Zero KB"_s));
     EXPECT_FALSE(spinner->isVisible());
     EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage › DCIM");
-
     press(android(), u"back"_s);
     EXPECT_TRUE(lists(android(), {u"DCIM"_s, u"note.txt"_s}));
-    press(android(), u"back"_s);
-    EXPECT_EQ(state->androidCurrentPath(), u"/sdcard");
-    EXPECT_TRUE(waitFor([&] { return !state->isLoadingAndroid(); }));
-    phone.write(u"new.txt"_s, "");
-    press(android(), u"refresh"_s);
-    EXPECT_TRUE(lists(android(), {u"DCIM"_s, u"new.txt"_s, u"note.txt"_s}));
 
     phone.set(u"pull.delay"_s, "0.3");
-    choose(menuAt(entriesOf(android()), bodyOf(entriesOf(android()), 2)), u"Open"_s);
+    choose(menuAt(entriesOf(android()), bodyOf(entriesOf(android()), 1)), u"Open"_s);
     EXPECT_TRUE(footerSays(android(), u"Opening…"_s));
-    EXPECT_TRUE(spinner->isVisible());
     EXPECT_TRUE(waitFor([&] { return desktop.opened.size() == 1; }));
     EXPECT_TRUE(desktop.opened.first().endsWith(u"note.txt"_s));
-
     phone.deny(u"DCIM"_s);
     doubleClickEntry(android(), 0);
     EXPECT_TRUE(footerSays(android(), u"ls: /sdcard/DCIM/: Permission denied"_s));
@@ -884,19 +786,15 @@ TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     QTest::keyClicks(field, u"NOTE"_s);
     EXPECT_TRUE(lists(android(), {u"note.txt"_s}));
     EXPECT_EQ(text(android(), u"footerTrailing"_s), u"1 of 2 items • 5 bytes");
-    EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
-    EXPECT_EQ(state->androidSelectedIDs().size(), 1);
     press(android(), u"clearSearch"_s);
     EXPECT_TRUE(lists(android(), {u"DCIM"_s, u"note.txt"_s}));
     EXPECT_TRUE(state->androidSelectedIDs().isEmpty()) << "clearing goes through the model";
 
-    // The model is told of every change of the text and of the scope.
     QTest::keyClick(control<ScopePicker>(android(), u"scopePicker"_s), Qt::Key_Down);
     QTest::keyClicks(field, u"img"_s);
     EXPECT_TRUE(footerSays(android(), u"Searching device…"_s));
     EXPECT_EQ(text(android(), u"path"_s), u"Search results");
     EXPECT_EQ(text(android(), u"nameColumn"_s), u"Name / Location");
-    EXPECT_TRUE(android().findChild<Spinner *>()->isVisible());
     EXPECT_TRUE(footerSays(android(), u"2 results for “img”"_s));
     EXPECT_EQ(FileEntry{itemsOf(android()).first()}.locationLabel(), u"Internal Storage › DCIM › Camera");
     phone.write(u"img"_s, "");
@@ -905,8 +803,6 @@ TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     press(android(), u"back"_s);
     EXPECT_TRUE(lists(android(), {u"DCIM"_s, u"note.txt"_s}));
     EXPECT_EQ(field->text(), QString());
-    EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
-
     for (const int token : {1, 2}) {
         field->clearFocus();
         state->setAndroidSearchFocusToken(token);
@@ -920,53 +816,24 @@ TEST_F(DualBrowserTests, theComputersPaneBrowses) {
     const auto shows = [this](const QString &path) {
         return says(mac(), u"path"_s, path) && waitFor([&] { return !state->isLoadingMac(); });
     };
-    EXPECT_TRUE(shows(folder));
-
     doubleClickEntry(mac(), 1);
     EXPECT_THAT(desktop.opened, ElementsAre()) << "a file opens from its menu only";
-    EXPECT_FALSE(state->isLoadingMac());
     EXPECT_TRUE(says(mac(), u"footerLeading"_s, u"1 selected"_s));
-
     doubleClickEntry(mac(), 0);
     EXPECT_TRUE(shows(here(u"sub"_s)));
-    EXPECT_TRUE(lists(mac(), {u"deeper"_s}));
     press(mac(), u"back"_s);
     EXPECT_TRUE(shows(folder));
-
-    press(mac(), u"chooseFolder"_s);
-    EXPECT_TRUE(waitFor([&] { return desktop.folderQuestions.size() == 1; }));
-    EXPECT_TRUE(desktop.folderQuestions.first().endsWith(folder));
     desktop.nextFolder = here(u"sub/deeper"_s);
     press(mac(), u"chooseFolder"_s);
+    EXPECT_TRUE(desktop.folderQuestions.value(0).endsWith(folder));
     EXPECT_TRUE(shows(here(u"sub/deeper"_s)));
-
     desktop.nextText = u"made here"_s;
     press(mac(), u"newFolder"_s);
     EXPECT_TRUE(lists(mac(), {u"made here"_s}));
     press(mac(), u"home"_s);
     EXPECT_TRUE(shows(QDir::homePath()));
-
     state->browseMac(here(u"not there"_s));
     EXPECT_TRUE(footerSays(mac(), u"Folder not found: "_s + here(u"not there"_s)));
-}
-
-TEST_F(DualBrowserTests, eachPaneHasItsOwnLayoutAndSelection) {
-    connectPhone();
-    press(mac(), u"gridView"_s);
-    EXPECT_TRUE(waitFor([&] { return control<FileItemsView>(mac(), u"fileGrid"_s)->isVisible(); }));
-    EXPECT_TRUE(control<FileItemsView>(android(), u"fileList"_s)->isVisible());
-
-    auto *box = control<SelectAllBox>(mac(), u"gridSelectAll"_s);
-    click(box);
-    EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::mac);
-    EXPECT_TRUE(waitFor([&] { return box->checkState() == Qt::Checked; }));
-    click(entriesOf(mac())->viewport(), markOf(entriesOf(mac()), 0));
-    EXPECT_TRUE(waitFor([&] { return box->checkState() == Qt::PartiallyChecked; }));
-    EXPECT_TRUE(state->androidSelectedIDs().isEmpty());
-
-    QWidget *viewport = entriesOf(android())->viewport();
-    click(viewport, viewport->rect().bottomLeft() + QPoint(50, -5));
-    EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::android);
 }
 
 TEST(AndroidBrowserPaneTests, backNeverLeavesTheSharedStorage) {

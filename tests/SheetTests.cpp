@@ -8,8 +8,6 @@
 #include "App/Sheets/UpdateView.h"
 #include "Kit/AppStyle.h"
 
-#include <QtWidgets>
-
 namespace vantrel {
 namespace {
 

@@ -65,7 +65,6 @@ TEST_F(SidebarTests, aRefreshShowsASpinnerInTheColourOfTheLastState) {
     EXPECT_EQ(text("sidebar.device.status"), u"Checking…"_s);
     EXPECT_FALSE(child<QWidget>("sidebar.device.statusDot")->isVisible());
     EXPECT_FALSE(button->isEnabled());
-    EXPECT_EQ(text("sidebar.device.title"), u"demo-phone"_s) << "known until proven gone";
 
     phone.unplug();
     phone.reset(u"devices.hang"_s);
