@@ -303,18 +303,6 @@ TEST_F(WindowChromeTests, movesByItsBandOnly) {
     EXPECT_EQ(window.geometry(), before) << "a click";
 }
 
-TEST_F(WindowChromeTests, cannotBeLost) {
-    const QRect screen = window.screen()->availableGeometry();
-    drag({250, 26}, {0, -3000});
-    EXPECT_EQ(window.pos().y(), screen.top());
-    drag({250, 26}, {9000, 9000});
-    EXPECT_TRUE(screen.intersects(QRect(window.mapToGlobal(QPoint()), QSize(600, 26))));
-    window.move(-20'000, 0);
-    window.hide();
-    window.show();
-    EXPECT_TRUE(screen.intersects(window.geometry()));
-}
-
 TEST_F(WindowChromeTests, resizesByItsEdges) {
     drag({598, 200}, {40, 40});
     EXPECT_EQ(window.geometry(), QRect(60, 50, 640, 400));

@@ -4,8 +4,6 @@
 #include <QtTest>
 #include <gmock/gmock.h>
 
-#include <sys/stat.h>
-
 using namespace Qt::StringLiterals;
 using namespace vantrel;
 using testing::StartsWith;
@@ -113,27 +111,4 @@ TEST(DemoPhoneListingTests, pathsLeadWhereThePhonesWouldAndNeverOut) {
         listed.erase(listed.begin(), listed.begin() + std::min<std::ptrdiff_t>(3, std::ssize(listed)));
         EXPECT_THAT(listed, testing::UnorderedElementsAreArray(names)) << path << "\n" << ls.out;
     }
-}
-
-TEST(DemoPhoneListingTests, namesAreEscapedAsToyboxDoes) {
-    DemoPhone phone;
-    // Names, and how a phone's toybox was seen to print them.
-    const QByteArray names =
-        " lead|a\x01|-> x|\\040|bad\xff\xfe|bell\a|bs\b|c1\u0085x|del\x7f|esc\x1b|ff\f|grüße 😀|"
-        "line\nx|ls\u2028|nb\u00a0|ov\xc0\xaf|q'\"*?|\xc2|.|..";
-    const QByteArray printed =
-        "\\ lead|a\\001|->\\ x|\\\\040|bad\\377\\376|bell\\a|bs\\b|c1\\205x|del\\177|esc\\e|ff\\f|"
-        "grüße\\ 😀|line\\nx|ls\\342\\200\\250|nb\u00a0|ov\\300\\257|q'\"*?|\\302|.|..";
-    for (const QByteArray &name : names.split('|'))
-        ::mkdir(QByteArray(QFile::encodeName(phone.root()) + '/' + name).constData(), 0700);
-    QByteArrayList listed;
-    for (const QByteArray &line : QByteArray::fromStdString(shell("ls -lab '/sdcard/'").out).split('\n')) {
-        if (line.startsWith('d')) // the name stands behind the minute
-            listed.append(line.mid(line.indexOf(':') + 4));
-    }
-    EXPECT_THAT(listed, testing::UnorderedElementsAreArray(printed.split('|')));
-    phone.set(u"escapes"_s, "off");
-    const Outcome old = shell("ls -lab '/sdcard/'");
-    EXPECT_EQ(old.err, "ls: Unknown option 'b' (see \"ls --help\")\n");
-    EXPECT_EQ(old.exitStatus, 1);
 }

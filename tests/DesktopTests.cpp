@@ -42,30 +42,29 @@ protected:
 };
 
 TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
-    const auto field = [](TextPrompt *shown) { return shown->findChild<QLineEdit *>(); };
-    const auto key = [&](Qt::Key which) {
-        return [=](TextPrompt *shown) { QTest::keyClick(field(shown), which); };
+    const auto press = [](const char *name) {
+        return [name](TextPrompt *shown) { click(shown->findChild<QWidget *>(QLatin1String(name))); };
+    };
+    const auto key = [](Qt::Key which) {
+        return [which](TextPrompt *shown) { QTest::keyClick(shown->findChild<QLineEdit *>(), which); };
     };
     const auto type = [&](TextPrompt *shown) { // over the selection
-        QTest::keyClicks(field(shown), u"Holiday"_s);
-        QTest::mouseClick(shown->findChild<QAbstractButton *>(u"textPrompt.accept"_s), Qt::LeftButton);
-    };
-    const auto cancel = [](TextPrompt *shown) {
-        QTest::mouseClick(shown->findChild<QAbstractButton *>(u"textPrompt.cancel"_s), Qt::LeftButton);
+        QTest::keyClicks(shown->findChild<QLineEdit *>(), u"Holiday"_s);
+        press("textPrompt.accept")(shown);
     };
     using Answer = std::pair<std::function<void(TextPrompt *)>, std::optional<QString>>;
     for (const auto &[answer, expected] : {Answer{key(Qt::Key_Return), u"New Folder"_s},
                                            {type, u"Holiday"_s},
                                            {key(Qt::Key_Escape), {}},
-                                           {cancel, {}},
+                                           {press("textPrompt.cancel"), {}},
                                            {&QWidget::close, {}}}) {
         const auto future = ask();
         TextPrompt *shown = prompt();
         ASSERT_NE(shown, nullptr);
         EXPECT_FALSE(future.isFinished()) << "nobody has answered yet";
-        EXPECT_EQ(field(shown)->size(), QSize(240, 24));
-        EXPECT_EQ(field(shown)->selectedText(), u"New Folder"_s);
-        ASSERT_TRUE(waitFor([&] { return field(shown)->hasFocus(); }));
+        const auto *field = shown->findChild<QLineEdit *>();
+        EXPECT_EQ(field->selectedText(), u"New Folder"_s);
+        ASSERT_TRUE(waitFor([&] { return field->hasFocus(); }));
         answer(shown);
         ASSERT_TRUE(future.isFinished());
         EXPECT_EQ(future.result(), expected);
@@ -178,9 +177,9 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
         Schemes heardSchemes;
         QList<bool> heardMotions;
         QObject::connect(&preferences, &DesktopPreferences::colorSchemePreferred,
-                         [&](ColorScheme scheme) { heardSchemes.append(scheme); });
+                         [&](auto scheme) { heardSchemes += scheme; });
         QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred,
-                         [&](bool reduced) { heardMotions.append(reduced); });
+                         [&](bool is) { heardMotions += is; });
         EXPECT_TRUE(waitFor([&] { return heardSchemes.size() >= schemes.size(); }));
         EXPECT_EQ(heardSchemes, schemes);
         EXPECT_EQ(heardMotions, motions);

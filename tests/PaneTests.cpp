@@ -436,11 +436,9 @@ TEST_P(PaneLayoutTests, exactlyTheEntriesThatLookDifferentAreRepainted) {
     items.last().name += u'x';
     show(items);
     EXPECT_THAT(painted(), ElementsAre()) << "it looks as before";
-    items.resize(7);
-    show(items);
+    show(items.first(7));
     painted();
-    items += someFiles(2);
-    show(items);
+    show(items.first(9));
     EXPECT_THAT(painted(), ElementsAre(7, 8));
     click(entries()->viewport(), bodyOf(entries(), 5));
     click(entries()->viewport(), bodyOf(entries(), 2));
@@ -559,14 +557,12 @@ TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
     EXPECT_FALSE(first->state().checked || first->state().selected || first->state().offscreen);
     EXPECT_EQ(list->childAt(first->rect().center().x(), first->rect().center().y()), first);
     EXPECT_EQ(first->rect().topLeft(), entries()->viewport()->mapToGlobal(rectOf(entries(), 0).topLeft()));
-    const QString toggle = QAccessibleActionInterface::toggleAction();
-    first->actionInterface()->doAction(toggle);
-    entry->actionInterface()->doAction(toggle);
-    EXPECT_THAT(calls, ElementsAre(u"toggle file 0.txt"_s, u"toggle file 70000.txt"_s));
+    first->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    entry->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
     EXPECT_TRUE(entry->state().selected) << "the pane decides";
-    calls.clear();
     entry->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_THAT(calls, ElementsAre(u"open file 70000.txt"_s));
+    EXPECT_THAT(calls,
+                ElementsAre(u"toggle file 0.txt"_s, u"toggle file 70000.txt"_s, u"open file 70000.txt"_s));
 
     entries()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(entries(), Qt::Key_End);

@@ -4,6 +4,7 @@
 #include "Records/FileOrder.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/Identity.h"
+#include "Records/Pane.h"
 #include "Records/QueueItem.h"
 #include "Records/TextLength.h"
 #include "Records/TransferFormat.h"
@@ -76,6 +77,14 @@ TEST(QueueItemTests, labelsFollowTheStatus) {
         EXPECT_EQ(item.progressLabel(), progress);
         EXPECT_EQ(item.percentLabel(), percent);
     }
+}
+
+TEST(RawValueTests, onlyTheExactTextGivesAValue) {
+    for (const PaneViewMode mode : allPaneViewModes)
+        EXPECT_EQ(paneViewModeFromRawValue(rawValue(mode)), mode);
+    for (const AndroidSearchScope scope : allAndroidSearchScopes)
+        EXPECT_EQ(androidSearchScopeFromRawValue(rawValue(scope)), scope);
+    EXPECT_EQ(paneViewModeFromRawValue(u"Grid"_s), std::nullopt);
 }
 
 TEST(FileOrderTests, foldersFirstThenNamesWithoutCaseAndStable) {

@@ -97,12 +97,6 @@ TEST(AppcastTests, leavesOutWhatIsNotForUs) {
 
 TEST(AppcastTests, refusesWhatIsNoFeed) {
     const QByteArray good = feed(item("9.0", "90", "https://localhost/"));
-    QByteArray bomb = "<!DOCTYPE rss [<!ENTITY a \"aaaaaaaaaa\">";
-    for (char level = 'b'; level < 'k'; ++level) {
-        const QByteArray reference = "&" + QByteArray(1, static_cast<char>(level - 1)) + ";";
-        bomb += "<!ENTITY " + QByteArray(1, level) + " \"" + reference.repeated(10) + "\">";
-    }
-    bomb += "]><rss><channel><title>&j;</title></channel></rss>";
     const QByteArray file =
         "<!DOCTYPE rss [<!ENTITY f SYSTEM \"file:///etc/passwd\">]><rss><channel>&f;</channel></rss>";
     using enum AppcastError;
@@ -113,7 +107,7 @@ TEST(AppcastTests, refusesWhatIsNoFeed) {
                                       feed("<title>&nbsp;</title>"), feed("<title>\xff\xfe</title>"),
                                       feed(QByteArray("<title>\0</title>", 16))}),
              {notAFeed, {"<html><body/></html>", "<rss/>"}},
-             {hasDocumentType, {"<!DOCTYPE rss><rss><channel/></rss>", file, bomb}},
+             {hasDocumentType, {"<!DOCTYPE rss><rss><channel/></rss>", file}},
          })
         for (const QByteArray &xml : texts) {
             const auto parsed = parseAppcast(xml);
@@ -220,10 +214,8 @@ TEST_F(UpdaterTests, refusesBadAnswers) {
     using Answer = LocalHttpServer::Answer;
     for (const auto &[sent, reason] :
          {std::pair(Answer{.status = 404, .body = good}, "The update server answered with status 404."),
-          {{.status = 503, .body = good}, "The update server answered with status 503."},
           {{.body = padded(Updater::maximumFeedSize)}, ""},
           {{.body = padded(Updater::maximumFeedSize + 1)}, tooLarge},
-          {{.body = padded(20 * Updater::maximumFeedSize)}, tooLarge},
           {{.body = padded(20 * Updater::maximumFeedSize), .announcesLength = false}, tooLarge},
           {{.body = good.chopped(5)}, "The update feed is damaged."},
           {{.body = entities}, "The update feed contains a document type, which is not allowed."},

@@ -1,7 +1,6 @@
 // The main window and how it divides its room, on a demo phone.
 
 #include "support/MainWindowFixture.h"
-#include "support/Processes.h"
 
 #include "App/Window/ContentView.h"
 #include "App/Window/ToolbarButton.h"
@@ -223,25 +222,6 @@ TEST_F(MainWindowTests, followsTheDesktopsSchemeUntilTheUserChooses) {
     view.reset();
     showWindow()->followDesktop(ColorScheme::dark);
     EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "at the next start too";
-}
-
-TEST_F(MainWindowTests, followsThePhoneAsLongAsItIsOpen) {
-    phone.unplug();
-    MainWindow *window = showWindow();
-    const auto trackers = [] { return processes::childrenCalled("track-devices"); };
-    ASSERT_TRUE(waitFor([&] { return trackers() == 1; }));
-    EXPECT_FALSE(window->state().macItems().isEmpty() && window->state().macBrowseError())
-        << "the computer's folder came first";
-
-    // Everything is found without a click, and without a sign of the search.
-    const QSignalSpy spinner(&window->state(), &AppState::isRefreshingDeviceChanged);
-    phone.plug();
-    ASSERT_TRUE(waitFor([&] { return window->state().device().isConnected; }));
-    EXPECT_EQ(spinner.count(), 0);
-    EXPECT_EQ(phone.commandLines().count(QStringList{u"devices"_s}), 1) << "at the start, and never again";
-
-    window->close();
-    EXPECT_EQ(trackers(), 0);
 }
 
 TEST_F(MainWindowTests, isDestroyedWhileEverythingIsUnderWay) {

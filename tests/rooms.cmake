@@ -24,6 +24,9 @@ vantrel_gui_test(WindowTests LIBRARIES vantrel_app_window demo_phone_fixture
                  SOURCES WindowTests.cpp ChromeTests.cpp SheetTests.cpp)
 vantrel_test_at_3x(WindowTests *opensAtItsSize*:*thePanelTakes*)
 
+# The whole job of the program once, by hand, in the real window.
+add_test(NAME Tour COMMAND vantrel_tour --demo --output ${CMAKE_CURRENT_BINARY_DIR}/tour)
+set_tests_properties(Tour PROPERTIES TIMEOUT 300 ENVIRONMENT "${VANTREL_TEST_ENVIRONMENT}")
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)
 vantrel_gui_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)
 if(NOT APPLE)
