@@ -1,15 +1,12 @@
 // The main window and how it divides its room, on a demo phone.
 
-#include "support/Files.h"
 #include "support/MainWindowFixture.h"
-#include "support/Processes.h"
 
 #include "ADB/ADBClient.h"
 #include "App/Sheets/MessageSheet.h"
 #include "App/System/QuitSignals.h"
 #include "App/Window/ContentView.h"
 #include "App/Window/ToolbarButton.h"
-#include "Kit/AppStyle.h"
 #include "Kit/TextLabel.h"
 #include "Views/QueueListView.h"
 #include "Views/TransferQueueView.h"
@@ -39,8 +36,6 @@ TEST_F(BrowserColumnTests, thePanelTakesTwoFifthsUntilItsEdgeIsDragged) {
     int previous = queue->height();
     for (const int count : {1, 3, 40}) {
         queueGhosts(count);
-        ASSERT_TRUE(waitFor([&] { return state->queue().size() >= count; }));
-        settle();
         EXPECT_GT(queue->height(), previous) << count;
         EXPECT_EQ(queue->height(), std::min(queue->sizeHint().height(), most));
         previous = queue->height();
@@ -79,7 +74,6 @@ TEST_F(BrowserColumnTests, thePanelTakesTwoFifthsUntilItsEdgeIsDragged) {
     view->resize(840, 640);
     settle();
     EXPECT_EQ(queue->height(), (640 - 32) * 2 / 5);
-    EXPECT_GE(browser->height(), BrowserColumn::browserMinimumHeight);
 }
 
 TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
@@ -88,7 +82,6 @@ TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
         Settings settings(path);
         auto *content = show(new ContentView(state.get(), settings), {1100, 800});
         queueGhosts(40);
-        settle();
         auto *edge = content->findChild<QSplitterHandle *>(u"queue.edge"_s);
         edge->setFocus(Qt::TabFocusReason);
         QTest::keyClick(edge, Qt::Key_Down);
@@ -106,15 +99,7 @@ TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
     }
 }
 
-class MainWindowTests : public MainWindowFixture {
-protected:
-    [[nodiscard]] qsizetype looks() const {
-        qsizetype count = 0;
-        for (const QStringList &line : phone.commandLines())
-            count += line == QStringList{u"devices"_s};
-        return count;
-    }
-};
+using MainWindowTests = MainWindowFixture;
 
 TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
     MainWindow *window = showWindow();
@@ -130,8 +115,7 @@ TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
     EXPECT_EQ(browser->mapTo(window, QPoint()).x(), left + 240 + 1 + 12);
     EXPECT_EQ(child<QWidget>("statusBar")->mapTo(window, QPoint()).x(), left);
     // The content does not ask for more than the window gives: at its least size nothing is cut off.
-    EXPECT_LE(window->minimumSizeHint().width(), 1100);
-    EXPECT_LE(window->minimumSizeHint().height(), 720);
+    EXPECT_EQ(window->minimumSizeHint().boundedTo({1100, 720}), window->minimumSizeHint());
 }
 
 TEST_F(MainWindowTests, opensAsItWasLeft) {
@@ -221,7 +205,7 @@ TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {
                       isDark ? u"Switch to Light mode"_s : u"Switch to Dark mode"_s);
         };
         shows(dark);
-        QTest::mouseClick(child<ToolbarButton>("toolbar.appearance"), Qt::LeftButton);
+        click(child<ToolbarButton>("toolbar.appearance"));
         QCoreApplication::processEvents(); // the toolkit tells the widgets in its next pass
         shows(!dark);
         ASSERT_TRUE(settings->save());
@@ -239,53 +223,12 @@ TEST_F(MainWindowTests, followsTheDesktopsSchemeUntilTheUserChooses) {
         EXPECT_EQ(child<ToolbarButton>("toolbar.appearance")->text() == u"Light"_s,
                   preferred == ColorScheme::dark);
     }
-    QTest::mouseClick(child<ToolbarButton>("toolbar.appearance"), Qt::LeftButton);
+    click(child<ToolbarButton>("toolbar.appearance"));
     window->followDesktop(ColorScheme::dark);
     EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "the user has chosen";
     view.reset();
     showWindow()->followDesktop(ColorScheme::dark);
     EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "at the next start too";
-}
-
-TEST_F(MainWindowTests, aNewSchemeRecoloursEveryGround) {
-    MainWindow *window = showWindow();
-    for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {
-        window->setAppearancePreference(scheme);
-        QCoreApplication::processEvents();
-        const QImage image = window->grab().toImage();
-        for (const auto &[name, at, color] : {std::tuple("sidebar", QPoint(4, 400), AppTheme::sidebar()),
-                                              {"statusBar", {600, 4}, AppTheme::sidebar()},
-                                              {"queue", {300, 4}, AppTheme::canvas()},
-                                              {"titleBar", {500, 10}, AppTheme::titleBar()},
-                                              {"sidebar.device", {100, 6}, AppTheme::surface()}})
-            EXPECT_EQ(image.pixelColor(child<QWidget>(name)->mapTo(window, at)).rgba(),
-                      color.resolved(scheme).rgba())
-                << name;
-    }
-}
-
-TEST_F(MainWindowTests, followsThePhoneAsLongAsItIsOpen) {
-    phone.unplug();
-    MainWindow *window = showWindow();
-    const auto trackers = [] {
-        const auto children = processes::children();
-        return std::count_if(children.begin(), children.end(), [](const processes::Child &one) {
-            return one.commandLine.contains("track-devices");
-        });
-    };
-    ASSERT_TRUE(waitFor([&] { return trackers() == 1; }));
-    EXPECT_FALSE(window->state().macItems().isEmpty() && window->state().macBrowseError())
-        << "the computer's folder came first";
-
-    // Everything is found without a click, and without a sign of the search.
-    const QSignalSpy spinner(&window->state(), &AppState::isRefreshingDeviceChanged);
-    phone.plug();
-    ASSERT_TRUE(waitFor([&] { return window->state().device().isConnected; }));
-    EXPECT_EQ(spinner.count(), 0);
-    EXPECT_EQ(looks(), 1) << "at the start, and never again";
-
-    window->close();
-    EXPECT_EQ(trackers(), 0);
 }
 
 TEST_F(MainWindowTests, isDestroyedWhileEverythingIsUnderWay) {
@@ -311,18 +254,7 @@ TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesItAndNothingElseTakesThe
     settle();
     EXPECT_EQ(QApplication::focusWidget(), nullptr);
     QTest::keyClick(window, Qt::Key_Tab);
-    QWidget *first = QApplication::focusWidget();
-    ASSERT_NE(first, nullptr);
-
-    // What has it keeps it while another window is in front.
-    QWidget other;
-    other.show();
-    other.activateWindow();
-    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == &other; }));
-    window->activateWindow();
-    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
-    settle();
-    EXPECT_EQ(QApplication::focusWidget(), first);
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
 
     QSet<QWidget *> reached;
     for (int i = 0; i < 200; ++i) {
@@ -477,11 +409,6 @@ TEST_F(ClosingTests, aSignalEndsItInGoodOrderAndAsksNobody) {
     Background::stop(&ADBClient::stopRunningTools);
     for (const processes::Child &child : processes::children())
         ADD_FAILURE() << child.commandLine.toStdString();
-}
-
-TEST(AppStyleTests, toolTipsComeAfterAQuarterOfASecond) {
-    const AppStyle style(Settings::toolTipDelay);
-    EXPECT_EQ(style.styleHint(QStyle::SH_ToolTip_WakeUpDelay, nullptr, nullptr, nullptr), 250);
 }
 
 } // namespace
