@@ -8,6 +8,7 @@
 #include "Views/AndroidBrowserPane.h"
 #include "Views/ColumnButton.h"
 #include "Views/DualBrowserView.h"
+#include "Views/FileDrag.h"
 #include "Views/FileGridCell.h"
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
@@ -222,6 +223,79 @@ TEST_F(FilePaneTests, aClickBesideTheControlsFocusesThePane) {
         EXPECT_THAT(taken(), ElementsAre(u"focus"_s)) << qPrintable(name);
         EXPECT_FALSE(field->hasFocus()) << "the selection's keys would still go to the field";
     }
+}
+
+TEST_F(FilePaneTests, aBandSelectsWhatItCoversAndGivesItBack) {
+    showAs(PaneViewMode::grid);
+    show(someFiles(8));
+    const QList<FileItem> all = state.items();
+    select({all.at(1)});
+    pane.onSelectRange = [this](const QList<FileItem> &items, bool isSelected) {
+        state.setSelected(items, isSelected);
+        show();
+    };
+    show();
+    const auto selected = [this] { return namesOf(state.selectedItems()).join(u' '); };
+    QWidget *viewport = entries()->viewport();
+    const auto move = [&](const QPoint &to) { // in the way of a window system: with the button down
+        QMouseEvent event(QEvent::MouseMove, to, viewport->mapToGlobal(QPointF(to)), Qt::NoButton,
+                          Qt::LeftButton, {});
+        QCoreApplication::sendEvent(viewport, &event);
+    };
+    QTest::mousePress(viewport, Qt::LeftButton, {}, QPoint(3, 3));
+    move(rectOf(entries(), 5).center());
+    EXPECT_EQ(selected(), u"file 0.txt file 1.txt file 4.txt file 5.txt");
+    move(rectOf(entries(), 0).center());
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, rectOf(entries(), 0).center());
+    EXPECT_EQ(selected(), u"file 0.txt file 1.txt") << "what was selected before stays";
+    move(rectOf(entries(), 5).center());
+    EXPECT_EQ(selected(), u"file 0.txt file 1.txt") << "the button is up";
+}
+
+TEST_P(PaneLayoutTests, entriesAreDraggedAndDroppedOnAFolderOrThePane) {
+    FileItem folder = fileNamed(u"sub"_s);
+    folder.isDirectory = true;
+    folder.path = u"/home/me/sub"_s;
+    show({folder, fileNamed(u"file"_s)});
+    pane.path.folder = u"/home/me"_s;
+    pane.onDrag = [this](const FileItem &item) { calls.append(u"drag "_s + item.name); };
+    pane.dropCount = [](const QMimeData &dragged) { return dragged.text().size(); };
+    pane.onDrop = [this](const QMimeData &dragged, const QString &into) {
+        calls.append(dragged.text() + u" into "_s + into);
+    };
+    show();
+    QWidget *viewport = entries()->viewport();
+    const auto dragTo = [&](int x) {
+        const QPointF to = bodyOf(entries(), 1) + QPoint(x, 0);
+        QTest::mousePress(viewport, Qt::LeftButton, {}, bodyOf(entries(), 1));
+        QMouseEvent event(QEvent::MouseMove, to, viewport->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(viewport, &event);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, to.toPoint());
+        return taken();
+    };
+    EXPECT_THAT(dragTo(2), ElementsAre(u"select file"_s)) << "a hand is not that steady";
+    EXPECT_THAT(dragTo(30), ElementsAre(u"drag file"_s));
+
+    QMimeData data;
+    const auto drop = [&](const QString &text, const QPoint &place) {
+        data.setText(text);
+        const QPoint at = viewport->mapTo(&view, place);
+        QDragEnterEvent enter(at, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&view, &enter);
+        QStringList seen{enter.isAccepted() ? ::vantrel::text(view, u"footerTrailing"_s) : u"refused"_s};
+        EXPECT_TRUE(!enter.isAccepted() || enter.dropAction() == Qt::CopyAction) << "nothing is ever moved";
+        if (enter.isAccepted()) {
+            QDropEvent dropped(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(&view, &dropped);
+        }
+        EXPECT_EQ(::vantrel::text(view, u"footerTrailing"_s), pane.footerTrailing);
+        return seen + taken();
+    };
+    EXPECT_THAT(drop(u"ab"_s, bodyOf(entries(), 0)),
+                ElementsAre(u"Copy 2 items to “sub”"_s, u"ab into /home/me/sub"_s));
+    EXPECT_THAT(drop(u"a"_s, bodyOf(entries(), 1)),
+                ElementsAre(u"Copy 1 item to “me”"_s, u"a into /home/me"_s));
+    EXPECT_THAT(drop({}, bodyOf(entries(), 0)), ElementsAre(u"refused"_s));
 }
 
 TEST_F(FilePaneTests, thePathLeadsElsewhere) {
@@ -944,6 +1018,36 @@ TEST_F(DualBrowserTests, theComputersPaneBrowses) {
     EXPECT_TRUE(shows(QDir::homePath()));
     state->browseMac(here(u"not there"_s));
     EXPECT_TRUE(footerSays(mac(), u"Folder not found: "_s + here(u"not there"_s)));
+}
+
+TEST_F(DualBrowserTests, whatIsDroppedIsCopied) {
+    connectPhone();
+    QDir(folder).mkpath(u"into"_s);
+    write(here(u"from elsewhere.txt"_s), "text");
+    const auto drop = [](QWidget &pane, QMimeData *data, const QString &into) {
+        const FilePane &callbacks = pane.findChild<FilePaneView *>()->pane();
+        const qsizetype count = callbacks.dropCount(*data);
+        if (count > 0)
+            callbacks.onDrop(*data, into);
+        return count;
+    };
+    QMimeData elsewhere;
+    elsewhere.setUrls({QUrl::fromLocalFile(here(u"from elsewhere.txt"_s)), QUrl(u"https://example.org/x"_s)});
+    EXPECT_EQ(drop(android(), &elsewhere, u"/sdcard/DCIM"_s), 1) << "an address is no file";
+    EXPECT_EQ(drop(mac(), &elsewhere, folder), 0);
+    DraggedEntries note(BrowserSide::android, {fileNamed(u"note.txt"_s)});
+    EXPECT_EQ(drop(android(), &note, u"/sdcard/DCIM"_s), 0) << "the phone's own";
+    EXPECT_FALSE(note.hasUrls()) << "no other program reaches it";
+    FileItem item = fileNamed(u"note.txt"_s);
+    item.path = u"/sdcard/note.txt"_s;
+    DraggedEntries reachable(BrowserSide::android, {item});
+    EXPECT_EQ(drop(mac(), &reachable, here(u"into"_s)), 1);
+    EXPECT_TRUE(waitFor([&] { return state->queue().size() == 2 && !state->isTransferring(); }));
+    EXPECT_EQ(contents(here(u"into/note.txt"_s)), "hello");
+    EXPECT_EQ(phone.read(u"DCIM/from elsewhere.txt"_s), "text");
+    phone.unplug();
+    refresh();
+    EXPECT_EQ(drop(mac(), &reachable, folder), 0) << "there is no phone";
 }
 
 TEST(AndroidBrowserPaneTests, backNeverLeavesTheSharedStorage) {

@@ -2,8 +2,10 @@
 
 #include "ADB/AndroidPath.h"
 #include "MacFiles/Desktop.h"
+#include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/Identity.h"
+#include "Worker/Worker.h"
 
 #include <QDir>
 
@@ -67,18 +69,20 @@ AppState::~AppState() {
 /// Queues copies of the source pane's selected entries, as far as they are shown, for the other pane's
 /// folder.
 void AppState::transfer(TransferDirection direction) {
-    if (!connectedSerial()) {
-        m_phones.setMessage(QStringLiteral("Connect an Android device to transfer."));
-        return;
-    }
     const bool isPull = direction == TransferDirection::androidToMac;
     PaneState &source = isPull ? m_androidPane : m_macPane;
-    const QString folder = isPull ? macPath() : androidCurrentPath();
+    if (transfer(direction, source.selectedItems(), isPull ? macPath() : androidCurrentPath()))
+        source.clearSelection();
+}
+
+bool AppState::transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder) {
+    if (!connectedSerial()) {
+        m_phones.setMessage(QStringLiteral("Connect an Android device to transfer."));
+        return false;
+    }
     QList<QueueItem> entries;
     QStringList nameless; // what these are called, adb cannot be told
-    for (const FileItem &item : source.visibleItems()) {
-        if (!source.selectedIDs().contains(item.id))
-            continue;
+    for (const FileItem &item : items) {
         if (!item.isNameExact)
             nameless.append(item.name);
         else
@@ -93,17 +97,22 @@ void AppState::transfer(TransferDirection direction) {
                             *connectedSerial()});
     }
     if (!nameless.isEmpty())
-        source.setBrowseError(
-            nameless.size() == 1
-                ? QString(QStringLiteral("“") % nameless.first() %
-                          QStringLiteral("” can’t be copied: its name on the phone is not text."))
-                : QString(
-                      QString::number(nameless.size()) %
-                      QStringLiteral(" entries can’t be copied: their names on the phone are not text.")));
-    if (entries.isEmpty())
-        return;
-    source.clearSelection();
-    m_transfers.enqueue(entries);
+        pane(direction == TransferDirection::androidToMac ? BrowserSide::android : BrowserSide::mac)
+            .setBrowseError(
+                nameless.size() == 1
+                    ? QString(QStringLiteral("“") % nameless.first() %
+                              QStringLiteral("” can’t be copied: its name on the phone is not text."))
+                    : QString(QString::number(nameless.size()) %
+                              QStringLiteral(
+                                  " entries can’t be copied: their names on the phone are not text.")));
+    if (!entries.isEmpty())
+        m_transfers.enqueue(entries);
+    return !entries.isEmpty();
+}
+
+QCoro::Task<> AppState::transferToAndroid(QStringList paths, QString folder) {
+    const auto items = co_await Background::run(this, &MacFileClient::entriesAt, paths);
+    transfer(TransferDirection::macToAndroid, items, folder);
 }
 
 std::optional<QString> AppState::connectedSerial() const {

@@ -27,7 +27,6 @@ public:
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
     ~AppState() override;
-    /// A new model with its initial values.
     [[nodiscard]] static std::unique_ptr<AppState> designPreview(Desktop &desktop);
     [[nodiscard]] Desktop &desktop() const { return m_desktop; }
 
@@ -73,7 +72,6 @@ public:
     void setAndroidViewMode(PaneViewMode mode) { m_androidPane.setViewMode(mode); }
     [[nodiscard]] QString androidSelectionSummary() const;
     [[nodiscard]] QString androidFooterStats() const;
-    /// The sidebar's shortcuts; never change.
     [[nodiscard]] const QList<StorageShortcut> &shortcuts() const { return m_shortcuts; }
     [[nodiscard]] const std::optional<QUuid> &selectedShortcutID() const {
         return m_selectedShortcutID.value();
@@ -125,6 +123,10 @@ public:
     /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
     void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
     void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }
+    /// Queues copies of one side's entries into a folder of the other. Whether it took any.
+    bool transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder);
+    /// The same for files of this computer that come from elsewhere, by their paths.
+    QCoro::Task<> transferToAndroid(QStringList paths, QString folder);
     /// Removes one entry; a copy that runs for it is stopped and leaves nothing behind.
     void removeQueueItem(const QUuid &id) { m_transfers.remove(id); }
     /// Removes every entry that is not running.

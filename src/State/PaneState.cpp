@@ -45,6 +45,13 @@ void PaneState::clearSelection() {
     Q_EMIT selectedIDsChanged();
 }
 
+QList<FileItem> PaneState::selectedItems() const {
+    QList<FileItem> selected;
+    std::copy_if(m_visibleItems.begin(), m_visibleItems.end(), std::back_inserter(selected),
+                 [this](const FileItem &item) { return m_selectedIDs.contains(item.id); });
+    return selected;
+}
+
 PaneSelectAllState PaneState::selectAllState() const {
     const auto selected = std::count_if(m_visibleItems.begin(), m_visibleItems.end(),
                                         [this](const auto &item) { return m_selectedIDs.contains(item.id); });

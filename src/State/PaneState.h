@@ -29,6 +29,8 @@ public:
     /// What the pane shows: the listing, the filtered listing, or the hits of a search. Cheap to call.
     [[nodiscard]] const QList<FileItem> &visibleItems() const { return m_visibleItems; }
     [[nodiscard]] const QSet<QUuid> &selectedIDs() const { return m_selectedIDs; }
+    /// What of visibleItems() is selected, in its order.
+    [[nodiscard]] QList<FileItem> selectedItems() const;
     /// Entries of the folder that could not be read, and are not among its items.
     [[nodiscard]] qsizetype unreadableCount() const { return m_unreadableCount; }
     /// Whether a listing is under way.

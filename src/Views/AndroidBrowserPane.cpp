@@ -57,8 +57,8 @@ void AndroidBrowserPane::fill(FilePane &pane) {
     AppState *state = &app();
     const bool isSearchActive = state->isAndroidEverywhereSearchActive();
     pane.title = QStringLiteral("Android Device");
-    pane.pathLabel = isSearchActive ? QStringLiteral("Search results")
-                                    : state->androidPathSegments().join(separator);
+    pane.pathLabel =
+        isSearchActive ? QStringLiteral("Search results") : state->androidPathSegments().join(separator);
     pane.path.folder = state->androidCurrentPath();
     pane.path.onGoTo = [this](const QString &path) {
         focusSide();

@@ -3,6 +3,7 @@
 #include "Kit/Spinner.h"
 #include "State/AppState.h"
 #include "State/FolderCompletion.h"
+#include "Views/FileDrag.h"
 #include "Views/FilePaneView.h"
 
 #include <QGridLayout>
@@ -30,6 +31,15 @@ void BrowserPane::focusSide() const {
     m_app->setFocusedBrowserSide(m_state.side());
 }
 
+void BrowserPane::take(const QMimeData &dragged, const QString &folder) {
+    const bool isPhone = m_state.side() == BrowserSide::android;
+    if (const auto *own = qobject_cast<const DraggedEntries *>(&dragged))
+        m_app->transfer(isPhone ? TransferDirection::macToAndroid : TransferDirection::androidToMac,
+                        own->items(), folder);
+    else if (isPhone)
+        m_app->transferToAndroid(draggedPaths(dragged), folder);
+}
+
 void BrowserPane::render() {
     FilePane pane;
     pane.onToggle = [this](const FileItem &item) {
@@ -54,6 +64,14 @@ void BrowserPane::render() {
                       focusSide();
                       m_state.setOrder(order);
                   }};
+    pane.onDrag = [this](const FileItem &item) {
+        dragEntries(m_view, m_state.side(),
+                    m_state.selectedIDs().contains(item.id) ? m_state.selectedItems() : QList{item});
+    };
+    pane.dropCount = [this](const QMimeData &dragged) {
+        return m_app->device().isConnected ? draggedCount(dragged, m_state.side()) : 0;
+    };
+    pane.onDrop = [this](const QMimeData &dragged, const QString &folder) { take(dragged, folder); };
     pane.path.foldersIn = [this](const QString &folder, const auto &show) {
         QCoro::connect(folderPathsIn(*m_app, m_state.side(), folder), this, show);
     };

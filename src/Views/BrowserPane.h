@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+class QMimeData;
+
 namespace vantrel {
 
 class AppState;
@@ -40,6 +42,7 @@ protected:
 
 private:
     void render();
+    void take(const QMimeData &dragged, const QString &folder);
 
     AppState *m_app;
     PaneState &m_state;

@@ -104,12 +104,23 @@ void FileItemsView::updateGeometries() {
 
 void FileItemsView::paintEvent(QPaintEvent *event) {
     QListView::paintEvent(event);
+    QPainter painter(viewport());
+    if (m_dropTarget.isValid())
+        paintCard(painter, QRectF(visualRect(m_dropTarget)).adjusted(1, 1, -1, -1), m_delegate->focusRadius(),
+                  {}, AppTheme::accent(), 2);
     if (!m_showsFocus || !hasFocus())
         return;
-    QPainter painter(viewport());
     const QModelIndex current = focusedIndex();
     paintFocusRing(painter, current.isValid() ? visualRect(current) : viewport()->rect(),
                    m_delegate->focusRadius());
+}
+
+void FileItemsView::setDropTarget(const QModelIndex &folder) {
+    if (m_dropTarget == folder)
+        return;
+    update(m_dropTarget);
+    m_dropTarget = folder;
+    update(m_dropTarget);
 }
 
 void FileItemsView::startAtTop() {
@@ -158,13 +169,20 @@ void FileItemsView::mousePressEvent(QMouseEvent *event) {
     hideFocus();
     QListView::mousePressEvent(event);
     m_pressed = event->button() == Qt::LeftButton ? targetAt(event->pos()) : std::nullopt;
+    m_pressedAt = event->pos();
     // A click beside the entries is the pane's.
     event->setAccepted(m_pressed.has_value());
 }
 
 void FileItemsView::mouseMoveEvent(QMouseEvent *event) {
-    // Dragging selects nothing; the toolkit would scroll along.
+    // The toolkit would scroll along.
     event->ignore();
+    if (!m_pressed || !event->buttons().testFlag(Qt::LeftButton) ||
+        (event->pos() - m_pressedAt).manhattanLength() < QApplication::startDragDistance())
+        return;
+    const auto pressed = std::exchange(m_pressed, std::nullopt); // nothing will have been clicked
+    if (targetAt(m_pressedAt) == pressed)
+        Q_EMIT dragged(FileDelegate::entry(indexAt(m_pressedAt)).item);
 }
 
 void FileItemsView::mouseReleaseEvent(QMouseEvent *event) {

@@ -36,6 +36,9 @@ public:
     /// The entry that has the focus ring; invalid when none has.
     [[nodiscard]] QModelIndex focusedIndex() const;
 
+    /// Marks the folder that a drop would copy into; an invalid one takes the mark away.
+    void setDropTarget(const QModelIndex &folder);
+
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                      const QList<int> &roles = {}) override;
 
@@ -45,6 +48,8 @@ Q_SIGNALS:
     /// A range of entries is to be selected, or is no longer.
     void ranged(const QList<FileItem> &items, bool isSelected);
     void opened(const FileItem &item);
+    /// The mouse has begun to drag the entry.
+    void dragged(const FileItem &item);
     void contextMenuRequested(const FileItem &item, const QPoint &globalPosition);
 
 protected:
@@ -96,10 +101,12 @@ private:
 
     FileDelegate *m_delegate;
     std::optional<Target> m_pressed;
+    QPoint m_pressedAt;
+    QPersistentModelIndex m_dropTarget;
     std::optional<Target> m_clicked; ///< the last one, which a second click may make a double click
     QPersistentModelIndex m_anchor;  ///< where a range begins
     std::optional<int> m_rangeEnd;   ///< the row that the range from there has reached
-    QElapsedTimer m_typing;                  ///< since the last letter of a name
+    QElapsedTimer m_typing;          ///< since the last letter of a name
     bool m_showsFocus = false;
 };
 

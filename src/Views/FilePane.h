@@ -6,6 +6,8 @@
 #include <functional>
 #include <optional>
 
+class QMimeData;
+
 namespace vantrel {
 
 class Desktop;
@@ -60,7 +62,12 @@ struct FilePane {
     bool showsMacContextMenu = false;                   ///< an entry offers the computer's commands
     bool showsOpenContextMenu = false;                  ///< an entry offers "Open" alone
     std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
-    std::optional<Binding<FileOrder>> order = {};       ///< absent: the columns cannot be clicked
+    std::function<void(const FileItem &)> onDrag = {};  ///< absent: entries cannot be dragged
+    /// How many entries a drop of this would copy here; none refuses it. Absent, as onDrop is: all are.
+    std::function<qsizetype(const QMimeData &)> dropCount = {};
+    /// Something that dropCount() takes was dropped, on the folder of this path.
+    std::function<void(const QMimeData &, const QString &folder)> onDrop = {};
+    std::optional<Binding<FileOrder>> order = {}; ///< absent: the columns cannot be clicked
     Desktop *desktop = nullptr; ///< what the computer's context menu acts on; needed where that is shown
 };
 

@@ -18,8 +18,10 @@
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 
+#include <QDragMoveEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -91,9 +93,12 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
             call(m_pane.onSelectRange, items, isSelected);
         });
         connect(view, &FileItemsView::opened, this, &FilePaneView::open);
+        connect(view, &FileItemsView::dragged, this,
+                [this](const FileItem &item) { call(m_pane.onDrag, item); });
         connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
     }
 
+    setAcceptDrops(true);
     setLayout(
         columnOf(0, {m_header, m_searchBar, m_columnHeaders, m_gridBar, {m_list, 1}, {m_grid, 1}, m_footer},
                  {border, border, border, border}));
@@ -241,7 +246,7 @@ void FilePaneView::setPane(const FilePane &pane) {
     }
     m_path->show(m_pane.pathLabel, m_pane.path);
     m_footerLeading->setText(m_pane.footerLeading);
-    m_footerTrailing->setText(m_pane.footerTrailing);
+    m_footerTrailing->setText(m_dropText.isEmpty() ? m_pane.footerTrailing : m_dropText);
     showTools();
     showSearch();
 
@@ -407,6 +412,62 @@ void FilePaneView::mousePressEvent(QMouseEvent *event) {
     call(m_pane.onFocus);
 }
 
+// -- What is dropped
+
+/// The folder of the entry at the place; null where there is none, and the folder shown is meant.
+const FileItem *FilePaneView::folderAt(const QPointF &place) const {
+    const QWidget *viewport = entries()->viewport();
+    const QPoint point = viewport->mapFrom(this, place.toPoint());
+    const QModelIndex index = viewport->rect().contains(point) ? entries()->indexAt(point) : QModelIndex();
+    const FileItem *item = index.isValid() ? &m_items->items().at(index.row()) : nullptr;
+    return item && item->isDirectory && item->isNameExact ? item : nullptr;
+}
+
+/// What a drop there would do, or nothing.
+void FilePaneView::showDrop(const QDropEvent *event) {
+    const qsizetype count = event && m_pane.dropCount ? m_pane.dropCount(*event->mimeData()) : 0;
+    const FileItem *folder = count > 0 ? folderAt(event->position()) : nullptr;
+    const QString name = folder ? folder->name : m_pane.path.folder.section(QLatin1Char('/'), -1);
+    const QString what = count == 1 ? QStringLiteral("1 item") : QStringLiteral("%L1 items").arg(count);
+    m_dropText = count > 0 ? QStringLiteral("Copy %1 to “%2”").arg(what, name) : QString();
+    m_footerTrailing->setText(count > 0 ? m_dropText : m_pane.footerTrailing);
+    entries()->setDropTarget(folder ? m_items->index(int(folder - m_items->items().constData()))
+                                    : QModelIndex());
+    update();
+}
+
+void FilePaneView::dragEnterEvent(QDragEnterEvent *event) {
+    dragMoveEvent(event);
+}
+
+void FilePaneView::dragMoveEvent(QDragMoveEvent *event) {
+    showDrop(event);
+    if (m_dropText.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction); // whatever the other program would like better
+    event->accept();
+}
+
+void FilePaneView::dragLeaveEvent(QDragLeaveEvent *) {
+    showDrop(nullptr);
+}
+
+void FilePaneView::dropEvent(QDropEvent *event) {
+    showDrop(event);
+    const bool isTaken = !m_dropText.isEmpty();
+    const FileItem *folder = folderAt(event->position());
+    const QString path = folder ? folder->path : m_pane.path.folder;
+    showDrop(nullptr);
+    if (!isTaken)
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    if (const auto drop = m_pane.onDrop)
+        drop(*event->mimeData(), path);
+}
+
 // -- Painting
 
 QSize FilePaneView::minimumSizeHint() const {
@@ -430,7 +491,9 @@ void FilePaneView::paintEvent(QPaintEvent *) {
     tint(m_header, 0.65);
     tint(m_footer, 0.55);
     painter.setClipping(false);
-    paintCard(painter, rect(), cornerRadius, Qt::transparent, AppTheme::paneStroke());
+    const bool isTarget = !m_dropText.isEmpty();
+    paintCard(painter, rect(), cornerRadius, Qt::transparent,
+              isTarget ? AppTheme::accent() : AppTheme::paneStroke(), isTarget ? 2 : border);
 }
 
 } // namespace vantrel

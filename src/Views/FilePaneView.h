@@ -44,6 +44,10 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     [[nodiscard]] QWidget *makeHeader();
@@ -65,12 +69,15 @@ private:
     void open(const FileItem &item) const;
     void select(const FileItem &item);
     void clearSearch();
+    [[nodiscard]] const FileItem *folderAt(const QPointF &place) const;
+    void showDrop(const QDropEvent *event);
     void toggleSelectAll() const;
     void showContextMenu(const FileItem &item, const QPoint &position);
 
     const PaneState &m_state;
     FileItemsModel *m_items;
     FilePane m_pane;
+    QString m_dropText;    ///< what a drop would do, while something is dragged over the pane
     bool m_isFirst = true; ///< nothing was shown yet
 
     QWidget *m_header;
