@@ -740,10 +740,11 @@ TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
 /// No visible control reaches out of its parent or into a sibling.
 void expectNothingOverlaps(QWidget &view) {
     for (QWidget *widget : view.findChildren<QWidget *>()) {
-        // The scroll bar lies over the entries, and the spinner over the pane, on purpose.
+        // The scroll bar lies over the entries, the spinner and the words for nothing over the pane, on
+        // purpose.
         const auto isOverlay = [](const QWidget *w) {
             return w->findChild<const QScrollBar *>(QString(), Qt::FindDirectChildrenOnly) ||
-                   qobject_cast<const Spinner *>(w);
+                   qobject_cast<const Spinner *>(w) || w->objectName() == u"emptiness"_s;
         };
         if (!widget->isVisible() || isOverlay(widget))
             continue;
@@ -851,6 +852,43 @@ protected:
 
     const QString folder = WindowFixture::mac.filePath(u"folder"_s);
 };
+
+TEST_F(DualBrowserTests, nothingToListIsSaidInTheListsPlace) {
+    const auto said = [&](const char *pane) {
+        const auto *label = child<QWidget>(pane)->findChild<TextLabel *>(u"emptiness"_s);
+        return label->isVisible() ? label->text() : QString();
+    };
+    const auto says = [&](const char *pane, const QString &words) {
+        return waitFor([&] { return words.isEmpty() ? said(pane).isEmpty() : said(pane).contains(words); });
+    };
+    const std::pair<const char *, QString> cases[] = {
+        {"none", u"USB debugging"_s},           {"unauthorized", u"Unlock the phone and tap Allow"_s},
+        {"authorizing", u"tap Allow"_s},        {"offline", u"silent"_s},
+        {"no permissions (x)", u"udev"_s},      {"recovery", u"Restart it"_s},
+        {"device", u"This folder is empty."_s},
+    };
+    for (const auto &[word, words] : cases) {
+        phone.set(u"state"_s, word);
+        state->refreshDevice(AppState::Spinner::shown);
+        ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
+        EXPECT_TRUE(says("androidPane", words)) << word << ": " << said("androidPane").toStdString();
+    }
+    phone.write(u"a.txt"_s, "x");
+    state->browseAndroid(u"/sdcard"_s);
+    EXPECT_TRUE(says("androidPane", QString()));
+    state->setAndroidSearchText(u"zz"_s);
+    EXPECT_TRUE(says("androidPane", u"Nothing here"_s));
+    phone.makeFolder(u"secret"_s);
+    phone.deny(u"secret"_s);
+    state->browseAndroid(u"/sdcard/secret"_s);
+    EXPECT_TRUE(says("androidPane", u"Permission denied"_s));
+    state->browseMac(WindowFixture::mac.path());
+    EXPECT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
+    EXPECT_TRUE(says("macPane", state->macItems().isEmpty() ? u"This folder is empty."_s : QString()));
+    state->browseMac(WindowFixture::mac.filePath(u"gone"_s));
+    EXPECT_TRUE(
+        waitFor([&] { return !said("macPane").isEmpty() && said("macPane") != u"This folder is empty."_s; }));
+}
 
 TEST_F(DualBrowserTests, theTwoPanesShareTheWidthEqually) {
     for (const int width : {view->minimumSizeHint().width(), 835, 1401}) {

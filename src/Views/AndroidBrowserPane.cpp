@@ -14,7 +14,9 @@ AndroidBrowserPane::AndroidBrowserPane(AppState *state, QWidget *parent)
     start(&AppState::androidPathSegmentsChanged, &AppState::androidSearchTextChanged,
           &AppState::androidSearchScopeChanged, &AppState::androidSearchResultsChanged,
           &AppState::isSearchingAndroidChanged, &AppState::isOpeningAndroidFileChanged,
-          &AppState::androidSearchFocusTokenChanged);
+          &AppState::androidSearchFocusTokenChanged, &AppState::deviceChanged,
+          &AppState::deviceStatusMessageChanged);
+    watch(&state->phones(), &PhoneWatch::troubleChanged);
 }
 
 QString AndroidBrowserPane::parentAndroidPath(const QString &path) {
@@ -33,6 +35,47 @@ QString AndroidBrowserPane::activity() const {
     if (app().isSearchingAndroid())
         return QStringLiteral("Searching device…");
     return app().isOpeningAndroidFile() ? QStringLiteral("Opening…") : QString();
+}
+
+QString AndroidBrowserPane::emptiness() const {
+    switch (app().phones().trouble()) {
+    case PhoneTrouble::none:
+        break;
+    case PhoneTrouble::noPhone:
+        return QStringLiteral(
+            "Plug in your phone with a cable that carries data, turn on the developer options, "
+            "and in them USB debugging.");
+    case PhoneTrouble::unauthorized:
+        return QStringLiteral("Unlock the phone and tap Allow.");
+    case PhoneTrouble::authorizing:
+        return QStringLiteral(
+            "The phone and this computer are getting to know each other. If it asks, tap Allow.");
+    case PhoneTrouble::offline:
+        return QStringLiteral(
+            "The phone is plugged in but silent. Unlock it, or unplug it and plug it in again.");
+    case PhoneTrouble::noPermissions:
+        return QStringLiteral("You may not talk to the phone. Install the udev rules (package "
+                              "android-sdk-platform-tools-common) and plug it in again.");
+    case PhoneTrouble::recovery:
+    case PhoneTrouble::sideload:
+    case PhoneTrouble::bootloader:
+        return QStringLiteral("The phone is in its maintenance mode. Restart it the usual way.");
+    case PhoneTrouble::toolMissing:
+        return QStringLiteral("There is no adb. Install your system’s package adb, and refresh.");
+    case PhoneTrouble::serverRestarts:
+        return QStringLiteral("Another program runs an adb of another version, and the two end each other’s "
+                              "server. Close it, and refresh.");
+    case PhoneTrouble::portTaken:
+        return QStringLiteral(
+            "adb’s server cannot start: its port is taken by another program. Close it, and "
+            "refresh.");
+    case PhoneTrouble::noAnswer:
+    case PhoneTrouble::other:
+        return app().deviceStatusMessage().value_or(QString());
+    }
+    if (!state().browseError() && !app().androidSearchText().trimmed().isEmpty())
+        return QStringLiteral("Nothing here has that in its name.");
+    return app().device().isConnected || state().browseError() ? BrowserPane::emptiness() : QString();
 }
 
 void AndroidBrowserPane::fill(FilePane &pane) {

@@ -11,6 +11,7 @@ class AppState;
 class FilePaneView;
 class PaneState;
 class Spinner;
+class TextLabel;
 struct FilePane;
 
 /// One side of the browser: a FilePaneView on the model, with a spinner over it. What both sides have in
@@ -24,12 +25,19 @@ protected:
     virtual void fill(FilePane &pane) = 0;
     /// What the pane does now, for its footer; nothing when it rests.
     [[nodiscard]] virtual QString activity() const;
+    /// What is said in the list's place while there is nothing to list.
+    [[nodiscard]] virtual QString emptiness() const;
 
     /// Renders for the first time and again after each of these signals of the model.
     template <typename... Signals>
     void start(Signals... signalsOfState) {
         m_rendering.watch(m_app, signalsOfState...);
         m_rendering.renderNow();
+    }
+    /// Renders again after this signal of another part of the model, too.
+    template <typename Sender, typename Signal>
+    void watch(Sender *sender, Signal signal) {
+        m_rendering.watch(sender, signal);
     }
     [[nodiscard]] AppState &app() const { return *m_app; }
     [[nodiscard]] PaneState &state() const { return m_state; }
@@ -42,6 +50,7 @@ private:
     PaneState &m_state;
     FilePaneView *m_view;
     Spinner *m_spinner;
+    TextLabel *m_emptiness;
     RenderScheduler m_rendering{[this] { render(); }};
 };
 
