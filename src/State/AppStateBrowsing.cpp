@@ -42,10 +42,10 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
     auto listing = co_await Background::run(this, &ADBClient::listDirectory, *serial, folder);
     if (!m_androidPane.isNewest(token))
         co_return;
-    if (!listing)
-        m_androidPane.setBrowseError(listing.error().errorDescription());
-    const auto shown = std::move(listing).value_or(ADBClient::Listing());
-    m_androidPane.setItems(shown, shown.unreadableCount);
+    if (listing)
+        m_androidPane.setItems(*listing, listing->unreadableCount);
+    else
+        m_androidPane.fail(listing.error().errorDescription());
     m_androidPane.setLoading(false);
 }
 
@@ -60,9 +60,10 @@ QCoro::Task<> AppState::browseMac(QString path) {
         available = co_await Background::run(this, &MacFileClient::availableBytes, folder);
     if (!m_macPane.isNewest(token))
         co_return;
-    if (!listing)
-        m_macPane.setBrowseError(listing.error().errorDescription());
-    m_macPane.setItems(std::move(listing).value_or(QList<FileItem>()));
+    if (listing)
+        m_macPane.setItems(*listing);
+    else
+        m_macPane.fail(listing.error().errorDescription());
     showAvailable(available);
     m_macPane.setLoading(false);
 }

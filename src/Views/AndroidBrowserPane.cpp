@@ -37,45 +37,18 @@ QString AndroidBrowserPane::activity() const {
     return app().isOpeningAndroidFile() ? QStringLiteral("Opening…") : QString();
 }
 
-QString AndroidBrowserPane::emptiness() const {
-    switch (app().phones().trouble()) {
-    case PhoneTrouble::none:
-        break;
-    case PhoneTrouble::noPhone:
-        return QStringLiteral(
-            "Plug in your phone with a cable that carries data, turn on the developer options, "
-            "and in them USB debugging.");
-    case PhoneTrouble::unauthorized:
-        return QStringLiteral("Unlock the phone and tap Allow.");
-    case PhoneTrouble::authorizing:
-        return QStringLiteral(
-            "The phone and this computer are getting to know each other. If it asks, tap Allow.");
-    case PhoneTrouble::offline:
-        return QStringLiteral(
-            "The phone is plugged in but silent. Unlock it, or unplug it and plug it in again.");
-    case PhoneTrouble::noPermissions:
-        return QStringLiteral("You may not talk to the phone. Install the udev rules (package "
-                              "android-sdk-platform-tools-common) and plug it in again.");
-    case PhoneTrouble::recovery:
-    case PhoneTrouble::sideload:
-    case PhoneTrouble::bootloader:
-        return QStringLiteral("The phone is in its maintenance mode. Restart it the usual way.");
-    case PhoneTrouble::toolMissing:
-        return QStringLiteral("There is no adb. Install your system’s package adb, and refresh.");
-    case PhoneTrouble::serverRestarts:
-        return QStringLiteral("Another program runs an adb of another version, and the two end each other’s "
-                              "server. Close it, and refresh.");
-    case PhoneTrouble::portTaken:
-        return QStringLiteral(
-            "adb’s server cannot start: its port is taken by another program. Close it, and "
-            "refresh.");
-    case PhoneTrouble::noAnswer:
-    case PhoneTrouble::other:
-        return app().deviceStatusMessage().value_or(QString());
-    }
-    if (!state().browseError() && !app().androidSearchText().trimmed().isEmpty())
-        return QStringLiteral("Nothing here has that in its name.");
-    return app().device().isConnected || state().browseError() ? BrowserPane::emptiness() : QString();
+std::optional<Emptiness> AndroidBrowserPane::emptiness() const {
+    const PhoneTrouble trouble = app().phones().trouble();
+    if (trouble != PhoneTrouble::none)
+        return EmptyStates::ofPhone(trouble, app().deviceStatusMessage().value_or(QString()));
+    if (!app().device().isConnected)
+        return std::nullopt; // nobody has looked yet
+    const QString query = app().androidSearchText().trimmed();
+    if (query.isEmpty() || (state().hasFailed() && !app().isAndroidEverywhereSearchActive()))
+        return BrowserPane::emptiness();
+    if (app().isAndroidEverywhereSearchActive() && state().browseError())
+        return EmptyStates::failedSearch(*state().browseError());
+    return EmptyStates::noHits(query, app().androidSearchScope());
 }
 
 void AndroidBrowserPane::fill(FilePane &pane) {
@@ -105,6 +78,8 @@ void AndroidBrowserPane::fill(FilePane &pane) {
         else
             state->browseAndroid(state->androidCurrentPath());
     };
+    if (state->phones().trouble() != PhoneTrouble::none)
+        pane.onTryAgain = [state] { state->refreshDevice(AppState::Spinner::shown); };
     pane.searchText = {state->androidSearchText(),
                        [state](const QString &text) { state->setAndroidSearchText(text); }};
     pane.searchScope = {state->androidSearchScope(),

@@ -16,7 +16,7 @@ public:
 protected:
     void fill(FilePane &pane) override;
     [[nodiscard]] QString activity() const override;
-    [[nodiscard]] QString emptiness() const override;
+    [[nodiscard]] std::optional<Emptiness> emptiness() const override;
 };
 
 } // namespace vantrel

@@ -1,7 +1,6 @@
 #include "Views/BrowserPane.h"
 
 #include "Kit/Spinner.h"
-#include "Kit/TextLabel.h"
 #include "State/AppState.h"
 #include "Views/FilePaneView.h"
 
@@ -11,18 +10,11 @@ namespace vantrel {
 
 BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
     : QWidget(parent), m_app(state), m_state(state->pane(side)), m_view(new FilePaneView(m_state)),
-      m_spinner(new Spinner(Spinner::Size::small, QStringLiteral("Busy"))),
-      m_emptiness(new TextLabel({12, Weight::medium}, AppTheme::inkTertiary())) {
-    m_emptiness->setObjectName(QStringLiteral("emptiness"));
-    m_emptiness->setMaximumLines(5);
-    m_emptiness->setAlignment(Qt::AlignCenter);
-    m_emptiness->setFixedWidth(280);
-    m_emptiness->setAttribute(Qt::WA_TransparentForMouseEvents);
+      m_spinner(new Spinner(Spinner::Size::small, QStringLiteral("Busy"))) {
     auto *overlay = new QGridLayout(this);
     overlay->setContentsMargins(0, 0, 0, 0);
     overlay->addWidget(m_view, 0, 0);
     overlay->addWidget(m_spinner, 0, 0, Qt::AlignCenter);
-    overlay->addWidget(m_emptiness, 0, 0, Qt::AlignCenter);
 
     m_rendering.watch(&m_state, &PaneState::pathChanged, &PaneState::visibleItemsChanged,
                       &PaneState::selectedIDsChanged, &PaneState::isLoadingChanged,
@@ -33,8 +25,9 @@ QString BrowserPane::activity() const {
     return m_state.isLoading() ? QStringLiteral("Loading…") : QString();
 }
 
-QString BrowserPane::emptiness() const {
-    return m_state.browseError() ? *m_state.browseError() : QStringLiteral("This folder is empty.");
+std::optional<Emptiness> BrowserPane::emptiness() const {
+    return m_state.hasFailed() ? EmptyStates::failed(m_state.browseError().value_or(QString()))
+                               : EmptyStates::emptyFolder();
 }
 
 void BrowserPane::focusSide() const {
@@ -63,11 +56,13 @@ void BrowserPane::render() {
         pane.footerTrailing = busy;
     else if (m_state.browseError())
         pane.footerTrailing = *m_state.browseError();
+    if (busy.isEmpty() && m_state.visibleItems().isEmpty())
+        pane.emptiness = emptiness();
+    if (!pane.onTryAgain)
+        pane.onTryAgain = pane.onRefresh;
+    pane.desktop = &m_app->desktop();
     m_view->setPane(pane);
     m_spinner->setVisible(!busy.isEmpty());
-    const bool isEmpty = busy.isEmpty() && m_state.visibleItems().isEmpty();
-    m_emptiness->setText(isEmpty ? emptiness() : QString());
-    m_emptiness->setVisible(isEmpty && !m_emptiness->text().isEmpty());
 }
 
 } // namespace vantrel

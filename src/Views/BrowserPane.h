@@ -2,8 +2,11 @@
 
 #include "Kit/RenderScheduler.h"
 #include "Records/Pane.h"
+#include "Views/Emptiness.h"
 
 #include <QWidget>
+
+#include <optional>
 
 namespace vantrel {
 
@@ -11,7 +14,6 @@ class AppState;
 class FilePaneView;
 class PaneState;
 class Spinner;
-class TextLabel;
 struct FilePane;
 
 /// One side of the browser: a FilePaneView on the model, with a spinner over it. What both sides have in
@@ -25,8 +27,8 @@ protected:
     virtual void fill(FilePane &pane) = 0;
     /// What the pane does now, for its footer; nothing when it rests.
     [[nodiscard]] virtual QString activity() const;
-    /// What is said in the list's place while there is nothing to list.
-    [[nodiscard]] virtual QString emptiness() const;
+    /// What is said in the list's place while the pane rests and has nothing to list.
+    [[nodiscard]] virtual std::optional<Emptiness> emptiness() const;
 
     /// Renders for the first time and again after each of these signals of the model.
     template <typename... Signals>
@@ -50,7 +52,6 @@ private:
     PaneState &m_state;
     FilePaneView *m_view;
     Spinner *m_spinner;
-    TextLabel *m_emptiness;
     RenderScheduler m_rendering{[this] { render(); }};
 };
 

@@ -2,6 +2,7 @@
 
 #include "Records/FileItem.h"
 #include "Records/Pane.h"
+#include "Views/Emptiness.h"
 
 #include <functional>
 #include <optional>
@@ -42,6 +43,8 @@ struct FilePane {
     bool showsMacContextMenu = false;                   ///< an entry offers the computer's commands
     bool showsOpenContextMenu = false;                  ///< an entry offers "Open" alone
     std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
+    std::optional<Emptiness> emptiness = {};            ///< in the list's place; it is empty then
+    std::function<void()> onTryAgain = {};              ///< what its button does, but for copying a command
     Desktop *desktop = nullptr; ///< what the computer's context menu acts on; needed where that is shown
 };
 

@@ -7,7 +7,9 @@
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
+#include "MacFiles/Desktop.h"
 #include "State/PaneState.h"
+#include "Views/EmptinessView.h"
 #include "Views/FileContextMenu.h"
 #include "Views/FileDelegate.h"
 #include "Views/FileGridView.h"
@@ -16,6 +18,7 @@
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 
+#include <QGridLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
@@ -78,6 +81,13 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     m_gridBar = makeGridSelectAllBar();
     m_list = named(QStringLiteral("fileList"), new FileItemsView(m_items, selection, new FileRowDelegate));
     m_grid = named(QStringLiteral("fileGrid"), new FileGridView(m_items, selection));
+    m_emptiness = new EmptinessView;
+    connect(m_emptiness, &EmptinessView::acted, this, [this] {
+        if (const QString command = m_emptiness->emptiness().command; !command.isEmpty())
+            m_pane.desktop->copyText(command);
+        else
+            call(m_pane.onTryAgain);
+    });
     m_footer = makeFooter();
 
     const auto toggle = [this](const FileItem &item) { call(m_pane.onToggle, item); };
@@ -89,9 +99,11 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
         connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
     }
 
-    setLayout(
-        columnOf(0, {m_header, m_searchBar, m_columnHeaders, m_gridBar, {m_list, 1}, {m_grid, 1}, m_footer},
-                 {border, border, border, border}));
+    auto *place = new QGridLayout;
+    for (QWidget *shown : std::initializer_list<QWidget *>{m_list, m_grid, m_emptiness})
+        place->addWidget(shown, 0, 0);
+    setLayout(columnOf(0, {m_header, m_searchBar, m_columnHeaders, m_gridBar, {place, 1}, m_footer},
+                       {border, border, border, border}));
 }
 
 QWidget *FilePaneView::makeHeader() {
@@ -238,6 +250,9 @@ void FilePaneView::setPane(const FilePane &pane) {
     const auto heir = [this] { entries()->takeFocus(); };
     showWithHeir(m_columnHeaders, !isGrid(), heir);
     showWithHeir(m_gridBar, isGrid() && m_pane.onToggleSelectAll, heir);
+    if (m_pane.emptiness)
+        m_emptiness->setEmptiness(*m_pane.emptiness);
+    showWithHeir(m_emptiness, m_pane.emptiness.has_value(), heir);
     announceEntries();
 
     if (!isFirst && before.focusSearchToken != m_pane.focusSearchToken)
@@ -300,8 +315,10 @@ void FilePaneView::showEntries() {
 void FilePaneView::announceEntries() {
     const QString before = entries()->accessibleDescription();
     const int count = m_items->rowCount();
-    const QString number = count == 1 ? QStringLiteral(", 1 item") : QStringLiteral(", %L1 items").arg(count);
-    const QString now = m_state.isLoading() ? before : QString(displayText(m_pane.pathLabel) + number);
+    const QString number = m_pane.emptiness ? QString(QStringLiteral(", ") % m_pane.emptiness->heading)
+                           : count == 1     ? QStringLiteral(", 1 item")
+                                            : QStringLiteral(", %L1 items").arg(count);
+    const QString now = m_state.isLoading() ? before : QString(displayText(m_pane.pathLabel) % number);
     setAccessibleTexts(entries(), m_pane.title, now);
     if (now != before)
         entries()->announceFocus();

@@ -8,6 +8,7 @@ class QLineEdit;
 
 namespace vantrel {
 
+class EmptinessView;
 class FileItemsModel;
 class FileItemsView;
 class IconButton;
@@ -86,6 +87,7 @@ private:
 
     FileItemsView *m_list;
     FileItemsView *m_grid;
+    EmptinessView *m_emptiness;
 
     QWidget *m_footer;
     TextLabel *m_footerLeading;
