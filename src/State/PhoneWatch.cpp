@@ -95,15 +95,20 @@ QCoro::Task<> PhoneWatch::refresh(Spinner spinner) {
     schedule();
 }
 
-QCoro::Task<> PhoneWatch::show(QString serial) {
+QCoro::Task<> PhoneWatch::show(QString serial, Spinner spinner) {
+    const bool isShown = spinner == Spinner::shown;
+    if (isShown)
+        m_isRefreshing = true;
     const quint64 token = ++m_token;
     m_asked = serial;
     m_timer.stop();
     const auto found = co_await Background::run(this, &ADBClient::fetchDevice, serial);
-    if (token != m_token)
-        co_return;
-    m_asked = std::nullopt;
-    co_await apply(found, found ? PhoneTrouble::none : ADBClient::troubleOf(found.error()));
+    if (token == m_token) {
+        m_asked = std::nullopt;
+        co_await apply(found, found ? PhoneTrouble::none : ADBClient::troubleOf(found.error()));
+    }
+    if (isShown)
+        m_isRefreshing = false;
     schedule();
 }
 

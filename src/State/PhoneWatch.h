@@ -47,7 +47,7 @@ public:
     /// Looks for phones. A hidden refresh does nothing while another is asking, a shown one supersedes it.
     QCoro::Task<> refresh(Spinner spinner);
     /// Shows one of the phones that are ready.
-    QCoro::Task<> show(QString serial);
+    QCoro::Task<> show(QString serial, Spinner spinner = Spinner::hidden);
     /// Asks how much of the storage is in use; a phone that does not say keeps what is known of it.
     QCoro::Task<> refreshStorage();
     /// To be called when the phone that is shown seemed to have left: it is looked for a little later,

@@ -12,6 +12,7 @@
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
 #include "Views/FileItemsView.h"
+#include "Views/PhonePicker.h"
 
 #include <QPainter>
 #include <QProgressBar>
@@ -98,6 +99,7 @@ SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_
     m_rendering.watch(state, &AppState::deviceChanged, &AppState::deviceStatusMessageChanged,
                       &AppState::isRefreshingDeviceChanged, &AppState::isLoadingAndroidChanged,
                       &AppState::selectedShortcutIDChanged);
+    m_rendering.watch(&state->phones(), &PhoneWatch::phonesChanged);
     m_rendering.renderNow();
 }
 
@@ -108,6 +110,11 @@ QWidget *SidebarView::deviceCard() {
     };
     m_title = text(QStringLiteral("sidebar.device.title"), {12.5, Weight::semibold, FontDesign::monospaced},
                    AppTheme::ink());
+    m_picker = named(QStringLiteral("sidebar.device.picker"), new PhonePicker);
+    connect(m_picker, &PhonePicker::phoneChosen, this, [this](const QString &serial) {
+        m_rendering.request(); // it shows what was chosen only once that is so
+        m_state->phones().show(serial, AppState::Spinner::shown);
+    });
     m_refreshing = named(QStringLiteral("sidebar.device.refreshing"),
                          new Spinner(Spinner::Size::mini, QStringLiteral("Checking the device")));
     m_dot = named(QStringLiteral("sidebar.device.statusDot"),
@@ -136,7 +143,7 @@ QWidget *SidebarView::deviceCard() {
     m_storageText->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     m_model = text(QStringLiteral("sidebar.device.model"), caption, AppTheme::inkTertiary());
 
-    auto *titles = columnOf(3, {m_title, rowOf(5, {m_refreshing, m_dot, {m_status, 1}})});
+    auto *titles = columnOf(3, {m_title, m_picker, rowOf(5, {m_refreshing, m_dot, {m_status, 1}})});
     auto *header = rowOf(10, {canvas(36, &paintDeviceIcon), {titles, 1}, m_refresh});
     auto *storage = columnOf(5, {m_storage, rowOf(8, {m_storageText, BoxItem::room(), m_model})});
     auto *card = named(QStringLiteral("sidebar.device"), new Card(12));
@@ -185,6 +192,10 @@ void SidebarView::render() {
     const bool refreshing = m_state->isRefreshingDevice();
 
     m_title->setText(connected ? device.id : QStringLiteral("No device"));
+    const QList<ListedPhone> &phones = m_state->phones().phones();
+    m_picker->setPhones(phones, connected ? device.id : QString());
+    m_title->setVisible(phones.size() < 2);
+    showWithHeir(m_picker, phones.size() >= 2, [this] { focusEntries(window()); });
     m_refreshing->setVisible(refreshing);
     m_dot->setVisible(!refreshing);
     m_dot->update();

@@ -12,6 +12,7 @@ namespace vantrel {
 
 class AppState;
 class IconButton;
+class PhonePicker;
 class Spinner;
 class TextLabel;
 class ShortcutRow;
@@ -35,6 +36,7 @@ private:
 
     AppState *m_state;
     TextLabel *m_title = nullptr;
+    PhonePicker *m_picker = nullptr; ///< in the title's place while there is more than one phone
     Spinner *m_refreshing = nullptr;
     QWidget *m_dot = nullptr;
     TextLabel *m_status = nullptr;
