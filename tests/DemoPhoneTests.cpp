@@ -100,7 +100,7 @@ TEST(DemoPhoneDevicesTests, statesAreListedAndRefuseInAdbsWords) {
     }
     phone.unplug();
     EXPECT_EQ(adb({u"devices"_s}).out, "List of devices attached\n\n");
-    EXPECT_EQ(shell("df /sdcard").err, "error: device 'demo-phone' not found\n");
+    EXPECT_EQ(shell("df /data").err, "error: device 'demo-phone' not found\n");
 }
 
 // -- The shell

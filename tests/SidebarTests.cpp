@@ -124,6 +124,26 @@ TEST_F(SidebarTests, severalPhonesAreAChoice) {
     EXPECT_EQ(text("sidebar.device.title"), u"demo-phone"_s);
 }
 
+TEST_F(SidebarTests, cardsStandBelowTheShortcutsWithTheirFreeSpace) {
+    showSidebar();
+    const auto row = [&] { return view->findChild<QAbstractButton *>(u"sidebar.shortcut.1A2B-3C4D"_s); };
+    refresh();
+    EXPECT_EQ(row(), nullptr);
+    phone.insertCard(u"1A2B-3C4D"_s);
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return row() && row()->isVisible() && row()->y() > 0; }));
+    settle();
+    EXPECT_GT(row()->y(), child<QWidget>("sidebar.shortcut.Recordings")->geometry().bottom());
+    EXPECT_EQ(accessible(row())->text(QAccessible::Name), u"Browse 1A2B-3C4D"_s);
+    EXPECT_EQ(accessible(row())->text(QAccessible::Description), u"97.48 GB free"_s);
+    QTest::mouseClick(row(), Qt::LeftButton);
+    EXPECT_TRUE(waitFor([&] { return row()->isChecked() && !state->isLoadingAndroid(); }));
+    EXPECT_EQ(state->androidCurrentPath(), u"/storage/1A2B-3C4D"_s);
+    phone.pullCard(u"1A2B-3C4D"_s);
+    refresh();
+    EXPECT_TRUE(waitFor([&] { return !row() && state->androidCurrentPath() == u"/sdcard"_s; }));
+}
+
 TEST_F(SidebarTests, aLongMessageTakesTwoLinesAndMovesNothingOutOfTheCard) {
     phone.set(u"devices.stderr"_s,
               QString(u"The tool says a great deal. "_s.repeated(20) + u'\n').repeated(10));

@@ -35,7 +35,8 @@ public:
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     /// Why the pane could not do what was asked of it last, in words for its footer.
     [[nodiscard]] const std::optional<QString> &browseError() const { return m_browseError.value(); }
-    /// Whether the folder could not be listed, or the phone not searched, for the reason that browseError() is.
+    /// Whether the folder could not be listed, or the phone not searched, for the reason that browseError()
+    /// is.
     [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
     [[nodiscard]] PaneViewMode viewMode() const { return m_viewMode; }
 

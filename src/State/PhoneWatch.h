@@ -2,6 +2,7 @@
 
 #include "ADB/DeviceTracker.h"
 #include "Records/AndroidDevice.h"
+#include "Records/StorageShortcut.h"
 
 #include <QCoroTask>
 #include <QHash>
@@ -37,6 +38,8 @@ public:
     [[nodiscard]] const AndroidDevice &device() const { return m_device.value(); }
     /// All that adb lists, in its order. Models are known where more than one phone is ready.
     [[nodiscard]] const QList<ListedPhone> &phones() const { return m_phones.value(); }
+    /// The cards and sticks in the phone that is shown; each keeps its identity while the program runs.
+    [[nodiscard]] QList<StorageShortcut> cards() const;
     /// The last problem with the phone, in words.
     [[nodiscard]] const std::optional<QString> &message() const { return m_message.value(); }
     void setMessage(const std::optional<QString> &message) { m_message = message; }
@@ -67,6 +70,8 @@ Q_SIGNALS:
     void wasAsked();
     /// There is none.
     void wasLost();
+    /// It is known anew what storage the phone has, the same phone as before.
+    void storageWasTold();
 
 private:
     void follow(const QList<ListedPhone> &phones);

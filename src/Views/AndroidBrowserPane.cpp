@@ -1,6 +1,7 @@
 #include "Views/AndroidBrowserPane.h"
 
 #include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
 #include "State/AppState.h"
 #include "Views/FilePane.h"
 
@@ -23,6 +24,8 @@ QString AndroidBrowserPane::parentAndroidPath(const QString &path) {
     QString storage = QStringLiteral("/sdcard");
     const QString folder = ADBClient::normalizePath(path);
     QStringList pieces = folder.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    if (folder == AndroidPath::cardOf(folder))
+        return folder;
     if (folder == storage || folder == QLatin1String("/storage/emulated/0") || pieces.size() < 2)
         return storage;
     pieces.removeLast();

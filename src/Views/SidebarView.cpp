@@ -57,7 +57,20 @@ public:
         setLayout(rowOf(0, {BoxItem::room(), m_loading}, {horizontalPadding, 0, horizontalPadding, 0}));
     }
 
-    void setLoading(bool loading) { m_loading->setVisible(loading); }
+    void setLoading(bool loading) {
+        if (loading == m_loading->isVisibleTo(this))
+            return;
+        m_loading->setVisible(loading);
+        update(); // the texts make room for it
+    }
+    /// A few words at its end.
+    void setDetail(const QString &detail) {
+        if (detail == m_detail)
+            return;
+        m_detail = detail;
+        setAccessibleTexts(this, accessibleName(), detail);
+        update();
+    }
 
     [[nodiscard]] QSize sizeHint() const override {
         return {SidebarView::columnWidth, titleStyle.lineHeight() + 2 * verticalPadding};
@@ -70,8 +83,11 @@ protected:
         const QRectF icon(horizontalPadding, 0, iconWidth, height());
         m_symbol.paint(painter, icon, AppTheme::folderBlue());
         const double end = m_loading->isVisible() ? m_loading->x() - gap : width() - horizontalPadding;
-        const QRectF title(QPointF(icon.right() + gap, 0), QPointF(end, height()));
-        paintText(painter, title, m_title, titleStyle, AppTheme::ink());
+        const QRectF texts(QPointF(icon.right() + gap, 0), QPointF(end, height()));
+        const double titleWidth = titleStyle.width(m_title) + gap;
+        paintText(painter, texts, m_title, titleStyle, AppTheme::ink());
+        paintText(painter, texts.adjusted(titleWidth, 0, 0, 0), m_detail, detailStyle,
+                  AppTheme::inkTertiary(), Qt::AlignRight | Qt::AlignVCenter);
     }
 
 private:
@@ -81,9 +97,11 @@ private:
     static constexpr int iconWidth = 18;
     static constexpr int gap = 8;
     static constexpr TextStyle titleStyle{13, Weight::medium};
+    static constexpr TextStyle detailStyle{10.5, Weight::medium};
 
     Symbol m_symbol;
     QString m_title;
+    QString m_detail;
     Spinner *m_loading;
 };
 
@@ -164,22 +182,53 @@ QWidget *SidebarView::shortcutList() {
     scroll->viewport()->setAutoFillBackground(false);
 
     auto *rows = new QWidget;
-    auto *stack = columnOf(2, {}, {8, 0, 8, 0});
-    rows->setLayout(stack);
-    for (const StorageShortcut &shortcut : m_state->shortcuts()) {
-        auto *row = new ShortcutRow(shortcut, rows);
-        connect(row, &QAbstractButton::clicked, this, [this, shortcut] {
-            // The row is highlighted at once, whatever the phone takes.
-            m_state->setSelectedShortcutID(shortcut.id);
-            m_state->browseAndroid(shortcut.path);
-        });
-        m_shortcuts.append(row);
-        stack->addWidget(row);
-    }
-    stack->addStretch();
+    m_rows = columnOf(2, {BoxItem::room()}, {8, 0, 8, 0});
+    rows->setLayout(m_rows);
+    for (const StorageShortcut &shortcut : m_state->shortcuts())
+        addRow(shortcut);
     scroll->setWidget(rows);
     rows->setAutoFillBackground(false);
     return scroll;
+}
+
+void SidebarView::addRow(const StorageShortcut &shortcut) {
+    auto *row = new ShortcutRow(shortcut, m_rows->parentWidget());
+    connect(row, &QAbstractButton::clicked, this, [this, shortcut] {
+        // The row is highlighted at once, whatever the phone takes.
+        m_state->setSelectedShortcutID(shortcut.id);
+        m_state->browseAndroid(shortcut.path);
+    });
+    m_shortcuts.append(row);
+    m_rows->insertWidget(m_rows->count() - 1, row);
+    row->show();
+}
+
+void SidebarView::showShortcuts() {
+    const QList<StorageShortcut> &fixed = m_state->shortcuts();
+    const QList<StorageShortcut> cards = m_state->phones().cards();
+    if (cards != m_cards) {
+        while (m_shortcuts.size() > fixed.size()) {
+            showWithHeir(m_shortcuts.last(), false, [this] { focusEntries(window()); });
+            delete m_shortcuts.takeLast();
+        }
+        for (const StorageShortcut &card : cards)
+            addRow(card);
+        m_cards = cards;
+    }
+    for (qsizetype i = 0; i < m_shortcuts.size(); ++i) {
+        const bool isCard = i >= fixed.size();
+        const bool selected =
+            m_state->selectedShortcutID() == (isCard ? cards.at(i - fixed.size()) : fixed.at(i)).id;
+        m_shortcuts.at(i)->setChecked(selected);
+        m_shortcuts.at(i)->setLoading(selected && m_state->isLoadingAndroid());
+        if (!isCard)
+            continue;
+        const StorageCard &card = m_state->device().cards.at(i - fixed.size());
+        m_shortcuts.at(i)->setDetail(
+            card.totalBytes > 0
+                ? QString(formatFileSize(card.totalBytes - card.usedBytes) % QStringLiteral(" free"))
+                : QString());
+    }
 }
 
 ThemeColor SidebarView::statusColor() const {
@@ -219,12 +268,7 @@ void SidebarView::render() {
     m_model->setText(connected ? device.name : QString());
     m_model->setVisible(connected && !device.name.isEmpty());
 
-    const auto &shortcuts = m_state->shortcuts();
-    for (qsizetype i = 0; i < shortcuts.size(); ++i) {
-        const bool selected = m_state->selectedShortcutID() == shortcuts.at(i).id;
-        m_shortcuts.at(i)->setChecked(selected);
-        m_shortcuts.at(i)->setLoading(selected && m_state->isLoadingAndroid());
-    }
+    showShortcuts();
 }
 
 void SidebarView::paintEvent(QPaintEvent *) {

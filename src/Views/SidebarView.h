@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Kit/RenderScheduler.h"
+#include "Records/StorageShortcut.h"
 #include "Theme/AppTheme.h"
 
 #include <QList>
 #include <QWidget>
 
+class QBoxLayout;
 class QProgressBar;
 
 namespace vantrel {
@@ -31,6 +33,8 @@ protected:
 private:
     QWidget *deviceCard();
     QWidget *shortcutList();
+    void addRow(const StorageShortcut &shortcut);
+    void showShortcuts();
     void render();
     [[nodiscard]] ThemeColor statusColor() const;
 
@@ -45,7 +49,9 @@ private:
     QProgressBar *m_storage = nullptr;
     TextLabel *m_storageText = nullptr;
     TextLabel *m_model = nullptr;
-    QList<ShortcutRow *> m_shortcuts; ///< in the model's order
+    QList<ShortcutRow *> m_shortcuts; ///< in the model's order, the cards behind them
+    QList<StorageShortcut> m_cards;   ///< that have a row
+    QBoxLayout *m_rows = nullptr;
     RenderScheduler m_rendering{[this] { render(); }};
 };
 
