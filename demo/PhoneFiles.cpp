@@ -108,6 +108,11 @@ std::string lastComponent(std::string path) {
 }
 
 std::string PhoneFiles::hostPathOf(const std::string &phonePath) const {
+    for (const std::string &card : cardsOf(m_settings.current())) {
+        const std::string folder = "/storage/" + card;
+        if (isAtOrBelow(phonePath, folder))
+            return m_settings.root() + "-card-" + card + phonePath.substr(folder.size());
+    }
     if (!isAtOrBelow(phonePath, sharedStorage))
         return {};
     return m_settings.root() + phonePath.substr(sharedStorage.size());

@@ -34,6 +34,7 @@ const std::array<Key, 23> &keys() {
         {"serial", &Settings::serial},
         {"model", &Settings::model},
         {"state", &Settings::state},
+        {"card", &Settings::cards},
         {"phone", &Settings::phones},
         {"storage-total", &Settings::storageTotal},
         {"storage-used", &Settings::storageUsed},
@@ -253,6 +254,17 @@ void SettingsSource::recordUnplugged() {
     if (file < 0 || ::write(file, lines.data(), lines.size()) != static_cast<ssize_t>(lines.size()))
         throw SettingsError("cannot write " + m_root + ".conf");
     ::close(file);
+}
+
+std::vector<std::string> cardsOf(const Settings &settings) {
+    std::vector<std::string> cards;
+    for (const std::string &line : settings.cards) {
+        const std::string name = line.substr(0, line.find(' '));
+        std::erase(cards, name);
+        if (name == line)
+            cards.push_back(name);
+    }
+    return cards;
 }
 
 std::string servedFolder() {

@@ -13,6 +13,7 @@ struct Settings {
     std::string serial = "demo-phone";
     std::string model = "Demo Phone";
     std::string state = "device";
+    std::vector<std::string> cards;              ///< names of folders below /storage; with "gone" behind, not
     std::vector<std::string> phones;             ///< others that are plugged in: "SERIAL STATE MODEL"
     std::int64_t storageTotal = 118'082'764'800; ///< bytes
     std::int64_t storageUsed = 20'606'418'944;   ///< bytes
@@ -80,6 +81,9 @@ struct OtherPhone {
 /// The other phones, in the order in which they were first named; a later line changes one, and "none" takes
 /// it away.
 [[nodiscard]] std::vector<OtherPhone> otherPhones(const Settings &settings);
+
+/// The names of the cards that are in the phone.
+[[nodiscard]] std::vector<std::string> cardsOf(const Settings &settings);
 
 /// The served folder: DEMO_PHONE_ROOT, or one of the user's data folder. Absolute, without a trailing slash.
 [[nodiscard]] std::string servedFolder();

@@ -288,17 +288,27 @@ Answer stat(const Words &words, const PhoneFiles &files) {
 
 // -- df, getprop
 
-Answer df(const Words &words, const Settings &settings) {
+std::string dfOf(const std::string &device, const std::string &mount, const Settings &settings) {
     const std::int64_t total = settings.storageTotal / 1024;
     const std::int64_t used = settings.storageUsed / 1024;
     const std::int64_t percent = total > 0 ? (used * 100 + total - 1) / total : 0;
-    const bool isShared = words[1] == "/sdcard";
+    return "Filesystem     1K-blocks     Used Available Use% Mounted on\n" + device + " " +
+           std::to_string(total) + " " + std::to_string(used) + "  " + std::to_string(total - used) + "  " +
+           std::to_string(percent) + "% " + mount + "\n";
+}
+
+/// The shared storage with the cards, which are as large, or the data partition.
+Answer df(const Words &words, const Settings &settings) {
     Answer answer;
-    answer.standardOutput = "Filesystem     1K-blocks     Used Available Use% Mounted on\n";
-    answer.standardOutput += isShared ? "/dev/fuse      " : "/dev/block/dm-8 ";
-    answer.standardOutput += std::to_string(total) + " " + std::to_string(used) + "  " +
-                             std::to_string(total - used) + "  " + std::to_string(percent) + "% " +
-                             (isShared ? "/storage/emulated" : "/data") + "\n";
+    if (words[1] == "/data") {
+        answer.standardOutput = dfOf("/dev/block/dm-8", "/data", settings);
+        return answer;
+    }
+    answer.standardOutput = dfOf("/dev/fuse     ", "/storage/emulated", settings);
+    for (const std::string &card : cardsOf(settings)) {
+        const std::string path = "/storage/" + card;
+        answer.standardOutput += path + "\n" + dfOf("/dev/fuse     ", path, settings);
+    }
     return answer;
 }
 
@@ -345,6 +355,9 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
     if (const std::string name = nameOfCopyLine(line); !name.empty())
         return name;
     const bool endsInTrue = line.size() == 2 && line[1].size() == 1 && line[1][0].words == Words{"true"};
+    if (line.size() == 3 && line[0].size() == 1 && line[0][0].words == Words{"df", "/sdcard"} &&
+        line[1][0].words == Words{"cards"} && line[2][0].words == Words{"true"})
+        return "df";
     if (line.empty() || (line.size() > 1 && !endsInTrue))
         return unknown;
     const ShellPipeline &pipeline = line[0];
@@ -362,7 +375,7 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
                 pipeline[1].words[1] == "-n" && isNumber(pipeline[1].words[2]);
     } else if (pipeline.size() == 1) {
         known = (name == "getprop" && words == Words{"getprop", "ro.product.model"}) ||
-                (name == "df" && words.size() == 2 && (has(1, "/sdcard") || has(1, "/data"))) ||
+                (name == "df" && words.size() == 2 && has(1, "/data")) ||
                 (name == "ls" && words.size() == 3 && (has(1, "-la") || has(1, "-lab"))) ||
                 (name == "tail" && words.size() == 4 && has(1, "-c") && words[2].rfind('+', 0) == 0 &&
                  isNumber(words[2].substr(1))) ||

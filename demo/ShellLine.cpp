@@ -59,6 +59,12 @@ std::vector<ShellPipeline> parseShellLine(const std::string &line) {
             ++at;
             continue;
         }
+        if (!commandOpen && line.compare(at, cardsLoop.size(), cardsLoop) == 0) {
+            list.push_back({ShellCommand{.words = {"cards"}}});
+            pipelineOpen = commandOpen = true;
+            at += cardsLoop.size();
+            continue;
+        }
         if (!commandOpen) {
             if (!pipelineOpen)
                 list.emplace_back();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vantrel::demo {
@@ -14,6 +15,10 @@ struct ShellCommand {
 
 /// Commands joined by "|".
 using ShellPipeline = std::vector<ShellCommand>;
+
+/// The one loop that the phone knows, behind other commands: what `df` says of every card. It stands as the
+/// command "cards".
+inline constexpr std::string_view cardsLoop = "for c in /storage/*-*; do echo \"$c\"; df \"$c\"; done";
 
 /// Splits a line as the phone's shell does: single quotes, backslash outside them, ";", "|", "2>/dev/null"
 /// and

@@ -259,7 +259,7 @@ TEST(ADBDeviceTests, theFirstPhoneThatIsReady) {
 
 TEST(ADBDeviceTests, storageOfTheDataPartitionWhereSharedStorageCannotBeRead) {
     const ScriptedADB adb("[ \"$5\" = /data ] && echo '/dev/block 200 100 100 50% /data' || exit 1");
-    EXPECT_EQ(*ADBClient::fetchStorageBytes(u"x"_s), (ADBClient::StorageBytes{102'400, 204'800}));
+    EXPECT_EQ(ADBClient::fetchStorage(u"x"_s)->shared, (ADBClient::StorageBytes{102'400, 204'800}));
 }
 
 namespace {

@@ -107,6 +107,30 @@ TEST(DeviceTextTests, storageIsTwoNumbersThatFit) {
     }
 }
 
+TEST(ADBDeviceTextTests, cardsComeBehindTheSharedStorage) {
+    const QString df = u"Filesystem 1K-blocks Used Available Use% Mounted on\n/dev/fuse %1 5 5 50% x\n"_s;
+    const std::tuple<QString, QString> cases[] = {
+        {df.arg(10), u"10240"_s},
+        {df.arg(10) + u"/storage/1A2B-3C4D\n"_s + df.arg(20) + u"/storage/ffff-0000\n"_s + df.arg(30),
+         u"10240 /storage/1A2B-3C4D=20480 /storage/ffff-0000=30720"_s},
+        {u"/storage/1A2B-3C4D\n"_s + df.arg(20), u"- /storage/1A2B-3C4D=20480"_s},
+        {df.arg(10) + u"/storage/1A2B-3C4D\n"_s, u"10240 /storage/1A2B-3C4D=0"_s}, // pulled just now
+        {df.arg(10) + u"/storage/*-*\n/storage/self-abc\n/storage/12345-678\n"_s, u"-"_s},
+        {df.arg(10) + u"/storage/1A2B-3C4D/../..\n"_s, u"-"_s},
+        {df.arg(10) + u"/storage/1A2B-3C4D\n"_s.repeated(1000),
+         u"10240"_s + u" /storage/1A2B-3C4D=0"_s.repeated(16)},
+        {QString(), u"-"_s},
+    };
+    for (const auto &[text, expected] : cases) {
+        const auto [shared, cards] = ADBClient::splitStorage(text);
+        const auto bytes = ADBClient::parseDF(shared);
+        QString found = bytes ? QString::number(bytes->total) : u"-"_s;
+        for (const StorageCard &card : cards)
+            found += u' ' + card.path + u'=' + QString::number(card.totalBytes);
+        EXPECT_EQ(found, expected) << text.left(200).toStdString();
+    }
+}
+
 TEST(ListingTextTests, oddAndHostileEntriesKeepWhatIsKnownOfThem) {
     const auto items = ADBClient::parseLSLA(transcript("listing/unreadable.txt"), u"/"_s);
     EXPECT_EQ(names(items), u"vendor/|bad-date.txt|name.txt|null|sda|sdcard|too-big.bin"_s);

@@ -8,6 +8,7 @@
 #include "Views/AndroidBrowserPane.h"
 #include "Views/ColumnButton.h"
 #include "Views/DualBrowserView.h"
+#include "Views/EmptinessView.h"
 #include "Views/FileDrag.h"
 #include "Views/FileGridCell.h"
 #include "Views/FileGridView.h"
@@ -21,6 +22,7 @@ namespace vantrel {
 namespace {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 
 FileItem fileNamed(const QString &name, bool isDirectory = false) {
@@ -442,9 +444,9 @@ TEST_F(FilePaneTests, contextMenusFollowTheFlags) {
     EXPECT_EQ(menuAt(entries(), QPoint(200, entries()->viewport()->height() - 5)), nullptr) << "no entry";
     pane.showsMacContextMenu = true;
     show();
-    EXPECT_THAT(titles(1), ElementsAre(u"Open"_s, u"Reveal in Finder"_s, u"-"_s, u"Copy Path"_s));
+    EXPECT_THAT(titles(1), ElementsAre(u"Open"_s, revealTitle(), u"-"_s, u"Copy Path"_s));
     choose(menu(1), u"Open"_s);
-    choose(menu(1), u"Reveal in Finder"_s);
+    choose(menu(1), revealTitle());
     choose(menu(0), u"Copy Path"_s);
     choose(menu(0), u"Open"_s);
     EXPECT_THAT(taken(), ElementsAre(u"open folder"_s));
@@ -766,9 +768,11 @@ TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
 /// No visible control reaches out of its parent or into a sibling.
 void expectNothingOverlaps(QWidget &view) {
     for (QWidget *widget : view.findChildren<QWidget *>()) {
-        const auto isOverlay = [](const QWidget *w) { // on purpose
+        // The scroll bar lies over the entries, the spinner and the words for nothing over the pane, on
+        // purpose.
+        const auto isOverlay = [](const QWidget *w) {
             return w->findChild<const QScrollBar *>(QString(), Qt::FindDirectChildrenOnly) ||
-                   qobject_cast<const Spinner *>(w);
+                   qobject_cast<const Spinner *>(w) || w->objectName() == u"emptiness"_s;
         };
         if (!widget->isVisible() || isOverlay(widget))
             continue;
@@ -863,6 +867,108 @@ protected:
 
     const QString folder = WindowFixture::mac.filePath(u"folder"_s);
 };
+
+TEST_F(DualBrowserTests, nothingToListIsSaidInTheListsPlace) {
+    const auto said = [&](QWidget &pane) {
+        auto *place = pane.findChild<EmptinessView *>();
+        return place->isVisible() ? place->emptiness() : Emptiness{.heading = u"(hidden)"_s};
+    };
+    const auto says = [&](QWidget &pane, const QString &heading, const QString &words = {}) {
+        return waitFor(
+            [&] { return said(pane).heading == heading && said(pane).steps.join(u' ').contains(words); });
+    };
+    struct Case {
+        const char *state;
+        QString heading, words;
+    };
+    const Case cases[] = {
+        {"none", u"Connect your phone"_s, u"USB debugging"_s},
+        {"unauthorized", u"The phone asks whether you may"_s, u"Unlock the phone and tap Allow."_s},
+        {"authorizing", u"Connecting to the phone…"_s, u"tap Allow"_s},
+        {"offline", u"The phone is offline"_s, u"Unlock"_s},
+        {"no permissions (x)", u"You may not use this phone yet"_s, u"udev"_s},
+        {"recovery", u"The phone is in recovery mode"_s, u"Reboot"_s},
+        {"sideload", u"The phone waits for an update by cable"_s, u"sideload"_s},
+        {"bootloader", u"The phone is in its bootloader"_s, u"Start"_s},
+        {"device", u"(hidden)"_s, {}},
+    };
+    for (const Case &c : cases) {
+        phone.set(u"state"_s, c.state);
+        refresh();
+        EXPECT_TRUE(says(android(), c.heading, c.words))
+            << c.state << ": " << said(android()).heading.toStdString();
+        expectNothingOverlaps(*view);
+    }
+    phone.makeFolder(u"bare"_s);
+    state->browseAndroid(u"/sdcard/bare"_s);
+    EXPECT_TRUE(says(android(), u"This folder is empty"_s));
+    EXPECT_EQ(accessible(entriesOf(android()))->text(QAccessible::Description),
+              u"Internal Storage › bare, This folder is empty"_s);
+    state->browseAndroid(u"/sdcard"_s);
+    EXPECT_TRUE(says(android(), u"(hidden)"_s));
+    state->setAndroidSearchText(u"zz"_s);
+    EXPECT_TRUE(says(android(), u"Nothing found"_s, u"“zz”"_s));
+    state->setAndroidSearchScope(AndroidSearchScope::everywhere);
+    EXPECT_TRUE(says(android(), u"Nothing found"_s, u"Nothing on the phone"_s));
+    phone.makeFolder(u"secret"_s);
+    phone.deny(u"secret"_s);
+    state->browseAndroid(u"/sdcard/secret"_s);
+    EXPECT_TRUE(says(android(), u"This folder may not be read"_s, u"Permission denied"_s));
+
+    state->browseMac(here(u"sub/deeper"_s));
+    EXPECT_TRUE(says(mac(), u"This folder is empty"_s));
+    state->browseMac(here(u"gone"_s));
+    EXPECT_TRUE(says(mac(), u"This folder can’t be shown"_s, u"gone"_s));
+    QDir(folder).mkpath(u"gone"_s);
+    write(here(u"gone/now.txt"_s), "x");
+    click(mac().findChild<QPushButton *>(u"emptiness.button"_s));
+    EXPECT_TRUE(lists(mac(), {u"now.txt"_s}));
+    EXPECT_TRUE(says(mac(), u"(hidden)"_s));
+}
+
+TEST_F(DualBrowserTests, theEmptyPaneHelpsWithAButton) {
+    auto *button = android().findChild<QPushButton *>(u"emptiness.button"_s);
+    phone.set(u"state"_s, "no permissions (x)");
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return button->isVisible(); }));
+    click(button);
+    ASSERT_EQ(desktop.copied.size(), 1);
+    EXPECT_TRUE(desktop.copied.first().contains(u"/etc/udev/rules.d/"_s));
+    EXPECT_EQ(button->text(), u"Copied"_s);
+
+    // A phone that does not answer is asked again, and the keyboard is not left on what is gone.
+    ADBClient::setPatience(300ms);
+    phone.plug();
+    phone.set(u"getprop.hang"_s, "on");
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return button->text() == u"Try Again"_s && button->isVisible(); }));
+    EXPECT_EQ(accessible(button->parentWidget()->parentWidget())->text(QAccessible::Name),
+              u"The phone does not answer."_s);
+    ADBClient::setPatience(15s);
+    phone.reset(u"getprop.hang"_s);
+    button->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(button, Qt::Key_Space);
+    ASSERT_TRUE(lists(android(), {u"DCIM"_s, u"note.txt"_s}));
+    EXPECT_TRUE(waitFor([&] { return entriesOf(android())->hasFocus(); }));
+}
+
+TEST_F(DualBrowserTests, theTwoPanesShareTheWidthEqually) {
+    for (const int width : {view->minimumSizeHint().width(), 835, 1401}) {
+        view->resize(width, 320);
+        const QRect left = android().geometry();
+        const QRect right = mac().geometry();
+        EXPECT_LE(qAbs(left.width() - right.width()), 1) << width;
+        EXPECT_EQ(right.left() - left.right() - 1, 10 + 34 + 10);
+        EXPECT_EQ(left.left(), 0);
+        EXPECT_EQ(right.right(), view->width() - 1);
+        expectNothingOverlaps(*view);
+    }
+    EXPECT_EQ(view->minimumHeight(), 320);
+    EXPECT_EQ(text(android(), u"title"_s), u"Android Device");
+    EXPECT_EQ(text(mac(), u"title"_s), thisComputer());
+    EXPECT_FALSE(mac().findChild<QLineEdit *>(u"searchField"_s)->isVisible());
+    EXPECT_FALSE(android().findChild<IconButton *>(u"home"_s)->isVisible());
+}
 
 TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
     auto *toMac = control<IconButton>(*view, u"transferToMac"_s);

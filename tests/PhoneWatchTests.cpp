@@ -266,3 +266,59 @@ TEST_F(PhoneWatchTests, theStorageIsAskedOnceAMinuteAndAfterCopies) {
     EXPECT_EQ(state->device().usedBytes, 40'000'000'000);
     EXPECT_TRUE(state->device().isConnected);
 }
+
+TEST_F(PhoneWatchTests, aCardIsBrowsedSearchedAndCopiedLikeTheRest) {
+    const QString card = phone.insertCard(u"1A2B-3C4D"_s);
+    write(card + u"/DCIM/on card.jpg"_s, "12345");
+    phone.write(u"Download/in phone.jpg"_s, "1");
+    connectPhone();
+    const auto cards = watch().cards();
+    ASSERT_EQ(cards.size(), 1);
+    EXPECT_EQ(cards.first().path, u"/storage/1A2B-3C4D"_s);
+    EXPECT_GT(state->device().cards.first().totalBytes, 0);
+    browsePhone(cards.first().path);
+    EXPECT_EQ(state->selectedShortcutID(), cards.first().id);
+    browsePhone(u"/storage/1A2B-3C4D/DCIM"_s);
+    EXPECT_EQ(namesOf(state->androidItems()), QStringList{u"on card.jpg"_s});
+
+    browseHere();
+    select(BrowserSide::android, u"on card.jpg"_s);
+    state->transferAndroidToMac();
+    waitForQueue();
+    EXPECT_EQ(contents(here(u"on card.jpg"_s)), "12345");
+    write(here(u"to card.txt"_s), "abc");
+    browseHere();
+    select(BrowserSide::mac, u"to card.txt"_s);
+    state->transferMacToAndroid();
+    waitForQueue();
+    EXPECT_EQ(contents(card + u"/DCIM/to card.txt"_s), "abc") << statuses().toStdString();
+
+    state->setAndroidSearchScope(AndroidSearchScope::everywhere);
+    searchFor(u".jpg"_s);
+    ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
+    EXPECT_EQ(namesOf(state->androidSearchResults()), (QStringList{u"in phone.jpg"_s, u"on card.jpg"_s}));
+}
+
+TEST_F(PhoneWatchTests, aCardThatIsPulledOutEndsInTheMainStorage) {
+    phone.write(u"mine.txt"_s, "1");
+    write(phone.insertCard(u"1A2B-3C4D"_s) + u"/a.txt"_s, "1");
+    phone.insertCard(u"00FF-00FF"_s);
+    connectPhone();
+    const QUuid other = watch().cards().last().id;
+    for (const bool isListed : {false, true}) { // by the look at the storage, and by a listing that fails
+        phone.insertCard(u"1A2B-3C4D"_s);
+        connectPhone();
+        ASSERT_EQ(watch().cards().size(), 2);
+        browsePhone(u"/storage/1A2B-3C4D"_s);
+        phone.pullCard(u"1A2B-3C4D"_s);
+        isListed ? state->browseAndroid(u"/storage/1A2B-3C4D"_s) : watch().refreshStorage();
+        ASSERT_TRUE(
+            waitFor([&] { return state->androidBrowseError().value_or(QString()).startsWith(u'“'); }));
+        EXPECT_EQ(*state->androidBrowseError(), u"“1A2B-3C4D” is no longer in the phone."_s);
+        EXPECT_EQ(state->androidCurrentPath(), u"/sdcard"_s);
+        EXPECT_EQ(namesOf(state->androidItems()), QStringList{u"mine.txt"_s});
+        EXPECT_EQ(state->selectedShortcutID(), state->shortcuts().first().id);
+        ASSERT_EQ(watch().cards().size(), 1);
+        EXPECT_EQ(watch().cards().first().id, other);
+    }
+}

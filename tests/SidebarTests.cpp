@@ -6,6 +6,7 @@
 #include "Kit/IconButton.h"
 #include "Kit/Spinner.h"
 #include "Kit/TextLabel.h"
+#include "Views/PhonePicker.h"
 #include "Views/SidebarView.h"
 
 namespace vantrel {
@@ -71,6 +72,68 @@ TEST_F(SidebarTests, aRefreshShowsASpinnerInTheColourOfTheLastState) {
     ASSERT_TRUE(waitFor([&] { return button->isEnabled(); }));
     EXPECT_FALSE(spinner->isVisible());
     EXPECT_EQ(text("sidebar.device.status"), u"Disconnected"_s);
+}
+
+TEST_F(SidebarTests, severalPhonesAreAChoice) {
+    refresh();
+    showSidebar();
+    auto *picker = child<PhonePicker>("sidebar.device.picker");
+    EXPECT_FALSE(picker->isVisible());
+    const auto titles = [&] {
+        QStringList list;
+        for (int i = 0; i < picker->count(); ++i)
+            list.append(picker->itemText(i));
+        return list.join(u'|');
+    };
+    phone.setOther(u"-s A&1"_s, u"device"_s); // a serial ends at the first blank of the setting
+    phone.setOther(u"X2"_s, u"unauthorized"_s);
+    phone.setOther(u"B7"_s, u"device"_s, u"Pixel 7"_s);
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return picker->isVisible() && titles().contains(u"Pixel 7"_s); }));
+    EXPECT_EQ(titles(), u"-s · A&1|X2 · Not allowed yet|Pixel 7 · B7 · Connected|Demo Phone · demo-phone · "
+                        u"Connected"_s);
+    EXPECT_EQ(text("sidebar.device.title"), u"(hidden)"_s);
+    EXPECT_EQ(accessible(picker)->role(), QAccessible::ComboBox);
+    EXPECT_EQ(accessible(picker)->text(QAccessible::Value), u"Demo Phone · demo-phone · Connected"_s);
+    EXPECT_EQ(accessible(picker)->text(QAccessible::Description), u"Phone"_s);
+    EXPECT_EQ(picker->width(), child<QWidget>("sidebar.refresh")->x() - picker->x() - 10) << "in its card";
+
+    // With the keyboard, past the one that is not ready.
+    picker->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(picker, Qt::Key_Up);
+    ASSERT_TRUE(waitFor([&] { return state->device().id == u"B7"_s && !state->isRefreshingDevice(); }));
+    QTest::keyClick(picker, Qt::Key_Up);
+    settle();
+    EXPECT_EQ(state->device().id, u"B7"_s) << "nothing above it is ready";
+    phone.setOther(u"B7"_s, u"offline"_s);
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return picker->currentText().startsWith(u"Demo Phone"_s); }));
+
+    for (const QString &gone : {u"-s"_s, u"X2"_s, u"B7"_s})
+        phone.setOther(gone, u"none"_s);
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return !picker->isVisible(); }));
+    EXPECT_EQ(text("sidebar.device.title"), u"demo-phone"_s);
+}
+
+TEST_F(SidebarTests, cardsStandBelowTheShortcutsWithTheirFreeSpace) {
+    showSidebar();
+    const auto row = [&] { return view->findChild<QAbstractButton *>(u"sidebar.shortcut.1A2B-3C4D"_s); };
+    refresh();
+    EXPECT_EQ(row(), nullptr);
+    phone.insertCard(u"1A2B-3C4D"_s);
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return row() && row()->isVisible() && row()->y() > 0; }));
+    settle();
+    EXPECT_GT(row()->y(), child<QWidget>("sidebar.shortcut.Recordings")->geometry().bottom());
+    EXPECT_EQ(accessible(row())->text(QAccessible::Name), u"Browse 1A2B-3C4D"_s);
+    EXPECT_EQ(accessible(row())->text(QAccessible::Description), u"97.48 GB free"_s);
+    QTest::mouseClick(row(), Qt::LeftButton);
+    EXPECT_TRUE(waitFor([&] { return row()->isChecked() && !state->isLoadingAndroid(); }));
+    EXPECT_EQ(state->androidCurrentPath(), u"/storage/1A2B-3C4D"_s);
+    phone.pullCard(u"1A2B-3C4D"_s);
+    refresh();
+    EXPECT_TRUE(waitFor([&] { return !row() && state->androidCurrentPath() == u"/sdcard"_s; }));
 }
 
 TEST_F(SidebarTests, aLongMessageTakesTwoLinesAndMovesNothingOutOfTheCard) {

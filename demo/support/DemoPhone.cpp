@@ -136,6 +136,13 @@ QString DemoPhone::otherRoot(const QString &other) const {
     return root() + QLatin1Char('-') + other;
 }
 
+QString DemoPhone::insertCard(const QString &name) const {
+    const QString folder = root() % QStringLiteral("-card-") % name;
+    require(QDir().mkpath(folder), folder);
+    set(QStringLiteral("card"), name);
+    return folder;
+}
+
 void DemoPhone::reset(const QString &setting) const {
     append(setting, {});
 }

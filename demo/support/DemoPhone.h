@@ -61,6 +61,10 @@ public:
     /// Where the storage of another phone lies on this computer.
     [[nodiscard]] QString otherRoot(const QString &serial) const;
 
+    /// Puts a card in, and gives the folder of this computer that it is.
+    QString insertCard(const QString &name) const;
+    void pullCard(const QString &name) const { set(QStringLiteral("card"), name + QStringLiteral(" gone")); }
+
     /// The argument list of every adb that was started, in order.
     [[nodiscard]] QList<QStringList> commandLines() const;
 

@@ -90,8 +90,12 @@ struct StorageBytes {
     qint64 total = 0;
     friend bool operator==(const StorageBytes &, const StorageBytes &) = default;
 };
-/// The shared storage's bytes; /data's where /sdcard's cannot be read.
-[[nodiscard]] ADBResult<StorageBytes> fetchStorageBytes(const QString &serial);
+/// The storage of a phone.
+struct PhoneStorage {
+    StorageBytes shared; ///< /data's bytes where /sdcard's cannot be read
+    QList<StorageCard> cards;
+};
+[[nodiscard]] ADBResult<PhoneStorage> fetchStorage(const QString &serial);
 
 // -- Folders (ADBListing.cpp)
 
@@ -119,6 +123,10 @@ struct SearchMetadata {
 /// than two characters after sanitizeSearchQuery.
 [[nodiscard]] ADBResult<QList<FileItem>> search(const QString &serial, const QString &root,
                                                 const QString &query, int limit);
+/// The same below each of several roots. One behind the first that cannot be searched is passed over: a card
+/// may be gone.
+[[nodiscard]] ADBResult<QList<FileItem>> searchAll(const QString &serial, const QStringList &roots,
+                                                   const QString &query, int limit);
 /// Facts about each path, by the path as it was asked for; what cannot be learned is missing. One adb run per
 /// 40 paths, or fewer where they are long.
 [[nodiscard]] QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial,

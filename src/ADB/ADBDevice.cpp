@@ -70,19 +70,26 @@ ADBResult<AndroidDevice> fetchDevice(const QString &serial) {
     const auto model = fetchModel(serial);
     if (!model && isSilent(model.error())) // it would keep silent to the next question, too
         return tl::make_unexpected(model.error());
-    const auto bytes = fetchStorageBytes(serial);
-    if (!model && !bytes) // nothing that is asked of it is answered
-        return tl::make_unexpected(bytes.error());
+    const auto storage = fetchStorage(serial);
+    if (!model && !storage) // nothing that is asked of it is answered
+        return tl::make_unexpected(storage.error());
     const QString name = model.value_or(QString());
-    const auto [used, total] = bytes.value_or(StorageBytes{0, -1});
-    return AndroidDevice{serial, name.isEmpty() ? serial : name, true, used, total};
+    const auto [shared, cards] = storage.value_or(PhoneStorage{{0, -1}, {}});
+    return AndroidDevice{serial, name.isEmpty() ? serial : name, true, shared.used, shared.total, cards};
 }
 
-ADBResult<StorageBytes> fetchStorageBytes(const QString &serial) {
-    for (const QString &path : {QStringLiteral("/sdcard"), QStringLiteral("/data")}) {
-        auto bytes = askShell(serial, QStringLiteral("df"), path).and_then(parseDF);
-        if (bytes || isSilent(bytes.error()))
-            return bytes;
+ADBResult<PhoneStorage> fetchStorage(const QString &serial) {
+    // One question, since it is asked every minute: each card's path comes before what df says of it.
+    const QString all = QStringLiteral("/sdcard") % cardsCommand();
+    QList<StorageCard> cards;
+    for (const QString &path : {all, QStringLiteral("/data")}) {
+        const auto answer = askShell(serial, QStringLiteral("df"), path);
+        if (!answer && isSilent(answer.error()))
+            return tl::make_unexpected(answer.error());
+        const auto [shared, found] = splitStorage(answer.value_or(QString()));
+        cards += found;
+        if (const auto bytes = parseDF(shared))
+            return PhoneStorage{*bytes, cards};
     }
     return tl::make_unexpected(ADBError::parseFailed(QStringLiteral("Could not read device storage (df).")));
 }

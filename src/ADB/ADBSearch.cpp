@@ -76,6 +76,21 @@ ADBResult<QList<FileItem>> search(const QString &serial, const QString &root, co
     return items;
 }
 
+ADBResult<QList<FileItem>> searchAll(const QString &serial, const QStringList &roots, const QString &query,
+                                     int limit) {
+    QList<FileItem> all;
+    for (const QString &root : roots) {
+        auto found = search(serial, root, query, limit - int(all.size()));
+        if (!found && root == roots.first())
+            return found;
+        all += found.value_or(QList<FileItem>());
+        if (all.size() >= limit)
+            break;
+    }
+    sortInFileOrder(all);
+    return all;
+}
+
 QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial, const QStringList &paths) {
     QHash<QString, SearchMetadata> metadata;
     for (const Question &question : questionsFor(paths)) {

@@ -2,6 +2,8 @@
 
 #include "ADB/ADBClient.h"
 
+#include <QRegularExpression>
+
 namespace vantrel::AndroidPath {
 
 QStringList segments(const QString &path) {
@@ -15,6 +17,12 @@ QStringList segments(const QString &path) {
         pieces = QStringList{storage} + pieces.mid(3);
     }
     return pieces.isEmpty() ? QStringList{storage} : pieces;
+}
+
+QString cardOf(const QString &path) {
+    static const QRegularExpression pattern(
+        QStringLiteral("\\A/storage/[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}(?=/|\\z)"));
+    return pattern.match(path).captured();
 }
 
 QString breadcrumb(const QString &path) {

@@ -12,6 +12,9 @@ namespace vantrel::AndroidPath {
 /// The breadcrumb in one line, its segments joined by " › ".
 [[nodiscard]] QString breadcrumb(const QString &path);
 
+/// The card or stick that a path lies on, as "/storage/1A2B-3C4D"; empty for any other path.
+[[nodiscard]] QString cardOf(const QString &path);
+
 /// The last component of a path; empty for "/".
 [[nodiscard]] QString lastComponent(const QString &path);
 /// A folder's path and the name of an entry in it, joined by exactly one "/".

@@ -1,5 +1,6 @@
 #include "ADB/DeviceText.h"
 
+#include "ADB/AndroidPath.h"
 #include "ADB/ToolText.h"
 
 #include <QHash>
@@ -95,6 +96,33 @@ std::optional<QList<ListedPhone>> TrackedDevices::feed(const QByteArray &bytes) 
     }
     m_pending = m_isGarbage ? QByteArray() : m_pending.mid(at);
     return newest;
+}
+
+QString cardsCommand() {
+    return QStringLiteral("; for c in /storage/*-*; do echo \"$c\"; df \"$c\"; done; true");
+}
+
+std::pair<QString, QList<StorageCard>> splitStorage(const QString &text) {
+    constexpr qsizetype mostCards = 16;
+    QStringList pieces{QString()}; // of the shared storage, then of each card
+    QList<StorageCard> cards;
+    for (const QStringView line : ToolText::lines(text)) {
+        const QString card = AndroidPath::cardOf(line.toString());
+        if (!card.isEmpty() && card == line) {
+            if (cards.size() == mostCards)
+                break;
+            cards.append({card});
+            pieces.append(QString());
+        } else {
+            pieces.last() += line % QLatin1Char('\n');
+        }
+    }
+    for (qsizetype i = 0; i < cards.size(); ++i) {
+        const auto bytes = parseDF(pieces.at(i + 1)).value_or(StorageBytes());
+        cards[i].usedBytes = bytes.used;
+        cards[i].totalBytes = bytes.total;
+    }
+    return {pieces.first(), cards};
 }
 
 ADBResult<StorageBytes> parseDF(const QString &text) {

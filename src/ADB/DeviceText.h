@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <utility>
 
 namespace vantrel::ADBClient {
 
@@ -39,6 +40,12 @@ private:
     QByteArray m_pending; ///< less than one list, which holds less than 64 KiB
     bool m_isGarbage = false;
 };
+
+/// What lists the cards and sticks behind `df` of the shared storage, each path on a line of its own before
+/// its `df`. It goes well whether or not there are any.
+[[nodiscard]] QString cardsCommand();
+/// What comes of it: the text about the shared storage, and the cards. More than anybody has are not read.
+[[nodiscard]] std::pair<QString, QList<StorageCard>> splitStorage(const QString &text);
 
 /// Used and total bytes from the last line of `df`, whose first two whole numbers are total and used in units
 /// of 1024 bytes. A figure that does not fit 64 bits when multiplied counts as unreadable.

@@ -13,4 +13,13 @@ inline QString thisComputer() {
 #endif
 }
 
+/// What the command is called that shows a file in the desktop's file manager.
+inline QString revealTitle() {
+#ifdef Q_OS_MACOS
+    return QStringLiteral("Reveal in Finder");
+#else
+    return QStringLiteral("Show in Files");
+#endif
+}
+
 } // namespace vantrel

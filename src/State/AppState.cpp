@@ -22,6 +22,7 @@ AppState::AppState(Desktop &desktop, QObject *parent)
     forwardSignals();
     // With the listing that is still under way: it is of the phone that is gone.
     connect(&m_phones, &PhoneWatch::wasLost, this, [this] { m_androidPane.empty(); });
+    connect(&m_phones, &PhoneWatch::storageWasTold, this, &AppState::leaveGoneCard);
     connect(&m_phones, &PhoneWatch::wasAsked, &m_transfers, &TransferRunner::phoneWasAsked);
     connect(&m_transfers, &TransferRunner::phoneLeft, &m_phones, &PhoneWatch::doubt);
     connect(this, &AppState::isTransferringChanged, this, [this] {

@@ -26,7 +26,6 @@ public:
 
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
-    ~AppState() override;
     [[nodiscard]] static std::unique_ptr<AppState> designPreview(Desktop &desktop);
     [[nodiscard]] Desktop &desktop() const { return m_desktop; }
 
@@ -95,7 +94,7 @@ public:
     /// Whether the phone pane shows hits of the whole phone in place of a folder.
     [[nodiscard]] bool isAndroidEverywhereSearchActive() const { return m_search.isEverywhereActive(); }
     /// To be called whenever the search text or scope has changed.
-    void scheduleAndroidSearch() { m_search.schedule(connectedSerial()); }
+    void scheduleAndroidSearch();
     void clearAndroidSearch() { m_search.clear(); }
 
     // -- The computer's pane
@@ -170,6 +169,7 @@ private:
     void forwardSignals();
     void transfer(TransferDirection direction);
     QCoro::Task<> openPhone();
+    QCoro::Task<> leaveGoneCard();
     void showAvailable(std::optional<qint64> bytes);
     [[nodiscard]] std::optional<QString> connectedSerial() const override;
     [[nodiscard]] QString shownFolder(BrowserSide side) const override;

@@ -13,11 +13,31 @@
 namespace vantrel {
 
 QCoro::Task<> AppState::openPhone() {
-    const auto shortcut = std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [this](const auto &entry) {
-        return entry.id == selectedShortcutID();
-    });
-    const QString folder = shortcut != m_shortcuts.end() ? shortcut->path : QStringLiteral("/sdcard");
-    return browseAndroid(folder);
+    const auto places = m_shortcuts + m_phones.cards();
+    const auto place = std::find_if(places.begin(), places.end(),
+                                    [this](const auto &entry) { return entry.id == selectedShortcutID(); });
+    return browseAndroid(place != places.end() ? place->path : QStringLiteral("/sdcard"));
+}
+
+/// A card that is pulled out takes its folders with it.
+QCoro::Task<> AppState::leaveGoneCard() {
+    const QString card = AndroidPath::cardOf(androidCurrentPath());
+    const auto cards = m_phones.cards();
+    if (card.isEmpty() ||
+        std::any_of(cards.begin(), cards.end(), [&](const auto &entry) { return entry.path == card; }))
+        co_return;
+    const QString home = QStringLiteral("/sdcard");
+    co_await browseAndroid(home);
+    if (androidCurrentPath() == home)
+        m_androidPane.setBrowseError(QStringLiteral("“") % AndroidPath::lastComponent(card) %
+                                     QStringLiteral("” is no longer in the phone."));
+}
+
+void AppState::scheduleAndroidSearch() {
+    QStringList roots{QStringLiteral("/sdcard")};
+    for (const StorageShortcut &card : m_phones.cards())
+        roots.append(card.path);
+    m_search.schedule(connectedSerial(), roots);
 }
 
 QCoro::Task<> AppState::browseAndroid(QString path) {
@@ -25,7 +45,7 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
     const quint64 token = m_androidPane.open(folder);
     m_androidPathSegments = AndroidPath::segments(folder);
     m_search.clear();
-    for (const StorageShortcut &shortcut : m_shortcuts) {
+    for (const StorageShortcut &shortcut : m_shortcuts + m_phones.cards()) {
         if (ADBClient::normalizePath(shortcut.path) == folder) {
             setSelectedShortcutID(shortcut.id);
             break;
@@ -42,11 +62,13 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
     auto listing = co_await Background::run(this, &ADBClient::listDirectory, *serial, folder);
     if (!m_androidPane.isNewest(token))
         co_return;
-    if (!listing)
-        m_androidPane.setBrowseError(listing.error().errorDescription());
-    const auto shown = std::move(listing).value_or(ADBClient::Listing());
-    m_androidPane.setItems(shown, shown.unreadableCount);
+    if (listing)
+        m_androidPane.setItems(*listing, listing->unreadableCount);
+    else
+        m_androidPane.fail(listing.error().errorDescription());
     m_androidPane.setLoading(false);
+    if (!listing && !AndroidPath::cardOf(folder).isEmpty())
+        m_phones.refreshStorage(); // it may be gone
 }
 
 QCoro::Task<> AppState::browseMac(QString path) {
@@ -60,9 +82,10 @@ QCoro::Task<> AppState::browseMac(QString path) {
         available = co_await Background::run(this, &MacFileClient::availableBytes, folder);
     if (!m_macPane.isNewest(token))
         co_return;
-    if (!listing)
-        m_macPane.setBrowseError(listing.error().errorDescription());
-    m_macPane.setItems(std::move(listing).value_or(QList<FileItem>()));
+    if (listing)
+        m_macPane.setItems(*listing);
+    else
+        m_macPane.fail(listing.error().errorDescription());
     showAvailable(available);
     m_macPane.setLoading(false);
 }

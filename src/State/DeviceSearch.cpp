@@ -33,16 +33,16 @@ void DeviceSearch::showInPane() {
     m_pane.setHits(showsHits ? std::optional(results()) : std::nullopt);
 }
 
-void DeviceSearch::schedule(const std::optional<QString> &serial) {
+void DeviceSearch::schedule(const std::optional<QString> &serial, const QStringList &roots) {
     const quint64 token = ++m_token;
     if (scope() == AndroidSearchScope::everywhere) {
         m_pane.clearSelection();
         if (characterCount(query()) >= shortestQuery) {
             if (serial) {
                 m_isSearching = true;
-                QTimer::singleShot(debounce, this, [this, serial = *serial, query = query(), token] {
+                QTimer::singleShot(debounce, this, [this, serial = *serial, roots, query = query(), token] {
                     if (token == m_token)
-                        run(serial, query, token);
+                        run(serial, roots, query, token);
                 });
                 return;
             }
@@ -53,9 +53,9 @@ void DeviceSearch::schedule(const std::optional<QString> &serial) {
     m_isSearching = false;
 }
 
-QCoro::Task<> DeviceSearch::run(QString serial, QString query, quint64 token) {
-    const QString root = QStringLiteral("/sdcard");
-    const auto found = co_await Background::run(this, &ADBClient::search, serial, root, query, resultLimit);
+QCoro::Task<> DeviceSearch::run(QString serial, QStringList roots, QString query, quint64 token) {
+    const auto found =
+        co_await Background::run(this, &ADBClient::searchAll, serial, roots, query, resultLimit);
     if (token != m_token)
         co_return;
     m_results = found.value_or(QList<FileItem>());

@@ -38,9 +38,10 @@ public:
     /// Whether the pane shows hits of the whole phone in place of a folder.
     [[nodiscard]] bool isEverywhereActive() const;
 
-    /// Searches the phone with this serial 0.4 s later, unless called again before; only in the everywhere
-    /// scope and for a query that is long enough. Without a phone the pane says that one is needed.
-    void schedule(const std::optional<QString> &serial);
+    /// Searches the phone with this serial, below these folders, 0.4 s later, unless called again before;
+    /// only in the everywhere scope and for a query that is long enough. Without a phone the pane says that
+    /// one is needed.
+    void schedule(const std::optional<QString> &serial, const QStringList &roots);
     /// Gives up the text, the hits and the selection.
     void clear();
 
@@ -52,7 +53,7 @@ Q_SIGNALS:
 
 private:
     void showInPane();
-    QCoro::Task<> run(QString serial, QString query, quint64 token);
+    QCoro::Task<> run(QString serial, QStringList roots, QString query, quint64 token);
 
     PaneState &m_pane;
     Q_OBJECT_BINDABLE_PROPERTY(DeviceSearch, QString, m_text, &DeviceSearch::textChanged)

@@ -1,6 +1,7 @@
 #include "State/PaneState.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
@@ -71,11 +72,20 @@ void PaneState::setOrder(FileOrder order) {
 quint64 PaneState::open(const QString &path) {
     m_path = path;
     clearSelection();
+    m_hasFailed = false;
     m_browseError = std::nullopt;
     return ++m_token;
 }
 
+void PaneState::fail(const QString &reason) {
+    setItems({});
+    m_hasFailed = true;
+    m_browseError = reason;
+}
+
 void PaneState::setItems(const QList<FileItem> &items, qsizetype unreadableCount) {
+    if (std::exchange(m_hasFailed, false))
+        m_browseError = std::nullopt;
     if (items == m_items && unreadableCount == m_unreadableCount)
         return;
     m_items = items;

@@ -37,6 +37,9 @@ public:
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     /// Why the pane could not do what was asked of it last, in words for its footer.
     [[nodiscard]] const std::optional<QString> &browseError() const { return m_browseError.value(); }
+    /// Whether the folder could not be listed, or the phone not searched, for the reason that browseError()
+    /// is.
+    [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
     [[nodiscard]] PaneViewMode viewMode() const { return m_viewMode; }
     /// That of visibleItems().
     [[nodiscard]] FileOrder order() const { return m_order; }
@@ -72,6 +75,8 @@ public:
     /// with it stays selected.
     void setItemsAgain(const QList<FileItem> &items, qsizetype unreadableCount = 0);
     void setBrowseError(const std::optional<QString> &error) { m_browseError = error; }
+    /// There is nothing to show of what was asked for last, for this reason.
+    void fail(const QString &reason);
     /// Empties the pane, because what it lists is gone, and drops the listing that is under way.
     void empty(const std::optional<QString> &error = std::nullopt);
 
@@ -104,6 +109,7 @@ private:
     FileOrder m_order;
     std::optional<QList<FileItem>> m_hits;
     quint64 m_token = 0;
+    bool m_hasFailed = false;
     Q_OBJECT_BINDABLE_PROPERTY(PaneState, QString, m_path, &PaneState::pathChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(PaneState, bool, m_isLoading, false, &PaneState::isLoadingChanged)
     Q_OBJECT_BINDABLE_PROPERTY(PaneState, std::optional<QString>, m_browseError,

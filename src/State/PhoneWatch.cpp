@@ -1,6 +1,7 @@
 #include "State/PhoneWatch.h"
 
 #include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
 #include "Worker/Worker.h"
 
 #include <algorithm>
@@ -14,6 +15,14 @@ PhoneWatch::PhoneWatch(std::function<QCoro::Task<>()> open) : m_open(std::move(o
     connect(&m_timer, &QTimer::timeout, this, &PhoneWatch::tick);
     connect(&m_tracker, &DeviceTracker::changed, this, &PhoneWatch::follow);
     connect(&m_tracker, &DeviceTracker::ended, this, &PhoneWatch::schedule);
+}
+
+QList<StorageShortcut> PhoneWatch::cards() const {
+    QList<StorageShortcut> list;
+    for (const StorageCard &card : device().cards)
+        list.append({QUuid::createUuidV5(QUuid(), card.path), AndroidPath::lastComponent(card.path),
+                     card.path, QStringLiteral("sdcard")});
+    return list;
 }
 
 void PhoneWatch::start() {
@@ -95,15 +104,20 @@ QCoro::Task<> PhoneWatch::refresh(Spinner spinner) {
     schedule();
 }
 
-QCoro::Task<> PhoneWatch::show(QString serial) {
+QCoro::Task<> PhoneWatch::show(QString serial, Spinner spinner) {
+    const bool isShown = spinner == Spinner::shown;
+    if (isShown)
+        m_isRefreshing = true;
     const quint64 token = ++m_token;
     m_asked = serial;
     m_timer.stop();
     const auto found = co_await Background::run(this, &ADBClient::fetchDevice, serial);
-    if (token != m_token)
-        co_return;
-    m_asked = std::nullopt;
-    co_await apply(found, found ? PhoneTrouble::none : ADBClient::troubleOf(found.error()));
+    if (token == m_token) {
+        m_asked = std::nullopt;
+        co_await apply(found, found ? PhoneTrouble::none : ADBClient::troubleOf(found.error()));
+    }
+    if (isShown)
+        m_isRefreshing = false;
     schedule();
 }
 
@@ -111,15 +125,15 @@ QCoro::Task<> PhoneWatch::refreshStorage() {
     const QString serial = device().id;
     if (!device().isConnected || m_asked)
         co_return;
-    const auto bytes = co_await Background::run(this, &ADBClient::fetchStorageBytes, serial);
-    if (device().isConnected && device().id == serial) {
-        if (bytes) {
-            AndroidDevice known = device();
-            known.usedBytes = bytes->used;
-            known.totalBytes = bytes->total;
-            m_device = known;
-            m_message = std::nullopt;
-        }
+    const auto storage = co_await Background::run(this, &ADBClient::fetchStorage, serial);
+    if (storage && device().isConnected && device().id == serial) {
+        AndroidDevice known = device();
+        known.usedBytes = storage->shared.used;
+        known.totalBytes = storage->shared.total;
+        known.cards = storage->cards;
+        m_device = known;
+        m_message = std::nullopt;
+        Q_EMIT storageWasTold();
     }
     schedule();
 }
@@ -136,6 +150,7 @@ QCoro::Task<> PhoneWatch::apply(ADBResult<AndroidDevice> found, PhoneTrouble tro
         message = QStringLiteral("Its storage use could not be read. Copying still works.");
         found->usedBytes = isNew ? 0 : device().usedBytes;
         found->totalBytes = isNew ? 0 : device().totalBytes;
+        found->cards = isNew ? QList<StorageCard>() : device().cards;
     }
     if (found->name != found->id)
         m_models.insert(found->id, found->name);
@@ -146,6 +161,8 @@ QCoro::Task<> PhoneWatch::apply(ADBResult<AndroidDevice> found, PhoneTrouble tro
     Q_EMIT wasAsked();
     if (isNew)
         co_await m_open();
+    else
+        Q_EMIT storageWasTold();
 }
 
 void PhoneWatch::showNone(const ADBError &reason, PhoneTrouble trouble) {

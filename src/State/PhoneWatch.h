@@ -2,6 +2,7 @@
 
 #include "ADB/DeviceTracker.h"
 #include "Records/AndroidDevice.h"
+#include "Records/StorageShortcut.h"
 
 #include <QCoroTask>
 #include <QHash>
@@ -37,6 +38,8 @@ public:
     [[nodiscard]] const AndroidDevice &device() const { return m_device.value(); }
     /// All that adb lists, in its order. Models are known where more than one phone is ready.
     [[nodiscard]] const QList<ListedPhone> &phones() const { return m_phones.value(); }
+    /// The cards and sticks in the phone that is shown; each keeps its identity while the program runs.
+    [[nodiscard]] QList<StorageShortcut> cards() const;
     /// The last problem with the phone, in words.
     [[nodiscard]] const std::optional<QString> &message() const { return m_message.value(); }
     void setMessage(const std::optional<QString> &message) { m_message = message; }
@@ -47,7 +50,7 @@ public:
     /// Looks for phones. A hidden refresh does nothing while another is asking, a shown one supersedes it.
     QCoro::Task<> refresh(Spinner spinner);
     /// Shows one of the phones that are ready.
-    QCoro::Task<> show(QString serial);
+    QCoro::Task<> show(QString serial, Spinner spinner = Spinner::hidden);
     /// Asks how much of the storage is in use; a phone that does not say keeps what is known of it.
     QCoro::Task<> refreshStorage();
     /// To be called when the phone that is shown seemed to have left: it is looked for a little later,
@@ -67,6 +70,8 @@ Q_SIGNALS:
     void wasAsked();
     /// There is none.
     void wasLost();
+    /// It is known anew what storage the phone has, the same phone as before.
+    void storageWasTold();
 
 private:
     void follow(const QList<ListedPhone> &phones);

@@ -1,6 +1,7 @@
 #include "Views/AndroidBrowserPane.h"
 
 #include "ADB/ADBClient.h"
+#include "ADB/AndroidPath.h"
 #include "State/AppState.h"
 #include "Views/FilePane.h"
 
@@ -32,13 +33,17 @@ AndroidBrowserPane::AndroidBrowserPane(AppState *state, QWidget *parent)
     start(&AppState::androidPathSegmentsChanged, &AppState::androidSearchTextChanged,
           &AppState::androidSearchScopeChanged, &AppState::androidSearchResultsChanged,
           &AppState::isSearchingAndroidChanged, &AppState::isOpeningAndroidFileChanged,
-          &AppState::androidSearchFocusTokenChanged);
+          &AppState::androidSearchFocusTokenChanged, &AppState::deviceChanged,
+          &AppState::deviceStatusMessageChanged);
+    watch(&state->phones(), &PhoneWatch::troubleChanged);
 }
 
 QString AndroidBrowserPane::parentAndroidPath(const QString &path) {
     QString storage = QStringLiteral("/sdcard");
     const QString folder = ADBClient::normalizePath(path);
     QStringList pieces = folder.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    if (folder == AndroidPath::cardOf(folder))
+        return folder;
     if (folder == storage || folder == QLatin1String("/storage/emulated/0") || pieces.size() < 2)
         return storage;
     pieces.removeLast();
@@ -51,6 +56,20 @@ QString AndroidBrowserPane::activity() const {
     if (app().isSearchingAndroid())
         return QStringLiteral("Searching device…");
     return app().isOpeningAndroidFile() ? QStringLiteral("Opening…") : QString();
+}
+
+std::optional<Emptiness> AndroidBrowserPane::emptiness() const {
+    const PhoneTrouble trouble = app().phones().trouble();
+    if (trouble != PhoneTrouble::none)
+        return EmptyStates::ofPhone(trouble, app().deviceStatusMessage().value_or(QString()));
+    if (!app().device().isConnected)
+        return std::nullopt; // nobody has looked yet
+    const QString query = app().androidSearchText().trimmed();
+    if (query.isEmpty() || (state().hasFailed() && !app().isAndroidEverywhereSearchActive()))
+        return BrowserPane::emptiness();
+    if (app().isAndroidEverywhereSearchActive() && state().browseError())
+        return EmptyStates::failedSearch(*state().browseError());
+    return EmptyStates::noHits(query, app().androidSearchScope());
 }
 
 void AndroidBrowserPane::fill(FilePane &pane) {
@@ -87,6 +106,8 @@ void AndroidBrowserPane::fill(FilePane &pane) {
         else
             state->browseAndroid(state->androidCurrentPath());
     };
+    if (state->phones().trouble() != PhoneTrouble::none)
+        pane.onTryAgain = [state] { state->refreshDevice(AppState::Spinner::shown); };
     pane.searchText = {state->androidSearchText(),
                        [state](const QString &text) { state->setAndroidSearchText(text); }};
     pane.searchScope = {state->androidSearchScope(),

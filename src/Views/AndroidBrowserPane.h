@@ -10,12 +10,13 @@ public:
     /// The state must outlive the view.
     explicit AndroidBrowserPane(AppState *state, QWidget *parent = nullptr);
 
-    /// The folder that "Go back" leads to; it never leaves the shared storage.
+    /// The folder that "Go back" leads to; it never leaves the shared storage or the card.
     [[nodiscard]] static QString parentAndroidPath(const QString &path);
 
 protected:
     void fill(FilePane &pane) override;
     [[nodiscard]] QString activity() const override;
+    [[nodiscard]] std::optional<Emptiness> emptiness() const override;
 };
 
 } // namespace vantrel

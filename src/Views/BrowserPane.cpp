@@ -27,6 +27,11 @@ QString BrowserPane::activity() const {
     return m_state.isLoading() ? QStringLiteral("Loading…") : QString();
 }
 
+std::optional<Emptiness> BrowserPane::emptiness() const {
+    return m_state.hasFailed() ? EmptyStates::failed(m_state.browseError().value_or(QString()))
+                               : EmptyStates::emptyFolder();
+}
+
 void BrowserPane::focusSide() const {
     m_app->setFocusedBrowserSide(m_state.side());
 }
@@ -81,6 +86,11 @@ void BrowserPane::render() {
         pane.footerTrailing = busy;
     else if (m_state.browseError())
         pane.footerTrailing = *m_state.browseError();
+    if (busy.isEmpty() && m_state.visibleItems().isEmpty())
+        pane.emptiness = emptiness();
+    if (!pane.onTryAgain)
+        pane.onTryAgain = pane.onRefresh;
+    pane.desktop = &m_app->desktop();
     m_view->setPane(pane);
     m_spinner->setVisible(!busy.isEmpty());
 }

@@ -2,8 +2,11 @@
 
 #include "Kit/RenderScheduler.h"
 #include "Records/Pane.h"
+#include "Views/Emptiness.h"
 
 #include <QWidget>
+
+#include <optional>
 
 class QMimeData;
 
@@ -29,12 +32,19 @@ protected:
     virtual void fill(FilePane &pane) = 0;
     /// What the pane does now, for its footer; nothing when it rests.
     [[nodiscard]] virtual QString activity() const;
+    /// What is said in the list's place while the pane rests and has nothing to list.
+    [[nodiscard]] virtual std::optional<Emptiness> emptiness() const;
 
     /// Renders for the first time and again after each of these signals of the model.
     template <typename... Signals>
     void start(Signals... signalsOfState) {
         m_rendering.watch(m_app, signalsOfState...);
         m_rendering.renderNow();
+    }
+    /// Renders again after this signal of another part of the model, too.
+    template <typename Sender, typename Signal>
+    void watch(Sender *sender, Signal signal) {
+        m_rendering.watch(sender, signal);
     }
     [[nodiscard]] AppState &app() const { return *m_app; }
     [[nodiscard]] PaneState &state() const { return m_state; }

@@ -1,6 +1,7 @@
 #include "Views/FileContextMenu.h"
 
 #include "MacFiles/MacFileClient.h"
+#include "MacFiles/ThisComputer.h"
 #include "Theme/AppTheme.h"
 #include "Views/FilePane.h"
 
@@ -34,7 +35,7 @@ std::unique_ptr<QMenu> fileContextMenu(const FilePane &pane, const FileItem &ite
         add(*menu, QStringLiteral("Open"), std::move(open));
     else
         add(*menu, QStringLiteral("Open"), [=] { MacFileClient::open(*desktop, path); });
-    add(*menu, QStringLiteral("Reveal in Finder"), [=] { MacFileClient::revealInFinder(*desktop, path); });
+    add(*menu, revealTitle(), [=] { MacFileClient::revealInFinder(*desktop, path); });
     menu->addSeparator();
     add(*menu, QStringLiteral("Copy Path"), [=] { MacFileClient::copyPath(*desktop, path); });
     return menu;

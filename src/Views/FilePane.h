@@ -2,6 +2,7 @@
 
 #include "Records/FileOrder.h"
 #include "Records/Pane.h"
+#include "Views/Emptiness.h"
 
 #include <functional>
 #include <optional>
@@ -68,6 +69,8 @@ struct FilePane {
     /// Something that dropCount() takes was dropped, on the folder of this path.
     std::function<void(const QMimeData &, const QString &folder)> onDrop = {};
     std::optional<Binding<FileOrder>> order = {}; ///< absent: the columns cannot be clicked
+    std::optional<Emptiness> emptiness = {};      ///< in the list's place; it is empty then
+    std::function<void()> onTryAgain = {};        ///< what its button does, but for copying a command
     Desktop *desktop = nullptr; ///< what the computer's context menu acts on; needed where that is shown
 };
 

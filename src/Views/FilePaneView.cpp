@@ -7,8 +7,10 @@
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
+#include "MacFiles/Desktop.h"
 #include "State/PaneState.h"
 #include "Views/ColumnButton.h"
+#include "Views/EmptinessView.h"
 #include "Views/FileContextMenu.h"
 #include "Views/FileDelegate.h"
 #include "Views/FileGridView.h"
@@ -19,6 +21,7 @@
 #include "Views/SelectAllBox.h"
 
 #include <QDragMoveEvent>
+#include <QGridLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -82,6 +85,13 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     m_gridBar = makeGridSelectAllBar();
     m_list = named(QStringLiteral("fileList"), new FileItemsView(m_items, selection, new FileRowDelegate));
     m_grid = named(QStringLiteral("fileGrid"), new FileGridView(m_items, selection));
+    m_emptiness = new EmptinessView;
+    connect(m_emptiness, &EmptinessView::acted, this, [this] {
+        if (const QString command = m_emptiness->emptiness().command; !command.isEmpty())
+            m_pane.desktop->copyText(command);
+        else
+            call(m_pane.onTryAgain);
+    });
     m_footer = makeFooter();
 
     const auto toggle = [this](const FileItem &item) { call(m_pane.onToggle, item); };
@@ -99,9 +109,11 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     }
 
     setAcceptDrops(true);
-    setLayout(
-        columnOf(0, {m_header, m_searchBar, m_columnHeaders, m_gridBar, {m_list, 1}, {m_grid, 1}, m_footer},
-                 {border, border, border, border}));
+    auto *place = new QGridLayout;
+    for (QWidget *shown : std::initializer_list<QWidget *>{m_list, m_grid, m_emptiness})
+        place->addWidget(shown, 0, 0);
+    setLayout(columnOf(0, {m_header, m_searchBar, m_columnHeaders, m_gridBar, {place, 1}, m_footer},
+                       {border, border, border, border}));
 }
 
 QWidget *FilePaneView::makeHeader() {
@@ -264,6 +276,9 @@ void FilePaneView::setPane(const FilePane &pane) {
     const auto heir = [this] { entries()->takeFocus(); };
     showWithHeir(m_columnHeaders, !isGrid(), heir);
     showWithHeir(m_gridBar, isGrid() && m_pane.onToggleSelectAll, heir);
+    if (m_pane.emptiness)
+        m_emptiness->setEmptiness(*m_pane.emptiness);
+    showWithHeir(m_emptiness, m_pane.emptiness.has_value(), heir);
     announceEntries();
 
     if (!isFirst && before.focusSearchToken != m_pane.focusSearchToken)
@@ -326,8 +341,10 @@ void FilePaneView::showEntries() {
 void FilePaneView::announceEntries() {
     const QString before = entries()->accessibleDescription();
     const int count = m_items->rowCount();
-    const QString number = count == 1 ? QStringLiteral(", 1 item") : QStringLiteral(", %L1 items").arg(count);
-    const QString now = m_state.isLoading() ? before : QString(displayText(m_pane.pathLabel) + number);
+    const QString number = m_pane.emptiness ? QString(QStringLiteral(", ") % m_pane.emptiness->heading)
+                           : count == 1     ? QStringLiteral(", 1 item")
+                                            : QStringLiteral(", %L1 items").arg(count);
+    const QString now = m_state.isLoading() ? before : QString(displayText(m_pane.pathLabel) % number);
     setAccessibleTexts(entries(), m_pane.title, now);
     if (now != before)
         entries()->announceFocus();

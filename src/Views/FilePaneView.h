@@ -9,6 +9,7 @@ class QLineEdit;
 namespace vantrel {
 
 class ColumnButton;
+class EmptinessView;
 class FileItemsModel;
 class FileItemsView;
 class IconButton;
@@ -102,6 +103,7 @@ private:
 
     FileItemsView *m_list;
     FileItemsView *m_grid;
+    EmptinessView *m_emptiness;
 
     QWidget *m_footer;
     TextLabel *m_footerLeading;

@@ -60,7 +60,6 @@ void MacBrowserPane::fill(FilePane &pane) {
     pane.onNewFolder = [state] { state->createMacFolder(); };
     pane.onHome = [state] { state->browseMac(QDir::homePath()); };
     pane.showsMacContextMenu = true;
-    pane.desktop = &state->desktop();
 }
 
 } // namespace vantrel

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "Kit/PopUpButton.h"
 #include "Records/Pane.h"
-
-#include <QComboBox>
 
 namespace vantrel {
 
-/// The pop-up that chooses what the search field searches. As wide as its longest title.
-class ScopePicker : public QComboBox {
+/// The pop-up that chooses what the search field searches.
+class ScopePicker : public PopUpButton {
     Q_OBJECT
 
 public:
@@ -15,17 +14,9 @@ public:
 
     void setScope(AndroidSearchScope scope);
 
-    [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
-    void showPopup() override;
-
 Q_SIGNALS:
     /// The user has chosen.
     void scopeChosen(AndroidSearchScope scope);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
-    void wheelEvent(QWheelEvent *event) override;
 };
 
 } // namespace vantrel

@@ -12,6 +12,7 @@
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
 #include "Views/FileItemsView.h"
+#include "Views/PhonePicker.h"
 
 #include <QPainter>
 #include <QProgressBar>
@@ -56,7 +57,20 @@ public:
         setLayout(rowOf(0, {BoxItem::room(), m_loading}, {horizontalPadding, 0, horizontalPadding, 0}));
     }
 
-    void setLoading(bool loading) { m_loading->setVisible(loading); }
+    void setLoading(bool loading) {
+        if (loading == m_loading->isVisibleTo(this))
+            return;
+        m_loading->setVisible(loading);
+        update(); // the texts make room for it
+    }
+    /// A few words at its end.
+    void setDetail(const QString &detail) {
+        if (detail == m_detail)
+            return;
+        m_detail = detail;
+        setAccessibleTexts(this, accessibleName(), detail);
+        update();
+    }
 
     [[nodiscard]] QSize sizeHint() const override {
         return {SidebarView::columnWidth, titleStyle.lineHeight() + 2 * verticalPadding};
@@ -69,8 +83,11 @@ protected:
         const QRectF icon(horizontalPadding, 0, iconWidth, height());
         m_symbol.paint(painter, icon, AppTheme::folderBlue());
         const double end = m_loading->isVisible() ? m_loading->x() - gap : width() - horizontalPadding;
-        const QRectF title(QPointF(icon.right() + gap, 0), QPointF(end, height()));
-        paintText(painter, title, m_title, titleStyle, AppTheme::ink());
+        const QRectF texts(QPointF(icon.right() + gap, 0), QPointF(end, height()));
+        const double titleWidth = titleStyle.width(m_title) + gap;
+        paintText(painter, texts, m_title, titleStyle, AppTheme::ink());
+        paintText(painter, texts.adjusted(titleWidth, 0, 0, 0), m_detail, detailStyle,
+                  AppTheme::inkTertiary(), Qt::AlignRight | Qt::AlignVCenter);
     }
 
 private:
@@ -80,9 +97,11 @@ private:
     static constexpr int iconWidth = 18;
     static constexpr int gap = 8;
     static constexpr TextStyle titleStyle{13, Weight::medium};
+    static constexpr TextStyle detailStyle{10.5, Weight::medium};
 
     Symbol m_symbol;
     QString m_title;
+    QString m_detail;
     Spinner *m_loading;
 };
 
@@ -98,6 +117,7 @@ SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_
     m_rendering.watch(state, &AppState::deviceChanged, &AppState::deviceStatusMessageChanged,
                       &AppState::isRefreshingDeviceChanged, &AppState::isLoadingAndroidChanged,
                       &AppState::selectedShortcutIDChanged);
+    m_rendering.watch(&state->phones(), &PhoneWatch::phonesChanged);
     m_rendering.renderNow();
 }
 
@@ -108,6 +128,11 @@ QWidget *SidebarView::deviceCard() {
     };
     m_title = text(QStringLiteral("sidebar.device.title"), {12.5, Weight::semibold, FontDesign::monospaced},
                    AppTheme::ink());
+    m_picker = named(QStringLiteral("sidebar.device.picker"), new PhonePicker);
+    connect(m_picker, &PhonePicker::phoneChosen, this, [this](const QString &serial) {
+        m_rendering.request(); // it shows what was chosen only once that is so
+        m_state->phones().show(serial, AppState::Spinner::shown);
+    });
     m_refreshing = named(QStringLiteral("sidebar.device.refreshing"),
                          new Spinner(Spinner::Size::mini, QStringLiteral("Checking the device")));
     m_dot = named(QStringLiteral("sidebar.device.statusDot"),
@@ -136,7 +161,7 @@ QWidget *SidebarView::deviceCard() {
     m_storageText->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     m_model = text(QStringLiteral("sidebar.device.model"), caption, AppTheme::inkTertiary());
 
-    auto *titles = columnOf(3, {m_title, rowOf(5, {m_refreshing, m_dot, {m_status, 1}})});
+    auto *titles = columnOf(3, {m_title, m_picker, rowOf(5, {m_refreshing, m_dot, {m_status, 1}})});
     auto *header = rowOf(10, {canvas(36, &paintDeviceIcon), {titles, 1}, m_refresh});
     auto *storage = columnOf(5, {m_storage, rowOf(8, {m_storageText, BoxItem::room(), m_model})});
     auto *card = named(QStringLiteral("sidebar.device"), new Card(12));
@@ -157,22 +182,53 @@ QWidget *SidebarView::shortcutList() {
     scroll->viewport()->setAutoFillBackground(false);
 
     auto *rows = new QWidget;
-    auto *stack = columnOf(2, {}, {8, 0, 8, 0});
-    rows->setLayout(stack);
-    for (const StorageShortcut &shortcut : m_state->shortcuts()) {
-        auto *row = new ShortcutRow(shortcut, rows);
-        connect(row, &QAbstractButton::clicked, this, [this, shortcut] {
-            // The row is highlighted at once, whatever the phone takes.
-            m_state->setSelectedShortcutID(shortcut.id);
-            m_state->browseAndroid(shortcut.path);
-        });
-        m_shortcuts.append(row);
-        stack->addWidget(row);
-    }
-    stack->addStretch();
+    m_rows = columnOf(2, {BoxItem::room()}, {8, 0, 8, 0});
+    rows->setLayout(m_rows);
+    for (const StorageShortcut &shortcut : m_state->shortcuts())
+        addRow(shortcut);
     scroll->setWidget(rows);
     rows->setAutoFillBackground(false);
     return scroll;
+}
+
+void SidebarView::addRow(const StorageShortcut &shortcut) {
+    auto *row = new ShortcutRow(shortcut, m_rows->parentWidget());
+    connect(row, &QAbstractButton::clicked, this, [this, shortcut] {
+        // The row is highlighted at once, whatever the phone takes.
+        m_state->setSelectedShortcutID(shortcut.id);
+        m_state->browseAndroid(shortcut.path);
+    });
+    m_shortcuts.append(row);
+    m_rows->insertWidget(m_rows->count() - 1, row);
+    row->show();
+}
+
+void SidebarView::showShortcuts() {
+    const QList<StorageShortcut> &fixed = m_state->shortcuts();
+    const QList<StorageShortcut> cards = m_state->phones().cards();
+    if (cards != m_cards) {
+        while (m_shortcuts.size() > fixed.size()) {
+            showWithHeir(m_shortcuts.last(), false, [this] { focusEntries(window()); });
+            delete m_shortcuts.takeLast();
+        }
+        for (const StorageShortcut &card : cards)
+            addRow(card);
+        m_cards = cards;
+    }
+    for (qsizetype i = 0; i < m_shortcuts.size(); ++i) {
+        const bool isCard = i >= fixed.size();
+        const bool selected =
+            m_state->selectedShortcutID() == (isCard ? cards.at(i - fixed.size()) : fixed.at(i)).id;
+        m_shortcuts.at(i)->setChecked(selected);
+        m_shortcuts.at(i)->setLoading(selected && m_state->isLoadingAndroid());
+        if (!isCard)
+            continue;
+        const StorageCard &card = m_state->device().cards.at(i - fixed.size());
+        m_shortcuts.at(i)->setDetail(
+            card.totalBytes > 0
+                ? QString(formatFileSize(card.totalBytes - card.usedBytes) % QStringLiteral(" free"))
+                : QString());
+    }
 }
 
 ThemeColor SidebarView::statusColor() const {
@@ -185,6 +241,10 @@ void SidebarView::render() {
     const bool refreshing = m_state->isRefreshingDevice();
 
     m_title->setText(connected ? device.id : QStringLiteral("No device"));
+    const QList<ListedPhone> &phones = m_state->phones().phones();
+    m_picker->setPhones(phones, connected ? device.id : QString());
+    m_title->setVisible(phones.size() < 2);
+    showWithHeir(m_picker, phones.size() >= 2, [this] { focusEntries(window()); });
     m_refreshing->setVisible(refreshing);
     m_dot->setVisible(!refreshing);
     m_dot->update();
@@ -208,12 +268,7 @@ void SidebarView::render() {
     m_model->setText(connected ? device.name : QString());
     m_model->setVisible(connected && !device.name.isEmpty());
 
-    const auto &shortcuts = m_state->shortcuts();
-    for (qsizetype i = 0; i < shortcuts.size(); ++i) {
-        const bool selected = m_state->selectedShortcutID() == shortcuts.at(i).id;
-        m_shortcuts.at(i)->setChecked(selected);
-        m_shortcuts.at(i)->setLoading(selected && m_state->isLoadingAndroid());
-    }
+    showShortcuts();
 }
 
 void SidebarView::paintEvent(QPaintEvent *) {

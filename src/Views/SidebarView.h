@@ -1,17 +1,20 @@
 #pragma once
 
 #include "Kit/RenderScheduler.h"
+#include "Records/StorageShortcut.h"
 #include "Theme/AppTheme.h"
 
 #include <QList>
 #include <QWidget>
 
+class QBoxLayout;
 class QProgressBar;
 
 namespace vantrel {
 
 class AppState;
 class IconButton;
+class PhonePicker;
 class Spinner;
 class TextLabel;
 class ShortcutRow;
@@ -30,11 +33,14 @@ protected:
 private:
     QWidget *deviceCard();
     QWidget *shortcutList();
+    void addRow(const StorageShortcut &shortcut);
+    void showShortcuts();
     void render();
     [[nodiscard]] ThemeColor statusColor() const;
 
     AppState *m_state;
     TextLabel *m_title = nullptr;
+    PhonePicker *m_picker = nullptr; ///< in the title's place while there is more than one phone
     Spinner *m_refreshing = nullptr;
     QWidget *m_dot = nullptr;
     TextLabel *m_status = nullptr;
@@ -43,7 +49,9 @@ private:
     QProgressBar *m_storage = nullptr;
     TextLabel *m_storageText = nullptr;
     TextLabel *m_model = nullptr;
-    QList<ShortcutRow *> m_shortcuts; ///< in the model's order
+    QList<ShortcutRow *> m_shortcuts; ///< in the model's order, the cards behind them
+    QList<StorageShortcut> m_cards;   ///< that have a row
+    QBoxLayout *m_rows = nullptr;
     RenderScheduler m_rendering{[this] { render(); }};
 };
 
