@@ -1,6 +1,7 @@
 // The main window and how it divides its room, on a demo phone.
 
 #include "support/MainWindowFixture.h"
+#include "support/Processes.h"
 
 #include "ADB/ADBClient.h"
 #include "App/Sheets/MessageSheet.h"
