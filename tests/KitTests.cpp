@@ -525,6 +525,27 @@ TEST_F(ShownToolTipTests, oneLineWhereItFitsAndAtMostHalfTheWindow) {
         EXPECT_EQ(tip()->height() > oneLine, text.size() > 100) << text.toStdString();
     }
     EXPECT_EQ(window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).size(), 3);
+    const int line = TextStyle{.size = 11.5, .weight = Weight::medium}.lineHeight();
+    buttons[0]->setToolTip(u"One\n\nand another"_s);
+    rest(buttons[0]);
+    EXPECT_EQ(tip()->height(), oneLine + 2 * line) << "a line feed begins a line";
+}
+
+TEST_F(ShownToolTipTests, areNotShownAgainForWhatHasBeenPressed) {
+    for (QPushButton *button : buttons)
+        button->setToolTip(u"Back"_s);
+    rest(buttons[0]);
+    QTest::mouseClick(buttons[0], Qt::LeftButton);
+    rest(buttons[0]);
+    EXPECT_TRUE(ToolTips::text().isEmpty());
+    rest(buttons[1]);
+    EXPECT_FALSE(ToolTips::text().isEmpty()) << "another one";
+    rest(buttons[0]);
+    EXPECT_TRUE(ToolTips::text().isEmpty());
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(buttons[0], &leave);
+    rest(buttons[0]);
+    EXPECT_FALSE(ToolTips::text().isEmpty()) << "the mouse is back";
 }
 
 TEST_F(ShownToolTipTests, goAsSoonAsAnythingHappens) {

@@ -586,8 +586,10 @@ private:
             return answer;
         });
         const bool areStaged = arrival == Arrival::staged;
-        for (const ComparedFile &file : files)
+        for (const ComparedFile &file : files) {
             m_states[file.entry].stagedBytes += areStaged ? file.sizeBytes : 0;
+            m_states[file.entry].stagedFiles += areStaged ? 1 : 0;
+        }
         QList<std::optional<QByteArray>> here;
         for (const ComparedFile &file : files) {
             State &state = m_states[file.entry];
@@ -600,9 +602,10 @@ private:
                                               : LocalFiles::sum(file.here, enough.get_token(), onBytes));
             state.comparedBytes = sum(before, file.sizeBytes);
             state.stagedBytes += areStaged ? 0 : file.sizeBytes;
+            state.stagedFiles += areStaged ? 0 : 1;
         }
         for (const ComparedFile &file : files)
-            m_states[file.entry].stagedBytes = 0;
+            m_states[file.entry].stagedBytes = m_states[file.entry].stagedFiles = 0;
         const auto there = asked.get();
         if (!there)
             return tl::make_unexpected(there.error());
