@@ -546,6 +546,12 @@ TEST_F(ShownToolTipTests, areNotShownAgainForWhatHasBeenPressed) {
     QCoreApplication::sendEvent(buttons[0], &leave);
     rest(buttons[0]);
     EXPECT_FALSE(ToolTips::text().isEmpty()) << "the mouse is back";
+
+    QHelpEvent late(QEvent::ToolTip, {5, 5}, buttons[1]->mapToGlobal(QPoint(5, 5)));
+    ToolTips::show({}, buttons[0], {});
+    buttons[1]->move(10, 10);
+    QCoreApplication::sendEvent(buttons[1], &late);
+    EXPECT_TRUE(ToolTips::text().isEmpty()) << "it has moved from under the mouse";
 }
 
 TEST_F(ShownToolTipTests, goAsSoonAsAnythingHappens) {
@@ -556,13 +562,14 @@ TEST_F(ShownToolTipTests, goAsSoonAsAnythingHappens) {
     QMouseEvent inside(QEvent::MouseMove, {9, 9}, {9, 9}, Qt::NoButton, {}, {});
     QKeyEvent key(QEvent::KeyPress, Qt::Key_Down, {});
     QEvent leave(QEvent::Leave);
-    for (QEvent *event : std::initializer_list<QEvent *>{&inside, &wheel, &press, &outside, &key, &leave}) {
+    for (QEvent *event : std::initializer_list<QEvent *>{&inside, &wheel, &outside, &key, &leave, &press}) {
         rest(buttons[0]);
         ASSERT_EQ(ToolTips::text(), u"Back"_s);
         QCoreApplication::sendEvent(buttons[0], event);
         QCoreApplication::processEvents();
         EXPECT_EQ(ToolTips::text().isEmpty(), event != &inside) << int(event->type());
     }
+    QCoreApplication::sendEvent(buttons[0], &leave);
     rest(buttons[0]);
     buttons[0]->setToolTip({}); // nothing is said about what stands there now
     buttons[0]->update();

@@ -140,7 +140,7 @@ QString ToolTips::text() {
 void ToolTips::present(const QString &text, QWidget *control, const QRect &part) {
     m_isConfirmed = !text.isEmpty();
     if (control == m_pressed) {
-        if (part.contains(control->mapFromGlobal(m_pressedAt)))
+        if (part.contains(m_pressedAt))
             return hide();
         m_pressed.clear();
     }
@@ -170,7 +170,7 @@ void ToolTips::present(const QString &text, QWidget *control, const QRect &part)
 
 /// The widget that is pressed hears of it first, and those around it when it has no use for it.
 void ToolTips::notePress(QWidget *widget, QPoint place) {
-    if (m_pressed && place == m_pressedAt && widget->isAncestorOf(m_pressed))
+    if (m_pressed && widget->isAncestorOf(m_pressed))
         return;
     m_pressed = widget;
     m_pressedAt = place;
@@ -195,6 +195,8 @@ void ToolTips::askAgain() {
 
 bool ToolTips::help(QWidget &widget, const QHelpEvent &event) {
     m_mouse = event.pos();
+    if (!widget.rect().contains(widget.mapFromGlobal(event.globalPos())))
+        return true; // it has moved from under the mouse
     if (widget.toolTip().isEmpty())
         return false;
     present(widget.toolTip(), &widget, widget.rect());
@@ -205,8 +207,7 @@ bool ToolTips::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::ToolTip && watched->isWidgetType())
         return help(*static_cast<QWidget *>(watched), *static_cast<QHelpEvent *>(event));
     if (event->type() == QEvent::MouseButtonPress && watched->isWidgetType())
-        notePress(static_cast<QWidget *>(watched),
-                  static_cast<QMouseEvent *>(event)->globalPosition().toPoint());
+        notePress(static_cast<QWidget *>(watched), static_cast<QMouseEvent *>(event)->position().toPoint());
     else if (event->type() == QEvent::Leave && watched == m_pressed)
         m_pressed.clear();
     if (!m_view)

@@ -55,7 +55,7 @@ private:
     QRect m_part;
     QPoint m_mouse;              ///< in the control
     QPointer<QWidget> m_pressed; ///< until the mouse leaves it
-    QPoint m_pressedAt;          ///< on the screen
+    QPoint m_pressedAt;          ///< in it
     QTimer m_end;
     QTimer m_question;
     bool m_isConfirmed = false;

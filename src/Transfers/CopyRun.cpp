@@ -165,6 +165,7 @@ private:
         qint64 stagedBytes = 0;  ///< through, but without their names
         qsizetype stagedFiles = 0;
         qint64 comparedBytes = 0;
+        qint64 keptBytes = 0; ///< that had been there before this run
         bool hasEnded = false;
     };
 
@@ -308,6 +309,8 @@ private:
         const auto begun = LocalFiles::look(staged);
         if (begun && begun->sizeBytes > 0 && begun->sizeBytes <= file.sizeBytes) {
             const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+            qint64 &kept = m_states[file.entry].keptBytes;
+            kept += begun->sizeBytes;
             const auto continued =
                 ADBClient::continuePull(m_job.serial, file.source, staged, m_stop, onBytes);
             if (!continued)
@@ -317,6 +320,7 @@ private:
                 return tl::make_unexpected(isSame.error());
             if (*isSame && LocalFiles::setModified(staged, file.modified))
                 return QStringList();
+            kept -= begun->sizeBytes;
         }
         QFile::remove(staged);
         // adb removes what it could not finish: a second name keeps it.
@@ -346,6 +350,8 @@ private:
             const qint64 reached = begun->value(staged).sizeBytes;
             if (reached <= file.sizeBytes) {
                 const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+                qint64 &kept = m_states[file.entry].keptBytes;
+                kept += reached;
                 const auto continued =
                     ADBClient::continuePush(m_job.serial, file.source, reached, staged, m_stop, onBytes);
                 if (!continued)
@@ -357,6 +363,7 @@ private:
                     return tl::make_unexpected(isSame.error());
                 if (*isSame)
                     return QStringList();
+                kept -= reached;
             }
         }
         const auto onProgress = [&](int /*ended*/, double fraction) {
@@ -550,6 +557,7 @@ private:
         ++state.report.alreadyThere;
         ++state.progress.files;
         state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
+        state.keptBytes = sum(state.keptBytes, file.sizeBytes);
     }
 
     [[nodiscard]] QString freeName(const QString &path) const {
@@ -596,7 +604,7 @@ private:
             const qint64 before = state.comparedBytes;
             const auto onBytes = [&](qint64 bytes) {
                 state.comparedBytes = sum(before, bytes);
-                report(file.entry, areStaged ? 0 : bytes, true);
+                report(file.entry, areStaged ? 0 : bytes, arrival);
             };
             here.append(isGivenUp(file.entry) ? std::nullopt
                                               : LocalFiles::sum(file.here, enough.get_token(), onBytes));
@@ -993,7 +1001,7 @@ private:
 
     /// Tells how far an entry has come; `underWay` bytes of its next file are through. Where copies are
     /// verified, comparing is half of the way.
-    void report(qsizetype entry, qint64 underWay, bool isVerifying = false) {
+    void report(qsizetype entry, qint64 underWay, std::optional<Arrival> compared = std::nullopt) {
         constexpr double highest = 0.99;
         constexpr double step = 0.001;
         State &state = m_states[entry];
@@ -1003,7 +1011,10 @@ private:
         now.transferredBytes =
             std::min(sum(sum(now.transferredBytes, state.stagedBytes), underWay), now.totalBytes);
         now.files += state.stagedFiles;
-        now.isVerifying = isVerifying;
+        now.isVerifying = compared.has_value();
+        const qint64 kept =
+            sum(state.keptBytes, compared == Arrival::there ? sum(state.stagedBytes, underWay) : 0);
+        now.carriedBytes = std::max<qint64>(now.transferredBytes - kept, 0);
         double part = 0;
         if (now.totalBytes > 0) {
             part = static_cast<double>(now.transferredBytes) / static_cast<double>(now.totalBytes);
