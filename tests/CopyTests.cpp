@@ -262,6 +262,11 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             if (goesOn) // whoever begins anew is unplugged
                 phone.set(u"unplug-after"_s, QByteArray::number(size - size / 8));
             state->transfers().setVerifies(how == Break::paused); // in the middle of a copy
+            qint64 carried = 0;
+            const auto watching = QObject::connect(state.get(), &AppState::queueChanged, state.get(), [&] {
+                const auto *progress = state->queue().first().status.progress();
+                carried = std::max(carried, progress ? progress->carriedBytes : 0);
+            });
             connectPhone();
             state->transfers().resume();
             waitForQueue();
@@ -269,6 +274,10 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             EXPECT_EQ(runsBeginning(u"md5sum "_s),
                       how == Break::sourceChanged && from == BrowserSide::android ? 0 : 1)
                 << "no file is read twice";
+            QObject::disconnect(watching);
+            if (goesOn) {
+                EXPECT_LT(carried, size - size / 10) << "what had come before is no speed";
+            }
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == other, how == Break::sourceChanged);
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == bytes, how != Break::sourceChanged);
             EXPECT_EQ(QFileInfo(pathOn(otherThan(from), u"film"_s)).lastModified(),

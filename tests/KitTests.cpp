@@ -395,6 +395,33 @@ TEST_F(ShownToolTipTests, oneLineWhereItFitsAndAtMostHalfTheWindow) {
         EXPECT_EQ(tip()->height() > oneLine, text.size() > 100) << text.toStdString();
     }
     EXPECT_EQ(window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).size(), 3);
+    const int line = TextStyle{.size = 11.5, .weight = Weight::medium}.lineHeight();
+    buttons[0]->setToolTip(u"One\n\nand another"_s);
+    rest(buttons[0]);
+    EXPECT_EQ(tip()->height(), oneLine + 2 * line) << "a line feed begins a line";
+}
+
+TEST_F(ShownToolTipTests, areNotShownAgainForWhatHasBeenPressed) {
+    for (QPushButton *button : buttons)
+        button->setToolTip(u"Back"_s);
+    rest(buttons[0]);
+    QTest::mouseClick(buttons[0], Qt::LeftButton);
+    rest(buttons[0]);
+    EXPECT_TRUE(ToolTips::text().isEmpty());
+    rest(buttons[1]);
+    EXPECT_FALSE(ToolTips::text().isEmpty()) << "another one";
+    rest(buttons[0]);
+    EXPECT_TRUE(ToolTips::text().isEmpty());
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(buttons[0], &leave);
+    rest(buttons[0]);
+    EXPECT_FALSE(ToolTips::text().isEmpty()) << "the mouse is back";
+
+    QHelpEvent late(QEvent::ToolTip, {5, 5}, buttons[1]->mapToGlobal(QPoint(5, 5)));
+    ToolTips::show({}, buttons[0], {});
+    buttons[1]->move(10, 10);
+    QCoreApplication::sendEvent(buttons[1], &late);
+    EXPECT_TRUE(ToolTips::text().isEmpty()) << "it has moved from under the mouse";
 }
 
 TEST_F(ShownToolTipTests, goAsSoonAsAnythingHappens) {
@@ -405,13 +432,14 @@ TEST_F(ShownToolTipTests, goAsSoonAsAnythingHappens) {
     QMouseEvent inside(QEvent::MouseMove, {9, 9}, {9, 9}, Qt::NoButton, {}, {});
     QKeyEvent key(QEvent::KeyPress, Qt::Key_Down, {});
     QEvent leave(QEvent::Leave);
-    for (QEvent *event : std::initializer_list<QEvent *>{&inside, &wheel, &press, &outside, &key, &leave}) {
+    for (QEvent *event : std::initializer_list<QEvent *>{&inside, &wheel, &outside, &key, &leave, &press}) {
         rest(buttons[0]);
         ASSERT_EQ(ToolTips::text(), u"Back"_s);
         QCoreApplication::sendEvent(buttons[0], event);
         QCoreApplication::processEvents();
         EXPECT_EQ(ToolTips::text().isEmpty(), event != &inside) << int(event->type());
     }
+    QCoreApplication::sendEvent(buttons[0], &leave);
     rest(buttons[0]);
     buttons[0]->hide();
     EXPECT_TRUE(ToolTips::text().isEmpty());

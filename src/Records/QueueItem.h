@@ -23,6 +23,7 @@ public:
         qsizetype files = 0;         ///< done, of fileCount
         qsizetype fileCount = 0;     ///< 0 while it is unknown
         bool isVerifying = false;    ///< what has arrived is being compared with its source
+        qint64 carriedBytes = 0;     ///< of transferredBytes, what has not been there before this run
         friend bool operator==(const Progress &, const Progress &) = default;
     };
     struct Transferring : Progress {};

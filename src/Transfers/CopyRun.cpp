@@ -166,6 +166,7 @@ private:
         qint64 stagedBytes = 0;  ///< through, but without their names
         qsizetype stagedFiles = 0;
         qint64 comparedBytes = 0;
+        qint64 keptBytes = 0; ///< that had been there before this run
         bool hasEnded = false;
     };
 
@@ -317,6 +318,8 @@ private:
         const auto begun = LocalFiles::look(staged);
         if (begun && begun->sizeBytes > 0 && begun->sizeBytes <= file.sizeBytes) {
             const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+            qint64 &kept = m_states[file.entry].keptBytes;
+            kept += begun->sizeBytes;
             const auto continued =
                 ADBClient::continuePull(m_job.serial, file.source, staged, m_stop, onBytes);
             if (!continued)
@@ -326,6 +329,7 @@ private:
                 return complaint(isSame.error());
             if (*isSame && LocalFiles::setModified(staged, file.modified))
                 return QStringList();
+            kept -= begun->sizeBytes;
         }
         QFile::remove(staged);
         // adb removes what it could not finish: a second name keeps it.
@@ -355,6 +359,8 @@ private:
             const qint64 reached = begun->value(staged).sizeBytes;
             if (reached <= file.sizeBytes) {
                 const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+                qint64 &kept = m_states[file.entry].keptBytes;
+                kept += reached;
                 const auto continued =
                     ADBClient::continuePush(m_job.serial, file.source, reached, staged, m_stop, onBytes);
                 if (!continued)
@@ -366,6 +372,7 @@ private:
                     return complaint(isSame.error());
                 if (*isSame)
                     return QStringList();
+                kept -= reached;
             }
         }
         const auto onProgress = [&](int /*ended*/, double fraction) {
@@ -562,6 +569,7 @@ private:
         ++state.report.alreadyThere;
         ++state.progress.files;
         state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
+        state.keptBytes = sum(state.keptBytes, file.sizeBytes);
     }
 
     [[nodiscard]] QString freeName(const QString &path) const {
@@ -598,23 +606,26 @@ private:
             return answer;
         });
         const bool areStaged = arrival == Arrival::staged;
-        for (const ComparedFile &file : files)
+        for (const ComparedFile &file : files) {
             m_states[file.entry].stagedBytes += areStaged ? file.sizeBytes : 0;
+            m_states[file.entry].stagedFiles += areStaged ? 1 : 0;
+        }
         QList<std::optional<QByteArray>> here;
         for (const ComparedFile &file : files) {
             State &state = m_states[file.entry];
             const qint64 before = state.comparedBytes;
             const auto onBytes = [&](qint64 bytes) {
                 state.comparedBytes = sum(before, bytes);
-                report(file.entry, areStaged ? 0 : bytes, true);
+                report(file.entry, areStaged ? 0 : bytes, arrival);
             };
             here.append(isGivenUp(file.entry) ? std::nullopt
                                               : LocalFiles::sum(file.here, enough.get_token(), onBytes));
             state.comparedBytes = sum(before, file.sizeBytes);
             state.stagedBytes += areStaged ? 0 : file.sizeBytes;
+            state.stagedFiles += areStaged ? 0 : 1;
         }
         for (const ComparedFile &file : files)
-            m_states[file.entry].stagedBytes = 0;
+            m_states[file.entry].stagedBytes = m_states[file.entry].stagedFiles = 0;
         const auto there = asked.get();
         if (!there)
             return tl::make_unexpected(there.error());
@@ -1004,7 +1015,7 @@ private:
 
     /// Tells how far an entry has come; `underWay` bytes of its next file are through. Where copies are
     /// verified, comparing is half of the way.
-    void report(qsizetype entry, qint64 underWay, bool isVerifying = false) {
+    void report(qsizetype entry, qint64 underWay, std::optional<Arrival> compared = std::nullopt) {
         constexpr double highest = 0.99;
         constexpr double step = 0.001;
         State &state = m_states[entry];
@@ -1014,7 +1025,10 @@ private:
         now.transferredBytes =
             std::min(sum(sum(now.transferredBytes, state.stagedBytes), underWay), now.totalBytes);
         now.files += state.stagedFiles;
-        now.isVerifying = isVerifying;
+        now.isVerifying = compared.has_value();
+        const qint64 kept =
+            sum(state.keptBytes, compared == Arrival::there ? sum(state.stagedBytes, underWay) : 0);
+        now.carriedBytes = std::max<qint64>(now.transferredBytes - kept, 0);
         double part = 0;
         if (now.totalBytes > 0) {
             part = static_cast<double>(now.transferredBytes) / static_cast<double>(now.totalBytes);

@@ -351,9 +351,7 @@ void TransferRunner::applyProgress(const std::shared_ptr<Run> &run, const QUuid 
         !(entry->status.is<QueueItemStatus::Transferring>() || entry->status.is<QueueItemStatus::Waiting>()))
         return;
     const auto *before = entry->status.progress();
-    // The first report counts what had been there already; what is compared has come over before.
-    if (progress.fraction > 0 && !progress.isVerifying)
-        m_rate.add(run->carriedOf(progress.transferredBytes - (before ? before->transferredBytes : 0)));
+    m_rate.add(run->carriedOf(progress.carriedBytes - (before ? before->carriedBytes : 0)));
     QueueItemStatus::Transferring now;
     static_cast<QueueItemStatus::Progress &>(now) = progress;
     updateStatus(id, now);
