@@ -297,6 +297,7 @@ private:
         const auto begun = LocalFiles::look(staged);
         if (begun && begun->sizeBytes > 0 && begun->sizeBytes <= file.sizeBytes) {
             const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+            reportReached(file.entry, begun->sizeBytes);
             const auto continued =
                 ADBClient::continuePull(m_job.serial, file.source, staged, m_stop, onBytes);
             if (!continued)
@@ -335,6 +336,7 @@ private:
             const qint64 reached = begun->value(staged).sizeBytes;
             if (reached <= file.sizeBytes) {
                 const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+                reportReached(file.entry, reached);
                 const auto continued =
                     ADBClient::continuePush(m_job.serial, file.source, reached, staged, m_stop, onBytes);
                 if (!continued)
@@ -785,8 +787,10 @@ private:
     void explain(const PlannedFile &file, bool hasArrived, const QStringList &errors) {
         QString reason;
         for (const QString &error : errors) {
+            // The file is named as it is here or as it is there; no two of a batch have one name.
             if (m_batch.size() == 1 ||
-                error.contains(QString(QLatin1Char('\'') % file.source % QLatin1Char('\''))))
+                error.contains(
+                    QString(QLatin1Char('/') % AndroidPath::lastComponent(file.source) % QLatin1Char('\''))))
                 reason = explainedCopyError(error);
             if (error.contains(QLatin1String("No space left on device")))
                 return failAll(isPull() ? QStringLiteral("The disk of this computer is full.")
@@ -832,6 +836,15 @@ private:
             return;
         state.progress.fraction = now.fraction;
         m_watcher.onProgress(m_job.entries.at(entry).id, now);
+    }
+
+    /// Tells what an earlier run has brought of the entry's file, which is no speed of this one.
+    void reportReached(qsizetype entry, qint64 bytes) {
+        QueueItemStatus::Progress now = m_states.at(entry).progress;
+        now.transferredBytes = std::min(sum(now.transferredBytes, bytes), now.totalBytes);
+        now.fraction = 0;
+        if (m_watcher.onProgress)
+            m_watcher.onProgress(m_job.entries.at(entry).id, now);
     }
 
     [[nodiscard]] QString vanished() const {
@@ -905,6 +918,13 @@ QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
 QString explainedCopyError(const QString &error) {
     const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
     const QString reason = colon < 0 ? error : error.mid(colon + 2);
+    // FAT and exFAT take none of these; their drivers say so in many ways.
+    static const QRegularExpression strange(
+        QStringLiteral(
+            "\\Acannot create [^']*'.*[\"*:<>?\\\\|\\x01-\\x1f][^/]*': (Invalid argument|No such file)"),
+        QRegularExpression::DotMatchesEverythingOption);
+    if (strange.match(error).hasMatch())
+        return QStringLiteral("This name can’t be used on the other side.");
     if (error.contains(QLatin1String("remote open failed")) || error.startsWith(QLatin1String("tail: ")) ||
         error.startsWith(QLatin1String("md5sum: ")))
         return QStringLiteral("The phone can’t read it: ") + reason;

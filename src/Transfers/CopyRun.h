@@ -35,7 +35,8 @@ struct CopyReport {
 /// What a run tells, and asks. All of it is called on background threads, never twice at once for one entry;
 /// the end of an entry comes after its last progress.
 struct CopyWatcher {
-    /// The fraction is 0 to 0.99 and rises by more than 0.001 from call to call.
+    /// The fraction is 0 to 0.99 and rises by more than 0.001 from call to call; with 0 comes what had been
+    /// there before.
     std::function<void(const QUuid &id, const QueueItemStatus::Progress &)> onProgress;
     std::function<void(const QUuid &id, const CopyReport &)> onEnd;
     /// Whether the entry is still wanted. One that is not is left out of what is still to do, and nobody is
