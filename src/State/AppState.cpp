@@ -20,6 +20,7 @@ AppState::AppState(Desktop &desktop, QObject *parent)
     // With the listing that is still under way: it is of the phone that is gone.
     connect(&m_phones, &PhoneWatch::wasLost, this, [this] { m_androidPane.empty(); });
     connect(&m_phones, &PhoneWatch::wasAsked, &m_transfers, &TransferRunner::phoneWasAsked);
+    connect(&m_phones, &PhoneWatch::phonesChanged, &m_transfers, &TransferRunner::phoneWasAsked);
     connect(&m_transfers, &TransferRunner::phoneLeft, &m_phones, &PhoneWatch::doubt);
     connect(this, &AppState::isTransferringChanged, this, [this] {
         if (!isTransferring())
@@ -101,6 +102,15 @@ void AppState::transfer(TransferDirection direction) {
 
 std::optional<QString> AppState::connectedSerial() const {
     return device().isConnected ? std::optional(device().id) : std::nullopt;
+}
+
+QStringList AppState::readyPhones() const {
+    QStringList serials;
+    for (const ListedPhone &phone : m_phones.phones()) {
+        if (phone.isReady() && device().isConnected) // what adb lists and cannot ask is not ready
+            serials.append(phone.serial);
+    }
+    return serials;
 }
 
 QString AppState::shownFolder(BrowserSide side) const {

@@ -168,7 +168,8 @@ private:
     void transfer(TransferDirection direction);
     QCoro::Task<> openPhone();
     void showAvailable(std::optional<qint64> bytes);
-    [[nodiscard]] std::optional<QString> connectedSerial() const override;
+    [[nodiscard]] std::optional<QString> connectedSerial() const;
+    [[nodiscard]] QStringList readyPhones() const override;
     [[nodiscard]] QString shownFolder(BrowserSide side) const override;
     [[nodiscard]] bool isListing(BrowserSide side) const override;
     QCoro::Task<> listAgain(BrowserSide side) override;
