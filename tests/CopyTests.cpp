@@ -12,11 +12,39 @@
 #include <QElapsedTimer>
 #include <QStandardPaths>
 
+#include <cerrno>
+#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace vantrel;
+
+namespace {
+
+/// What the disk of this computer is formatted with: what FAT does not know, other systems may.
+enum class FileSystem { usual, withoutRename, fat };
+FileSystem fileSystem = FileSystem::usual;
+
+int refuse(int error) {
+    errno = error;
+    return -1;
+}
+
+} // namespace
+
+/// In place of the system's.
+extern "C" int renameat2(int, const char *from, int, const char *to, unsigned int flags) noexcept {
+    return fileSystem == FileSystem::usual
+               ? int(::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, flags))
+               : refuse(EINVAL);
+}
+extern "C" int link(const char *from, const char *to) noexcept {
+    return fileSystem == FileSystem::fat ? refuse(EPERM)
+                                         : int(::syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
 
 namespace {
 
@@ -88,6 +116,7 @@ TEST_F(CopyTests, theSecondTimeBringsJustWhatIsNew) {
         const QString name = from == BrowserSide::mac ? u"mine"_s : u"theirs"_s;
         writeOn(from, name + u"/a.txt"_s, "a");
         writeOn(from, name + u"/sub/b.txt"_s, "b");
+        writeOn(from, name + u"/sub/later.txt"_s, "c", QDateTime::currentDateTimeUtc().addSecs(7200));
         writeOn(from, name + u".txt"_s, "single");
         QDir().mkpath(pathOn(from, name + u"/empty/deep"_s));
         ::chmod(QFile::encodeName(pathOn(from, name + u".txt"_s)).constData(), 0700);
@@ -107,7 +136,7 @@ TEST_F(CopyTests, theSecondTimeBringsJustWhatIsNew) {
         writeOn(from, name + u"/sub/new.txt"_s, "new");
         const qsizetype before = copyOrder().size();
         copyAllFrom(from);
-        EXPECT_TRUE(statuses().contains(QString(name + u":1 copied, 2 already there"_s)))
+        EXPECT_TRUE(statuses().contains(QString(name + u":1 copied, 3 already there"_s)))
             << statuses().toStdString();
         EXPECT_TRUE(statuses().contains(QString(name + u".txt:Already there"_s)));
         EXPECT_EQ(copyOrder().mid(before), u"new.txt"_s);
@@ -160,6 +189,22 @@ TEST(CopyNames, countOnAndFitTheFileSystem) {
     EXPECT_EQ(longest.toUtf8().size(), 255);
     EXPECT_LE(numberedName(longest, 2).toUtf8().size(), 255);
     EXPECT_TRUE(numberedName(longest, 2).endsWith(u" 2.jpg"_s));
+}
+
+TEST(CopyErrors, areSaidInWords) {
+    const std::pair<const char *, QString> cases[] = {
+        {"cannot create file/directory '/m/.v/a:b': Invalid argument",
+         u"This name can’t be used on the other side."_s},
+        {"cannot create file/directory '/m/.v/what?': No such file or directory",
+         u"This name can’t be used on the other side."_s},
+        {"cannot create file/directory '/m:n/.v/a': No such file or directory",
+         u"This computer can’t write it: No such file or directory"_s},
+        {"cannot write '/m/.v/a:b': File too large", u"This computer can’t write it: File too large"_s},
+        {"/system/bin/sh: can't create /sdcard/a: Permission denied",
+         u"The phone can’t write it: Permission denied"_s},
+        {"md5sum: /sdcard/a: Permission denied", u"The phone can’t read it: Permission denied"_s}};
+    for (const auto &[error, words] : cases)
+        EXPECT_EQ(explainedCopyError(QString::fromLatin1(error)), words);
 }
 
 TEST_F(CopyTests, stoppingARunningCopyEndsItAtOnceAndLeavesNothing) {
@@ -290,6 +335,23 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             QFile::remove(here(u"film"_s));
             QFile::remove(phone.hostPath(u"film"_s));
         }
+    }
+}
+
+TEST_F(CopyTests, aPushHasNoSpeedBeforeItHasFilledTheSockets) {
+    for (const BrowserSide from : sides) {
+        writeOn(from, u"clip"_s, QByteArray(3'000'000, 'x'));
+        phone.set(u"bandwidth"_s, "3");
+        QStringList speeds;
+        const auto seen = QObject::connect(state.get(), &AppState::transferSpeedLabelChanged, state.get(),
+                                           [&] { speeds.append(state->transferSpeedLabel()); });
+        start();
+        copyAllFrom(from);
+        QObject::disconnect(seen);
+        EXPECT_EQ(statuses(), u"clip:Done"_s);
+        EXPECT_EQ(speeds.isEmpty(), from == BrowserSide::mac) << speeds.join(u'|').toStdString();
+        QFile::remove(here(u"clip"_s));
+        QFile::remove(phone.hostPath(u"clip"_s));
     }
 }
 
@@ -596,6 +658,18 @@ TEST_F(CopyTests, aPhoneThatAnswersThePlanWithAnythingGetsNothingAnywhere) {
         EXPECT_TRUE(state->queue().first().canTryAgain()) << answer.toStdString() << statuses().toStdString();
         EXPECT_FALSE(QDirIterator(here(QString()), QDir::Files, QDirIterator::Subdirectories).hasNext());
     }
+    phone.reset(u"tree.stdout"_s);
+    phone.set(u"tree.hang"_s, "on"); // a phone that never answers is waited for as long as the user wants it
+    state->clearQueue();
+    const qsizetype asked = phone.commandLines().size();
+    select(BrowserSide::android, u"Trip"_s);
+    state->transferAndroidToMac();
+    ASSERT_TRUE(waitFor([&] { return phone.commandLines().size() > asked; }));
+    QElapsedTimer clock;
+    clock.start();
+    state->removeQueueItem(state->queue().first().id);
+    waitForQueue();
+    EXPECT_LT(clock.elapsed(), 500);
 }
 
 TEST(StagedNames, areOnlySweptWhenTheirProgramHasEnded) {
@@ -637,20 +711,25 @@ TEST(StagedNames, areOnlySweptWhenTheirProgramHasEnded) {
 }
 
 TEST(LocalStagingTests, takesANameOnlyWhenItIsFree) {
-    const QTemporaryDir folder;
-    write(folder.filePath(u"staged"_s), "new");
-    write(folder.filePath(u"taken"_s), "first");
-    ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder"_s));
-    ASSERT_TRUE(QFile::link(u"nowhere"_s, folder.filePath(u"link"_s)));
-    for (const QString &name : {u"taken"_s, u"folder"_s, u"link"_s})
-        EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(name)),
-                  LocalFiles::Placing::nameTaken);
-    EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(u"nope/x"_s)),
-              LocalFiles::Placing::failed);
-    EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(u"free"_s)),
-              LocalFiles::Placing::placed);
-    EXPECT_EQ(contents(folder.filePath(u"free"_s)), "new");
-    EXPECT_EQ(contents(folder.filePath(u"taken"_s)), "first");
+    for (const FileSystem kind : {FileSystem::usual, FileSystem::withoutRename, FileSystem::fat}) {
+        const QTemporaryDir folder;
+        write(folder.filePath(u"staged"_s), "new");
+        write(folder.filePath(u"taken"_s), "first");
+        ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder"_s));
+        ASSERT_TRUE(QFile::link(u"nowhere"_s, folder.filePath(u"link"_s)));
+        fileSystem = kind;
+        const auto placing = [&](const QString &name) {
+            return LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(name));
+        };
+        for (const QString &name : {u"taken"_s, u"folder"_s, u"link"_s})
+            EXPECT_EQ(placing(name), LocalFiles::Placing::nameTaken) << int(kind);
+        EXPECT_EQ(placing(u"nope/x"_s), LocalFiles::Placing::failed);
+        EXPECT_EQ(placing(u"free"_s), LocalFiles::Placing::placed);
+        fileSystem = FileSystem::usual;
+        EXPECT_EQ(contents(folder.filePath(u"free"_s)), "new");
+        EXPECT_EQ(contents(folder.filePath(u"taken"_s)), "first");
+        EXPECT_FALSE(QFileInfo::exists(folder.filePath(u"staged"_s)));
+    }
 }
 
 TEST(TransferRateTests, isThatOfTheLastSeconds) {

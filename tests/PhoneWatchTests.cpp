@@ -140,6 +140,25 @@ TEST_F(PhoneWatchTests, thePhoneThatIsShownStaysShownWhileItIsReady) {
     waitForPhone(DemoPhone::serial());
     connectPhone();
     EXPECT_EQ(state->device().id, DemoPhone::serial()) << "what was chosen stays";
+
+    // What a phone says after another one was chosen is not wanted any more.
+    const auto chooseWhile = [&](const QString &word, const QString &next, const std::function<void()> &ask) {
+        const qsizetype before = asked(word);
+        phone.set(word + u".delay"_s, "1");
+        ask();
+        ASSERT_TRUE(waitFor([&] { return asked(word) > before; }));
+        phone.reset(word + u".delay"_s);
+        phone.reset(u"storage-used"_s);
+        watch().show(next);
+        ASSERT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
+        EXPECT_EQ(state->device().id, next);
+        EXPECT_NE(state->device().usedBytes, 1000) << "of the other one";
+    };
+    phone.set(u"storage-used"_s, "1000");
+    chooseWhile(u"df"_s, u"A1"_s, [&] { watch().refreshStorage(); });
+    chooseWhile(u"getprop"_s, u"A1"_s, [&] { watch().show(DemoPhone::serial()); });
+    watch().show(DemoPhone::serial());
+    waitForPhone(DemoPhone::serial());
     phone.setOther(u"A1"_s, u"none"_s);
     ASSERT_TRUE(waitFor([&] { return watch().phones().size() == 1; }));
     EXPECT_EQ(state->device().id, DemoPhone::serial());

@@ -91,6 +91,7 @@ TEST_F(QueueFileTests, aFileThatIsNotOneIsPutAsideAndLeadsNowhere) {
         {"{\"program\":\"vantrel\",\"version\":2}", "is of another version"},
         {keptWith(u"name"_s, u"../a"_s), "is damaged in part"},
         {keptWith(u"name"_s, u".."_s), "is damaged in part"},
+        {keptWith(u"name"_s, u"sub/a"_s), "is damaged in part"},
         {keptWith(u"name"_s, u""_s), "is damaged in part"},
         {keptWith(u"name"_s, 7), "is damaged in part"},
         {keptWith(u"folder"_s, u"/tmp/../etc"_s), "is damaged in part"},

@@ -229,6 +229,49 @@ TEST_F(TransferTests, anEntryWaitsForThePhoneThatItWasQueuedFor) {
     EXPECT_EQ(statuses(), u"A:Done|B:Done|C:Done|D:Done"_s);
     for (const char *name : {"A", "B", "C", "D"})
         EXPECT_EQ(phone.read(QString::fromLatin1(name)), QByteArray(100'000, *name));
+
+    // What was queued for a phone that is not there is not even asked of it.
+    state->transfers().pause();
+    write(here(u"E"_s), "x");
+    browseHere();
+    select(BrowserSide::mac, u"E"_s);
+    state->transferMacToAndroid();
+    phone.set(u"serial"_s, "other-phone");
+    connectPhone();
+    const auto questions = [&] {
+        const auto lines = phone.commandLines();
+        return std::count_if(lines.begin(), lines.end(),
+                             [](const QStringList &line) { return line.value(1) == DemoPhone::serial(); });
+    };
+    const auto before = questions();
+    state->transfers().resume();
+    waitForQueue();
+    EXPECT_TRUE(statuses().startsWith(u"E:Waiting for the phone…|"_s)) << statuses().toStdString();
+    EXPECT_EQ(questions(), before);
+}
+
+TEST_F(TransferTests, copiesGoOnWhileAnotherPhoneIsShown) {
+    const QString other = u"A1"_s;
+    QDir().mkpath(phone.otherRoot(other));
+    phone.setOther(other, u"device"_s, u"Pixel 7"_s);
+    for (const char *name : {"A", "B", "C", "D"})
+        write(here(QString::fromLatin1(name)), QByteArray(100'000, *name));
+    phone.set(u"bandwidth"_s, "0.000001"); // three copies stand still, A waits
+    connectPhone();
+    state->phones().show(DemoPhone::serial());
+    ASSERT_TRUE(
+        waitFor([&] { return state->device().id == DemoPhone::serial() && !state->isLoadingAndroid(); }));
+    browseHere();
+    state->selectAllVisible(BrowserSide::mac);
+    state->transferMacToAndroid();
+    ASSERT_TRUE(waitFor([&] { return copyOrder().size() == 3; }));
+    state->phones().show(other);
+    ASSERT_TRUE(waitFor([&] { return state->device().id == other && !state->isLoadingAndroid(); }));
+    phone.reset(u"bandwidth"_s);
+    waitForQueue();
+    EXPECT_EQ(statuses(), u"A:Done|B:Done|C:Done|D:Done"_s);
+    EXPECT_EQ(phone.read(u"A"_s), QByteArray(100'000, 'A'));
+    EXPECT_TRUE(QDir(phone.otherRoot(other)).isEmpty());
 }
 
 TEST_F(TransferTests, twoSpellingsOfOneNameAreTwoWhereTheFileSystemSaysSo) {

@@ -24,6 +24,7 @@ AppState::AppState(Desktop &desktop, QObject *parent)
     connect(&m_phones, &PhoneWatch::wasLost, this, [this] { m_androidPane.empty(); });
     connect(&m_phones, &PhoneWatch::storageWasTold, this, &AppState::leaveGoneCard);
     connect(&m_phones, &PhoneWatch::wasAsked, &m_transfers, &TransferRunner::phoneWasAsked);
+    connect(&m_phones, &PhoneWatch::phonesChanged, &m_transfers, &TransferRunner::phoneWasAsked);
     connect(&m_transfers, &TransferRunner::phoneLeft, &m_phones, &PhoneWatch::doubt);
     connect(this, &AppState::isTransferringChanged, this, [this] {
         if (!isTransferring())
@@ -122,6 +123,15 @@ QCoro::Task<> AppState::transferToAndroid(QStringList paths, QString folder) {
 
 std::optional<QString> AppState::connectedSerial() const {
     return device().isConnected ? std::optional(device().id) : std::nullopt;
+}
+
+QStringList AppState::readyPhones() const {
+    QStringList serials;
+    for (const ListedPhone &phone : m_phones.phones()) {
+        if (phone.isReady() && device().isConnected) // what adb lists and cannot ask is not ready
+            serials.append(phone.serial);
+    }
+    return serials;
 }
 
 QString AppState::shownFolder(BrowserSide side) const {

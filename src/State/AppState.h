@@ -170,7 +170,8 @@ private:
     QCoro::Task<> openPhone();
     QCoro::Task<> leaveGoneCard();
     void showAvailable(std::optional<qint64> bytes);
-    [[nodiscard]] std::optional<QString> connectedSerial() const override;
+    [[nodiscard]] std::optional<QString> connectedSerial() const;
+    [[nodiscard]] QStringList readyPhones() const override;
     [[nodiscard]] QString shownFolder(BrowserSide side) const override;
     [[nodiscard]] bool isListing(BrowserSide side) const override;
     QCoro::Task<> listAgain(BrowserSide side) override;

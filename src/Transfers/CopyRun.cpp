@@ -984,8 +984,10 @@ private:
     void explain(const PlannedFile &file, bool hasArrived, const QStringList &errors) {
         QString reason;
         for (const QString &error : errors) {
+            // The file is named as it is here or as it is there; no two of a batch have one name.
             if (m_batch.size() == 1 ||
-                error.contains(QString(QLatin1Char('\'') % file.source % QLatin1Char('\''))))
+                error.contains(
+                    QString(QLatin1Char('/') % AndroidPath::lastComponent(file.source) % QLatin1Char('\''))))
                 reason = explainedCopyError(error);
             if (error.contains(QLatin1String("No space left on device")))
                 return failAll(isPull() ? QStringLiteral("The disk of this computer is full.")
@@ -1124,6 +1126,13 @@ QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
 QString explainedCopyError(const QString &error) {
     const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
     const QString reason = colon < 0 ? error : error.mid(colon + 2);
+    // FAT and exFAT take none of these; their drivers say so in many ways.
+    static const QRegularExpression strange(
+        QStringLiteral(
+            "\\Acannot create [^']*'.*[\"*:<>?\\\\|\\x01-\\x1f][^/]*': (Invalid argument|No such file)"),
+        QRegularExpression::DotMatchesEverythingOption);
+    if (strange.match(error).hasMatch())
+        return QStringLiteral("This name can’t be used on the other side.");
     if (error.contains(QLatin1String("remote open failed")) || error.startsWith(QLatin1String("tail: ")) ||
         error.startsWith(QLatin1String("md5sum: ")))
         return QStringLiteral("The phone can’t read it: ") + reason;

@@ -184,22 +184,22 @@ void TransferRunner::letWait(const std::function<bool(const QueueItem &)> &isMea
 }
 
 void TransferRunner::phoneWasAsked() {
-    const auto serial = m_host.connectedSerial();
-    if (serial)
-        m_gonePhones.remove(*serial);
+    const QStringList phones = m_host.readyPhones();
+    for (const QString &serial : phones)
+        m_gonePhones.remove(serial);
     const bool isChanged = m_queue.setStatuses([&](const QueueItem &item) {
         const auto *waiting = item.status.as<QueueItemStatus::Waiting>();
         if (!waiting || waiting->isClaimed)
             return item.status;
-        return QueueItemStatus(QueueItemStatus::Waiting{item.serial != serial});
+        return QueueItemStatus(QueueItemStatus::Waiting{!phones.contains(item.serial)});
     });
     if (isChanged)
         Q_EMIT queueChanged();
     fillSlots();
 }
 
-bool TransferRunner::mayStart(const QueueItem &item) const {
-    return m_host.connectedSerial() == item.serial && !m_gonePhones.contains(item.serial) &&
+bool TransferRunner::mayStart(const QueueItem &item, const QStringList &phones) const {
+    return phones.contains(item.serial) && !m_gonePhones.contains(item.serial) &&
            !m_destinationsInUse.contains(destinationKey(item));
 }
 
@@ -211,12 +211,13 @@ void TransferRunner::fillSlots() {
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
+    const QStringList phones = m_host.readyPhones();
     // A run of adb costs the time of many small files: unless few wait, the free slots share them.
     const bool areFew = m_queue.unclaimedCount() < few;
     while (m_runs.size() < concurrentCopies && !m_isPaused) {
         QSet<QString> places; // of this claim
         const auto isFree = [&](const QueueItem &item) {
-            return mayStart(item) && !places.contains(destinationKey(item)) &&
+            return mayStart(item, phones) && !places.contains(destinationKey(item)) &&
                    (places.insert(destinationKey(item)), true);
         };
         const qsizetype share =

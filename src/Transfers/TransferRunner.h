@@ -25,8 +25,8 @@ class QueueFile;
 /// What the copies need of the model that they belong to. Main thread only.
 class TransferHost {
 public:
-    /// The serial of the phone in use, or nothing while there is none.
-    [[nodiscard]] virtual std::optional<QString> connectedSerial() const = 0;
+    /// The serials of the phones that can be copied from and to, whichever of them is shown.
+    [[nodiscard]] virtual QStringList readyPhones() const = 0;
     /// The folder that the pane shows.
     [[nodiscard]] virtual QString shownFolder(BrowserSide side) const = 0;
     /// Whether the pane's folder is being listed for the user.
@@ -98,7 +98,7 @@ public:
     void keepAllBoth();
     /// Whether copies that start from now on are compared with their originals before they take their names.
     void setVerifies(bool verifies) { m_verifies = verifies; }
-    /// To be called whenever it is known anew which phone is there.
+    /// To be called whenever it is known anew which phones are there.
     void phoneWasAsked();
 
 Q_SIGNALS:
@@ -122,7 +122,7 @@ private:
         QTimer listLater;
     };
 
-    [[nodiscard]] bool mayStart(const QueueItem &item) const;
+    [[nodiscard]] bool mayStart(const QueueItem &item, const QStringList &phones) const;
     void fillSlots();
     QCoro::Task<> runSlot(QList<QueueItem> entries);
     void finish(const QUuid &id, const CopyReport &report);
