@@ -29,8 +29,8 @@ struct Key {
     Member member;
 };
 
-const std::array<Key, 23> &keys() {
-    static const std::array<Key, 23> table{{
+const std::array<Key, 24> &keys() {
+    static const std::array<Key, 24> table{{
         {"serial", &Settings::serial},
         {"model", &Settings::model},
         {"state", &Settings::state},

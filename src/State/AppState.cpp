@@ -76,6 +76,10 @@ void AppState::transfer(TransferDirection direction) {
         source.clearSelection();
 }
 
+PaneState &AppState::pane(BrowserSide side) {
+    return side == BrowserSide::mac ? m_macPane : m_androidPane;
+}
+
 bool AppState::transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder) {
     if (!connectedSerial()) {
         m_phones.setMessage(QStringLiteral("Connect an Android device to transfer."));

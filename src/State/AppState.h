@@ -26,6 +26,7 @@ public:
 
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
+    ~AppState() override;
     [[nodiscard]] static std::unique_ptr<AppState> designPreview(Desktop &desktop);
     [[nodiscard]] Desktop &desktop() const { return m_desktop; }
 
@@ -41,9 +42,7 @@ public:
     QCoro::Task<> refreshDevice(Spinner spinner) { return m_phones.refresh(spinner); }
 
     // -- Both panes
-    [[nodiscard]] PaneState &pane(BrowserSide side) {
-        return side == BrowserSide::mac ? m_macPane : m_androidPane;
-    }
+    [[nodiscard]] PaneState &pane(BrowserSide side);
     /// The pane that keyboard commands act on.
     [[nodiscard]] BrowserSide focusedBrowserSide() const { return m_focusedBrowserSide; }
     void setFocusedBrowserSide(BrowserSide side) { m_focusedBrowserSide = side; }
