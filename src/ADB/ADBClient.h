@@ -109,6 +109,10 @@ struct Listing : QList<FileItem> {
 /// Lists a folder. Fails with the phone's own words when nothing of it can be read.
 [[nodiscard]] ADBResult<Listing> listDirectory(const QString &serial, const QString &path);
 
+/// Makes one folder. Fails, in words, when the name is not a single path component, when something of that
+/// name is there, and with the phone's own reason.
+[[nodiscard]] ADBResult<void> createFolder(const QString &serial, const QString &parent, const QString &name);
+
 // -- Search (ADBSearch.cpp)
 
 /// What is known about one path. Every field is as `stat` on the phone says.
