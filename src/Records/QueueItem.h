@@ -22,6 +22,7 @@ public:
         qint64 totalBytes = 0;       ///< bytes; 0 when unknown
         qsizetype files = 0;         ///< done, of fileCount
         qsizetype fileCount = 0;     ///< 0 while it is unknown
+        bool isSilent = false;       ///< nothing has come for 30 s
         friend bool operator==(const Progress &, const Progress &) = default;
     };
     struct Transferring : Progress {};

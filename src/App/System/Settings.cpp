@@ -16,6 +16,7 @@ const QString toolTipDelayKey = QStringLiteral("NSInitialToolTipDelay");
 const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
 const QString queueHeightKey = QStringLiteral("queueHeight");
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
+const QString wirelessPhonesKey = QStringLiteral("wirelessPhones");
 const QString windowSizeKey = QStringLiteral("windowSize");
 const QString windowPositionKey = QStringLiteral("windowPosition");
 const QString windowZoomedKey = QStringLiteral("windowZoomed");
@@ -144,6 +145,14 @@ std::optional<int> Settings::queueHeight() const {
 
 void Settings::setQueueHeight(std::optional<int> height) {
     setValue(queueHeightKey, height ? QString::number(*height) : QString());
+}
+
+QStringList Settings::wirelessPhones() const {
+    return value(wirelessPhonesKey).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+void Settings::setWirelessPhones(const QStringList &addresses) {
+    setValue(wirelessPhonesKey, addresses.join(QLatin1Char(' ')));
 }
 
 bool Settings::analyticsDisabled() const {

@@ -11,6 +11,7 @@
 #include <QSettings>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 #include <chrono>
@@ -69,6 +70,10 @@ public:
     /// The most height that the user has given the transfer queue, in layout pixels; nothing until then.
     [[nodiscard]] std::optional<int> queueHeight() const;
     void setQueueHeight(std::optional<int> height);
+
+    /// Addresses of phones on the network, as they were stored.
+    [[nodiscard]] QStringList wirelessPhones() const;
+    void setWirelessPhones(const QStringList &addresses);
 
     /// Writes what has changed at once. False when it could not be stored.
     bool save();

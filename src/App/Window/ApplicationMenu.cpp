@@ -40,6 +40,9 @@ ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater, Settings
     m_about->setMenuRole(QAction::AboutRole);
     connect(m_about, &QAction::triggered, this, &ApplicationMenu::aboutRequested);
 
+    m_wireless = m_menu->addAction(QStringLiteral("Connect over Wi-Fi…"));
+    m_wireless->setMenuRole(QAction::ApplicationSpecificRole);
+    connect(m_wireless, &QAction::triggered, this, &ApplicationMenu::wirelessRequested);
     addUpdates(updater);
     if (canSendSignals)
         addAnalytics(settings);

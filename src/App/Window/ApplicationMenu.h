@@ -33,6 +33,7 @@ public:
     [[nodiscard]] QWidget *createButton(QWidget *parent) const;
 
     [[nodiscard]] QAction *aboutAction() const { return m_about; }
+    [[nodiscard]] QAction *wirelessAction() const { return m_wireless; }
     [[nodiscard]] QAction *updateAction() const { return m_update; }
     [[nodiscard]] QAction *quitAction() const { return m_quit; }
     /// The switch for usage statistics; null where none can be sent.
@@ -43,6 +44,8 @@ public:
 Q_SIGNALS:
     /// "About Vantrel" was chosen.
     void aboutRequested();
+    /// "Connect over Wi-Fi…" was chosen.
+    void wirelessRequested();
 
 private:
     void addUpdates(Updater *updater);
@@ -54,6 +57,7 @@ private:
     QMainWindow *m_window;
     QMenu *m_menu;
     QAction *m_about;
+    QAction *m_wireless;
     QAction *m_update;
     QAction *m_analytics = nullptr;
     QAction *m_problem;

@@ -1,6 +1,7 @@
 #include "App/Window/MainWindow.h"
 
 #include "App/Sheets/AboutView.h"
+#include "App/Sheets/WirelessView.h"
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
 #include "App/System/Settings.h"
@@ -13,6 +14,7 @@
 #include "App/Window/ToolbarButton.h"
 #include "App/Window/WindowChrome.h"
 #include "State/AppState.h"
+#include "State/WirelessPhones.h"
 #include "Transfers/QueueFile.h"
 
 #include <QApplication>
@@ -26,7 +28,12 @@ namespace vantrel {
 
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
-      m_state(AppState::designPreview(desktop)) {
+      m_state(AppState::designPreview(desktop)),
+      m_wireless(new WirelessPhones(settings.wirelessPhones(), this)) {
+    connect(m_wireless, &WirelessPhones::rememberedChanged, this,
+            [this] { m_settings.setWirelessPhones(m_wireless->remembered()); });
+    connect(m_wireless, &WirelessPhones::connected, m_state.get(),
+            [this](const QString &serial) { m_state->phones().showWhenReady(serial); });
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
@@ -71,6 +78,7 @@ void MainWindow::addToolbarButtons() {
     bar->addToolbarWidget(about);
     auto *menu = new ApplicationMenu(this, &m_updater, &m_settings);
     connect(menu, &ApplicationMenu::aboutRequested, this, &MainWindow::showAbout);
+    connect(menu, &ApplicationMenu::wirelessRequested, this, &MainWindow::showWireless);
     if (QWidget *button = menu->createButton(bar))
         bar->addToolbarWidget(button);
 }
@@ -100,6 +108,14 @@ void MainWindow::showAbout() {
     auto *about = new AboutView(this);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->open();
+}
+
+void MainWindow::showWireless() {
+    if (findChild<WirelessView *>())
+        return;
+    auto *view = new WirelessView(this, *m_wireless);
+    view->setAttribute(Qt::WA_DeleteOnClose);
+    view->open();
 }
 
 bool MainWindow::event(QEvent *event) {
@@ -157,6 +173,7 @@ QCoro::Task<> MainWindow::runStartUp() {
     co_await m_state->refreshDevice(AppState::Spinner::shown);
     if (m_isStarted)
         m_state->phones().start();
+    co_await m_wireless->reconnect();
 }
 
 } // namespace vantrel

@@ -17,6 +17,7 @@ class Desktop;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
+class WirelessPhones;
 
 /// The window of the program. It owns the model and looks for the phone for as long as it is open.
 ///
@@ -38,6 +39,8 @@ public:
 
     /// Shows the About window over this one.
     void showAbout();
+    /// Asks for a phone on the network over this window.
+    void showWireless();
     /// Takes the colour scheme that the desktop prefers, unless the user has ever chosen one here.
     void followDesktop(ColorScheme preferred);
     /// Changes the colour scheme of everything, for this start and the next ones.
@@ -58,6 +61,7 @@ private:
     Settings &m_settings;
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
+    WirelessPhones *m_wireless;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
     std::optional<WindowGeometry> m_openedWith; ///< after the desktop had its say
