@@ -77,6 +77,8 @@ public:
     void setSelectedShortcutID(const std::optional<QUuid> &id) { m_selectedShortcutID = id; }
     /// Shows a phone folder.
     QCoro::Task<> browseAndroid(QString path);
+    /// Asks for a name and creates a folder in androidCurrentPath.
+    QCoro::Task<> createAndroidFolder();
     /// Copies a phone file into the cache and opens it with its default application. Folders are ignored.
     QCoro::Task<> openAndroidFile(FileItem item);
 
