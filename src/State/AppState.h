@@ -62,18 +62,14 @@ public:
     [[nodiscard]] const QString &androidCurrentPath() const { return m_androidPane.path(); }
     [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments.value(); }
     [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidPane.items(); }
-    [[nodiscard]] const QList<FileItem> &displayedAndroidItems() const {
-        return m_androidPane.visibleItems();
-    }
+    [[nodiscard]] const auto &displayedAndroidItems() const { return m_androidPane.visibleItems(); }
     [[nodiscard]] const QSet<QUuid> &androidSelectedIDs() const { return m_androidPane.selectedIDs(); }
     [[nodiscard]] PaneViewMode androidViewMode() const { return m_androidPane.viewMode(); }
     void setAndroidViewMode(PaneViewMode mode) { m_androidPane.setViewMode(mode); }
     [[nodiscard]] QString androidSelectionSummary() const;
     [[nodiscard]] QString androidFooterStats() const;
     [[nodiscard]] const QList<StorageShortcut> &shortcuts() const { return m_shortcuts; }
-    [[nodiscard]] const std::optional<QUuid> &selectedShortcutID() const {
-        return m_selectedShortcutID.value();
-    }
+    [[nodiscard]] const auto &selectedShortcutID() const { return m_selectedShortcutID.value(); }
     void setSelectedShortcutID(const std::optional<QUuid> &id) { m_selectedShortcutID = id; }
     /// Shows a phone folder.
     QCoro::Task<> browseAndroid(QString path);
