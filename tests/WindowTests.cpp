@@ -412,5 +412,17 @@ TEST_F(ClosingTests, aSignalEndsItInGoodOrderAndAsksNobody) {
         ADD_FAILURE() << child.commandLine.toStdString();
 }
 
+TEST_F(MainWindowTests, aListIsThreeTabsFromTheTitleBar) {
+    MainWindow *window = showWindow();
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
+    child<QWidget>("applicationMenu")->setFocus(Qt::TabFocusReason);
+    QStringList reached;
+    for (int press = 0; press < 3; ++press) {
+        QTest::keyClick(window->windowHandle(), Qt::Key_Tab);
+        reached.append(QApplication::focusWidget()->objectName());
+    }
+    EXPECT_TRUE(reached.contains(u"fileList"_s)) << reached.join(u' ').toStdString();
+}
+
 } // namespace
 } // namespace vantrel
