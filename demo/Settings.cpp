@@ -29,10 +29,12 @@ struct Key {
     Member member;
 };
 
-const std::array<Key, 24> &keys() {
-    static const std::array<Key, 24> table{{
+const std::array<Key, 26> &keys() {
+    static const std::array<Key, 26> table{{
         {"serial", &Settings::serial},
         {"model", &Settings::model},
+        {"version", &Settings::version},
+        {"wireless", &Settings::wireless},
         {"state", &Settings::state},
         {"card", &Settings::cards},
         {"phone", &Settings::phones},
@@ -249,7 +251,11 @@ void SettingsSource::load() {
 
 void SettingsSource::recordUnplugged() {
     // Appended in one write, so that copies that end together and whoever else writes lose nothing.
-    const std::string lines = "state=none\nunplug-after=\n" + m_command + ".unplug-after=\n";
+    record("state=none\nunplug-after=\n" + m_command + ".unplug-after=");
+}
+
+void SettingsSource::record(const std::string &line) {
+    const std::string lines = line + "\n";
     const int file = ::open((m_root + ".conf").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
     if (file < 0 || ::write(file, lines.data(), lines.size()) != static_cast<ssize_t>(lines.size()))
         throw SettingsError("cannot write " + m_root + ".conf");

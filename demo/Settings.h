@@ -12,6 +12,8 @@ namespace vantrel::demo {
 struct Settings {
     std::string serial = "demo-phone";
     std::string model = "Demo Phone";
+    std::string version = "29.0.6";    ///< adb's own
+    std::vector<std::string> wireless; ///< addresses at which a phone answers
     std::string state = "device";
     std::vector<std::string> cards;              ///< names of folders below /storage; with "gone" behind, not
     std::vector<std::string> phones;             ///< others that are plugged in: "SERIAL STATE MODEL"
@@ -59,6 +61,8 @@ public:
     /// Writes into the file that the phone has been unplugged, and may be plugged in again without leaving a
     /// second time.
     void recordUnplugged();
+    /// Appends a line to the file.
+    void record(const std::string &line);
 
 private:
     void load();

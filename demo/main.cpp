@@ -29,9 +29,8 @@ namespace {
 
 /// A command line, understood.
 struct Request {
-    std::string name =
-        "unknown";      ///< "devices", "track-devices", "push", "pull", a shell command's name, or "unknown"
-    std::string serial; ///< empty where no phone is named
+    std::string name = "unknown"; ///< adb's command, a shell command's name, or "unknown"
+    std::string serial;           ///< empty where no phone is named
     std::vector<ShellPipeline> shellLine;
     std::vector<std::string> sources;
     std::string destination;
@@ -43,6 +42,14 @@ Request understood(const std::vector<std::string> &arguments) {
     if (arguments == std::vector<std::string>{"devices"} ||
         arguments == std::vector<std::string>{"track-devices"}) {
         request.name = arguments[0];
+        return request;
+    }
+    const std::string &first = arguments.empty() ? request.name : arguments[0];
+    if ((first == "version" && arguments.size() == 1) || (first == "pair" && arguments.size() == 3) ||
+        ((first == "connect" || first == "disconnect") && arguments.size() == 2)) {
+        request.name = first;
+        if (arguments.size() > 1)
+            request.destination = arguments[1];
         return request;
     }
     if (arguments.size() < 4 || arguments[0] != "-s")
@@ -189,6 +196,25 @@ Answer trackDevices(SettingsSource &settings) {
     return {};
 }
 
+/// `connect`, `disconnect`, `pair` and `version`.
+Answer answerOfServer(const Request &request, SettingsSource &settings) {
+    const std::string &address = request.destination;
+    const auto &there = settings.current().wireless;
+    const bool answers = std::find(there.begin(), there.end(), address) != there.end();
+    if (request.name == "version")
+        return {"Android Debug Bridge version 1.0.41\nVersion " + settings.current().version + "\n", {}, 0};
+    if (request.name == "pair" && settings.current().version < "30")
+        return {{}, "adb: unknown command pair\n", 1};
+    if (request.name == "pair")
+        return {
+            answers ? "Successfully paired to " + address + " [guid=x]\n" : "Failed: Wrong code\n", {}, 0};
+    if (request.name == "connect" && !answers)
+        return {"failed to connect to '" + address + "': Connection refused\n", {}, 0};
+    const bool connects = request.name == "connect";
+    settings.record("phone=" + address + (connects ? " device Wireless Phone" : " none"));
+    return {(connects ? "connected to " : "disconnected ") + address + "\n", {}, 0};
+}
+
 Answer answerTo(const Request &request, SettingsSource &settings) {
     const bool isCopy = request.name == "push" || request.name == "pull";
     Answer answer;
@@ -198,6 +224,9 @@ Answer answerTo(const Request &request, SettingsSource &settings) {
         answer.standardOutput = settings.current().standardOutput;
         return answer;
     }
+    if (request.name == "version" || request.name == "pair" ||
+        request.name.find("connect") != std::string::npos)
+        return answerOfServer(request, settings);
     if (request.name == "devices")
         return {"List of devices attached\n" + deviceList(settings.current()) + "\n", {}, 0};
     if (const std::string error = deviceError(settings.current(), request.serial); !error.empty()) {

@@ -57,9 +57,13 @@ void trackedDevices(const QByteArray &input) {
 }
 
 void storage(const QByteArray &input) {
-    const auto bytes = ADBClient::parseDF(ToolText::decode(input));
+    const auto [shared, cards] = ADBClient::splitStorage(ToolText::decode(input));
+    const auto bytes = ADBClient::parseDF(shared);
     if (bytes)
         require(bytes->used % 1024 == 0 && bytes->total % 1024 == 0, "df counts blocks of 1024 bytes");
+    for (const StorageCard &card : cards)
+        require(AndroidPath::cardOf(card.path) == card.path && card.totalBytes % 1024 == 0, "a card is one");
+    require(cards.size() <= 16, "there is an end to cards");
 }
 
 void listingIn(const QString &folder, const QList<FileItem> &items) {

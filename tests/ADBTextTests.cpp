@@ -107,6 +107,48 @@ TEST(DeviceTextTests, storageIsTwoNumbersThatFit) {
     }
 }
 
+TEST(ADBDeviceTextTests, addressesOnTheNetwork) {
+    const std::pair<QString, QString> cases[] = {
+        {u"192.168.1.20:37123"_s, u"192.168.1.20:37123"_s},
+        {u" 192.168.1.20 "_s, u"192.168.1.20:5555"_s},
+        {u"pixel-7.local:1"_s, u"pixel-7.local:1"_s},
+        {u"[fe80::1]:65535"_s, u"[fe80::1]:65535"_s},
+        {u"[::1]"_s, u"[::1]:5555"_s},
+        {{}, {}},
+        {u"-d"_s, {}},
+        {u"-s:5555"_s, {}},
+        {u"host:0"_s, {}},
+        {u"host:65536"_s, {}},
+        {u"host:99999999999"_s, {}},
+        {u"host:"_s, {}},
+        {u"host:12a"_s, {}},
+        {u"two words:5555"_s, {}},
+        {u"a\nb"_s, {}},
+        {u"fe80::1"_s, {}},
+        {u"host;rm -rf /:5555"_s, {}},
+        {u"https://host:5555"_s, {}},
+        {QString(300, u'a'), {}},
+        {u"höst"_s, {}},
+    };
+    for (const auto &[text, expected] : cases)
+        EXPECT_EQ(ADBClient::wirelessAddress(text).value_or(QString()), expected) << text.toStdString();
+
+    const std::pair<QString, QString> answers[] = {
+        {u"connected to 127.0.0.1:5661\n"_s, u"127.0.0.1:5661"_s},
+        {u"already connected to 127.0.0.1:5661"_s, u"127.0.0.1:5661"_s},
+        {u"failed to connect to '127.0.0.1:1': Connection refused"_s, {}},
+        {u"connected to "_s, {}},
+        {u"not connected to x:1"_s, {}},
+        {u"connected to a b"_s, {}},
+    };
+    for (const auto &[text, expected] : answers)
+        EXPECT_EQ(ADBClient::parseConnected(text), expected) << text.toStdString();
+    EXPECT_EQ(ADBClient::parseVersion(u"Android Debug Bridge version 1.0.41\nVersion 29.0.6-debian\nx"_s),
+              29);
+    EXPECT_EQ(ADBClient::parseVersion(u"Version 99999999999"_s), 999'999);
+    EXPECT_EQ(ADBClient::parseVersion(u"unknown"_s), 0);
+}
+
 TEST(ADBDeviceTextTests, cardsComeBehindTheSharedStorage) {
     const QString df = u"Filesystem 1K-blocks Used Available Use% Mounted on\n/dev/fuse %1 5 5 50% x\n"_s;
     const std::tuple<QString, QString> cases[] = {

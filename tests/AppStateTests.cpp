@@ -420,3 +420,50 @@ TEST_F(AppStateTests, theFooterKnowsItsLimits) {
     browsePhone(u"/sdcard"_s);
     EXPECT_EQ(state->androidFooterStats(), u"2 items • 9.22 EB"_s);
 }
+
+TEST_F(AppStateTests, aNewFolderOnThePhone) {
+    const QString file = u"taken"_s;
+    const std::tuple<QString, QString> cases[] = {
+        {u"plain"_s, {}},
+        {u" two  words "_s, {}},
+        {u"it's $(touch x) `y` \"q\" ; rm -rf *"_s, {}},
+        {u"-p"_s, {}},
+        {u"grüße 😀"_s, {}},
+        {u"a\nb"_s, {}},
+        {u"plain"_s, u"“plain” is there already. Choose another name."_s},
+        {file, u"“taken” is there already. Choose another name."_s},
+        {u"a/b"_s, u"A folder’s name can’t contain “/”."_s},
+        {u".."_s, u"This can’t be a folder’s name. Choose another one."_s},
+        {u"a\0b"_s, u"This can’t be a folder’s name. Choose another one."_s},
+    };
+    phone.write(u"place/taken"_s, "precious");
+    state->createAndroidFolder();
+    EXPECT_EQ(state->androidBrowseError(), u"Connect an Android device to create folders."_s);
+    connectPhone();
+    browsePhone(u"/sdcard/place"_s);
+    for (const auto &[name, error] : cases) {
+        desktop.nextText = name;
+        const QSignalSpy loads(state.get(), &AppState::isLoadingAndroidChanged);
+        state->createAndroidFolder();
+        ASSERT_TRUE(waitFor([&] {
+            return error.isEmpty() ? loads.count() == 2 : state->androidBrowseError().has_value();
+        })) << name.toStdString();
+        EXPECT_EQ(state->androidBrowseError().value_or(QString()), error) << name.toStdString();
+        EXPECT_TRUE(!error.isEmpty() || namesOf(state->androidItems()).contains(name.trimmed()))
+            << name.toStdString();
+        browsePhone(u"/sdcard/place"_s);
+    }
+    EXPECT_EQ(state->androidItems().size(), 7) << "nothing else was made";
+    EXPECT_EQ(phone.read(u"place/taken"_s), "precious");
+    // An old phone, whose complaints come with its answer; and a question that is cancelled.
+    phone.set(u"mkdir.stdout"_s, "mkdir: 'x': Read-only file system\nend\n");
+    desktop.nextText = u"x"_s;
+    state->createAndroidFolder();
+    ASSERT_TRUE(waitFor([&] { return state->androidBrowseError().has_value(); }));
+    EXPECT_EQ(state->androidBrowseError(), u"mkdir: 'x': Read-only file system"_s);
+    const qsizetype asked = phone.commandLines().size();
+    desktop.nextText.reset();
+    state->createAndroidFolder();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(phone.commandLines().size(), asked);
+}

@@ -1,12 +1,18 @@
 // On a real phone through the real adb, in a folder of its own that it clears: ./test --device SERIAL. Not
-// part of the usual run, which has no phone.
+// part of the usual run, which has no phone. Where the serial is an address, HOST:PORT, the phone is also
+// left and found again; with a second phone's serial in VANTREL_SECOND_DEVICE, the two stand side by side.
 
 #include "support/Files.h"
 #include "support/Printers.h"
+#include "support/WaitFor.h"
 
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
+#include "ADB/DeviceTracker.h"
 #include "ADB/PhoneCopies.h"
+#include "State/PhoneWatch.h"
+#include "State/WirelessPhones.h"
+#include "Worker/Worker.h"
 
 #include <QtCore>
 #include <gtest/gtest.h>
@@ -162,4 +168,90 @@ TEST_F(DeviceTest, failuresInWords) {
     ASSERT_FALSE(other);
     EXPECT_TRUE(other.error().errorDescription().contains(u"not found"_s));
     std::cout << refused.toStdString() << '\n' << other.error().errorDescription().toStdString() << '\n';
+}
+
+TEST_F(DeviceTest, aNewFolderIsMadeOnceWhateverItsName) {
+    const QString parent = folder() + QStringLiteral("/new");
+    ASSERT_TRUE(ADBClient::makeFolders(serial(), {parent}, {}));
+    for (const QString &name : {QStringLiteral("plain"), QStringLiteral("two  words"), QStringLiteral("-p"),
+                                QStringLiteral("it's $(touch pwned) `x` ; y"), QStringLiteral("grüße 😀")}) {
+        EXPECT_TRUE(ADBClient::createFolder(serial(), parent, name)) << name.toStdString();
+        const auto again = ADBClient::createFolder(serial(), parent, name);
+        ASSERT_FALSE(again);
+        EXPECT_TRUE(again.error().errorDescription().contains(QStringLiteral("is there already")))
+            << again.error().errorDescription().toStdString();
+    }
+    EXPECT_EQ(ADBClient::listDirectory(serial(), parent)->size(), 5);
+}
+
+TEST_F(DeviceTest, aPhoneThatKeepsSilentIsGivenUp) {
+    QElapsedTimer time;
+    time.start();
+    const auto answer = ADBClient::askADB({QStringLiteral("-s"), serial(), QStringLiteral("shell"),
+                                           QStringLiteral("sleep"), QStringLiteral("60")},
+                                          std::chrono::milliseconds(500), {});
+    ASSERT_FALSE(answer);
+    EXPECT_EQ(answer.error(), ADBError::noAnswer());
+    EXPECT_LT(time.elapsed(), 1500);
+}
+
+TEST_F(DeviceTest, comingAndGoingIsToldAtOnce) {
+    if (!serial().contains(QLatin1Char(':')))
+        GTEST_SKIP() << "a phone on a cable is plugged by hand";
+    DeviceTracker tracker;
+    QList<ListedPhone> phones;
+    QObject::connect(&tracker, &DeviceTracker::changed, [&](const QList<ListedPhone> &now) { phones = now; });
+    const auto isListed = [&] {
+        return std::any_of(phones.begin(), phones.end(), [](const ListedPhone &phone) {
+            return phone.serial == serial() && phone.isReady();
+        });
+    };
+    tracker.start();
+    ASSERT_TRUE(waitFor(isListed));
+    QElapsedTimer time;
+    ASSERT_TRUE(ADBClient::disconnectFrom(serial()));
+    time.start();
+    ASSERT_TRUE(waitFor([&] { return !isListed(); }));
+    EXPECT_LT(time.elapsed(), 500);
+    std::cout << "gone after " << time.elapsed() << " ms\n";
+
+    WirelessPhones wireless({});
+    QString connected;
+    QObject::connect(&wireless, &WirelessPhones::connected, [&](const QString &found) { connected = found; });
+    wireless.connectTo(serial(), {}, {});
+    ASSERT_TRUE(waitFor([&] { return !wireless.isConnecting(); }));
+    time.start();
+    EXPECT_EQ(connected, serial()) << wireless.message().toStdString();
+    ASSERT_TRUE(waitFor(isListed));
+    EXPECT_LT(time.elapsed(), 500);
+    std::cout << "back after " << time.elapsed() << " ms\n";
+    EXPECT_EQ(wireless.remembered(), QStringList{serial()});
+    wireless.connectTo(QStringLiteral("127.0.0.1:1"), {}, {});
+    ASSERT_TRUE(waitFor([&] { return !wireless.isConnecting(); }));
+    EXPECT_TRUE(wireless.message().contains(QStringLiteral("refused"))) << wireless.message().toStdString();
+    Background::finish();
+}
+
+TEST_F(DeviceTest, ofTwoPhonesTheOneThatIsShownStays) {
+    const QString second = qEnvironmentVariable("VANTREL_SECOND_DEVICE");
+    if (second.isEmpty())
+        GTEST_SKIP() << "VANTREL_SECOND_DEVICE names no other phone";
+    PhoneWatch watch([]() -> QCoro::Task<> { co_return; });
+    const auto shows = [&](const QString &wanted) {
+        return waitFor([&] { return watch.device().id == wanted && !watch.isRefreshing(); });
+    };
+    watch.start();
+    ASSERT_TRUE(waitFor([&] { return watch.phones().size() >= 2 && watch.device().isConnected; }));
+    for (const QString &wanted : {serial(), second, serial()}) {
+        watch.show(wanted, PhoneWatch::Spinner::shown);
+        ASSERT_TRUE(shows(wanted));
+        watch.refresh(PhoneWatch::Spinner::shown);
+        ASSERT_TRUE(shows(wanted)) << "whichever adb lists first";
+    }
+    EXPECT_GT(watch.device().totalBytes, 0);
+    for (const ListedPhone &phone : watch.phones())
+        std::cout << phone.serial.toStdString() << ' ' << phone.state.toStdString() << ' '
+                  << phone.model.toStdString() << '\n';
+    watch.stop();
+    Background::finish();
 }

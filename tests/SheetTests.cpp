@@ -9,7 +9,10 @@
 #include "App/Sheets/KeyboardView.h"
 #include "App/Sheets/TextPrompt.h"
 #include "App/Sheets/UpdateView.h"
+#include "App/Sheets/WirelessView.h"
 #include "Kit/AppStyle.h"
+#include "Kit/TextLabel.h"
+#include "support/Processes.h"
 
 #include <QtWidgets>
 
@@ -19,6 +22,7 @@ namespace vantrel {
 namespace {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 class SheetTests : public MainWindowFixture {
 protected:
@@ -48,6 +52,16 @@ protected:
     }
     QFuture<std::optional<QString>> ask() {
         return askForText({u"New Folder"_s, u"Name:"_s, u"Create"_s, u"Cancel"_s, u"New"_s}, window);
+    }
+    /// Types into the sheet and presses Return.
+    void connectTo(const QString &address, const QString &port = {}, const QString &code = {}) {
+        child<QLineEdit>("wireless.address")->setText(address);
+        child<QLineEdit>("wireless.pairingPort")->setText(port);
+        child<QLineEdit>("wireless.code")->setText(code);
+        key(Qt::Key_Return);
+    }
+    bool sheetSays(const QString &words) {
+        return waitFor([&] { return child<TextLabel>("wireless.message")->text().contains(words); });
     }
     static QWidget *card(const Sheet &sheet) { return sheet.findChild<QWidget *>(u"sheet.card"_s); }
 
@@ -185,6 +199,79 @@ TEST_F(SheetTests, slidesFromUnderTheTitleBarUnlessMotionIsReduced) {
     EXPECT_TRUE(future.isFinished());
 }
 
+TEST_F(SheetTests, aPhoneOnTheNetworkIsConnectedRememberedAndForgotten) {
+    const QString address = u"192.168.1.20:37123"_s;
+    phone.set(u"wireless"_s, address);
+    window->showWireless();
+    auto *sheet = shown<WirelessView>();
+    ASSERT_NE(sheet, nullptr);
+    EXPECT_EQ(accessible(child<QLineEdit>("wireless.address"))->text(QAccessible::Name),
+              u"Address and port"_s);
+    EXPECT_TRUE(child<QLineEdit>("wireless.address")->hasFocus());
+    connectTo(u"no address"_s);
+    EXPECT_TRUE(sheetSays(u"This is no address."_s));
+    connectTo(u"192.168.1.21"_s);
+    EXPECT_TRUE(sheetSays(u"failed to connect to '192.168.1.21:5555': Connection refused"_s));
+    EXPECT_TRUE(card(*sheet)->rect().contains(child<QWidget>("wireless.connect")->geometry()));
+    ASSERT_TRUE(waitFor([&] { return !child<QLineEdit>("wireless.code")->isEnabled(); }))
+        << "adb 29 cannot pair";
+    connectTo(address, u"41234"_s, u"123456"_s);
+    EXPECT_TRUE(sheetSays(u"Pairing needs adb 30 or later; this one is 29."_s));
+
+    connectTo(address);
+    ASSERT_TRUE(waitFor([&] { return !shown<WirelessView>(); }));
+    ASSERT_TRUE(waitFor([&] { return model->device().id == address && !model->isLoadingAndroid(); }))
+        << "shown at once, though another is ready";
+    window->close();
+    phone.setOther(address, u"none"_s);
+    window = showWindow();
+    model = &window->state();
+    ASSERT_TRUE(waitFor([&] { return model->phones().phones().size() == 2; }))
+        << "connected again at the start";
+
+    window->showWireless();
+    QTest::mouseClick(child<QAbstractButton>("wireless.forget"), Qt::LeftButton);
+    EXPECT_TRUE(waitFor([&] { return model->phones().phones().size() == 1; }));
+    EXPECT_EQ(window->findChild<QWidget *>(u"wireless.forget"_s), nullptr);
+    EXPECT_TRUE(waitFor([&] { return Settings(settingsPath()).wirelessPhones().isEmpty(); }));
+}
+
+TEST_F(SheetTests, aHostThatNeverAnswersIsGivenUp) {
+    const auto isAsked = [] {
+        const auto children = processes::children();
+        return std::any_of(children.begin(), children.end(),
+                           [](const auto &child) { return child.commandLine.contains("connect"); });
+    };
+    phone.set(u"connect.hang"_s, "on");
+    ADBClient::setPatience(400ms);
+    window->showWireless();
+    connectTo(u"10.0.0.1:5555"_s);
+    ASSERT_TRUE(waitFor(isAsked));
+    EXPECT_TRUE(sheetSays(u"Nothing answers at 10.0.0.1:5555."_s));
+    EXPECT_TRUE(waitFor([&] { return !isAsked(); }));
+    ADBClient::setPatience(15s);
+    connectTo(u"10.0.0.1:5555"_s);
+    ASSERT_TRUE(waitFor(isAsked));
+    key(Qt::Key_Escape);
+    EXPECT_EQ(shown<WirelessView>(), nullptr);
+    EXPECT_TRUE(waitFor([&] { return !isAsked(); })) << "its process is left running";
+    EXPECT_EQ(Settings(settingsPath()).wirelessPhones(), QStringList());
+
+    // With an adb that can, the two are paired first.
+    phone.reset(u"connect.hang"_s);
+    phone.set(u"version"_s, "34.0.1");
+    window->showWireless();
+    ASSERT_TRUE(waitFor([&] { return child<QLineEdit>("wireless.code")->isEnabled(); }));
+    phone.set(u"wireless"_s, "10.0.0.2:40001");
+    connectTo(u"10.0.0.2:5555"_s, u"40009"_s, u"123456"_s);
+    EXPECT_TRUE(sheetSays(u"Failed: Wrong code"_s));
+    connectTo(u"10.0.0.2:5555"_s, u"40001"_s, u"12 34"_s);
+    EXPECT_TRUE(sheetSays(u"The pairing code is the number"_s));
+    phone.set(u"wireless"_s, "10.0.0.2:5555");
+    connectTo(u"10.0.0.2:5555"_s, u"40001"_s, u"123456"_s);
+    EXPECT_TRUE(waitFor([&] { return model->device().id == u"10.0.0.2:5555"_s; }));
+}
+
 /// What the window did for the keys of a command, and what it would not do while a sheet is open.
 TEST_F(SheetTests, theKeysOfTheTableAct) {
     phone.write(u"folder/b"_s, "x");
@@ -254,6 +341,8 @@ TEST(KeyboardTableTests, isWhatTheDocumentSays) {
     ASSERT_TRUE(document.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(document.readAll());
     EXPECT_TRUE(text.endsWith(table)) << "it is to end with:\n" << qPrintable(table);
+}
+
 }
 
 } // namespace

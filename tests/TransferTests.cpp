@@ -448,3 +448,28 @@ TEST(TransferQueueTests, keepsOrderCountsAndClaims) {
     EXPECT_EQ(queue.activeCount(), 3);
     EXPECT_EQ(queue.nameTakenCount() + queue.failedCount() + queue.completedCount(), 0);
 }
+
+TEST_F(TransferTests, aCopyWithoutAByteSaysSoKeepsWaitingAndCanBeStopped) {
+    phone.write(u"a.bin"_s, QByteArray(4'000'000, 'a'));
+    connectPhone();
+    browseHere();
+    for (const bool isStopped : {false, true}) {
+        phone.set(u"pull.hang"_s, "on");
+        select(BrowserSide::android, u"a.bin"_s);
+        state->transferAndroidToMac();
+        ASSERT_TRUE(waitFor([&] { return copyOrder() == (isStopped ? u"a.bina.bin"_s : u"a.bin"_s); }));
+        ADBClient::setPatience(std::chrono::milliseconds(100));
+        EXPECT_TRUE(waitFor([&] { return statuses() == u"a.bin:No data for 30 s"_s; }))
+            << statuses().toStdString();
+        ADBClient::setPatience(std::chrono::seconds(15));
+        if (isStopped)
+            state->removeQueueItem(state->queue().first().id);
+        else
+            phone.set(u"pull.hang"_s, "off");
+        waitForQueue();
+        EXPECT_EQ(statuses(), isStopped ? QString() : u"a.bin:Done"_s);
+        EXPECT_EQ(QFile::exists(here(u"a.bin"_s)), !isStopped);
+        state->clearQueue();
+        QFile::remove(here(u"a.bin"_s));
+    }
+}

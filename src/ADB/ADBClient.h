@@ -14,6 +14,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <utility>
 
 /// Everything the program asks of the phone, through the adb command-line tool. Stateless; every operation
@@ -50,7 +51,10 @@ struct ToolAnswer {
 /// Runs adb with a question that somebody waits for. A tool that is silent for as long as the phone's
 /// patience is killed, and the phone does not answer.
 [[nodiscard]] ADBResult<ToolAnswer> askADB(const QStringList &arguments);
-/// The same for its standard output as text, where anything but success is an error.
+/// The same with another patience; a request to stop ends the tool within 0.12 s.
+[[nodiscard]] ADBResult<ToolAnswer> askADB(const QStringList &arguments, std::chrono::milliseconds patience,
+                                           const std::stop_token &stop);
+/// The same as the first for its standard output as text, where anything but success is an error.
 [[nodiscard]] ADBResult<QString> askADBForText(const QStringList &arguments);
 /// How long askADB() bears silence: 15 s unless set. Any thread.
 [[nodiscard]] std::chrono::milliseconds patience();
@@ -97,6 +101,22 @@ struct PhoneStorage {
 };
 [[nodiscard]] ADBResult<PhoneStorage> fetchStorage(const QString &serial);
 
+// -- Phones on the network (ADBWireless.cpp)
+
+/// An address as a user types it, the host's name or number and perhaps a port, in adb's form "HOST:PORT";
+/// the port is 5555 where none is given. Nothing for a text that is none.
+[[nodiscard]] std::optional<QString> wirelessAddress(const QString &text);
+/// adb's version: 29 of "Version 29.0.6".
+[[nodiscard]] ADBResult<int> fetchVersion();
+/// Connects adb to a phone, and gives the serial that the phone then has. Fails with adb's words, when it
+/// says nothing for twice its patience, and on a request to stop.
+[[nodiscard]] ADBResult<QString> connectTo(const QString &address, const std::stop_token &stop);
+/// Makes a phone trust this computer: `address` and `code` are what it shows. Fails as connectTo().
+[[nodiscard]] ADBResult<void> pairWith(const QString &address, const QString &code,
+                                       const std::stop_token &stop);
+/// Ends a connection, if there is one.
+[[nodiscard]] ADBResult<void> disconnectFrom(const QString &address);
+
 // -- Folders (ADBListing.cpp)
 
 /// The canonical form of a phone path: "/sdcard" for nothing, no trailing slash but for "/". Blanks around it
@@ -108,6 +128,10 @@ struct Listing : QList<FileItem> {
 };
 /// Lists a folder. Fails with the phone's own words when nothing of it can be read.
 [[nodiscard]] ADBResult<Listing> listDirectory(const QString &serial, const QString &path);
+
+/// Makes one folder. Fails, in words, when the name is not a single path component, when something of that
+/// name is there, and with the phone's own reason.
+[[nodiscard]] ADBResult<void> createFolder(const QString &serial, const QString &parent, const QString &name);
 
 // -- Search (ADBSearch.cpp)
 

@@ -55,4 +55,29 @@ ADBResult<Listing> listDirectory(const QString &serial, const QString &path) {
     return listing;
 }
 
+ADBResult<void> createFolder(const QString &serial, const QString &parent, const QString &name) {
+    if (!AndroidPath::isSafeName(name))
+        return tl::make_unexpected(ADBError::executionFailed(
+            name.contains(QLatin1Char('/'))
+                ? QStringLiteral("A folder’s name can’t contain “/”.")
+                : QStringLiteral("This can’t be a folder’s name. Choose another one.")));
+    const QString command = QStringLiteral("mkdir ") %
+                            AndroidPath::quotedForShell(AndroidPath::join(normalizePath(parent), name));
+    const auto answer = askADB(
+        {QStringLiteral("-s"), serial, QStringLiteral("shell"), command % QStringLiteral("; echo end")});
+    if (!answer)
+        return tl::make_unexpected(answer.error());
+    // The words of an old phone come with its answer, and no exit status.
+    const QByteArray complaint =
+        answer->errors + answer->output.chopped(answer->output.endsWith("end\n") ? 4 : 0);
+    if (answer->succeeded && answer->output.endsWith("end\n") && complaint.isEmpty())
+        return {};
+    const QString reason = ToolText::reason(QString::fromUtf8(complaint)).text;
+    if (reason.endsWith(QLatin1String("File exists")))
+        return tl::make_unexpected(ADBError::executionFailed(
+            QStringLiteral("“") % name % QStringLiteral("” is there already. Choose another name.")));
+    return tl::make_unexpected(ADBError::executionFailed(
+        reason.isEmpty() ? QStringLiteral("The phone did not make the folder.") : reason));
+}
+
 } // namespace vantrel::ADBClient

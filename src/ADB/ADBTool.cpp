@@ -52,9 +52,11 @@ QStringList resourceDirectories() {
 /// Runs a program until it ends, or until it has been silent for as long as it may.
 ADBResult<ToolAnswer> runToItsEnd(const QString &executable, const QStringList &arguments,
                                   const QProcessEnvironment &environment,
-                                  std::optional<std::chrono::milliseconds> longestSilence) {
+                                  std::optional<std::chrono::milliseconds> longestSilence,
+                                  const std::stop_token &stop = {}) {
     constexpr qsizetype largestOutput = 64'000'000;
     ToolRun run(executable, arguments, environment);
+    run.stopWith(stop);
     if (const auto started = run.start(); !started)
         return tl::make_unexpected(started.error());
 
@@ -142,10 +144,15 @@ ADBResult<QString> runADB(const QStringList &arguments) {
 }
 
 ADBResult<ToolAnswer> askADB(const QStringList &arguments) {
+    return askADB(arguments, patience(), {});
+}
+
+ADBResult<ToolAnswer> askADB(const QStringList &arguments, std::chrono::milliseconds patience,
+                             const std::stop_token &stop) {
     const auto tool = resolveADBPath();
     if (!tool)
         return tl::make_unexpected(ADBError::adbNotFound());
-    return runToItsEnd(*tool, arguments, augmentedEnvironment(), patience());
+    return runToItsEnd(*tool, arguments, augmentedEnvironment(), patience, stop);
 }
 
 ADBResult<QString> askADBForText(const QStringList &arguments) {

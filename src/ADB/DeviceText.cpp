@@ -4,6 +4,7 @@
 #include "ADB/ToolText.h"
 
 #include <QHash>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cctype>
@@ -123,6 +124,30 @@ std::pair<QString, QList<StorageCard>> splitStorage(const QString &text) {
         cards[i].totalBytes = bytes.total;
     }
     return {pieces.first(), cards};
+}
+
+int parseVersion(const QString &text) {
+    static const QRegularExpression pattern(QStringLiteral("^Version (\\d{1,6})"),
+                                            QRegularExpression::MultilineOption);
+    return pattern.match(text).captured(1).toInt();
+}
+
+QString parseConnected(const QString &text) {
+    static const QRegularExpression pattern(QStringLiteral("\\A(?:already )?connected to (\\S+)\\s*\\z"));
+    return pattern.match(text).captured(1);
+}
+
+std::optional<QString> wirelessAddress(const QString &text) {
+    // Begins like no option. In brackets, what holds colons of its own.
+    static const QRegularExpression pattern(QStringLiteral(
+        "\\A(\\[[0-9A-Fa-f:.]{2,45}\\]|[0-9A-Za-z](?:[0-9A-Za-z.-]{0,252}[0-9A-Za-z])?)(?::(\\d{1,5}))?\\z"));
+    constexpr int usualPort = 5555;
+    constexpr int largestPort = 65'535;
+    const auto match = pattern.match(text.trimmed());
+    const int port = match.captured(2).isEmpty() ? usualPort : match.captured(2).toInt();
+    if (!match.hasMatch() || port < 1 || port > largestPort)
+        return std::nullopt;
+    return match.captured(1) % QLatin1Char(':') % QString::number(port);
 }
 
 ADBResult<StorageBytes> parseDF(const QString &text) {

@@ -47,6 +47,11 @@ private:
 /// What comes of it: the text about the shared storage, and the cards. More than anybody has are not read.
 [[nodiscard]] std::pair<QString, QList<StorageCard>> splitStorage(const QString &text);
 
+/// The number behind "Version " in what `adb version` prints; 0 without one.
+[[nodiscard]] int parseVersion(const QString &text);
+/// The serial that `adb connect` says it is connected to; empty when it says something else.
+[[nodiscard]] QString parseConnected(const QString &text);
+
 /// Used and total bytes from the last line of `df`, whose first two whole numbers are total and used in units
 /// of 1024 bytes. A figure that does not fit 64 bits when multiplied counts as unreadable.
 [[nodiscard]] ADBResult<StorageBytes> parseDF(const QString &text);

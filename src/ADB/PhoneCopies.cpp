@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <unistd.h>
+#include <utility>
 
 namespace vantrel::ADBClient {
 
@@ -313,7 +314,8 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
     if (const auto started = run.start(); !started)
         return tl::make_unexpected(started.error());
     terminal.startReading([&](const QByteArray &bytes) {
-        if (output.feed(bytes) && onProgress)
+        static_cast<void>(output.feed(bytes));
+        if (onProgress) // also where the figure is the same: bytes came
             onProgress(output.endedFiles(), output.fractionOfNext());
     });
     bool isRunning = true;
@@ -387,7 +389,10 @@ ADBResult<void> continuePull(const QString &serial, const QString &source, const
                 augmentedEnvironment());
     run.appendTo(localPath);
     run.stopWith(stop);
-    return runStream(run, serial, [&] { onProgress(QFileInfo(localPath).size()); });
+    return runStream(run, serial, [&, reached = qint64(-1)]() mutable {
+        if (const qint64 now = QFileInfo(localPath).size(); now != std::exchange(reached, now))
+            onProgress(now);
+    });
 }
 
 ADBResult<void> continuePush(const QString &serial, const QString &localPath, qint64 from,
@@ -404,7 +409,10 @@ ADBResult<void> continuePush(const QString &serial, const QString &localPath, qi
                 augmentedEnvironment());
     run.readFrom(file.handle());
     run.stopWith(stop);
-    return runStream(run, serial, [&] { onProgress(::lseek(file.handle(), 0, SEEK_CUR)); });
+    return runStream(run, serial, [&, reached = qint64(-1)]() mutable {
+        if (const qint64 now = ::lseek(file.handle(), 0, SEEK_CUR); now != std::exchange(reached, now))
+            onProgress(now);
+    });
 }
 
 ADBResult<void> setModified(const QString &serial, const QString &path, qint64 modified,

@@ -54,7 +54,7 @@ struct PhoneMove {
 ADBResult<void> removeFolder(const QString &serial, const QString &path);
 
 /// How far a batch has come: so many files have ended, the next is through by this fraction. Called on a
-/// background thread.
+/// background thread whenever something has come, though both may be as before.
 using BatchProgress = std::function<void(int endedFiles, double fractionOfNext)>;
 /// One adb push or pull of several files into a folder that is there. A file that fails does not end the
 /// batch. Gives adb's error lines: what arrived is for the caller to look at. An error when adb could not be

@@ -17,6 +17,8 @@ QString QueueItem::progressLabel() const {
     if (const auto *progress = status.progress()) {
         if (progress->isVerifying && status.is<QueueItemStatus::Transferring>())
             return QStringLiteral("Verifying…");
+        if (progress->isSilent && status.is<QueueItemStatus::Transferring>())
+            return QStringLiteral("No data for 30 s");
         if (progress->totalBytes < 1)
             return status.is<QueueItemStatus::Paused>() ? QStringLiteral("Paused")
                                                         : QStringLiteral("Transferring…");

@@ -62,21 +62,19 @@ public:
     [[nodiscard]] const QString &androidCurrentPath() const { return m_androidPane.path(); }
     [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments.value(); }
     [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidPane.items(); }
-    [[nodiscard]] const QList<FileItem> &displayedAndroidItems() const {
-        return m_androidPane.visibleItems();
-    }
+    [[nodiscard]] const auto &displayedAndroidItems() const { return m_androidPane.visibleItems(); }
     [[nodiscard]] const QSet<QUuid> &androidSelectedIDs() const { return m_androidPane.selectedIDs(); }
     [[nodiscard]] PaneViewMode androidViewMode() const { return m_androidPane.viewMode(); }
     void setAndroidViewMode(PaneViewMode mode) { m_androidPane.setViewMode(mode); }
     [[nodiscard]] QString androidSelectionSummary() const;
     [[nodiscard]] QString androidFooterStats() const;
     [[nodiscard]] const QList<StorageShortcut> &shortcuts() const { return m_shortcuts; }
-    [[nodiscard]] const std::optional<QUuid> &selectedShortcutID() const {
-        return m_selectedShortcutID.value();
-    }
+    [[nodiscard]] const auto &selectedShortcutID() const { return m_selectedShortcutID.value(); }
     void setSelectedShortcutID(const std::optional<QUuid> &id) { m_selectedShortcutID = id; }
     /// Shows a phone folder.
     QCoro::Task<> browseAndroid(QString path);
+    /// Asks for a name and creates a folder in androidCurrentPath.
+    QCoro::Task<> createAndroidFolder();
     /// Copies a phone file into the cache and opens it with its default application. Folders are ignored.
     QCoro::Task<> openAndroidFile(FileItem item);
 

@@ -12,6 +12,15 @@
 
 namespace vantrel {
 
+namespace {
+
+Desktop::TextQuestion newFolderQuestion() {
+    return {QStringLiteral("New Folder"), QStringLiteral("Enter a name for the new folder:"),
+            QStringLiteral("Create"), QStringLiteral("Cancel"), QStringLiteral("New Folder")};
+}
+
+} // namespace
+
 QCoro::Task<> AppState::openPhone() {
     const auto places = m_shortcuts + m_phones.cards();
     const auto place = std::find_if(places.begin(), places.end(),
@@ -140,11 +149,28 @@ QCoro::Task<> AppState::openAndroidFile(FileItem item) {
     m_isOpeningAndroidFile = false;
 }
 
+QCoro::Task<> AppState::createAndroidFolder() {
+    const auto serial = connectedSerial();
+    if (!serial) {
+        m_androidPane.setBrowseError(QStringLiteral("Connect an Android device to create folders."));
+        co_return;
+    }
+    const QString parent = androidCurrentPath();
+    const auto answer = co_await Background::answer(this, m_desktop.askForText(newFolderQuestion()));
+    const QString name = answer.value_or(QString()).trimmed();
+    if (name.isEmpty())
+        co_return;
+    const auto created = co_await Background::run(this, &ADBClient::createFolder, *serial, parent, name);
+    if (parent != androidCurrentPath() || serial != connectedSerial())
+        co_return; // another folder is looked at by now
+    if (created)
+        co_await browseAndroid(parent);
+    else
+        m_androidPane.setBrowseError(created.error().errorDescription());
+}
+
 QCoro::Task<> AppState::createMacFolder() {
-    const Desktop::TextQuestion question{
-        QStringLiteral("New Folder"), QStringLiteral("Enter a name for the new folder:"),
-        QStringLiteral("Create"), QStringLiteral("Cancel"), QStringLiteral("New Folder")};
-    const auto answer = co_await Background::answer(this, m_desktop.askForText(question));
+    const auto answer = co_await Background::answer(this, m_desktop.askForText(newFolderQuestion()));
     const QString name = answer.value_or(QString()).trimmed();
     if (name.isEmpty())
         co_return;

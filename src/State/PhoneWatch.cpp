@@ -5,6 +5,7 @@
 #include "Worker/Worker.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
@@ -80,7 +81,21 @@ void PhoneWatch::follow(const QList<ListedPhone> &phones) {
     } else if (m_asked ? *m_asked != serial : device().id != serial) {
         show(serial);
     }
+    showWanted();
     schedule();
+}
+
+void PhoneWatch::showWhenReady(const QString &serial) {
+    m_wanted = serial;
+    showWanted();
+}
+
+void PhoneWatch::showWanted() {
+    const bool isReady = std::any_of(phones().begin(), phones().end(), [this](const ListedPhone &phone) {
+        return phone.isReady() && phone.serial == m_wanted;
+    });
+    if (isReady)
+        show(std::exchange(m_wanted, QString()), Spinner::shown);
 }
 
 QCoro::Task<> PhoneWatch::refresh(Spinner spinner) {
@@ -101,6 +116,7 @@ QCoro::Task<> PhoneWatch::refresh(Spinner spinner) {
     }
     if (isShown)
         m_isRefreshing = false;
+    showWanted();
     schedule();
 }
 

@@ -51,6 +51,8 @@ public:
     QCoro::Task<> refresh(Spinner spinner);
     /// Shows one of the phones that are ready.
     QCoro::Task<> show(QString serial, Spinner spinner = Spinner::hidden);
+    /// Shows the phone as soon as adb lists it as ready.
+    void showWhenReady(const QString &serial);
     /// Asks how much of the storage is in use; a phone that does not say keeps what is known of it.
     QCoro::Task<> refreshStorage();
     /// To be called when the phone that is shown seemed to have left: it is looked for a little later,
@@ -75,6 +77,7 @@ Q_SIGNALS:
 
 private:
     void follow(const QList<ListedPhone> &phones);
+    void showWanted();
     void schedule();
     QCoro::Task<> tick();
     QCoro::Task<> apply(ADBResult<AndroidDevice> found, PhoneTrouble trouble);
@@ -89,6 +92,7 @@ private:
     bool m_isInDoubt = false;       ///< whether the phone that is shown is there
     int m_looksWithoutTracking = 0; ///< since the tracker was last tried
     quint64 m_token = 0;            ///< of the newest question; what an older one learns is dropped
+    QString m_wanted;               ///< to be shown once it is ready; empty for none
     std::optional<QString> m_asked; ///< the phone that is asked about now; empty where any will do
     bool m_isLearningModels = false;
     QHash<QString, QString> m_models; ///< by serial

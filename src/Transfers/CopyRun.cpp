@@ -1020,6 +1020,8 @@ private:
     void report(qsizetype entry, qint64 underWay, std::optional<Arrival> compared = std::nullopt) {
         constexpr double highest = 0.99;
         constexpr double step = 0.001;
+        if (m_watcher.onLife)
+            m_watcher.onLife();
         State &state = m_states[entry];
         if (state.hasEnded || !m_watcher.onProgress)
             return;

@@ -42,6 +42,8 @@ struct CopyWatcher {
     /// The fraction is 0 to 0.99 and rises by more than 0.001 from call to call.
     std::function<void(const QUuid &id, const QueueItemStatus::Progress &)> onProgress;
     std::function<void(const QUuid &id, const CopyReport &)> onEnd;
+    /// Something has come through, whether or not it is worth a report.
+    std::function<void()> onLife;
     /// Whether the entry is still wanted. One that is not is left out of what is still to do, and nobody is
     /// told how it ended.
     std::function<bool(const QUuid &id)> isWanted;

@@ -1,5 +1,6 @@
 #include "Transfers/TransferRunner.h"
 
+#include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/TransferFormat.h"
@@ -9,6 +10,8 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <mutex>
 
 namespace vantrel {
@@ -50,6 +53,10 @@ public:
     void stop() { m_stop.request_stop(); }
     [[nodiscard]] std::stop_token stopToken() const { return m_stop.get_token(); }
 
+    void noteLife() { m_lastLife = now(); }
+    /// For how long nothing has come, in milliseconds.
+    [[nodiscard]] qint64 silence() const { return now() - m_lastLife; }
+
     // -- Main thread only
 
     /// How many bytes more the cable has carried when that many more were reported. A push runs ahead of it
@@ -67,6 +74,12 @@ public:
     void pushes() { m_heldBySockets = 4 << 20; }
 
 private:
+    static qint64 now() {
+        const auto time = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
+    }
+
+    std::atomic<qint64> m_lastLife{now()};
     qint64 m_reported = 0;
     qint64 m_carried = 0;
     qint64 m_heldBySockets = 0;
@@ -84,6 +97,7 @@ TransferRunner::TransferRunner(TransferHost &host) : m_host(host) {
     }
     m_speedTimer.setInterval(500);
     connect(&m_speedTimer, &QTimer::timeout, this, &TransferRunner::renderSpeed);
+    connect(&m_speedTimer, &QTimer::timeout, this, &TransferRunner::markSilentCopies);
     m_saveTimer.setSingleShot(true);
     connect(&m_saveTimer, &QTimer::timeout, this, &TransferRunner::save);
 }
@@ -269,6 +283,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
                 self->applyProgress(run, id, progress);
         });
     };
+    watcher.onLife = [run] { run->noteLife(); };
     watcher.onEnd = [self](const QUuid &id, const CopyReport &report) {
         Background::post([self, id, report] {
             if (self)
@@ -364,6 +379,22 @@ void TransferRunner::renderSpeed() {
     const auto left = static_cast<double>(m_queue.totalBytes() - m_queue.doneBytes());
     m_speedLabel = speed ? formatTransferRate(*speed) : unknownLabel();
     m_remainingLabel = speed ? formatDuration(left / *speed) : unknownLabel();
+}
+
+/// A copy is never ended for its silence: its owner may be asked something. But it says so.
+void TransferRunner::markSilentCopies() {
+    const qint64 longestSilence = (2 * ADBClient::patience()).count();
+    const QList<QueueItem> items = m_queue.items();
+    for (const QueueItem &item : items) {
+        const auto *running = item.status.as<QueueItemStatus::Transferring>();
+        const auto run = std::find_if(m_runs.begin(), m_runs.end(),
+                                      [&](const auto &one) { return running && one->isWanted(item.id); });
+        if (run == m_runs.end() || running->isSilent == ((*run)->silence() > longestSilence))
+            continue;
+        QueueItemStatus::Transferring now = *running;
+        now.isSilent = !now.isSilent;
+        updateStatus(item.id, now);
+    }
 }
 
 void TransferRunner::forgetSpeed() {

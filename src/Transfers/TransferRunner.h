@@ -138,6 +138,7 @@ private:
                        const QueueItemStatus::Progress &progress);
     void updateStatus(const QUuid &id, const QueueItemStatus &status);
     void renderSpeed();
+    void markSilentCopies();
     void forgetSpeed();
 
     TransferHost &m_host;

@@ -106,6 +106,7 @@ void AndroidBrowserPane::fill(FilePane &pane) {
         else
             state->browseAndroid(state->androidCurrentPath());
     };
+    pane.onNewFolder = [state] { state->createAndroidFolder(); };
     if (state->phones().trouble() != PhoneTrouble::none)
         pane.onTryAgain = [state] { state->refreshDevice(AppState::Spinner::shown); };
     pane.searchText = {state->androidSearchText(),

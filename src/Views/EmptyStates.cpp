@@ -27,12 +27,12 @@ QString installCommand() {
     return commands.value(QSysInfo::productType());
 }
 
-/// Lets whoever sits at the computer use every device with the interface that adb talks to.
+/// Puts the rule in place that lies in Resources/desktop/51-vantrel-android.rules: whoever sits at the screen
+/// may use what has the interface that adb talks to.
 QString permissionCommand() {
-    return QStringLiteral(
-        "echo 'SUBSYSTEM==\"usb\", ENV{ID_USB_INTERFACES}==\"*:ff4201:*\", TAG+=\"uaccess\"' | "
-        "sudo tee /etc/udev/rules.d/51-android.rules && sudo udevadm control --reload && "
-        "sudo udevadm trigger --subsystem-match=usb");
+    return QStringLiteral("echo 'ACTION!=\"remove\", SUBSYSTEM==\"usb\", ENV{DEVTYPE}==\"usb_device\", "
+                          "ENV{ID_USB_INTERFACES}==\"*:ff4201:*\", TAG+=\"uaccess\"' | sudo tee "
+                          "/etc/udev/rules.d/51-vantrel-android.rules && sudo udevadm control --reload");
 }
 
 Emptiness phone(const char *badge, Mood mood, const char *heading, const QStringList &steps) {

@@ -54,7 +54,7 @@ struct FilePane {
     std::function<void()> onRefresh = {};
     std::function<void()> onChooseFolder = {};
     std::function<void()> onNewFolder = {};
-    std::function<void()> onHome = {};
+    std::function<void()> onHome = {}; ///< absent as onChooseFolder is: both tools are hidden
     std::optional<Binding<QString>> searchText = {};
     std::optional<Binding<AndroidSearchScope>> searchScope = {};
     std::function<void()> onClearSearch = {}; ///< absent: the text is emptied

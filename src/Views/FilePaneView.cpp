@@ -147,7 +147,8 @@ QWidget *FilePaneView::makeHeader() {
     auto *choose = action("chooseFolder", "folder", "Choose folder", &FilePane::onChooseFolder);
     auto *create = action("newFolder", "folder.badge.plus", "New folder", &FilePane::onNewFolder);
     auto *refresh = action("refresh", "arrow.clockwise", "Refresh", &FilePane::onRefresh);
-    m_folderTools = {home, choose, create};
+    m_placeTools = {home, choose};
+    m_newFolder = create;
     m_listTool = mode("listView", "list.bullet", "List view", PaneViewMode::list);
     m_gridTool = mode("gridView", "square.grid.2x2", "Grid view", PaneViewMode::grid);
     return barOf(
@@ -297,8 +298,9 @@ void FilePaneView::showTools() {
     };
     for (const auto &[tool, action] : m_actions)
         show(tool, bool(m_pane.*action));
-    for (IconButton *tool : m_folderTools)
-        showWithHeir(tool, m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder, heir);
+    for (IconButton *tool : m_placeTools)
+        showWithHeir(tool, m_pane.onHome || m_pane.onChooseFolder, heir);
+    showWithHeir(m_newFolder, m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder, heir);
     const bool hasModes = m_pane.viewMode.has_value();
     for (const auto &[tool, isOn] : {std::pair(m_listTool, !isGrid()), std::pair(m_gridTool, isGrid())}) {
         show(tool, hasModes, hasModes && isOn);

@@ -85,7 +85,8 @@ private:
     TextLabel *m_title;
     PathBar *m_path;
     QList<std::pair<IconButton *, std::function<void()> FilePane::*>> m_actions; ///< and what they call
-    QList<IconButton *> m_folderTools;
+    QList<IconButton *> m_placeTools; ///< of a side with more than one place to begin at
+    IconButton *m_newFolder;
     IconButton *m_listTool;
     IconButton *m_gridTool;
 

@@ -69,9 +69,7 @@ void Sheet::open() {
             return;
         }
     }
-    const int width = m_card->width();
-    m_card->setFixedHeight(m_content->hasHeightForWidth() ? m_content->totalHeightForWidth(width)
-                                                          : m_content->totalSizeHint().height());
+    fitHeight();
     m_slide.setDuration(style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this));
     m_slide.start();
     place();
@@ -83,6 +81,14 @@ void Sheet::open() {
     show(); // where the toolkit would give the keyboard to the default button
     m_focus = m_firstFocus;
     m_focus->setFocus(Qt::OtherFocusReason);
+}
+
+void Sheet::fitHeight() {
+    const int width = m_card->width();
+    m_content->invalidate();
+    m_card->setFixedHeight(m_content->hasHeightForWidth() ? m_content->totalHeightForWidth(width)
+                                                          : m_content->totalSizeHint().height());
+    update();
 }
 
 void Sheet::hideEvent(QHideEvent *) {

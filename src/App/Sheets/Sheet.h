@@ -38,6 +38,9 @@ protected:
     /// What has the keyboard at first; without this no control has, and Tab begins at the first one.
     void setFirstFocus(QWidget *control) { m_firstFocus = control; }
 
+    /// Makes the card as high as its content is now; when it opens, it is.
+    void fitHeight();
+
     void hideEvent(QHideEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;

@@ -17,6 +17,7 @@ const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
 const QString queueHeightKey = QStringLiteral("queueHeight");
 const QString verifyKey = QStringLiteral("verifyCopies");
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
+const QString wirelessPhonesKey = QStringLiteral("wirelessPhones");
 const QString windowSizeKey = QStringLiteral("windowSize");
 const QString windowPositionKey = QStringLiteral("windowPosition");
 const QString windowZoomedKey = QStringLiteral("windowZoomed");
@@ -168,6 +169,14 @@ void Settings::setVerifiesCopies(bool verifies) {
     setValue(verifyKey, verifies ? QStringLiteral("true") : QStringLiteral("false"));
     if (isChange)
         Q_EMIT verifiesCopiesChanged(verifies);
+}
+
+QStringList Settings::wirelessPhones() const {
+    return value(wirelessPhonesKey).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+void Settings::setWirelessPhones(const QStringList &addresses) {
+    setValue(wirelessPhonesKey, addresses.join(QLatin1Char(' ')));
 }
 
 bool Settings::analyticsDisabled() const {

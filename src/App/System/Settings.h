@@ -13,6 +13,7 @@
 #include <QSettings>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 #include <chrono>
@@ -79,6 +80,10 @@ public:
     /// In what order a pane shows its entries.
     [[nodiscard]] FileOrder fileOrder(BrowserSide side) const;
     void setFileOrder(BrowserSide side, FileOrder order);
+
+    /// Addresses of phones on the network, as they were stored.
+    [[nodiscard]] QStringList wirelessPhones() const;
+    void setWirelessPhones(const QStringList &addresses);
 
     /// Writes what has changed at once. False when it could not be stored.
     bool save();

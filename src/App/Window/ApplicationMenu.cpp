@@ -40,6 +40,10 @@ ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater, Settings
     m_about->setMenuRole(QAction::AboutRole);
     connect(m_about, &QAction::triggered, this, &ApplicationMenu::aboutRequested);
 
+    m_wireless = m_menu->addAction(QStringLiteral("Connect over Wi-Fi…"));
+    m_wireless->setMenuRole(QAction::ApplicationSpecificRole);
+    connect(m_wireless, &QAction::triggered, this, &ApplicationMenu::wirelessRequested);
+
     // The shortcut is the window's, which says after the tab what it is.
     QAction *keyboard = m_menu->addAction(QStringLiteral("Keyboard\tF1"));
     connect(keyboard, &QAction::triggered, this, &ApplicationMenu::keyboardRequested);

@@ -35,6 +35,7 @@ public:
     void popup();
 
     [[nodiscard]] QAction *aboutAction() const { return m_about; }
+    [[nodiscard]] QAction *wirelessAction() const { return m_wireless; }
     [[nodiscard]] QAction *updateAction() const { return m_update; }
     [[nodiscard]] QAction *quitAction() const { return m_quit; }
     [[nodiscard]] QAction *verifyAction() const { return m_verify; }
@@ -48,6 +49,8 @@ Q_SIGNALS:
     void aboutRequested();
     /// "Keyboard" was chosen.
     void keyboardRequested();
+    /// "Connect over Wi-Fi…" was chosen.
+    void wirelessRequested();
 
 private:
     void addUpdates(Updater *updater);
@@ -61,6 +64,7 @@ private:
     QMenu *m_menu;
     QPointer<QWidget> m_button;
     QAction *m_about;
+    QAction *m_wireless;
     QAction *m_update;
     QAction *m_verify;
     QAction *m_analytics = nullptr;

@@ -3,6 +3,7 @@
 #include "App/Sheets/AboutView.h"
 #include "App/Sheets/KeyboardView.h"
 #include "App/Sheets/MessageSheet.h"
+#include "App/Sheets/WirelessView.h"
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
 #include "App/System/Settings.h"
@@ -14,6 +15,7 @@
 #include "App/Window/WindowChrome.h"
 #include "App/Window/WindowCommands.h"
 #include "State/AppState.h"
+#include "State/WirelessPhones.h"
 #include "Transfers/QueueFile.h"
 
 #include <QApplication>
@@ -42,7 +44,12 @@ private:
 
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
-      m_state(AppState::designPreview(desktop)), m_quitWatch(new QuitWatch(this)) {
+      m_state(AppState::designPreview(desktop)),
+      m_wireless(new WirelessPhones(settings.wirelessPhones(), this)), m_quitWatch(new QuitWatch(this)) {
+    connect(m_wireless, &WirelessPhones::rememberedChanged, this,
+            [this] { m_settings.setWirelessPhones(m_wireless->remembered()); });
+    connect(m_wireless, &WirelessPhones::connected, m_state.get(),
+            [this](const QString &serial) { m_state->phones().showWhenReady(serial); });
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
     m_state->transfers().setVerifies(settings.verifiesCopies());
@@ -96,6 +103,7 @@ void MainWindow::addToolbarButtons() {
     bar->addToolbarWidget(about);
     auto *menu = new ApplicationMenu(this, &m_updater, &m_settings);
     connect(menu, &ApplicationMenu::aboutRequested, this, &MainWindow::showAbout);
+    connect(menu, &ApplicationMenu::wirelessRequested, this, &MainWindow::showWireless);
     if (QWidget *button = menu->createButton(bar))
         bar->addToolbarWidget(button);
     auto *commands = new WindowCommands(this, m_state.get());
@@ -137,6 +145,14 @@ void MainWindow::showKeyboard() {
     auto *keyboard = new KeyboardView(this);
     keyboard->setAttribute(Qt::WA_DeleteOnClose);
     keyboard->open();
+}
+
+void MainWindow::showWireless() {
+    if (findChild<WirelessView *>())
+        return;
+    auto *view = new WirelessView(this, *m_wireless);
+    view->setAttribute(Qt::WA_DeleteOnClose);
+    view->open();
 }
 
 bool MainWindow::event(QEvent *event) {
@@ -231,6 +247,7 @@ QCoro::Task<> MainWindow::runStartUp() {
     co_await m_state->refreshDevice(AppState::Spinner::shown);
     if (m_isStarted)
         m_state->phones().start();
+    co_await m_wireless->reconnect();
 }
 
 } // namespace vantrel

@@ -20,6 +20,7 @@ class QuitWatch;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
+class WirelessPhones;
 
 /// The window of the program. It owns the model and looks for the phone for as long as it is open.
 ///
@@ -46,6 +47,8 @@ public:
     void showAbout();
     /// Shows what the keys do, likewise.
     void showKeyboard();
+    /// Asks for a phone on the network over this window.
+    void showWireless();
     /// Takes the colour scheme that the desktop prefers, unless the user has ever chosen one here.
     void followDesktop(ColorScheme preferred);
     /// Changes the colour scheme of everything, for this start and the next ones.
@@ -69,6 +72,7 @@ private:
     Settings &m_settings;
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
+    WirelessPhones *m_wireless;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
     const QuitWatch *m_quitWatch;
