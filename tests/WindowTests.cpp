@@ -94,10 +94,6 @@ TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
     show(new ContentView(state.get(), settings), {1100, 800});
     settle();
     EXPECT_EQ(child<TransferQueueView>("queue")->height(), chosen);
-    for (const char *nonsense : {"-5", "x", "999999999", ""}) {
-        write(path, "queueHeight=" + QByteArray(nonsense));
-        EXPECT_FALSE(Settings(path).queueHeight()) << nonsense;
-    }
 }
 
 using MainWindowTests = MainWindowFixture;
