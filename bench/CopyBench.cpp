@@ -1,16 +1,22 @@
 // Copies through the queue, to be timed as a whole and compared with adb doing the same:
 //   copy_bench pull LOCAL_FOLDER REMOTE_FOLDER    copies every entry of the phone's folder to the computer
 //   copy_bench push LOCAL_FOLDER REMOTE_FOLDER    copies every entry of the computer's folder to the phone
+//   copy_bench memory COUNT                       only queues entries, and prints how many MB they take
 // Prints the seconds from pressing the arrow to the end of the queue; exits 1 when a copy failed.
 
 #include "ADB/ADBClient.h"
 #include "MacFiles/Desktop.h"
+#include "Records/Identity.h"
 #include "State/AppState.h"
+#include "Transfers/TransferQueue.h"
 #include "Worker/Worker.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QTextStream>
+
+#include <utility>
 
 using namespace vantrel;
 
@@ -27,6 +33,7 @@ public:
         return {};
     }
     QFuture<std::optional<QString>> askForText(const TextQuestion & /*question*/) override { return {}; }
+    void keepAwake(bool /*isOn*/) override {}
 };
 
 /// Runs the event loop until the condition holds.
@@ -36,13 +43,44 @@ void waitFor(Condition condition) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
+/// What this process holds in memory, in bytes.
+qint64 residentBytes() {
+    constexpr qint64 pageBytes = 4096;
+    QFile file(QStringLiteral("/proc/self/statm"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * pageBytes : 0;
+}
+
+int printMemoryOf(int count) {
+    const qint64 before = residentBytes();
+    TransferQueue queue;
+    QList<QueueItem> entries;
+    const QString serial = QStringLiteral("demo-phone");
+    for (int i = 0; i < count; ++i) {
+        const QString name = QStringLiteral("IMG_%1.jpg").arg(i);
+        entries.append({newIdentity(),
+                        name,
+                        false,
+                        QStringLiteral("/sdcard/DCIM/Camera/") + name,
+                        QStringLiteral("/home/sam/Pictures/") + name,
+                        TransferDirection::androidToMac,
+                        {},
+                        4'000'000,
+                        serial});
+    }
+    queue.insertFront(std::exchange(entries, {}));
+    QTextStream(stdout) << (residentBytes() - before) / 1'000'000 << '\n';
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() == 3 && arguments.at(1) == QLatin1String("memory"))
+        return printMemoryOf(arguments.at(2).toInt());
     if (arguments.size() != 4) {
-        QTextStream(stderr) << "copy_bench pull|push LOCAL_FOLDER REMOTE_FOLDER\n";
+        QTextStream(stderr) << "copy_bench pull|push LOCAL_FOLDER REMOTE_FOLDER, or memory COUNT\n";
         return 2;
     }
     const BrowserSide from =

@@ -160,6 +160,7 @@ private:
     SettingsSource &m_settings;
     Printer m_printer;
     std::vector<Item> m_items;
+    bool m_intoFolder = false; ///< adb looks once, whatever becomes of the folder
     bool m_several = false;
     std::int64_t m_total = 0;
     std::int64_t m_done = 0;
@@ -201,9 +202,7 @@ void Copy::planPull(const std::string &source, std::string destination) {
     const int error = m_files.look(source, Links::follow, entry);
     if (entry.place.error != 0)
         throw CopyError{"failed to stat remote object " + quoted(source) + ": " + std::strerror(error)};
-    struct stat status {};
-    const bool isThere = ::stat(destination.c_str(), &status) == 0;
-    if (isThere && S_ISDIR(status.st_mode))
+    if (m_intoFolder)
         destination = joined(destination, lastComponent(source));
     m_several = S_ISDIR(entry.status.st_mode);
     if (m_several)
@@ -239,7 +238,7 @@ void Copy::planPush(const std::string &source, std::string destination) {
     const int error = m_files.look(destination, Links::follow, entry);
     if (error == ENOTDIR || error == ELOOP)
         throw CopyError{"stat failed when trying to push to " + destination + ": " + std::strerror(error)};
-    if (error == 0 && S_ISDIR(entry.status.st_mode))
+    if (m_intoFolder)
         destination = joined(destination, lastComponent(source));
     m_several = S_ISDIR(status.st_mode);
     std::vector<std::pair<dev_t, ino_t>> above;
@@ -296,6 +295,8 @@ void Copy::transfer(const Item &item, const File &from, const File &to) {
             throw CopyError{"cannot read " + quoted(item.source) + ": " + std::strerror(errno)};
         if (got == 0)
             break;
+        if (own == 0 && m_settings.current().corrupt)
+            block[0] = static_cast<char>(~block[0]);
         if (!writeAll(to.descriptor(), {block.data(), static_cast<std::size_t>(got)}))
             throw CopyError{where + ": " + std::strerror(errno)};
         if (const std::int64_t room = m_settings.current().fullAfter; room >= 0 && m_done + got > room)
@@ -433,7 +434,8 @@ bool Copy::isFolder(const std::string &destination) const {
 }
 
 int Copy::run(const std::vector<std::string> &sources, const std::string &destination) {
-    if (sources.size() > 1 && !isFolder(destination)) {
+    m_intoFolder = isFolder(destination);
+    if (sources.size() > 1 && !m_intoFolder) {
         m_printer.error(m_direction == CopyDirection::pull
                             ? "failed to access " + quoted(destination) + ": " + std::strerror(ENOENT)
                             : "target " + quoted(destination) + " is not a directory");

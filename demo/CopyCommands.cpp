@@ -218,7 +218,7 @@ bool isKnown(const Words &words) {
     return !questionOf(words).empty() || (has(0, "mkdir") && words.size() > (has(1, "-p") ? 2U : 1U)) ||
            (has(0, "mv") && has(1, "-nT") && words.size() == 4) ||
            (has(0, "mv") && has(1, "-n") && words.size() > 3 && words.back().back() == '/') ||
-           (has(0, "rm") && has(1, "-rf") && words.size() > 2) || (has(0, "md5sum") && words.size() == 2) ||
+           (has(0, "rm") && has(1, "-rf") && words.size() > 2) || (has(0, "md5sum") && words.size() > 1) ||
            (has(0, "touch") && has(1, "-d") && words.size() == 4 && words[2].rfind('@', 0) == 0 &&
             isNumber(words[2].substr(1)));
 }
@@ -247,7 +247,8 @@ Answer runCopyLine(const std::vector<ShellPipeline> &line, const PhoneFiles &fil
         else if (words[0] == "mv")
             move(words, files, answer);
         else if (words[0] == "md5sum")
-            sumUp(words[1], files, answer);
+            for (std::size_t file = 1; file < words.size(); ++file)
+                sumUp(words[file], files, answer);
         else if (words[0] == "touch")
             setTime(words[3], std::strtoll(words[2].c_str() + 1, nullptr, 10), files, answer);
         else

@@ -29,8 +29,8 @@ struct Key {
     Member member;
 };
 
-const std::array<Key, 25> &keys() {
-    static const std::array<Key, 25> table{{
+const std::array<Key, 26> &keys() {
+    static const std::array<Key, 26> table{{
         {"serial", &Settings::serial},
         {"model", &Settings::model},
         {"version", &Settings::version},
@@ -45,6 +45,7 @@ const std::array<Key, 25> &keys() {
         {"fail", &Settings::fail},
         {"unplug-after", &Settings::unplugAfter},
         {"full-after", &Settings::fullAfter},
+        {"corrupt", &Settings::corrupt},
         {"hang", &Settings::hang},
         {"crash", &Settings::crash},
         {"chatter", &Settings::chatter},

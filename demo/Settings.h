@@ -24,6 +24,7 @@ struct Settings {
     std::vector<std::string> fail;               ///< phone paths that answer "Permission denied"
     std::int64_t unplugAfter = -1;               ///< bytes into a copy; negative is never
     std::int64_t fullAfter = -1;                 ///< bytes into a copy; negative is never
+    bool corrupt = false;
     bool hang = false;
     std::int64_t crash = 0; ///< signal number; 0 is none
     std::string chatter = "off";

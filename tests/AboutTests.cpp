@@ -1,3 +1,6 @@
+#include "support/Environment.h"
+#include "support/OpenedAddresses.h"
+
 #include "App/Sheets/AboutTexts.h"
 #include "App/Sheets/AboutView.h"
 #include "App/System/CommandLine.h"
@@ -41,44 +44,10 @@ TEST(AboutTextsTests, feedbackSurvivesTheAddress) {
     }
 }
 
-/// Stands in for the browser and the mail program.
-class OpenedAddresses : public QObject {
-    Q_OBJECT
-
-public:
-    OpenedAddresses() {
-        QDesktopServices::setUrlHandler(u"https"_s, this, "open");
-        QDesktopServices::setUrlHandler(u"mailto"_s, this, "open");
-    }
-    ~OpenedAddresses() override {
-        QDesktopServices::unsetUrlHandler(u"https"_s);
-        QDesktopServices::unsetUrlHandler(u"mailto"_s);
-    }
-
-    QList<QUrl> addresses;
-
-public Q_SLOTS:
-    void open(const QUrl &address) { addresses.append(address); }
-};
-
-class AboutViewTests : public ::testing::Test {
-protected:
+TEST(AboutViewTests, showsItsTextsAndOpensItsLinks) {
     QMainWindow window;
-    OpenedAddresses opened;
-
-    void SetUp() override {
-        window.resize(1280, 820);
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    }
-
-    static QAbstractButton *button(QWidget &view, const char *name) {
-        auto *found = view.findChild<QAbstractButton *>(QString::fromLatin1(name));
-        return found ? found : throw std::runtime_error(std::string("no button ") + name);
-    }
-};
-
-TEST_F(AboutViewTests, showsItsTextsAndOpensItsLinks) {
+    window.show();
+    const OpenedAddresses opened({u"https"_s, u"mailto"_s});
     AboutView about(&window, texts);
     about.open();
     QStringList shown;
@@ -90,30 +59,12 @@ TEST_F(AboutViewTests, showsItsTextsAndOpensItsLinks) {
                            product::copyright()}));
     EXPECT_EQ(about.findChild<QWidget *>(u"sheet.card"_s)->width(), 340);
 
-    QAbstractButton *site = button(about, "about.website");
+    QAbstractButton *site = about.findChild<QAbstractButton *>(u"about.website"_s);
     EXPECT_EQ(site->toolTip(), u"Open "_s + product::websiteDomain());
     site->click();
-    button(about, "about.feedback")->click();
+    about.findChild<QAbstractButton *>(u"about.feedback"_s)->click();
     EXPECT_EQ(opened.addresses, (QList<QUrl>{QUrl(product::website()), texts.feedbackUrl()}));
     EXPECT_TRUE(about.isVisible()) << "a link leaves it open";
-}
-
-TEST_F(AboutViewTests, closesOnReturnWhereverTheKeyboardIs) {
-    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
-        for (const char *focused : {"", "about.website", "about.close"}) {
-            AboutView about(&window);
-            about.open();
-            if (*focused)
-                button(about, focused)->setFocus();
-            QTest::keyClick(window.windowHandle(), key);
-            EXPECT_FALSE(about.isVisible()) << focused << ' ' << key;
-        }
-    }
-    EXPECT_TRUE(opened.addresses.isEmpty()) << "Return on a link closes, too";
-    AboutView about(&window);
-    about.open();
-    button(about, "about.close")->click();
-    EXPECT_FALSE(about.isVisible());
 }
 
 class ApplicationMenuTests : public ::testing::Test {
@@ -199,14 +150,13 @@ TEST_F(ApplicationMenuTests, showsTheLatestOutcomeAloneAndNeverOverAnotherSheet)
     Sheet *sheet = openSheets().constFirst();
     EXPECT_THAT(sheet->findChild<QLabel *>(u"update.detail"_s)->text().toStdString(),
                 HasSubstr("is the newest version."));
-    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(u"update.open"_s));
+    EXPECT_FALSE(sheet->findChild<QAbstractButton *>(u"update.accept"_s));
     sheet->findChild<QAbstractButton *>(u"update.close"_s)->click();
     EXPECT_TRUE(openSheets().isEmpty());
 }
 
 TEST_F(ApplicationMenuTests, switchesUsageStatistics) {
-    const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
-    qputenv("DO_NOT_TRACK", "1");
+    const Environment environment(Environment::Values{{"DO_NOT_TRACK", "1"}});
     const ApplicationMenu grey(&window, &never, &settings, true);
     EXPECT_FALSE(grey.analyticsAction()->isEnabled());
     EXPECT_TRUE(itemsBeside(grey.analyticsAction()).contains(u"Off, because DO_NOT_TRACK is set"_s));
@@ -218,7 +168,6 @@ TEST_F(ApplicationMenuTests, switchesUsageStatistics) {
     EXPECT_FALSE(ApplicationMenu(&window, &never, &settings, true).analyticsAction()->isChecked());
     menu.analyticsAction()->trigger();
     EXPECT_FALSE(settings.analyticsDisabled());
-    qputenv("DO_NOT_TRACK", doNotTrack);
 }
 
 TEST(CommandLineTests, isUnderstoodOrRefused) {
@@ -246,5 +195,3 @@ TEST(CommandLineTests, isUnderstoodOrRefused) {
 
 } // namespace
 } // namespace vantrel
-
-#include "AboutTests.moc"

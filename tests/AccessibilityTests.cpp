@@ -11,18 +11,11 @@
 #include "Views/StatusBarView.h"
 #include "Views/TransferQueueView.h"
 
-#include <QApplication>
-#include <QDir>
-#include <QHBoxLayout>
-#include <QLineEdit>
-
 #ifdef VANTREL_HAS_QPA
 #include <private/qguiapplication_p.h>
 #include <qpa/qplatformaccessibility.h>
 #include <qpa/qplatformintegration.h>
 #endif
-
-#include <gmock/gmock.h>
 
 namespace vantrel {
 namespace {
@@ -52,12 +45,10 @@ protected:
     void connectPhone() {
         ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
         refresh();
-        state->browseMac(mac.filePath(u"folder"_s));
-        state->browseAndroid(u"/sdcard"_s);
-        ASSERT_TRUE(waitFor([this] {
-            return !state->isLoadingAndroid() && !state->isLoadingMac() &&
-                   state->androidItems().size() == 2 && state->macItems().size() == 1;
-        }));
+        browsePhone(u"/sdcard"_s);
+        browseMac(mac.filePath(u"folder"_s));
+        ASSERT_TRUE(
+            waitFor([this] { return state->androidItems().size() == 2 && state->macItems().size() == 1; }));
         settle();
     }
 
@@ -86,14 +77,12 @@ protected:
 };
 
 TEST_F(WholeWindowTests, theKeyboardNeverJumpsToAnotherControlByItself) {
+    using Act = std::function<void()>;
     struct Case {
-        const char *what;
-        QString control;
-        std::function<void()> before; ///< makes the control usable
-        std::function<void()> act;    ///< takes it away; nothing: a press of it does
-        QString heir;
+        QString control, heir;
+        Act act = {};    ///< takes it away; nothing: a press of it does
+        Act before = {}; ///< makes the control usable
     };
-    const auto nothing = [] {};
     const auto copyToMac = [this] {
         select(BrowserSide::android);
         state->transferAndroidToMac();
@@ -111,51 +100,31 @@ TEST_F(WholeWindowTests, theKeyboardNeverJumpsToAnotherControlByItself) {
             }));
         };
     };
-    const Case cases[] = {
-        {"the sidebar's Refresh works", u"sidebar.refresh"_s, nothing, {}, u"androidPane/fileList"_s},
-        {"what was selected is copied",
-         u"transferToMac"_s,
-         selected(BrowserSide::android),
-         {},
-         u"androidPane/fileList"_s},
-        {"what was selected is copied",
-         u"transferToAndroid"_s,
-         selected(BrowserSide::mac),
-         {},
-         u"macPane/fileList"_s},
-        {"the phone leaves", u"transferToAndroid"_s, selected(BrowserSide::mac),
-         [&] {
-             phone.unplug();
-             state->refreshDevice(AppState::Spinner::hidden);
-         },
-         u"macPane/fileList"_s},
-        {"the list becomes a grid", u"macPane/columnSelectAll"_s, nothing,
-         [&] { state->setMacViewMode(PaneViewMode::grid); }, u"macPane/fileGrid"_s},
-        {"the grid becomes a list", u"macPane/gridSelectAll"_s,
-         [&] { state->setMacViewMode(PaneViewMode::grid); },
-         [&] { state->setMacViewMode(PaneViewMode::list); }, u"macPane/fileList"_s},
-        {"the list becomes a grid", u"macPane/fileList"_s, nothing,
-         [&] { state->setMacViewMode(PaneViewMode::grid); }, u"macPane/fileGrid"_s},
-        {"the folder is empty", u"macPane/columnSelectAll"_s, nothing,
-         [&] { state->browseMac(mac.filePath(u"folder/sub"_s)); }, u"macPane/fileList"_s},
-        {"the search is cleared",
-         u"clearSearch"_s,
-         [&] { state->setAndroidSearchText(u"note"_s); },
-         {},
-         u"androidPane/searchField"_s},
-        {"the queue is cleared", u"queue.clear"_s, copyToMac, {}, u"androidPane/fileList"_s},
-        {"the last row is removed",
-         u"queue.list"_s,
-         [&] {
-             copyToMac();
-             while (state->queue().size() > 1)
-                 state->removeQueueItem(state->queue().first().id);
-         },
-         {},
-         u"androidPane/fileList"_s},
+    const Act grid = [&] { state->setMacViewMode(PaneViewMode::grid); };
+    const Act list = [&] { state->setMacViewMode(PaneViewMode::list); };
+    const Act emptyFolder = [&] { state->browseMac(mac.filePath(u"folder/sub"_s)); };
+    const Act unplug = [&] {
+        phone.unplug();
+        state->refreshDevice(AppState::Spinner::hidden);
     };
+    const Act search = [&] { state->setAndroidSearchText(u"note"_s); };
+    const Act oneRow = [&] {
+        copyToMac();
+        while (state->queue().size() > 1)
+            state->removeQueueItem(state->queue().first().id);
+    };
+    const Case cases[] = {{u"sidebar.refresh"_s, u"androidPane/fileList"_s},
+                          {u"transferToMac"_s, u"androidPane/fileList"_s, {}, selected(BrowserSide::android)},
+                          {u"transferToAndroid"_s, u"macPane/fileList"_s, {}, selected(BrowserSide::mac)},
+                          {u"transferToAndroid"_s, u"macPane/fileList"_s, unplug, selected(BrowserSide::mac)},
+                          {u"macPane/columnSelectAll"_s, u"macPane/fileGrid"_s, grid},
+                          {u"macPane/gridSelectAll"_s, u"macPane/fileList"_s, list, grid},
+                          {u"macPane/fileList"_s, u"macPane/fileGrid"_s, grid},
+                          {u"macPane/columnSelectAll"_s, u"macPane/fileList"_s, emptyFolder},
+                          {u"clearSearch"_s, u"androidPane/searchField"_s, {}, search},
+                          {u"queue.clear"_s, u"androidPane/fileList"_s, {}, copyToMac},
+                          {u"queue.list"_s, u"androidPane/fileList"_s, {}, oneRow}};
     for (const Case &c : cases) {
-        SCOPED_TRACE(c.what);
         SCOPED_TRACE(qPrintable(c.control));
         phone.plug();
         state->clearQueue();
@@ -167,7 +136,8 @@ TEST_F(WholeWindowTests, theKeyboardNeverJumpsToAnotherControlByItself) {
         QDir(mac.path()).mkpath(u"folder/sub"_s);
         QDir(phone.root() + u"/sub"_s).removeRecursively();
         ASSERT_NO_FATAL_FAILURE(connectPhone());
-        c.before();
+        if (c.before)
+            c.before();
         settle();
         QWidget *control = at(c.control);
         control->setFocus(Qt::TabFocusReason);
@@ -193,20 +163,6 @@ TEST_F(WholeWindowTests, theKeyboardNeverJumpsToAnotherControlByItself) {
             press(Qt::Key_Space);
         settle();
         EXPECT_EQ(done(), before) << "the second stroke did something else";
-    }
-}
-
-TEST_F(WholeWindowTests, keysActOnThePaneThatHasTheKeyboardHoweverItCameThere) {
-    connectPhone();
-    for (const auto &[control, side] : {std::pair(u"macPane/fileList"_s, BrowserSide::mac),
-                                        std::pair(u"androidPane/back"_s, BrowserSide::android),
-                                        std::pair(u"macPane/refresh"_s, BrowserSide::mac)}) {
-        at(control)->setFocus(Qt::TabFocusReason);
-        press(Qt::Key_A, Qt::ControlModifier);
-        EXPECT_EQ(state->selectAllState(side), PaneSelectAllState::all) << qPrintable(control);
-        EXPECT_EQ(state->selectAllState(side == BrowserSide::mac ? BrowserSide::android : BrowserSide::mac),
-                  PaneSelectAllState::none);
-        press(Qt::Key_Escape);
     }
 }
 
@@ -306,56 +262,42 @@ QList<QAccessibleInterface *> treeOf(QAccessibleInterface *top) {
 
 TEST_F(WholeWindowTests, everythingHasARoleANameAndNoMarkup) {
     phone.write(u"<b> & more.txt"_s, "x");
-    const std::pair<const char *, std::function<void()>> states[] = {
-        {"no phone",
-         [this] {
-             phone.unplug();
-             refresh();
-         }},
-        {"a phone",
-         [this] {
-             phone.plug();
-             refresh();
-         }},
-        {"all selected", [this] { select(BrowserSide::android); }},
-        {"as a grid", [this] { state->setAndroidViewMode(PaneViewMode::grid); }},
-        {"a search", [this] { state->setAndroidSearchText(u"b"_s); }},
-        {"copies",
-         [this] {
-             state->clearAndroidSearch();
-             state->selectAllVisible(BrowserSide::android);
-             state->browseMac(mac.path());
-             state->transferAndroidToMac();
-             waitForQueue();
-         }},
-        {"at work",
-         [this] {
-             phone.set(u"hang"_s, "on");
-             state->refreshDevice(AppState::Spinner::shown);
-             state->browseAndroid(u"/sdcard/DCIM"_s);
-         }},
+    const std::function<void()> changes[] = {
+        [this] { phone.unplug(), refresh(); },
+        [this] { phone.plug(), refresh(); },
+        [this] { select(BrowserSide::android); },
+        [this] { state->setAndroidViewMode(PaneViewMode::grid); },
+        [this] { state->setAndroidSearchText(u"b"_s); },
+        [this] {
+            state->clearAndroidSearch();
+            state->selectAllVisible(BrowserSide::android);
+            state->browseMac(mac.path());
+            state->transferAndroidToMac();
+            waitForQueue();
+            // A folder that something was copied into may be listed anew at any time: not again.
+            ASSERT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
+            state->browseMac(mac.filePath(u"folder"_s));
+        },
+        [this] { // at work
+            phone.set(u"hang"_s, "on");
+            state->refreshDevice(AppState::Spinner::shown);
+            state->browseAndroid(u"/sdcard/DCIM"_s);
+        },
     };
     ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
     static const QRegularExpression markup(u"</?span|&(amp|lt|gt|quot);"_s);
-    for (const auto &[what, change] : states) {
-        SCOPED_TRACE(what);
+    for (const auto &change : changes) {
+        const bool isLast = &change == std::end(changes) - 1;
+        SCOPED_TRACE(&change - changes);
         change();
-        ASSERT_TRUE(waitFor([&] {
-            return std::string_view(what) == "at work" ||
-                   (!state->isLoadingAndroid() && !state->isLoadingMac());
-        }));
+        ASSERT_TRUE(
+            waitFor([&] { return isLast || (!state->isLoadingAndroid() && !state->isLoadingMac()); }));
         settle();
         int spinners = 0;
-        QSet<QAccessible::Role> roles;
         for (QAccessibleInterface *node : treeOf(accessible(view.get()))) {
             const QString name = node->text(QAccessible::Name);
             const QAccessible::Role role = node->role();
-            roles.insert(role);
-            const std::string which =
-                QString(u"%1 \"%2\" %3"_s)
-                    .arg(int(role))
-                    .arg(name, node->object() ? node->object()->objectName() : QString())
-                    .toStdString();
+            const std::string which = name.toStdString() + " of role " + std::to_string(role);
             for (const auto kind :
                  {QAccessible::Name, QAccessible::Description, QAccessible::Help, QAccessible::Value})
                 EXPECT_FALSE(node->text(kind).contains(markup)) << which;
@@ -371,18 +313,11 @@ TEST_F(WholeWindowTests, everythingHasARoleANameAndNoMarkup) {
                 EXPECT_EQ(node->state().checkable, role != QAccessible::Button) << which;
                 EXPECT_TRUE(node->actionInterface()) << which;
             }
-            if (role == QAccessible::ListItem) {
-                EXPECT_EQ(node->parent()->role(), QAccessible::List) << which;
-            }
             for (int i = 0; role == QAccessible::List && i < node->childCount(); ++i)
                 EXPECT_EQ(node->child(i)->role(), QAccessible::ListItem) << which;
             spinners += role == QAccessible::ProgressBar && node->state().busy;
         }
-        EXPECT_TRUE(roles.contains(QAccessible::RadioButton));
-        // A folder that something was copied into may be listed anew at any time.
-        if (std::string_view(what) != "copies") {
-            EXPECT_EQ(spinners > 0, std::string_view(what) == "at work");
-        }
+        EXPECT_EQ(spinners > 0, isLast);
         const QWidget *focused = QApplication::focusWidget();
         EXPECT_TRUE(!focused || (focused->isVisible() && focused->isEnabled()));
     }

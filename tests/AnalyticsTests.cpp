@@ -3,6 +3,7 @@
 #include "Analytics/SignalManager.h"
 #include "Analytics/TelemetryDeck.h"
 #include "Analytics/TelemetryManager.h"
+#include "support/Environment.h"
 #include "support/Files.h"
 #include "support/LocalHttpServer.h"
 #include "support/WaitFor.h"
@@ -13,7 +14,6 @@
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <thread>
 
 namespace vantrel {
 namespace {
@@ -56,7 +56,6 @@ struct World {
         environment.preferencesDirectory = environment.cachesDirectory = directory.path();
         environment.now = [this] { return copyOf(now); };
     }
-    ~World() { qputenv("DO_NOT_TRACK", doNotTrack); }
     void start() { manager = std::make_unique<TelemetryManager>(configuration, environment); }
     /// Of what the client's thread changes, too.
     template <class Value>
@@ -79,7 +78,8 @@ struct World {
     QStringList saved() const { return typesIn(QJsonDocument::fromJson(contents(cacheFile())).array()); }
     auto preferencesFile() const { return preferencesPath(directory.path(), configuration.telemetryAppID); }
 
-    const QByteArray doNotTrack = qgetenv("DO_NOT_TRACK");
+    const Environment before{
+        Environment::Values{{"DO_NOT_TRACK", qgetenv("DO_NOT_TRACK")}}}; // what a test changes is put back
     QTemporaryDir directory;
     QMutex lock;
     QMap<LogLevel, QStringList> log;
@@ -407,23 +407,6 @@ TEST(AnalyticsCacheTests, savesSignalsUnderWayAndNeverKeepsTheWindowOpen) {
     const QStringList saved = world.saved();
     EXPECT_FALSE(saved.contains(u"too late"_s));
     EXPECT_TRUE(QSet(saved.begin(), saved.end()).contains(recorded));
-}
-
-TEST(AnalyticsCacheTests, isSharedByCopiesOfTheProgram) {
-    World world;
-    std::vector<std::jthread> copies;
-    for (int copy = 0; copy < 4; ++copy)
-        copies.emplace_back([&world, copy] {
-            SignalCache cache(world.shared(), world.directory.path());
-            cache.load();
-            for (int i = 0; i < 20; ++i)
-                cache.push({sample(QString::number(copy * 20 + i))});
-            cache.save();
-        });
-    copies.clear(); // once they have ended
-    const QStringList saved = world.saved();
-    EXPECT_EQ(saved.size(), 80);
-    EXPECT_EQ(QSet(saved.begin(), saved.end()).size(), 80);
 }
 
 TEST(AnalyticsSessionTests, aSessionLastsAsLongAsTheComputerRanAndIsStoredFromOneSecondOn) {

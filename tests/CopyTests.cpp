@@ -12,11 +12,39 @@
 #include <QElapsedTimer>
 #include <QStandardPaths>
 
+#include <cerrno>
+#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace vantrel;
+
+namespace {
+
+/// What the disk of this computer is formatted with: what FAT does not know, other systems may.
+enum class FileSystem { usual, withoutRename, fat };
+FileSystem fileSystem = FileSystem::usual;
+
+int refuse(int error) {
+    errno = error;
+    return -1;
+}
+
+} // namespace
+
+/// In place of the system's.
+extern "C" int renameat2(int, const char *from, int, const char *to, unsigned int flags) noexcept {
+    return fileSystem == FileSystem::usual
+               ? int(::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, flags))
+               : refuse(EINVAL);
+}
+extern "C" int link(const char *from, const char *to) noexcept {
+    return fileSystem == FileSystem::fat ? refuse(EPERM)
+                                         : int(::syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
 
 namespace {
 
@@ -51,7 +79,7 @@ protected:
     [[nodiscard]] static BrowserSide otherThan(BrowserSide side) {
         return side == BrowserSide::mac ? BrowserSide::android : BrowserSide::mac;
     }
-    /// Whatever bears the program's mark on either side.
+    /// What bears the program's mark on either side, without what is in it.
     [[nodiscard]] QStringList staged() const {
         QStringList found;
         for (const QString &root : {mac.path(), phone.root()}) {
@@ -59,7 +87,8 @@ protected:
                                  QDirIterator::Subdirectories);
             while (entries.hasNext()) {
                 entries.next();
-                if (StagedName::isStaged(entries.fileName()))
+                if (StagedName::isStaged(entries.fileName()) &&
+                    !StagedName::isStaged(entries.fileInfo().dir().dirName()))
                     found.append(entries.filePath());
             }
         }
@@ -70,6 +99,11 @@ protected:
         for (const QStringList &line : phone.commandLines())
             runs += line.value(2) == verb ? 1 : 0;
         return runs;
+    }
+    [[nodiscard]] qsizetype runsBeginning(const QString &line) const {
+        const QList<QStringList> lines = phone.commandLines();
+        return std::count_if(lines.begin(), lines.end(),
+                             [&](const QStringList &each) { return each.value(3).startsWith(line); });
     }
     static constexpr BrowserSide sides[] = {BrowserSide::android, BrowserSide::mac};
 };
@@ -82,10 +116,15 @@ TEST_F(CopyTests, theSecondTimeBringsJustWhatIsNew) {
         const QString name = from == BrowserSide::mac ? u"mine"_s : u"theirs"_s;
         writeOn(from, name + u"/a.txt"_s, "a");
         writeOn(from, name + u"/sub/b.txt"_s, "b");
+        writeOn(from, name + u"/sub/later.txt"_s, "c", QDateTime::currentDateTimeUtc().addSecs(7200));
         writeOn(from, name + u".txt"_s, "single");
         QDir().mkpath(pathOn(from, name + u"/empty/deep"_s));
+        ::chmod(QFile::encodeName(pathOn(from, name + u".txt"_s)).constData(), 0700);
         start();
         copyAllFrom(from);
+        EXPECT_EQ(QFileInfo(pathOn(to, name + u".txt"_s)).permissions(),
+                  QFileInfo(pathOn(from, name + u"/a.txt"_s)).permissions())
+            << "those of a new file";
         EXPECT_EQ(statuses().count(u":Done"_s), state->queue().size()) << statuses().toStdString();
         EXPECT_TRUE(QFileInfo(pathOn(to, name + u"/empty/deep"_s)).isDir()) << "empty folders are created";
         for (const QString &file :
@@ -97,7 +136,7 @@ TEST_F(CopyTests, theSecondTimeBringsJustWhatIsNew) {
         writeOn(from, name + u"/sub/new.txt"_s, "new");
         const qsizetype before = copyOrder().size();
         copyAllFrom(from);
-        EXPECT_TRUE(statuses().contains(QString(name + u":1 copied, 2 already there"_s)))
+        EXPECT_TRUE(statuses().contains(QString(name + u":1 copied, 3 already there"_s)))
             << statuses().toStdString();
         EXPECT_TRUE(statuses().contains(QString(name + u".txt:Already there"_s)));
         EXPECT_EQ(copyOrder().mid(before), u"new.txt"_s);
@@ -112,13 +151,19 @@ TEST_F(CopyTests, anotherContentWaitsForTheUserWhileTheRestGoesOn) {
         const BrowserSide to = otherThan(from);
         for (const char *name : {"a.tar.gz", "b", "c"})
             writeOn(from, QString::fromLatin1(name), "new");
+        for (const int seconds : {-3, -2, 2, 3}) { // FAT keeps times in steps of two
+            const QString name = u"%1 s"_s.arg(seconds);
+            writeOn(from, name, "new");
+            writeOn(to, name, "old", oldTime.addSecs(seconds));
+        }
         writeOn(to, u"a.tar.gz"_s, "first");
         writeOn(to, u"b"_s, "first");
         writeOn(to, u"b 2"_s, "second");
         start();
         copyAllFrom(from);
-        EXPECT_EQ(state->transfers().queue().nameTakenCount(), 2) << statuses().toStdString();
+        EXPECT_EQ(state->transfers().queue().nameTakenCount(), 4) << statuses().toStdString();
         EXPECT_TRUE(statuses().contains(u"c:Done"_s)) << "no question stops the run";
+        EXPECT_EQ(statuses().count(u"2 s:Already there"_s), 2);
 
         state->transfers().keepAllBoth();
         waitForQueue();
@@ -146,10 +191,26 @@ TEST(CopyNames, countOnAndFitTheFileSystem) {
     EXPECT_TRUE(numberedName(longest, 2).endsWith(u" 2.jpg"_s));
 }
 
+TEST(CopyErrors, areSaidInWords) {
+    const std::pair<const char *, QString> cases[] = {
+        {"cannot create file/directory '/m/.v/a:b': Invalid argument",
+         u"This name can’t be used on the other side."_s},
+        {"cannot create file/directory '/m/.v/what?': No such file or directory",
+         u"This name can’t be used on the other side."_s},
+        {"cannot create file/directory '/m:n/.v/a': No such file or directory",
+         u"This computer can’t write it: No such file or directory"_s},
+        {"cannot write '/m/.v/a:b': File too large", u"This computer can’t write it: File too large"_s},
+        {"/system/bin/sh: can't create /sdcard/a: Permission denied",
+         u"The phone can’t write it: Permission denied"_s},
+        {"md5sum: /sdcard/a: Permission denied", u"The phone can’t read it: Permission denied"_s}};
+    for (const auto &[error, words] : cases)
+        EXPECT_EQ(explainedCopyError(QString::fromLatin1(error)), words);
+}
+
 TEST_F(CopyTests, stoppingARunningCopyEndsItAtOnceAndLeavesNothing) {
     for (const BrowserSide from : sides) {
-        writeOn(from, u"big"_s, QByteArray(3'000'000, 'x'));
-        phone.set(u"bandwidth"_s, "0.3");
+        writeOn(from, u"big"_s, QByteArray(33'000'000, 'x')); // what a pause would keep
+        phone.set(u"bandwidth"_s, "3");
         start();
         select(from, u"big"_s);
         from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
@@ -157,7 +218,11 @@ TEST_F(CopyTests, stoppingARunningCopyEndsItAtOnceAndLeavesNothing) {
             return !state->queue().isEmpty() && state->queue().first().status.progress() &&
                    state->queue().first().status.progress()->transferredBytes > 0;
         }));
-        EXPECT_FALSE(staged().isEmpty());
+        ASSERT_FALSE(staged().isEmpty());
+        if (from == BrowserSide::android) {
+            EXPECT_EQ(QFileInfo(staged().first()).permissions() & 0xff, QFileDevice::Permissions())
+                << "for the user alone";
+        }
         QElapsedTimer clock;
         clock.start();
         state->removeQueueItem(state->queue().first().id);
@@ -241,10 +306,23 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             const bool goesOn = how == Break::unplugged || how == Break::paused;
             if (goesOn) // whoever begins anew is unplugged
                 phone.set(u"unplug-after"_s, QByteArray::number(size - size / 8));
+            state->transfers().setVerifies(how == Break::paused); // in the middle of a copy
+            qint64 carried = 0;
+            const auto watching = QObject::connect(state.get(), &AppState::queueChanged, state.get(), [&] {
+                const auto *progress = state->queue().first().status.progress();
+                carried = std::max(carried, progress ? progress->carriedBytes : 0);
+            });
             connectPhone();
             state->transfers().resume();
             waitForQueue();
-            EXPECT_EQ(statuses(), u"film:Done"_s);
+            EXPECT_EQ(statuses(), how == Break::paused ? u"film:Verified"_s : u"film:Done"_s);
+            EXPECT_EQ(runsBeginning(u"md5sum "_s),
+                      how == Break::sourceChanged && from == BrowserSide::android ? 0 : 1)
+                << "no file is read twice";
+            QObject::disconnect(watching);
+            if (goesOn) {
+                EXPECT_LT(carried, size - size / 10) << "what had come before is no speed";
+            }
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == other, how == Break::sourceChanged);
             EXPECT_EQ(contents(pathOn(otherThan(from), u"film"_s)) == bytes, how != Break::sourceChanged);
             EXPECT_EQ(QFileInfo(pathOn(otherThan(from), u"film"_s)).lastModified(),
@@ -257,6 +335,23 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             QFile::remove(here(u"film"_s));
             QFile::remove(phone.hostPath(u"film"_s));
         }
+    }
+}
+
+TEST_F(CopyTests, aPushHasNoSpeedBeforeItHasFilledTheSockets) {
+    for (const BrowserSide from : sides) {
+        writeOn(from, u"clip"_s, QByteArray(3'000'000, 'x'));
+        phone.set(u"bandwidth"_s, "3");
+        QStringList speeds;
+        const auto seen = QObject::connect(state.get(), &AppState::transferSpeedLabelChanged, state.get(),
+                                           [&] { speeds.append(state->transferSpeedLabel()); });
+        start();
+        copyAllFrom(from);
+        QObject::disconnect(seen);
+        EXPECT_EQ(statuses(), u"clip:Done"_s);
+        EXPECT_EQ(speeds.isEmpty(), from == BrowserSide::mac) << speeds.join(u'|').toStdString();
+        QFile::remove(here(u"clip"_s));
+        QFile::remove(phone.hostPath(u"clip"_s));
     }
 }
 
@@ -321,13 +416,15 @@ TEST_F(CopyTests, whatCannotBeCopiedIsCountedAndNamed) {
         ASSERT_EQ(::symlink("nowhere", in("broken").constData()), 0);
         ASSERT_EQ(::mkfifo(in("pipe").constData(), 0644), 0);
         ASSERT_EQ(::mkdir(in("\xff").constData(), 0755), 0);
+        // What somebody is copying there at this moment is not even left out.
+        writeOn(from, u"Trip/.vantrel-00000000-0123456789abcdef-00000001.part/x"_s, "part");
         start();
         copyAllFrom(from);
         EXPECT_TRUE(statuses().contains(u"Trip:4 left out"_s)) << statuses().toStdString();
         for (const char *name : {"link: ", "broken: ", "pipe: ", "\xef\xbf\xbd: "})
             EXPECT_TRUE(state->queue().first().problemText().contains(QString::fromUtf8(name))) << name;
         EXPECT_EQ(QDir(pathOn(otherThan(from), u"Trip"_s))
-                      .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+                      .entryList(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot),
                   QStringList{u"plain"_s});
         ASSERT_EQ(::rmdir(in("\xff").constData()), 0);
         QDir(here(u"Trip"_s)).removeRecursively();
@@ -378,6 +475,167 @@ TEST_F(CopyTests, manySmallEntriesShareRunsAndEachHasItsOwnEnd) {
     }
 }
 
+TEST_F(CopyTests, oneOfManyIsTakenOutOfItsRunAndTheOthersArrive) {
+    constexpr int count = 15;
+    for (const BrowserSide from : sides) {
+        phone.set(u"bandwidth"_s, "0.000001"); // each run stands still after its first file
+        for (int i = 0; i < count; ++i)
+            writeOn(from, QString::number(i), QByteArray(60'000, 'x'));
+        start();
+        state->selectAllVisible(from);
+        const int before = runsOf(u"pull"_s) + runsOf(u"push"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        ASSERT_TRUE(waitFor([&] { return runsOf(u"pull"_s) + runsOf(u"push"_s) == before + 3; }));
+        ASSERT_TRUE(waitFor([&] { return staged().size() == 3; }));
+        const QueueItem running = state->queue().last();
+        const QueueItem next = state->queue().at(count - 2);
+        state->removeQueueItem(running.id);
+        state->removeQueueItem(next.id);
+        phone.reset(u"bandwidth"_s);
+        waitForQueue();
+        EXPECT_EQ(statuses().count(u":Done"_s), count - 2) << statuses().toStdString();
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), running.name)));
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), next.name)));
+        EXPECT_EQ(runsOf(u"pull"_s) + runsOf(u"push"_s), before + 3) << "nobody else begins anew";
+        state->clearQueue();
+        for (const QString &root : {here(QString()), phone.root()}) {
+            QDir(root).removeRecursively();
+            QDir().mkpath(root);
+        }
+    }
+}
+
+TEST_F(CopyTests, whatIsVerifiedHasItsOriginalsContentOrNoName) {
+    const QString unverified = u"Not verified: this phone has no md5sum"_s;
+    const struct {
+        const char *what;
+        std::function<void(BrowserSide to)> prepare;
+        QString file;   ///< how a single file ends
+        QString folder; ///< how a folder of two ends
+        bool arrives;
+    } cases[] = {{"whole", [](BrowserSide) {}, u"Verified"_s, u"Verified"_s, true},
+                 {"corrupted on the way", [&](BrowserSide) { phone.set(u"corrupt"_s, "on"); },
+                  u"The copy differs from the original. Try again."_s, u"2 of 2 could not be copied"_s,
+                  false},
+                 {"no tool",
+                  [&](BrowserSide) {
+                      phone.set(u"md5sum.stdout"_s, "end\n");
+                      phone.set(u"md5sum.stderr"_s, "/system/bin/sh: md5sum: inaccessible or not found\n");
+                  },
+                  unverified, unverified, true},
+                 {"no answer", [&](BrowserSide) { phone.set(u"md5sum.crash"_s, "9"); },
+                  u"adb exited with 9"_s, u"adb exited with 9"_s, false},
+                 {"sums of other files",
+                  [&](BrowserSide) {
+                      phone.set(u"md5sum.stdout"_s, "d41d8cd98f00b204e9800998ecf8427e  /sdcard/other\nend\n");
+                      phone.set(u"md5sum.stderr"_s, "md5sum: /sdcard/x: I/O error\n");
+                  },
+                  u"The phone can’t read it: I/O error"_s, u"2 of 2 could not be copied"_s, false},
+                 {"there already",
+                  [&](BrowserSide to) {
+                      for (const char *name : {"a", "T/it's b", "T/c\nd"})
+                          writeOn(to, QString::fromLatin1(name), name);
+                  },
+                  u"Already there, verified"_s, u"2 already there, verified"_s, true},
+                 {"there already, with another content of the same size and time",
+                  [&](BrowserSide to) {
+                      for (const char *name : {"a", "T/it's b", "T/c\nd"})
+                          writeOn(to, QString::fromLatin1(name), QByteArray(qstrlen(name), '?'));
+                  },
+                  u"Another “a” is already there."_s, u"2 of 2 differ from what is there"_s, false}};
+    state->transfers().setVerifies(true);
+    for (const BrowserSide from : sides) {
+        for (const auto &[what, prepare, file, folder, arrives] : cases) {
+            SCOPED_TRACE(testing::Message() << what << (from == BrowserSide::mac ? " push" : " pull"));
+            phone.resetAll();
+            phone.set(u"stderr-progress"_s, "off");
+            phone.set(u"log"_s, "on");
+            for (const QString &root : {here(QString()), phone.root()}) {
+                QDir(root).removeRecursively();
+                QDir().mkpath(root);
+            }
+            for (const char *name : {"a", "T/it's b", "T/c\nd"})
+                writeOn(from, QString::fromLatin1(name), name);
+            prepare(otherThan(from));
+            start();
+            for (const QString &name : {u"a"_s, u"T"_s})
+                select(from, name);
+            state->clearQueue();
+            from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+            waitForQueue();
+            EXPECT_EQ(statuses(), u"T:"_s + folder + u"|a:"_s + file);
+            for (const char *name : {"a", "T/it's b", "T/c\nd"}) {
+                const QString copy = pathOn(otherThan(from), QString::fromLatin1(name));
+                EXPECT_EQ(contents(copy) == name, arrives) << name;
+                EXPECT_EQ(QFileInfo::exists(copy), arrives || file.startsWith(u"Another"_s)) << name;
+            }
+            EXPECT_EQ(runsBeginning(u"md5sum "_s), 2) << "one question for each run of copies";
+            EXPECT_TRUE(staged().isEmpty());
+            if (file.startsWith(u"Another"_s)) {
+                state->transfers().keepAllBoth();
+                waitForQueue();
+                EXPECT_EQ(statuses(), u"T:Verified|a:Verified"_s);
+                EXPECT_EQ(contents(pathOn(otherThan(from), u"T/it's b 2"_s)), "T/it's b");
+            }
+        }
+    }
+}
+
+TEST_F(CopyTests, verifyingIsSeenAndStopsAtOnce) {
+    state->transfers().setVerifies(true);
+    for (const BrowserSide from : sides) {
+        writeOn(from, u"film"_s, QByteArray(8'000'000, 'x'));
+        start();
+        select(from, u"film"_s);
+        phone.set(u"md5sum.hang"_s, "on");
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        double before = 0;
+        ASSERT_TRUE(waitFor([&] {
+            const auto *progress = state->queue().first().status.progress();
+            if (progress && !progress->isVerifying)
+                before = progress->fraction;
+            return progress && progress->isVerifying && progress->fraction > 0.9;
+        }));
+        EXPECT_EQ(statuses(), u"film:Verifying…"_s);
+        EXPECT_LE(before, 0.5) << "comparing is half of the way";
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"film"_s)));
+        QElapsedTimer clock;
+        clock.start();
+        state->removeQueueItem(state->queue().first().id);
+        waitForQueue();
+        EXPECT_LT(clock.elapsed(), 500);
+        EXPECT_TRUE(staged().isEmpty());
+        phone.reset(u"md5sum.hang"_s);
+        QFile::remove(pathOn(from, u"film"_s));
+    }
+}
+
+TEST_F(CopyTests, whatIsUnlikeItsSourceDoesNotGetItsName) {
+    enum class Changed { thePart, theSource };
+    const std::pair<BrowserSide, Changed> cases[] = {{BrowserSide::android, Changed::thePart},
+                                                     {BrowserSide::mac, Changed::thePart},
+                                                     {BrowserSide::mac, Changed::theSource}};
+    for (const auto &[from, changed] : cases) {
+        phone.set(u"bandwidth"_s, "0.000001"); // it stands still after the first block
+        writeOn(from, u"notes"_s, QByteArray(60'000, 'x'));
+        start();
+        select(from, u"notes"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        const auto part = [&]() -> QString { return staged().value(0) + u"/notes"_s; };
+        ASSERT_TRUE(waitFor([&] { return QFileInfo(part()).size() == 60'000; }));
+        if (changed == Changed::theSource)
+            writeOn(from, u"notes"_s, QByteArray(60'000, 'y'), oldTime.addDays(1));
+        else
+            write(part(), QByteArray(70'000, 'y'));
+        phone.reset(u"bandwidth"_s);
+        waitForQueue();
+        EXPECT_EQ(statuses(), u"notes:It was changed while it was copied."_s);
+        EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"notes"_s)));
+        state->clearQueue();
+        QFile::remove(pathOn(from, u"notes"_s));
+    }
+}
+
 TEST_F(CopyTests, aPhoneThatAnswersThePlanWithAnythingGetsNothingAnywhere) {
     phone.write(u"Trip/a"_s, "x");
     const QByteArray root("drwxrwx--x 1 1.0 \0", 18);
@@ -390,14 +648,28 @@ TEST_F(CopyTests, aPhoneThatAnswersThePlanWithAnythingGetsNothingAnywhere) {
                                   root + "end",
                                   root + file + "a" + zero + "and more",
                                   "-rw-rw---- -1 1.0 a" + zero + "end\n",
-                                  "- x y" + zero + "end\n"};
+                                  "- x y" + zero + "end\n",
+                                  root + "-rw-rw---- 9223372036854775807 1.0 a" + zero +
+                                      "-rw-rw---- 9223372036854775807 1.0 b" + zero + "end\n"};
     start();
     for (const QByteArray &answer : answers) {
         phone.set(u"tree.stdout"_s, answer);
         copyAllFrom(BrowserSide::android);
         EXPECT_TRUE(state->queue().first().canTryAgain()) << answer.toStdString() << statuses().toStdString();
-        EXPECT_TRUE(QDir(here(QString())).isEmpty());
+        EXPECT_FALSE(QDirIterator(here(QString()), QDir::Files, QDirIterator::Subdirectories).hasNext());
     }
+    phone.reset(u"tree.stdout"_s);
+    phone.set(u"tree.hang"_s, "on"); // a phone that never answers is waited for as long as the user wants it
+    state->clearQueue();
+    const qsizetype asked = phone.commandLines().size();
+    select(BrowserSide::android, u"Trip"_s);
+    state->transferAndroidToMac();
+    ASSERT_TRUE(waitFor([&] { return phone.commandLines().size() > asked; }));
+    QElapsedTimer clock;
+    clock.start();
+    state->removeQueueItem(state->queue().first().id);
+    waitForQueue();
+    EXPECT_LT(clock.elapsed(), 500);
 }
 
 TEST(StagedNames, areOnlySweptWhenTheirProgramHasEnded) {
@@ -439,20 +711,25 @@ TEST(StagedNames, areOnlySweptWhenTheirProgramHasEnded) {
 }
 
 TEST(LocalStagingTests, takesANameOnlyWhenItIsFree) {
-    const QTemporaryDir folder;
-    write(folder.filePath(u"staged"_s), "new");
-    write(folder.filePath(u"taken"_s), "first");
-    ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder"_s));
-    ASSERT_TRUE(QFile::link(u"nowhere"_s, folder.filePath(u"link"_s)));
-    for (const QString &name : {u"taken"_s, u"folder"_s, u"link"_s})
-        EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(name)),
-                  LocalFiles::Placing::nameTaken);
-    EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(u"nope/x"_s)),
-              LocalFiles::Placing::failed);
-    EXPECT_EQ(LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(u"free"_s)),
-              LocalFiles::Placing::placed);
-    EXPECT_EQ(contents(folder.filePath(u"free"_s)), "new");
-    EXPECT_EQ(contents(folder.filePath(u"taken"_s)), "first");
+    for (const FileSystem kind : {FileSystem::usual, FileSystem::withoutRename, FileSystem::fat}) {
+        const QTemporaryDir folder;
+        write(folder.filePath(u"staged"_s), "new");
+        write(folder.filePath(u"taken"_s), "first");
+        ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder"_s));
+        ASSERT_TRUE(QFile::link(u"nowhere"_s, folder.filePath(u"link"_s)));
+        fileSystem = kind;
+        const auto placing = [&](const QString &name) {
+            return LocalFiles::place(folder.filePath(u"staged"_s), folder.filePath(name));
+        };
+        for (const QString &name : {u"taken"_s, u"folder"_s, u"link"_s})
+            EXPECT_EQ(placing(name), LocalFiles::Placing::nameTaken) << int(kind);
+        EXPECT_EQ(placing(u"nope/x"_s), LocalFiles::Placing::failed);
+        EXPECT_EQ(placing(u"free"_s), LocalFiles::Placing::placed);
+        fileSystem = FileSystem::usual;
+        EXPECT_EQ(contents(folder.filePath(u"free"_s)), "new");
+        EXPECT_EQ(contents(folder.filePath(u"taken"_s)), "first");
+        EXPECT_FALSE(QFileInfo::exists(folder.filePath(u"staged"_s)));
+    }
 }
 
 TEST(TransferRateTests, isThatOfTheLastSeconds) {

@@ -1,5 +1,6 @@
 // The desktop that the program runs on: its questions, and what it passes on to the system.
 
+#include "support/OpenedAddresses.h"
 #include "support/WindowFixture.h"
 
 #include "App/Sheets/TextPrompt.h"
@@ -9,7 +10,6 @@
 #include "App/System/StayAwake.h"
 
 #include <QtDBus>
-#include <QtWidgets>
 
 #include <array>
 #include <fcntl.h>
@@ -42,30 +42,29 @@ protected:
 };
 
 TEST_F(DesktopTests, thePromptIsPrefilledAndAnswersByMouseAndKeys) {
-    const auto field = [](TextPrompt *shown) { return shown->findChild<QLineEdit *>(); };
-    const auto key = [&](Qt::Key which) {
-        return [=](TextPrompt *shown) { QTest::keyClick(field(shown), which); };
+    const auto press = [](const char *name) {
+        return [name](TextPrompt *shown) { click(shown->findChild<QWidget *>(QLatin1String(name))); };
+    };
+    const auto key = [](Qt::Key which) {
+        return [which](TextPrompt *shown) { QTest::keyClick(shown->findChild<QLineEdit *>(), which); };
     };
     const auto type = [&](TextPrompt *shown) { // over the selection
-        QTest::keyClicks(field(shown), u"Holiday"_s);
-        QTest::mouseClick(shown->findChild<QAbstractButton *>(u"textPrompt.accept"_s), Qt::LeftButton);
-    };
-    const auto cancel = [](TextPrompt *shown) {
-        QTest::mouseClick(shown->findChild<QAbstractButton *>(u"textPrompt.cancel"_s), Qt::LeftButton);
+        QTest::keyClicks(shown->findChild<QLineEdit *>(), u"Holiday"_s);
+        press("textPrompt.accept")(shown);
     };
     using Answer = std::pair<std::function<void(TextPrompt *)>, std::optional<QString>>;
     for (const auto &[answer, expected] : {Answer{key(Qt::Key_Return), u"New Folder"_s},
                                            {type, u"Holiday"_s},
                                            {key(Qt::Key_Escape), {}},
-                                           {cancel, {}},
+                                           {press("textPrompt.cancel"), {}},
                                            {&QWidget::close, {}}}) {
         const auto future = ask();
         TextPrompt *shown = prompt();
         ASSERT_NE(shown, nullptr);
         EXPECT_FALSE(future.isFinished()) << "nobody has answered yet";
-        EXPECT_EQ(field(shown)->size(), QSize(240, 24));
-        EXPECT_EQ(field(shown)->selectedText(), u"New Folder"_s);
-        ASSERT_TRUE(waitFor([&] { return field(shown)->hasFocus(); }));
+        const auto *field = shown->findChild<QLineEdit *>();
+        EXPECT_EQ(field->selectedText(), u"New Folder"_s);
+        ASSERT_TRUE(waitFor([&] { return field->hasFocus(); }));
         answer(shown);
         ASSERT_TRUE(future.isFinished());
         EXPECT_EQ(future.result(), expected);
@@ -78,18 +77,6 @@ TEST_F(DesktopTests, aQuestionIsGivenUpWithItsWindow) {
     view.reset();
     EXPECT_TRUE(text.isFinished());
     EXPECT_EQ(text.resultCount(), 0);
-}
-
-TEST_F(DesktopTests, theModelMakesTheFolderThatWasAskedFor) {
-    auto model = AppState::designPreview(real);
-    model->browseMac(mac.path());
-    ASSERT_TRUE(waitFor([&] { return !model->isLoadingMac(); }));
-    model->createMacFolder();
-    ASSERT_TRUE(waitFor([&] { return prompt()->findChild<QLineEdit *>()->hasFocus(); }));
-    QTest::keyClicks(prompt()->findChild<QLineEdit *>(), u"  Lisbon "_s);
-    QTest::keyClick(prompt()->findChild<QLineEdit *>(), Qt::Key_Return);
-    ASSERT_TRUE(waitFor([&] { return QDir(mac.filePath(u"Lisbon"_s)).exists(); }));
-    ASSERT_TRUE(waitFor([&] { return !model->macItems().isEmpty() && !model->isLoadingMac(); }));
 }
 
 TEST_F(DesktopTests, theFolderChooserAnswersThroughItsFuture) {
@@ -114,74 +101,54 @@ TEST_F(DesktopTests, theFolderChooserAnswersThroughItsFuture) {
     }
 }
 
-/// Stands in for the programs that open files.
-class Opener : public QObject {
-    Q_OBJECT
-public:
-    Opener() { QDesktopServices::setUrlHandler(u"file"_s, this, "open"); }
-    ~Opener() override { QDesktopServices::unsetUrlHandler(u"file"_s); }
-    QStringList opened;
-public Q_SLOTS:
-    void open(const QUrl &url) { opened.append(url.toLocalFile()); }
-};
-
 TEST_F(DesktopTests, opensAndCopiesWhatIsNamedLetterForLetter) {
-    Opener opener;
+    const OpenedAddresses opener({u"file"_s});
     const QString odd = u"/tmp/50% off #1? ünï.txt"_s;
     real.openFile(odd);
-    EXPECT_EQ(opener.opened, QStringList{odd});
+    EXPECT_EQ(opener.addresses, QList<QUrl>{QUrl::fromLocalFile(odd)});
     real.copyText(odd);
     EXPECT_EQ(QApplication::clipboard()->text(), odd);
 }
 
-/// A file manager at the other end of a bus of its own.
-class FileManagerStub : public QDBusVirtualObject {
-    Q_OBJECT
+/// The other end of a bus: answers as it is told.
+class Stub : public QDBusVirtualObject {
 public:
-    bool refuses = false;
-    QList<QStringList> shown;
-
+    using Answer = std::function<bool(const QDBusMessage &message, const QDBusConnection &bus)>;
+    explicit Stub(Answer answer) : m_answer(std::move(answer)) {}
+    /// Is there for every program that connects to the server.
+    void serve(QDBusServer &server) {
+        connect(&server, &QDBusServer::newConnection, this, [this](QDBusConnection connection) {
+            connection.registerVirtualObject(u"/"_s, this, QDBusConnection::SubPath);
+        });
+    }
     [[nodiscard]] QString introspect(const QString &) const override { return {}; }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
-        if (message.member() != u"ShowItems"_s || message.path() != u"/org/freedesktop/FileManager1"_s)
-            return false;
-        if (refuses)
-            return bus.send(message.createErrorReply(QDBusError::Failed, u"no"_s));
-        shown.append(message.arguments().value(0).toStringList());
-        return bus.send(message.createReply());
+        return m_answer(message, bus);
     }
-};
 
-/// A settings portal at the other end of a bus of its own.
-class PortalStub : public QDBusVirtualObject {
-    Q_OBJECT
-public:
-    using Groups = QMap<QString, QVariantMap>;
-    std::optional<Groups> settings; ///< nothing: it refuses
-
-    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
-    /// Right after its answer the user turns the desktop dark.
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
-        if (message.member() != u"ReadAll"_s)
-            return false;
-        QDBusMessage change =
-            QDBusMessage::createSignal(message.path(), message.interface(), u"SettingChanged"_s);
-        change << u"org.freedesktop.appearance"_s << u"color-scheme"_s
-               << QVariant::fromValue(QDBusVariant(1U));
-        return bus.send(settings ? message.createReply(QVariant::fromValue(*settings))
-                                 : message.createErrorReply(QDBusError::Failed, u"no"_s)) &&
-               bus.send(change);
-    }
+private:
+    Answer m_answer;
 };
 
 TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
-    qDBusRegisterMetaType<PortalStub::Groups>();
+    using Groups = QMap<QString, QVariantMap>;
+    qDBusRegisterMetaType<Groups>();
     // A bus like a desktop's, of its own.
     QProcess daemon;
     daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
     ASSERT_TRUE(waitFor([&] { return daemon.canReadLine(); }));
     const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
-    PortalStub portal;
+    std::optional<Groups> answer; // nothing: it refuses
+    // Right after its answer the user turns the desktop dark.
+    Stub portal([&](const QDBusMessage &message, const QDBusConnection &bus) {
+        QDBusMessage change =
+            QDBusMessage::createSignal(message.path(), message.interface(), u"SettingChanged"_s);
+        change << u"org.freedesktop.appearance"_s << u"color-scheme"_s
+               << QVariant::fromValue(QDBusVariant(1U));
+        return bus.send(answer ? message.createReply(QVariant::fromValue(*answer))
+                               : message.createErrorReply(QDBusError::Failed, u"no"_s)) &&
+               bus.send(change);
+    });
     QDBusConnection there = QDBusConnection::connectToBus(address, u"portal"_s);
     ASSERT_TRUE(there.registerVirtualObject(u"/org"_s, &portal, QDBusConnection::SubPath));
     ASSERT_TRUE(there.registerService(u"org.freedesktop.portal.Desktop"_s));
@@ -193,11 +160,9 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
     using enum ColorScheme;
     using Schemes = QList<ColorScheme>;
     // What the portal answers, and what is heard of it: the answer, then the change.
-    const std::tuple<std::optional<PortalStub::Groups>, Schemes, QList<bool>> cases[] = {
+    const std::tuple<std::optional<Groups>, Schemes, QList<bool>> cases[] = {
         {{{{appearance, {{name, 1U}}}}}, {dark, dark}, {}},
         {{{{appearance, {{name, 2U}}}}}, {light, dark}, {}},
-        {{{{appearance, {{name, 0U}}}}}, {light, dark}, {}},
-        {{{{appearance, {{name, 77U}}}}}, {light, dark}, {}},
         {{{{appearance, {{name, u"dark"_s}}}}}, {light, dark}, {}},
         {{{{gnome, {{u"enable-animations"_s, false}}}}}, {dark}, {true}},
         {{{{gnome, {{u"enable-animations"_s, false}}}, {appearance, {{u"reduced-motion"_s, 0U}}}}},
@@ -207,14 +172,14 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
         {std::nullopt, {dark}, {}},
     };
     for (const auto &[settings, schemes, motions] : cases) {
-        portal.settings = settings;
+        answer = settings;
         DesktopPreferences preferences(bus);
         Schemes heardSchemes;
         QList<bool> heardMotions;
         QObject::connect(&preferences, &DesktopPreferences::colorSchemePreferred,
-                         [&](ColorScheme scheme) { heardSchemes.append(scheme); });
+                         [&](auto scheme) { heardSchemes += scheme; });
         QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred,
-                         [&](bool reduced) { heardMotions.append(reduced); });
+                         [&](bool is) { heardMotions += is; });
         EXPECT_TRUE(waitFor([&] { return heardSchemes.size() >= schemes.size(); }));
         EXPECT_EQ(heardSchemes, schemes);
         EXPECT_EQ(heardMotions, motions);
@@ -228,10 +193,16 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
 
 TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {
     QDBusServer server(u"unix:dir="_s + mac.path());
-    FileManagerStub manager;
-    QObject::connect(&server, &QDBusServer::newConnection, &manager, [&](QDBusConnection connection) {
-        connection.registerVirtualObject(u"/"_s, &manager, QDBusConnection::SubPath);
+    QList<QStringList> shown;
+    bool refuses = false;
+    Stub manager([&](const QDBusMessage &message, const QDBusConnection &bus) {
+        EXPECT_EQ(message.path() + u' ' + message.member(), u"/org/freedesktop/FileManager1 ShowItems");
+        if (refuses)
+            return bus.send(message.createErrorReply(QDBusError::Failed, u"no"_s));
+        shown.append(message.arguments().value(0).toStringList());
+        return bus.send(message.createReply());
     });
+    manager.serve(server);
     ASSERT_TRUE(server.isConnected()) << server.lastError().message().toStdString();
     const QDBusConnection bus = QDBusConnection::connectToPeer(server.address(), u"manager"_s);
     ASSERT_TRUE(waitFor([&] { return bus.isConnected(); }));
@@ -241,25 +212,34 @@ TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {
         showInFileManager(on, u"/home/sam/50% #1.txt"_s, window, [&] { ++failures; });
     };
     reveal(bus);
-    ASSERT_TRUE(waitFor([&] { return !manager.shown.isEmpty(); }));
-    EXPECT_EQ(manager.shown.first(), QStringList{u"file:///home/sam/50%25%20%231.txt"_s});
+    ASSERT_TRUE(waitFor([&] { return !shown.isEmpty(); }));
+    EXPECT_EQ(shown.first(), QStringList{u"file:///home/sam/50%25%20%231.txt"_s});
 
-    manager.refuses = true;
+    refuses = true;
     reveal(bus);
     ASSERT_TRUE(waitFor([&] { return failures == 1; }));
     reveal(QDBusConnection(u"no such bus"_s));
     ASSERT_TRUE(waitFor([&] { return failures == 2; }));
-    EXPECT_EQ(manager.shown.size(), 1);
+    EXPECT_EQ(shown.size(), 1);
     QDBusConnection::disconnectFromPeer(u"manager"_s);
 }
 
-/// A login manager: the other ends of the locks that it has given.
-class LoginManagerStub : public QDBusVirtualObject {
-public:
-    QList<int> locks;
+TEST(StayAwakeTests, holdsSleepAndLogOutAsLongAsItIsOn) {
+    QList<int> locks; // the other ends of those that were given
     QStringList asked;
-    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
+    QSet<QString> logOutRequests; // that are open
+    int logOutQuestions = 0;
+    // A login manager, which is the desktop's portal as well.
+    Stub manager([&](const QDBusMessage &message, const QDBusConnection &bus) {
+        if (message.interface() == u"org.freedesktop.portal.Inhibit"_s) {
+            EXPECT_EQ(message.signature(), u"sua{sv}"_s);
+            EXPECT_EQ(message.arguments().value(1).toUInt(), 1U) << "the log-out alone";
+            const QString path = u"/request/%1"_s.arg(++logOutQuestions);
+            logOutRequests.insert(path);
+            return bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(path))));
+        }
+        if (message.member() == u"Close"_s)
+            return logOutRequests.remove(message.path());
         std::array<int, 2> ends{};
         EXPECT_EQ(pipe2(ends.data(), O_NONBLOCK | O_CLOEXEC), 0);
         asked.append(message.arguments().first().toString() + u' ' + message.arguments().last().toString());
@@ -267,45 +247,38 @@ public:
         bus.send(message.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))));
         close(ends[1]);
         return true;
-    }
-    /// Whether the program holds the newest lock.
-    [[nodiscard]] bool isHeld() const {
+    });
+    const auto isHeld = [&] { // the newest lock, by the program
         char byte = 0;
         return read(locks.last(), &byte, 1) < 0; // the end of the pipe, once the other end is closed
-    }
-    ~LoginManagerStub() override {
-        for (const int lock : locks)
-            close(lock);
-    }
-};
-
-TEST(StayAwakeTests, holdsTheLockOfTheLoginManagerAsLongAsItIsOn) {
-    LoginManagerStub manager;
+    };
     QDBusServer server;
-    QObject::connect(&server, &QDBusServer::newConnection, &manager, [&](QDBusConnection connection) {
-        connection.registerVirtualObject(u"/"_s, &manager, QDBusConnection::SubPath);
-    });
+    manager.serve(server);
     {
-        StayAwake awake(QDBusConnection::connectToPeer(server.address(), u"login"_s));
+        const QDBusConnection bus = QDBusConnection::connectToPeer(server.address(), u"login"_s);
+        StayAwake awake(bus, bus);
         awake.setOn(true);
         awake.setOn(true);
-        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 1; }));
-        EXPECT_EQ(manager.asked, QStringList(u"sleep:idle block"_s));
-        EXPECT_TRUE(manager.isHeld());
+        ASSERT_TRUE(waitFor([&] { return locks.size() == 1; }));
+        EXPECT_EQ(asked, QStringList(u"sleep:idle block"_s));
+        EXPECT_TRUE(isHeld());
+        EXPECT_TRUE(waitFor([&] { return logOutRequests.size() == 1; }));
         awake.setOn(false);
-        EXPECT_TRUE(waitFor([&] { return !manager.isHeld(); }));
+        EXPECT_TRUE(waitFor([&] { return !isHeld() && logOutRequests.isEmpty(); }));
         awake.setOn(true);
         awake.setOn(false); // before it was given
-        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 2 && !manager.isHeld(); }));
+        ASSERT_TRUE(waitFor([&] {
+            return locks.size() == 2 && !isHeld() && logOutQuestions == 2 && logOutRequests.isEmpty();
+        }));
         awake.setOn(true);
-        ASSERT_TRUE(waitFor([&] { return manager.locks.size() == 3; }));
+        ASSERT_TRUE(waitFor([&] { return locks.size() == 3 && logOutQuestions == 3; }));
     }
-    EXPECT_TRUE(waitFor([&] { return !manager.isHeld(); })) << "it ends with it";
+    EXPECT_TRUE(waitFor([&] { return !isHeld(); })) << "it ends with it";
     QDBusConnection::disconnectFromPeer(u"login"_s);
-    StayAwake(QDBusConnection(u"no such bus"_s)).setOn(true);
+    const QDBusConnection none(u"no such bus"_s);
+    StayAwake(none, none).setOn(true);
+    std::for_each(locks.begin(), locks.end(), &close);
 }
 
 } // namespace
 } // namespace vantrel
-
-#include "DesktopTests.moc"

@@ -23,6 +23,7 @@
 
 #include <mutex>
 
+using namespace Qt::StringLiterals;
 using namespace vantrel;
 
 namespace {
@@ -50,28 +51,26 @@ protected:
 
     /// Only ever this folder, whose name is a constant.
     static void clear() {
-        const auto cleared = ADBClient::runADB({QStringLiteral("-s"), serial(), QStringLiteral("shell"),
-                                                QStringLiteral("rm"), QStringLiteral("-rf"), folder()});
+        const auto cleared = ADBClient::runADB({u"-s"_s, serial(), u"shell"_s, u"rm"_s, u"-rf"_s, folder()});
         ASSERT_TRUE(cleared) << cleared.error().errorDescription().toStdString();
     }
-    static QString folder() { return QStringLiteral("/sdcard/Download/vantrel-device-test"); }
+    static QString folder() { return u"/sdcard/Download/vantrel-device-test"_s; }
 
     /// Copies; gives "" or why it failed.
     QString push(const QString &name, const QString &remote) {
-        return run(QStringLiteral("push"), local.filePath(name), remote, std::nullopt);
+        return run(u"push"_s, local.filePath(name), remote, std::nullopt);
     }
     QString pull(const QString &remote, const QString &name) {
-        return run(QStringLiteral("pull"), remote, local.filePath(name), local.filePath(name));
+        return run(u"pull"_s, remote, local.filePath(name), local.filePath(name));
     }
     QString run(const QString &verb, const QString &from, const QString &to,
                 const std::optional<QString> &polled) {
         fractions.clear();
-        const auto result =
-            ADBClient::runTransfer({QStringLiteral("-s"), serial(), verb, from, to}, expectedBytes, polled,
-                                   [this](double fraction, qint64, qint64) {
-                                       const std::scoped_lock lock(mutex);
-                                       fractions.push_back(fraction);
-                                   });
+        const auto result = ADBClient::runTransfer({u"-s"_s, serial(), verb, from, to}, expectedBytes, polled,
+                                                   [this](double fraction, qint64, qint64) {
+                                                       const std::scoped_lock lock(mutex);
+                                                       fractions.push_back(fraction);
+                                                   });
         return result ? QString() : result.error().errorDescription();
     }
 
@@ -92,13 +91,13 @@ TEST_F(DeviceTest, isFoundWithNameAndStorage) {
 }
 
 TEST_F(DeviceTest, hostileNamesGoThereAndComeBack) {
-    const QStringList names{
-        QStringLiteral("plain.txt"),     QStringLiteral("two words.txt"),
-        QStringLiteral("it's.txt"),      QStringLiteral("$(touch pwned).txt"),
-        QStringLiteral("`touch pwned`"), QStringLiteral("a;b&c.txt"),
-        QStringLiteral("-rf"),           QStringLiteral("'; touch pwned; '"),
-        QStringLiteral("grüße 😀.txt"),   QString(251, QLatin1Char('n')) + QStringLiteral(".txt")};
-    const QString remote = folder() + QStringLiteral("/names");
+    const QStringList names =
+        (u"plain.txt|two words.txt|it's.txt|$(touch pwned).txt|`touch pwned`|a;b&c.txt|-rf|'; touch pwned; '|"
+         "grüße 😀.txt|a b|a  b| lead|trail |a\u00a0b|line\nbreak|tab\there|a -> b|back\\slash|ls\u2028ps|"
+         "\u3000wide\u3000|"_s +
+         QString(251, u'n') + u".txt"_s)
+            .split(u'|');
+    const QString remote = folder() + u"/names"_s;
     for (const QString &name : names) {
         write(local.filePath(name), name.toUtf8());
         ASSERT_EQ(push(name, AndroidPath::join(remote, name)), QString()) << name.toStdString();
@@ -110,73 +109,35 @@ TEST_F(DeviceTest, hostileNamesGoThereAndComeBack) {
     expected.sort();
     found.sort();
     EXPECT_EQ(found, expected);
+    EXPECT_EQ(listing->unreadableCount, 0);
     for (const FileItem &item : *listing) {
         EXPECT_EQ(item.sizeBytes, item.name.toUtf8().size());
-        EXPECT_EQ(pull(item.path, QStringLiteral("back")), QString());
-        EXPECT_EQ(contents(local.filePath(QStringLiteral("back"))), item.name.toUtf8());
-        QFile::remove(local.filePath(QStringLiteral("back")));
+        EXPECT_EQ(pull(item.path, u"back"_s), QString());
+        EXPECT_EQ(contents(local.filePath(u"back"_s)), item.name.toUtf8());
+        QFile::remove(local.filePath(u"back"_s));
     }
-    const auto facts =
-        ADBClient::fetchFacts(serial(),
-                              {remote + QStringLiteral("/it's.txt"), remote + QStringLiteral("/pwned"),
-                               QStringLiteral("/sdcard/pwned"), QStringLiteral("/pwned")},
-                              {});
+    const auto facts = ADBClient::fetchFacts(
+        serial(), {remote + u"/it's.txt"_s, remote + u"/pwned"_s, u"/sdcard/pwned"_s, u"/pwned"_s}, {});
     ASSERT_TRUE(facts);
-    EXPECT_EQ(facts->keys(), QStringList{remote + QStringLiteral("/it's.txt")});
-
-    const auto hits = ADBClient::search(serial(), folder(), QStringLiteral("GRÜSSE' 😀*"), 200);
+    EXPECT_EQ(facts->keys(), QStringList{remote + u"/it's.txt"_s});
+    const auto hits = ADBClient::search(serial(), folder(), u"GRÜSSE' 😀*"_s, 200);
     EXPECT_TRUE(hits && hits->isEmpty());
-    const auto found2 = ADBClient::search(serial(), folder(), QStringLiteral("TWO words'"), 200);
+    const auto found2 = ADBClient::search(serial(), folder(), u"TWO words'"_s, 200);
     ASSERT_TRUE(found2);
     ASSERT_EQ(found2->size(), 1);
     EXPECT_EQ(found2->first().sizeBytes, 13);
+    EXPECT_EQ(namesOf(*ADBClient::search(serial(), remote, u"break"_s, 200)), QStringList{u"line\nbreak"_s});
     EXPECT_LE(std::abs(found2->first().modifiedAt->secsTo(QDateTime::currentDateTime())), 86'400);
-}
-
-TEST_F(DeviceTest, namesAreListedAndFoundAsTheyAre) {
-    const QString remote = folder() + QStringLiteral("/exact");
-    const QStringList names{QStringLiteral("a b"),
-                            QStringLiteral("a  b"),
-                            QStringLiteral(" lead"),
-                            QStringLiteral("trail "),
-                            QStringLiteral("a\u00a0b"),
-                            QStringLiteral("line\nbreak"),
-                            QStringLiteral("tab\there"),
-                            QStringLiteral("a -> b"),
-                            QStringLiteral("back\\slash"),
-                            QStringLiteral("ls\u2028ps"),
-                            QStringLiteral("\u3000wide\u3000")};
-    for (const QString &name : names) {
-        write(local.filePath(name), name.toUtf8());
-        ASSERT_EQ(push(name, AndroidPath::join(remote, name)), QString()) << name.toStdString();
-    }
-    const auto listing = ADBClient::listDirectory(serial(), remote);
-    ASSERT_TRUE(listing) << listing.error().errorDescription().toStdString();
-    EXPECT_EQ(listing->unreadableCount, 0);
-    QStringList expected = names;
-    QStringList found = namesOf(*listing);
-    expected.sort();
-    found.sort();
-    EXPECT_EQ(found, expected);
-    for (const FileItem &item : *listing) {
-        EXPECT_EQ(pull(item.path, QStringLiteral("back")), QString()) << item.name.toStdString();
-        EXPECT_EQ(contents(local.filePath(QStringLiteral("back"))), item.name.toUtf8());
-        QFile::remove(local.filePath(QStringLiteral("back")));
-    }
-    const auto hits = ADBClient::search(serial(), remote, QStringLiteral("break"), 200);
-    ASSERT_TRUE(hits);
-    EXPECT_EQ(namesOf(*hits), QStringList{QStringLiteral("line\nbreak")});
-    EXPECT_EQ(hits->first().sizeBytes, 10);
 }
 
 TEST_F(DeviceTest, foldersArriveWholeBothWays) {
     const QByteArray bytes = pattern(300'000);
     for (const char *name : {"tree/a.bin", "tree/sub/b.bin", "tree/sub/deeper/c.bin"})
         write(local.filePath(QString::fromLatin1(name)), bytes);
-    ASSERT_EQ(push(QStringLiteral("tree"), folder() + QStringLiteral("/tree")), QString());
-    EXPECT_EQ(namesOf(*ADBClient::listDirectory(serial(), folder() + QStringLiteral("/tree"))),
-              (QStringList{QStringLiteral("sub"), QStringLiteral("a.bin")}));
-    ASSERT_EQ(pull(folder() + QStringLiteral("/tree"), QStringLiteral("copy")), QString());
+    ASSERT_EQ(push(u"tree"_s, folder() + u"/tree"_s), QString());
+    EXPECT_EQ(namesOf(*ADBClient::listDirectory(serial(), folder() + u"/tree"_s)),
+              (QStringList{u"sub"_s, u"a.bin"_s}));
+    ASSERT_EQ(pull(folder() + u"/tree"_s, u"copy"_s), QString());
     for (const char *name : {"copy/a.bin", "copy/sub/b.bin", "copy/sub/deeper/c.bin"})
         EXPECT_EQ(contents(local.filePath(QString::fromLatin1(name))), bytes) << name;
 }
@@ -184,30 +145,30 @@ TEST_F(DeviceTest, foldersArriveWholeBothWays) {
 TEST_F(DeviceTest, aLongCopyShowsItsProgressEachWay) {
     const QByteArray bytes = pattern(60'000'000);
     expectedBytes = bytes.size();
-    write(local.filePath(QStringLiteral("long.bin")), bytes);
-    ASSERT_EQ(push(QStringLiteral("long.bin"), folder() + QStringLiteral("/long.bin")), QString());
+    write(local.filePath(u"long.bin"_s), bytes);
+    ASSERT_EQ(push(u"long.bin"_s, folder() + u"/long.bin"_s), QString());
     EXPECT_GE(fractions.size(), 6U);
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
     std::cout << "push: " << fractions.size() << " steps of progress\n";
-    ASSERT_EQ(pull(folder() + QStringLiteral("/long.bin"), QStringLiteral("back.bin")), QString());
+    ASSERT_EQ(pull(folder() + u"/long.bin"_s, u"back.bin"_s), QString());
     EXPECT_GE(fractions.size(), 6U);
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
     std::cout << "pull: " << fractions.size() << " steps of progress\n";
-    EXPECT_EQ(contents(local.filePath(QStringLiteral("back.bin"))), bytes);
+    EXPECT_EQ(contents(local.filePath(u"back.bin"_s)), bytes);
 }
 
 TEST_F(DeviceTest, failuresInWords) {
-    const QString missing = folder() + QStringLiteral("/nope");
-    EXPECT_TRUE(pull(missing, QStringLiteral("x")).contains(QStringLiteral("No such file or directory")));
+    const QString missing = folder() + u"/nope"_s;
+    EXPECT_TRUE(pull(missing, u"x"_s).contains(u"No such file or directory"_s));
     const auto listing = ADBClient::listDirectory(serial(), missing);
     ASSERT_FALSE(listing);
-    EXPECT_TRUE(listing.error().errorDescription().contains(QStringLiteral("No such file or directory")));
-    write(local.filePath(QStringLiteral("x")), "x");
-    const QString refused = push(QStringLiteral("x"), QStringLiteral("/system/vantrel-device-test"));
-    EXPECT_TRUE(refused.startsWith(QStringLiteral("failed to copy"))) << refused.toStdString();
-    const auto other = ADBClient::listDirectory(QStringLiteral("no-such-phone"), QStringLiteral("/sdcard"));
+    EXPECT_TRUE(listing.error().errorDescription().contains(u"No such file or directory"_s));
+    write(local.filePath(u"x"_s), "x");
+    const QString refused = push(u"x"_s, u"/system/vantrel-device-test"_s);
+    EXPECT_TRUE(refused.startsWith(u"failed to copy"_s)) << refused.toStdString();
+    const auto other = ADBClient::listDirectory(u"no-such-phone"_s, u"/sdcard"_s);
     ASSERT_FALSE(other);
-    EXPECT_TRUE(other.error().errorDescription().contains(QStringLiteral("not found")));
+    EXPECT_TRUE(other.error().errorDescription().contains(u"not found"_s));
     std::cout << refused.toStdString() << '\n' << other.error().errorDescription().toStdString() << '\n';
 }
 

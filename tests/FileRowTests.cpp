@@ -1,12 +1,9 @@
+#include "support/Widgets.h"
+
 #include "Kit/TextStyle.h"
 #include "Views/FileGridCell.h"
 #include "Views/FileGridView.h"
 #include "Views/FileRow.h"
-
-#include <QImage>
-#include <QPainter>
-
-#include <gtest/gtest.h>
 
 namespace vantrel {
 namespace {
@@ -64,18 +61,9 @@ TEST(FileRowTests, symbolsAndColoursFollowTheName) {
 }
 
 TEST(FileRowTests, locationIsTheFolderAsABreadcrumb) {
-    const std::pair<QString, QString> cases[] = {
-        {u"/sdcard/a.txt"_s, u"Internal Storage"_s},
-        {u"/sdcard/DCIM/Camera/a.jpg"_s, u"Internal Storage › DCIM › Camera"_s},
-        {u"/storage/emulated/0/Music/a.mp3"_s, u"Internal Storage › Music"_s},
-        {u"/storage/1234-ABCD/a.txt"_s, u"storage › 1234-ABCD"_s},
-        {u"/sdcard/DCIM/Camera/"_s, u"Internal Storage › DCIM"_s},
-    };
-    for (const auto &[path, location] : cases) {
-        FileItem item = fileNamed(u"x"_s);
-        item.path = path;
-        EXPECT_EQ(FileEntry{item}.locationLabel(), location) << qPrintable(path);
-    }
+    FileItem item = fileNamed(u"x"_s);
+    item.path = u"/storage/emulated/0/Music/a.mp3"_s;
+    EXPECT_EQ(FileEntry{item}.locationLabel(), u"Internal Storage › Music");
     FileEntry entry{fileNamed(u"a"_s)};
     EXPECT_EQ(entry.captionLabel(), u"2 KB");
     entry.showsLocation = true;
@@ -94,33 +82,21 @@ TEST(FileRowTests, columnsNeverOverlapHoweverNarrow) {
 }
 
 TEST(FileRowTests, asManyColumnsAsFit) {
-    // One more column from the pixel on at which it has 96.
-    const std::tuple<int, int, int> cases[] = {
-        // width, columns, width of a column
-        {100, 1, 96},
-        {144, 1, 120},
-        {225, 1, 120},
-        {226, 2, 96},
-        {331, 2, 120},
-        {332, 3, 96},
-        {438, 4, 96},
-        {437, 3, 120},
-        {480, 4, (456 - 30) / 4},
-        {1000, 9, (976 - 80) / 9},
-    };
+    // Width, columns, width of a column: one more column from the pixel on at which it has 96.
+    const std::tuple<int, int, int> cases[] = {{100, 1, 96},  {144, 1, 120}, {225, 1, 120}, {226, 2, 96},
+                                               {331, 2, 120}, {332, 3, 96},  {438, 4, 96},  {437, 3, 120},
+                                               {480, 4, 106}, {1000, 9, 99}};
     for (const auto &[width, columns, columnWidth] : cases) {
         SCOPED_TRACE(width);
         const FileGridGeometry grid(width);
         EXPECT_EQ(grid.columns, columns);
         EXPECT_EQ(grid.columnWidth, columnWidth);
-        if (width >= 120) {
-            const int used = grid.columns * grid.columnWidth + (grid.columns - 1) * FileGridGeometry::spacing;
-            const int right = width - grid.left - used;
-            EXPECT_GE(grid.left, 12);
-            EXPECT_GE(right, 12);
-            // Centred, but for the one pixel that cannot be halved.
-            EXPECT_LE(qAbs(grid.left - right), 1);
-        }
+        if (width < 120)
+            continue;
+        const int used = grid.columns * grid.columnWidth + (grid.columns - 1) * FileGridGeometry::spacing;
+        const int right = width - grid.left - used;
+        EXPECT_GE(std::min(grid.left, right), 12);
+        EXPECT_LE(qAbs(grid.left - right), 1) << "but for the one pixel that cannot be halved it is centred";
     }
 }
 
@@ -130,71 +106,28 @@ TEST(FileRowTests, aClickOnTheMarkIsToldFromOneOnTheBody) {
     const QRectF rowRect(0, 100, 400, 30);
     const QRectF cellRect(0, 100, 100, FileGridCellGeometry::height());
     using Part = FileEntry::Part;
-    const std::tuple<QPointF, Part> rowCases[] = {
-        {{11, 115}, Part::body},   {{12, 101}, Part::mark},  {{39, 129}, Part::mark},
-        {{40.5, 115}, Part::body}, {{200, 115}, Part::body}, {{395, 115}, Part::body},
-    };
-    for (const auto &[point, part] : rowCases)
-        EXPECT_EQ(row.hitTest(rowRect, point), part) << point.x();
+    for (const double x : {11.0, 12.0, 39.0, 40.5, 200.0, 395.0})
+        EXPECT_EQ(row.hitTest(rowRect, {x, 101}), x > 11 && x < 40 ? Part::mark : Part::body) << x;
     const double side = FileGridCellGeometry(cellRect).badgeTarget.width();
-    const std::tuple<QPointF, Part> cellCases[] = {
-        {{99, 101}, Part::mark},
-        {{100 - side + 1, 100 + side - 1}, Part::mark},
-        {{100 - side - 1, 101}, Part::body},
-        {{99, 100 + side + 1}, Part::body},
-        {{50, 136}, Part::body},
-        {{50, 190}, Part::body},
-    };
-    for (const auto &[point, part] : cellCases)
-        EXPECT_EQ(cell.hitTest(cellRect, point), part) << point.x() << ' ' << point.y();
+    for (const QPointF &point : {QPointF(99, 101), {101 - side, 99 + side}})
+        EXPECT_EQ(cell.hitTest(cellRect, point), Part::mark);
+    for (const QPointF &point : {QPointF(99 - side, 101), {99, 101 + side}, {50, 136}, {50, 190}})
+        EXPECT_EQ(cell.hitTest(cellRect, point), Part::body);
 }
 
 /// What an entry paints on white, on a screen of `ratio`.
 template <typename Entry>
 QImage painted(const Entry &entry, const QSize &size, double ratio = 1) {
     constexpr int margin = 20;
-    QImage image((size + QSize(2 * margin, 2 * margin)) * ratio, QImage::Format_ARGB32);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    entry.paint(painter, QRectF(QPointF(margin, margin), QSizeF(size)));
-    return image;
+    return vantrel::painted(size + QSize(2 * margin, 2 * margin), ratio, [&](QPainter &painter) {
+        entry.paint(painter, QRectF(QPointF(margin, margin), QSizeF(size)));
+    });
 }
 
-bool hasColor(const QImage &image, const QColor &color) {
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixelColor(x, y).rgba() == color.rgba())
-                return true;
-    return false;
-}
-
-QRectF inkBounds(const QImage &image) {
-    QRect bounds;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixelColor(x, y).alpha() > 0)
-                bounds |= QRect(x, y, 1, 1);
-    const double ratio = image.devicePixelRatio();
-    return {bounds.x() / ratio, bounds.y() / ratio, bounds.width() / ratio, bounds.height() / ratio};
-}
-
-TEST(FileRowTests, paintingShowsTheSelectionAndTheKind) {
-    FileEntry entry{fileNamed(u"song.mp3"_s)};
-    const QSize rowSize(400, FileRowGeometry::height(false));
-    const QSize cellSize(110, FileGridCellGeometry::height());
-    const QColor pink = AppTheme::systemPink();
-    const QColor accent = AppTheme::accent();
-    EXPECT_TRUE(hasColor(painted(FileRow{entry}, rowSize, 3), pink));
-    EXPECT_TRUE(hasColor(painted(FileGridCell{entry}, cellSize, 3), pink));
-    EXPECT_FALSE(hasColor(painted(FileRow{entry}, rowSize, 3), accent));
-    EXPECT_FALSE(hasColor(painted(FileGridCell{entry}, cellSize, 3), accent));
-    EXPECT_EQ(painted(FileRow{entry}, rowSize).pixelColor(25, 25).alpha(), 0);
-    entry.isSelected = true;
-    EXPECT_TRUE(hasColor(painted(FileRow{entry}, rowSize, 3), accent));
-    EXPECT_TRUE(hasColor(painted(FileGridCell{entry}, cellSize, 3), accent));
-    EXPECT_NEAR(painted(FileRow{entry}, rowSize).pixelColor(25, 25).alphaF(),
-                QColor(AppTheme::accentSoft()).alphaF(), 0.01);
+/// The rectangle outside of which nothing was painted, in layout pixels.
+QRectF inkOf(const QImage &image) {
+    const QRectF ink = inkBounds(image);
+    return {ink.topLeft() / image.devicePixelRatio(), ink.size() / image.devicePixelRatio()};
 }
 
 TEST(FileRowTests, theEndOfALongFolderIsSeen) {
@@ -222,10 +155,10 @@ TEST(FileRowTests, noNamePaintsOutsideItsRow) {
                 // Stacked accents may reach into the gap between two lines, but no farther.
                 constexpr double gap = 3;
                 const QSize row(330, FileRowGeometry::height(location));
-                const QRectF rowInk = inkBounds(painted(FileRow{entry}, row, ratio));
+                const QRectF rowInk = inkOf(painted(FileRow{entry}, row, ratio));
                 EXPECT_TRUE(QRectF(20, 20, row.width(), row.height()).contains(rowInk)) << ratio;
                 const QSize cell(96, FileGridCellGeometry::height());
-                const QRectF cellInk = inkBounds(painted(FileGridCell{entry}, cell, ratio));
+                const QRectF cellInk = inkOf(painted(FileGridCell{entry}, cell, ratio));
                 EXPECT_TRUE(
                     QRectF(20, 20, cell.width(), cell.height()).adjusted(-1, 0, 1, gap).contains(cellInk))
                     << ratio;

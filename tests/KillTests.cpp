@@ -3,10 +3,15 @@
 // choose how often and which run; ./test --kills is the long one.
 
 #include "support/DemoPhone.h"
+#include "support/FakeDesktop.h"
 #include "support/Files.h"
 #include "support/Processes.h"
+#include "support/WaitFor.h"
 
+#include "ADB/ADBClient.h"
+#include "State/AppState.h"
 #include "Transfers/StagedName.h"
+#include "Worker/Worker.h"
 
 #include <QDirIterator>
 #include <QProcess>
@@ -46,10 +51,10 @@ protected:
         }
     }
     /// Starts the program and kills it so many milliseconds later, or lets it end when that is negative.
-    void run(int killAfter) {
+    void run(int killAfter, const QString &remembered = {}) {
         QProcess program;
         program.setProcessChannelMode(QProcess::ForwardedChannels);
-        program.start(QStringLiteral(VANTREL_COPY_PROGRAM), {mac.path()});
+        program.start(QStringLiteral(VANTREL_COPY_PROGRAM), {mac.path(), remembered});
         ASSERT_TRUE(program.waitForStarted());
         if (killAfter >= 0 && !program.waitForFinished(killAfter))
             program.kill();
@@ -112,6 +117,45 @@ TEST_F(KillTests, aFinalNameIsAWholeFileAndTheNextStartSweeps) {
                 sweptAfterwards);
     EXPECT_GT(killedInTheMiddle, 0) << "no kill struck in the middle: nothing was tested";
     EXPECT_GT(sweptAfterwards, 0);
+}
+
+TEST_F(KillTests, whatWasNotFinishedIsThereAgainPausedAndEndsWholeAtAClick) {
+    constexpr int kills = 4;
+    constexpr int all = 10;    // files, both ways
+    constexpr int entries = 8; // of the queue
+    const QString folder = mac.filePath(u"state"_s);
+    const auto kept = [&] { return processes::contentsOf(folder + u"/transfers.json"_s).count("\"name\""); };
+    for (int kill = 0; kill < kills && !HasFailure(); ++kill) {
+        clear();
+        phone.set(u"bandwidth"_s, "0.3");
+        QProcess program;
+        program.start(QStringLiteral(VANTREL_COPY_PROGRAM), {mac.path(), folder});
+        ASSERT_TRUE(waitFor([&] { return kept() == entries; }));
+        program.waitForFinished(kill * 700); // the first time at once
+        program.kill();
+        ASSERT_TRUE(program.waitForFinished(120'000));
+        EXPECT_LT(checkedFiles(), all);
+        const auto left = kept();
+        EXPECT_GT(left, 0);
+
+        phone.reset(u"bandwidth"_s);
+        {
+            FakeDesktop desktop;
+            AppState state(desktop);
+            const auto remembering = state.transfers().remember(folder);
+            ASSERT_TRUE(waitFor([&] { return remembering.isReady(); }));
+            state.refreshDevice(AppState::Spinner::shown);
+            ASSERT_TRUE(waitFor([&] { return !state.isRefreshingDevice(); }));
+            EXPECT_EQ(state.transfers().queue().pausedCount(), left) << "nothing goes on by itself";
+            EXPECT_FALSE(state.isTransferring());
+        }
+        EXPECT_EQ(kept(), left);
+        run(-1, folder); // another start, with a click
+        EXPECT_EQ(checkedFiles(), all);
+        EXPECT_EQ(m_staged, 0);
+        EXPECT_EQ(kept(), 0);
+    }
+    Background::stop(&ADBClient::stopRunningTools);
 }
 
 } // namespace

@@ -1,15 +1,9 @@
-#include "support/FakeDesktop.h"
 #include "support/Files.h"
 #include "support/Printers.h"
 
 #include "MacFiles/MacFileClient.h"
-#include "MacFiles/ThisComputer.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
-#include <QTemporaryDir>
-
+#include <QtTest>
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -108,22 +102,15 @@ TEST(MacFilesTests, aFoldersNameIsOneComponent) {
     const QString slash = u"A folder’s name can’t contain “/”."_s;
     const QString noName = u"This can’t be a folder’s name. Choose another one."_s;
     const QString tooLong = u"This name is too long for a folder here. Choose a shorter one."_s;
-    const std::pair<QString, QString> cases[] = {
-        {u"a/b"_s, slash},
-        {u"../x"_s, slash},
-        {folder.filePath(u"absolute"_s), slash},
-        {u"x/"_s, slash},
-        {QString(), noName},
-        {u"."_s, noName},
-        {u".."_s, noName},
-        {u"nul%1x"_s.arg(QChar(u'\0')), noName},
-        {QString(256, u'n'), tooLong},
-        {QString(128, QChar(u'\u00fc')), tooLong},
-    };
-    for (const auto &[name, reason] : cases) {
-        const auto created = MacFileClient::createFolder(name, parent);
-        EXPECT_EQ(created ? u"(created)"_s : created.error(), reason) << name.toStdString();
-    }
+    const std::pair<QString, QStringList> cases[] = {
+        {slash, {u"a/b"_s, u"../x"_s, folder.filePath(u"absolute"_s), u"x/"_s}},
+        {noName, {QString(), u"."_s, u".."_s, u"nul%1x"_s.arg(QChar(u'\0'))}},
+        {tooLong, {QString(256, u'n'), QString(128, QChar(u'\u00fc'))}}};
+    for (const auto &[reason, names] : cases)
+        for (const QString &name : names) {
+            const auto created = MacFileClient::createFolder(name, parent);
+            EXPECT_EQ(created ? u"(created)"_s : created.error(), reason) << name.toStdString();
+        }
     QStringList names;
     QDirIterator all(folder.path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
                      QDirIterator::Subdirectories);
@@ -144,26 +131,4 @@ TEST(MacFilesTests, aDanglingLinkExistsAndAVolumeHasRoom) {
     EXPECT_FALSE(MacFileClient::exists(folder.filePath(u"gone"_s)));
     EXPECT_GT(MacFileClient::availableBytes(folder.path()).value_or(0), 0);
     EXPECT_EQ(MacFileClient::availableBytes(u"/nowhere/at/all"_s), std::nullopt);
-}
-
-TEST(MacFilesTests, theDesktopGetsStandardizedPaths) {
-    FakeDesktop desktop;
-    MacFileClient::open(desktop, u"~/a/"_s);
-    MacFileClient::revealInFinder(desktop, u"/x/../y"_s);
-    MacFileClient::copyPath(desktop, u"/x//y"_s);
-    EXPECT_EQ(desktop.opened, QStringList{QDir::homePath() + u"/a"_s});
-    EXPECT_EQ(desktop.revealed, QStringList{u"/y"_s});
-    EXPECT_EQ(desktop.copied, QStringList{u"/x/y"_s});
-    EXPECT_EQ(MacFileClient::chooseFolder(desktop, u"/x/"_s).result(), std::nullopt);
-    desktop.nextFolder = u"/chosen"_s;
-    EXPECT_EQ(MacFileClient::chooseFolder(desktop, QString()).result(), u"/chosen"_s);
-    EXPECT_EQ(desktop.folderQuestions, (QStringList{u"Choose a %1 folder|Choose|/x"_s.arg(thisComputer()),
-                                                    u"Choose a %1 folder|Choose|"_s.arg(thisComputer())}));
-}
-TEST(MacFilesTests, onlyAMacIsCalledOne) {
-#ifdef Q_OS_MACOS
-    EXPECT_EQ(thisComputer(), u"Mac"_s);
-#else
-    EXPECT_EQ(thisComputer(), u"Computer"_s);
-#endif
 }

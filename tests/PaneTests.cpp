@@ -1,14 +1,15 @@
+#include "support/WindowFixture.h"
+
 #include "Kit/IconButton.h"
 #include "Kit/Spinner.h"
 #include "Kit/TextLabel.h"
-#include "Kit/TextStyle.h"
-#include "Kit/ToolTips.h"
-#include "MacFiles/MacFileClient.h"
 #include "MacFiles/ThisComputer.h"
 #include "Records/Identity.h"
 #include "Views/AndroidBrowserPane.h"
+#include "Views/ColumnButton.h"
 #include "Views/DualBrowserView.h"
 #include "Views/EmptinessView.h"
+#include "Views/FileDrag.h"
 #include "Views/FileGridCell.h"
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
@@ -16,22 +17,6 @@
 #include "Views/FileRow.h"
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
-#include "support/Files.h"
-#include "support/WindowFixture.h"
-
-#include <QContextMenuEvent>
-#include <QDir>
-#include <QFile>
-#include <QHelpEvent>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPaintEvent>
-#include <QPointer>
-#include <QPushButton>
-#include <QScrollBar>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace vantrel {
 namespace {
@@ -86,13 +71,6 @@ QPoint markOf(const FileItemsView *entries, int row) {
 }
 QPoint bodyOf(const FileItemsView *entries, int row) {
     return rectOf(entries, row).topLeft() + QPoint(50, 20);
-}
-
-void click(QWidget *widget, const QPoint &point) {
-    QTest::mouseClick(widget, Qt::LeftButton, {}, point);
-}
-void click(QWidget *control) {
-    click(control, control->rect().center());
 }
 
 /// What the toolkit sends for a quick second click at the same place.
@@ -159,21 +137,16 @@ protected:
         pane.onNewFolder = note(u"newFolder"_s);
         pane.onHome = note(u"home"_s);
         pane.onClearSearch = note(u"clearSearch"_s);
-        pane.searchText = {QString(), [this](const QString &value) {
+        pane.searchText = {{}, [this](const QString &value) {
                                calls.append(u"search "_s + value);
                                pane.searchText->value = value;
                                show();
                            }};
-        pane.searchScope = {AndroidSearchScope::thisFolder, [this](AndroidSearchScope scope) {
-                                calls.append(u"scope "_s + rawValue(scope));
+        pane.searchScope = {{}, [this](AndroidSearchScope scope) {
                                 pane.searchScope->value = scope;
                                 show();
                             }};
-        pane.viewMode = {PaneViewMode::list, [this](PaneViewMode mode) {
-                             calls.append(u"mode "_s + rawValue(mode));
-                             pane.viewMode->value = mode;
-                             show();
-                         }};
+        pane.viewMode = {PaneViewMode::list, [this](PaneViewMode mode) { showAs(mode); }};
         pane.desktop = &desktop;
         view.resize(480, 480);
         show();
@@ -235,13 +208,11 @@ TEST_P(PaneLayoutTests, clicksBecomeCallbacks) {
     EXPECT_THAT(taken(), ElementsAre());
     click(viewport, QPoint(300, viewport->height() - 5));
     EXPECT_THAT(taken(), ElementsAre(u"focus"_s)) << "below the last entry";
-}
 
-TEST_F(FilePaneTests, aClickSelectsOnlyWhatTheFirstClickOfADoubleClickHit) {
     pane.onSelect = [this](const FileItem &) { show(someFiles(6)); };
     show();
     doubleClick(entries()->viewport(), bodyOf(entries(), 0));
-    EXPECT_THAT(calls, ElementsAre()) << "opened an entry that was not there at the first click";
+    EXPECT_THAT(taken(), ElementsAre()) << "opened an entry that was not there at the first click";
 }
 
 TEST_F(FilePaneTests, aClickBesideTheControlsFocusesThePane) {
@@ -256,65 +227,152 @@ TEST_F(FilePaneTests, aClickBesideTheControlsFocusesThePane) {
     }
 }
 
-TEST_F(FilePaneTests, toolsCallTheirCallbacks) {
-    const std::tuple<QString, QString, QString> tools[] = {
-        {u"back"_s, u"Go back"_s, u"back"_s},
-        {u"home"_s, u"Go to Home"_s, u"home"_s},
-        {u"chooseFolder"_s, u"Choose folder"_s, u"chooseFolder"_s},
-        {u"newFolder"_s, u"New folder"_s, u"newFolder"_s},
-        {u"refresh"_s, u"Refresh"_s, u"refresh"_s},
-        {u"gridView"_s, u"Grid view"_s, u"mode grid"_s},
-        {u"listView"_s, u"List view"_s, u"mode list"_s},
+TEST_F(FilePaneTests, aBandSelectsWhatItCoversAndGivesItBack) {
+    showAs(PaneViewMode::grid);
+    show(someFiles(8));
+    const QList<FileItem> all = state.items();
+    select({all.at(1)});
+    pane.onSelectRange = [this](const QList<FileItem> &items, bool isSelected) {
+        state.setSelected(items, isSelected);
+        show();
     };
-    int left = -1;
-    for (const auto &[name, help, call] : tools) {
-        SCOPED_TRACE(qPrintable(name));
-        auto *tool = control<IconButton>(view, name);
-        EXPECT_TRUE(tool->isVisible() && tool->isEnabled());
-        EXPECT_EQ(tool->size(), QSize(24, 24));
-        EXPECT_EQ(accessible(tool)->text(QAccessible::Name), help);
-        EXPECT_TRUE(tool->toolTip().contains(help));
-        click(tool);
-        EXPECT_THAT(taken(), ElementsAre(call));
-        if (name != u"gridView" && name != u"listView") {
-            EXPECT_GT(tool->x(), left) << "out of order";
-            left = tool->x();
+    show();
+    const auto selected = [this] { return namesOf(state.selectedItems()).join(u' '); };
+    QWidget *viewport = entries()->viewport();
+    const auto move = [&](const QPoint &to) { // in the way of a window system: with the button down
+        QMouseEvent event(QEvent::MouseMove, to, viewport->mapToGlobal(QPointF(to)), Qt::NoButton,
+                          Qt::LeftButton, {});
+        QCoreApplication::sendEvent(viewport, &event);
+    };
+    QTest::mousePress(viewport, Qt::LeftButton, {}, QPoint(3, 3));
+    move(rectOf(entries(), 5).center());
+    EXPECT_EQ(selected(), u"file 0.txt file 1.txt file 4.txt file 5.txt");
+    move(rectOf(entries(), 0).center());
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, rectOf(entries(), 0).center());
+    EXPECT_EQ(selected(), u"file 0.txt file 1.txt") << "what was selected before stays";
+    move(rectOf(entries(), 5).center());
+    EXPECT_EQ(selected(), u"file 0.txt file 1.txt") << "the button is up";
+}
+
+TEST_P(PaneLayoutTests, entriesAreDraggedAndDroppedOnAFolderOrThePane) {
+    FileItem folder = fileNamed(u"sub"_s);
+    folder.isDirectory = true;
+    folder.path = u"/home/me/sub"_s;
+    show({folder, fileNamed(u"file"_s)});
+    pane.path.folder = u"/home/me"_s;
+    pane.onDrag = [this](const FileItem &item) { calls.append(u"drag "_s + item.name); };
+    pane.dropCount = [](const QMimeData &dragged) { return dragged.text().size(); };
+    pane.onDrop = [this](const QMimeData &dragged, const QString &into) {
+        calls.append(dragged.text() + u" into "_s + into);
+    };
+    show();
+    QWidget *viewport = entries()->viewport();
+    const auto dragTo = [&](int x) {
+        const QPointF to = bodyOf(entries(), 1) + QPoint(x, 0);
+        QTest::mousePress(viewport, Qt::LeftButton, {}, bodyOf(entries(), 1));
+        QMouseEvent event(QEvent::MouseMove, to, viewport->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(viewport, &event);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, to.toPoint());
+        return taken();
+    };
+    EXPECT_THAT(dragTo(2), ElementsAre(u"select file"_s)) << "a hand is not that steady";
+    EXPECT_THAT(dragTo(30), ElementsAre(u"drag file"_s));
+
+    QMimeData data;
+    const auto drop = [&](const QString &text, const QPoint &place) {
+        data.setText(text);
+        const QPoint at = viewport->mapTo(&view, place);
+        QDragEnterEvent enter(at, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&view, &enter);
+        QStringList seen{enter.isAccepted() ? ::vantrel::text(view, u"footerTrailing"_s) : u"refused"_s};
+        EXPECT_TRUE(!enter.isAccepted() || enter.dropAction() == Qt::CopyAction) << "nothing is ever moved";
+        if (enter.isAccepted()) {
+            QDropEvent dropped(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(&view, &dropped);
         }
-    }
+        EXPECT_EQ(::vantrel::text(view, u"footerTrailing"_s), pane.footerTrailing);
+        return seen + taken();
+    };
+    EXPECT_THAT(drop(u"ab"_s, bodyOf(entries(), 0)),
+                ElementsAre(u"Copy 2 items to “sub”"_s, u"ab into /home/me/sub"_s));
+    EXPECT_THAT(drop(u"a"_s, bodyOf(entries(), 1)),
+                ElementsAre(u"Copy 1 item to “me”"_s, u"a into /home/me"_s));
+    EXPECT_THAT(drop({}, bodyOf(entries(), 0)), ElementsAre(u"refused"_s));
+}
+
+TEST_F(FilePaneTests, thePathLeadsElsewhere) {
+    pane.pathLabel = u"/home/me"_s;
+    pane.path = {u"/home/me"_s,
+                 {{0, 1, u"/"_s}, {1, 5, u"/home"_s}, {6, 8, u"/home/me"_s}},
+                 [this](const QString &path) { calls.append(u"go "_s + path); },
+                 [this](const QString &folder, const auto &show) {
+                     calls.append(u"ask "_s + folder);
+                     show({folder + u"mine"_s, folder + u"music"_s});
+                 }};
+    show();
+    auto *label = control<TextLabel>(view, u"path"_s);
+    click(label, QPoint(label->width() - 2, 5));
+    click(label, QPoint(int(TextStyle{11, Weight::medium}.width(u"/ho"_s)), 5));
+    EXPECT_THAT(taken(), ElementsAre(u"focus"_s, u"go /home"_s));
+
+    auto *field = control<QLineEdit>(view, u"pathField"_s);
+    view.editPath();
+    EXPECT_TRUE(field->hasFocus());
+    EXPECT_EQ(field->selectedText(), u"/home/me");
+    QTest::keyClicks(field, u"/home/m"_s);
+    EXPECT_THAT(taken(), ElementsAre(u"ask /"_s, u"ask /home/"_s)) << "not once a letter";
+    QWidget *offers = QApplication::activePopupWidget();
+    ASSERT_NE(offers, nullptr);
+    QTest::keyClick(offers, Qt::Key_Down);
+    QTest::keyClick(offers, Qt::Key_Return);
+    EXPECT_EQ(field->text(), u"/home/mine");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_THAT(taken(), ElementsAre(u"go /home/mine"_s));
+    EXPECT_TRUE(entries()->hasFocus() && label->isVisible() && !field->isVisible());
+
+    view.editPath();
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_TRUE(entries()->hasFocus() && label->isVisible());
+    view.editPath();
+    control<QLineEdit>(view, u"searchField"_s)->setFocus();
+    EXPECT_TRUE(label->isVisible());
+    EXPECT_TRUE(control<QLineEdit>(view, u"searchField"_s)->hasFocus()) << "the keyboard was taken back";
+    EXPECT_THAT(taken(), ElementsAre());
 }
 
 TEST_F(FilePaneTests, anAbsentCallbackDisablesOrHidesItsControl) {
-    const auto expectState = [this](const QString &names, bool isShown, bool isOn) {
-        show();
-        for (const QString &name : names.split(u' ')) {
-            EXPECT_EQ(control<QWidget>(view, name)->isVisible(), isShown) << qPrintable(name);
-            EXPECT_EQ(control<QWidget>(view, name)->isEnabled(), isOn) << qPrintable(name);
-        }
+    const auto namesWhere = [this](bool (QWidget::*is)() const) {
+        QStringList names;
+        for (const QString &name :
+             u"back home chooseFolder newFolder refresh listView gridView searchField "
+             "scopePicker columnSelectAll gridSelectAll fileList fileGrid"_s.split(u' '))
+            if ((control<QWidget>(view, name)->*is)())
+                names.append(name);
+        return names.join(u' ');
     };
+    const auto shown = [&] { return show(), namesWhere(&QWidget::isVisible); };
     pane.onHome = pane.onNewFolder = {};
-    expectState(u"home newFolder"_s, true, false);
-    expectState(u"chooseFolder fileList columnSelectAll"_s, true, true);
+    EXPECT_EQ(shown(), u"back home chooseFolder newFolder refresh listView gridView searchField scopePicker "
+                       "columnSelectAll fileList");
+    EXPECT_FALSE(control<QWidget>(view, u"home"_s)->isEnabled());
+    EXPECT_FALSE(control<QWidget>(view, u"newFolder"_s)->isEnabled());
 
-    control<QWidget>(view, u"back"_s)->setFocus(Qt::TabFocusReason);
+    auto *back = control<IconButton>(view, u"back"_s);
+    back->setFocus(Qt::TabFocusReason);
     pane.onChooseFolder = pane.onBack = pane.onRefresh = {};
     pane.viewMode.reset();
-    expectState(u"back refresh listView gridView"_s, true, false);
-    expectState(u"fileList columnSelectAll"_s, true, true);
+    EXPECT_EQ(shown(), u"back refresh listView gridView searchField scopePicker columnSelectAll fileList");
+    for (const QString &name : {u"back"_s, u"refresh"_s, u"listView"_s, u"gridView"_s})
+        EXPECT_FALSE(control<QWidget>(view, name)->isEnabled()) << qPrintable(name);
     EXPECT_TRUE(entries()->hasFocus()) << "the keyboard has left the pane";
-    EXPECT_EQ(control<IconButton>(view, u"back"_s)->look().glyph, AppTheme::inkSecondary()) << "looks active";
-    EXPECT_EQ(control<IconButton>(view, u"back"_s)->look().disabledOpacity, 0.45);
-    for (const QString &name : {u"home"_s, u"chooseFolder"_s, u"newFolder"_s})
-        EXPECT_FALSE(control<QWidget>(view, name)->isVisible()) << qPrintable(name);
+    EXPECT_EQ(back->look().glyph, AppTheme::inkSecondary()) << "looks active";
 
     pane.searchScope.reset();
-    expectState(u"searchField"_s, true, true);
-    EXPECT_FALSE(control<QWidget>(view, u"scopePicker"_s)->isVisible());
+    EXPECT_EQ(shown(), u"back refresh listView gridView searchField columnSelectAll fileList");
     pane.searchText.reset();
     pane.onToggleSelectAll = {};
     pane.viewMode = {PaneViewMode::grid, [](PaneViewMode) {}};
-    expectState(u"fileGrid"_s, true, true);
-    for (const QString &name : {u"searchField"_s, u"gridSelectAll"_s, u"fileList"_s})
-        EXPECT_FALSE(control<QWidget>(view, name)->isVisible()) << qPrintable(name);
+    EXPECT_EQ(shown(), u"back refresh listView gridView fileGrid");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     EXPECT_EQ(entries()->mapTo(&view, QPoint()).y(),
               control<QWidget>(view, u"title"_s)->parentWidget()->geometry().bottom() + 1)
@@ -322,21 +380,12 @@ TEST_F(FilePaneTests, anAbsentCallbackDisablesOrHidesItsControl) {
 }
 
 TEST_P(PaneLayoutTests, selectAllShowsHowMuchIsSelected) {
-    const QList<FileItem> all = state.items();
-    const FileItem elsewhere = fileNamed(u"elsewhere"_s);
-    const std::tuple<const char *, QList<FileItem>, Qt::CheckState> cases[] = {
-        {"none", {}, Qt::Unchecked},
-        {"not among the items", {elsewhere}, Qt::Unchecked},
-        {"the last", {all.last()}, Qt::PartiallyChecked},
-        {"the first", {all.first(), elsewhere}, Qt::PartiallyChecked},
-        {"all", all, Qt::Checked},
-        {"all and more", all + QList{elsewhere}, Qt::Checked},
-    };
     auto *box = control<SelectAllBox>(view, isList ? u"columnSelectAll"_s : u"gridSelectAll"_s);
-    for (const auto &[what, selected, mark] : cases) {
-        SCOPED_TRACE(what);
-        select(selected);
-        const QString title = mark == Qt::Checked ? u"Deselect all"_s : u"Select all"_s;
+    for (const int count : {0, 1, 6}) {
+        SCOPED_TRACE(count);
+        select(state.items().first(count));
+        const auto mark = count == 0 ? Qt::Unchecked : count == 6 ? Qt::Checked : Qt::PartiallyChecked;
+        const QString title = count == 6 ? u"Deselect all"_s : u"Select all"_s;
         EXPECT_EQ(box->checkState(), mark);
         EXPECT_TRUE(box->toolTip().contains(title));
         EXPECT_EQ(accessible(box)->text(QAccessible::Name), title);
@@ -363,13 +412,9 @@ TEST_F(FilePaneTests, searchTextAndScopeAreBound) {
     EXPECT_FALSE(clear->isVisible());
     QTest::keyClicks(field, u"ab"_s);
     EXPECT_THAT(taken(), ElementsAre(u"search a"_s, u"search ab"_s));
-    EXPECT_TRUE(clear->isVisible());
-
-    // The caret stays where the user put it when the same text is shown again.
     QTest::keyClick(field, Qt::Key_Left);
     show();
-    EXPECT_EQ(field->cursorPosition(), 1);
-
+    EXPECT_EQ(field->cursorPosition(), 1) << "the caret stays where the user put it";
     click(clear);
     EXPECT_THAT(taken(), ElementsAre(u"clearSearch"_s));
     EXPECT_EQ(field->text(), u"ab") << "clearing is the owner's business";
@@ -377,61 +422,63 @@ TEST_F(FilePaneTests, searchTextAndScopeAreBound) {
     show();
     click(clear);
     EXPECT_THAT(taken(), ElementsAre(u"search "_s));
-    EXPECT_EQ(field->text(), QString());
     EXPECT_FALSE(clear->isVisible());
 
     EXPECT_EQ(accessible(picker)->role(), QAccessible::ComboBox);
-    EXPECT_EQ(accessible(picker)->text(QAccessible::Value), u"This folder");
     EXPECT_EQ(accessible(picker)->text(QAccessible::Description), u"Scope");
     QTest::keyClick(picker, Qt::Key_Down);
-    EXPECT_THAT(taken(), ElementsAre(u"scope everywhere"_s));
     EXPECT_EQ(accessible(picker)->text(QAccessible::Value), u"Everywhere");
-    EXPECT_EQ(field->placeholderText(), u"Search entire device");
     EXPECT_EQ(accessible(field)->text(QAccessible::Name), u"Search entire device");
     pane.searchScope.reset();
     show();
     EXPECT_EQ(field->placeholderText(), u"Search this folder");
 }
 
-TEST_F(FilePaneTests, everyChangeOfTheTokenFocusesTheSearchField) {
-    auto *field = control<QLineEdit>(view, u"searchField"_s);
-    entries()->setFocus();
-    show();
-    EXPECT_FALSE(field->hasFocus()) << "the first value asks for nothing";
-    for (int i = 0; i < 2; ++i) {
-        ++pane.focusSearchToken;
-        show();
-        EXPECT_TRUE(field->hasFocus());
-        entries()->setFocus();
-        show();
-        EXPECT_FALSE(field->hasFocus());
-    }
-}
-
 TEST_F(FilePaneTests, contextMenusFollowTheFlags) {
     show({fileNamed(u"folder"_s, true), fileNamed(u"file"_s)});
     const auto titles = [&](int row) { return menuTitles(entries(), bodyOf(entries(), row)); };
     EXPECT_THAT(titles(0), ElementsAre()) << "no flag, no menu";
-
     pane.showsOpenContextMenu = true;
     show();
     EXPECT_THAT(titles(1), ElementsAre(u"Open"_s));
     EXPECT_EQ(menuAt(entries(), QPoint(200, entries()->viewport()->height() - 5)), nullptr) << "no entry";
-    choose(menu(1), u"Open"_s);
-    EXPECT_THAT(taken(), ElementsAre(u"open file"_s));
-
     pane.showsMacContextMenu = true;
     show();
     EXPECT_THAT(titles(1), ElementsAre(u"Open"_s, revealTitle(), u"-"_s, u"Copy Path"_s));
     choose(menu(1), u"Open"_s);
     choose(menu(1), revealTitle());
     choose(menu(0), u"Copy Path"_s);
-    EXPECT_THAT(taken(), ElementsAre());
     choose(menu(0), u"Open"_s);
     EXPECT_THAT(taken(), ElementsAre(u"open folder"_s));
-    EXPECT_THAT(desktop.opened, ElementsAre(u"/home/me/file"_s));
-    EXPECT_THAT(desktop.revealed, ElementsAre(u"/home/me/file"_s));
-    EXPECT_THAT(desktop.copied, ElementsAre(u"/home/me/folder"_s));
+    EXPECT_THAT(desktop.opened + desktop.revealed + desktop.copied,
+                ElementsAre(u"/home/me/file"_s, u"/home/me/file"_s, u"/home/me/folder"_s));
+}
+
+TEST_P(PaneLayoutTests, aColumnSortsAndThenReverses) {
+    const auto click = [this](const QString &inList, const QString &inGrid) {
+        ::vantrel::click(control<ColumnButton>(view, isList ? inList : inGrid));
+    };
+    pane.order = {FileOrder(), [this](const FileOrder &order) {
+                      calls.append(rawValue(order));
+                      pane.order->value = order;
+                      state.setOrder(order);
+                      show();
+                  }};
+    show();
+    entries()->verticalScrollBar()->setValue(20);
+    click(u"modifiedColumn"_s, u"gridModified"_s);
+    click(u"modifiedColumn"_s, u"gridModified"_s);
+    click(u"sizeColumn"_s, u"gridSize"_s);
+    click(u"nameColumn"_s, u"gridName"_s);
+    click(u"nameColumn"_s, u"gridName"_s);
+    EXPECT_THAT(taken(), ElementsAre(u"modified descending"_s, u"modified ascending"_s, u"size descending"_s,
+                                     u"name ascending"_s, u"name descending"_s));
+    EXPECT_EQ(entries()->verticalScrollBar()->value(), 0) << "another order is read from its beginning";
+    EXPECT_EQ(entries()->model()->index(0, 0).data(), item(5).name);
+    QAccessibleInterface *name =
+        accessible(control<ColumnButton>(view, isList ? u"nameColumn"_s : u"gridName"_s));
+    EXPECT_EQ(name->text(QAccessible::Name), u"Name");
+    EXPECT_EQ(name->text(QAccessible::Description), u"From Z to A");
 }
 
 TEST_F(FilePaneTests, headersStandAboveTheirColumns) {
@@ -474,59 +521,33 @@ TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumns) {
     EXPECT_EQ(entries()->verticalScrollBar()->maximum(), 0);
 }
 
-/// Notes which entries a view is asked to paint, and where.
-class PaintedEntries : public QObject {
-public:
-    explicit PaintedEntries(FileItemsView *entries) : m_entries(entries) {
-        entries->viewport()->installEventFilter(this);
+/// The entries that were painted since the last call, once everything that was due has been.
+QList<int> rowsIn(PaintedRegion &painted, const FileItemsView *entries) {
+    QTest::qWait(0);
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+    const QRegion region = std::exchange(painted.region, {});
+    QList<int> rows;
+    for (int row = 0; row < entries->model()->rowCount(); ++row) {
+        // The strip below the scroll bar is painted with the bar.
+        if (region.intersects(rectOf(entries, row).adjusted(0, 0, -entries->verticalScrollBar()->width(), 0)))
+            rows.append(row);
     }
-
-    bool eventFilter(QObject *, QEvent *event) override {
-        if (event->type() != QEvent::Paint)
-            return false;
-        const QRegion region = static_cast<QPaintEvent *>(event)->region();
-        m_region += region;
-        for (int row = 0; row < m_entries->model()->rowCount(); ++row) {
-            // The strip below the scroll bar is painted with the bar.
-            if (region.intersects(
-                    rectOf(m_entries, row).adjusted(0, 0, -m_entries->verticalScrollBar()->width(), 0)))
-                m_painted.insert(row);
-        }
-        return false;
-    }
-
-    /// Those since the last call, once everything that was due has been painted.
-    QList<int> take() {
-        QTest::qWait(0);
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-        QList<int> painted(m_painted.begin(), m_painted.end());
-        std::sort(painted.begin(), painted.end());
-        m_painted.clear();
-        m_region = {};
-        return painted;
-    }
-    [[nodiscard]] bool covered(const QRect &rect) const {
-        return QRegion(rect).subtracted(m_region).isEmpty();
-    }
-
-private:
-    FileItemsView *m_entries;
-    QRegion m_region;
-    QSet<int> m_painted;
-};
+    return rows;
+}
 
 TEST_P(PaneLayoutTests, exactlyTheEntriesThatLookDifferentAreRepainted) {
     show(someFiles(200));
-    PaintedEntries painted(entries());
-    painted.take();
+    PaintedRegion region(entries()->viewport());
+    const auto painted = [&] { return rowsIn(region, entries()); };
+    painted();
 
     show();
-    EXPECT_THAT(painted.take(), ElementsAre()) << "nothing changed";
+    EXPECT_THAT(painted(), ElementsAre()) << "nothing changed";
     select({item(1), item(3), item(150)});
-    EXPECT_THAT(painted.take(), ElementsAre(1, 3));
+    EXPECT_THAT(painted(), ElementsAre(1, 3));
     select({item(1)});
-    EXPECT_THAT(painted.take(), ElementsAre(3));
+    EXPECT_THAT(painted(), ElementsAre(3));
 
     // The same entries with another value: only the list shows dates.
     QList<FileItem> items = state.items();
@@ -534,44 +555,38 @@ TEST_P(PaneLayoutTests, exactlyTheEntriesThatLookDifferentAreRepainted) {
     items[4].modifiedAt = QDateTime::currentDateTime();
     items[0].path += u"x"_s;
     show(items);
-    EXPECT_EQ(painted.take(), isList ? QList<int>({2, 4}) : QList<int>({2}));
+    EXPECT_EQ(painted(), isList ? QList<int>({2, 4}) : QList<int>({2}));
 
     pane.footerTrailing += u"!"_s;
     pane.searchScope->value = AndroidSearchScope::everywhere;
     show();
-    EXPECT_THAT(painted.take(), ElementsAre()) << "other parts of the pane changed";
+    EXPECT_THAT(painted(), ElementsAre()) << "other parts of the pane changed";
 
-    // An entry leaves from the middle: those after it move up, those before it stay.
-    items.removeAt(4);
+    items.removeAt(4); // those after it move up, those before it stay
     show(items);
-    EXPECT_EQ(painted.take().value(0), 4);
-    items.insert(4, fileNamed(u"new"_s));
-    show(items);
-    EXPECT_EQ(painted.take().value(0), 4);
+    EXPECT_EQ(painted().value(0), 4);
 
     select(items);
-    const QList<int> screen = painted.take();
+    const QList<int> screen = painted();
     EXPECT_LT(screen.size(), 40) << "what is out of sight was painted";
     EXPECT_FALSE(screen.contains(1)) << "it was selected already";
     EXPECT_TRUE(screen.contains(0) && screen.contains(2));
 
     // Listed again, with other identities.
     select({});
-    painted.take();
+    painted();
     for (FileItem &listed : items)
         listed.id = newIdentity();
     items.last().name += u'x';
     show(items);
-    EXPECT_THAT(painted.take(), ElementsAre()) << "it looks as before";
-    items.resize(7);
-    show(items);
-    painted.take();
-    items += someFiles(2);
-    show(items);
-    EXPECT_THAT(painted.take(), ElementsAre(7, 8));
+    EXPECT_THAT(painted(), ElementsAre()) << "it looks as before";
+    show(items.first(7));
+    painted();
+    show(items.first(9));
+    EXPECT_THAT(painted(), ElementsAre(7, 8));
     click(entries()->viewport(), bodyOf(entries(), 5));
     click(entries()->viewport(), bodyOf(entries(), 2));
-    EXPECT_THAT(painted.take(), ElementsAre()) << "a click alone changes nothing";
+    EXPECT_THAT(painted(), ElementsAre()) << "a click alone changes nothing";
 }
 
 TEST_F(FilePaneTests, anEntryThatVanishesIsWipedOut) {
@@ -583,10 +598,10 @@ TEST_F(FilePaneTests, anEntryThatVanishesIsWipedOut) {
         return image.pixelColor(3, 10).rgba() == QColor(AppTheme::surface()).rgba();
     };
     EXPECT_FALSE(isPlain());
-    PaintedEntries painted(entries());
+    PaintedRegion painted(entries()->viewport());
     show(state.items().first(2));
-    EXPECT_TRUE(waitFor([&] { return painted.covered(third); }));
-    EXPECT_THAT(painted.take(), ElementsAre()) << "of those that stay";
+    EXPECT_TRUE(waitFor([&] { return QRegion(third).subtracted(painted.region).isEmpty(); }));
+    EXPECT_THAT(rowsIn(painted, entries()), ElementsAre()) << "of those that stay";
     EXPECT_TRUE(isPlain());
     EXPECT_FALSE(entries()->indexAt(third.center()).isValid());
 }
@@ -612,23 +627,19 @@ TEST_P(PaneLayoutTests, theKeyboardMovesARingAndSpaceToggles) {
     FileItemsView *list = entries();
     list->scrollToTop();
     const int line = isList ? 1 : FileGridGeometry(list->viewport()->width()).columns;
-
     const auto press = [&](Qt::Key key, int times = 1) {
         for (int i = 0; i < times; ++i)
             QTest::keyClick(list, key);
         return list->focusedIndex().row();
     };
-    // After a click the arrow keys scroll, and Space is nobody's.
+    // After a click they go on from there.
     click(list->viewport(), bodyOf(list, 0));
-    calls.clear();
     ASSERT_TRUE(list->hasFocus());
-    press(Qt::Key_Down);
-    EXPECT_GT(list->verticalScrollBar()->value(), 0);
-    EXPECT_EQ(press(Qt::Key_Space), -1);
-    EXPECT_EQ(press(Qt::Key_Return), -1);
-    EXPECT_THAT(calls, ElementsAre());
+    EXPECT_EQ(list->focusedIndex().row(), -1) << "the mouse has no ring";
+    EXPECT_EQ(press(Qt::Key_Down), line);
+    EXPECT_THAT(taken(), ElementsAre(u"select file 0.txt"_s));
 
-    list->scrollToTop();
+    press(Qt::Key_Home);
     list->clearFocus();
     list->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(list->focusedIndex().row(), 0);
@@ -637,44 +648,66 @@ TEST_P(PaneLayoutTests, theKeyboardMovesARingAndSpaceToggles) {
     EXPECT_EQ(press(Qt::Key_Space), line);
     EXPECT_EQ(press(Qt::Key_Return), line);
     EXPECT_EQ(press(Qt::Key_Delete), line);
-    EXPECT_THAT(calls, ElementsAre(u"toggle file %1.txt"_s.arg(line)));
+    EXPECT_THAT(taken(), ElementsAre(u"toggle file %1.txt"_s.arg(line), u"open file %1.txt"_s.arg(line)));
     EXPECT_EQ(press(Qt::Key_End), 99);
     EXPECT_TRUE(list->viewport()->rect().contains(rectOf(list, 99)));
     EXPECT_LT(press(Qt::Key_PageUp), 99 - line);
     EXPECT_EQ(press(Qt::Key_Home), 0);
-    EXPECT_EQ(press(Qt::Key_Right), isList ? 0 : 1);
-    EXPECT_EQ(press(Qt::Key_Right, line), isList ? 0 : line + 1) << "over the edge";
+    EXPECT_EQ(press(Qt::Key_Right, line + 1), isList ? 0 : line + 1) << "over the edge";
     EXPECT_EQ(press(Qt::Key_Left, 2), isList ? 0 : line - 1);
+    QTest::keyClicks(list, u"FILE 4"_s);
+    EXPECT_EQ(list->focusedIndex().row(), 4) << "letters lead to a name";
+    EXPECT_THAT(taken(), ElementsAre()) << "a blank in a name toggles nothing";
     list->clearFocus();
     EXPECT_EQ(list->focusedIndex().row(), -1);
 }
 
-TEST_F(FilePaneTests, theFocusFollowsIntoTheOtherLayout) {
-    entries()->setFocus(Qt::TabFocusReason);
-    QTest::keyClick(entries(), Qt::Key_Down);
-    for (const PaneViewMode mode : {PaneViewMode::grid, PaneViewMode::list}) {
-        showAs(mode);
-        EXPECT_TRUE(entries()->hasFocus());
-        EXPECT_EQ(entries()->focusedIndex().row(), 1);
-    }
-    click(entries()->viewport(), bodyOf(entries(), 2));
-    showAs(PaneViewMode::grid);
-    EXPECT_TRUE(entries()->hasFocus());
-    EXPECT_FALSE(entries()->focusedIndex().isValid()) << "the mouse has no ring";
+TEST_P(PaneLayoutTests, rangesGrowAndShrinkAndAClickWithControlToggles) {
+    state.setItems(someFiles(30));
+    pane.onSelectRange = [this](const QList<FileItem> &items, bool isSelected) {
+        state.setSelected(items, isSelected);
+        show();
+    };
+    pane.onToggle = [this](const FileItem &item) { state.toggleSelection(item); };
+    pane.onSelect = [this](const FileItem &item) { state.selectItem(item); };
+    show();
+    const auto selected = [this] {
+        QList<int> rows;
+        for (int row = 0; row < state.items().size(); ++row) {
+            if (state.selectedIDs().contains(item(row).id))
+                rows.append(row);
+        }
+        return rows;
+    };
+    const auto clickRow = [this](int row, Qt::KeyboardModifiers modifiers) {
+        QTest::mouseClick(entries()->viewport(), Qt::LeftButton, modifiers, bodyOf(entries(), row));
+    };
+    clickRow(1, {});
+    clickRow(3, Qt::ShiftModifier);
+    EXPECT_THAT(selected(), ElementsAre(1, 2, 3));
+    clickRow(0, Qt::ShiftModifier);
+    EXPECT_THAT(selected(), ElementsAre(0, 1)) << "the other side of where the range began";
+    clickRow(4, Qt::ControlModifier);
+    clickRow(0, Qt::ControlModifier);
+    EXPECT_THAT(selected(), ElementsAre(1, 4));
+    const Qt::Key on = isList ? Qt::Key_Down : Qt::Key_Right;
+    const Qt::Key back = isList ? Qt::Key_Up : Qt::Key_Left;
+    clickRow(1, {});
+    for (const Qt::Key key : {on, on, back})
+        QTest::keyClick(entries(), key, Qt::ShiftModifier);
+    EXPECT_THAT(selected(), ElementsAre(1, 2, 4));
+    QTest::keyClick(entries(), Qt::Key_End, Qt::ShiftModifier);
+    EXPECT_EQ(selected().size(), 29);
+    show(someFiles(2)); // the range began in what is gone
+    QTest::keyClick(entries(), back, Qt::ShiftModifier);
+    EXPECT_LE(selected().size(), 2);
 }
 
 TEST_P(PaneLayoutTests, aCutNameShowsInFullUnderTheMouse) {
     const QString longName = QString(80, u'w') + u"<b>.txt"_s;
     show({fileNamed(longName), fileNamed(u"short"_s)});
-    QWidget *viewport = entries()->viewport();
-    const auto rest = [&](int row) {
-        const QPoint point = bodyOf(entries(), row);
-        QHelpEvent event(QEvent::ToolTip, point, viewport->mapToGlobal(point));
-        QCoreApplication::sendEvent(viewport, &event);
-    };
-    rest(0);
-    EXPECT_EQ(ToolTips::text(), longName);
-    rest(1);
+    EXPECT_EQ(toolTipAt(entries(), bodyOf(entries(), 0)), longName);
+    (void)toolTipAt(entries(), bodyOf(entries(), 1));
     EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it sticks to another entry";
 }
 
@@ -684,12 +717,12 @@ TEST_F(FilePaneTests, tabReachesEveryControlInReadingOrder) {
     QStringList reached;
     control<QWidget>(view, u"back"_s)->setFocus(Qt::TabFocusReason);
     for (int i = 0; i < 12; ++i) {
-        reached.append(QApplication::focusWidget()->objectName());
+        reached.append(accessible(QApplication::focusWidget())->text(QAccessible::Name));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_THAT(reached, ElementsAre(u"back"_s, u"home"_s, u"chooseFolder"_s, u"newFolder"_s, u"refresh"_s,
-                                     u"listView"_s, u"gridView"_s, u"searchField"_s, u"scopePicker"_s,
-                                     u"clearSearch"_s, u"columnSelectAll"_s, u"fileList"_s));
+    EXPECT_THAT(reached, ElementsAre(u"Go back"_s, u"Go to Home"_s, u"Choose folder"_s, u"New folder"_s,
+                                     u"Refresh"_s, u"List view"_s, u"Grid view"_s, u"Search this folder"_s,
+                                     testing::_, u"Clear search"_s, u"Select all"_s, u"Title"_s));
 }
 
 TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
@@ -697,18 +730,15 @@ TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
     select({item(70'000)});
     QAccessibleInterface *list = accessible(entries());
     ASSERT_NE(list, nullptr);
-    EXPECT_EQ(list->role(), QAccessible::List);
-    EXPECT_EQ(list->text(QAccessible::Name), u"Title");
     ASSERT_EQ(list->childCount(), 100'000);
     EXPECT_EQ(list->child(100'000), nullptr);
 
     QAccessibleInterface *entry = list->child(70'000);
     ASSERT_NE(entry, nullptr);
-    EXPECT_EQ(entry->role(), QAccessible::ListItem);
     EXPECT_EQ(entry->text(QAccessible::Name), u"file 70000.txt");
     EXPECT_EQ(entry->text(QAccessible::Description), u"1 KB, —");
-    EXPECT_TRUE(entry->state().checkable && entry->state().checked && entry->state().offscreen);
-    EXPECT_TRUE(entry->state().selectable && entry->state().selected);
+    const QAccessible::State of = entry->state();
+    EXPECT_TRUE(of.checkable && of.checked && of.offscreen && of.selectable && of.selected);
     EXPECT_EQ(list->indexOfChild(entry), 70'000);
     EXPECT_EQ(list->child(70'000), entry) << "made twice";
 
@@ -716,14 +746,12 @@ TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
     EXPECT_FALSE(first->state().checked || first->state().selected || first->state().offscreen);
     EXPECT_EQ(list->childAt(first->rect().center().x(), first->rect().center().y()), first);
     EXPECT_EQ(first->rect().topLeft(), entries()->viewport()->mapToGlobal(rectOf(entries(), 0).topLeft()));
-    const QString toggle = QAccessibleActionInterface::toggleAction();
-    first->actionInterface()->doAction(toggle);
-    entry->actionInterface()->doAction(toggle);
-    EXPECT_THAT(calls, ElementsAre(u"toggle file 0.txt"_s, u"toggle file 70000.txt"_s));
+    first->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    entry->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
     EXPECT_TRUE(entry->state().selected) << "the pane decides";
-    calls.clear();
     entry->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_THAT(calls, ElementsAre(u"open file 70000.txt"_s));
+    EXPECT_THAT(calls,
+                ElementsAre(u"toggle file 0.txt"_s, u"toggle file 70000.txt"_s, u"open file 70000.txt"_s));
 
     entries()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(entries(), Qt::Key_End);
@@ -732,12 +760,9 @@ TEST_P(PaneLayoutTests, assistiveTechnologyFindsAHundredThousandEntries) {
     EXPECT_EQ(list->focusChild(), list->child(99'999));
     QTest::keyClick(entries(), Qt::Key_Home);
     // An entry that is gone says so.
-    QAccessibleInterface *last = accessible(entries())->child(99'999);
+    QAccessibleInterface *last = list->child(99'999);
     show(someFiles(2));
-    EXPECT_EQ(accessible(entries())->childCount(), 2);
     EXPECT_FALSE(last->isValid());
-    EXPECT_EQ(accessible(&view)->role(), QAccessible::Pane);
-    EXPECT_EQ(accessible(&view)->text(QAccessible::Name), u"Title");
 }
 
 /// No visible control reaches out of its parent or into a sibling.
@@ -765,14 +790,12 @@ void expectNothingOverlaps(QWidget &view) {
 }
 
 TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
-    const QString emoji = u"😀"_s.repeated(60);
     const QSize smallest = view.minimumSizeHint();
     const QSize hint = view.sizeHint();
     EXPECT_LE(smallest.width(), 390) << "two panes must fit into the smallest window";
     EXPECT_LE(smallest.height(), 320);
-    const QString texts[] = {QString(255, u'w'), emoji, u"שלום עולם.pdf"_s,
-                             u"/a/very/long/path"_s.repeated(40), u"line of an error\n"_s.repeated(10)};
-    for (const QString &text : texts) {
+    for (const QString &text : {QString(255, u'w'), u"😀"_s.repeated(60), u"שלום עולם.pdf"_s,
+                                u"/a/very/long/path"_s.repeated(40), u"line of an error\n"_s.repeated(10)}) {
         for (const PaneViewMode mode : allPaneViewModes) {
             SCOPED_TRACE(qPrintable(text.left(10) + rawValue(mode)));
             state.setItems({fileNamed(text), fileNamed(text, true)});
@@ -790,22 +813,12 @@ TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
             }
         }
     }
-    // A short text beside a long one is shown in full.
     pane.footerLeading = u"2 selected (12.4 MB)"_s;
     show();
     view.resize(smallest);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    EXPECT_FALSE(control<TextLabel>(view, u"footerLeading"_s)->isElided());
-    EXPECT_TRUE(control<TextLabel>(view, u"footerTrailing"_s)->isElided());
+    EXPECT_FALSE(control<TextLabel>(view, u"footerLeading"_s)->isElided()) << "short beside long";
     EXPECT_GT(control<TextLabel>(view, u"footerTrailing"_s)->width(), 60);
-    // Of a long error its end is seen, which is the reason.
-    const auto errorFor = [this](const QString &reason) {
-        pane.footerTrailing = u"ls: /sdcard/"_s + QString(200, u'p') + u": "_s + reason;
-        show();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-        return control<TextLabel>(view, u"footerTrailing"_s)->grab().toImage();
-    };
-    EXPECT_NE(errorFor(u"Permission denied"_s), errorFor(u"Input/output error"_s));
 }
 
 // -- Both panes on a model
@@ -824,10 +837,9 @@ protected:
     /// Shows the phone's storage and the local folder.
     void connectPhone() {
         refresh();
-        state->browseMac(folder);
+        browseMac(folder);
         ASSERT_TRUE(lists(android(), {u"DCIM"_s, u"note.txt"_s}));
         ASSERT_TRUE(lists(mac(), {u"sub"_s, u"local.txt"_s}));
-        ASSERT_TRUE(waitFor([this] { return !state->isLoadingAndroid() && !state->isLoadingMac(); }));
     }
     [[nodiscard]] QString here(const QString &name) const { return folder + u'/' + name; }
 
@@ -982,23 +994,13 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
               u"Transfer selected Android items to "_s + thisComputer());
     EXPECT_EQ(accessible(toAndroid)->text(QAccessible::Name),
               u"Transfer selected %1 items to Android"_s.arg(thisComputer()));
-    EXPECT_EQ(toMac->size(), QSize(34, 34));
-    EXPECT_EQ(toAndroid->y() - toMac->geometry().bottom() - 1, 10);
-
     connectPhone();
     EXPECT_FALSE(toMac->isEnabled() || toAndroid->isEnabled());
     clickEntry(mac(), 1);
     EXPECT_TRUE(waitFor([&] { return toAndroid->isEnabled(); }));
     EXPECT_FALSE(toMac->isEnabled());
     EXPECT_EQ(toAndroid->look().fill, AppTheme::accent());
-    EXPECT_EQ(toAndroid->look().strokeWidth, 0);
     EXPECT_EQ(toMac->look().fill, AppTheme::surface());
-    EXPECT_EQ(toMac->look().strokeWidth, 1);
-    clickEntry(android(), 1);
-    EXPECT_TRUE(waitFor([&] { return toMac->isEnabled(); }));
-    click(toMac);
-    EXPECT_TRUE(waitFor([&] { return QFile::exists(here(u"note.txt"_s)) && !state->isTransferring(); }));
-
     phone.unplug();
     state->refreshDevice(AppState::Spinner::hidden);
     EXPECT_TRUE(waitFor([&] { return !state->device().isConnected && !toAndroid->isEnabled(); }));
@@ -1007,58 +1009,43 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
 TEST_F(DualBrowserTests, keysActOnTheFocusedPane) {
     connectPhone();
     using Counts = std::pair<qsizetype, qsizetype>;
-    const auto selected = [this] {
+    const auto selectedAfter = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
         return Counts(state->androidSelectedIDs().size(), state->macSelectedIDs().size());
     };
-    const auto press = [](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-    };
     clickEntry(mac(), 0);
-    EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::mac);
-    press(Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(selected(), Counts(0, 2));
+    EXPECT_EQ(selectedAfter(Qt::Key_A, Qt::ControlModifier), Counts(0, 2));
     clickEntry(android(), 0);
     EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::android);
-    press(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(selected(), Counts(2, 2));
-    press(Qt::Key_Escape, Qt::AltModifier);
-    EXPECT_EQ(selected(), Counts(0, 2));
-    press(Qt::Key_A);
-    press(Qt::Key_Return);
-    EXPECT_EQ(selected(), Counts(0, 2)) << "other keys pass";
+    EXPECT_EQ(selectedAfter(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier), Counts(2, 2));
+    EXPECT_EQ(selectedAfter(Qt::Key_Return), Counts(2, 2)) << "other keys pass";
+    control<QWidget>(mac(), u"refresh"_s)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(selectedAfter(Qt::Key_Escape), Counts(2, 0)) << "however the keyboard came there";
+    control<QWidget>(android(), u"back"_s)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(selectedAfter(Qt::Key_Escape, Qt::AltModifier), Counts(0, 0));
 
-    // In the search field the keys are the field's.
+    // In the search field the keys are the field's, and an open menu keeps Escape for itself.
     clickEntry(android(), 1);
     auto *field = control<QLineEdit>(android(), u"searchField"_s);
     field->setFocus();
     QTest::keyClicks(field, u"note"_s);
-    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(selectedAfter(Qt::Key_A, Qt::ControlModifier), Counts(1, 0));
     EXPECT_EQ(field->selectedText(), u"note");
-    press(Qt::Key_Escape);
-    EXPECT_EQ(selected(), Counts(1, 2));
-
-    // An open menu keeps Escape for itself.
+    EXPECT_EQ(selectedAfter(Qt::Key_Escape), Counts(1, 0));
     QMenu *menu = menuAt(entriesOf(mac()), bodyOf(entriesOf(mac()), 0));
     ASSERT_NE(menu, nullptr);
     QTest::keyClick(menu, Qt::Key_Escape);
     EXPECT_FALSE(menu->isVisible());
-    EXPECT_EQ(selected(), Counts(1, 2));
+    EXPECT_EQ(state->androidSelectedIDs().size(), 1);
 }
 
-TEST_F(DualBrowserTests, keysAreConsumedOnlyWhileTheViewIsShown) {
+TEST_F(DualBrowserTests, keysOfAnyWindowAreHeardWhileTheViewIsShown) {
     connectPhone();
-    const auto outcome = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        const QKeyEvent event(QEvent::KeyPress, key, modifiers);
-        return DualBrowserView::handleKeyEvent(event, *state);
-    };
-    using Outcome = DualBrowserView::KeyOutcome;
     entriesOf(android())->setFocus();
-    EXPECT_EQ(outcome(Qt::Key_Escape), Outcome::consumed) << "with nothing to clear, too";
-    EXPECT_EQ(outcome(Qt::Key_A, Qt::ControlModifier), Outcome::consumed);
-    EXPECT_EQ(outcome(Qt::Key_B, Qt::ControlModifier), Outcome::passedOn);
-    EXPECT_EQ(state->androidSelectedIDs().size(), 2);
-
-    // The filter sees keys of any window, and none once the view is hidden.
+    for (const auto &[key, outcome] : {std::pair(Qt::Key_A, DualBrowserView::KeyOutcome::consumed),
+                                       {Qt::Key_B, DualBrowserView::KeyOutcome::passedOn}})
+        EXPECT_EQ(DualBrowserView::handleKeyEvent({QEvent::KeyPress, key, Qt::ControlModifier}, *state),
+                  outcome);
     QWidget elsewhere;
     elsewhere.show();
     QTest::keyClick(&elsewhere, Qt::Key_Escape);
@@ -1074,37 +1061,24 @@ TEST_F(DualBrowserTests, thePhonesPaneBrowses) {
     connectPhone();
     EXPECT_TRUE(footerSays(android(), u"2 items • 5 bytes"_s));
     EXPECT_EQ(text(android(), u"footerLeading"_s), u"Nothing selected");
-
     auto *spinner = android().findChild<Spinner *>();
     EXPECT_FALSE(spinner->isVisible());
     phone.set(u"ls.delay"_s, "0.5");
     doubleClickEntry(android(), 0);
     EXPECT_TRUE(footerSays(android(), u"Loading…"_s));
     EXPECT_TRUE(spinner->isVisible());
-    EXPECT_LE(
-        (spinner->mapTo(&android(), spinner->rect().center()) - android().rect().center()).manhattanLength(),
-        2);
     phone.reset(u"ls.delay"_s);
     EXPECT_TRUE(footerSays(android(), u"1 items • Zero KB"_s));
     EXPECT_FALSE(spinner->isVisible());
     EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage › DCIM");
-
     press(android(), u"back"_s);
     EXPECT_TRUE(lists(android(), {u"DCIM"_s, u"note.txt"_s}));
-    press(android(), u"back"_s);
-    EXPECT_EQ(state->androidCurrentPath(), u"/sdcard");
-    EXPECT_TRUE(waitFor([&] { return !state->isLoadingAndroid(); }));
-    phone.write(u"new.txt"_s, "");
-    press(android(), u"refresh"_s);
-    EXPECT_TRUE(lists(android(), {u"DCIM"_s, u"new.txt"_s, u"note.txt"_s}));
 
     phone.set(u"pull.delay"_s, "0.3");
-    choose(menuAt(entriesOf(android()), bodyOf(entriesOf(android()), 2)), u"Open"_s);
+    choose(menuAt(entriesOf(android()), bodyOf(entriesOf(android()), 1)), u"Open"_s);
     EXPECT_TRUE(footerSays(android(), u"Opening…"_s));
-    EXPECT_TRUE(spinner->isVisible());
     EXPECT_TRUE(waitFor([&] { return desktop.opened.size() == 1; }));
     EXPECT_TRUE(desktop.opened.first().endsWith(u"note.txt"_s));
-
     phone.deny(u"DCIM"_s);
     doubleClickEntry(android(), 0);
     EXPECT_TRUE(footerSays(android(), u"ls: /sdcard/DCIM/: Permission denied"_s));
@@ -1118,18 +1092,15 @@ TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     QTest::keyClicks(field, u"NOTE"_s);
     EXPECT_TRUE(lists(android(), {u"note.txt"_s}));
     EXPECT_EQ(text(android(), u"footerTrailing"_s), u"1 of 2 items • 5 bytes");
-    EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
-    EXPECT_EQ(state->androidSelectedIDs().size(), 1);
     press(android(), u"clearSearch"_s);
     EXPECT_TRUE(lists(android(), {u"DCIM"_s, u"note.txt"_s}));
     EXPECT_TRUE(state->androidSelectedIDs().isEmpty()) << "clearing goes through the model";
 
-    // The model is told of every change of the text and of the scope.
     QTest::keyClick(control<ScopePicker>(android(), u"scopePicker"_s), Qt::Key_Down);
     QTest::keyClicks(field, u"img"_s);
     EXPECT_TRUE(footerSays(android(), u"Searching device…"_s));
     EXPECT_EQ(text(android(), u"path"_s), u"Search results");
-    EXPECT_EQ(text(android(), u"nameColumn"_s), u"Name / Location");
+    EXPECT_EQ(control<ColumnButton>(android(), u"nameColumn"_s)->text(), u"Name / Location");
     EXPECT_TRUE(android().findChild<Spinner *>()->isVisible());
     EXPECT_TRUE(footerSays(android(), u"2 results for “img”"_s));
     EXPECT_EQ(FileEntry{itemsOf(android()).first()}.locationLabel(), u"Internal Storage › DCIM › Camera");
@@ -1139,11 +1110,11 @@ TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     press(android(), u"back"_s);
     EXPECT_TRUE(lists(android(), {u"DCIM"_s, u"note.txt"_s}));
     EXPECT_EQ(field->text(), QString());
-    EXPECT_EQ(text(android(), u"path"_s), u"Internal Storage");
-
-    field->clearFocus();
-    state->setAndroidSearchFocusToken(1);
-    EXPECT_TRUE(waitFor([&] { return field->hasFocus(); }));
+    for (const int token : {1, 2}) {
+        field->clearFocus();
+        state->setAndroidSearchFocusToken(token);
+        EXPECT_TRUE(waitFor([&] { return field->hasFocus(); }));
+    }
 }
 
 TEST_F(DualBrowserTests, theComputersPaneBrowses) {
@@ -1152,69 +1123,63 @@ TEST_F(DualBrowserTests, theComputersPaneBrowses) {
     const auto shows = [this](const QString &path) {
         return says(mac(), u"path"_s, path) && waitFor([&] { return !state->isLoadingMac(); });
     };
-    EXPECT_TRUE(shows(folder));
-
     doubleClickEntry(mac(), 1);
     EXPECT_THAT(desktop.opened, ElementsAre()) << "a file opens from its menu only";
-    EXPECT_FALSE(state->isLoadingMac());
     EXPECT_TRUE(says(mac(), u"footerLeading"_s, u"1 selected"_s));
-
     doubleClickEntry(mac(), 0);
     EXPECT_TRUE(shows(here(u"sub"_s)));
-    EXPECT_TRUE(lists(mac(), {u"deeper"_s}));
     press(mac(), u"back"_s);
     EXPECT_TRUE(shows(folder));
-
-    press(mac(), u"chooseFolder"_s);
-    EXPECT_TRUE(waitFor([&] { return desktop.folderQuestions.size() == 1; }));
-    EXPECT_TRUE(desktop.folderQuestions.first().endsWith(folder));
     desktop.nextFolder = here(u"sub/deeper"_s);
     press(mac(), u"chooseFolder"_s);
+    EXPECT_TRUE(desktop.folderQuestions.value(0).endsWith(folder));
     EXPECT_TRUE(shows(here(u"sub/deeper"_s)));
-
     desktop.nextText = u"made here"_s;
     press(mac(), u"newFolder"_s);
     EXPECT_TRUE(lists(mac(), {u"made here"_s}));
     press(mac(), u"home"_s);
     EXPECT_TRUE(shows(QDir::homePath()));
-
     state->browseMac(here(u"not there"_s));
     EXPECT_TRUE(footerSays(mac(), u"Folder not found: "_s + here(u"not there"_s)));
 }
 
-TEST_F(DualBrowserTests, eachPaneHasItsOwnLayoutAndSelection) {
+TEST_F(DualBrowserTests, whatIsDroppedIsCopied) {
     connectPhone();
-    press(mac(), u"gridView"_s);
-    EXPECT_TRUE(waitFor([&] { return control<FileItemsView>(mac(), u"fileGrid"_s)->isVisible(); }));
-    EXPECT_TRUE(control<FileItemsView>(android(), u"fileList"_s)->isVisible());
-
-    auto *box = control<SelectAllBox>(mac(), u"gridSelectAll"_s);
-    click(box);
-    EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::mac);
-    EXPECT_TRUE(waitFor([&] { return box->checkState() == Qt::Checked; }));
-    click(entriesOf(mac())->viewport(), markOf(entriesOf(mac()), 0));
-    EXPECT_TRUE(waitFor([&] { return box->checkState() == Qt::PartiallyChecked; }));
-    EXPECT_TRUE(state->androidSelectedIDs().isEmpty());
-
-    QWidget *viewport = entriesOf(android())->viewport();
-    click(viewport, viewport->rect().bottomLeft() + QPoint(50, -5));
-    EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::android);
+    QDir(folder).mkpath(u"into"_s);
+    write(here(u"from elsewhere.txt"_s), "text");
+    const auto drop = [](QWidget &pane, QMimeData *data, const QString &into) {
+        const FilePane &callbacks = pane.findChild<FilePaneView *>()->pane();
+        const qsizetype count = callbacks.dropCount(*data);
+        if (count > 0)
+            callbacks.onDrop(*data, into);
+        return count;
+    };
+    QMimeData elsewhere;
+    elsewhere.setUrls({QUrl::fromLocalFile(here(u"from elsewhere.txt"_s)), QUrl(u"https://example.org/x"_s)});
+    EXPECT_EQ(drop(android(), &elsewhere, u"/sdcard/DCIM"_s), 1) << "an address is no file";
+    EXPECT_EQ(drop(mac(), &elsewhere, folder), 0);
+    DraggedEntries note(BrowserSide::android, {fileNamed(u"note.txt"_s)});
+    EXPECT_EQ(drop(android(), &note, u"/sdcard/DCIM"_s), 0) << "the phone's own";
+    EXPECT_FALSE(note.hasUrls()) << "no other program reaches it";
+    FileItem item = fileNamed(u"note.txt"_s);
+    item.path = u"/sdcard/note.txt"_s;
+    DraggedEntries reachable(BrowserSide::android, {item});
+    EXPECT_EQ(drop(mac(), &reachable, here(u"into"_s)), 1);
+    EXPECT_TRUE(waitFor([&] { return state->queue().size() == 2 && !state->isTransferring(); }));
+    EXPECT_EQ(contents(here(u"into/note.txt"_s)), "hello");
+    EXPECT_EQ(phone.read(u"DCIM/from elsewhere.txt"_s), "text");
+    phone.unplug();
+    refresh();
+    EXPECT_EQ(drop(mac(), &reachable, folder), 0) << "there is no phone";
 }
 
 TEST(AndroidBrowserPaneTests, backNeverLeavesTheSharedStorage) {
-    const std::pair<QString, QString> cases[] = {
-        {u"/sdcard/DCIM/Camera"_s, u"/sdcard/DCIM"_s},
-        {u"/sdcard/DCIM/"_s, u"/sdcard"_s},
-        {u"/sdcard"_s, u"/sdcard"_s},
-        {QString(), u"/sdcard"_s},
-        {u"/"_s, u"/sdcard"_s},
-        {u"/data"_s, u"/sdcard"_s},
-        {u"/storage/emulated/0/Music"_s, u"/storage/emulated/0"_s},
-        {u"/storage/emulated/0"_s, u"/sdcard"_s},
-        {u"/storage//1234-ABCD//x"_s, u"/storage/1234-ABCD"_s},
-    };
-    for (const auto &[path, parent] : cases)
-        EXPECT_EQ(AndroidBrowserPane::parentAndroidPath(path), parent) << qPrintable(path);
+    for (const QString &both :
+         u"/sdcard/DCIM/Camera>/sdcard/DCIM /sdcard/DCIM/>/sdcard /sdcard>/sdcard >/sdcard "
+         "/>/sdcard /data>/sdcard /storage/emulated/0/Music>/storage/emulated/0 "
+         "/storage/emulated/0>/sdcard /storage//1234-ABCD//x>/storage/1234-ABCD"_s.split(u' '))
+        EXPECT_EQ(AndroidBrowserPane::parentAndroidPath(both.section(u'>', 0, 0)), both.section(u'>', 1))
+            << qPrintable(both);
 }
 
 } // namespace

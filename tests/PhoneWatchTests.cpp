@@ -3,8 +3,6 @@
 #include "support/ModelTest.h"
 #include "support/Processes.h"
 
-#include <QSignalSpy>
-
 using namespace Qt::StringLiterals;
 using namespace vantrel;
 
@@ -18,12 +16,7 @@ protected:
         return std::count_if(lines.begin(), lines.end(),
                              [&](const QStringList &line) { return line.contains(word); });
     }
-    [[nodiscard]] static qsizetype trackers() {
-        const auto children = processes::children();
-        return std::count_if(children.begin(), children.end(), [](const processes::Child &child) {
-            return child.commandLine.contains("track-devices");
-        });
-    }
+    [[nodiscard]] static qsizetype trackers() { return processes::childrenCalled("track-devices"); }
     void follow() {
         watch().start();
         ASSERT_TRUE(waitFor([&] { return asked(u"track-devices"_s) > 0; }));
@@ -72,47 +65,45 @@ TEST_F(PhoneWatchTests, adbTellsOfEveryPhoneThatComesAndGoes) {
 }
 
 TEST_F(PhoneWatchTests, everyStateIsTold) {
-    const std::pair<const char *, PhoneTrouble> cases[] = {
-        {"unauthorized", PhoneTrouble::unauthorized},
-        {"authorizing", PhoneTrouble::authorizing},
-        {"connecting", PhoneTrouble::authorizing},
-        {"offline", PhoneTrouble::offline},
-        {"recovery", PhoneTrouble::recovery},
-        {"rescue", PhoneTrouble::recovery},
-        {"sideload", PhoneTrouble::sideload},
-        {"bootloader", PhoneTrouble::bootloader},
-        {"host", PhoneTrouble::offline},
-        {"none", PhoneTrouble::noPhone},
-        {"no permissions (user in plugdev group; are your udev rules wrong?); see [http://x]",
-         PhoneTrouble::noPermissions},
-    };
+    using enum PhoneTrouble;
+    const std::pair<PhoneTrouble, QByteArrayList> cases[] = {
+        {unauthorized, {"unauthorized"}},
+        {authorizing, {"authorizing", "connecting"}},
+        {offline, {"offline", "host"}},
+        {recovery, {"recovery", "rescue"}},
+        {sideload, {"sideload"}},
+        {bootloader, {"bootloader"}},
+        {noPhone, {"none"}},
+        {noPermissions,
+         {"no permissions (user in plugdev group; are your udev rules wrong?); see [http://x]"}}};
     follow();
-    for (const auto &[word, trouble] : cases) {
-        phone.set(u"state"_s, word);
-        ASSERT_TRUE(waitFor([&] { return watch().trouble() == trouble; })) << word;
-        EXPECT_EQ(state->deviceStatusMessage(), ADBError::noDevice().errorDescription()) << word;
-        EXPECT_FALSE(state->device().isConnected);
-        phone.plug();
-        waitForPhone(DemoPhone::serial());
-        EXPECT_EQ(watch().trouble(), PhoneTrouble::none);
-    }
+    for (const auto &[trouble, words] : cases)
+        for (const QByteArray &word : words) {
+            phone.set(u"state"_s, word);
+            ASSERT_TRUE(waitFor([&] { return watch().trouble() == trouble; })) << word.toStdString();
+            EXPECT_EQ(state->deviceStatusMessage(), ADBError::noDevice().errorDescription())
+                << word.toStdString();
+            EXPECT_FALSE(state->device().isConnected);
+            phone.plug();
+            waitForPhone(DemoPhone::serial());
+            EXPECT_EQ(watch().trouble(), PhoneTrouble::none);
+        }
     watch().stop();
     const std::pair<const char *, PhoneTrouble> errors[] = {
         {"adb server version (41) doesn't match this client (39); killing...\nerror: protocol fault",
-         PhoneTrouble::serverRestarts},
-        {"adb server is out of date.  killing...\n", PhoneTrouble::serverRestarts},
+         serverRestarts},
+        {"adb server is out of date.  killing...\n", serverRestarts},
         {"* daemon not running; starting now at tcp:5037\nADB server didn't ACK\nadb: error: cannot bind "
          "'tcp:5037': Address already in use",
-         PhoneTrouble::portTaken},
+         portTaken},
         {"* failed to start daemon\nadb: error: cannot connect to daemon at tcp:5037: Connection refused",
-         PhoneTrouble::portTaken},
-        {"error: something new", PhoneTrouble::other},
+         portTaken},
+        {"error: something new", other},
     };
     phone.set(u"devices.exit"_s, "1");
     for (const auto &[words, trouble] : errors) {
         phone.set(u"devices.stderr"_s, words);
-        state->refreshDevice(AppState::Spinner::shown);
-        ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
+        refresh();
         EXPECT_EQ(watch().trouble(), trouble) << words;
     }
 }
@@ -149,56 +140,64 @@ TEST_F(PhoneWatchTests, thePhoneThatIsShownStaysShownWhileItIsReady) {
     waitForPhone(DemoPhone::serial());
     connectPhone();
     EXPECT_EQ(state->device().id, DemoPhone::serial()) << "what was chosen stays";
+
+    // What a phone says after another one was chosen is not wanted any more.
+    const auto chooseWhile = [&](const QString &word, const QString &next, const std::function<void()> &ask) {
+        const qsizetype before = asked(word);
+        phone.set(word + u".delay"_s, "1");
+        ask();
+        ASSERT_TRUE(waitFor([&] { return asked(word) > before; }));
+        phone.reset(word + u".delay"_s);
+        phone.reset(u"storage-used"_s);
+        watch().show(next);
+        ASSERT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
+        EXPECT_EQ(state->device().id, next);
+        EXPECT_NE(state->device().usedBytes, 1000) << "of the other one";
+    };
+    phone.set(u"storage-used"_s, "1000");
+    chooseWhile(u"df"_s, u"A1"_s, [&] { watch().refreshStorage(); });
+    chooseWhile(u"getprop"_s, u"A1"_s, [&] { watch().show(DemoPhone::serial()); });
+    watch().show(DemoPhone::serial());
+    waitForPhone(DemoPhone::serial());
     phone.setOther(u"A1"_s, u"none"_s);
     ASSERT_TRUE(waitFor([&] { return watch().phones().size() == 1; }));
     EXPECT_EQ(state->device().id, DemoPhone::serial());
 }
 
-TEST_F(PhoneWatchTests, aSerialMayLookLikeAnOption) {
+TEST_F(PhoneWatchTests, aHundredPhonesAreListedAndASerialMayLookLikeAnOption) {
     phone.unplug();
+    for (int i = 0; i < 100; ++i)
+        phone.setOther(u"S%1"_s.arg(i), i % 2 == 0 ? u"offline"_s : u"unauthorized"_s);
     phone.setOther(u"-d"_s, u"device"_s, u"Odd One"_s);
     follow();
     waitForPhone(u"-d"_s);
     EXPECT_EQ(state->device().name, u"Odd One"_s);
-}
-
-TEST_F(PhoneWatchTests, aHundredPhonesAreListed) {
-    for (int i = 0; i < 100; ++i)
-        phone.setOther(u"S%1"_s.arg(i), i % 2 == 0 ? u"offline"_s : u"unauthorized"_s);
-    follow();
-    waitForPhone(DemoPhone::serial());
     EXPECT_EQ(watch().phones().size(), 101);
 }
 
 TEST_F(PhoneWatchTests, phonesAreLookedForWhenAdbDoesNotTell) {
-    struct Case {
-        const char *name;
-        const char *setting;
-        QByteArray value;
-    };
-    const Case cases[] = {
-        {"an adb that does not know the command", "track-devices.exit", "1"},
-        {"garbage", "track-devices.stdout", "List of devices attached\n"},
-        {"garbage behind a list", "track-devices.stdout", "0000zzzz"},
-        {"a list without an end", "track-devices.stdout", "fffe"},
-    };
-    for (const Case &c : cases) {
+    // An adb that does not know the command, garbage, garbage behind a list, and a list without an end.
+    for (const auto &[setting, value] : {std::pair(u"exit"_s, QByteArray("1")),
+                                         {u"stdout"_s, "List of devices attached\n"},
+                                         {u"stdout"_s, "0000zzzz"},
+                                         {u"stdout"_s, "fffe"}}) {
+        SCOPED_TRACE(value.toStdString());
         phone.resetAll();
         phone.unplug();
-        phone.set(QLatin1String(c.setting), c.value);
+        phone.set(u"track-devices."_s + setting, value);
         follow();
-        ASSERT_TRUE(waitFor([&] { return timer().isActive(); })) << c.name;
-        EXPECT_EQ(timer().intervalAsDuration(), PhoneWatch::lookInterval) << c.name;
-        const bool mayBecomeAList = c.value == "fffe";
-        ASSERT_TRUE(waitFor([&] { return trackers() == (mayBecomeAList ? 1 : 0); })) << c.name;
+        ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
+        EXPECT_EQ(timer().intervalAsDuration(), PhoneWatch::lookInterval);
+        const bool mayBecomeAList = value == "fffe";
+        ASSERT_TRUE(waitFor([&] { return trackers() == (mayBecomeAList ? 1 : 0); }));
         phone.plug();
         timer().start(0);
         waitForPhone(DemoPhone::serial());
-        EXPECT_EQ(asked(u"devices"_s), 1) << c.name;
+        EXPECT_EQ(asked(u"devices"_s), 1);
         phone.unplug();
         timer().start(0);
         waitForPhone(none);
-        EXPECT_EQ(asked(u"devices"_s), 2) << c.name;
+        EXPECT_EQ(asked(u"devices"_s), 2);
 
         // An adb that cannot is not asked to with every look.
         const qsizetype attempts = asked(u"track-devices"_s);
@@ -207,7 +206,7 @@ TEST_F(PhoneWatchTests, phonesAreLookedForWhenAdbDoesNotTell) {
             timer().start(0);
             ASSERT_TRUE(waitFor([&] { return asked(u"devices"_s) == 3 + look; }));
         }
-        EXPECT_LE(asked(u"track-devices"_s), attempts + 1) << c.name;
+        EXPECT_LE(asked(u"track-devices"_s), attempts + 1);
         watch().stop();
     }
 }

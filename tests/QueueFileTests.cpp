@@ -91,6 +91,7 @@ TEST_F(QueueFileTests, aFileThatIsNotOneIsPutAsideAndLeadsNowhere) {
         {"{\"program\":\"vantrel\",\"version\":2}", "is of another version"},
         {keptWith(u"name"_s, u"../a"_s), "is damaged in part"},
         {keptWith(u"name"_s, u".."_s), "is damaged in part"},
+        {keptWith(u"name"_s, u"sub/a"_s), "is damaged in part"},
         {keptWith(u"name"_s, u""_s), "is damaged in part"},
         {keptWith(u"name"_s, 7), "is damaged in part"},
         {keptWith(u"folder"_s, u"/tmp/../etc"_s), "is damaged in part"},
@@ -118,8 +119,10 @@ TEST_F(QueueFileTests, aFileThatIsNotOneIsPutAsideAndLeadsNowhere) {
     // A folder that cannot be made is said, and nothing else comes of it.
     write(mac.filePath(u"taken"_s), "x");
     QueueFile nowhere(mac.filePath(u"taken/state"_s));
-    EXPECT_TRUE(nowhere.open().problem.contains(u"will not be remembered"_s));
-    EXPECT_EQ(nowhere.write(state->queue(), 1), QString());
+    const QueueFile::Contents nothing = nowhere.open();
+    EXPECT_TRUE(nothing.problem.contains(u"will not be remembered"_s));
+    EXPECT_FALSE(nothing.mayWrite);
+    EXPECT_EQ(nowhere.write(state->queue(), 1), nothing.problem);
 }
 
 TEST_F(QueueFileTests, programsAtTheSameTimeHaveAFileEachAndALaterOneTakesUpBoth) {

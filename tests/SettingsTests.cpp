@@ -1,16 +1,15 @@
 #include "App/System/Settings.h"
 #include "App/System/SingleInstance.h"
 #include "App/System/UsageAnalytics.h"
+#include "support/Environment.h"
 #include "support/Files.h"
 #include "support/WaitFor.h"
 
-#include <QLocalServer>
-#include <QLocalSocket>
+#include <QtNetwork>
 #include <QtTest>
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <map>
 #include <sys/stat.h>
 #include <thread>
 
@@ -42,25 +41,18 @@ TEST_F(SettingsTests, areNotWrittenAgainWithoutAChange) {
 }
 
 TEST_F(SettingsTests, areReadAsTheyAreStored) {
-    struct Case {
-        QByteArray text;
-        bool isDark = false;
-        QString doubleClick = u"Maximize"_s;
-        bool analyticsDisabled = false;
-    };
-    for (const auto &[text, isDark, doubleClick, analyticsDisabled] : {
-             Case{""},
-             Case{"[General]\nappearancePreference=dark\nAppleActionOnDoubleClick=Minimize\n", true,
-                  u"Minimize"_s},
-             Case{"appearancePreference=Dark\nAppleActionOnDoubleClick=None\nanalyticsDisabled=false\n",
-                  false, u"None"_s},
-             Case{"appearancePreference=dark, light\nAppleActionOnDoubleClick=\nanalyticsDisabled=1\n", false,
-                  u"Maximize"_s, true},
-             Case{"[Other]\nappearancePreference=dark\n"},
-             Case{"# mine\n; too\n\n  appearancePreference = dark \r\nanalyticsDisabled = TRUE\n", true,
-                  u"Maximize"_s, true},
-             Case{"\xef\xbb\xbf[General]\nanalyticsDisabled=please\n", false, u"Maximize"_s, true},
-         }) {
+    const QString zoom = u"Maximize"_s;
+    for (const auto &[text, isDark, doubleClick, analyticsDisabled] :
+         {std::tuple(QByteArray(), false, zoom, false),
+          {"[General]\nappearancePreference=dark\nAppleActionOnDoubleClick=Minimize\n", true, u"Minimize"_s,
+           false},
+          {"appearancePreference=Dark\nAppleActionOnDoubleClick=None\nanalyticsDisabled=false\n", false,
+           u"None"_s, false},
+          {"appearancePreference=dark, light\nAppleActionOnDoubleClick=\nanalyticsDisabled=1\n", false, zoom,
+           true},
+          {"[Other]\nappearancePreference=dark\n", false, zoom, false},
+          {"# mine\n; too\n\n  appearancePreference = dark \r\nanalyticsDisabled = TRUE\n", true, zoom, true},
+          {"\xef\xbb\xbf[General]\nanalyticsDisabled=please\n", false, zoom, true}}) {
         SCOPED_TRACE(text.toStdString());
         write(path, text);
         const Settings settings(path);
@@ -84,8 +76,8 @@ TEST_F(SettingsTests, theWindowsGeometryIsStoredOrCountsAsNotSet) {
         settings.setWindowGeometry({.size = QSize(1100, 720)});
         EXPECT_EQ(settings.windowGeometry().position, left.position) << "where the desktop does not tell";
     }
-    for (const char *nonsense : {"", "1300", "1300x", "x800", "1300x800x2", "-1300x800", "0x0", "1300,800",
-                                 "1e3x800", "99999999999x800", "2000000x2", "a lot", "-2147483648x1"}) {
+    for (const char *nonsense : {"", "1300x", "x800", "1300x800x2", "-1300x800", "0x0", "1300,800", "1e3x800",
+                                 "99999999999x800", "2000000x2", "-2147483648x1"}) {
         write(path,
               QByteArray("windowSize=") + nonsense + "\nwindowPosition=" + nonsense + "\nwindowZoomed=1");
         const WindowGeometry read = Settings(path).windowGeometry();
@@ -93,6 +85,13 @@ TEST_F(SettingsTests, theWindowsGeometryIsStoredOrCountsAsNotSet) {
         EXPECT_EQ(read.position.has_value(), QByteArray(nonsense) == "1300,800") << nonsense;
         EXPECT_FALSE(read.isZoomed);
     }
+}
+
+TEST_F(SettingsTests, eachPaneHasItsOrder) {
+    const FileOrder newest{FileSortKey::modified, Qt::DescendingOrder};
+    Settings(path).setFileOrder(BrowserSide::mac, newest);
+    EXPECT_EQ(Settings(path).fileOrder(BrowserSide::mac), newest);
+    EXPECT_EQ(Settings(path).fileOrder(BrowserSide::android), FileOrder());
 }
 
 TEST_F(SettingsTests, damagedOnesAreSetAsideAndMayHaveSaidNo) {
@@ -119,17 +118,16 @@ TEST_F(SettingsTests, damagedOnesAreSetAsideAndMayHaveSaidNo) {
 }
 
 TEST_F(SettingsTests, areChangedWithoutDisturbingWhatPeopleWrote) {
-    for (const auto &[before, after] : {
-             std::pair<QByteArray, QByteArray>{"", "analyticsDisabled=true\nappearancePreference=dark\n"},
-             {"# my choices\n\nappearancePreference = light\n# the end",
-              "# my choices\n\nappearancePreference=dark\n# the end\nanalyticsDisabled=true\n"},
-             {"[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n\n[Last]\nk=v\n",
-              "[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n"
-              "analyticsDisabled=true\nappearancePreference=dark\n\n[Last]\nk=v\n"},
-             {"appearancePreference=a\nother=@Variant(x)\nappearancePreference=b\n",
-              "appearancePreference=dark\nother=@Variant(x)\nappearancePreference=dark\n"
-              "analyticsDisabled=true\n"},
-         }) {
+    for (const auto &[before, after] :
+         {std::pair<QByteArray, QByteArray>{"", "analyticsDisabled=true\nappearancePreference=dark\n"},
+          {"# my choices\n\nappearancePreference = light\n# the end",
+           "# my choices\n\nappearancePreference=dark\n# the end\nanalyticsDisabled=true\n"},
+          {"[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n\n[Last]\nk=v\n",
+           "[Other]\nanalyticsDisabled=x\n\n[General]\nAppleActionOnDoubleClick=None\n"
+           "analyticsDisabled=true\nappearancePreference=dark\n\n[Last]\nk=v\n"},
+          {"appearancePreference=a\nother=@Variant(x)\nappearancePreference=b\n",
+           "appearancePreference=dark\nother=@Variant(x)\nappearancePreference=dark\n"
+           "analyticsDisabled=true\n"}}) {
         write(path, before);
         Settings settings(path);
         settings.setAppearancePreference(ColorScheme::dark);
@@ -165,13 +163,9 @@ TEST_F(SettingsTests, workWithoutAPlaceToStoreThem) {
 
 TEST(UsageAnalyticsTests, followsTheSettings) {
     const QTemporaryDir home;
-    std::map<const char *, QByteArray> before;
-    for (const auto &[name, value] : {std::pair("XDG_CONFIG_HOME", home.path().toUtf8()),
-                                      {"XDG_CACHE_HOME", home.path().toUtf8()},
-                                      {"DO_NOT_TRACK", "0"}}) {
-        before[name] = qgetenv(name);
-        qputenv(name, value);
-    }
+    const Environment environment({{"XDG_CONFIG_HOME", home.path().toUtf8()},
+                                   {"XDG_CACHE_HOME", home.path().toUtf8()},
+                                   {"DO_NOT_TRACK", "0"}});
     Settings settings(home.filePath(u"settings.ini"_s));
     settings.setAnalyticsDisabled(true);
     const auto kept = [&home](const QString &key) {
@@ -202,8 +196,6 @@ TEST(UsageAnalyticsTests, followsTheSettings) {
         settings.setAnalyticsDisabled(true);
     }
     EXPECT_NE(users.constFirst(), users.constLast());
-    for (const auto &[name, value] : before)
-        qputenv(name, value);
 }
 
 class SingleInstanceTests : public ::testing::Test {
@@ -250,10 +242,6 @@ TEST_F(SingleInstanceTests, aSecondStartRaisesTheFirst) {
 }
 
 TEST_F(SingleInstanceTests, readsTheScreenAndTheTokenFromTheEnvironment) {
-    const char *names[] = {"WAYLAND_DISPLAY", "DISPLAY", "XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"};
-    QByteArray before[4];
-    for (int i = 0; i < 4; ++i)
-        before[i] = qgetenv(names[i]);
     using Values = std::array<QByteArray, 4>;
     for (const auto &[values, screen, token] :
          {std::tuple(Values{"", "", "", ""}, u""_s, QByteArray()),
@@ -262,13 +250,13 @@ TEST_F(SingleInstanceTests, readsTheScreenAndTheTokenFromTheEnvironment) {
           {Values{"", ":1.0", "", ""}, u":1"_s, ""},
           {Values{"", ":1.1", "", ""}, u":1.1"_s, ""},
           {Values{"", "localhost:10.0", "", ""}, u"localhost:10"_s, ""}}) {
-        for (size_t i = 0; i < 4; ++i)
-            qputenv(names[i], values[i]);
+        const Environment environment({{"WAYLAND_DISPLAY", values[0]},
+                                       {"DISPLAY", values[1]},
+                                       {"XDG_ACTIVATION_TOKEN", values[2]},
+                                       {"DESKTOP_STARTUP_ID", values[3]}});
         EXPECT_EQ(SingleInstance::userScreen(), screen);
         EXPECT_EQ(SingleInstance::activationToken(), token);
     }
-    for (int i = 0; i < 4; ++i)
-        qputenv(names[i], before[i]);
 }
 
 TEST_F(SingleInstanceTests, takesOverAfterABadEnd) {

@@ -1,9 +1,12 @@
 // What hangs in the window: driven by keys and mouse as the window system would, and seen by assistive
 // technology.
 
+#include "support/Files.h"
 #include "support/MainWindowFixture.h"
 
 #include "App/Sheets/AboutView.h"
+#include "App/Sheets/KeyboardTable.h"
+#include "App/Sheets/KeyboardView.h"
 #include "App/Sheets/TextPrompt.h"
 #include "App/Sheets/UpdateView.h"
 #include "App/Sheets/WirelessView.h"
@@ -12,6 +15,8 @@
 #include "support/Processes.h"
 
 #include <QtWidgets>
+
+#include <map>
 
 namespace vantrel {
 namespace {
@@ -265,6 +270,79 @@ TEST_F(SheetTests, aHostThatNeverAnswersIsGivenUp) {
     phone.set(u"wireless"_s, "10.0.0.2:5555");
     connectTo(u"10.0.0.2:5555"_s, u"40001"_s, u"123456"_s);
     EXPECT_TRUE(waitFor([&] { return model->device().id == u"10.0.0.2:5555"_s; }));
+}
+
+/// What the window did for the keys of a command, and what it would not do while a sheet is open.
+TEST_F(SheetTests, theKeysOfTheTableAct) {
+    phone.write(u"folder/b"_s, "x");
+    model->clearSelection(BrowserSide::android);
+    model->browseAndroid(u"/sdcard/folder"_s);
+    ASSERT_TRUE(waitFor([&] { return !model->isLoadingAndroid() && model->androidItems().size() == 1; }));
+    child<QWidget>("androidPane")
+        ->findChild<QAbstractItemView *>(u"fileList"_s)
+        ->setFocus(Qt::TabFocusReason);
+    const auto focusIsIn = [&](const char *pane, const QString &name) {
+        const QWidget *focused = QApplication::focusWidget();
+        return focused && child<QWidget>(pane)->isAncestorOf(focused) && focused->objectName() == name;
+    };
+    const std::map<WindowCommand, std::function<bool()>> effects{
+        {WindowCommand::refresh, [&] { return model->isLoadingAndroid(); }},
+        {WindowCommand::goUp, [&] { return model->androidCurrentPath() == u"/sdcard"; }},
+        {WindowCommand::editPath, [&] { return focusIsIn("androidPane", u"pathField"_s); }},
+        {WindowCommand::search, [&] { return focusIsIn("androidPane", u"searchField"_s); }},
+        {WindowCommand::switchPanes, [&] { return focusIsIn("macPane", u"fileList"_s); }},
+        {WindowCommand::copyToComputer, [&] { return model->queue().size() == 1; }},
+        {WindowCommand::copyToPhone, [&] { return model->queue().size() == 2; }},
+        {WindowCommand::openMenu, [] { return QApplication::activePopupWidget() != nullptr; }},
+        {WindowCommand::toggleFullScreen, [&] { return window->isFullScreen(); }},
+        {WindowCommand::showKeyboard, [&] { return shown<KeyboardView>() != nullptr; }},
+    };
+    write(mac.filePath(u"mine"_s), "x");
+    for (const KeyboardEntry &entry : keyboardTable()) {
+        for (const QKeySequence &sequence : entry.command ? entry.sequences : QList<QKeySequence>()) {
+            SCOPED_TRACE(qPrintable(entry.does + u": "_s + sequence.toString()));
+            window->setFocus(); // no field has the keyboard
+            model->browseAndroid(u"/sdcard/folder"_s);
+            model->browseMac(mac.path());
+            ASSERT_TRUE(waitFor([&] { return !model->isLoadingAndroid() && !model->isLoadingMac(); }));
+            model->setFocusedBrowserSide(BrowserSide::android);
+            model->selectAllVisible(BrowserSide::android);
+            model->selectItem(model->macItems().last(), BrowserSide::mac);
+            const auto &acted = effects.at(*entry.command);
+            EXPECT_FALSE(acted());
+            const QKeyCombination keys = sequence[0];
+            const auto press = [&] { key(keys.key(), keys.keyboardModifiers()); };
+            window->showAbout();
+            press();
+            EXPECT_FALSE(acted()) << "behind a sheet";
+            shown<AboutView>()->close();
+            ASSERT_TRUE(waitFor([&] { return !window->findChild<AboutView *>(); }));
+            press();
+            EXPECT_TRUE(waitFor(acted));
+            if (QWidget *popup = QApplication::activePopupWidget())
+                popup->close();
+            if (auto *sheet = shown<KeyboardView>())
+                sheet->close();
+            window->setWindowState(Qt::WindowNoState);
+        }
+    }
+}
+
+/// docs/keyboard.md says the same.
+TEST(KeyboardTableTests, isWhatTheDocumentSays) {
+    QString table;
+    QString group;
+    for (const KeyboardEntry &entry : keyboardTable()) {
+        if (std::exchange(group, entry.group) != entry.group)
+            table += u"\n## "_s + group + u"\n\n| keys | what they do |\n| --- | --- |\n"_s;
+        table += u"| "_s + entry.title() + u" | "_s + entry.does + u" |\n"_s;
+    }
+    QFile document(QStringLiteral(VANTREL_TEST_DATA "/../../docs/keyboard.md"));
+    ASSERT_TRUE(document.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(document.readAll());
+    EXPECT_TRUE(text.endsWith(table)) << "it is to end with:\n" << qPrintable(table);
+}
+
 }
 
 } // namespace

@@ -2,26 +2,11 @@
 // end once, in a state that the disk bears out, and nothing may be left over. VANTREL_SOAK_FILES and
 // VANTREL_SOAK_SEED choose how many files and which run; ./test --soak is the long one.
 
-#include "support/DemoPhone.h"
-#include "support/FakeDesktop.h"
-#include "support/Files.h"
-#include "support/Printers.h"
+#include "support/ModelTest.h"
 #include "support/Processes.h"
-#include "support/WaitFor.h"
 
-#include "ADB/ADBClient.h"
-#include "State/AppState.h"
 #include "Transfers/StagedName.h"
-#include "Worker/Worker.h"
 
-#include <QElapsedTimer>
-#include <QRandomGenerator>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <gtest/gtest.h>
-
-#include <cstdio>
 #ifdef __SANITIZE_ADDRESS__
 extern "C" size_t __sanitizer_get_current_allocated_bytes(); // gcc brings no header for it
 #endif
@@ -51,10 +36,9 @@ struct Copy {
     bool isRemoved = false;
 };
 
-class Soak : public ::testing::Test {
+class Soak : public ModelTest {
 protected:
     Soak() {
-        qputenv("XDG_CACHE_HOME", QFile::encodeName(mac.filePath(u"cache"_s)));
         for (const QString &name : {u"kept/a.txt"_s, u"kept/b.txt"_s}) {
             phone.write(name, "kept");
             write(mac.filePath(name), "kept");
@@ -68,10 +52,6 @@ protected:
         };
         QObject::connect(state->transfers().queueModel(), &QAbstractItemModel::dataChanged, state.get(),
                          onRow);
-    }
-    ~Soak() override {
-        state.reset();
-        Background::stop(&ADBClient::stopRunningTools);
     }
 
     [[nodiscard]] QString here(const QString &name) const { return mac.filePath(name); }
@@ -87,17 +67,14 @@ protected:
     }
 
     void show(const QString &phoneFolder, const QString &macFolder) {
-        state->browseAndroid(phoneFolder);
-        state->browseMac(macFolder);
-        ASSERT_TRUE(waitFor([&] { return !state->isLoadingAndroid() && !state->isLoadingMac(); }));
+        browsePhone(phoneFolder);
+        browseMac(macFolder);
         ASSERT_EQ(state->androidBrowseError(), std::nullopt);
     }
     void connectPhone() {
         phone.plug();
-        while (!state->device().isConnected) {
-            state->refreshDevice(AppState::Spinner::shown);
-            ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
-        }
+        while (!state->device().isConnected)
+            refresh();
     }
     void rest() {
         ASSERT_TRUE(waitFor([&] {
@@ -243,10 +220,6 @@ protected:
             << "nothing else was written";
     }
 
-    DemoPhone phone;
-    QTemporaryDir mac;
-    FakeDesktop desktop;
-    std::unique_ptr<AppState> state = AppState::designPreview(desktop);
     QHash<QUuid, Copy> copies;
     QMap<QString, int> outcomes;
     QRandomGenerator random;

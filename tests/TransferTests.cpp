@@ -8,7 +8,15 @@
 using namespace Qt::StringLiterals;
 using namespace vantrel;
 
-using TransferTests = ModelTest;
+class TransferTests : public ModelTest {
+protected:
+    /// How often the phone was asked what is in a folder.
+    [[nodiscard]] qsizetype listings() const {
+        const auto lines = phone.commandLines();
+        return std::count_if(lines.begin(), lines.end(),
+                             [](const QStringList &line) { return line.contains(u"ls"_s); });
+    }
+};
 
 TEST_F(TransferTests, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
     for (const char *name : {"A", "B", "C", "D", "E"})
@@ -61,16 +69,20 @@ TEST_F(TransferTests, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
 TEST_F(TransferTests, neverOverwrites) {
     phone.write(u"same.txt"_s, "phone");
     phone.write(u"Dir/inner"_s, "phone");
+    phone.write(u"Dir/sub/deep/file"_s, "phone");
     write(here(u"same.txt"_s), "mac");
     write(here(u"Dir/mine"_s), "mac");
+    write(here(u"Dir/sub"_s), "mac");
     connectPhone();
     browseHere();
     state->selectAllVisible(BrowserSide::android);
     state->transferAndroidToMac();
     waitForQueue();
     // The folder merges, the file with another content waits for the user.
-    const QString outcome = u"Dir:Done|same.txt:Another “same.txt” is already there."_s;
+    const QString outcome = u"Dir:1 of 2 could not be copied|same.txt:Another “same.txt” is already there."_s;
     EXPECT_EQ(statuses(), outcome);
+    EXPECT_EQ(state->queue().first().problemText(), u"sub/deep/file: “sub/deep” is no folder there"_s);
+    EXPECT_EQ(contents(here(u"Dir/sub"_s)), "mac");
     EXPECT_EQ(contents(here(u"same.txt"_s)), "mac");
     EXPECT_EQ(contents(here(u"Dir/inner"_s)), "phone");
     EXPECT_EQ(contents(here(u"Dir/mine"_s)), "mac");
@@ -79,7 +91,8 @@ TEST_F(TransferTests, neverOverwrites) {
     state->selectAllVisible(BrowserSide::mac);
     state->transferMacToAndroid();
     waitForQueue();
-    EXPECT_EQ(statuses(), u"Dir:1 copied, 1 already there|same.txt:Another “same.txt” is already there."_s);
+    EXPECT_EQ(statuses(),
+              u"Dir:1 of 3 differ from what is there|same.txt:Another “same.txt” is already there."_s);
     EXPECT_EQ(phone.read(u"same.txt"_s), "phone");
     EXPECT_EQ(phone.read(u"Dir/mine"_s), "mac");
     EXPECT_FALSE(phone.exists(u"Dir/Dir"_s));
@@ -98,6 +111,12 @@ TEST_F(TransferTests, pushesNothingWhenThePhoneDoesNotSayWhetherTheNameIsFree) {
     EXPECT_EQ(statuses(), u"same.txt:error: closed"_s);
     EXPECT_EQ(copyOrder(), QString());
     EXPECT_EQ(phone.read(u"same.txt"_s), "phone");
+
+    phone.set(u"facts.stderr"_s,
+              "error: device 'demo-phone' not found\n"); // and is back when it is looked for
+    state->transfers().tryAllAgain();
+    EXPECT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+    EXPECT_EQ(statuses(), u"same.txt:Waiting for the phone…"_s);
 }
 
 TEST_F(TransferTests, whatAppearsAtTheDestinationMeanwhileIsKept) {
@@ -161,6 +180,28 @@ TEST_F(TransferTests, aPaneIsListedOnceASecondWhileCopiesAreUnderWay) {
     EXPECT_LE(listings, 3 + clock.elapsed() / 1000); // the first, the last, one that both may overlap
 }
 
+TEST_F(TransferTests, aSlowPhoneIsAskedForOneListingAtATime) {
+    connectPhone();
+    browsePhone(u"/sdcard"_s);
+    phone.set(u"ls.hang"_s, "on");
+    const qsizetype before = listings();
+    for (const QString &name : {u"first"_s, u"second"_s}) {
+        write(here(name), "x");
+        browseHere();
+        select(BrowserSide::mac, name);
+        state->transferMacToAndroid();
+        waitForQueue();
+        ASSERT_TRUE(waitFor([&] { return listings() > before; }));
+    }
+    browseHere(); // longer than what is put off until the next turn of the event loop
+    EXPECT_EQ(listings(), before + 1);
+    phone.reset(u"ls.hang"_s);
+    EXPECT_TRUE(waitFor([&] {
+        return namesOf(state->androidItems()) == QStringList{u"first"_s, u"second"_s};
+    }));
+    EXPECT_TRUE(waitFor([&] { return listings() == before + 2; }));
+}
+
 TEST_F(TransferTests, anEntryWaitsForThePhoneThatItWasQueuedFor) {
     for (const char *name : {"A", "B", "C", "D"})
         write(here(QString::fromLatin1(name)), QByteArray(100'000, *name));
@@ -188,6 +229,49 @@ TEST_F(TransferTests, anEntryWaitsForThePhoneThatItWasQueuedFor) {
     EXPECT_EQ(statuses(), u"A:Done|B:Done|C:Done|D:Done"_s);
     for (const char *name : {"A", "B", "C", "D"})
         EXPECT_EQ(phone.read(QString::fromLatin1(name)), QByteArray(100'000, *name));
+
+    // What was queued for a phone that is not there is not even asked of it.
+    state->transfers().pause();
+    write(here(u"E"_s), "x");
+    browseHere();
+    select(BrowserSide::mac, u"E"_s);
+    state->transferMacToAndroid();
+    phone.set(u"serial"_s, "other-phone");
+    connectPhone();
+    const auto questions = [&] {
+        const auto lines = phone.commandLines();
+        return std::count_if(lines.begin(), lines.end(),
+                             [](const QStringList &line) { return line.value(1) == DemoPhone::serial(); });
+    };
+    const auto before = questions();
+    state->transfers().resume();
+    waitForQueue();
+    EXPECT_TRUE(statuses().startsWith(u"E:Waiting for the phone…|"_s)) << statuses().toStdString();
+    EXPECT_EQ(questions(), before);
+}
+
+TEST_F(TransferTests, copiesGoOnWhileAnotherPhoneIsShown) {
+    const QString other = u"A1"_s;
+    QDir().mkpath(phone.otherRoot(other));
+    phone.setOther(other, u"device"_s, u"Pixel 7"_s);
+    for (const char *name : {"A", "B", "C", "D"})
+        write(here(QString::fromLatin1(name)), QByteArray(100'000, *name));
+    phone.set(u"bandwidth"_s, "0.000001"); // three copies stand still, A waits
+    connectPhone();
+    state->phones().show(DemoPhone::serial());
+    ASSERT_TRUE(
+        waitFor([&] { return state->device().id == DemoPhone::serial() && !state->isLoadingAndroid(); }));
+    browseHere();
+    state->selectAllVisible(BrowserSide::mac);
+    state->transferMacToAndroid();
+    ASSERT_TRUE(waitFor([&] { return copyOrder().size() == 3; }));
+    state->phones().show(other);
+    ASSERT_TRUE(waitFor([&] { return state->device().id == other && !state->isLoadingAndroid(); }));
+    phone.reset(u"bandwidth"_s);
+    waitForQueue();
+    EXPECT_EQ(statuses(), u"A:Done|B:Done|C:Done|D:Done"_s);
+    EXPECT_EQ(phone.read(u"A"_s), QByteArray(100'000, 'A'));
+    EXPECT_TRUE(QDir(phone.otherRoot(other)).isEmpty());
 }
 
 TEST_F(TransferTests, twoSpellingsOfOneNameAreTwoWhereTheFileSystemSaysSo) {
@@ -200,10 +284,16 @@ TEST_F(TransferTests, twoSpellingsOfOneNameAreTwoWhereTheFileSystemSaysSo) {
     searchFor(u"photo"_s);
     ASSERT_TRUE(waitFor([&] { return !state->isSearchingAndroid(); }));
     ASSERT_EQ(state->androidSearchResults().size(), 2);
-    state->selectAllVisible(BrowserSide::android);
-    state->transferAndroidToMac();
+    int mostAtOnce = 0;
+    QObject::connect(state.get(), &AppState::queueChanged, state.get(),
+                     [&] { mostAtOnce = std::max(mostAtOnce, state->activeTransferCount()); });
+    for (int times = 0; times < 2; ++times) {
+        state->selectAllVisible(BrowserSide::android);
+        state->transferAndroidToMac();
+    }
     waitForQueue();
-    EXPECT_EQ(statuses(), u"photo.jpg:Done|PHOTO.jpg:Done"_s);
+    EXPECT_EQ(statuses(), u"photo.jpg:Already there|PHOTO.jpg:Already there|photo.jpg:Done|PHOTO.jpg:Done"_s);
+    EXPECT_EQ(mostAtOnce, 1) << "one place after the other";
     EXPECT_EQ(contents(here(u"photo.jpg"_s)), QByteArray(50'000, '1'));
     EXPECT_EQ(contents(here(u"PHOTO.jpg"_s)), QByteArray(50'000, '2'));
 }
@@ -302,15 +392,10 @@ TEST_F(TransferTests, thePaneThatReceivesIsListedAgainWithoutASign) {
     phone.set(u"push.delay"_s, "0.3");
     state->transferMacToAndroid();
     browsePhone(u"/sdcard/Elsewhere"_s);
-    const auto listings = [&] {
-        qsizetype count = 0;
-        for (const QStringList &line : phone.commandLines())
-            count += line.contains(u"ls"_s) ? 1 : 0;
-        return count;
-    };
     const qsizetype before = listings();
     waitForQueue();
-    EXPECT_TRUE(waitFor([&] { return phone.exists(u"third"_s); }));
+    EXPECT_TRUE(phone.exists(u"third"_s));
+    EXPECT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
     EXPECT_EQ(listings(), before);
     EXPECT_TRUE(state->androidItems().isEmpty());
 }

@@ -1,18 +1,20 @@
 // The main window and how it divides its room, on a demo phone.
 
-#include "support/Files.h"
 #include "support/MainWindowFixture.h"
 #include "support/Processes.h"
 
 #include "ADB/ADBClient.h"
+#include "App/Sheets/MessageSheet.h"
+#include "App/System/QuitSignals.h"
 #include "App/Window/ContentView.h"
 #include "App/Window/ToolbarButton.h"
-#include "Kit/AppStyle.h"
 #include "Kit/TextLabel.h"
 #include "Views/QueueListView.h"
 #include "Views/TransferQueueView.h"
 
 #include <QtWidgets>
+
+#include <csignal>
 
 namespace vantrel {
 namespace {
@@ -35,8 +37,6 @@ TEST_F(BrowserColumnTests, thePanelTakesTwoFifthsUntilItsEdgeIsDragged) {
     int previous = queue->height();
     for (const int count : {1, 3, 40}) {
         queueGhosts(count);
-        ASSERT_TRUE(waitFor([&] { return state->queue().size() >= count; }));
-        settle();
         EXPECT_GT(queue->height(), previous) << count;
         EXPECT_EQ(queue->height(), std::min(queue->sizeHint().height(), most));
         previous = queue->height();
@@ -75,7 +75,6 @@ TEST_F(BrowserColumnTests, thePanelTakesTwoFifthsUntilItsEdgeIsDragged) {
     view->resize(840, 640);
     settle();
     EXPECT_EQ(queue->height(), (640 - 32) * 2 / 5);
-    EXPECT_GE(browser->height(), BrowserColumn::browserMinimumHeight);
 }
 
 TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
@@ -84,7 +83,6 @@ TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
         Settings settings(path);
         auto *content = show(new ContentView(state.get(), settings), {1100, 800});
         queueGhosts(40);
-        settle();
         auto *edge = content->findChild<QSplitterHandle *>(u"queue.edge"_s);
         edge->setFocus(Qt::TabFocusReason);
         QTest::keyClick(edge, Qt::Key_Down);
@@ -102,15 +100,7 @@ TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
     }
 }
 
-class MainWindowTests : public MainWindowFixture {
-protected:
-    [[nodiscard]] qsizetype looks() const {
-        qsizetype count = 0;
-        for (const QStringList &line : phone.commandLines())
-            count += line == QStringList{u"devices"_s};
-        return count;
-    }
-};
+using MainWindowTests = MainWindowFixture;
 
 TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
     MainWindow *window = showWindow();
@@ -126,8 +116,7 @@ TEST_F(MainWindowTests, opensAtItsSizeAndIsNeverSmaller) {
     EXPECT_EQ(browser->mapTo(window, QPoint()).x(), left + 240 + 1 + 12);
     EXPECT_EQ(child<QWidget>("statusBar")->mapTo(window, QPoint()).x(), left);
     // The content does not ask for more than the window gives: at its least size nothing is cut off.
-    EXPECT_LE(window->minimumSizeHint().width(), 1100);
-    EXPECT_LE(window->minimumSizeHint().height(), 720);
+    EXPECT_EQ(window->minimumSizeHint().boundedTo({1100, 720}), window->minimumSizeHint());
 }
 
 TEST_F(MainWindowTests, opensAsItWasLeft) {
@@ -217,7 +206,7 @@ TEST_F(MainWindowTests, aStoredAppearanceIsTakenOrCountsAsLight) {
                       isDark ? u"Switch to Light mode"_s : u"Switch to Dark mode"_s);
         };
         shows(dark);
-        QTest::mouseClick(child<ToolbarButton>("toolbar.appearance"), Qt::LeftButton);
+        click(child<ToolbarButton>("toolbar.appearance"));
         QCoreApplication::processEvents(); // the toolkit tells the widgets in its next pass
         shows(!dark);
         ASSERT_TRUE(settings->save());
@@ -235,53 +224,12 @@ TEST_F(MainWindowTests, followsTheDesktopsSchemeUntilTheUserChooses) {
         EXPECT_EQ(child<ToolbarButton>("toolbar.appearance")->text() == u"Light"_s,
                   preferred == ColorScheme::dark);
     }
-    QTest::mouseClick(child<ToolbarButton>("toolbar.appearance"), Qt::LeftButton);
+    click(child<ToolbarButton>("toolbar.appearance"));
     window->followDesktop(ColorScheme::dark);
     EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "the user has chosen";
     view.reset();
     showWindow()->followDesktop(ColorScheme::dark);
     EXPECT_EQ(AppTheme::scheme(), ColorScheme::light) << "at the next start too";
-}
-
-TEST_F(MainWindowTests, aNewSchemeRecoloursEveryGround) {
-    MainWindow *window = showWindow();
-    for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {
-        window->setAppearancePreference(scheme);
-        QCoreApplication::processEvents();
-        const QImage image = window->grab().toImage();
-        for (const auto &[name, at, color] : {std::tuple("sidebar", QPoint(4, 400), AppTheme::sidebar()),
-                                              {"statusBar", {600, 4}, AppTheme::sidebar()},
-                                              {"queue", {300, 4}, AppTheme::canvas()},
-                                              {"titleBar", {500, 10}, AppTheme::titleBar()},
-                                              {"sidebar.device", {100, 6}, AppTheme::surface()}})
-            EXPECT_EQ(image.pixelColor(child<QWidget>(name)->mapTo(window, at)).rgba(),
-                      color.resolved(scheme).rgba())
-                << name;
-    }
-}
-
-TEST_F(MainWindowTests, followsThePhoneAsLongAsItIsOpen) {
-    phone.unplug();
-    MainWindow *window = showWindow();
-    const auto trackers = [] {
-        const auto children = processes::children();
-        return std::count_if(children.begin(), children.end(), [](const processes::Child &one) {
-            return one.commandLine.contains("track-devices");
-        });
-    };
-    ASSERT_TRUE(waitFor([&] { return trackers() == 1; }));
-    EXPECT_FALSE(window->state().macItems().isEmpty() && window->state().macBrowseError())
-        << "the computer's folder came first";
-
-    // Everything is found without a click, and without a sign of the search.
-    const QSignalSpy spinner(&window->state(), &AppState::isRefreshingDeviceChanged);
-    phone.plug();
-    ASSERT_TRUE(waitFor([&] { return window->state().device().isConnected; }));
-    EXPECT_EQ(spinner.count(), 0);
-    EXPECT_EQ(looks(), 1) << "at the start, and never again";
-
-    window->close();
-    EXPECT_EQ(trackers(), 0);
 }
 
 TEST_F(MainWindowTests, isDestroyedWhileEverythingIsUnderWay) {
@@ -307,18 +255,7 @@ TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesItAndNothingElseTakesThe
     settle();
     EXPECT_EQ(QApplication::focusWidget(), nullptr);
     QTest::keyClick(window, Qt::Key_Tab);
-    QWidget *first = QApplication::focusWidget();
-    ASSERT_NE(first, nullptr);
-
-    // What has it keeps it while another window is in front.
-    QWidget other;
-    other.show();
-    other.activateWindow();
-    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == &other; }));
-    window->activateWindow();
-    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
-    settle();
-    EXPECT_EQ(QApplication::focusWidget(), first);
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
 
     QSet<QWidget *> reached;
     for (int i = 0; i < 200; ++i) {
@@ -337,9 +274,142 @@ TEST_F(MainWindowTests, everyButtonHasANameAndTabReachesItAndNothingElseTakesThe
     }
 }
 
-TEST(AppStyleTests, toolTipsComeAfterAQuarterOfASecond) {
-    const AppStyle style(Settings::toolTipDelay);
-    EXPECT_EQ(style.styleHint(QStyle::SH_ToolTip_WakeUpDelay, nullptr, nullptr, nullptr), 250);
+TEST_F(MainWindowTests, verifiesCopiesFromTheMomentThatTheMenuSaysSo) {
+    phone.write(u"a"_s, "x");
+    const auto action = [this] {
+        for (QAction *each : view->actions()) {
+            if (each->text() == u"Verify Copies"_s)
+                return each;
+        }
+        return new QAction(view.get());
+    };
+    const auto copied = [this](MainWindow *window, const QString &name) {
+        AppState &model = window->state();
+        EXPECT_TRUE(waitFor([&] { return model.androidItems().size() == 1; }));
+        QDir(mac.path()).mkpath(name);
+        model.browseMac(mac.filePath(name));
+        model.selectAllVisible(BrowserSide::android);
+        model.transferAndroidToMac();
+        EXPECT_TRUE(waitFor([&] { return !model.isTransferring(); }));
+        return model.queue().first().progressLabel();
+    };
+    MainWindow *window = showWindow();
+    EXPECT_FALSE(action()->isChecked());
+    EXPECT_EQ(copied(window, u"first"_s), u"Done"_s);
+    action()->trigger();
+    EXPECT_EQ(copied(window, u"second"_s), u"Verified"_s);
+    view.reset();
+    window = showWindow();
+    EXPECT_TRUE(action()->isChecked());
+    EXPECT_EQ(copied(window, u"third"_s), u"Verified"_s);
+    action()->trigger();
+    EXPECT_EQ(copied(window, u"fourth"_s), u"Done"_s);
+}
+
+/// Copies of a window in all the states that they have.
+class ClosingTests : public MainWindowTests {
+protected:
+    enum class Copies { none, done, failed, running, waitingForThePhone, paused };
+
+    MainWindow *windowWith(Copies copies) {
+        phone.resetAll();
+        phone.write(u"a"_s, "x");
+        MainWindow *window = showWindow();
+        EXPECT_TRUE(waitFor([&] { return window->state().device().isConnected; }));
+        TransferRunner &transfers = window->state().transfers();
+        QueueItem item;
+        item.name = u"a"_s;
+        item.sourcePath = copies == Copies::failed ? u"/sdcard/nothing"_s : u"/sdcard/a"_s;
+        item.serial = copies == Copies::waitingForThePhone ? u"another"_s : DemoPhone::serial();
+        if (copies == Copies::running || copies == Copies::paused)
+            phone.set(u"facts.hang"_s, "on");
+        for (const QString &name : {u"a"_s, u"b"_s}) {
+            item.id = QUuid::createUuid();
+            item.destinationPath = mac.filePath(name);
+            if (copies != Copies::none)
+                transfers.enqueue({item});
+        }
+        if (copies == Copies::paused)
+            transfers.pause();
+        if (copies != Copies::running) {
+            EXPECT_TRUE(waitFor([&] { return !transfers.isTransferring(); }));
+        }
+        return window;
+    }
+    [[nodiscard]] MessageSheet *question() const {
+        auto *sheet = view->findChild<MessageSheet *>(u"quit"_s);
+        return sheet && sheet->isVisible() ? sheet : nullptr;
+    }
+    [[nodiscard]] QString said() const {
+        return child<TextLabel>("quit.heading")->text() + u' ' + child<TextLabel>("quit.detail")->text();
+    }
+};
+
+TEST_F(ClosingTests, asksFirstWhileCopiesAreUnfinished) {
+    const struct {
+        Copies copies;
+        QString stay; ///< the other button; empty: it closes at once
+    } cases[] = {{Copies::none, {}},
+                 {Copies::done, {}},
+                 {Copies::failed, {}},
+                 {Copies::running, u"Keep Copying"_s},
+                 {Copies::waitingForThePhone, u"Don’t Quit"_s},
+                 {Copies::paused, u"Don’t Quit"_s}};
+    for (const auto &[copies, stay] : cases) {
+        SCOPED_TRACE(int(copies));
+        MainWindow *window = windowWith(copies);
+        EXPECT_EQ(desktop.isAwake, copies == Copies::running);
+        window->showAbout(); // gives way
+        child<QAbstractButton>("window.close")->click();
+        ASSERT_EQ(window->isVisible(), !stay.isEmpty());
+        if (!stay.isEmpty()) {
+            ASSERT_TRUE(question());
+            EXPECT_EQ(said(), u"2 copies are not finished. They are kept and can go on at the next start."_s);
+            EXPECT_EQ(child<QPushButton>("quit.close")->text(), stay);
+            QTest::keyClick(question(), Qt::Key_Escape);
+            EXPECT_TRUE(window->isVisible());
+            EXPECT_FALSE(question());
+            ASSERT_TRUE(waitFor([&] { return !view->findChild<MessageSheet *>(); }));
+            QTest::keyClick(window->windowHandle(), Qt::Key_Q, Qt::ControlModifier);
+            ASSERT_TRUE(question());
+            window->state().removeQueueItem(window->state().queue().first().id);
+            EXPECT_EQ(said(), u"1 copy is not finished. It is kept and can go on at the next start."_s);
+            QTest::keyClick(question(), Qt::Key_Return);
+            EXPECT_FALSE(window->isVisible());
+        }
+        view.reset();
+        QFile::remove(mac.filePath(u"state/vantrel/transfers.json"_s));
+    }
+    EXPECT_FALSE(desktop.isAwake);
+}
+
+TEST_F(ClosingTests, aQuestionThatIsSettledMeanwhileIsAnsweredAndALossIsNotHidden) {
+    write(mac.filePath(u"state"_s), "no folder");
+    MainWindow *window = windowWith(Copies::running);
+    window->close();
+    ASSERT_TRUE(question());
+    EXPECT_TRUE(said().startsWith(u"2 copies are not finished. Unfinished copies will not be remembered: "_s))
+        << said().toStdString();
+    phone.reset(u"facts.hang"_s);
+    EXPECT_TRUE(waitFor([&] { return !window->isVisible(); })) << "all is copied, and closing was wished";
+    EXPECT_EQ(window->state().transfers().queue().completedCount(), 2);
+}
+
+TEST_F(ClosingTests, aSignalEndsItInGoodOrderAndAsksNobody) {
+    MainWindow *window = windowWith(Copies::running);
+    window->resize(1150, 750);
+    const QuitSignals quitSignals;
+    QTimer::singleShot(0, [] { std::raise(SIGTERM); });
+    QTimer::singleShot(20'000, qApp, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QApplication::exec(), 0) << "not even the window's";
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_FALSE(question());
+    view.reset();
+    EXPECT_TRUE(settings->windowGeometry().size);
+    EXPECT_EQ(contents(mac.filePath(u"state/vantrel/transfers.json"_s)).count("\"name\""), 2);
+    Background::stop(&ADBClient::stopRunningTools);
+    for (const processes::Child &child : processes::children())
+        ADD_FAILURE() << child.commandLine.toStdString();
 }
 
 } // namespace

@@ -11,6 +11,8 @@ namespace vantrel::tour {
 namespace {
 
 constexpr int burstCount = 24;
+constexpr int filmSize = 40'000'000; // smaller ones begin again
+const QString filmName = QStringLiteral("Road trip.mp4");
 
 QString burstName(int index) {
     return QStringLiteral("BURST_%1.jpg").arg(index + 1, 4, 10, QLatin1Char('0'));
@@ -42,6 +44,12 @@ DemoTourPhone::DemoTourPhone(const QString &resources, QString root) : m_root(st
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
             throw TourError(file.errorString());
     }
+    QFile film(hostPath(QStringLiteral("/sdcard/Movies/") + filmName));
+    QByteArray bytes(filmSize, Qt::Uninitialized);
+    for (int i = 0; i < filmSize; ++i)
+        bytes[i] = char(i * 31 + i / 4096);
+    if (!film.open(QIODevice::WriteOnly) || film.write(bytes) != bytes.size())
+        throw TourError(film.errorString());
 }
 
 void DemoTourPhone::plug() {
@@ -75,8 +83,12 @@ QString DemoTourPhone::word() const {
     return QStringLiteral("img");
 }
 
-void DemoTourPhone::setSlow(bool slow) {
-    set(slow ? "bandwidth=0.35" : "bandwidth=");
+QStringList DemoTourPhone::film() const {
+    return {QStringLiteral("Movies"), filmName};
+}
+
+void DemoTourPhone::setSpeed(double megabytes) {
+    set("bandwidth=" + QByteArray::number(megabytes));
 }
 
 bool DemoTourPhone::refuse(const QString &path) {

@@ -17,8 +17,11 @@ public:
     [[nodiscard]] QStringList files() const override;
     [[nodiscard]] QStringList manyFiles() const override;
     [[nodiscard]] QString word() const override;
-    void setSlow(bool slow) override;
+    [[nodiscard]] QStringList film() const override;
+    void setSpeed(double megabytes) override;
     [[nodiscard]] bool refuse(const QString &path) override;
+    void allow() override { set("pull.fail="); }
+    void unplug() override { set("state=none"); }
     [[nodiscard]] QByteArray read(const QString &path) override;
 
 private:

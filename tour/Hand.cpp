@@ -3,8 +3,11 @@
 #include "TourError.h"
 
 #include "Views/FileItemsView.h"
+#include "Views/QueueListView.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
@@ -62,6 +65,30 @@ void Hand::type(const QString &name, const QString &text) const {
     click(name);
     QTest::keyClicks(control(name), text, Qt::NoModifier, m_pace.count() > 0 ? 80 : -1);
     rest();
+}
+
+void Hand::choose(const QString &title) const {
+    click(QStringLiteral("applicationMenu"));
+    QMenu *menu = nullptr;
+    waitUntil(QStringLiteral("the menu"), [&menu] {
+        menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        return menu != nullptr;
+    });
+    for (QAction *action : menu->actions()) {
+        if (action->text() == title)
+            return clickAt(menu, menu->actionGeometry(action).center(), Click::single);
+    }
+    throw TourError(QStringLiteral("the menu has no ") + title);
+}
+
+void Hand::pressFirstAction() const {
+    const auto *list = m_window.findChild<QueueListView *>();
+    QRect action;
+    waitUntil(QStringLiteral("a first row with an action"), [&] {
+        action = list->actionRect(list->model()->index(0, 0));
+        return action.isValid();
+    });
+    clickAt(list->viewport(), action.center(), Click::single);
 }
 
 void Hand::press(QWidget *control, Qt::Key key, Qt::KeyboardModifiers modifiers) const {

@@ -32,6 +32,10 @@ public:
     void pointAt(const QString &name, const QString &within = {}) const;
     void click(const QString &name, const QString &within = {}) const;
     void type(const QString &name, const QString &text) const;
+    /// Chooses from the program's menu.
+    void choose(const QString &title) const;
+    /// Presses what the first row of the queue offers, as "Try again".
+    void pressFirstAction() const;
     void press(QWidget *control, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const;
 
     /// The entries of a pane, as it shows them now.

@@ -92,12 +92,6 @@ QString RealTourPhone::word() const {
     return QStringLiteral("vid");
 }
 
-void RealTourPhone::setSlow(bool) {}
-
-bool RealTourPhone::refuse(const QString &) {
-    return false;
-}
-
 QByteArray RealTourPhone::read(const QString &path) {
     const QTemporaryDir folder;
     const QString local = folder.filePath(QStringLiteral("copy"));

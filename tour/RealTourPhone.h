@@ -21,8 +21,11 @@ public:
     [[nodiscard]] QStringList files() const override;
     [[nodiscard]] QStringList manyFiles() const override;
     [[nodiscard]] QString word() const override;
-    void setSlow(bool slow) override;
-    [[nodiscard]] bool refuse(const QString &path) override;
+    [[nodiscard]] QStringList film() const override { return {}; }
+    void setSpeed(double /*megabytes*/) override {}
+    [[nodiscard]] bool refuse(const QString & /*path*/) override { return false; }
+    void allow() override {}
+    void unplug() override {}
     [[nodiscard]] QByteArray read(const QString &path) override;
 
 private:

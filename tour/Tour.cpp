@@ -77,6 +77,11 @@ void Tour::take() {
     goDark();
     fillQueue();
     copyFolders();
+    copyAgain();
+    keepBoth();
+    failInFolder();
+    verify();
+    interrupt();
     std::printf("    %d files compared, %s, all equal\n", m_comparedFiles,
                 qPrintable(formatFileSize(m_comparedBytes)));
 }
@@ -143,7 +148,7 @@ void Tour::selectFiles() {
 }
 
 void Tour::watchCopy() {
-    m_phone.setSlow(true);
+    m_phone.setSpeed(0.35);
     m_hand.click(QStringLiteral("transferToMac"));
     m_hand.waitUntil(QStringLiteral("a copy in the middle"), [this] {
         return std::any_of(state().queue().begin(), state().queue().end(), [](const QueueItem &item) {
@@ -153,6 +158,9 @@ void Tour::watchCopy() {
     });
     tell(QStringLiteral("copying"),
          state().transferSpeedLabel() + QStringLiteral(", remaining ") + state().remainingLabel());
+    if (!ToolTips::text().isEmpty())
+        throw TourError(QStringLiteral("the arrow that was pressed explains itself again"));
+    pauseAndResume();
 }
 
 void Tour::waitForQueue() {
@@ -162,7 +170,7 @@ void Tour::waitForQueue() {
 }
 
 void Tour::finishCopies() {
-    m_phone.setSlow(false);
+    m_phone.setSpeed(0);
     waitForQueue();
     for (const QString &name : m_phone.files()) {
         compare(m_phone.folderPath() + QLatin1Char('/') + name, m_folder + QLatin1Char('/') + name);
@@ -284,7 +292,7 @@ void Tour::fillQueue() {
     if (state().androidSelectedIDs().size() != state().androidItems().size())
         throw TourError(QStringLiteral("the keys did not select everything"));
     m_hand.click(QStringLiteral("transferToMac"));
-    m_phone.setSlow(false);
+    m_phone.setSpeed(0);
     waitForQueue();
     for (const QString &name : m_phone.manyFiles())
         compare(source + QLatin1Char('/') + name, state().macPath() + QLatin1Char('/') + name);
@@ -324,7 +332,8 @@ void Tour::copyFolders() {
     m_hand.markEntry(android, QFileInfo(source).fileName());
     m_hand.click(QStringLiteral("transferToMac"));
     waitForQueue();
-    compareFolders(source, home + QLatin1Char('/') + QFileInfo(source).fileName());
+    m_folderName = QFileInfo(source).fileName();
+    compareFolders(source, home + QLatin1Char('/') + m_folderName);
     tell(QStringLiteral("folders"), QStringLiteral("a folder each way, every byte equal"));
 }
 

@@ -43,6 +43,18 @@ private:
     void fillQueue();
     void copyFolders();
 
+    // -- What happens to copies in real life
+    void pauseAndResume();
+    void copyAgain();
+    void keepBoth();
+    void failInFolder();
+    void verify();
+    void interrupt();
+    void askAtClosing();
+    void openHere(const QString &name);
+    /// Copies the folder of copyFolders() into the one that is shown here; how its entry ended.
+    QString copyTheFolder();
+
     void openPhoneFolder(const QStringList &way);
     void clearSearch();
     void watchRows();
@@ -56,6 +68,7 @@ private:
     const Hand &m_hand;
     const Pictures &m_pictures;
     QString m_folder;
+    QString m_folderName;             ///< of the phone, that was copied whole
     QHash<QUuid, int> m_quartersTold; ///< of each copy, 4 and its end being 5
     int m_step = 0;
     qint64 m_comparedBytes = 0;

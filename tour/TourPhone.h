@@ -25,10 +25,16 @@ public:
     /// A word that names of the folder contain, but not all.
     [[nodiscard]] virtual QString word() const = 0;
 
-    /// Makes copies so slow that one can be seen in the middle, or as fast as they go.
-    virtual void setSlow(bool slow) = 0;
-    /// Lets every copy of the file fail; false when this phone can't.
+    /// The way to a file whose copy is worth going on with; empty when this phone cannot leave by itself.
+    [[nodiscard]] virtual QStringList film() const = 0;
+
+    /// How many MB a second each copy makes, so that one can be seen in the middle; 0: as fast as they go.
+    virtual void setSpeed(double megabytes) = 0;
+    /// Lets every copy of the file fail, until allow(); false when this phone can't.
     [[nodiscard]] virtual bool refuse(const QString &path) = 0;
+    virtual void allow() = 0;
+    /// Leaves, where film() is something; plug() brings it back.
+    virtual void unplug() = 0;
 
     /// The bytes of a file on the phone, read past the program under test.
     [[nodiscard]] virtual QByteArray read(const QString &path) = 0;

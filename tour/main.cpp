@@ -87,8 +87,9 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
                          : isWatched                           ? 400
                                                                : 0;
         const Hand hand(window, std::chrono::milliseconds(pace));
+        Tour tour(window, *phone, hand, pictures, home + QStringLiteral("/Downloads"));
         try {
-            Tour(window, *phone, hand, pictures, home + QStringLiteral("/Downloads")).take();
+            tour.take();
         } catch (const TourError &) {
             pictures.take(window, QStringLiteral("failure"));
             throw;

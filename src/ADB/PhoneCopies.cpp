@@ -4,6 +4,7 @@
 #include "ADB/AndroidPath.h"
 #include "ADB/BatchText.h"
 #include "ADB/PseudoTerminal.h"
+#include "ADB/SumText.h"
 #include "ADB/ToolRun.h"
 #include "ADB/ToolText.h"
 #include "ADB/TreeText.h"
@@ -197,12 +198,16 @@ ADBResult<QStringList> namesBeginningWith(const QString &serial, const QString &
     return facts ? ADBResult<QStringList>(facts->keys()) : tl::make_unexpected(unreadableAnswer());
 }
 
-ADBResult<void> makeFolder(const QString &serial, const QString &path, const std::stop_token &stop) {
-    const auto answer = runShell(serial, QStringLiteral("mkdir ") + quoted(path), stop);
+ADBResult<void> makeMarkedFolder(const QString &serial, const QString &path, const QString &marker,
+                                 const std::stop_token &stop) {
+    const auto answer = runShell(serial,
+                                 QStringLiteral("mkdir ") % quoted(path) % QLatin1Char(' ') %
+                                     quoted(AndroidPath::join(path, marker)),
+                                 stop);
     if (!answer)
         return tl::make_unexpected(answer.error());
-    if (!answer->errors.isEmpty())
-        return tl::make_unexpected(failure(reasonOf(answer->errors)));
+    if (!answer->errors.isEmpty()) // the first line is of the folder itself
+        return tl::make_unexpected(failure(reasonOf(answer->errors.section(QLatin1Char('\n'), 0, 0))));
     return {};
 }
 
@@ -418,19 +423,22 @@ ADBResult<void> setModified(const QString &serial, const QString &path, qint64 m
     return {};
 }
 
-ADBResult<QByteArray> fetchSum(const QString &serial, const QString &path, const std::stop_token &stop) {
-    constexpr qsizetype digits = 32;
-    const auto answer = runShell(serial, QStringLiteral("md5sum ") + quoted(path), stop);
-    if (!answer)
-        return tl::make_unexpected(answer.error());
-    if (!answer->errors.isEmpty())
-        return tl::make_unexpected(failure(reasonOf(answer->errors)));
-    // A backslash before the sum says that the name behind it is written with escapes.
-    const QByteArray sum = answer->output.mid(answer->output.startsWith('\\') ? 1 : 0, digits);
-    const bool isSum = sum.size() == digits && std::all_of(sum.begin(), sum.end(), [](char c) {
-                           return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
-                       });
-    return isSum ? ADBResult<QByteArray>(sum) : tl::make_unexpected(unreadableAnswer());
+ADBResult<PhoneSums> fetchSums(const QString &serial, const QStringList &paths, const std::stop_token &stop) {
+    PhoneSums found;
+    const auto asked = forEachLine(quotedAll(paths), [&](const QStringList &words) -> ADBResult<void> {
+        const auto answer = runShell(serial, QStringLiteral("md5sum ") + words.join(QLatin1Char(' ')), stop);
+        if (!answer)
+            return tl::make_unexpected(answer.error());
+        found.sums += parseSums(answer->output, paths.mid(found.sums.size(), words.size()));
+        if (answer->errors.isEmpty())
+            return {};
+        found.complaint = reasonOf(answer->errors);
+        found.isUnavailable = found.complaint.endsWith(QLatin1String("not found"));
+        return {};
+    });
+    if (!asked)
+        return tl::make_unexpected(asked.error());
+    return found;
 }
 
 } // namespace vantrel::ADBClient

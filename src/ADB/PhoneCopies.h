@@ -28,9 +28,10 @@ namespace vantrel::ADBClient {
 [[nodiscard]] ADBResult<QStringList> namesBeginningWith(const QString &serial, const QString &folder,
                                                         const QString &prefix, const std::stop_token &stop);
 
-/// Makes the folder, whose parent must be there; fails with the phone's own reason ("Permission denied").
-[[nodiscard]] ADBResult<void> makeFolder(const QString &serial, const QString &path,
-                                         const std::stop_token &stop);
+/// Makes the folder, whose parent must be there, and an empty one called `marker` in it; fails with the
+/// phone's own reason ("Permission denied"). adb makes folders that went away again, but not the one in it.
+[[nodiscard]] ADBResult<void> makeMarkedFolder(const QString &serial, const QString &path,
+                                               const QString &marker, const std::stop_token &stop);
 /// Makes each folder and those above it; one that is there already is left as it is. Whether each could be
 /// made shows where files are put into it.
 [[nodiscard]] ADBResult<void> makeFolders(const QString &serial, const QStringList &paths,
@@ -77,8 +78,14 @@ using BytesProgress = std::function<void(qint64 bytes)>;
 /// Sets a file's time, in seconds since 1970.
 [[nodiscard]] ADBResult<void> setModified(const QString &serial, const QString &path, qint64 modified,
                                           const std::stop_token &stop);
-/// The MD5 sum of a file's content, 32 digits; the phone reads all of it.
-[[nodiscard]] ADBResult<QByteArray> fetchSum(const QString &serial, const QString &path,
+/// What the phone finds when it reads the whole of some files.
+struct PhoneSums {
+    QList<QByteArray> sums;     ///< MD5, 32 digits for each file in its place; empty where there is none
+    QString complaint = {};     ///< why there is none, in the phone's words
+    bool isUnavailable = false; ///< because this phone has no tool for it
+};
+/// The MD5 sums of the files' contents. A run of adb for every 48 KB of paths.
+[[nodiscard]] ADBResult<PhoneSums> fetchSums(const QString &serial, const QStringList &paths,
                                              const std::stop_token &stop);
 
 } // namespace vantrel::ADBClient

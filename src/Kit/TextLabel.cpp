@@ -69,7 +69,7 @@ int TextLabel::heightForWidth(int width) const {
 
 bool TextLabel::event(QEvent *event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        ToolTips::show(isElided() ? text() : QString(), this, rect());
+        ToolTips::show(isElided() ? displayText(text()) : QString(), this, rect());
         return true;
     }
     return QLabel::event(event);

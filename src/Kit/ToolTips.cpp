@@ -27,21 +27,30 @@ constexpr int paddingY = 5;
 constexpr int shadow = 6; // around the card
 constexpr int gap = 3;    // between a control and its tip
 constexpr double radius = 6;
-constexpr int mostLines = 12;
+constexpr int mostLines = 26;
+
+/// What stands in the card, each line no wider than the room.
+QStringList linesOf(const QString &text, double room) {
+    QStringList lines;
+    for (const QString &paragraph : text.split(QLatin1Char('\n'))) {
+        const QStringList wrapped = wrappedLines(paragraph, textStyle, room, mostLines - int(lines.size()));
+        lines += wrapped.isEmpty() && lines.size() < mostLines ? QStringList(QString()) : wrapped;
+    }
+    return lines;
+}
 
 /// The card with its text. It takes no part in anything.
 class ToolTipView : public QWidget {
 public:
     ToolTipView(const QString &text, QWidget *window) : QWidget(window), m_text(text) {
         setAttribute(Qt::WA_TransparentForMouseEvents);
-        describe(this, QAccessible::ToolTip, displayText(text));
-        const double room = window->width() / 2.0 - 2 * paddingX;
-        const QStringList lines = wrappedLines(text, textStyle, room, mostLines);
+        describe(this, QAccessible::ToolTip, text);
+        m_lines = linesOf(text, window->width() / 2.0 - 2 * paddingX);
         double width = 0;
-        for (const QString &line : lines)
+        for (const QString &line : m_lines)
             width = std::max(width, textStyle.width(line));
         const QSize card(qCeil(width) + 1 + 2 * paddingX,
-                         int(lines.size()) * textStyle.lineHeight() + 2 * paddingY);
+                         int(m_lines.size()) * textStyle.lineHeight() + 2 * paddingY);
         resize(card.grownBy({shadow, shadow, shadow, shadow}));
     }
 
@@ -53,12 +62,17 @@ protected:
         QPainter painter(this);
         paintShadow(painter, card(), radius, shadow);
         paintCard(painter, card(), radius, AppTheme::surface(), AppTheme::paneStroke());
-        paintLines(painter, card().adjusted(paddingX, paddingY, -paddingX, -paddingY), m_text, textStyle,
-                   AppTheme::ink(), mostLines, Qt::AlignLeft);
+        QRect line = card().adjusted(paddingX, paddingY, -paddingX, 0);
+        line.setHeight(textStyle.lineHeight());
+        for (const QString &words : m_lines) {
+            paintText(painter, line, words, textStyle, AppTheme::ink());
+            line.translate(0, line.height());
+        }
     }
 
 private:
     QString m_text;
+    QStringList m_lines;
 };
 
 QList<QRect> controlsBeside(const QWidget &control) {
@@ -125,6 +139,11 @@ QString ToolTips::text() {
 
 void ToolTips::present(const QString &text, QWidget *control, const QRect &part) {
     m_isConfirmed = !text.isEmpty();
+    if (control == m_pressed) {
+        if (part.contains(m_pressedAt))
+            return hide();
+        m_pressed.clear();
+    }
     if (m_isConfirmed && m_control == control && m_part == part && ToolTips::text() == text)
         return;
     hide();
@@ -149,6 +168,14 @@ void ToolTips::present(const QString &text, QWidget *control, const QRect &part)
     m_end.start(readingTime + perLetter * int(text.size()));
 }
 
+/// The widget that is pressed hears of it first, and those around it when it has no use for it.
+void ToolTips::notePress(QWidget *widget, QPoint place) {
+    if (m_pressed && widget->isAncestorOf(m_pressed))
+        return;
+    m_pressed = widget;
+    m_pressedAt = place;
+}
+
 void ToolTips::hide() {
     delete m_view;
     m_control.clear();
@@ -168,6 +195,8 @@ void ToolTips::askAgain() {
 
 bool ToolTips::help(QWidget &widget, const QHelpEvent &event) {
     m_mouse = event.pos();
+    if (!widget.rect().contains(widget.mapFromGlobal(event.globalPos())))
+        return true; // it has moved from under the mouse
     if (widget.toolTip().isEmpty())
         return false;
     present(widget.toolTip(), &widget, widget.rect());
@@ -177,6 +206,10 @@ bool ToolTips::help(QWidget &widget, const QHelpEvent &event) {
 bool ToolTips::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::ToolTip && watched->isWidgetType())
         return help(*static_cast<QWidget *>(watched), *static_cast<QHelpEvent *>(event));
+    if (event->type() == QEvent::MouseButtonPress && watched->isWidgetType())
+        notePress(static_cast<QWidget *>(watched), static_cast<QMouseEvent *>(event)->position().toPoint());
+    else if (event->type() == QEvent::Leave && watched == m_pressed)
+        m_pressed.clear();
     if (!m_view)
         return false;
     switch (event->type()) {

@@ -34,6 +34,9 @@ public:
     chooseFolder(const QString &message, const QString &acceptLabel, const QString &startingAt) = 0;
     /// Asks for a text; the future gives it as typed, or nothing when the user cancels.
     [[nodiscard]] virtual QFuture<std::optional<QString>> askForText(const TextQuestion &question) = 0;
+    /// From now on, or not any more: the computer does not go to sleep by itself, and the session does not
+    /// end without a question. Where the desktop cannot do that, nothing happens.
+    virtual void keepAwake(bool isOn) = 0;
 };
 
 } // namespace vantrel

@@ -120,6 +120,17 @@ tl::expected<QList<FileItem>, MacFileError> listDirectory(const QString &path) {
     return items;
 }
 
+QList<FileItem> entriesAt(const QStringList &paths) {
+    QList<FileItem> items;
+    for (const QString &path : paths) {
+        const QString entry = standardizedPath(path);
+        if (exists(entry))
+            items.append(describe(entry, entry.section(QLatin1Char('/'), -1)));
+    }
+    sortInFileOrder(items);
+    return items;
+}
+
 std::optional<qint64> availableBytes(const QString &path) {
     std::error_code error;
     const auto space = std::filesystem::space(nativePath(standardizedPath(path)), error);

@@ -50,6 +50,8 @@ namespace MacFileClient {
 /// The visible entries of a folder, folders first. A symbolic link is described by itself and is never a
 /// folder.
 [[nodiscard]] tl::expected<QList<FileItem>, MacFileError> listDirectory(const QString &path);
+/// The entries of these paths, in the order of listDirectory(), without those that are not there.
+[[nodiscard]] QList<FileItem> entriesAt(const QStringList &paths);
 /// Bytes free to the user on the volume that holds the path, if that can be told.
 [[nodiscard]] std::optional<qint64> availableBytes(const QString &path);
 /// Creates one folder and returns its path. Fails, in words, when the name is not a single path component,

@@ -15,6 +15,8 @@ const QueueItemStatus::Progress *QueueItemStatus::progress() const {
 
 QString QueueItem::progressLabel() const {
     if (const auto *progress = status.progress()) {
+        if (progress->isVerifying && status.is<QueueItemStatus::Transferring>())
+            return QStringLiteral("Verifying…");
         if (progress->isSilent && status.is<QueueItemStatus::Transferring>())
             return QStringLiteral("No data for 30 s");
         if (progress->totalBytes < 1)

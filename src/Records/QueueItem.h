@@ -22,6 +22,8 @@ public:
         qint64 totalBytes = 0;       ///< bytes; 0 when unknown
         qsizetype files = 0;         ///< done, of fileCount
         qsizetype fileCount = 0;     ///< 0 while it is unknown
+        bool isVerifying = false;    ///< what has arrived is being compared with its source
+        qint64 carriedBytes = 0;     ///< of transferredBytes, what has not been there before this run
         bool isSilent = false;       ///< nothing has come for 30 s
         friend bool operator==(const Progress &, const Progress &) = default;
     };

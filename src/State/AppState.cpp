@@ -1,8 +1,11 @@
 #include "State/AppState.h"
 
 #include "ADB/AndroidPath.h"
+#include "MacFiles/Desktop.h"
+#include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/Identity.h"
+#include "Worker/Worker.h"
 
 #include <QDir>
 
@@ -21,6 +24,7 @@ AppState::AppState(Desktop &desktop, QObject *parent)
     connect(&m_phones, &PhoneWatch::wasLost, this, [this] { m_androidPane.empty(); });
     connect(&m_phones, &PhoneWatch::storageWasTold, this, &AppState::leaveGoneCard);
     connect(&m_phones, &PhoneWatch::wasAsked, &m_transfers, &TransferRunner::phoneWasAsked);
+    connect(&m_phones, &PhoneWatch::phonesChanged, &m_transfers, &TransferRunner::phoneWasAsked);
     connect(&m_transfers, &TransferRunner::phoneLeft, &m_phones, &PhoneWatch::doubt);
     connect(this, &AppState::isTransferringChanged, this, [this] {
         if (!isTransferring())
@@ -56,23 +60,35 @@ void AppState::forwardSignals() {
     connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
     connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
     connect(&m_transfers, &TransferRunner::isTransferringChanged, this, &AppState::isTransferringChanged);
+    connect(&m_transfers, &TransferRunner::isTransferringChanged, this,
+            [this] { m_desktop.keepAwake(isTransferring()); });
+}
+
+AppState::~AppState() {
+    m_desktop.keepAwake(false);
 }
 
 /// Queues copies of the source pane's selected entries, as far as they are shown, for the other pane's
 /// folder.
 void AppState::transfer(TransferDirection direction) {
-    if (!connectedSerial()) {
-        m_phones.setMessage(QStringLiteral("Connect an Android device to transfer."));
-        return;
-    }
     const bool isPull = direction == TransferDirection::androidToMac;
     PaneState &source = isPull ? m_androidPane : m_macPane;
-    const QString folder = isPull ? macPath() : androidCurrentPath();
+    if (transfer(direction, source.selectedItems(), isPull ? macPath() : androidCurrentPath()))
+        source.clearSelection();
+}
+
+PaneState &AppState::pane(BrowserSide side) {
+    return side == BrowserSide::mac ? m_macPane : m_androidPane;
+}
+
+bool AppState::transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder) {
+    if (!connectedSerial()) {
+        m_phones.setMessage(QStringLiteral("Connect an Android device to transfer."));
+        return false;
+    }
     QList<QueueItem> entries;
     QStringList nameless; // what these are called, adb cannot be told
-    for (const FileItem &item : source.visibleItems()) {
-        if (!source.selectedIDs().contains(item.id))
-            continue;
+    for (const FileItem &item : items) {
         if (!item.isNameExact)
             nameless.append(item.name);
         else
@@ -87,21 +103,35 @@ void AppState::transfer(TransferDirection direction) {
                             *connectedSerial()});
     }
     if (!nameless.isEmpty())
-        source.setBrowseError(
-            nameless.size() == 1
-                ? QString(QStringLiteral("“") % nameless.first() %
-                          QStringLiteral("” can’t be copied: its name on the phone is not text."))
-                : QString(
-                      QString::number(nameless.size()) %
-                      QStringLiteral(" entries can’t be copied: their names on the phone are not text.")));
-    if (entries.isEmpty())
-        return;
-    source.clearSelection();
-    m_transfers.enqueue(entries);
+        pane(direction == TransferDirection::androidToMac ? BrowserSide::android : BrowserSide::mac)
+            .setBrowseError(
+                nameless.size() == 1
+                    ? QString(QStringLiteral("“") % nameless.first() %
+                              QStringLiteral("” can’t be copied: its name on the phone is not text."))
+                    : QString(QString::number(nameless.size()) %
+                              QStringLiteral(
+                                  " entries can’t be copied: their names on the phone are not text.")));
+    if (!entries.isEmpty())
+        m_transfers.enqueue(entries);
+    return !entries.isEmpty();
+}
+
+QCoro::Task<> AppState::transferToAndroid(QStringList paths, QString folder) {
+    const auto items = co_await Background::run(this, &MacFileClient::entriesAt, paths);
+    transfer(TransferDirection::macToAndroid, items, folder);
 }
 
 std::optional<QString> AppState::connectedSerial() const {
     return device().isConnected ? std::optional(device().id) : std::nullopt;
+}
+
+QStringList AppState::readyPhones() const {
+    QStringList serials;
+    for (const ListedPhone &phone : m_phones.phones()) {
+        if (phone.isReady() && device().isConnected) // what adb lists and cannot ask is not ready
+            serials.append(phone.serial);
+    }
+    return serials;
 }
 
 QString AppState::shownFolder(BrowserSide side) const {

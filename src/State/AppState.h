@@ -26,6 +26,7 @@ public:
 
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
+    ~AppState() override;
     [[nodiscard]] static std::unique_ptr<AppState> designPreview(Desktop &desktop);
     [[nodiscard]] Desktop &desktop() const { return m_desktop; }
 
@@ -41,9 +42,7 @@ public:
     QCoro::Task<> refreshDevice(Spinner spinner) { return m_phones.refresh(spinner); }
 
     // -- Both panes
-    [[nodiscard]] PaneState &pane(BrowserSide side) {
-        return side == BrowserSide::mac ? m_macPane : m_androidPane;
-    }
+    [[nodiscard]] PaneState &pane(BrowserSide side);
     /// The pane that keyboard commands act on.
     [[nodiscard]] BrowserSide focusedBrowserSide() const { return m_focusedBrowserSide; }
     void setFocusedBrowserSide(BrowserSide side) { m_focusedBrowserSide = side; }
@@ -63,19 +62,14 @@ public:
     [[nodiscard]] const QString &androidCurrentPath() const { return m_androidPane.path(); }
     [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments.value(); }
     [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidPane.items(); }
-    [[nodiscard]] const QList<FileItem> &displayedAndroidItems() const {
-        return m_androidPane.visibleItems();
-    }
+    [[nodiscard]] const auto &displayedAndroidItems() const { return m_androidPane.visibleItems(); }
     [[nodiscard]] const QSet<QUuid> &androidSelectedIDs() const { return m_androidPane.selectedIDs(); }
     [[nodiscard]] PaneViewMode androidViewMode() const { return m_androidPane.viewMode(); }
     void setAndroidViewMode(PaneViewMode mode) { m_androidPane.setViewMode(mode); }
     [[nodiscard]] QString androidSelectionSummary() const;
     [[nodiscard]] QString androidFooterStats() const;
-    /// The sidebar's shortcuts; never change.
     [[nodiscard]] const QList<StorageShortcut> &shortcuts() const { return m_shortcuts; }
-    [[nodiscard]] const std::optional<QUuid> &selectedShortcutID() const {
-        return m_selectedShortcutID.value();
-    }
+    [[nodiscard]] const auto &selectedShortcutID() const { return m_selectedShortcutID.value(); }
     void setSelectedShortcutID(const std::optional<QUuid> &id) { m_selectedShortcutID = id; }
     /// Shows a phone folder.
     QCoro::Task<> browseAndroid(QString path);
@@ -125,6 +119,10 @@ public:
     /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
     void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
     void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }
+    /// Queues copies of one side's entries into a folder of the other. Whether it took any.
+    bool transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder);
+    /// The same for files of this computer that come from elsewhere, by their paths.
+    QCoro::Task<> transferToAndroid(QStringList paths, QString folder);
     /// Removes one entry; a copy that runs for it is stopped and leaves nothing behind.
     void removeQueueItem(const QUuid &id) { m_transfers.remove(id); }
     /// Removes every entry that is not running.
@@ -170,7 +168,8 @@ private:
     QCoro::Task<> openPhone();
     QCoro::Task<> leaveGoneCard();
     void showAvailable(std::optional<qint64> bytes);
-    [[nodiscard]] std::optional<QString> connectedSerial() const override;
+    [[nodiscard]] std::optional<QString> connectedSerial() const;
+    [[nodiscard]] QStringList readyPhones() const override;
     [[nodiscard]] QString shownFolder(BrowserSide side) const override;
     [[nodiscard]] bool isListing(BrowserSide side) const override;
     QCoro::Task<> listAgain(BrowserSide side) override;

@@ -14,29 +14,29 @@ void PaneState::toggleSelection(const FileItem &item) {
 }
 
 void PaneState::selectItem(const FileItem &item) {
-    if (m_selectedIDs.contains(item.id))
-        return;
-    m_selectedIDs.insert(item.id);
-    Q_EMIT selectedIDsChanged();
+    setSelected({item}, true);
+}
+
+void PaneState::setSelected(const QList<FileItem> &items, bool isSelected) {
+    const qsizetype before = m_selectedIDs.size();
+    if (isSelected)
+        m_selectedIDs.reserve(before + items.size());
+    for (const FileItem &item : items) {
+        if (isSelected)
+            m_selectedIDs.insert(item.id);
+        else
+            m_selectedIDs.remove(item.id);
+    }
+    if (m_selectedIDs.size() != before)
+        Q_EMIT selectedIDsChanged();
 }
 
 void PaneState::selectAllVisible() {
-    if (m_visibleItems.isEmpty())
-        return;
-    m_selectedIDs.reserve(m_selectedIDs.size() + m_visibleItems.size());
-    for (const FileItem &item : std::as_const(m_visibleItems))
-        m_selectedIDs.insert(item.id);
-    Q_EMIT selectedIDsChanged();
+    setSelected(m_visibleItems, true);
 }
 
 void PaneState::toggleSelectAllVisible() {
-    if (selectAllState() != PaneSelectAllState::all) {
-        selectAllVisible();
-        return;
-    }
-    for (const FileItem &item : std::as_const(m_visibleItems))
-        m_selectedIDs.remove(item.id);
-    Q_EMIT selectedIDsChanged();
+    setSelected(m_visibleItems, selectAllState() != PaneSelectAllState::all);
 }
 
 void PaneState::clearSelection() {
@@ -46,12 +46,27 @@ void PaneState::clearSelection() {
     Q_EMIT selectedIDsChanged();
 }
 
+QList<FileItem> PaneState::selectedItems() const {
+    QList<FileItem> selected;
+    std::copy_if(m_visibleItems.begin(), m_visibleItems.end(), std::back_inserter(selected),
+                 [this](const FileItem &item) { return m_selectedIDs.contains(item.id); });
+    return selected;
+}
+
 PaneSelectAllState PaneState::selectAllState() const {
     const auto selected = std::count_if(m_visibleItems.begin(), m_visibleItems.end(),
                                         [this](const auto &item) { return m_selectedIDs.contains(item.id); });
     if (selected == 0)
         return PaneSelectAllState::none;
     return selected == m_visibleItems.size() ? PaneSelectAllState::all : PaneSelectAllState::partial;
+}
+
+void PaneState::setOrder(FileOrder order) {
+    if (order == m_order)
+        return;
+    m_order = order;
+    updateVisibleItems();
+    Q_EMIT orderChanged();
 }
 
 quint64 PaneState::open(const QString &path) {
@@ -112,7 +127,7 @@ void PaneState::setHits(const std::optional<QList<FileItem>> &hits) {
 }
 
 void PaneState::updateVisibleItems() {
-    const QList<FileItem> visible = m_hits ? *m_hits : filteredItems();
+    const QList<FileItem> visible = inOrder(m_hits ? *m_hits : filteredItems(), m_order);
     const bool hasChanged = !visible.isSharedWith(m_visibleItems);
     m_visibleItems = visible;
     const bool lostGhosts = dropGhosts(); // before anybody is told of what is shown

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Records/FileItem.h"
+#include "Records/FileOrder.h"
 #include "Records/Pane.h"
 
 #include <QObject>
@@ -29,6 +29,8 @@ public:
     /// What the pane shows: the listing, the filtered listing, or the hits of a search. Cheap to call.
     [[nodiscard]] const QList<FileItem> &visibleItems() const { return m_visibleItems; }
     [[nodiscard]] const QSet<QUuid> &selectedIDs() const { return m_selectedIDs; }
+    /// What of visibleItems() is selected, in its order.
+    [[nodiscard]] QList<FileItem> selectedItems() const;
     /// Entries of the folder that could not be read, and are not among its items.
     [[nodiscard]] qsizetype unreadableCount() const { return m_unreadableCount; }
     /// Whether a listing is under way.
@@ -39,10 +41,14 @@ public:
     /// is.
     [[nodiscard]] bool hasFailed() const { return m_hasFailed; }
     [[nodiscard]] PaneViewMode viewMode() const { return m_viewMode; }
+    /// That of visibleItems().
+    [[nodiscard]] FileOrder order() const { return m_order; }
 
     // -- What the user does
     void toggleSelection(const FileItem &item);
     void selectItem(const FileItem &item);
+    /// Adds these to the selection, or takes them out of it.
+    void setSelected(const QList<FileItem> &items, bool isSelected);
     /// Adds every visible entry to the selection.
     void selectAllVisible();
     /// The select-all box: takes every visible entry out when all are selected, else adds them.
@@ -50,6 +56,7 @@ public:
     void clearSelection();
     [[nodiscard]] PaneSelectAllState selectAllState() const;
     void setViewMode(PaneViewMode mode) { m_viewMode = mode; }
+    void setOrder(FileOrder order);
 
     // -- What the model fills in
 
@@ -62,6 +69,7 @@ public:
     /// What stands for the listing that open() has asked for last.
     [[nodiscard]] quint64 token() const { return m_token; }
     void setLoading(bool isLoading) { m_isLoading = isLoading; }
+    /// The folder's entries, in the order of their names.
     void setItems(const QList<FileItem> &items, qsizetype unreadableCount = 0);
     /// The same folder's entries, listed again: what was there before, by its path, keeps its identity, and
     /// with it stays selected.
@@ -85,6 +93,7 @@ Q_SIGNALS:
     void isLoadingChanged();
     void browseErrorChanged();
     void viewModeChanged();
+    void orderChanged();
 
 private:
     void updateVisibleItems();
@@ -97,6 +106,7 @@ private:
     QList<FileItem> m_visibleItems;
     QSet<QUuid> m_selectedIDs;
     QString m_filter;
+    FileOrder m_order;
     std::optional<QList<FileItem>> m_hits;
     quint64 m_token = 0;
     bool m_hasFailed = false;

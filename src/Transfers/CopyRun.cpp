@@ -11,9 +11,11 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
+#include <future>
 #include <limits>
 #include <mutex>
 #include <sys/stat.h>
@@ -38,6 +40,22 @@ struct PlannedFile {
     QString shownPath; ///< below the entry; its name for a single file
     qint64 sizeBytes = 0;
     qint64 modified = 0;
+    QString wanted = {}; ///< the destination, before a number was added to it
+};
+
+/// Two files, one on each side, that should hold the same.
+struct ComparedFile {
+    qsizetype entry = 0;
+    QString here;
+    QString onPhone;
+    qint64 sizeBytes = 0;
+};
+
+/// What comparing them has come to.
+struct Comparison {
+    enum class Outcome { same, different, unreadable, unavailable };
+    Outcome outcome = Outcome::different;
+    QString reason = {}; ///< of what is unreadable
 };
 
 bool isSameContent(const TreeEntry &there, qint64 sizeBytes, qint64 modified) {
@@ -126,6 +144,7 @@ public:
         readSources();
         readDestinations();
         plan();
+        compareAlike();
         makeFolders();
         copyMissing();
         removeLeftOver();
@@ -146,6 +165,8 @@ private:
         qsizetype filesLeft = 0; ///< planned files that have not ended
         qint64 stagedBytes = 0;  ///< through, but without their names
         qsizetype stagedFiles = 0;
+        qint64 comparedBytes = 0;
+        qint64 keptBytes = 0; ///< that had been there before this run
         bool hasEnded = false;
     };
 
@@ -263,8 +284,7 @@ private:
 
     /// Whether the copy that has just ended early is to go on later.
     [[nodiscard]] bool goesOn() const {
-        return m_batch.size() == 1 && isLarge(m_batch.first()) &&
-               (m_stop.stop_requested() || m_isPhoneGone) && isWanted(m_batch.first().entry);
+        return m_batch.size() == 1 && isLarge(m_batch.first()) && (m_stop.stop_requested() || m_isPhoneGone);
     }
     /// Leaves a staging folder for the run in which its file goes on.
     void keep(const QString &name) {
@@ -275,12 +295,22 @@ private:
             discardKeptParts({id});
     }
 
-    /// Whether what was continued has its source's content; an error when it cannot be said.
-    [[nodiscard]] ADBResult<bool> isSameAsSource(const QString &here, const QString &onPhone) const {
-        const auto there = ADBClient::fetchSum(m_job.serial, onPhone, m_stop);
-        if (!there)
-            return tl::make_unexpected(there.error());
-        return LocalFiles::sum(here, m_stop) == *there;
+    /// Whether what was continued has its source's content, as far as that can be said.
+    [[nodiscard]] ADBResult<bool> isSameAsSource(const QString &staged) {
+        const auto compared = compare({comparedFile(m_batch.first(), staged)}, Arrival::staged);
+        if (!compared)
+            return tl::make_unexpected(compared.error());
+        m_isBatchCompared = compared->first().outcome == Comparison::Outcome::same;
+        return m_isBatchCompared;
+    }
+
+    /// What a tool or the shell of the phone says of the file is a line like those of adb.
+    static ADBResult<QStringList> complaint(const ADBError &error) {
+        static const QRegularExpression spoken(QStringLiteral("\\A(tail|cat|md5sum|\\S*sh): "));
+        const QString text = error.errorDescription();
+        if (spoken.match(text).hasMatch())
+            return QStringList{text};
+        return tl::make_unexpected(error);
     }
 
     ADBResult<QStringList> pullLarge(const QString &staged) {
@@ -288,15 +318,18 @@ private:
         const auto begun = LocalFiles::look(staged);
         if (begun && begun->sizeBytes > 0 && begun->sizeBytes <= file.sizeBytes) {
             const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+            qint64 &kept = m_states[file.entry].keptBytes;
+            kept += begun->sizeBytes;
             const auto continued =
                 ADBClient::continuePull(m_job.serial, file.source, staged, m_stop, onBytes);
             if (!continued)
-                return tl::make_unexpected(continued.error());
-            const auto isSame = isSameAsSource(staged, file.source);
+                return complaint(continued.error());
+            const auto isSame = isSameAsSource(staged);
             if (!isSame)
-                return tl::make_unexpected(isSame.error());
+                return complaint(isSame.error());
             if (*isSame && LocalFiles::setModified(staged, file.modified))
                 return QStringList();
+            kept -= begun->sizeBytes;
         }
         QFile::remove(staged);
         // adb removes what it could not finish: a second name keeps it.
@@ -326,17 +359,20 @@ private:
             const qint64 reached = begun->value(staged).sizeBytes;
             if (reached <= file.sizeBytes) {
                 const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+                qint64 &kept = m_states[file.entry].keptBytes;
+                kept += reached;
                 const auto continued =
                     ADBClient::continuePush(m_job.serial, file.source, reached, staged, m_stop, onBytes);
                 if (!continued)
-                    return tl::make_unexpected(continued.error());
+                    return complaint(continued.error());
                 const auto timed = ADBClient::setModified(m_job.serial, staged, file.modified, m_stop);
-                const auto isSame = timed ? isSameAsSource(file.source, staged)
-                                          : ADBResult<bool>(tl::make_unexpected(timed.error()));
+                const auto isSame =
+                    timed ? isSameAsSource(staged) : ADBResult<bool>(tl::make_unexpected(timed.error()));
                 if (!isSame)
-                    return tl::make_unexpected(isSame.error());
+                    return complaint(isSame.error());
                 if (*isSame)
                     return QStringList();
+                kept -= reached;
             }
         }
         const auto onProgress = [&](int /*ended*/, double fraction) {
@@ -459,7 +495,8 @@ private:
                 root = freeName(root);
             }
         }
-        QSet<QString> closed; // folders below which nothing can be put
+        QSet<QString> closed;  // folders below which nothing can be put
+        QSet<QString> skipped; // what somebody is copying there at this moment
         for (const TreeEntry &found : std::as_const(state.source.entries)) {
             const QString destination = below(root, found.path);
             const QString shown =
@@ -467,8 +504,10 @@ private:
             const QString parent =
                 found.path.left(std::max<qsizetype>(found.path.lastIndexOf(QLatin1Char('/')), 0));
             const bool isClosed = closed.contains(parent);
-            if (StagedName::isStaged(AndroidPath::lastComponent(destination)))
+            if (skipped.contains(parent) || StagedName::isStaged(AndroidPath::lastComponent(destination))) {
+                skipped.insert(found.path);
                 continue;
+            }
             if (found.kind == TreeEntry::Kind::other) {
                 state.report.leftOut.append({shown, QStringLiteral("Neither a file nor a folder")});
             } else if (found.kind == TreeEntry::Kind::folder) {
@@ -497,7 +536,7 @@ private:
     /// Whether the file is missing, there already, or kept from its place by another content.
     void planFile(PlannedFile file) {
         State &state = m_states[file.entry];
-        const QString wanted = file.destination;
+        const QString wanted = file.wanted = file.destination;
         const bool keepsBoth = m_job.entries.at(file.entry).whenTaken == WhenTaken::keepBoth;
         for (int number = 2;; ++number) {
             const auto there = lookAtDestination(file.destination);
@@ -511,16 +550,26 @@ private:
                 m_files.append(std::move(file));
                 return;
             }
-            if (there && isSameContent(*there, file.sizeBytes, file.modified)) {
-                ++state.report.alreadyThere;
-                ++state.progress.files;
-                state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
+            if (there && isSameContent(*there, file.sizeBytes, file.modified) &&
+                !m_different.contains(file.destination)) {
+                if (m_job.verifies)
+                    m_alike.append(std::move(file));
+                else
+                    countAsThere(file);
                 return;
             }
             file.destination =
                 AndroidPath::join(parentOf(wanted), numberedName(AndroidPath::lastComponent(wanted), number));
         }
         state.report.taken.append({file.shownPath, takenReason()});
+    }
+
+    void countAsThere(const PlannedFile &file) {
+        State &state = m_states[file.entry];
+        ++state.report.alreadyThere;
+        ++state.progress.files;
+        state.progress.transferredBytes = sum(state.progress.transferredBytes, file.sizeBytes);
+        state.keptBytes = sum(state.keptBytes, file.sizeBytes);
     }
 
     [[nodiscard]] QString freeName(const QString &path) const {
@@ -531,6 +580,138 @@ private:
     }
 
     static QString takenReason() { return QStringLiteral("Another content stands under this name"); }
+
+    // -- Comparing
+
+    /// Whether compared files have come in this run, or stood there before it.
+    enum class Arrival { staged, there };
+
+    [[nodiscard]] ComparedFile comparedFile(const PlannedFile &file, const QString &arrived) const {
+        return isPull() ? ComparedFile{file.entry, arrived, file.source, file.sizeBytes}
+                        : ComparedFile{file.entry, file.source, arrived, file.sizeBytes};
+    }
+
+    /// Reads the files of both sides, at the same time. An error when the phone left or the run was stopped.
+    ADBResult<QList<Comparison>> compare(const QList<ComparedFile> &files, Arrival arrival) {
+        using Outcome = Comparison::Outcome;
+        QStringList onPhone;
+        for (const ComparedFile &file : files)
+            onPhone.append(file.onPhone);
+        std::stop_source enough;
+        const std::stop_callback stopsBoth(m_stop, [&enough] { enough.request_stop(); });
+        auto asked = std::async(std::launch::async, [&] {
+            auto answer = ADBClient::fetchSums(m_job.serial, onPhone, m_stop);
+            if (!answer || answer->isUnavailable)
+                enough.request_stop();
+            return answer;
+        });
+        const bool areStaged = arrival == Arrival::staged;
+        for (const ComparedFile &file : files) {
+            m_states[file.entry].stagedBytes += areStaged ? file.sizeBytes : 0;
+            m_states[file.entry].stagedFiles += areStaged ? 1 : 0;
+        }
+        QList<std::optional<QByteArray>> here;
+        for (const ComparedFile &file : files) {
+            State &state = m_states[file.entry];
+            const qint64 before = state.comparedBytes;
+            const auto onBytes = [&](qint64 bytes) {
+                state.comparedBytes = sum(before, bytes);
+                report(file.entry, areStaged ? 0 : bytes, arrival);
+            };
+            here.append(isGivenUp(file.entry) ? std::nullopt
+                                              : LocalFiles::sum(file.here, enough.get_token(), onBytes));
+            state.comparedBytes = sum(before, file.sizeBytes);
+            state.stagedBytes += areStaged ? 0 : file.sizeBytes;
+            state.stagedFiles += areStaged ? 0 : 1;
+        }
+        for (const ComparedFile &file : files)
+            m_states[file.entry].stagedBytes = m_states[file.entry].stagedFiles = 0;
+        const auto there = asked.get();
+        if (!there)
+            return tl::make_unexpected(there.error());
+        QList<Comparison> compared;
+        for (qsizetype i = 0; i < files.size(); ++i) {
+            const QByteArray &sum = there->sums.at(i);
+            if (there->isUnavailable)
+                compared.append({Outcome::unavailable});
+            else if (sum.isEmpty())
+                compared.append(
+                    {Outcome::unreadable, QStringLiteral("The phone can’t read it: ") + there->complaint});
+            else if (!here.at(i))
+                compared.append({Outcome::unreadable, QStringLiteral("This computer can’t read it.")});
+            else
+                compared.append({*here.at(i) == sum ? Outcome::same : Outcome::different});
+        }
+        return compared;
+    }
+
+    /// When copies are verified, the same size and time are not enough: what differs all the same is another
+    /// content.
+    void compareAlike() {
+        constexpr qsizetype mostFiles = 1000;
+        using Outcome = Comparison::Outcome;
+        while (!m_alike.isEmpty() && !m_stop.stop_requested()) {
+            const QList<PlannedFile> some = m_alike.first(std::min(mostFiles, m_alike.size()));
+            m_alike.remove(0, some.size());
+            QList<ComparedFile> files;
+            for (const PlannedFile &file : some)
+                files.append(comparedFile(file, file.destination));
+            const auto compared = compare(files, Arrival::there);
+            if (!compared)
+                return failAll(compared.error());
+            for (qsizetype i = 0; i < some.size(); ++i) {
+                PlannedFile file = some.at(i);
+                CopyReport &report = m_states[file.entry].report;
+                const Comparison &comparison = compared->at(i);
+                if (comparison.outcome == Outcome::unreadable) {
+                    report.failed.append({file.shownPath, comparison.reason});
+                } else if (comparison.outcome == Outcome::different) {
+                    m_different.insert(file.destination);
+                    file.destination = file.wanted;
+                    planFile(std::move(file));
+                } else {
+                    countAsThere(file);
+                    ++(comparison.outcome == Outcome::same ? report.verified : report.unverified);
+                }
+            }
+        }
+        if (!m_alike.isEmpty())
+            failAll(QStringLiteral("The copy was stopped."));
+    }
+
+    /// Compares staged files with their sources, when that is wanted. Gives the destinations of those that
+    /// must not take their names, and tells why.
+    ADBResult<QSet<QString>> refused(const QList<PlannedFile> &arrived, const QString &staging) {
+        using Outcome = Comparison::Outcome;
+        QSet<QString> names;
+        if (!m_job.verifies || arrived.isEmpty())
+            return names;
+        if (m_isBatchCompared) { // when it was continued
+            ++m_states[arrived.first().entry].report.verified;
+            return names;
+        }
+        QList<ComparedFile> files;
+        for (const PlannedFile &file : arrived)
+            files.append(comparedFile(file, AndroidPath::join(staging, stagedName(file))));
+        const auto compared = compare(files, Arrival::staged);
+        if (!compared)
+            return tl::make_unexpected(compared.error());
+        for (qsizetype i = 0; i < arrived.size(); ++i) {
+            const PlannedFile &file = arrived.at(i);
+            CopyReport &report = m_states[file.entry].report;
+            const Comparison &comparison = compared->at(i);
+            if (comparison.outcome == Outcome::same || comparison.outcome == Outcome::unavailable) {
+                ++(comparison.outcome == Outcome::same ? report.verified : report.unverified);
+                continue;
+            }
+            names.insert(file.destination);
+            problem(file, &CopyReport::failed,
+                    comparison.outcome == Outcome::different
+                        ? QStringLiteral("The copy differs from the original. Try again.")
+                        : comparison.reason);
+        }
+        return names;
+    }
 
     // -- Copying
 
@@ -575,7 +756,16 @@ private:
                                .arg(AndroidPath::lastComponent(m_job.folder), staging.error()));
         adopt(staging->path());
         while (!m_stop.stop_requested() && takeBatch()) {
-            const auto errors = copyBatch(staging->path());
+            ADBResult<QStringList> errors = copyBatch(staging->path());
+            QSet<QString> unfit;
+            if (errors && m_job.verifies) {
+                const auto told = refused(wholeFilesIn(staging->path()), staging->path());
+                if (told)
+                    unfit = *told;
+                else
+                    errors = tl::make_unexpected(told.error());
+            }
+            const bool mayTakeNames = errors || !m_job.verifies;
             if (!errors && isLarge(m_batch.first()))
                 failAll(errors.error());
             if (!errors && goesOn()) {
@@ -588,15 +778,26 @@ private:
             for (const PlannedFile &file : std::as_const(m_batch)) {
                 const QString staged = AndroidPath::join(staging->path(), stagedName(file));
                 const auto arrived = LocalFiles::look(staged);
-                if (arrived && isSameContent(*arrived, file.sizeBytes, file.modified))
+                const bool isWhole = arrived && isSameContent(*arrived, file.sizeBytes, file.modified);
+                if (isWhole && mayTakeNames && !unfit.contains(file.destination))
                     takeName(file, staged, staging->newFileMode());
-                else if (errors)
+                else if (!isWhole && errors)
                     explain(file, arrived.has_value(), *errors);
                 QFile::remove(staged); // what was not placed is not whole or not wanted
             }
             if (!errors)
                 return failAll(errors.error());
         }
+    }
+
+    [[nodiscard]] QList<PlannedFile> wholeFilesIn(const QString &staging) const {
+        QList<PlannedFile> whole;
+        for (const PlannedFile &file : m_batch) {
+            const auto arrived = LocalFiles::look(AndroidPath::join(staging, stagedName(file)));
+            if (arrived && isSameContent(*arrived, file.sizeBytes, file.modified))
+                whole.append(file);
+        }
+        return whole;
     }
 
     void takeName(const PlannedFile &file, const QString &staged, mode_t mode) {
@@ -617,7 +818,7 @@ private:
     void pushMissing() {
         const QString name = StagedName::make();
         const QString staging = AndroidPath::join(m_job.folder, name);
-        if (const auto made = ADBClient::makeFolder(m_job.serial, staging, m_stop); !made) {
+        if (const auto made = ADBClient::makeMarkedFolder(m_job.serial, staging, name, m_stop); !made) {
             const QString reason = made.error().errorDescription();
             StagedName::release(name);
             if (speaksOfAbsence(reason))
@@ -650,31 +851,40 @@ private:
         const auto arrived = ADBClient::fetchTree(m_job.serial, staging, m_stop);
         if (!arrived)
             return tl::make_unexpected(arrived.error());
-        if (arrived->entries.isEmpty() || arrived->entries.first().kind != TreeEntry::Kind::folder)
-            return tl::make_unexpected(ADBError::executionFailed(vanished()));
         QHash<QString, TreeEntry> byName;
         for (const TreeEntry &entry : arrived->entries)
             byName.insert(entry.path, entry);
+        if (!byName.contains(AndroidPath::lastComponent(staging))) // gone, and perhaps made again by adb
+            return tl::make_unexpected(ADBError::executionFailed(vanished()));
 
-        QList<ADBClient::PhoneMove> moves;
-        QList<PlannedFile> moved;
+        QList<PlannedFile> whole;
+        QList<PlannedFile> lacking;
         for (const PlannedFile &file : std::as_const(m_batch)) {
             const QString name = stagedName(file);
             const auto there = byName.constFind(name);
             const auto here = LocalFiles::look(file.source);
-            const bool isThere = there != byName.constEnd();
-            if (!isThere || !isSameContent(*there, file.sizeBytes, file.modified) ||
+            if (there == byName.constEnd() || !isSameContent(*there, file.sizeBytes, file.modified) ||
                 (here && here->kind == TreeEntry::Kind::file &&
                  !isSameContent(*here, file.sizeBytes, file.modified))) {
-                explain(file, isThere, *errors);
+                lacking.append(file);
             } else if (!isGivenUp(file.entry)) {
-                moves.append({AndroidPath::join(staging, name), file.destination});
-                moved.append(file);
+                whole.append(file);
             }
         }
-        if (moves.isEmpty())
-            return {};
-        const auto unmoved = ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
+        const auto unfit = refused(whole, staging);
+        if (!unfit)
+            return tl::make_unexpected(unfit.error());
+        QList<ADBClient::PhoneMove> moves;
+        QList<PlannedFile> moved;
+        for (const PlannedFile &file : std::as_const(whole)) {
+            if (unfit->contains(file.destination) || isGivenUp(file.entry))
+                continue;
+            moves.append({AndroidPath::join(staging, stagedName(file)), file.destination});
+            moved.append(file);
+        }
+        ADBResult<QHash<QString, QString>> unmoved;
+        if (!moves.isEmpty())
+            unmoved = ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
         if (!unmoved)
             return tl::make_unexpected(unmoved.error());
         for (qsizetype i = 0; i < moves.size(); ++i) {
@@ -687,6 +897,8 @@ private:
                 problem(moved.at(i), &CopyReport::failed,
                         QStringLiteral("The phone can’t write it: ") + *left);
         }
+        for (const PlannedFile &file : std::as_const(lacking)) // a full disk ends what has not arrived
+            explain(file, byName.contains(stagedName(file)), *errors);
         return {};
     }
 
@@ -697,6 +909,7 @@ private:
         constexpr qint64 mostBytes = 256'000'000;    // what a killed program has to copy again
         constexpr qsizetype mostPathBytes = 400'000; // macOS takes a command line of 1 MB
         m_batch.clear();
+        m_isBatchCompared = false;
         QSet<QString> names;
         qint64 bytes = 0;
         qsizetype pathBytes = 0;
@@ -771,8 +984,10 @@ private:
     void explain(const PlannedFile &file, bool hasArrived, const QStringList &errors) {
         QString reason;
         for (const QString &error : errors) {
+            // The file is named as it is here or as it is there; no two of a batch have one name.
             if (m_batch.size() == 1 ||
-                error.contains(QString(QLatin1Char('\'') % file.source % QLatin1Char('\''))))
+                error.contains(
+                    QString(QLatin1Char('/') % AndroidPath::lastComponent(file.source) % QLatin1Char('\''))))
                 reason = explainedCopyError(error);
             if (error.contains(QLatin1String("No space left on device")))
                 return failAll(isPull() ? QStringLiteral("The disk of this computer is full.")
@@ -800,8 +1015,9 @@ private:
             end(entry);
     }
 
-    /// Tells how far an entry has come; `underWay` bytes of its next file are through.
-    void report(qsizetype entry, qint64 underWay) {
+    /// Tells how far an entry has come; `underWay` bytes of its next file are through. Where copies are
+    /// verified, comparing is half of the way.
+    void report(qsizetype entry, qint64 underWay, std::optional<Arrival> compared = std::nullopt) {
         constexpr double highest = 0.99;
         constexpr double step = 0.001;
         if (m_watcher.onLife)
@@ -813,9 +1029,19 @@ private:
         now.transferredBytes =
             std::min(sum(sum(now.transferredBytes, state.stagedBytes), underWay), now.totalBytes);
         now.files += state.stagedFiles;
-        now.fraction = now.totalBytes > 0 ? std::min(highest, static_cast<double>(now.transferredBytes) /
-                                                                  static_cast<double>(now.totalBytes))
-                                          : 0;
+        now.isVerifying = compared.has_value();
+        const qint64 kept =
+            sum(state.keptBytes, compared == Arrival::there ? sum(state.stagedBytes, underWay) : 0);
+        now.carriedBytes = std::max<qint64>(now.transferredBytes - kept, 0);
+        double part = 0;
+        if (now.totalBytes > 0) {
+            part = static_cast<double>(now.transferredBytes) / static_cast<double>(now.totalBytes);
+            if (m_job.verifies)
+                part =
+                    (part + static_cast<double>(state.comparedBytes) / static_cast<double>(now.totalBytes)) /
+                    2;
+        }
+        now.fraction = std::min(highest, part);
         if (now.fraction <= state.progress.fraction + step)
             return;
         state.progress.fraction = now.fraction;
@@ -834,9 +1060,12 @@ private:
     QHash<QString, TreeEntry> m_there; ///< what stands on the phone
     QList<PlannedFile> m_folders;
     QList<PlannedFile> m_files;
-    QSet<QString> m_planned; ///< where the files of this run go
-    QStringList m_leftOver;  ///< staging folders that nobody works in
+    QSet<QString> m_planned;    ///< where the files of this run go
+    QStringList m_leftOver;     ///< staging folders that nobody works in
+    QList<PlannedFile> m_alike; ///< the same size and time stand there; not compared yet
+    QSet<QString> m_different;  ///< of what stands there, what was found to hold something else
     bool m_wasInterrupted = false;
+    bool m_isBatchCompared = false;
     bool m_isPhoneGone = false;
     qsizetype m_nextFile = 0;
     QList<PlannedFile> m_batch;
@@ -885,6 +1114,12 @@ QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
         parts.append(report.copied > 0 || report.fileCount > 1 || isFolder
                          ? QStringLiteral("%1 already there").arg(report.alreadyThere)
                          : QStringLiteral("Already there"));
+    const bool isFirst = parts.isEmpty();
+    if (report.unverified > 0)
+        parts.append((isFirst ? QStringLiteral("Not") : QStringLiteral("not")) %
+                     QStringLiteral(" verified: this phone has no md5sum"));
+    else if (report.verified > 0)
+        parts.append(isFirst ? QStringLiteral("Verified") : QStringLiteral("verified"));
     if (!report.leftOut.isEmpty())
         parts.append(QStringLiteral("%1 left out").arg(report.leftOut.size()));
     return QueueItemStatus::Completed{parts.join(QStringLiteral(", ")), report.leftOut, report.totalBytes};
@@ -893,9 +1128,18 @@ QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report) {
 QString explainedCopyError(const QString &error) {
     const qsizetype colon = error.lastIndexOf(QLatin1String(": "));
     const QString reason = colon < 0 ? error : error.mid(colon + 2);
-    if (error.contains(QLatin1String("remote open failed")))
+    // FAT and exFAT take none of these; their drivers say so in many ways.
+    static const QRegularExpression strange(
+        QStringLiteral(
+            "\\Acannot create [^']*'.*[\"*:<>?\\\\|\\x01-\\x1f][^/]*': (Invalid argument|No such file)"),
+        QRegularExpression::DotMatchesEverythingOption);
+    if (strange.match(error).hasMatch())
+        return QStringLiteral("This name can’t be used on the other side.");
+    if (error.contains(QLatin1String("remote open failed")) || error.startsWith(QLatin1String("tail: ")) ||
+        error.startsWith(QLatin1String("md5sum: ")))
         return QStringLiteral("The phone can’t read it: ") + reason;
-    if (error.contains(QLatin1String("remote ")))
+    if (error.contains(QLatin1String("remote ")) || error.startsWith(QLatin1String("cat: ")) ||
+        error.contains(QLatin1String("sh: can't create ")))
         return QStringLiteral("The phone can’t write it: ") + reason;
     if (error.startsWith(QLatin1String("cannot create")) || error.startsWith(QLatin1String("cannot write")))
         return QStringLiteral("This computer can’t write it: ") + reason;

@@ -16,13 +16,17 @@ struct CopyJob {
     QString serial;
     QString folder;
     QList<QueueItem> entries;
+    /// Each file is compared with its source by hash before it takes its name, and what is there already too.
+    bool verifies = false;
 };
 
 /// How one entry has ended. Nothing is missing when `failure`, `failed`, `taken` and `leftOut` are empty.
 struct CopyReport {
     qsizetype fileCount = 0;
     qsizetype copied = 0;
-    qsizetype alreadyThere = 0; ///< the same size and time
+    qsizetype alreadyThere = 0; ///< the same size and time, and if it was verified the same content
+    qsizetype verified = 0;     ///< of the files copied or there already, compared by hash
+    qsizetype unverified = 0;   ///< not compared, because the phone has no tool for it
     QList<CopyProblem> failed;  ///< worth another try
     QList<CopyProblem> taken;   ///< another content stands under the name
     QList<CopyProblem> leftOut; ///< links, pipes, names that cannot be copied, folders that cannot be read

@@ -177,7 +177,8 @@ bool setModified(const QString &path, qint64 modified) {
     return ::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times.data(), 0) == 0;
 }
 
-std::optional<QByteArray> sum(const QString &path, const std::stop_token &stop) {
+std::optional<QByteArray> sum(const QString &path, const std::stop_token &stop,
+                              const std::function<void(qint64 bytes)> &onBytes) {
     constexpr qint64 blockSize = 1'000'000;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
@@ -188,6 +189,7 @@ std::optional<QByteArray> sum(const QString &path, const std::stop_token &stop) 
         if (block.isEmpty())
             return file.error() == QFile::NoError ? std::optional(hash.result().toHex()) : std::nullopt;
         hash.addData(block);
+        onBytes(file.pos());
     }
     return std::nullopt;
 }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 #include <stop_token>
 #include <sys/types.h>
@@ -62,7 +63,9 @@ enum class Placing {
 /// Sets a file's time, in seconds since 1970.
 bool setModified(const QString &path, qint64 modified);
 /// The MD5 sum of a file's content, 32 digits; nothing when it cannot be read or a stop is requested.
-[[nodiscard]] std::optional<QByteArray> sum(const QString &path, const std::stop_token &stop);
+/// `onBytes` is told how much of it has been read.
+[[nodiscard]] std::optional<QByteArray> sum(const QString &path, const std::stop_token &stop,
+                                            const std::function<void(qint64 bytes)> &onBytes);
 /// The names in a folder of what dead programs of this user have left of their copies.
 [[nodiscard]] QStringList leftOver(const QString &folder);
 /// Removes it.

@@ -113,6 +113,9 @@ QueueFile::Contents QueueFile::open() {
     if (m_path.isEmpty())
         contents.problem =
             QStringLiteral("Unfinished copies will not be remembered: “%1” can’t be used.").arg(m_folder);
+    contents.mayWrite = !m_path.isEmpty() && !m_isUnreadable;
+    if (!contents.mayWrite)
+        m_problem = contents.problem;
     return contents;
 }
 
@@ -165,8 +168,8 @@ bool QueueFile::putAside(const QString &path, const QString &what, Contents &con
 
 QString QueueFile::write(const QList<QueueItem> &unfinished, quint64 number) {
     const std::scoped_lock guard(m_guard);
-    if (m_path.isEmpty() || m_isUnreadable || number < m_newest)
-        return {};
+    if (!m_problem.isEmpty() || number < m_newest)
+        return m_problem;
     m_newest = number;
     const auto removeTakenOver = [this] {
         for (const QString &path : std::exchange(m_takenOver, {}))

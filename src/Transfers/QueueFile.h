@@ -25,6 +25,7 @@ public:
     struct Contents {
         QList<QueueItem> entries; ///< paused
         QString problem;          ///< what the user has to know, as a sentence, or empty
+        bool mayWrite = true;     ///< otherwise nothing is kept from now on, and the problem says why
     };
 
     /// The folder that a user's file is kept in.
@@ -57,6 +58,7 @@ private:
     std::mutex m_guard;
     QString m_path;              ///< empty when there is no place to keep anything
     bool m_isUnreadable = false; ///< then it is left as it is
+    QString m_problem;           ///< why nothing can be kept, or empty
     quint64 m_newest = 0;        ///< number of what was written last
     std::vector<std::unique_ptr<QLockFile>> m_locks;
     QStringList m_takenOver; ///< files of other programs, until what they hold is written here

@@ -198,22 +198,22 @@ void TransferRunner::letWait(const std::function<bool(const QueueItem &)> &isMea
 }
 
 void TransferRunner::phoneWasAsked() {
-    const auto serial = m_host.connectedSerial();
-    if (serial)
-        m_gonePhones.remove(*serial);
+    const QStringList phones = m_host.readyPhones();
+    for (const QString &serial : phones)
+        m_gonePhones.remove(serial);
     const bool isChanged = m_queue.setStatuses([&](const QueueItem &item) {
         const auto *waiting = item.status.as<QueueItemStatus::Waiting>();
         if (!waiting || waiting->isClaimed)
             return item.status;
-        return QueueItemStatus(QueueItemStatus::Waiting{item.serial != serial});
+        return QueueItemStatus(QueueItemStatus::Waiting{!phones.contains(item.serial)});
     });
     if (isChanged)
         Q_EMIT queueChanged();
     fillSlots();
 }
 
-bool TransferRunner::mayStart(const QueueItem &item) const {
-    return m_host.connectedSerial() == item.serial && !m_gonePhones.contains(item.serial) &&
+bool TransferRunner::mayStart(const QueueItem &item, const QStringList &phones) const {
+    return phones.contains(item.serial) && !m_gonePhones.contains(item.serial) &&
            !m_destinationsInUse.contains(destinationKey(item));
 }
 
@@ -225,12 +225,13 @@ void TransferRunner::fillSlots() {
     if (m_isFillingSlots)
         return;
     m_isFillingSlots = true;
+    const QStringList phones = m_host.readyPhones();
     // A run of adb costs the time of many small files: unless few wait, the free slots share them.
     const bool areFew = m_queue.unclaimedCount() < few;
     while (m_runs.size() < concurrentCopies && !m_isPaused) {
         QSet<QString> places; // of this claim
         const auto isFree = [&](const QueueItem &item) {
-            return mayStart(item) && !places.contains(destinationKey(item)) &&
+            return mayStart(item, phones) && !places.contains(destinationKey(item)) &&
                    (places.insert(destinationKey(item)), true);
         };
         const qsizetype share =
@@ -263,6 +264,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     job.direction = entries.first().direction;
     job.serial = entries.first().serial;
     job.folder = folderOf(entries.first().destinationPath);
+    job.verifies = m_verifies;
     for (const QueueItem &item : std::as_const(entries)) {
         if (AndroidPath::isSafeName(item.name)) {
             job.entries.append(item);
@@ -365,8 +367,7 @@ void TransferRunner::applyProgress(const std::shared_ptr<Run> &run, const QUuid 
         !(entry->status.is<QueueItemStatus::Transferring>() || entry->status.is<QueueItemStatus::Waiting>()))
         return;
     const auto *before = entry->status.progress();
-    if (progress.fraction > 0) // the first report counts what had been there already
-        m_rate.add(run->carriedOf(progress.transferredBytes - (before ? before->transferredBytes : 0)));
+    m_rate.add(run->carriedOf(progress.carriedBytes - (before ? before->carriedBytes : 0)));
     QueueItemStatus::Transferring now;
     static_cast<QueueItemStatus::Progress &>(now) = progress;
     updateStatus(id, now);
@@ -407,6 +408,7 @@ QCoro::Task<> TransferRunner::remember(QString folder) {
     const QueueFile::Contents kept = co_await Background::run(this, &QueueFile::openOn, file);
     m_file = file;
     m_notice = kept.problem;
+    m_forgetReason = kept.mayWrite ? QString() : kept.problem;
     m_queue.insertBack(kept.entries);
     if (m_isUnsaved || !kept.entries.isEmpty())
         noteChange();
@@ -433,9 +435,9 @@ QCoro::Task<> TransferRunner::save() {
     const QList<QueueItem> unfinished = m_queue.unfinished();
     const quint64 number = ++m_saveNumber;
     const QString problem = co_await Background::run(this, &QueueFile::writeOn, m_file, unfinished, number);
-    if (problem != m_writeProblem) // what was found at the start stays until something else is to be said
+    if (problem != m_forgetReason) // what was found at the start stays until something else is to be said
         m_notice = problem;
-    m_writeProblem = problem;
+    m_forgetReason = problem;
     m_pauseUntilSave.setRemainingTime(std::max(shortestPause, pausePerDuration * duration.elapsed()));
     m_isSaving = false;
     if (m_isUnsaved)

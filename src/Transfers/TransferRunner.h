@@ -25,8 +25,8 @@ class QueueFile;
 /// What the copies need of the model that they belong to. Main thread only.
 class TransferHost {
 public:
-    /// The serial of the phone in use, or nothing while there is none.
-    [[nodiscard]] virtual std::optional<QString> connectedSerial() const = 0;
+    /// The serials of the phones that can be copied from and to, whichever of them is shown.
+    [[nodiscard]] virtual QStringList readyPhones() const = 0;
     /// The folder that the pane shows.
     [[nodiscard]] virtual QString shownFolder(BrowserSide side) const = 0;
     /// Whether the pane's folder is being listed for the user.
@@ -67,6 +67,12 @@ public:
     [[nodiscard]] int waitingCount() const {
         return m_queue.waitingCount() + m_queue.activeCount() - activeCount();
     }
+    /// Entries that run, wait or are paused.
+    [[nodiscard]] int unfinishedCount() const {
+        return m_queue.activeCount() + m_queue.waitingCount() + m_queue.pausedCount();
+    }
+    /// Why they would be lost if the program ended now, as a sentence; empty when they are remembered.
+    [[nodiscard]] const QString &forgetReason() const { return m_forgetReason; }
     /// What the user has to know of how the queue is remembered, as a sentence; empty when all is well.
     [[nodiscard]] const QString &notice() const { return m_notice.value(); }
 
@@ -90,7 +96,9 @@ public:
     /// Lets an entry whose name is taken be copied beside what is there.
     void keepBoth(const QUuid &id);
     void keepAllBoth();
-    /// To be called whenever it is known anew which phone is there.
+    /// Whether copies that start from now on are compared with their originals before they take their names.
+    void setVerifies(bool verifies) { m_verifies = verifies; }
+    /// To be called whenever it is known anew which phones are there.
     void phoneWasAsked();
 
 Q_SIGNALS:
@@ -114,7 +122,7 @@ private:
         QTimer listLater;
     };
 
-    [[nodiscard]] bool mayStart(const QueueItem &item) const;
+    [[nodiscard]] bool mayStart(const QueueItem &item, const QStringList &phones) const;
     void fillSlots();
     QCoro::Task<> runSlot(QList<QueueItem> entries);
     void finish(const QUuid &id, const CopyReport &report);
@@ -150,12 +158,13 @@ private:
     std::shared_ptr<QueueFile> m_file; ///< shared with the worker that writes
     QTimer m_saveTimer;
     QDeadlineTimer m_pauseUntilSave{0};
-    QString m_writeProblem;
+    QString m_forgetReason;
     quint64 m_saveNumber = 0;
     bool m_isUnsaved = false;
     bool m_isSaving = false;
     QList<std::shared_ptr<Run>> m_runs;
     bool m_isFillingSlots = false;
+    bool m_verifies = false;
     /// Phones that left while something was copied, until they are seen again.
     QSet<QString> m_gonePhones;
     /// Where the running copies write, so that two never write to one place.

@@ -7,6 +7,24 @@
 
 namespace vantrel {
 
+namespace {
+
+const QString separator = QStringLiteral(" › ");
+
+/// The titles as they are joined. The last is that of the path, each before it that of the folder around.
+QList<PathSegment> segmentsOf(QString path, const QStringList &titles) {
+    QList<PathSegment> segments;
+    qsizetype end = titles.join(separator).size();
+    for (auto title = titles.crbegin(); title != titles.crend(); ++title) {
+        segments.prepend({end - title->size(), end, path});
+        end -= title->size() + separator.size();
+        path = path.section(QLatin1Char('/'), 0, -2);
+    }
+    return segments;
+}
+
+} // namespace
+
 AndroidBrowserPane::AndroidBrowserPane(AppState *state, QWidget *parent)
     : BrowserPane(state, BrowserSide::android, parent) {
     setObjectName(QStringLiteral("androidPane"));
@@ -58,8 +76,15 @@ void AndroidBrowserPane::fill(FilePane &pane) {
     AppState *state = &app();
     const bool isSearchActive = state->isAndroidEverywhereSearchActive();
     pane.title = QStringLiteral("Android Device");
-    pane.pathLabel = isSearchActive ? QStringLiteral("Search results")
-                                    : state->androidPathSegments().join(QStringLiteral(" › "));
+    pane.pathLabel =
+        isSearchActive ? QStringLiteral("Search results") : state->androidPathSegments().join(separator);
+    pane.path.folder = state->androidCurrentPath();
+    pane.path.onGoTo = [this](const QString &path) {
+        focusSide();
+        app().browseAndroid(path);
+    };
+    if (!isSearchActive)
+        pane.path.segments = segmentsOf(state->androidCurrentPath(), state->androidPathSegments());
     pane.footerLeading = state->androidSelectionSummary();
     pane.footerTrailing = state->androidFooterStats();
     pane.onOpen = [this](const FileItem &item) {

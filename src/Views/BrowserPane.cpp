@@ -2,6 +2,8 @@
 
 #include "Kit/Spinner.h"
 #include "State/AppState.h"
+#include "State/FolderCompletion.h"
+#include "Views/FileDrag.h"
 #include "Views/FilePaneView.h"
 
 #include <QGridLayout>
@@ -18,7 +20,7 @@ BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
 
     m_rendering.watch(&m_state, &PaneState::pathChanged, &PaneState::visibleItemsChanged,
                       &PaneState::selectedIDsChanged, &PaneState::isLoadingChanged,
-                      &PaneState::browseErrorChanged, &PaneState::viewModeChanged);
+                      &PaneState::browseErrorChanged, &PaneState::viewModeChanged, &PaneState::orderChanged);
 }
 
 QString BrowserPane::activity() const {
@@ -34,6 +36,15 @@ void BrowserPane::focusSide() const {
     m_app->setFocusedBrowserSide(m_state.side());
 }
 
+void BrowserPane::take(const QMimeData &dragged, const QString &folder) {
+    const bool isPhone = m_state.side() == BrowserSide::android;
+    if (const auto *own = qobject_cast<const DraggedEntries *>(&dragged))
+        m_app->transfer(isPhone ? TransferDirection::macToAndroid : TransferDirection::androidToMac,
+                        own->items(), folder);
+    else if (isPhone)
+        m_app->transferToAndroid(draggedPaths(dragged), folder);
+}
+
 void BrowserPane::render() {
     FilePane pane;
     pane.onToggle = [this](const FileItem &item) {
@@ -44,12 +55,31 @@ void BrowserPane::render() {
         focusSide();
         m_state.selectItem(item);
     };
+    pane.onSelectRange = [this](const QList<FileItem> &items, bool isSelected) {
+        focusSide();
+        m_state.setSelected(items, isSelected);
+    };
     pane.onToggleSelectAll = [this] {
         focusSide();
         m_state.toggleSelectAllVisible();
     };
     pane.onFocus = [this] { focusSide(); };
     pane.viewMode = {m_state.viewMode(), [this](PaneViewMode mode) { m_state.setViewMode(mode); }};
+    pane.order = {m_state.order(), [this](const FileOrder &order) {
+                      focusSide();
+                      m_state.setOrder(order);
+                  }};
+    pane.onDrag = [this](const FileItem &item) {
+        dragEntries(m_view, m_state.side(),
+                    m_state.selectedIDs().contains(item.id) ? m_state.selectedItems() : QList{item});
+    };
+    pane.dropCount = [this](const QMimeData &dragged) {
+        return m_app->device().isConnected ? draggedCount(dragged, m_state.side()) : 0;
+    };
+    pane.onDrop = [this](const QMimeData &dragged, const QString &folder) { take(dragged, folder); };
+    pane.path.foldersIn = [this](const QString &folder, const auto &show) {
+        QCoro::connect(folderPathsIn(*m_app, m_state.side(), folder), this, show);
+    };
     fill(pane);
     const QString busy = activity();
     if (!busy.isEmpty())

@@ -8,6 +8,8 @@
 
 #include <optional>
 
+class QMimeData;
+
 namespace vantrel {
 
 class AppState;
@@ -19,6 +21,9 @@ struct FilePane;
 /// One side of the browser: a FilePaneView on the model, with a spinner over it. What both sides have in
 /// common is done here; the rest is the subclass's.
 class BrowserPane : public QWidget {
+public:
+    [[nodiscard]] FilePaneView *view() const { return m_view; }
+
 protected:
     /// The state must outlive the view. The subclass calls start() at the end of its constructor.
     BrowserPane(AppState *state, BrowserSide side, QWidget *parent);
@@ -47,6 +52,7 @@ protected:
 
 private:
     void render();
+    void take(const QMimeData &dragged, const QString &folder);
 
     AppState *m_app;
     PaneState &m_state;

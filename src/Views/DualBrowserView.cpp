@@ -31,24 +31,32 @@ bool editsText(const QWidget *control) {
 
 } // namespace
 
-DualBrowserView::DualBrowserView(AppState *state, QWidget *parent) : QWidget(parent), m_state(state) {
+DualBrowserView::DualBrowserView(AppState *state, QWidget *parent)
+    : QWidget(parent), m_state(state), m_android(new AndroidBrowserPane(state)),
+      m_mac(new MacBrowserPane(state)) {
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(10);
-    auto *android = new AndroidBrowserPane(state);
-    auto *mac = new MacBrowserPane(state);
-    row->addWidget(android, 1);
-    row->addWidget(new TransferButtons(state, android, mac));
-    row->addWidget(mac, 1);
+    row->addWidget(m_android, 1);
+    row->addWidget(new TransferButtons(state, m_android, m_mac));
+    row->addWidget(m_mac, 1);
     setMinimumHeight(320);
 
     // However the keyboard came there: the keys below act on the pane that has it.
-    connect(qApp, &QApplication::focusChanged, this, [=](QWidget *, QWidget *now) {
-        if (now && android->isAncestorOf(now))
+    connect(qApp, &QApplication::focusChanged, this, [=, this](QWidget *, QWidget *now) {
+        if (now && m_android->isAncestorOf(now))
             state->setFocusedBrowserSide(BrowserSide::android);
-        else if (now && mac->isAncestorOf(now))
+        else if (now && m_mac->isAncestorOf(now))
             state->setFocusedBrowserSide(BrowserSide::mac);
     });
+}
+
+FilePaneView *DualBrowserView::focusedPane() const {
+    return (m_state->focusedBrowserSide() == BrowserSide::mac ? m_mac : m_android)->view();
+}
+
+FilePaneView *DualBrowserView::otherPane() const {
+    return (m_state->focusedBrowserSide() == BrowserSide::mac ? m_android : m_mac)->view();
 }
 
 DualBrowserView::KeyOutcome DualBrowserView::handleKeyEvent(const QKeyEvent &event, AppState &state) {

@@ -7,6 +7,8 @@ class QKeyEvent;
 namespace vantrel {
 
 class AppState;
+class BrowserPane;
+class FilePaneView;
 
 /// The middle of the window: the phone's pane, the copy buttons and the computer's pane, side by side. While
 /// it is on screen it also handles, for the whole application, the two keys that act on the focused pane's
@@ -18,6 +20,10 @@ public:
 
     /// The state must outlive the view.
     explicit DualBrowserView(AppState *state, QWidget *parent = nullptr);
+
+    /// The pane that keyboard commands act on, and the other one.
+    [[nodiscard]] FilePaneView *focusedPane() const;
+    [[nodiscard]] FilePaneView *otherPane() const;
 
     /// Selects all, clears, or lets the key pass. A control that edits text, an open menu and a dialog keep
     /// all their keys.
@@ -31,6 +37,8 @@ protected:
 
 private:
     AppState *m_state;
+    BrowserPane *m_android;
+    BrowserPane *m_mac;
 };
 
 } // namespace vantrel

@@ -24,7 +24,8 @@ bool FileDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const Q
     if (event->type() != QEvent::ToolTip)
         return QAbstractItemDelegate::helpEvent(event, view, option, index);
     const FileEntry shown = entry(index);
-    ToolTips::show(cutsName(shown, option.rect) ? shown.item.name : QString(), view->viewport(), option.rect);
+    ToolTips::show(cutsName(shown, option.rect) ? displayText(shown.item.name) : QString(), view->viewport(),
+                   option.rect);
     return true;
 }
 

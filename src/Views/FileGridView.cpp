@@ -1,8 +1,12 @@
 #include "Views/FileGridView.h"
 
+#include "Kit/Shapes.h"
 #include "Views/FileDelegate.h"
 #include "Views/FileGridCell.h"
+#include "Views/FileItemsModel.h"
 
+#include <QMouseEvent>
+#include <QPainter>
 #include <QResizeEvent>
 #include <QScrollBar>
 
@@ -54,6 +58,86 @@ void FileGridView::resizeEvent(QResizeEvent *event) {
     // The toolkit takes its time; tiles that lag behind the window's edge look broken.
     if (isVisible())
         executeDelayedItemsLayout();
+}
+
+// -- Rubber band
+
+QPoint FileGridView::scrolled() const {
+    return {0, verticalScrollBar()->value()};
+}
+
+QRect FileGridView::bandRect() const {
+    return QRect(m_band->from, m_band->to).normalized().translated(-scrolled());
+}
+
+QSet<int> FileGridView::rowsIn(const QRect &rect) const {
+    QSet<int> rows;
+    const int firstLine = std::max(0, (rect.top() + verticalOffset()) / pitch());
+    const int lastLine = std::max(0, rect.bottom() + verticalOffset()) / pitch();
+    const int last = std::min((lastLine + 1) * columns(), model()->rowCount());
+    for (int row = firstLine * columns(); row < last; ++row) {
+        if (visualRect(model()->index(row, 0)).intersects(rect))
+            rows.insert(row);
+    }
+    return rows;
+}
+
+void FileGridView::stretchBand(const QPoint &to) {
+    const auto *items = static_cast<const FileItemsModel *>(model());
+    m_band->to = to + scrolled();
+    const QSet<int> covered = rowsIn(bandRect());
+    QList<FileItem> entered;
+    QList<FileItem> left;
+    QSet<int> selected;
+    for (const int row : covered) {
+        // What was selected before is none of the band's.
+        if (m_band->selected.contains(row)) {
+            selected.insert(row);
+        } else if (!items->selectedRows().testBit(row)) {
+            selected.insert(row);
+            entered.append(items->items().at(row));
+        }
+    }
+    for (const int row : std::as_const(m_band->selected)) {
+        if (!covered.contains(row) && row < items->items().size())
+            left.append(items->items().at(row));
+    }
+    m_band->selected = selected;
+    viewport()->update();
+    if (!left.isEmpty())
+        Q_EMIT ranged(left, false);
+    if (!entered.isEmpty())
+        Q_EMIT ranged(entered, true);
+}
+
+void FileGridView::mousePressEvent(QMouseEvent *event) {
+    FileItemsView::mousePressEvent(event);
+    if (event->button() == Qt::LeftButton && !indexAt(event->pos()).isValid())
+        m_band = RubberBand{event->pos() + scrolled(), event->pos() + scrolled(), {}};
+}
+
+void FileGridView::mouseMoveEvent(QMouseEvent *event) {
+    if (!m_band) {
+        FileItemsView::mouseMoveEvent(event);
+        return;
+    }
+    const int beyond = event->pos().y() - std::clamp(event->pos().y(), 0, viewport()->height());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + beyond);
+    stretchBand(event->pos());
+}
+
+void FileGridView::mouseReleaseEvent(QMouseEvent *event) {
+    if (std::exchange(m_band, std::nullopt))
+        viewport()->update();
+    FileItemsView::mouseReleaseEvent(event);
+}
+
+void FileGridView::paintEvent(QPaintEvent *event) {
+    FileItemsView::paintEvent(event);
+    if (!m_band || m_band->from == m_band->to)
+        return;
+    QPainter painter(viewport());
+    paintCard(painter, bandRect(), 3, AppTheme::accentSoft(), AppTheme::accent().withOpacity(0.6));
 }
 
 } // namespace vantrel

@@ -24,7 +24,8 @@ struct FileGridGeometry {
 };
 
 /// The entries in lines of tiles, a FileGridCell each. The toolkit puts them into a grid that begins at the
-/// left and at the top; inset and centring are a shift of all of it.
+/// left and at the top; inset and centring are a shift of all of it. What is beside
+/// them begins a rubber band.
 class FileGridView : public FileItemsView {
 public:
     FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent = nullptr);
@@ -38,12 +39,28 @@ protected:
     }
     void updateGeometries() override;
     void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
+    /// What is drawn beside the tiles to select what lies in it.
+    struct RubberBand {
+        QPoint from;        ///< where the content begins being (0, 0)
+        QPoint to;          ///< likewise
+        QSet<int> selected; ///< the rows that it has selected
+    };
+
     void fit(int width);
+    [[nodiscard]] QPoint scrolled() const;
+    [[nodiscard]] QRect bandRect() const;
+    [[nodiscard]] QSet<int> rowsIn(const QRect &rect) const;
+    void stretchBand(const QPoint &to);
 
     FileGridCellDelegate *m_cells;
     FileGridGeometry m_geometry;
+    std::optional<RubberBand> m_band;
 };
 
 } // namespace vantrel

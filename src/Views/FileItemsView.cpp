@@ -6,6 +6,7 @@
 #include "Views/FileItemsModel.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -103,12 +104,23 @@ void FileItemsView::updateGeometries() {
 
 void FileItemsView::paintEvent(QPaintEvent *event) {
     QListView::paintEvent(event);
+    QPainter painter(viewport());
+    if (m_dropTarget.isValid())
+        paintCard(painter, QRectF(visualRect(m_dropTarget)).adjusted(1, 1, -1, -1), m_delegate->focusRadius(),
+                  {}, AppTheme::accent(), 2);
     if (!m_showsFocus || !hasFocus())
         return;
-    QPainter painter(viewport());
     const QModelIndex current = focusedIndex();
     paintFocusRing(painter, current.isValid() ? visualRect(current) : viewport()->rect(),
                    m_delegate->focusRadius());
+}
+
+void FileItemsView::setDropTarget(const QModelIndex &folder) {
+    if (m_dropTarget == folder)
+        return;
+    update(m_dropTarget);
+    m_dropTarget = folder;
+    update(m_dropTarget);
 }
 
 void FileItemsView::startAtTop() {
@@ -126,24 +138,51 @@ std::optional<FileItemsView::Target> FileItemsView::targetAt(const QPoint &point
     return Target{entry.item.id, m_delegate->partAt(entry, visualRect(index), point)};
 }
 
-void FileItemsView::click(const Target &target, const FileItem &item) {
-    if (target.part == FileEntry::Part::mark)
+void FileItemsView::click(const Target &target, const FileItem &item, Qt::KeyboardModifiers modifiers) {
+    if (modifiers.testFlag(Qt::ShiftModifier) && m_anchor.isValid()) {
+        extendTo(currentIndex().row());
+        return;
+    }
+    m_anchor = currentIndex();
+    m_rangeEnd.reset();
+    if (target.part == FileEntry::Part::mark || modifiers.testFlag(Qt::ControlModifier))
         Q_EMIT toggled(item);
     else
         Q_EMIT selected(item);
+}
+
+/// Selects all from the anchor to the row, and takes back what the range reached beyond it before.
+void FileItemsView::extendTo(int row) {
+    const QList<FileItem> items = static_cast<const FileItemsModel *>(model())->items();
+    const int anchor = m_anchor.row();
+    const int before = std::min(m_rangeEnd.value_or(anchor), int(items.size()) - 1);
+    m_rangeEnd = row;
+    const auto [first, last] = std::minmax(anchor, row);
+    const QList<FileItem> above = items.mid(before, std::max(0, first - before));
+    const QList<FileItem> below = items.mid(last + 1, std::max(0, before - last));
+    if (const QList<FileItem> left = above + below; !left.isEmpty())
+        Q_EMIT ranged(left, false);
+    Q_EMIT ranged(items.mid(first, last - first + 1), true);
 }
 
 void FileItemsView::mousePressEvent(QMouseEvent *event) {
     hideFocus();
     QListView::mousePressEvent(event);
     m_pressed = event->button() == Qt::LeftButton ? targetAt(event->pos()) : std::nullopt;
+    m_pressedAt = event->pos();
     // A click beside the entries is the pane's.
     event->setAccepted(m_pressed.has_value());
 }
 
 void FileItemsView::mouseMoveEvent(QMouseEvent *event) {
-    // Dragging selects nothing; the toolkit would scroll along.
+    // The toolkit would scroll along.
     event->ignore();
+    if (!m_pressed || !event->buttons().testFlag(Qt::LeftButton) ||
+        (event->pos() - m_pressedAt).manhattanLength() < QApplication::startDragDistance())
+        return;
+    const auto pressed = std::exchange(m_pressed, std::nullopt); // nothing will have been clicked
+    if (targetAt(m_pressedAt) == pressed)
+        Q_EMIT dragged(FileDelegate::entry(indexAt(m_pressedAt)).item);
 }
 
 void FileItemsView::mouseReleaseEvent(QMouseEvent *event) {
@@ -152,7 +191,7 @@ void FileItemsView::mouseReleaseEvent(QMouseEvent *event) {
     if (!pressed || event->button() != Qt::LeftButton || targetAt(event->pos()) != pressed)
         return;
     m_clicked = pressed;
-    click(*pressed, FileDelegate::entry(indexAt(event->pos())).item);
+    click(*pressed, FileDelegate::entry(indexAt(event->pos())).item, event->modifiers());
 }
 
 /// The toolkit makes a first click of a double click whose first one hit something else; here it is none.
@@ -169,7 +208,7 @@ void FileItemsView::mouseDoubleClickEvent(QMouseEvent *event) {
     const FileItem item = FileDelegate::entry(indexAt(event->pos())).item;
     // Every click on a mark counts; the body is selected already.
     if (target->part == FileEntry::Part::mark)
-        click(*target, item);
+        click(*target, item, {});
     Q_EMIT opened(item);
 }
 
@@ -190,18 +229,49 @@ QModelIndex FileItemsView::focusedIndex() const {
     return m_showsFocus ? currentIndex() : QModelIndex();
 }
 
-QItemSelectionModel::SelectionFlags FileItemsView::selectionCommand(const QModelIndex &,
-                                                                    const QEvent *event) const {
-    const bool isSpace = event && event->type() == QEvent::KeyPress &&
-                         static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Space;
-    return isSpace ? QItemSelectionModel::Toggle : QItemSelectionModel::NoUpdate;
-}
-
 void FileItemsView::keyPressEvent(QKeyEvent *event) {
-    if (focusedIndex().isValid() && !(event->modifiers() & ~Qt::KeypadModifier))
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const bool isRange = modifiers == Qt::ShiftModifier;
+    const bool isMovement = event->key() >= Qt::Key_Home && event->key() <= Qt::Key_PageDown;
+    const bool isText = !event->text().isEmpty() && event->text().front().isPrint();
+    const bool isOpening = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isMenu = event->key() == Qt::Key_F10 && isRange; // the toolkit knows the menu key alone
+    // A blank is one of the letters, soon enough after another.
+    const bool isTyping = m_typing.isValid() && !m_typing.hasExpired(QApplication::keyboardInputInterval());
+    if ((modifiers && !isRange) || !(isMovement || isText || isOpening || isMenu) ||
+        model()->rowCount() == 0) {
+        event->ignore();
+        return;
+    }
+    if (!focusedIndex().isValid())
+        showFocus();
+    const QModelIndex from = currentIndex();
+    if (isOpening) {
+        if (!event->isAutoRepeat())
+            Q_EMIT opened(FileDelegate::entry(from).item);
+    } else if (isMenu) {
+        Q_EMIT contextMenuRequested(FileDelegate::entry(from).item,
+                                    viewport()->mapToGlobal(visualRect(from).center()));
+    } else if (event->key() == Qt::Key_Space && !isTyping) {
+        m_anchor = from;
+        m_rangeEnd.reset();
+        Q_EMIT toggled(FileDelegate::entry(from).item);
+    } else if (isText) {
+        m_typing.start();
+        m_anchor = QModelIndex();
+        keyboardSearch(event->text());
+    } else {
         QListView::keyPressEvent(event);
-    else                                           // the arrow keys scroll
-        QAbstractScrollArea::keyPressEvent(event); // NOLINT(bugprone-parent-virtual-call)
+        if (!isRange) {
+            m_anchor = QModelIndex();
+            return;
+        }
+        if (!m_anchor.isValid()) {
+            m_anchor = from;
+            m_rangeEnd.reset();
+        }
+        extendTo(currentIndex().row());
+    }
 }
 
 QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {

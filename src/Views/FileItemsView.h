@@ -2,6 +2,7 @@
 
 #include "Views/FileEntry.h"
 
+#include <QElapsedTimer>
 #include <QListView>
 
 #include <optional>
@@ -14,9 +15,10 @@ class FileSelectionModel;
 
 /// The scrolled entries of a pane, one below the other; FileGridView shows tiles.
 ///
-/// The mouse selects, toggles and opens. The keyboard has no part in the selection of those who work with the
-/// mouse: the arrow keys scroll. Who arrives with Tab gets a focus ring on one entry, which the arrow keys
-/// move and whose mark Space toggles; so assistive technology has a focus to follow.
+/// The mouse selects, toggles and opens; with Shift it selects all from the entry that was clicked last, with
+/// Control it toggles. The keys move a focus ring, which begins at that entry or, for who arrives with Tab,
+/// at the first in sight, and leave the selection alone: Space toggles, Shift with a movement selects what it
+/// passes. So assistive technology has a focus to follow. Letters go to the next name that begins with them.
 class FileItemsView : public QListView {
     Q_OBJECT
 
@@ -34,13 +36,20 @@ public:
     /// The entry that has the focus ring; invalid when none has.
     [[nodiscard]] QModelIndex focusedIndex() const;
 
+    /// Marks the folder that a drop would copy into; an invalid one takes the mark away.
+    void setDropTarget(const QModelIndex &folder);
+
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                      const QList<int> &roles = {}) override;
 
 Q_SIGNALS:
     void toggled(const FileItem &item);
     void selected(const FileItem &item);
+    /// A range of entries is to be selected, or is no longer.
+    void ranged(const QList<FileItem> &items, bool isSelected);
     void opened(const FileItem &item);
+    /// The mouse has begun to drag the entry.
+    void dragged(const FileItem &item);
     void contextMenuRequested(const FileItem &item, const QPoint &globalPosition);
 
 protected:
@@ -70,8 +79,10 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
-    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
-                                                                       const QEvent *event) const override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &,
+                                                                       const QEvent *) const override {
+        return QItemSelectionModel::NoUpdate; // the pane selects
+    }
 
 private:
     struct Target {
@@ -83,13 +94,19 @@ private:
     void layOutRows();
     void updateRows(int first, int last);
     [[nodiscard]] std::optional<Target> targetAt(const QPoint &point) const;
-    void click(const Target &target, const FileItem &item);
+    void click(const Target &target, const FileItem &item, Qt::KeyboardModifiers modifiers);
+    void extendTo(int row);
     void showFocus();
     void hideFocus();
 
     FileDelegate *m_delegate;
     std::optional<Target> m_pressed;
+    QPoint m_pressedAt;
+    QPersistentModelIndex m_dropTarget;
     std::optional<Target> m_clicked; ///< the last one, which a second click may make a double click
+    QPersistentModelIndex m_anchor;  ///< where a range begins
+    std::optional<int> m_rangeEnd;   ///< the row that the range from there has reached
+    QElapsedTimer m_typing;          ///< since the last letter of a name
     bool m_showsFocus = false;
 };
 

@@ -9,18 +9,22 @@
 #include "Kit/TextLabel.h"
 #include "MacFiles/Desktop.h"
 #include "State/PaneState.h"
+#include "Views/ColumnButton.h"
 #include "Views/EmptinessView.h"
 #include "Views/FileContextMenu.h"
 #include "Views/FileDelegate.h"
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
 #include "Views/FileRow.h"
+#include "Views/PathBar.h"
 #include "Views/ScopePicker.h"
 #include "Views/SelectAllBox.h"
 
+#include <QDragMoveEvent>
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -95,10 +99,16 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     for (FileItemsView *view : {m_list, m_grid}) {
         connect(view, &FileItemsView::toggled, this, toggle);
         connect(view, &FileItemsView::selected, this, &FilePaneView::select);
+        connect(view, &FileItemsView::ranged, this, [this](const QList<FileItem> &items, bool isSelected) {
+            call(m_pane.onSelectRange, items, isSelected);
+        });
         connect(view, &FileItemsView::opened, this, &FilePaneView::open);
+        connect(view, &FileItemsView::dragged, this,
+                [this](const FileItem &item) { call(m_pane.onDrag, item); });
         connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
     }
 
+    setAcceptDrops(true);
     auto *place = new QGridLayout;
     for (QWidget *shown : std::initializer_list<QWidget *>{m_list, m_grid, m_emptiness})
         place->addWidget(shown, 0, 0);
@@ -108,7 +118,8 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
 
 QWidget *FilePaneView::makeHeader() {
     m_title = named(QStringLiteral("title"), new TextLabel({13, Weight::semibold}, AppTheme::ink()));
-    m_path = named(QStringLiteral("path"), new TextLabel({11, Weight::medium}, AppTheme::inkTertiary()));
+    m_path = new PathBar;
+    connect(m_path, &PathBar::edited, this, &FilePaneView::takeFocus);
     const auto makeTool = [this](const char *name, const char *symbol, const char *help, auto action) {
         auto *tool = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
         tool->setLook({.symbol = {QLatin1String(symbol), 11, Weight::semibold}});
@@ -172,25 +183,33 @@ QWidget *FilePaneView::makeSearchBar() {
     return stackOf(bar, new Divider);
 }
 
+ColumnButton *FilePaneView::makeColumn(const QString &name, FileSortKey key) {
+    auto *column = named(name, new ColumnButton(key));
+    connect(column, &ColumnButton::clicked, this, [this, key] {
+        if (m_pane.order)
+            call(m_pane.order->set, orderAfterClick(m_pane.order->value, key));
+    });
+    m_columns.append(column);
+    return column;
+}
+
 QWidget *FilePaneView::makeColumnHeaders() {
-    const auto column = [](const QString &name, double width, const QString &title) {
-        auto *label = named(name, new TextLabel(columnStyle, AppTheme::inkTertiary()));
-        label->setText(title);
-        label->setFixedWidth(int(width));
-        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        return label;
+    const auto number = [this](const QString &name, FileSortKey key, double width) {
+        ColumnButton *column = makeColumn(name, key);
+        column->setFixedWidth(int(width));
+        column->setAlignment(Qt::AlignRight);
+        return column;
     };
     m_columnSelectAll = named(QStringLiteral("columnSelectAll"), new SelectAllBox);
-    m_nameColumn = named(QStringLiteral("nameColumn"), new TextLabel(columnStyle, AppTheme::inkTertiary()));
     connect(m_columnSelectAll, &SelectAllBox::clicked, this, &FilePaneView::toggleSelectAll);
     using Row = FileRowGeometry;
     return stackOf(
         barOf(6, 0,
               {m_columnSelectAll,
                BoxItem::gap(int(Row::checkboxWidth) - m_columnSelectAll->width()),
-               {m_nameColumn, 1},
-               column(QStringLiteral("sizeColumn"), Row::sizeWidth, QStringLiteral("Size")),
-               column(QStringLiteral("modifiedColumn"), Row::modifiedWidth, QStringLiteral("Modified"))}),
+               {makeColumn(QStringLiteral("nameColumn"), FileSortKey::name), 1},
+               number(QStringLiteral("sizeColumn"), FileSortKey::size, Row::sizeWidth),
+               number(QStringLiteral("modifiedColumn"), FileSortKey::modified, Row::modifiedWidth)}),
         new Divider);
 }
 
@@ -199,7 +218,13 @@ QWidget *FilePaneView::makeGridSelectAllBar() {
     m_gridSelectAllTitle =
         named(QStringLiteral("gridSelectAllTitle"), new TextLabel(columnStyle, AppTheme::inkTertiary()));
     connect(m_gridSelectAll, &SelectAllBox::clicked, this, &FilePaneView::toggleSelectAll);
-    return stackOf(barOf(6, 8, {m_gridSelectAll, {m_gridSelectAllTitle, 1}}), new Divider);
+    return stackOf(barOf(6, 8,
+                         {m_gridSelectAll,
+                          {m_gridSelectAllTitle, 1},
+                          makeColumn(QStringLiteral("gridName"), FileSortKey::name),
+                          makeColumn(QStringLiteral("gridSize"), FileSortKey::size),
+                          makeColumn(QStringLiteral("gridModified"), FileSortKey::modified)}),
+                   new Divider);
 }
 
 QWidget *FilePaneView::makeFooter() {
@@ -232,18 +257,19 @@ void FilePaneView::setPane(const FilePane &pane) {
         m_title->setText(m_pane.title);
         describe(this, QAccessible::Pane, m_pane.title);
     }
-    m_path->setText(m_pane.pathLabel);
+    m_path->show(m_pane.pathLabel, m_pane.path);
     m_footerLeading->setText(m_pane.footerLeading);
-    m_footerTrailing->setText(m_pane.footerTrailing);
-    m_nameColumn->setText(m_pane.showsItemLocation ? QStringLiteral("Name / Location")
-                                                   : QStringLiteral("Name"));
+    m_footerTrailing->setText(m_dropText.isEmpty() ? m_pane.footerTrailing : m_dropText);
     showTools();
     showSearch();
 
     m_items->follow(m_pane.showsItemLocation);
     showSelectAll();
-    // Another folder or another search is read from its beginning; a folder that is only listed again is not.
-    if (before.pathLabel != m_pane.pathLabel || searchValue(before) != searchValue(m_pane)) {
+    showOrder();
+    // Another folder, search or order is read from its beginning; a folder that is only listed again is not.
+    const auto orderValue = [](const FilePane &of) { return of.order ? of.order->value : FileOrder(); };
+    if (before.pathLabel != m_pane.pathLabel || searchValue(before) != searchValue(m_pane) ||
+        orderValue(before) != orderValue(m_pane)) {
         m_list->startAtTop();
         m_grid->startAtTop();
     }
@@ -336,6 +362,25 @@ void FilePaneView::showSelectAll() {
     m_gridSelectAllTitle->setText(SelectAllBox::title(state));
 }
 
+void FilePaneView::showOrder() {
+    const auto title = [this](const ColumnButton *column) {
+        switch (column->column()) {
+        case FileSortKey::size:
+            return QStringLiteral("Size");
+        case FileSortKey::modified:
+            return QStringLiteral("Modified");
+        case FileSortKey::name:
+            break;
+        }
+        const bool isOverLocations = m_pane.showsItemLocation && m_columnHeaders->isAncestorOf(column);
+        return isOverLocations ? QStringLiteral("Name / Location") : QStringLiteral("Name");
+    };
+    for (ColumnButton *column : m_columns) {
+        enableWithHeir(column, m_pane.order.has_value(), [this] { entries()->takeFocus(); });
+        column->show(title(column), m_pane.order ? m_pane.order->value : FileOrder());
+    }
+}
+
 // -- What the user does
 
 void FilePaneView::select(const FileItem &item) {
@@ -344,6 +389,14 @@ void FilePaneView::select(const FileItem &item) {
 
 void FilePaneView::open(const FileItem &item) const {
     call(m_pane.onOpen, item);
+}
+
+void FilePaneView::takeFocus() {
+    entries()->takeFocus();
+}
+
+void FilePaneView::editPath() {
+    m_path->edit();
 }
 
 void FilePaneView::clearSearch() {
@@ -378,6 +431,62 @@ void FilePaneView::mousePressEvent(QMouseEvent *event) {
     call(m_pane.onFocus);
 }
 
+// -- What is dropped
+
+/// The folder of the entry at the place; null where there is none, and the folder shown is meant.
+const FileItem *FilePaneView::folderAt(const QPointF &place) const {
+    const QWidget *viewport = entries()->viewport();
+    const QPoint point = viewport->mapFrom(this, place.toPoint());
+    const QModelIndex index = viewport->rect().contains(point) ? entries()->indexAt(point) : QModelIndex();
+    const FileItem *item = index.isValid() ? &m_items->items().at(index.row()) : nullptr;
+    return item && item->isDirectory && item->isNameExact ? item : nullptr;
+}
+
+/// What a drop there would do, or nothing.
+void FilePaneView::showDrop(const QDropEvent *event) {
+    const qsizetype count = event && m_pane.dropCount ? m_pane.dropCount(*event->mimeData()) : 0;
+    const FileItem *folder = count > 0 ? folderAt(event->position()) : nullptr;
+    const QString name = folder ? folder->name : m_pane.path.folder.section(QLatin1Char('/'), -1);
+    const QString what = count == 1 ? QStringLiteral("1 item") : QStringLiteral("%L1 items").arg(count);
+    m_dropText = count > 0 ? QStringLiteral("Copy %1 to “%2”").arg(what, name) : QString();
+    m_footerTrailing->setText(count > 0 ? m_dropText : m_pane.footerTrailing);
+    entries()->setDropTarget(folder ? m_items->index(int(folder - m_items->items().constData()))
+                                    : QModelIndex());
+    update();
+}
+
+void FilePaneView::dragEnterEvent(QDragEnterEvent *event) {
+    dragMoveEvent(event);
+}
+
+void FilePaneView::dragMoveEvent(QDragMoveEvent *event) {
+    showDrop(event);
+    if (m_dropText.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction); // whatever the other program would like better
+    event->accept();
+}
+
+void FilePaneView::dragLeaveEvent(QDragLeaveEvent *) {
+    showDrop(nullptr);
+}
+
+void FilePaneView::dropEvent(QDropEvent *event) {
+    showDrop(event);
+    const bool isTaken = !m_dropText.isEmpty();
+    const FileItem *folder = folderAt(event->position());
+    const QString path = folder ? folder->path : m_pane.path.folder;
+    showDrop(nullptr);
+    if (!isTaken)
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    if (const auto drop = m_pane.onDrop)
+        drop(*event->mimeData(), path);
+}
+
 // -- Painting
 
 QSize FilePaneView::minimumSizeHint() const {
@@ -401,7 +510,9 @@ void FilePaneView::paintEvent(QPaintEvent *) {
     tint(m_header, 0.65);
     tint(m_footer, 0.55);
     painter.setClipping(false);
-    paintCard(painter, rect(), cornerRadius, Qt::transparent, AppTheme::paneStroke());
+    const bool isTarget = !m_dropText.isEmpty();
+    paintCard(painter, rect(), cornerRadius, Qt::transparent,
+              isTarget ? AppTheme::accent() : AppTheme::paneStroke(), isTarget ? 2 : border);
 }
 
 } // namespace vantrel

@@ -8,11 +8,13 @@ class QLineEdit;
 
 namespace vantrel {
 
+class ColumnButton;
 class EmptinessView;
 class FileItemsModel;
 class FileItemsView;
 class IconButton;
 class PaneState;
+class PathBar;
 class ScopePicker;
 class SelectAllBox;
 class TextLabel;
@@ -31,6 +33,11 @@ public:
     void setPane(const FilePane &pane);
     [[nodiscard]] const FilePane &pane() const { return m_pane; }
 
+    /// Gives the keyboard to the entries, with its ring.
+    void takeFocus();
+    /// Lets the path be typed.
+    void editPath();
+
     /// The same for every pane, whatever it shows: two of them share a width equally.
     [[nodiscard]] QSize sizeHint() const override { return {480, 480}; }
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -38,10 +45,15 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     [[nodiscard]] QWidget *makeHeader();
     [[nodiscard]] QWidget *makeSearchBar();
+    [[nodiscard]] ColumnButton *makeColumn(const QString &name, FileSortKey key);
     [[nodiscard]] QWidget *makeColumnHeaders();
     [[nodiscard]] QWidget *makeGridSelectAllBar();
     [[nodiscard]] QWidget *makeFooter();
@@ -49,6 +61,7 @@ private:
     void showTools();
     void showSearch();
     void showSelectAll();
+    void showOrder();
     void showEntries();
     void announceEntries();
     [[nodiscard]] bool isGrid() const;
@@ -57,17 +70,20 @@ private:
     void open(const FileItem &item) const;
     void select(const FileItem &item);
     void clearSearch();
+    [[nodiscard]] const FileItem *folderAt(const QPointF &place) const;
+    void showDrop(const QDropEvent *event);
     void toggleSelectAll() const;
     void showContextMenu(const FileItem &item, const QPoint &position);
 
     const PaneState &m_state;
     FileItemsModel *m_items;
     FilePane m_pane;
+    QString m_dropText;    ///< what a drop would do, while something is dragged over the pane
     bool m_isFirst = true; ///< nothing was shown yet
 
     QWidget *m_header;
     TextLabel *m_title;
-    TextLabel *m_path;
+    PathBar *m_path;
     QList<std::pair<IconButton *, std::function<void()> FilePane::*>> m_actions; ///< and what they call
     QList<IconButton *> m_placeTools; ///< of a side with more than one place to begin at
     IconButton *m_newFolder;
@@ -80,8 +96,8 @@ private:
     IconButton *m_clearSearch;
 
     QWidget *m_columnHeaders;
-    TextLabel *m_nameColumn;
     SelectAllBox *m_columnSelectAll;
+    QList<ColumnButton *> m_columns; ///< over the list and over the grid
     QWidget *m_gridBar;
     SelectAllBox *m_gridSelectAll;
     TextLabel *m_gridSelectAllTitle;

@@ -9,6 +9,22 @@
 
 namespace vantrel {
 
+namespace {
+
+/// The names of a path, and the root, which is its first separator.
+QList<PathSegment> segmentsOf(const QString &path) {
+    QList<PathSegment> segments{{0, 1, QStringLiteral("/")}};
+    for (qsizetype start = 1; start < path.size();) {
+        const qsizetype slash = path.indexOf(QLatin1Char('/'), start);
+        const qsizetype end = slash < 0 ? path.size() : slash;
+        segments.append({start, end, path.left(end)});
+        start = end + 1;
+    }
+    return segments;
+}
+
+} // namespace
+
 MacBrowserPane::MacBrowserPane(AppState *state, QWidget *parent)
     : BrowserPane(state, BrowserSide::mac, parent) {
     setObjectName(QStringLiteral("macPane"));
@@ -19,6 +35,12 @@ void MacBrowserPane::fill(FilePane &pane) {
     AppState *state = &app();
     pane.title = thisComputer();
     pane.pathLabel = state->macPath();
+    pane.path.folder = state->macPath();
+    pane.path.segments = segmentsOf(state->macPath());
+    pane.path.onGoTo = [this](const QString &path) {
+        focusSide();
+        app().browseMac(path);
+    };
     pane.footerLeading = state->macSelectionSummary();
     pane.footerTrailing = state->macAvailableLabel();
     pane.onOpen = [this](const FileItem &item) {

@@ -110,7 +110,7 @@ QString QueueDelegate::actionTitle(const QueueItem &item) {
 
 bool QueueDelegate::showsReason(const QueueItem &item) {
     return item.canTryAgain() || item.canKeepBoth() ||
-           (item.status.is<QueueItemStatus::Completed>() &&
+           ((item.status.is<QueueItemStatus::Completed>() || item.status.is<QueueItemStatus::Waiting>()) &&
             progressStyle.width(item.progressLabel()) > numbersWidth);
 }
 

@@ -54,7 +54,7 @@ TransferQueueView::TransferQueueView(AppState *state, QWidget *parent)
                               QStringLiteral("Try all transfers again that have failed"), m_header);
     m_tryAll->setObjectName(QStringLiteral("queue.tryAll"));
     m_keepAll =
-        new TextButton(QStringLiteral("Keep all both"),
+        new TextButton(QStringLiteral("Keep both for all"),
                        QStringLiteral("Keep both wherever another content is already there"), m_header);
     m_keepAll->setObjectName(QStringLiteral("queue.keepAll"));
     m_pause = makeButton("queue.pause", QStringLiteral("pause.fill"), QStringLiteral("Pause all transfers"));
@@ -114,7 +114,10 @@ void TransferQueueView::render() {
     const qsizetype count = queue.items().size();
     const bool isToDecide = queue.failedCount() > 0 || queue.nameTakenCount() > 0;
     const QString &notice = m_transfers->notice();
-    m_note->setText(notice.isEmpty() ? QStringLiteral("Copy only — originals are kept") : notice);
+    const bool isResting = queue.pausedCount() > 0 && !m_transfers->isTransferring();
+    m_note->setText(!notice.isEmpty() ? notice
+                    : isResting       ? QStringLiteral("Paused")
+                                      : QStringLiteral("Copy only — originals are kept"));
     m_note->setColor(notice.isEmpty() ? AppTheme::inkTertiary() : AppTheme::danger());
     m_note->setVisible(!notice.isEmpty() || (count > 0 && !isToDecide)); // there is no room for all
     // Not to their neighbours, which do things to copies.

@@ -16,6 +16,7 @@ public:
     QStringList copied;
     QStringList folderQuestions; ///< "message|button|start"
     QList<TextQuestion> textQuestions;
+    bool isAwake = false;
     /// The answers to come; nothing stands for "Cancel".
     std::optional<QString> nextFolder;
     std::optional<QString> nextText;
@@ -34,6 +35,8 @@ public:
         textQuestions.append(question);
         return answered(nextText);
     }
+
+    void keepAwake(bool isOn) override { isAwake = isOn; }
 
 private:
     static QFuture<std::optional<QString>> answered(const std::optional<QString> &answer) {

@@ -10,38 +10,46 @@
 #include "State/AppState.h"
 #include "Worker/Worker.h"
 
-#include <QDir>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include <QtTest>
+#include <gmock/gmock.h>
 
 namespace vantrel {
 
-/// The model on the demo phone and on a temporary folder of this computer.
+/// The model between the demo phone and a temporary folder of this computer. Everything that it started is
+/// over when the test ends.
 class ModelTest : public ::testing::Test {
 protected:
     ModelTest() {
         phone.set(QStringLiteral("stderr-progress"), "off");
-        qputenv("XDG_CACHE_HOME", QFile::encodeName(mac.filePath(QStringLiteral("cache"))));
+        for (const char *name : {"HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"}) {
+            const QString folder = QString::fromLatin1(name).section(QLatin1Char('_'), 1, 1).toLower();
+            qputenv(name, QFile::encodeName(mac.filePath(folder)));
+        }
+        state = AppState::designPreview(desktop);
     }
     ~ModelTest() override {
         state.reset();
-        ADBClient::stopRunningTools();
-        Background::finish();
+        Background::stop(&ADBClient::stopRunningTools);
     }
 
     [[nodiscard]] QString here(const QString &name) const {
         return mac.filePath(QStringLiteral("here/") + name);
     }
 
-    void browseHere() {
-        QDir(mac.path()).mkpath(QStringLiteral("here"));
-        state->browseMac(mac.filePath(QStringLiteral("here")));
+    void browseMac(const QString &path) {
+        state->browseMac(path);
         ASSERT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
     }
-    void connectPhone() {
+    void browseHere() {
+        QDir(mac.path()).mkpath(QStringLiteral("here"));
+        browseMac(mac.filePath(QStringLiteral("here")));
+    }
+    void refresh() {
         state->refreshDevice(AppState::Spinner::shown);
         ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
+    }
+    void connectPhone() {
+        refresh();
         ASSERT_TRUE(state->device().isConnected)
             << state->deviceStatusMessage().value_or(QString()).toStdString();
         ASSERT_FALSE(state->isLoadingAndroid());
@@ -87,7 +95,7 @@ protected:
     DemoPhone phone;
     QTemporaryDir mac;
     FakeDesktop desktop;
-    std::unique_ptr<AppState> state = AppState::designPreview(desktop);
+    std::unique_ptr<AppState> state;
 };
 
 } // namespace vantrel

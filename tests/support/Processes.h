@@ -35,6 +35,13 @@ inline QList<Child> children() {
     return list;
 }
 
+/// How many children run whose command line holds the word.
+inline qsizetype childrenCalled(const char *word) {
+    const QList<Child> all = children();
+    return std::count_if(all.begin(), all.end(),
+                         [&](const Child &one) { return one.commandLine.contains(word); });
+}
+
 inline qsizetype openDescriptors() {
     return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
 }

@@ -1,59 +1,17 @@
 #pragma once
 
-#include "support/DemoPhone.h"
-#include "support/FakeDesktop.h"
-#include "support/Printers.h"
-#include "support/WaitFor.h"
+#include "support/ModelTest.h"
+#include "support/Widgets.h"
 
-#include "ADB/ADBClient.h"
-#include "State/AppState.h"
 #include "Theme/AppTheme.h"
-#include "Worker/Worker.h"
-
-#include <QAccessible>
-#include <QImage>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QWidget>
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
 
 namespace vantrel {
 
-inline QAccessibleInterface *accessible(QObject *object) {
-    return QAccessible::queryAccessibleInterface(object);
-}
-
-/// How many pixels of a row of pixels have that colour, nearly.
-inline int pixelsOf(const QColor &color, const QImage &image, int y) {
-    int count = 0;
-    for (int x = 0; x < image.width(); ++x) {
-        const QColor pixel = image.pixelColor(x, y);
-        count += qAbs(pixel.red() - color.red()) + qAbs(pixel.green() - color.green()) +
-                     qAbs(pixel.blue() - color.blue()) <
-                 12;
-    }
-    return count;
-}
-
-/// A model between a demo phone and a temporary folder of this computer. Everything that it started is over
-/// when the test ends.
-class WindowFixture : public ::testing::Test {
+/// A view of the model.
+class WindowFixture : public ModelTest {
 protected:
-    WindowFixture() {
-        phone.set(QStringLiteral("stderr-progress"), "off");
-        qputenv("HOME", QFile::encodeName(mac.path()));
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(mac.filePath(QStringLiteral("config"))));
-        qputenv("XDG_STATE_HOME", QFile::encodeName(mac.filePath(QStringLiteral("state"))));
-        state = AppState::designPreview(desktop);
-    }
     ~WindowFixture() override {
         view.reset();
-        state.reset();
-        Background::stop(&ADBClient::stopRunningTools);
         AppTheme::setScheme(ColorScheme::light);
     }
 
@@ -80,11 +38,6 @@ protected:
             QCoreApplication::processEvents();
     }
 
-    void refresh() {
-        state->refreshDevice(AppState::Spinner::shown);
-        ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
-    }
-
     /// Copies `count` phone files of that size to the computer; all are in the queue when this returns.
     void queueCopies(int count, const QByteArray &contents = "x") {
         for (int i = 0; i < count; ++i)
@@ -100,23 +53,17 @@ protected:
         phone.set(QStringLiteral("ls.stdout"), listing);
         phone.set(QStringLiteral("facts.hang"), "on"); // what a copy asks first
         queueListed();
-    }
-    void waitForQueue() {
-        ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+        settle();
     }
 
-    DemoPhone phone;
-    QTemporaryDir mac;
-    FakeDesktop desktop;
-    std::unique_ptr<AppState> state;
     std::unique_ptr<QWidget> view;
 
 private:
     void queueListed() {
         refresh();
         state->browseMac(mac.path());
-        state->browseAndroid(QStringLiteral("/sdcard"));
-        ASSERT_TRUE(waitFor([&] { return !state->isLoadingAndroid() && !state->isLoadingMac(); }));
+        browsePhone(QStringLiteral("/sdcard"));
+        ASSERT_TRUE(waitFor([&] { return !state->isLoadingMac(); }));
         ASSERT_FALSE(state->androidItems().isEmpty());
         state->selectAllVisible(BrowserSide::android);
         state->transferAndroidToMac();

@@ -1,6 +1,7 @@
 // The model without a window, for tests that end a program in the middle of its work: copies everything in
 // the phone's "out" into the folder's "in" and the other way round, and ends when nothing runs any more.
-//   copyProgram FOLDER
+// With a second folder it remembers there what is not finished, and goes on with what it finds there instead.
+//   copyProgram FOLDER [STATE]
 
 #include "FakeDesktop.h"
 #include "WaitFor.h"
@@ -15,12 +16,22 @@ using namespace vantrel;
 
 namespace {
 
-int copyBothWays(const QString &folder) {
+int copyBothWays(const QString &folder, const QString &remembered) {
     FakeDesktop desktop;
     AppState state(desktop);
+    if (!remembered.isEmpty()) {
+        const auto remembering = state.transfers().remember(remembered);
+        if (!waitFor([&] { return remembering.isReady(); }))
+            return 2;
+    }
     state.refreshDevice(AppState::Spinner::shown);
     if (!waitFor([&] { return !state.isRefreshingDevice() && state.device().isConnected; }))
         return 2;
+    const auto ends = [&] { return waitFor([&] { return !state.isTransferring(); }) ? 0 : 3; };
+    if (!state.queue().isEmpty()) {
+        state.transfers().resume();
+        return ends();
+    }
     const auto show = [&](const char *phoneFolder, const char *here) {
         state.browseAndroid(QString::fromLatin1(phoneFolder));
         state.browseMac(folder + QString::fromLatin1(here));
@@ -34,14 +45,15 @@ int copyBothWays(const QString &folder) {
         return 2;
     state.selectAllVisible(BrowserSide::mac);
     state.transferMacToAndroid();
-    return waitFor([&] { return !state.isTransferring(); }) ? 0 : 3;
+    return ends();
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
     const QCoreApplication application(argc, argv);
-    const int status = copyBothWays(QCoreApplication::arguments().value(1));
+    const int status =
+        copyBothWays(QCoreApplication::arguments().value(1), QCoreApplication::arguments().value(2));
     Background::stop(&ADBClient::stopRunningTools);
     return status;
 }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "App/Sheets/Sheet.h"
+#include "App/Sheets/MessageSheet.h"
 #include "App/Updates/Updater.h"
 
 namespace vantrel {
 
 /// Tells what a check for updates found out. Its second button, where there is one, opens the download page.
-class UpdateView : public Sheet {
+class UpdateView : public MessageSheet {
     Q_OBJECT
 
 public:

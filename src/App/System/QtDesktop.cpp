@@ -5,6 +5,7 @@
 #include <QProcess>
 #else
 #include "App/System/FileManager.h"
+#include "App/System/StayAwake.h"
 #endif
 
 #include <QClipboard>
@@ -46,6 +47,17 @@ QFuture<std::optional<QString>> QtDesktop::chooseFolder(const QString &message, 
 
 QFuture<std::optional<QString>> QtDesktop::askForText(const TextQuestion &question) {
     return m_askForText(question, m_window);
+}
+
+void QtDesktop::keepAwake(bool isOn) {
+#ifdef Q_OS_MACOS
+    Q_UNUSED(isOn)
+#else
+    if (!m_awake && isOn)
+        m_awake = new StayAwake(QDBusConnection::systemBus(), QDBusConnection::sessionBus(), this);
+    if (m_awake)
+        m_awake->setOn(isOn);
+#endif
 }
 
 } // namespace vantrel

@@ -9,6 +9,8 @@ class QWidget;
 
 namespace vantrel {
 
+class StayAwake;
+
 /// The desktop that the program really runs on. Its questions belong to the window and leave the event loop
 /// alone: the answer comes through the future. A question that is still open when the window goes is given
 /// up.
@@ -30,10 +32,14 @@ public:
     [[nodiscard]] QFuture<std::optional<QString>>
     chooseFolder(const QString &message, const QString &acceptLabel, const QString &startingAt) override;
     [[nodiscard]] QFuture<std::optional<QString>> askForText(const TextQuestion &question) override;
+    void keepAwake(bool isOn) override;
 
 private:
     AskForText m_askForText;
     QPointer<QWidget> m_window;
+#ifndef Q_OS_MACOS
+    StayAwake *m_awake = nullptr; ///< once it was wanted
+#endif
 };
 
 } // namespace vantrel

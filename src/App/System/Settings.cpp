@@ -15,6 +15,7 @@ const QString appearanceKey = QStringLiteral("appearancePreference");
 const QString toolTipDelayKey = QStringLiteral("NSInitialToolTipDelay");
 const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
 const QString queueHeightKey = QStringLiteral("queueHeight");
+const QString verifyKey = QStringLiteral("verifyCopies");
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
 const QString wirelessPhonesKey = QStringLiteral("wirelessPhones");
 const QString windowSizeKey = QStringLiteral("windowSize");
@@ -33,6 +34,10 @@ std::optional<std::pair<int, int>> numbersIn(const QString &text, QChar separato
         std::abs(double(second)) > most)
         return std::nullopt;
     return std::pair(first, second);
+}
+
+QString orderKey(BrowserSide side) {
+    return side == BrowserSide::mac ? QStringLiteral("macFileOrder") : QStringLiteral("androidFileOrder");
 }
 
 QString pair(int first, QChar separator, int second) {
@@ -145,6 +150,25 @@ std::optional<int> Settings::queueHeight() const {
 
 void Settings::setQueueHeight(std::optional<int> height) {
     setValue(queueHeightKey, height ? QString::number(*height) : QString());
+}
+
+FileOrder Settings::fileOrder(BrowserSide side) const {
+    return fileOrderFromRawValue(value(orderKey(side))).value_or(FileOrder());
+}
+
+void Settings::setFileOrder(BrowserSide side, FileOrder order) {
+    setValue(orderKey(side), rawValue(order));
+}
+
+bool Settings::verifiesCopies() const {
+    return value(verifyKey) == QLatin1String("true");
+}
+
+void Settings::setVerifiesCopies(bool verifies) {
+    const bool isChange = verifiesCopies() != verifies;
+    setValue(verifyKey, verifies ? QStringLiteral("true") : QStringLiteral("false"));
+    if (isChange)
+        Q_EMIT verifiesCopiesChanged(verifies);
 }
 
 QStringList Settings::wirelessPhones() const {

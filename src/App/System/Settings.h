@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Records/FileOrder.h"
+#include "Records/Pane.h"
 #include "Theme/AppTheme.h"
 
 #ifndef Q_OS_MACOS
@@ -67,9 +69,17 @@ public:
     [[nodiscard]] bool analyticsDisabled() const;
     void setAnalyticsDisabled(bool disabled);
 
+    /// Whether each copy is to be compared with its original.
+    [[nodiscard]] bool verifiesCopies() const;
+    void setVerifiesCopies(bool verifies);
+
     /// The most height that the user has given the transfer queue, in layout pixels; nothing until then.
     [[nodiscard]] std::optional<int> queueHeight() const;
     void setQueueHeight(std::optional<int> height);
+
+    /// In what order a pane shows its entries.
+    [[nodiscard]] FileOrder fileOrder(BrowserSide side) const;
+    void setFileOrder(BrowserSide side, FileOrder order);
 
     /// Addresses of phones on the network, as they were stored.
     [[nodiscard]] QStringList wirelessPhones() const;
@@ -82,6 +92,7 @@ public:
 
 Q_SIGNALS:
     void analyticsDisabledChanged(bool disabled);
+    void verifiesCopiesChanged(bool verifies);
     void problemChanged(const QString &problem);
 
 private:

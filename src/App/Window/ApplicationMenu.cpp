@@ -43,7 +43,13 @@ ApplicationMenu::ApplicationMenu(QMainWindow *window, Updater *updater, Settings
     m_wireless = m_menu->addAction(QStringLiteral("Connect over Wi-Fi…"));
     m_wireless->setMenuRole(QAction::ApplicationSpecificRole);
     connect(m_wireless, &QAction::triggered, this, &ApplicationMenu::wirelessRequested);
+
+    // The shortcut is the window's, which says after the tab what it is.
+    QAction *keyboard = m_menu->addAction(QStringLiteral("Keyboard\tF1"));
+    connect(keyboard, &QAction::triggered, this, &ApplicationMenu::keyboardRequested);
+
     addUpdates(updater);
+    addVerification(settings);
     if (canSendSignals)
         addAnalytics(settings);
     addProblem(settings);
@@ -77,6 +83,17 @@ void ApplicationMenu::addUpdates(Updater *updater) {
     connect(m_update, &QAction::triggered, updater, &Updater::checkForUpdates);
     connect(updater, &Updater::checked, this,
             [this, updater](const UpdateResult &result) { show(result, *updater); });
+}
+
+void ApplicationMenu::addVerification(Settings *settings) {
+    m_verify = m_menu->addAction(QStringLiteral("Verify Copies"));
+    m_verify->setMenuRole(QAction::ApplicationSpecificRole);
+    m_verify->setCheckable(true);
+    m_verify->setChecked(settings->verifiesCopies());
+    explain(m_verify,
+            QStringLiteral("Compares every copy with its original before it gets its name. It takes "
+                           "longer; copies that run already are not affected."));
+    connect(m_verify, &QAction::triggered, settings, &Settings::setVerifiesCopies);
 }
 
 void ApplicationMenu::addAnalytics(Settings *settings) {
@@ -116,7 +133,14 @@ void ApplicationMenu::show(const UpdateResult &result, const Updater &updater) {
     m_outcome->open();
 }
 
-QWidget *ApplicationMenu::createButton(QWidget *parent) const {
+void ApplicationMenu::popup() {
+    if (!m_button)
+        return;
+    const QSize size = m_menu->sizeHint();
+    m_menu->popup(m_button->mapToGlobal(QPoint(m_button->width() - size.width(), m_button->height() + 2)));
+}
+
+QWidget *ApplicationMenu::createButton(QWidget *parent) {
 #ifdef Q_OS_MACOS
     Q_UNUSED(parent)
     return nullptr;
@@ -126,10 +150,8 @@ QWidget *ApplicationMenu::createButton(QWidget *parent) const {
         {.symbol = {QStringLiteral("line.3.horizontal"), 14, Weight::medium}, .glyph = AppTheme::ink()});
     button->setHelp(QStringLiteral("Menu"));
     button->setObjectName(QStringLiteral("applicationMenu"));
-    connect(button, &QAbstractButton::clicked, m_menu, [menu = m_menu, button] {
-        const QSize size = menu->sizeHint();
-        menu->popup(button->mapToGlobal(QPoint(button->width() - size.width(), button->height() + 2)));
-    });
+    connect(button, &QAbstractButton::clicked, this, &ApplicationMenu::popup);
+    m_button = button;
     return button;
 #endif
 }

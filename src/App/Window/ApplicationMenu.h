@@ -24,18 +24,21 @@ class ApplicationMenu : public QObject {
     Q_OBJECT
 
 public:
-    /// "Check for Updates…" follows the updater, the switch for usage statistics the settings; there is one
-    /// only where `canSendSignals`. Both must outlive the window, this lives as long as it.
+    /// "Check for Updates…" follows the updater, the switches follow the settings; there is one for usage
+    /// statistics only where `canSendSignals`. Both must outlive the window, this lives as long as it.
     ApplicationMenu(QMainWindow *window, Updater *updater, Settings *settings,
                     bool canSendSignals = hasAnalyticsService());
 
     /// A new button that opens the menu; null on the Mac.
-    [[nodiscard]] QWidget *createButton(QWidget *parent) const;
+    [[nodiscard]] QWidget *createButton(QWidget *parent);
+    /// Opens the menu below its button.
+    void popup();
 
     [[nodiscard]] QAction *aboutAction() const { return m_about; }
     [[nodiscard]] QAction *wirelessAction() const { return m_wireless; }
     [[nodiscard]] QAction *updateAction() const { return m_update; }
     [[nodiscard]] QAction *quitAction() const { return m_quit; }
+    [[nodiscard]] QAction *verifyAction() const { return m_verify; }
     /// The switch for usage statistics; null where none can be sent.
     [[nodiscard]] QAction *analyticsAction() const { return m_analytics; }
     /// Says that the settings cannot be stored; visible while that is so.
@@ -44,11 +47,14 @@ public:
 Q_SIGNALS:
     /// "About Vantrel" was chosen.
     void aboutRequested();
+    /// "Keyboard" was chosen.
+    void keyboardRequested();
     /// "Connect over Wi-Fi…" was chosen.
     void wirelessRequested();
 
 private:
     void addUpdates(Updater *updater);
+    void addVerification(Settings *settings);
     void addAnalytics(Settings *settings);
     void addProblem(Settings *settings);
     /// Shows the outcome of a check, in place of an earlier one.
@@ -56,9 +62,11 @@ private:
 
     QMainWindow *m_window;
     QMenu *m_menu;
+    QPointer<QWidget> m_button;
     QAction *m_about;
     QAction *m_wireless;
     QAction *m_update;
+    QAction *m_verify;
     QAction *m_analytics = nullptr;
     QAction *m_problem;
     QAction *m_quit;

@@ -1,18 +1,19 @@
 #include "App/Window/MainWindow.h"
 
 #include "App/Sheets/AboutView.h"
+#include "App/Sheets/KeyboardView.h"
+#include "App/Sheets/MessageSheet.h"
 #include "App/Sheets/WirelessView.h"
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
 #include "App/System/Settings.h"
-#ifndef Q_OS_MACOS
-#include "App/System/StayAwake.h"
-#endif
+#include "App/Window/Activation.h"
 #include "App/Window/ApplicationMenu.h"
 #include "App/Window/ContentView.h"
 #include "App/Window/TitleBar.h"
 #include "App/Window/ToolbarButton.h"
 #include "App/Window/WindowChrome.h"
+#include "App/Window/WindowCommands.h"
 #include "State/AppState.h"
 #include "State/WirelessPhones.h"
 #include "Transfers/QueueFile.h"
@@ -20,26 +21,50 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
+#include <QLocale>
 #include <QTimer>
 
 #include <utility>
 
 namespace vantrel {
 
+/// Notes that the whole application is told to quit, ahead of its windows.
+class QuitWatch : public QObject {
+public:
+    explicit QuitWatch(QObject *parent) : QObject(parent) { qApp->installEventFilter(this); }
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        m_hasSeen = m_hasSeen || (event->type() == QEvent::Quit && watched == qApp);
+        return false;
+    }
+    [[nodiscard]] bool hasSeen() const { return m_hasSeen; }
+
+private:
+    bool m_hasSeen = false;
+};
+
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
       m_state(AppState::designPreview(desktop)),
-      m_wireless(new WirelessPhones(settings.wirelessPhones(), this)) {
+      m_wireless(new WirelessPhones(settings.wirelessPhones(), this)), m_quitWatch(new QuitWatch(this)) {
     connect(m_wireless, &WirelessPhones::rememberedChanged, this,
             [this] { m_settings.setWirelessPhones(m_wireless->remembered()); });
     connect(m_wireless, &WirelessPhones::connected, m_state.get(),
             [this](const QString &serial) { m_state->phones().showWhenReady(serial); });
     AppTheme::setScheme(settings.appearancePreference());
     setObjectName(QStringLiteral("mainWindow"));
+    m_state->transfers().setVerifies(settings.verifiesCopies());
+    connect(&settings, &Settings::verifiesCopiesChanged, this,
+            [this](bool verifies) { m_state->transfers().setVerifies(verifies); });
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
     m_chrome->setMinimumSize(minimum);
     m_chrome->restore(settings.windowGeometry(), standard);
     setCentralWidget(new ContentGround(this));
+    for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac}) {
+        PaneState *pane = &m_state->pane(side);
+        pane->setOrder(settings.fileOrder(side));
+        connect(pane, &PaneState::orderChanged, this,
+                [&settings, side, pane] { settings.setFileOrder(side, pane->order()); });
+    }
 }
 
 MainWindow::~MainWindow() {
@@ -81,6 +106,10 @@ void MainWindow::addToolbarButtons() {
     connect(menu, &ApplicationMenu::wirelessRequested, this, &MainWindow::showWireless);
     if (QWidget *button = menu->createButton(bar))
         bar->addToolbarWidget(button);
+    auto *commands = new WindowCommands(this, m_state.get());
+    connect(menu, &ApplicationMenu::keyboardRequested, this, &MainWindow::showKeyboard);
+    connect(commands, &WindowCommands::keyboardRequested, this, &MainWindow::showKeyboard);
+    connect(commands, &WindowCommands::menuRequested, menu, &ApplicationMenu::popup);
 }
 
 void MainWindow::renderAppearanceButton() {
@@ -108,6 +137,14 @@ void MainWindow::showAbout() {
     auto *about = new AboutView(this);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->open();
+}
+
+void MainWindow::showKeyboard() {
+    if (findChild<KeyboardView *>())
+        return;
+    auto *keyboard = new KeyboardView(this);
+    keyboard->setAttribute(Qt::WA_DeleteOnClose);
+    keyboard->open();
 }
 
 void MainWindow::showWireless() {
@@ -149,7 +186,49 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
     return QMainWindow::eventFilter(watched, event);
 }
 
+bool MainWindow::asksBeforeClosing() {
+    const TransferRunner &transfers = m_state->transfers();
+    if (m_quitWatch->hasSeen() || transfers.unfinishedCount() == 0)
+        return false;
+    if (!m_question || m_question->isHidden()) { // there is none, or it has been answered
+        for (Sheet *sheet : findChildren<Sheet *>(QString(), Qt::FindDirectChildrenOnly))
+            sheet->reject(); // it would hide the question
+        const QString stay =
+            m_state->isTransferring() ? QStringLiteral("Keep Copying") : QStringLiteral("Don’t Quit");
+        m_question = new MessageSheet(QStringLiteral("Quit ") + product::name(), QStringLiteral("quit"),
+                                      {{}, {}, stay, QStringLiteral("Quit")}, this);
+        m_question->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_question, &QDialog::accepted, this, [this] {
+            m_mayClose = true;
+            close();
+        });
+        connect(m_state.get(), &AppState::queueChanged, m_question, [this] { renderQuestion(); });
+        renderQuestion();
+        m_question->open();
+    }
+    bringToFront(this, {});
+    return true;
+}
+
+void MainWindow::renderQuestion() {
+    const TransferRunner &transfers = m_state->transfers();
+    const int count = transfers.unfinishedCount();
+    if (count == 0) // then nothing is in the way any more
+        return m_question->accept();
+    QLocale locale;
+    locale.setNumberOptions(QLocale::DefaultNumberOptions); // with separators of thousands everywhere
+    const bool isOne = count == 1;
+    const QString &reason = transfers.forgetReason();
+    m_question->setTexts(isOne ? QStringLiteral("1 copy is not finished.")
+                               : locale.toString(count) + QStringLiteral(" copies are not finished."),
+                         !reason.isEmpty() ? reason
+                         : isOne           ? QStringLiteral("It is kept and can go on at the next start.")
+                                 : QStringLiteral("They are kept and can go on at the next start."));
+}
+
 void MainWindow::closeEvent(QCloseEvent *event) {
+    if (!std::exchange(m_mayClose, false) && asksBeforeClosing())
+        return event->ignore();
     QMainWindow::closeEvent(event);
     if (event->isAccepted()) {
         // A window that was only looked at stays what it is on a larger screen, which may come back.
@@ -163,11 +242,6 @@ void MainWindow::closeEvent(QCloseEvent *event) {
 QCoro::Task<> MainWindow::runStartUp() {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.svg")));
     m_state->transfers().remember(QueueFile::userFolder());
-#ifndef Q_OS_MACOS
-    auto *awake = new StayAwake(QDBusConnection::systemBus(), this);
-    const auto follow = [this, awake] { awake->setOn(m_state->isTransferring()); };
-    connect(m_state.get(), &AppState::isTransferringChanged, awake, follow);
-#endif
     // The model ends before this window does, and with it whatever is awaited here.
     co_await m_state->browseMac(m_state->macPath());
     co_await m_state->refreshDevice(AppState::Spinner::shown);

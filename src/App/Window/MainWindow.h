@@ -5,6 +5,7 @@
 
 #include <QCoroTask>
 #include <QMainWindow>
+#include <QPointer>
 
 #include <chrono>
 #include <memory>
@@ -14,6 +15,8 @@ namespace vantrel {
 
 class AppState;
 class Desktop;
+class MessageSheet;
+class QuitWatch;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
@@ -24,6 +27,9 @@ class WirelessPhones;
 /// It comes up as its grounds and the window's buttons alone, and is furnished after that first frame:
 /// opening fonts and laying out texts takes nearly as long as all that came before, and a window answers the
 /// click.
+///
+/// While copies are unfinished, closing it asks first; when the whole application is told to quit, by a
+/// signal or by the end of the session, it does not.
 class MainWindow : public QMainWindow {
 public:
     static constexpr QSize minimum{1100, 720}; ///< layout pixels, with the title bar
@@ -39,6 +45,8 @@ public:
 
     /// Shows the About window over this one.
     void showAbout();
+    /// Shows what the keys do, likewise.
+    void showKeyboard();
     /// Asks for a phone on the network over this window.
     void showWireless();
     /// Takes the colour scheme that the desktop prefers, unless the user has ever chosen one here.
@@ -57,6 +65,9 @@ private:
     void addToolbarButtons();
     void renderAppearanceButton();
     QCoro::Task<> runStartUp();
+    /// Whether the question is shown, to which the user's answer closes the window.
+    bool asksBeforeClosing();
+    void renderQuestion();
 
     Settings &m_settings;
     Updater &m_updater;
@@ -64,9 +75,12 @@ private:
     WirelessPhones *m_wireless;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
+    const QuitWatch *m_quitWatch;
+    QPointer<MessageSheet> m_question;          ///< whether to close while copies are unfinished
     std::optional<WindowGeometry> m_openedWith; ///< after the desktop had its say
     bool m_isFurnished = false;
     bool m_isStarted = false;
+    bool m_mayClose = false; ///< the user has said so
 };
 
 } // namespace vantrel

@@ -1,0 +1,60 @@
+#include "App/Sheets/KeyboardTable.h"
+
+#include <QStringList>
+
+namespace vantrel {
+
+QString KeyboardEntry::title() const {
+    if (!keys.isEmpty())
+        return keys;
+    QStringList titles;
+    for (const QKeySequence &sequence : sequences)
+        titles.append(sequence.toString(QKeySequence::NativeText));
+    return titles.join(QStringLiteral(" or "));
+}
+
+const QList<KeyboardEntry> &keyboardTable() {
+    using enum WindowCommand;
+    static const QString inList = QStringLiteral("In a list");
+    static const QString inPane = QStringLiteral("In a pane");
+    static const QString inWindow = QStringLiteral("In the window");
+    static const QString arrows = QStringLiteral("Arrow keys");
+    static const QList<KeyboardEntry> table{
+        {inList, arrows + QStringLiteral(", Home, End, Page Up, Page Down"), QStringLiteral("Move")},
+        {inList, QStringLiteral("Letters"), QStringLiteral("Go to the next name that begins with them")},
+        {inList, QStringLiteral("Return or double-click"), QStringLiteral("Open the folder or the file")},
+        {inList, QStringLiteral("Space or Control+click"), QStringLiteral("Select, or no longer")},
+        {inList, QStringLiteral("Shift with a movement or a click"), QStringLiteral("Select a range")},
+        {inList, QKeySequence(QKeySequence::SelectAll).toString(QKeySequence::NativeText),
+         QStringLiteral("Select all")},
+        {inList, QStringLiteral("Escape"), QStringLiteral("Select nothing")},
+        {inList, QStringLiteral("Menu key or Shift+F10"),
+         QStringLiteral("Show what can be done with the entry")},
+        {inPane,
+         {},
+         QStringLiteral("Go to the folder around this one"),
+         {QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::ALT | Qt::Key_Up)},
+         goUp},
+        {inPane, {}, QStringLiteral("Type a folder’s path"), {QKeySequence(Qt::CTRL | Qt::Key_L)}, editPath},
+        {inPane, {}, QStringLiteral("Read the folder again"), {QKeySequence(Qt::Key_F5)}, refresh},
+        {inPane, {}, QStringLiteral("Go to the other pane"), {QKeySequence(Qt::Key_F6)}, switchPanes},
+        {inWindow,
+         {},
+         QStringLiteral("Copy what is selected on the phone to this computer"),
+         {QKeySequence(Qt::CTRL | Qt::Key_Right)},
+         copyToComputer},
+        {inWindow,
+         {},
+         QStringLiteral("Copy what is selected here to the phone"),
+         {QKeySequence(Qt::CTRL | Qt::Key_Left)},
+         copyToPhone},
+        {inWindow, {}, QStringLiteral("Search the phone"), {QKeySequence(Qt::CTRL | Qt::Key_F)}, search},
+        {inWindow, {}, QStringLiteral("Open the menu"), {QKeySequence(Qt::Key_F10)}, openMenu},
+        {inWindow, {}, QStringLiteral("Fill the screen"), {QKeySequence(Qt::Key_F11)}, toggleFullScreen},
+        {inWindow, {}, QStringLiteral("Show these keys"), {QKeySequence(Qt::Key_F1)}, showKeyboard},
+        {inWindow, {}, QStringLiteral("Quit"), {QKeySequence(Qt::CTRL | Qt::Key_Q)}},
+    };
+    return table;
+}
+
+} // namespace vantrel

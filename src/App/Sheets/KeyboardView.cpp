@@ -1,0 +1,56 @@
+#include "App/Sheets/KeyboardView.h"
+
+#include "App/Sheets/KeyboardTable.h"
+#include "Kit/Canvas.h"
+#include "Kit/TextLabel.h"
+#include "Theme/AppTheme.h"
+
+#include <QGridLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+constexpr int viewWidth = 620;
+constexpr int keysWidth = 230;
+
+TextLabel *label(const QString &text, const TextStyle &style, const ThemeColor &color) {
+    auto *made = new TextLabel(style, color);
+    made->setText(text);
+    return made;
+}
+
+} // namespace
+
+KeyboardView::KeyboardView(QWidget *window) : Sheet(QStringLiteral("Keyboard"), viewWidth, window) {
+    setObjectName(QStringLiteral("keyboard"));
+    auto *rows = new QGridLayout;
+    rows->setContentsMargins(24, 18, 24, 18);
+    rows->setHorizontalSpacing(16);
+    rows->setVerticalSpacing(3);
+    rows->setColumnMinimumWidth(0, keysWidth);
+    rows->setColumnStretch(1, 1);
+    QString group;
+    for (const KeyboardEntry &entry : keyboardTable()) {
+        const int row = rows->rowCount();
+        if (std::exchange(group, entry.group) != entry.group) {
+            auto *title = label(group, {11, Weight::semibold}, AppTheme::inkTertiary());
+            title->setContentsMargins(0, row > 1 ? 10 : 0, 0, 2);
+            rows->addWidget(title, row, 0, 1, 2);
+        }
+        rows->addWidget(label(entry.title(), {12, Weight::semibold}, AppTheme::ink()), row + 1, 0);
+        rows->addWidget(label(entry.does, {12, Weight::medium}, AppTheme::inkSecondary()), row + 1, 1);
+    }
+    content()->addLayout(rows);
+    content()->addWidget(new Divider);
+    QPushButton *close = makeButton(QStringLiteral("Close"), QStringLiteral("keyboard.close"));
+    close->setDefault(true);
+    connect(close, &QAbstractButton::clicked, this, &QDialog::accept);
+    content()->addSpacing(12);
+    content()->addWidget(close, 0, Qt::AlignHCenter);
+    content()->addSpacing(12);
+}
+
+} // namespace vantrel
