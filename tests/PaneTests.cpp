@@ -927,6 +927,23 @@ TEST_F(DualBrowserTests, nothingToListIsSaidInTheListsPlace) {
     EXPECT_TRUE(says(mac(), u"(hidden)"_s));
 }
 
+TEST(EmptyStatesTests, everyTroubleHasItsPictureAndItsSteps) {
+    QSet<QString> headings;
+    for (int i = int(PhoneTrouble::noPhone); i <= int(PhoneTrouble::other); ++i) {
+        const Emptiness state = EmptyStates::ofPhone(PhoneTrouble(i), u"in words"_s);
+        headings.insert(state.heading);
+        EXPECT_TRUE(Symbol::exists(state.badge)) << i;
+        EXPECT_FALSE(state.steps.isEmpty() || state.steps.contains(QString())) << i;
+        EXPECT_FALSE(state.mayTryAgain && !state.command.isEmpty()) << "two buttons: " << i;
+    }
+    EXPECT_EQ(headings.size(), int(PhoneTrouble::other));
+    QFile rules(QStringLiteral(VANTREL_TEST_DATA "/../../src/Resources/desktop/51-vantrel-android.rules"));
+    ASSERT_TRUE(rules.open(QIODevice::ReadOnly));
+    const QString rule = QString::fromUtf8(rules.readAll()).trimmed().section(u'\n', -1);
+    const QString command = EmptyStates::ofPhone(PhoneTrouble::noPermissions, {}).command;
+    EXPECT_TRUE(command.startsWith(u"echo '%1' | "_s.arg(rule))) << command.toStdString();
+}
+
 TEST_F(DualBrowserTests, theEmptyPaneHelpsWithAButton) {
     auto *button = android().findChild<QPushButton *>(u"emptiness.button"_s);
     phone.set(u"state"_s, "no permissions (x)");

@@ -122,8 +122,10 @@ QCoro::Task<> PhoneWatch::refresh(Spinner spinner) {
 
 QCoro::Task<> PhoneWatch::show(QString serial, Spinner spinner) {
     const bool isShown = spinner == Spinner::shown;
-    if (isShown)
+    if (isShown) { // the user's choice
         m_isRefreshing = true;
+        m_wanted = QString();
+    }
     const quint64 token = ++m_token;
     m_asked = serial;
     m_timer.stop();
