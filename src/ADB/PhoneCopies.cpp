@@ -13,6 +13,7 @@
 #include <QMap>
 
 #include <algorithm>
+#include <optional>
 #include <unistd.h>
 
 namespace vantrel::ADBClient {
@@ -290,7 +291,7 @@ ADBResult<void> removeFolder(const QString &serial, const QString &path) {
 }
 
 ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &serial,
-                                 const QStringList &sources, const QString &folder,
+                                 const QStringList &sources, const QString &folder, BatchDetail detail,
                                  const std::stop_token &stop, const BatchProgress &onProgress) {
     const auto tool = resolveADBPath();
     if (!tool)
@@ -305,24 +306,30 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
 
     BatchOutput output;
     QByteArray errors;
-    PseudoTerminal terminal;
+    std::optional<PseudoTerminal> terminal;
     ToolRun run(*tool, arguments, terminalEnvironment());
-    run.useTerminal(terminal);
+    if (detail == BatchDetail::percent)
+        run.useTerminal(terminal.emplace());
     run.stopWith(stop);
     if (const auto started = run.start(); !started)
         return tl::make_unexpected(started.error());
-    terminal.startReading([&](const QByteArray &bytes) {
+    const auto read = [&](const QByteArray &bytes) {
         if (output.feed(bytes) && onProgress)
             onProgress(output.endedFiles(), output.fractionOfNext());
-    });
+    };
+    if (terminal)
+        terminal->startReading(read);
     bool isRunning = true;
     while (isRunning) {
         isRunning = run.isRunningAfter(waitStep);
+        if (!terminal)
+            read(run.takeStandardOutput());
         constexpr qsizetype kept = 65'536;
         errors += run.takeStandardError();
         errors = errors.right(kept);
     }
-    terminal.finishReading();
+    if (terminal)
+        terminal->finishReading();
 
     if (run.wasStopped())
         return tl::make_unexpected(failure(QStringLiteral("The copy was stopped.")));
