@@ -8,6 +8,7 @@
 #include "Transfers/StagedName.h"
 #include "Transfers/TransferRate.h"
 
+#include <QCryptographicHash>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QStandardPaths>
@@ -579,6 +580,19 @@ TEST_F(CopyTests, whatIsVerifiedHasItsOriginalsContentOrNoName) {
             }
         }
     }
+}
+
+TEST_F(CopyTests, ofAFolderOnlyWhatDiffersGetsNoName) {
+    phone.write(u"T/bad"_s, "bad");
+    phone.write(u"T/good"_s, "good");
+    const QByteArray good = QCryptographicHash::hash("good", QCryptographicHash::Md5).toHex();
+    phone.set(u"md5sum.stdout"_s,
+              QByteArray(32, '0') + "  /sdcard/T/bad\n" + good + "  /sdcard/T/good\nend\n");
+    state->transfers().setVerifies(true);
+    start();
+    copyAllFrom(BrowserSide::android);
+    EXPECT_EQ(statuses(), u"T:1 of 2 could not be copied"_s);
+    EXPECT_EQ(QDir(here(u"T"_s)).entryList(QDir::Files | QDir::Hidden), QStringList{u"good"_s});
 }
 
 TEST_F(CopyTests, verifyingIsSeenAndStopsAtOnce) {

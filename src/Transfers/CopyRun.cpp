@@ -619,8 +619,8 @@ private:
                 state.comparedBytes = sum(before, bytes);
                 report(file.entry, areStaged ? 0 : bytes, arrival);
             };
-            here.append(isGivenUp(file.entry) ? std::nullopt
-                                              : LocalFiles::sum(file.here, enough.get_token(), onBytes));
+            here.append(isWanted(file.entry) ? LocalFiles::sum(file.here, enough.get_token(), onBytes)
+                                             : std::nullopt);
             state.comparedBytes = sum(before, file.sizeBytes);
             state.stagedBytes += areStaged ? 0 : file.sizeBytes;
             state.stagedFiles += areStaged ? 0 : 1;
@@ -878,7 +878,7 @@ private:
         QList<ADBClient::PhoneMove> moves;
         QList<PlannedFile> moved;
         for (const PlannedFile &file : std::as_const(whole)) {
-            if (unfit->contains(file.destination) || isGivenUp(file.entry))
+            if (unfit->contains(file.destination) || !isWanted(file.entry))
                 continue;
             moves.append({AndroidPath::join(staging, stagedName(file)), file.destination});
             moved.append(file);
