@@ -343,7 +343,5 @@ TEST(KeyboardTableTests, isWhatTheDocumentSays) {
     EXPECT_TRUE(text.endsWith(table)) << "it is to end with:\n" << qPrintable(table);
 }
 
-}
-
 } // namespace
 } // namespace vantrel
