@@ -14,11 +14,7 @@
 #include "State/WirelessPhones.h"
 #include "Worker/Worker.h"
 
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
-
+#include <QtCore>
 #include <gtest/gtest.h>
 
 #include <mutex>
@@ -92,10 +88,12 @@ TEST_F(DeviceTest, isFoundWithNameAndStorage) {
 
 TEST_F(DeviceTest, hostileNamesGoThereAndComeBack) {
     const QStringList names =
-        (u"plain.txt|two words.txt|it's.txt|$(touch pwned).txt|`touch pwned`|a;b&c.txt|-rf|'; touch pwned; '|"
-         "grüße 😀.txt|a b|a  b| lead|trail |a\u00a0b|line\nbreak|tab\there|a -> b|back\\slash|ls\u2028ps|"
-         "\u3000wide\u3000|"_s +
-         QString(251, u'n') + u".txt"_s)
+        QString(
+            u"plain.txt|two words.txt|it's.txt|$(touch pwned).txt|`touch pwned`|a;b&c.txt|-rf|'; touch "
+            u"pwned; '|"
+            "grüße 😀.txt|a b|a  b| lead|trail |a\u00a0b|line\nbreak|tab\there|a -> b|back\\slash|ls\u2028ps|"
+            "\u3000wide\u3000|"_s +
+            QString(251, u'n') + u".txt"_s)
             .split(u'|');
     const QString remote = folder() + u"/names"_s;
     for (const QString &name : names) {

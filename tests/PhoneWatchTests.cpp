@@ -242,18 +242,6 @@ TEST_F(PhoneWatchTests, aServerThatWasRestartedIsFollowedAgain) {
     waitForPhone(none);
 }
 
-TEST_F(PhoneWatchTests, aPhoneThatIsReadyAndFailsIsAskedAgain) {
-    phone.set(u"getprop.exit"_s, "1");
-    phone.set(u"df.exit"_s, "1");
-    follow();
-    ASSERT_TRUE(waitFor([&] { return watch().trouble() == PhoneTrouble::other; }));
-    ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
-    EXPECT_EQ(timer().intervalAsDuration(), PhoneWatch::lookInterval);
-    phone.resetAll();
-    timer().start(0);
-    waitForPhone(DemoPhone::serial());
-}
-
 TEST_F(PhoneWatchTests, theStorageIsAskedOnceAMinuteAndAfterCopies) {
     phone.write(u"a.bin"_s, "12345");
     follow();

@@ -408,7 +408,7 @@ TEST_F(QueueTests, theHeaderPausesAndResumesAndSaysHowFarAllIs) {
     ASSERT_TRUE(
         waitFor([&] { return !state->isTransferring() && resume->isVisible() && !pause->isVisible(); }));
     EXPECT_GT(queue.pausedCount() + state->waitingCount(), 0);
-    EXPECT_EQ(child<TextLabel>("queue.note")->text(), u"Paused"_s);
+    EXPECT_TRUE(waitFor([&] { return child<TextLabel>("queue.note")->text() == u"Paused"_s; }));
     EXPECT_TRUE(figures->text().contains(u"of 5 · "_s)) << figures->text().toStdString();
     phone.reset(u"bandwidth"_s);
     click(resume);

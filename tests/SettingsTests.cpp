@@ -25,21 +25,6 @@ protected:
     QString path = directory.filePath(u"vantrel/settings.ini"_s);
 };
 
-TEST_F(SettingsTests, areNotWrittenAgainWithoutAChange) {
-    const QDateTime written = QDateTime::fromSecsSinceEpoch(1'700'000'000);
-    for (int start = 0; start < 2; ++start) {
-        Settings settings(path);
-        settings.storeToolTipDelay();
-        settings.setAppearancePreference(ColorScheme::dark);
-        EXPECT_TRUE(settings.save());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-        EXPECT_EQ(file.fileTime(QFileDevice::FileModificationTime) == written, start == 1);
-        ASSERT_TRUE(file.setFileTime(written, QFileDevice::FileModificationTime));
-    }
-    EXPECT_EQ(contents(path), "NSInitialToolTipDelay=250\nappearancePreference=dark\n");
-}
-
 TEST_F(SettingsTests, areReadAsTheyAreStored) {
     const QString zoom = u"Maximize"_s;
     for (const auto &[text, isDark, doubleClick, analyticsDisabled] :

@@ -94,10 +94,6 @@ TEST_F(BrowserColumnTests, theDraggedHeightIsRemembered) {
     show(new ContentView(state.get(), settings), {1100, 800});
     settle();
     EXPECT_EQ(child<TransferQueueView>("queue")->height(), chosen);
-    for (const char *nonsense : {"-5", "x", "999999999", ""}) {
-        write(path, "queueHeight=" + QByteArray(nonsense));
-        EXPECT_FALSE(Settings(path).queueHeight()) << nonsense;
-    }
 }
 
 using MainWindowTests = MainWindowFixture;
@@ -410,6 +406,18 @@ TEST_F(ClosingTests, aSignalEndsItInGoodOrderAndAsksNobody) {
     Background::stop(&ADBClient::stopRunningTools);
     for (const processes::Child &child : processes::children())
         ADD_FAILURE() << child.commandLine.toStdString();
+}
+
+TEST_F(MainWindowTests, aListIsThreeTabsFromTheTitleBar) {
+    MainWindow *window = showWindow();
+    ASSERT_TRUE(waitFor([&] { return QApplication::activeWindow() == window; }));
+    child<QWidget>("applicationMenu")->setFocus(Qt::TabFocusReason);
+    QStringList reached;
+    for (int press = 0; press < 3; ++press) {
+        QTest::keyClick(window->windowHandle(), Qt::Key_Tab);
+        reached.append(QApplication::focusWidget()->objectName());
+    }
+    EXPECT_TRUE(reached.contains(u"fileList"_s)) << reached.join(u' ').toStdString();
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 #include <QMap>
 
 #include <algorithm>
+#include <optional>
 #include <unistd.h>
 #include <utility>
 
@@ -292,7 +293,7 @@ ADBResult<void> removeFolder(const QString &serial, const QString &path) {
 }
 
 ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &serial,
-                                 const QStringList &sources, const QString &folder,
+                                 const QStringList &sources, const QString &folder, BatchDetail detail,
                                  const std::stop_token &stop, const BatchProgress &onProgress) {
     const auto tool = resolveADBPath();
     if (!tool)
@@ -307,25 +308,31 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
 
     BatchOutput output;
     QByteArray errors;
-    PseudoTerminal terminal;
+    std::optional<PseudoTerminal> terminal;
     ToolRun run(*tool, arguments, terminalEnvironment());
-    run.useTerminal(terminal);
+    if (detail == BatchDetail::percent)
+        run.useTerminal(terminal.emplace());
     run.stopWith(stop);
     if (const auto started = run.start(); !started)
         return tl::make_unexpected(started.error());
-    terminal.startReading([&](const QByteArray &bytes) {
+    const auto read = [&](const QByteArray &bytes) {
         static_cast<void>(output.feed(bytes));
-        if (onProgress) // also where the figure is the same: bytes came
+        if (onProgress && !bytes.isEmpty()) // also where the figure is the same: bytes came
             onProgress(output.endedFiles(), output.fractionOfNext());
-    });
+    };
+    if (terminal)
+        terminal->startReading(read);
     bool isRunning = true;
     while (isRunning) {
         isRunning = run.isRunningAfter(waitStep);
+        if (!terminal)
+            read(run.takeStandardOutput());
         constexpr qsizetype kept = 65'536;
         errors += run.takeStandardError();
         errors = errors.right(kept);
     }
-    terminal.finishReading();
+    if (terminal)
+        terminal->finishReading();
 
     if (run.wasStopped())
         return tl::make_unexpected(failure(QStringLiteral("The copy was stopped.")));

@@ -56,12 +56,16 @@ ADBResult<void> removeFolder(const QString &serial, const QString &path);
 /// How far a batch has come: so many files have ended, the next is through by this fraction. Called on a
 /// background thread whenever something has come, though both may be as before.
 using BatchProgress = std::function<void(int endedFiles, double fractionOfNext)>;
+/// What adb tells of its way: every percent, for which it needs a terminal, or just each file that is
+/// through. Of many small files the percentages cost adb as much as the copying.
+enum class BatchDetail { percent, file };
 /// One adb push or pull of several files into a folder that is there. A file that fails does not end the
 /// batch. Gives adb's error lines: what arrived is for the caller to look at. An error when adb could not be
 /// run to its end, when it was stopped, or when the phone left.
 [[nodiscard]] ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &serial,
                                                const QStringList &sources, const QString &folder,
-                                               const std::stop_token &stop, const BatchProgress &onProgress);
+                                               BatchDetail detail, const std::stop_token &stop,
+                                               const BatchProgress &onProgress);
 
 /// Called on the thread that copies, with all bytes that are through.
 using BytesProgress = std::function<void(qint64 bytes)>;

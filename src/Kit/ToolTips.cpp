@@ -27,6 +27,7 @@ constexpr int paddingY = 5;
 constexpr int shadow = 6; // around the card
 constexpr int gap = 3;    // between a control and its tip
 constexpr double radius = 6;
+constexpr int small = 64; // a button: its tip is centred on it, that of a row on the mouse
 constexpr int mostLines = 26;
 
 /// What stands in the card, each line no wider than the room.
@@ -140,7 +141,7 @@ QString ToolTips::text() {
 void ToolTips::present(const QString &text, QWidget *control, const QRect &part) {
     m_isConfirmed = !text.isEmpty();
     if (control == m_pressed) {
-        if (part.contains(m_pressedAt))
+        if (part.contains(m_pressedAt) && (m_mouse - m_pressedAt).manhattanLength() <= small)
             return hide();
         m_pressed.clear();
     }
@@ -154,7 +155,6 @@ void ToolTips::present(const QString &text, QWidget *control, const QRect &part)
     QWidget *window = control->window();
     auto *view = new ToolTipView(text, window);
     m_view = view;
-    constexpr int small = 64; // a button: its tip is centred on it, that of a row on the mouse
     const QPoint origin = control->mapTo(window, QPoint());
     const int x = origin.x() + (part.width() <= small ? part.center().x() : m_mouse.x());
     view->move(placeToolTip(view->card().size(), part.translated(origin), x,

@@ -21,7 +21,7 @@ namespace vantrel {
 /// The application's tool tips, in its own look. They are part of the window that they help with: one line
 /// where it fits, at most half as wide as the window, never over another control. A tip stays as long as the
 /// mouse rests on what it is about; when that is painted anew, it is asked for again, since something else
-/// may stand there now. Whoever has pressed a control knows what it is for: it has no tip until the mouse
+/// may stand there now. Whoever has pressed something knows what it is for: there is no tip until the mouse
 /// has been elsewhere.
 ///
 /// Every QWidget::toolTip() is shown, as plain text. Widgets and delegates that answer QEvent::ToolTip

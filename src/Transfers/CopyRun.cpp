@@ -340,8 +340,8 @@ private:
                                           QFile::encodeName(staged).constData()) == 0;
             report(file.entry, wholeBytes(fraction * static_cast<double>(file.sizeBytes)));
         };
-        const auto copied =
-            ADBClient::copyFiles(m_job.direction, m_job.serial, {file.source}, arriving, m_stop, onProgress);
+        const auto copied = ADBClient::copyFiles(m_job.direction, m_job.serial, {file.source}, arriving,
+                                                 ADBClient::BatchDetail::percent, m_stop, onProgress);
         if (isLinked || !copied)
             QFile::remove(arriving);
         else
@@ -378,7 +378,8 @@ private:
         const auto onProgress = [&](int /*ended*/, double fraction) {
             report(file.entry, wholeBytes(fraction * static_cast<double>(file.sizeBytes)));
         };
-        return ADBClient::copyFiles(m_job.direction, m_job.serial, {file.source}, staged, m_stop, onProgress);
+        return ADBClient::copyFiles(m_job.direction, m_job.serial, {file.source}, staged,
+                                    ADBClient::BatchDetail::percent, m_stop, onProgress);
     }
 
     void readSources() {
@@ -940,8 +941,16 @@ private:
 
     ADBResult<QStringList> copyBatch(const QString &staging) {
         QStringList sources;
-        for (const PlannedFile &file : std::as_const(m_batch))
+        qint64 bytes = 0;
+        for (const PlannedFile &file : std::as_const(m_batch)) {
             sources.append(file.source);
+            bytes = sum(bytes, file.sizeBytes);
+        }
+        constexpr qsizetype many = 20;
+        constexpr qint64 small = 256'000;
+        const auto detail = m_batch.size() >= many && bytes / m_batch.size() < small
+                                ? ADBClient::BatchDetail::file
+                                : ADBClient::BatchDetail::percent;
         int reported = 0;
         const auto onProgress = [&](int ended, double fraction) {
             const auto count = static_cast<int>(m_batch.size());
@@ -964,8 +973,8 @@ private:
         for (int tries = 0; tries < mostTries; ++tries) {
             const QString large = AndroidPath::join(staging, stagedName(m_batch.first()));
             if (!isLarge(m_batch.first()))
-                copied =
-                    ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, m_stop, onProgress);
+                copied = ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, detail, m_stop,
+                                              onProgress);
             else
                 copied = isPull() ? pullLarge(large) : pushLarge(large);
             if (copied || copied.error().errorDescription() != QLatin1String("adb exited with 1"))

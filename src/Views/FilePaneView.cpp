@@ -109,6 +109,9 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     }
 
     setAcceptDrops(true);
+    // Tab comes to the entries first, which is where people want to go, and then to what is around them.
+    for (QWidget *first : std::initializer_list<QWidget *>{m_list, m_grid, m_emptiness})
+        first->setParent(this);
     auto *place = new QGridLayout;
     for (QWidget *shown : std::initializer_list<QWidget *>{m_list, m_grid, m_emptiness})
         place->addWidget(shown, 0, 0);

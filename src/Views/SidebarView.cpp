@@ -14,6 +14,7 @@
 #include "Views/FileItemsView.h"
 #include "Views/PhonePicker.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 #include <QProgressBar>
 #include <QScrollArea>
@@ -44,6 +45,7 @@ Canvas *canvas(int side, Canvas::Paint paint) {
 
 } // namespace
 
+/// Of all rows Tab stops at one; Up and Down lead to the others.
 class ShortcutRow : public PlainButton {
 public:
     ShortcutRow(const StorageShortcut &shortcut, QWidget *parent)
@@ -77,6 +79,18 @@ public:
     }
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override {
+        const auto rows = parentWidget()->findChildren<QAbstractButton *>(Qt::FindDirectChildrenOnly);
+        const int by = event->key() == Qt::Key_Down ? 1 : event->key() == Qt::Key_Up ? -1 : 0;
+        if (by == 0)
+            PlainButton::keyPressEvent(event);
+        else if (QAbstractButton *next = rows.value(rows.indexOf(this) + by))
+            next->setFocus(Qt::TabFocusReason);
+    }
+    void focusInEvent(QFocusEvent *event) override {
+        PlainButton::focusInEvent(event);
+        SidebarView::stopTabAt(this);
+    }
     void paintContent(QPainter &painter) override {
         if (isChecked())
             paintCard(painter, rect(), radius, AppTheme::accentSoft(), Qt::transparent);
@@ -203,6 +217,11 @@ void SidebarView::addRow(const StorageShortcut &shortcut) {
     row->show();
 }
 
+void SidebarView::stopTabAt(QWidget *row) {
+    for (auto *other : row->parentWidget()->findChildren<QAbstractButton *>(Qt::FindDirectChildrenOnly))
+        other->setFocusPolicy(other == row ? Qt::TabFocus : Qt::NoFocus);
+}
+
 void SidebarView::showShortcuts() {
     const QList<StorageShortcut> &fixed = m_state->shortcuts();
     const QList<StorageShortcut> cards = m_state->phones().cards();
@@ -229,6 +248,13 @@ void SidebarView::showShortcuts() {
                 ? QString(formatFileSize(card.totalBytes - card.usedBytes) % QStringLiteral(" free"))
                 : QString());
     }
+    const auto hasState = [this](bool (*is)(const ShortcutRow *)) {
+        return std::find_if(m_shortcuts.begin(), m_shortcuts.end(), is);
+    };
+    if (hasState([](const ShortcutRow *row) { return row->hasFocus(); }) != m_shortcuts.end())
+        return; // the keyboard is where it is
+    const auto checked = hasState([](const ShortcutRow *row) { return row->isChecked(); });
+    stopTabAt(checked == m_shortcuts.end() ? m_shortcuts.first() : *checked);
 }
 
 ThemeColor SidebarView::statusColor() const {

@@ -27,6 +27,9 @@ public:
     /// The model must outlive the view.
     explicit SidebarView(AppState *state, QWidget *parent = nullptr);
 
+    /// Of the rows beside it, this is the one that Tab stops at.
+    static void stopTabAt(QWidget *row);
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 

@@ -114,7 +114,8 @@ void TransferQueueView::render() {
     const qsizetype count = queue.items().size();
     const bool isToDecide = queue.failedCount() > 0 || queue.nameTakenCount() > 0;
     const QString &notice = m_transfers->notice();
-    const bool isResting = queue.pausedCount() > 0 && !m_transfers->isTransferring();
+    const bool mayResume = m_transfers->isPaused() || queue.pausedCount() > 0;
+    const bool isResting = mayResume && !m_transfers->isTransferring();
     m_note->setText(!notice.isEmpty() ? notice
                     : isResting       ? QStringLiteral("Paused")
                                       : QStringLiteral("Copy only — originals are kept"));
@@ -129,7 +130,6 @@ void TransferQueueView::render() {
     renderFigures();
     const bool mayPause =
         !m_transfers->isPaused() && (m_transfers->isTransferring() || queue.waitingCount() > 0);
-    const bool mayResume = m_transfers->isPaused() || queue.pausedCount() > 0;
     m_resume->setVisible(m_resume->isVisibleTo(this) || mayResume);
     showWithHeir(m_pause, mayPause, orTo(m_resume));
     showWithHeir(m_resume, mayResume, orTo(m_pause));

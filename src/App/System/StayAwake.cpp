@@ -57,7 +57,7 @@ void StayAwake::setOn(bool isOn) {
 }
 
 /// `isWanted` tells whether nothing else has been wanted since.
-void StayAwake::ask(QDBusConnection bus, const QDBusMessage &question,
+void StayAwake::ask(const QDBusConnection &bus, const QDBusMessage &question,
                     const std::function<void(const QVariant &answer, bool isWanted)> &use) {
     if (!bus.isConnected())
         return;

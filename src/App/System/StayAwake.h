@@ -25,7 +25,7 @@ public:
     void setOn(bool isOn);
 
 private:
-    void ask(QDBusConnection bus, const QDBusMessage &question,
+    void ask(const QDBusConnection &bus, const QDBusMessage &question,
              const std::function<void(const QVariant &answer, bool isWanted)> &use);
     void allowLogOut(const QString &request);
 
