@@ -297,17 +297,16 @@ std::string dfOf(const std::string &device, const std::string &mount, const Sett
            std::to_string(percent) + "% " + mount + "\n";
 }
 
-/// The shared storage with the cards, which are as large, or the data partition.
-Answer df(const Words &words, const Settings &settings) {
+/// The shared storage, and the cards behind it, which are as large; or the data partition.
+Answer df(const std::string &path, bool withCards, const Settings &settings) {
     Answer answer;
-    if (words[1] == "/data") {
-        answer.standardOutput = dfOf("/dev/block/dm-8", "/data", settings);
+    answer.standardOutput = path == "/data" ? dfOf("/dev/block/dm-8", path, settings)
+                                            : dfOf("/dev/fuse     ", "/storage/emulated", settings);
+    if (!withCards)
         return answer;
-    }
-    answer.standardOutput = dfOf("/dev/fuse     ", "/storage/emulated", settings);
     for (const std::string &card : cardsOf(settings)) {
-        const std::string path = "/storage/" + card;
-        answer.standardOutput += path + "\n" + dfOf("/dev/fuse     ", path, settings);
+        const std::string mount = "/storage/" + card;
+        answer.standardOutput += mount + "\n" + dfOf("/dev/fuse     ", mount, settings);
     }
     return answer;
 }
@@ -375,7 +374,7 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
                 pipeline[1].words[1] == "-n" && isNumber(pipeline[1].words[2]);
     } else if (pipeline.size() == 1) {
         known = (name == "getprop" && words == Words{"getprop", "ro.product.model"}) ||
-                (name == "df" && words.size() == 2 && has(1, "/data")) ||
+                (name == "df" && words.size() == 2 && (has(1, "/sdcard") || has(1, "/data"))) ||
                 (name == "ls" && words.size() == 3 && (has(1, "-la") || has(1, "-lab"))) ||
                 (name == "tail" && words.size() == 4 && has(1, "-c") && words[2].rfind('+', 0) == 0 &&
                  isNumber(words[2].substr(1))) ||
@@ -395,7 +394,7 @@ Answer runShellCommand(const std::vector<ShellPipeline> &line, const PhoneFiles 
     if (words[0] == "getprop")
         answer.standardOutput = settings.model + "\n";
     else if (words[0] == "df")
-        answer = df(words, settings);
+        answer = df(words[1], line.size() == 3, settings);
     else if (words[0] == "ls")
         answer = ls(words, files, settings);
     else if (words[0] == "find")

@@ -257,9 +257,14 @@ TEST(ADBDeviceTests, theFirstPhoneThatIsReady) {
     EXPECT_EQ(*ADBClient::listDeviceSerials(), (QStringList{u"B2"_s, u"C3"_s}));
 }
 
-TEST(ADBDeviceTests, storageOfTheDataPartitionWhereSharedStorageCannotBeRead) {
-    const ScriptedADB adb("[ \"$5\" = /data ] && echo '/dev/block 200 100 100 50% /data' || exit 1");
-    EXPECT_EQ(ADBClient::fetchStorage(u"x"_s)->shared, (ADBClient::StorageBytes{102'400, 204'800}));
+TEST(ADBDeviceTests, storageIsAskedMorePlainlyWhereItCannotBeRead) {
+    for (const char *path : {"/sdcard", "/data"}) {
+        const ScriptedADB adb(QByteArray("[ \"$5\" = ") + path +
+                              " ] && echo '/dev/block 200 100 100 50% x' || exit 1");
+        const auto storage = ADBClient::fetchStorage(u"x"_s);
+        ASSERT_TRUE(storage) << path;
+        EXPECT_EQ(storage->shared, (ADBClient::StorageBytes{102'400, 204'800}));
+    }
 }
 
 namespace {

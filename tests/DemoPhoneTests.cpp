@@ -65,7 +65,7 @@ TEST(DemoPhoneShellTests, refusesEveryLineThatIsNotOneOfItsOwn) {
         EXPECT_THAT(run.err, StartsWith("demo phone: no such command: -s demo-phone shell")) << line;
     }
     for (const QStringList &arguments :
-         {QStringList{}, QStringList{u"version"_s}, onPhone({u"pull"_s, u"x"_s}),
+         {QStringList{}, QStringList{u"reboot"_s}, onPhone({u"pull"_s, u"x"_s}),
           onPhone({u"push"_s, u"-a"_s, u"b"_s, u"c"_s})})
         EXPECT_EQ(adb(arguments).exitStatus, 1) << qPrintable(arguments.join(u' '));
     EXPECT_EQ(QDir(phone.root()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{u"a.txt"_s});

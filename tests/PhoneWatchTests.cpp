@@ -268,7 +268,7 @@ TEST_F(PhoneWatchTests, theStorageIsAskedOnceAMinuteAndAfterCopies) {
     // One that does not say keeps what is known.
     phone.set(u"df.exit"_s, "1");
     timer().start(0);
-    ASSERT_TRUE(waitFor([&] { return asked(u"df"_s) == before + 4; })) << "of /sdcard and of /data";
+    ASSERT_TRUE(waitFor([&] { return asked(u"df"_s) == before + 5; })) << "of all, of /sdcard and of /data";
     ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
     EXPECT_EQ(state->device().usedBytes, 40'000'000'000);
     EXPECT_TRUE(state->device().isConnected);

@@ -79,10 +79,11 @@ ADBResult<AndroidDevice> fetchDevice(const QString &serial) {
 }
 
 ADBResult<PhoneStorage> fetchStorage(const QString &serial) {
-    // One question, since it is asked every minute: each card's path comes before what df says of it.
+    // One question, since it is asked every minute: each card's path comes before what df says of it. Where
+    // the phone makes nothing of that, the plain one.
     const QString all = QStringLiteral("/sdcard") % cardsCommand();
     QList<StorageCard> cards;
-    for (const QString &path : {all, QStringLiteral("/data")}) {
+    for (const QString &path : {all, QStringLiteral("/sdcard"), QStringLiteral("/data")}) {
         const auto answer = askShell(serial, QStringLiteral("df"), path);
         if (!answer && isSilent(answer.error()))
             return tl::make_unexpected(answer.error());

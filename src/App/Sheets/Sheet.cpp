@@ -51,6 +51,7 @@ Sheet::Sheet(const QString &name, int width, QWidget *window)
 
 Sheet::~Sheet() {
     hide(); // as long as it is one, to give the keyboard back
+    disconnect(qApp, nullptr, this, nullptr); // its fields may lose the keyboard with its window
 }
 
 QPushButton *Sheet::makeButton(const QString &title, const QString &objectName) {
