@@ -203,6 +203,8 @@ TEST(CopyErrors, areSaidInWords) {
         {"cannot write '/m/.v/a:b': File too large", u"This computer can’t write it: File too large"_s},
         {"/system/bin/sh: can't create /sdcard/a: Permission denied",
          u"The phone can’t write it: Permission denied"_s},
+        {"W: /system/bin/sh: /sdcard/a: create: No such file or directory",
+         u"The phone can’t write it: No such file or directory"_s},
         {"md5sum: /sdcard/a: Permission denied", u"The phone can’t read it: Permission denied"_s}};
     for (const auto &[error, words] : cases)
         EXPECT_EQ(explainedCopyError(QString::fromLatin1(error)), words);

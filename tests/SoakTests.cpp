@@ -146,7 +146,11 @@ protected:
     void plugAgain() {
         phone.plug();
         m_isUnplugged = false;
-        state->refreshDevice(AppState::Spinner::shown);
+        constexpr int soon = 50;
+        if (state->isRefreshingDevice()) // and may have seen it away: then nobody would look again
+            QTimer::singleShot(soon, state.get(), [this] { plugAgain(); });
+        else
+            state->refreshDevice(AppState::Spinner::shown);
     }
     void remove(QUuid id) {
         state->removeQueueItem(id);

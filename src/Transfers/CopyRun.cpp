@@ -306,7 +306,7 @@ private:
 
     /// What a tool or the shell of the phone says of the file is a line like those of adb.
     static ADBResult<QStringList> complaint(const ADBError &error) {
-        static const QRegularExpression spoken(QStringLiteral("\\A(tail|cat|md5sum|\\S*sh): "));
+        static const QRegularExpression spoken(QStringLiteral("\\A(W: )?(tail|cat|md5sum|\\S*sh): "));
         const QString text = error.errorDescription();
         if (spoken.match(text).hasMatch())
             return QStringList{text};
@@ -1147,8 +1147,10 @@ QString explainedCopyError(const QString &error) {
     if (error.contains(QLatin1String("remote open failed")) || error.startsWith(QLatin1String("tail: ")) ||
         error.startsWith(QLatin1String("md5sum: ")))
         return QStringLiteral("The phone can’t read it: ") + reason;
+    // It is the shell that opens the file for cat.
+    static const QRegularExpression shell(QStringLiteral("\\A(W: )?\\S*sh: .*create"));
     if (error.contains(QLatin1String("remote ")) || error.startsWith(QLatin1String("cat: ")) ||
-        error.contains(QLatin1String("sh: can't create ")))
+        shell.match(error).hasMatch())
         return QStringLiteral("The phone can’t write it: ") + reason;
     if (error.startsWith(QLatin1String("cannot create")) || error.startsWith(QLatin1String("cannot write")))
         return QStringLiteral("This computer can’t write it: ") + reason;
