@@ -272,6 +272,17 @@ TEST_F(PhoneWatchTests, theStorageIsAskedOnceAMinuteAndAfterCopies) {
     ASSERT_TRUE(waitFor([&] { return timer().isActive(); }));
     EXPECT_EQ(state->device().usedBytes, 40'000'000'000);
     EXPECT_TRUE(state->device().isConnected);
+
+    phone.reset(u"df.exit"_s);
+    phone.set(u"df.delay"_s, "1");
+    const qsizetype asks = asked(u"df"_s);
+    timer().start(0);
+    ASSERT_TRUE(waitFor([&] { return asked(u"df"_s) > asks; }));
+    phone.unplug();
+    waitForPhone(none);
+    ASSERT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(state->device(), AndroidDevice()) << "the answer is of a phone that has left";
 }
 
 TEST_F(PhoneWatchTests, aCardIsBrowsedSearchedAndCopiedLikeTheRest) {
