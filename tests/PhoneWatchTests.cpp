@@ -152,9 +152,9 @@ TEST_F(PhoneWatchTests, thePhoneThatIsShownStaysShownWhileItIsReady) {
         watch().show(next);
         ASSERT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
         EXPECT_EQ(state->device().id, next);
-        EXPECT_NE(state->device().usedBytes, 1000) << "of the other one";
+        EXPECT_NE(state->device().usedBytes, 1'024'000) << "of the other one";
     };
-    phone.set(u"storage-used"_s, "1000");
+    phone.set(u"storage-used"_s, "1024000");
     chooseWhile(u"df"_s, u"A1"_s, [&] { watch().refreshStorage(); });
     chooseWhile(u"getprop"_s, u"A1"_s, [&] { watch().show(DemoPhone::serial()); });
     watch().show(DemoPhone::serial());
