@@ -1019,7 +1019,7 @@ TEST_F(DualBrowserTests, keysActOnTheFocusedPane) {
     clickEntry(android(), 0);
     EXPECT_EQ(state->focusedBrowserSide(), BrowserSide::android);
     EXPECT_EQ(selectedAfter(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier), Counts(2, 2));
-    EXPECT_EQ(selectedAfter(Qt::Key_Return), Counts(2, 2)) << "other keys pass";
+    EXPECT_EQ(selectedAfter(Qt::Key_Delete), Counts(2, 2)) << "other keys pass";
     control<QWidget>(mac(), u"refresh"_s)->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(selectedAfter(Qt::Key_Escape), Counts(2, 0)) << "however the keyboard came there";
     control<QWidget>(android(), u"back"_s)->setFocus(Qt::TabFocusReason);

@@ -55,7 +55,8 @@ struct ComparedFile {
 struct Comparison {
     enum class Outcome { same, different, unreadable, unavailable };
     Outcome outcome = Outcome::different;
-    QString reason = {}; ///< of what is unreadable
+    QString reason = {};    ///< of what is unreadable
+    QString complaint = {}; ///< of the phone's tool, where that could not read it
 };
 
 bool isSameContent(const TreeEntry &there, qint64 sizeBytes, qint64 modified) {
@@ -300,6 +301,8 @@ private:
         const auto compared = compare({comparedFile(m_batch.first(), staged)}, Arrival::staged);
         if (!compared)
             return tl::make_unexpected(compared.error());
+        if (const QString &complaint = compared->first().complaint; !complaint.isEmpty())
+            return tl::make_unexpected(ADBError::executionFailed(complaint));
         m_isBatchCompared = compared->first().outcome == Comparison::Outcome::same;
         return m_isBatchCompared;
     }
@@ -636,8 +639,9 @@ private:
             if (there->isUnavailable)
                 compared.append({Outcome::unavailable});
             else if (sum.isEmpty())
-                compared.append(
-                    {Outcome::unreadable, QStringLiteral("The phone can’t read it: ") + there->complaint});
+                compared.append({Outcome::unreadable,
+                                 QStringLiteral("The phone can’t read it: ") + there->complaint,
+                                 QStringLiteral("md5sum: ") + there->complaint});
             else if (!here.at(i))
                 compared.append({Outcome::unreadable, QStringLiteral("This computer can’t read it.")});
             else
