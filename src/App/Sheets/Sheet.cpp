@@ -50,7 +50,7 @@ Sheet::Sheet(const QString &name, int width, QWidget *window)
 }
 
 Sheet::~Sheet() {
-    hide(); // as long as it is one, to give the keyboard back
+    hide();                                   // as long as it is one, to give the keyboard back
     disconnect(qApp, nullptr, this, nullptr); // its fields may lose the keyboard with its window
 }
 
