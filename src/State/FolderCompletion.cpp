@@ -7,22 +7,29 @@
 
 namespace vantrel {
 
-QCoro::Task<QStringList> folderPathsIn(AppState &state, BrowserSide side, QString folder) {
-    QList<FileItem> items;
-    if (side == BrowserSide::mac) {
-        auto listing = co_await Background::run(&state, &MacFileClient::listDirectory, folder);
-        items = std::move(listing).value_or(QList<FileItem>());
-    } else if (state.device().isConnected) {
-        const QString serial = state.device().id;
-        auto listing = co_await Background::run(&state, &ADBClient::listDirectory, serial, folder);
-        items = std::move(listing).value_or(ADBClient::Listing());
-    }
+namespace {
+
+QStringList folderPaths(const QList<FileItem> &items) {
     QStringList paths;
-    for (const FileItem &item : std::as_const(items)) {
+    for (const FileItem &item : items) {
         if (item.isDirectory && item.isNameExact)
             paths.append(item.path);
     }
-    co_return paths;
+    return paths;
+}
+
+} // namespace
+
+QCoro::Task<QStringList> folderPathsIn(AppState &state, BrowserSide side, QString folder) {
+    if (side == BrowserSide::mac) {
+        const auto listing = co_await Background::run(&state, &MacFileClient::listDirectory, folder);
+        co_return listing ? folderPaths(*listing) : QStringList();
+    }
+    if (!state.device().isConnected)
+        co_return QStringList();
+    const QString serial = state.device().id;
+    const auto listing = co_await Background::run(&state, &ADBClient::listDirectory, serial, folder);
+    co_return listing ? folderPaths(*listing) : QStringList();
 }
 
 } // namespace vantrel
