@@ -107,7 +107,7 @@ void FileItemsView::paintEvent(QPaintEvent *event) {
     QPainter painter(viewport());
     if (m_dropTarget.isValid())
         paintCard(painter, QRectF(visualRect(m_dropTarget)).adjusted(1, 1, -1, -1), m_delegate->focusRadius(),
-                  {}, AppTheme::accent(), 2);
+                  Qt::transparent, AppTheme::accent(), 2);
     if (!m_showsFocus || !hasFocus())
         return;
     const QModelIndex current = focusedIndex();

@@ -513,9 +513,8 @@ void FilePaneView::paintEvent(QPaintEvent *) {
     tint(m_header, 0.65);
     tint(m_footer, 0.55);
     painter.setClipping(false);
-    const bool isTarget = !m_dropText.isEmpty();
     paintCard(painter, rect(), cornerRadius, Qt::transparent,
-              isTarget ? AppTheme::accent() : AppTheme::paneStroke(), isTarget ? 2 : border);
+              m_dropText.isEmpty() ? AppTheme::paneStroke() : AppTheme::accent());
 }
 
 } // namespace vantrel

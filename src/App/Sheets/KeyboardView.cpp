@@ -13,8 +13,9 @@ namespace vantrel {
 
 namespace {
 
-constexpr int viewWidth = 620;
-constexpr int keysWidth = 230;
+constexpr int viewWidth = 680;
+constexpr int keysWidth = 270;
+constexpr int groupHeight = 30; // with the room above the group
 
 TextLabel *label(const QString &text, const TextStyle &style, const ThemeColor &color) {
     auto *made = new TextLabel(style, color);
@@ -27,7 +28,7 @@ TextLabel *label(const QString &text, const TextStyle &style, const ThemeColor &
 KeyboardView::KeyboardView(QWidget *window) : Sheet(QStringLiteral("Keyboard"), viewWidth, window) {
     setObjectName(QStringLiteral("keyboard"));
     auto *rows = new QGridLayout;
-    rows->setContentsMargins(24, 18, 24, 18);
+    rows->setContentsMargins(24, 8, 24, 18);
     rows->setHorizontalSpacing(16);
     rows->setVerticalSpacing(3);
     rows->setColumnMinimumWidth(0, keysWidth);
@@ -37,8 +38,8 @@ KeyboardView::KeyboardView(QWidget *window) : Sheet(QStringLiteral("Keyboard"), 
         const int row = rows->rowCount();
         if (std::exchange(group, entry.group) != entry.group) {
             auto *title = label(group, {11, Weight::semibold}, AppTheme::inkTertiary());
-            title->setContentsMargins(0, row > 1 ? 10 : 0, 0, 2);
-            rows->addWidget(title, row, 0, 1, 2);
+            rows->setRowMinimumHeight(row, groupHeight);
+            rows->addWidget(title, row, 0, 1, 2, Qt::AlignBottom);
         }
         rows->addWidget(label(entry.title(), {12, Weight::semibold}, AppTheme::ink()), row + 1, 0);
         rows->addWidget(label(entry.does, {12, Weight::medium}, AppTheme::inkSecondary()), row + 1, 1);
