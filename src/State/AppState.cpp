@@ -71,9 +71,12 @@ AppState::~AppState() {
 /// Queues copies of the source pane's selected entries, as far as they are shown, for the other pane's
 /// folder.
 void AppState::transfer(TransferDirection direction) {
+    const auto serial = phoneForTransfer();
+    if (!serial)
+        return;
     const bool isPull = direction == TransferDirection::androidToMac;
     PaneState &source = isPull ? m_androidPane : m_macPane;
-    if (transfer(direction, source.selectedItems(), isPull ? macPath() : androidCurrentPath()))
+    if (transfer(direction, source.selectedItems(), isPull ? macPath() : androidCurrentPath(), *serial))
         source.clearSelection();
 }
 
@@ -81,11 +84,15 @@ PaneState &AppState::pane(BrowserSide side) {
     return side == BrowserSide::mac ? m_macPane : m_androidPane;
 }
 
-bool AppState::transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder) {
-    if (!connectedSerial()) {
+/// The phone that is shown; without one, says what is missing.
+std::optional<QString> AppState::phoneForTransfer() {
+    if (!connectedSerial())
         m_phones.setMessage(QStringLiteral("Connect an Android device to transfer."));
-        return false;
-    }
+    return connectedSerial();
+}
+
+bool AppState::transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder,
+                        const QString &serial) {
     QList<QueueItem> entries;
     QStringList nameless; // what these are called, adb cannot be told
     for (const FileItem &item : items) {
@@ -100,7 +107,7 @@ bool AppState::transfer(TransferDirection direction, const QList<FileItem> &item
                             direction,
                             {},
                             item.sizeBytes.value_or(0),
-                            *connectedSerial()});
+                            serial});
     }
     if (!nameless.isEmpty())
         pane(direction == TransferDirection::androidToMac ? BrowserSide::android : BrowserSide::mac)
@@ -117,8 +124,11 @@ bool AppState::transfer(TransferDirection direction, const QList<FileItem> &item
 }
 
 QCoro::Task<> AppState::transferToAndroid(QStringList paths, QString folder) {
+    const auto serial = phoneForTransfer();
+    if (!serial)
+        co_return;
     const auto items = co_await Background::run(this, &MacFileClient::entriesAt, paths);
-    transfer(TransferDirection::macToAndroid, items, folder);
+    transfer(TransferDirection::macToAndroid, items, folder, *serial);
 }
 
 std::optional<QString> AppState::connectedSerial() const {

@@ -56,9 +56,7 @@ public:
     // -- The phone pane
     [[nodiscard]] bool isLoadingAndroid() const { return m_androidPane.isLoading(); }
     [[nodiscard]] bool isOpeningAndroidFile() const { return m_isOpeningAndroidFile; }
-    [[nodiscard]] const std::optional<QString> &androidBrowseError() const {
-        return m_androidPane.browseError();
-    }
+    [[nodiscard]] const auto &androidBrowseError() const { return m_androidPane.browseError(); }
     [[nodiscard]] const QString &androidCurrentPath() const { return m_androidPane.path(); }
     [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments.value(); }
     [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidPane.items(); }
@@ -119,8 +117,9 @@ public:
     /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
     void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
     void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }
-    /// Queues copies of one side's entries into a folder of the other. Whether it took any.
-    bool transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder);
+    /// Queues copies between the phone and this computer, into a folder there or here. Whether it took any.
+    bool transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder,
+                  const QString &serial);
     /// The same for files of this computer that come from elsewhere, by their paths.
     QCoro::Task<> transferToAndroid(QStringList paths, QString folder);
     /// Removes one entry; a copy that runs for it is stopped and leaves nothing behind.
@@ -165,6 +164,7 @@ Q_SIGNALS:
 private:
     void forwardSignals();
     void transfer(TransferDirection direction);
+    [[nodiscard]] std::optional<QString> phoneForTransfer();
     QCoro::Task<> openPhone();
     QCoro::Task<> leaveGoneCard();
     void showAvailable(std::optional<qint64> bytes);

@@ -38,9 +38,11 @@ void BrowserPane::focusSide() const {
 
 void BrowserPane::take(const QMimeData &dragged, const QString &folder) {
     const bool isPhone = m_state.side() == BrowserSide::android;
-    if (const auto *own = qobject_cast<const DraggedEntries *>(&dragged))
-        m_app->transfer(isPhone ? TransferDirection::macToAndroid : TransferDirection::androidToMac,
-                        own->items(), folder);
+    const auto *own = qobject_cast<const DraggedEntries *>(&dragged);
+    if (own && isPhone)
+        m_app->transfer(TransferDirection::macToAndroid, own->items(), folder, m_app->device().id);
+    else if (own) // another phone may be shown by now
+        m_app->transfer(TransferDirection::androidToMac, own->items(), folder, own->serial());
     else if (isPhone)
         m_app->transferToAndroid(draggedPaths(dragged), folder);
 }
@@ -70,8 +72,9 @@ void BrowserPane::render() {
                       m_state.setOrder(order);
                   }};
     pane.onDrag = [this](const FileItem &item) {
-        dragEntries(m_view, m_state.side(),
-                    m_state.selectedIDs().contains(item.id) ? m_state.selectedItems() : QList{item});
+        const bool isOfMany = m_state.selectedIDs().contains(item.id);
+        dragEntries(m_view, new DraggedEntries(m_state.side(), m_app->device().id,
+                                               isOfMany ? m_state.selectedItems() : QList{item}));
     };
     pane.dropCount = [this](const QMimeData &dragged) {
         return m_app->device().isConnected ? draggedCount(dragged, m_state.side()) : 0;

@@ -45,8 +45,8 @@ QPixmap pictureOf(const QList<FileItem> &items, double pixelRatio) {
 
 } // namespace
 
-DraggedEntries::DraggedEntries(BrowserSide side, const QList<FileItem> &items)
-    : m_side(side), m_items(items) {
+DraggedEntries::DraggedEntries(BrowserSide side, const QString &serial, const QList<FileItem> &items)
+    : m_side(side), m_serial(serial), m_items(items) {
     if (side == BrowserSide::android)
         return; // only this program reaches them
     QList<QUrl> urls;
@@ -70,10 +70,10 @@ qsizetype draggedCount(const QMimeData &data, BrowserSide to) {
     return to == BrowserSide::android ? draggedPaths(data).size() : 0;
 }
 
-void dragEntries(QWidget *from, BrowserSide side, const QList<FileItem> &items) {
+void dragEntries(QWidget *from, DraggedEntries *entries) {
     auto *drag = new QDrag(from); // which Qt deletes
-    drag->setMimeData(new DraggedEntries(side, items));
-    drag->setPixmap(pictureOf(items, from->devicePixelRatioF()));
+    drag->setMimeData(entries);
+    drag->setPixmap(pictureOf(entries->items(), from->devicePixelRatioF()));
     drag->setHotSpot({-12, -8}); // beside the pointer, which shows what a drop would do
     drag->exec(Qt::CopyAction);
 }

@@ -16,13 +16,16 @@ class DraggedEntries : public QMimeData {
     Q_OBJECT
 
 public:
-    DraggedEntries(BrowserSide side, const QList<FileItem> &items);
+    /// `serial` is that of the phone which is shown, and which entries of the phone's side are on.
+    DraggedEntries(BrowserSide side, const QString &serial, const QList<FileItem> &items);
 
     [[nodiscard]] BrowserSide side() const { return m_side; }
+    [[nodiscard]] const QString &serial() const { return m_serial; }
     [[nodiscard]] const QList<FileItem> &items() const { return m_items; }
 
 private:
     BrowserSide m_side;
+    QString m_serial;
     QList<FileItem> m_items;
 };
 
@@ -32,8 +35,8 @@ private:
 /// The local paths of what comes from another program.
 [[nodiscard]] QStringList draggedPaths(const QMimeData &data);
 
-/// Drags the entries away from the widget, with a picture that says what they are; returns when they were
-/// dropped.
-void dragEntries(QWidget *from, BrowserSide side, const QList<FileItem> &items);
+/// Drags the entries, which are deleted afterwards, away from the widget, with a picture that says what they
+/// are; returns when they were dropped.
+void dragEntries(QWidget *from, DraggedEntries *entries);
 
 } // namespace vantrel

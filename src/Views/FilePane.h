@@ -64,7 +64,7 @@ struct FilePane {
     bool showsOpenContextMenu = false;                  ///< an entry offers "Open" alone
     std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
     std::function<void(const FileItem &)> onDrag = {};  ///< absent: entries cannot be dragged
-    /// How many entries a drop of this would copy here; none refuses it. Absent, as onDrop is: all are.
+    /// How many entries a drop of this would copy here; with none it is refused. Absent: every drop is.
     std::function<qsizetype(const QMimeData &)> dropCount = {};
     /// Something that dropCount() takes was dropped, on the folder of this path.
     std::function<void(const QMimeData &, const QString &folder)> onDrop = {};

@@ -42,6 +42,20 @@ private:
     bool m_hasSeen = false;
 };
 
+namespace {
+
+/// Opens a sheet of this kind, unless one is open or will be when another sheet is closed.
+template <class View, class... Arguments>
+void openOnce(QWidget *window, Arguments &...arguments) {
+    if (window->findChild<View *>())
+        return;
+    auto *view = new View(window, arguments...);
+    view->setAttribute(Qt::WA_DeleteOnClose);
+    view->open();
+}
+
+} // namespace
+
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
       m_state(AppState::designPreview(desktop)),
@@ -132,27 +146,15 @@ void MainWindow::followDesktop(ColorScheme preferred) {
 }
 
 void MainWindow::showAbout() {
-    if (findChild<AboutView *>())
-        return; // it is open, or will be when another sheet is closed
-    auto *about = new AboutView(this);
-    about->setAttribute(Qt::WA_DeleteOnClose);
-    about->open();
+    openOnce<AboutView>(this);
 }
 
 void MainWindow::showKeyboard() {
-    if (findChild<KeyboardView *>())
-        return;
-    auto *keyboard = new KeyboardView(this);
-    keyboard->setAttribute(Qt::WA_DeleteOnClose);
-    keyboard->open();
+    openOnce<KeyboardView>(this);
 }
 
 void MainWindow::showWireless() {
-    if (findChild<WirelessView *>())
-        return;
-    auto *view = new WirelessView(this, *m_wireless);
-    view->setAttribute(Qt::WA_DeleteOnClose);
-    view->open();
+    openOnce<WirelessView>(this, *m_wireless);
 }
 
 bool MainWindow::event(QEvent *event) {
