@@ -5,9 +5,9 @@ say() { printf '\n== %s\n' "$*"; }
 # What a Debian 12 needs, and what Homebrew calls the same.
 debian_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-svg-dev libgl1-mesa-dev libxcb1-dev
               libfontconfig-dev qcoro-qt6-dev libexpected-dev libbenchmark-dev adb fonts-inter
-              fonts-noto-color-emoji xdg-utils"
+              fonts-noto-color-emoji xdg-utils qt6-base-private-dev"
 debian_test="libgtest-dev libgmock-dev desktop-file-utils appstream dpkg-dev file gzip man-db weston qt6-wayland xvfb
-             qt6-base-private-dev dbus-daemon"
+             dbus-daemon"
 debian_bench="python3 xvfb"
 debian_coverage="gcovr"
 debian_fuzz="clang-14 libclang-rt-14-dev"

@@ -36,6 +36,7 @@ public:
             return std::nullopt;
         return QRectF(12 + 24 * static_cast<int>(button), 14, 24, 24);
     }
+    QRectF endOfBand() const override { return {windowFrame.width() - 190.0, 0, 190, 52}; }
     bool isOverControl(QPointF position) const override { return control.contains(position); }
     bool isZoomed() const override { return zoomed; }
     bool isFullScreen() const override { return fullScreen; }
@@ -344,6 +345,69 @@ TEST_F(WindowChromeTests, zoomsByDoubleClickAndByButton) {
     bringToFront(&window, {});
     EXPECT_FALSE(window.isMinimized());
     EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(WindowChromeTests, buttonsStandWhereTheDesktopHasThem) {
+    // What the desktop says, and what is seen from left to right: the title, the toolbar and the buttons.
+    const struct {
+        QString layout;
+        Qt::LayoutDirection direction;
+        QStringList seen;
+    } cases[] = {
+        {u"appmenu:minimize,maximize,close"_s,
+         Qt::LeftToRight,
+         {u"title"_s, u"tool"_s, u"minimise"_s, u"zoom"_s, u"close"_s}},
+        {u"appmenu:close"_s, Qt::LeftToRight, {u"title"_s, u"tool"_s, u"close"_s}},
+        {u"appmenu:close"_s, Qt::RightToLeft, {u"close"_s, u"tool"_s, u"title"_s}},
+        {u"close,close,spacer : icon, maximize"_s,
+         Qt::LeftToRight,
+         {u"close"_s, u"title"_s, u"tool"_s, u"zoom"_s}},
+        {u":"_s, Qt::LeftToRight, {u"title"_s, u"tool"_s}},
+        {u"close,minimize,maximize:"_s,
+         Qt::LeftToRight,
+         {u"close"_s, u"minimise"_s, u"zoom"_s, u"title"_s, u"tool"_s}},
+        {u"close,minimize,maximize:"_s,
+         Qt::RightToLeft,
+         {u"tool"_s, u"title"_s, u"zoom"_s, u"minimise"_s, u"close"_s}},
+    };
+    tool->setObjectName(u"tool"_s);
+    tool->setFixedWidth(60);
+    for (const auto &[layout, direction, seen] : cases) {
+        SCOPED_TRACE(layout.toStdString());
+        QApplication::setLayoutDirection(direction);
+        chrome.titleBar()->setButtonLayout(layout);
+        QTest::qWait(0);
+        QMap<int, QString> shown;
+        for (const QWidget *part : chrome.titleBar()->findChildren<QWidget *>())
+            if (part->isVisible())
+                shown.insert(
+                    part->x(),
+                    part->objectName().replace(u"windowTitle"_s, u"window.title"_s).section(u'.', -1));
+        EXPECT_EQ(shown.values(), seen);
+        const bool isMirrored = direction == Qt::RightToLeft;
+        const QRect before = window.geometry();
+        const int beforeToolbar = tool->mapTo(&window, QPoint(isMirrored ? 175 : 60 - 175, 0)).x();
+        drag({beforeToolbar, 26}, {30, 20});
+        EXPECT_EQ(window.geometry(), before) << "the toolbar's part";
+        drag({beforeToolbar + (isMirrored ? 60 : -60), 26}, {30, 20});
+        EXPECT_EQ(window.geometry(), before.translated(30, 20));
+    }
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+}
+
+TEST_F(WindowChromeTests, aDoubleClickIsAsLongAsTheDesktopSays) {
+    const int before = QApplication::doubleClickInterval();
+    for (const auto &[interval, isOne] : {std::pair(5000, true), {100, false}}) {
+        QApplication::setDoubleClickInterval(interval);
+        for (int time = 0; time < 2; ++time) // half a second apart, as the toolkit's test clock has it
+            QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, {250, 26});
+        QCoreApplication::processEvents();
+        EXPECT_EQ(window.isMaximized(), isOne) << interval;
+        window.showNormal();
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {},
+                          {250, 200}); // is no part of the next one
+    }
+    QApplication::setDoubleClickInterval(before);
 }
 
 TEST_F(WindowChromeTests, aRightClickInTheBandOpensTheWindowsMenu) {

@@ -133,33 +133,56 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
 
     const QString appearance = u"org.freedesktop.appearance"_s;
     const QString gnome = u"org.gnome.desktop.interface"_s;
+    const QString gnomeHelp = u"org.gnome.desktop.a11y.interface"_s;
+    const QString windows = u"org.gnome.desktop.wm.preferences"_s;
+    const QString mouse = u"org.gnome.desktop.peripherals.mouse"_s;
     const QString name = u"color-scheme"_s;
-    using enum ColorScheme;
-    using Schemes = QList<ColorScheme>;
-    // What the portal answers, and what is heard of it: the answer, then the change.
-    const std::tuple<std::optional<Groups>, Schemes, QList<bool>> cases[] = {
-        {{{{appearance, {{name, 1U}}}}}, {dark, dark}, {}},
-        {{{{appearance, {{name, 2U}}}}}, {light, dark}, {}},
-        {{{{appearance, {{name, u"dark"_s}}}}}, {light, dark}, {}},
-        {{{{gnome, {{u"enable-animations"_s, false}}}}}, {dark}, {true}},
+    const QString scale = u"text-scaling-factor"_s;
+    const QString layout = u"button-layout"_s;
+    // What the portal answers, and what is heard of it; then comes the change.
+    const std::pair<std::optional<Groups>, QStringList> cases[] = {
+        {{{{appearance, {{name, 1U}}}}}, {u"dark"_s}},
+        {{{{appearance, {{name, 2U}}}}}, {u"light"_s}},
+        {{{{appearance, {{name, u"dark"_s}}}}}, {u"light"_s}},
+        {{{{gnome, {{u"enable-animations"_s, false}}}}}, {u"less motion"_s}},
         {{{{gnome, {{u"enable-animations"_s, false}}}, {appearance, {{u"reduced-motion"_s, 0U}}}}},
-         {dark},
-         {true, false}},
-        {{{{u"org.other"_s, {{name, 2U}}}}}, {dark}, {}},
-        {std::nullopt, {dark}, {}},
+         {u"less motion"_s, u"motion"_s}},
+        {{{{gnomeHelp, {{u"high-contrast"_s, true}}}}}, {u"contrast"_s}},
+        {{{{gnomeHelp, {{u"high-contrast"_s, true}}}, {appearance, {{u"contrast"_s, 0U}}}}},
+         {u"contrast"_s, u"usual contrast"_s}},
+        {{{{appearance, {{u"contrast"_s, 1U}}}}}, {u"contrast"_s}},
+        {{{{gnome, {{scale, 1.25}}}}}, {u"texts 1.25"_s}},
+        {{{{gnome, {{scale, 0.0}}}}}, {}},
+        {{{{gnome, {{scale, u"large"_s}}}}}, {}},
+        {{{{windows, {{layout, u"close:"_s}}}}}, {u"buttons close:"_s}},
+        {{{{windows, {{layout, 7}}}}}, {}},
+        {{{{mouse, {{u"double-click"_s, 650}}}}}, {u"double-click 650"_s}},
+        {{{{mouse, {{u"double-click"_s, -1}}}}}, {}},
+        {{{{u"org.other"_s, {{name, 2U}}}}}, {}},
+        {std::nullopt, {}},
     };
-    for (const auto &[settings, schemes, motions] : cases) {
+    for (const auto &[settings, expected] : cases) {
         answer = settings;
         DesktopPreferences preferences(bus);
-        Schemes heardSchemes;
-        QList<bool> heardMotions;
-        QObject::connect(&preferences, &DesktopPreferences::colorSchemePreferred,
-                         [&](auto scheme) { heardSchemes += scheme; });
-        QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred,
-                         [&](bool is) { heardMotions += is; });
-        EXPECT_TRUE(waitFor([&] { return heardSchemes.size() >= schemes.size(); }));
-        EXPECT_EQ(heardSchemes, schemes);
-        EXPECT_EQ(heardMotions, motions);
+        QStringList heard;
+        const auto hear = [&](auto signal, auto words) {
+            QObject::connect(&preferences, signal, &preferences,
+                             [&heard, words](auto value) { heard += words(value); });
+        };
+        hear(&DesktopPreferences::colorSchemePreferred,
+             [](ColorScheme scheme) { return scheme == ColorScheme::dark ? u"dark"_s : u"light"_s; });
+        hear(&DesktopPreferences::reducedMotionPreferred,
+             [](bool is) { return is ? u"less motion"_s : u"motion"_s; });
+        hear(&DesktopPreferences::contrastPreferred,
+             [](Contrast is) { return is == Contrast::high ? u"contrast"_s : u"usual contrast"_s; });
+        hear(&DesktopPreferences::textScalePreferred,
+             [](double factor) { return u"texts %1"_s.arg(factor); });
+        hear(&DesktopPreferences::titleButtonsPreferred,
+             [](const QString &buttons) -> QString { return u"buttons "_s + buttons; });
+        hear(&DesktopPreferences::doubleClickPreferred,
+             [](int interval) { return u"double-click %1"_s.arg(interval); });
+        EXPECT_TRUE(waitFor([&] { return heard.size() > expected.size(); }));
+        EXPECT_EQ(heard, expected + QStringList(u"dark"_s));
     }
     const DesktopPreferences nobodyToAsk{QDBusConnection(u"no such bus"_s)};
 }

@@ -332,6 +332,65 @@ TEST(ControlTests, everyKindRepaintsInTheNewColours) {
     AppTheme::setScheme(ColorScheme::light);
 }
 
+TEST(ThemeTests, highContrastMakesInksAndLinesStrong) {
+    // As WCAG counts it: 7 is its strictest demand on texts, 3 that on lines.
+    const auto brightness = [](const QColor &color) {
+        const auto linear = [](double part) {
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+               0.0722 * linear(color.blueF()) + 0.05;
+    };
+    const auto ratio = [&](const QColor &ink, const QColor &ground) {
+        QImage pixel(1, 1, QImage::Format_RGB32);
+        pixel.fill(ground);
+        QPainter(&pixel).fillRect(pixel.rect(), ink);
+        const auto [low, high] = std::minmax({brightness(pixel.pixelColor(0, 0)), brightness(ground)});
+        return high / low;
+    };
+    const struct {
+        ThemeColor color;
+        double least;
+    } colors[] = {{AppTheme::ink(), 7},        {AppTheme::inkSecondary(), 7}, {AppTheme::inkTertiary(), 7},
+                  {AppTheme::danger(), 4.5},   {AppTheme::stroke(), 3},       {AppTheme::strokeStrong(), 3},
+                  {AppTheme::paneStroke(), 3}, {AppTheme::focusRing(), 3}};
+    for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark}) {
+        AppTheme::setScheme(scheme);
+        for (const auto &[color, least] : colors) {
+            AppTheme::setContrast(Contrast::normal);
+            const QColor usual = color;
+            AppTheme::setContrast(Contrast::high);
+            EXPECT_NE(QColor(color), usual);
+            for (const ThemeColor &ground :
+                 {AppTheme::surface(), AppTheme::canvas(), AppTheme::sidebar(), AppTheme::titleBar()})
+                EXPECT_GE(ratio(color, ground), least) << QColor(color).name(QColor::HexArgb).toStdString();
+        }
+        AppTheme::setContrast(Contrast::normal);
+    }
+    AppTheme::setScheme(ColorScheme::light);
+}
+
+TEST(TextTests, appearAsLargeAsTheUserWants) {
+    constexpr TextStyle style{12.5, Weight::medium};
+    QLineEdit field;
+    setTextStyle(&field, {13});
+    TextLabel label(style, AppTheme::ink());
+    label.setText(u"Text"_s);
+    const double width = style.width(u"Text"_s);
+    for (const auto &[wanted, scale] :
+         {std::pair(1.25, 1.25), {1.5, 1.5}, {9.0, 2.0}, {0.1, 0.5}, {1.0, 1.0}}) {
+        AppStyle::setTextScale(wanted);
+        EXPECT_NEAR(style.width(u"Text"_s), scale * width, 0.1);
+        EXPECT_EQ(field.font().pixelSize(), qRound(13 * scale));
+        EXPECT_EQ(QApplication::font().pixelSize(), qRound(13 * scale));
+        EXPECT_EQ(label.sizeHint(), QSize(qCeil(scale * width) + 1, style.lineHeight()));
+        const QImage picture = painted({300, 80}, 1, [&](QPainter &painter) {
+            paintText(painter, {0, 0, 300, 80}, u"Text"_s, style, Qt::black);
+        });
+        EXPECT_NEAR(inkBounds(picture).width(), scale * width, 3) << scale;
+    }
+}
+
 TEST(ToolTipTests, areBesideTheirControlAndOverNoOther) {
     constexpr QRect window(0, 0, 800, 600);
     constexpr QSize tip(200, 24);

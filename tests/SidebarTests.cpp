@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 class SidebarTests : public WindowFixture {
 protected:
-    void showSidebar() { show(new SidebarView(state.get()), {SidebarView::columnWidth, 640}); }
+    void showSidebar() { show(new SidebarView(state.get()), {SidebarView::columnWidth(), 640}); }
     [[nodiscard]] QString text(const char *name) const {
         const auto *label = child<TextLabel>(name);
         return label->isVisible() ? label->text() : u"(hidden)"_s;

@@ -67,6 +67,11 @@ protected:
         Background::stop(&ADBClient::stopRunningTools);
     }
 
+    /// As large as it is for those who look at it: without the margin for its shadow.
+    [[nodiscard]] QSize seen() const {
+        const bool fills = window->isMaximized() || window->isFullScreen();
+        return window->size() - (fills ? QSize(0, 0) : QSize(48, 48));
+    }
     void zoomByButton() {
         auto *zoom = window->findChild<TitleBar *>()->button(WindowButton::zoom);
         zoom->click();
@@ -93,7 +98,7 @@ protected:
 };
 
 TEST_F(WaylandTests, zoomsAndReturnsInBothSchemes) {
-    const QSize normal = window->size();
+    const QSize normal = seen();
     const QSize screen = window->screen()->size();
     EXPECT_LE(normal.height(), screen.height()) << "the first size fits the screen";
     for (const ColorScheme scheme : {ColorScheme::dark, ColorScheme::light}) {
@@ -101,9 +106,9 @@ TEST_F(WaylandTests, zoomsAndReturnsInBothSchemes) {
         const std::function<void()> acts[] = {[&] { zoomByButton(); }, [&] { doubleClickTitleBar(); }};
         for (const auto &act : acts) {
             act();
-            EXPECT_TRUE(becomes([&] { return window->isMaximized() && window->width() == screen.width(); }));
+            EXPECT_TRUE(becomes([&] { return window->isMaximized() && seen().width() == screen.width(); }));
             act();
-            EXPECT_TRUE(becomes([&] { return !window->isMaximized() && window->size() == normal; }))
+            EXPECT_TRUE(becomes([&] { return !window->isMaximized() && seen() == normal; }))
                 << window->width() << " x " << window->height();
         }
     }
@@ -114,9 +119,9 @@ TEST_F(WaylandTests, yieldsToTheCompositorsSize) {
     // minimum.
     window->showMaximized();
     EXPECT_TRUE(becomes([&] { return window->isMaximized(); }));
-    EXPECT_LE(window->height(), window->screen()->size().height());
+    EXPECT_LE(seen().height(), window->screen()->size().height());
     window->showFullScreen();
-    EXPECT_TRUE(becomes([&] { return window->size() == window->screen()->size(); }));
+    EXPECT_TRUE(becomes([&] { return seen() == window->screen()->size(); }));
     window->showNormal();
     EXPECT_TRUE(becomes([&] { return !window->isFullScreen() && !window->isMaximized(); }));
 }
@@ -129,13 +134,37 @@ TEST_F(WaylandTests, opensZoomedAndReturnsToTheSizeItWasLeftWith) {
     window->show();
     EXPECT_TRUE(becomes([&] { return window->isFurnished() && window->isMaximized(); }));
     zoomByButton();
-    const QSize fitted = left.expandedTo(window->minimumSize());
-    EXPECT_TRUE(becomes([&] { return !window->isMaximized() && window->size() == fitted; }))
+    const QSize fitted = left.expandedTo(window->minimumSize() - QSize(48, 48));
+    EXPECT_TRUE(becomes([&] { return !window->isMaximized() && seen() == fitted; }))
         << window->width() << " x " << window->height();
     window->close();
     EXPECT_EQ(settings.windowGeometry(),
               (WindowGeometry{.size = fitted, .position = QPoint(-300, 9000), .isZoomed = false}))
         << "only the compositor knows a place";
+}
+
+TEST_F(WaylandTests, castsAShadowAroundItWhileItDoesNotFillTheScreen) {
+    const auto alphaAt = [&](int x, int y) {
+        QImage picture(window->size(), QImage::Format_ARGB32_Premultiplied);
+        picture.fill(Qt::transparent);
+        window->render(&picture, {}, {}, QWidget::DrawChildren);
+        return picture.pixelColor(x, y).alpha();
+    };
+    const int middle = window->height() / 2;
+    EXPECT_EQ(alphaAt(0, 0), 0);
+    EXPECT_GT(alphaAt(20, middle), 0);
+    EXPECT_LT(alphaAt(20, middle), 100);
+    EXPECT_EQ(alphaAt(24, middle), 255) << "here the window begins";
+    EXPECT_EQ(window->windowHandle()->mask().boundingRect(), window->rect().adjusted(14, 14, -14, -14))
+        << "the edges reach a little beyond it; farther out, what lies behind gets the mouse";
+    QTest::mouseMove(window->windowHandle(), {16, middle});
+    ASSERT_TRUE(QGuiApplication::overrideCursor());
+    EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::SizeHorCursor);
+    zoomByButton();
+    EXPECT_TRUE(becomes(
+        [&] { return window->isMaximized() && window->width() == window->screen()->size().width(); }));
+    EXPECT_EQ(alphaAt(0, middle), 255);
+    EXPECT_EQ(window->windowHandle()->mask().boundingRect(), window->rect());
 }
 
 TEST_F(WaylandTests, sheetsArePartOfTheWindow) {
@@ -146,7 +175,7 @@ TEST_F(WaylandTests, sheetsArePartOfTheWindow) {
     EXPECT_TRUE(becomes([&] { return card->y() > 0; }));
     EXPECT_EQ(QGuiApplication::topLevelWindows().size(), windows);
     zoomByButton();
-    EXPECT_TRUE(becomes([&] { return window->isMaximized() && about->width() == window->width(); }));
+    EXPECT_TRUE(becomes([&] { return window->isMaximized() && about->width() == seen().width(); }));
     EXPECT_TRUE(about->rect().contains(card->geometry()));
     const auto *close = about->findChild<QWidget *>(u"about.close"_s);
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},

@@ -8,7 +8,11 @@
 #include "App/System/QuitSignals.h"
 #include "App/Window/ContentView.h"
 #include "App/Window/ToolbarButton.h"
+#include "Kit/AppStyle.h"
+#include "Kit/IconButton.h"
+#include "Kit/Shapes.h"
 #include "Kit/TextLabel.h"
+#include "Views/FileItemsView.h"
 #include "Views/QueueListView.h"
 #include "Views/TransferQueueView.h"
 
@@ -407,6 +411,100 @@ TEST_F(ClosingTests, aSignalEndsItInGoodOrderAndAsksNobody) {
     Background::stop(&ADBClient::stopRunningTools);
     for (const processes::Child &child : processes::children())
         ADD_FAILURE() << child.commandLine.toStdString();
+}
+
+/// A window as people see it who have told the desktop how they read.
+class ReadingTests : public MainWindowTests {
+protected:
+    ~ReadingTests() override {
+        view.reset();
+        AppStyle::setTextScale(1);
+        QApplication::setLayoutDirection(Qt::LeftToRight);
+    }
+    /// With some files on either side, and copies that wait.
+    MainWindow *showFilled() {
+        phone.makeFolder(u"DCIM"_s);
+        phone.write(u"a.jpg"_s, QByteArray(3'000'000, 'x'));
+        MainWindow *window = showWindow();
+        EXPECT_TRUE(waitFor([&] { return !window->state().androidItems().isEmpty(); }));
+        phone.set(u"facts.hang"_s, "on");
+        for (const QString &name : {u"a"_s, u"b"_s})
+            window->state().transfers().enqueue({QueueItem{.id = QUuid::createUuid(),
+                                                           .name = name,
+                                                           .sourcePath = u"/sdcard/a.jpg"_s,
+                                                           .destinationPath = mac.filePath(name),
+                                                           .status = {},
+                                                           .serial = DemoPhone::serial()}});
+        settle();
+        return window;
+    }
+};
+
+TEST_F(ReadingTests, nothingIsCutWithLargeTexts) {
+    MainWindow *window = showFilled();
+    for (const double scale : {1.25, 1.5, 2.0}) {
+        AppStyle::setTextScale(scale);
+        settle();
+        const QSize least = window->minimumSizeHint();
+        EXPECT_EQ(least.boundedTo(window->minimumSize()), least) << scale;
+        for (const QSize &size : {MainWindow::standard, window->minimumSize()}) {
+            window->resize(size);
+            settle();
+            for (const QWidget *part : window->findChildren<QWidget *>()) {
+                const auto *label = qobject_cast<const TextLabel *>(part);
+                const auto *button = qobject_cast<const QAbstractButton *>(part);
+                if (!part->isVisible() || (!label && !button))
+                    continue;
+                const QString what = part->objectName() + u": "_s + (label ? label->text() : button->text());
+                EXPECT_GE(part->height(), part->sizeHint().height()) << scale << ' ' << what.toStdString();
+                if (label && label->objectName() != u"path"_s && // which is as long as the user has made it
+                    label->objectName() != u"sidebar.device.model"_s) {
+                    EXPECT_FALSE(label->isElided()) << scale << ' ' << what.toStdString();
+                }
+            }
+        }
+    }
+}
+
+TEST_F(ReadingTests, everythingIsMirroredForThoseWhoReadFromTheRight) {
+    MainWindow *window = showFilled();
+    const auto places = [&] {
+        QMap<QString, QRect> found;
+        for (const QWidget *part : window->findChildren<QWidget *>()) {
+            if (part->isVisible() && !part->objectName().isEmpty() &&
+                !part->objectName().startsWith(u"qt_"_s))
+                found.insert(part->parentWidget()->objectName() + u'/' + part->objectName(),
+                             {part->mapTo(window, QPoint()), part->size()});
+        }
+        for (const FileItemsView *entries : window->findChildren<FileItemsView *>()) {
+            for (int row = 0; entries->isVisible() && row < entries->model()->rowCount(); ++row)
+                found.insert(u"%1 %2"_s.arg(entries->mapTo(window, QPoint()).y()).arg(row),
+                             entries->visualRect(entries->model()->index(row, 0))
+                                 .translated(entries->viewport()->mapTo(window, QPoint())));
+        }
+        return found;
+    };
+    const auto symbolOf = [&](const char *name) { return child<IconButton>(name)->look().symbol.name; };
+    for (const PaneViewMode mode : allPaneViewModes) {
+        QApplication::setLayoutDirection(Qt::LeftToRight);
+        window->state().setAndroidViewMode(mode);
+        settle();
+        const QMap<QString, QRect> before = places();
+        EXPECT_GT(before.size(), 30);
+        EXPECT_EQ(symbolOf("transferToMac"), u"chevron.right"_s);
+        QApplication::setLayoutDirection(Qt::RightToLeft);
+        settle();
+        const QMap<QString, QRect> now = places();
+        EXPECT_EQ(now.keys(), before.keys());
+        for (auto each = before.cbegin(); each != before.cend(); ++each)
+            EXPECT_EQ(now.value(each.key()), inReadingDirection(each.value(), window->rect()))
+                << each.key().toStdString();
+    }
+    // The arrows point from where the files are to where they go.
+    window->state().selectAllVisible(BrowserSide::android);
+    settle();
+    EXPECT_EQ(symbolOf("transferToMac"), u"chevron.left"_s);
+    EXPECT_EQ(symbolOf("transferToAndroid"), u"chevron.right"_s);
 }
 
 TEST_F(MainWindowTests, aListIsThreeTabsFromTheTitleBar) {

@@ -20,6 +20,7 @@
 #include "Worker/Worker.h"
 
 #include <QApplication>
+#include <QLocale>
 
 #include <cstdio>
 
@@ -63,6 +64,10 @@ int main(int argc, char **argv) {
     if (isDone(parseCommandLine(QApplication::arguments(), UnknownArguments::refused)))
         return 2;
 
+    // The program has no translation that the toolkit could take the direction from.
+    if (QLocale::system().textDirection() == Qt::RightToLeft)
+        QApplication::setLayoutDirection(Qt::RightToLeft);
+
     SingleInstance instance(SingleInstance::userDirectory());
     if (instance.claim(activationToken) == SingleInstance::Role::second)
         return 0;
@@ -91,6 +96,14 @@ int main(int argc, char **argv) {
                          &MainWindow::followDesktop);
         QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred, &window,
                          &AppStyle::setReducedMotion);
+        QObject::connect(&preferences, &DesktopPreferences::contrastPreferred, &window,
+                         &AppTheme::setContrast);
+        QObject::connect(&preferences, &DesktopPreferences::textScalePreferred, &window,
+                         &AppStyle::setTextScale);
+        QObject::connect(&preferences, &DesktopPreferences::titleButtonsPreferred, &window,
+                         &MainWindow::setTitleButtons);
+        QObject::connect(&preferences, &DesktopPreferences::doubleClickPreferred, &window,
+                         &QApplication::setDoubleClickInterval);
         const CopyReports reports(&window, window.state(), QDBusConnection::sessionBus());
 #endif
         window.show();

@@ -127,13 +127,15 @@ QString title(const QStyleOptionButton &button) {
 
 QSize pushButtonSize(const QStyleOptionButton &button) {
     constexpr int minimumWidth = 84;
-    constexpr int height = 28;
+    constexpr int leastHeight = 28;
+    constexpr int aboveAndBelow = 5;
     constexpr int padding = 16;
     constexpr int margins = 2 * AppStyle::linkMargin;
     const TextStyle style = textStyle(button);
     const int textWidth = qCeil(style.width(title(button)));
     return isLink(button) ? QSize(textWidth + margins, style.lineHeight() + margins)
-                          : QSize(std::max(minimumWidth, textWidth + 2 * padding), height);
+                          : QSize(std::max(minimumWidth, textWidth + 2 * padding),
+                                  std::max(leastHeight, style.lineHeight() + 2 * aboveAndBelow));
 }
 
 void paintPushButton(QPainter &painter, const QStyleOptionButton &button) {
@@ -166,7 +168,7 @@ constexpr double menuRadius = 8;
 constexpr double menuItemRadius = 5;
 constexpr int menuItemPadding = 10;
 constexpr int tickWidth = 18;
-constexpr int menuItemHeight = 26;
+constexpr int leastMenuItemHeight = 26;
 constexpr int menuSeparatorHeight = 9;
 
 bool isPopUp(const QWidget *widget) {
@@ -219,17 +221,20 @@ void paintMenuItem(QPainter &painter, const QStyleOptionMenuItem &item, const QW
                                    : AppTheme::inkTertiary();
     QRectF text = rect.adjusted(menuItemPadding, 0, -menuItemPadding, 0);
     if (item.menuHasCheckableItems) {
+        const QRectF tick(text.left() - 5, rect.top(), tickWidth, rect.height());
         if (item.checked)
-            paintTick(painter, {text.left() + 4, rect.center().y()}, ink);
+            paintTick(painter, inReadingDirection(tick, rect).center(), ink);
         text.setLeft(text.left() + tickWidth);
     }
+    text = inReadingDirection(text, rect);
     const auto [title, keys] = menuTexts(item);
     paintText(painter, text, title, menuStyle(widget), ink);
     paintText(painter, text, keys, menuStyle(widget), isPointedAt ? ink : QColor(AppTheme::inkTertiary()),
               Qt::AlignRight | Qt::AlignVCenter);
-    if (item.menuItemType == QStyleOptionMenuItem::SubMenu)
-        Symbol{QStringLiteral("chevron.right"), 9, Weight::bold}.paint(
-            painter, QRectF(text.right() - menuItemPadding, rect.top(), menuItemPadding, rect.height()), ink);
+    if (item.menuItemType == QStyleOptionMenuItem::SubMenu) {
+        const QRectF end(rect.right() - 2 * menuItemPadding, rect.top(), menuItemPadding, rect.height());
+        Symbol{forwardChevron(), 9, Weight::bold}.paint(painter, inReadingDirection(end, rect), ink);
+    }
 }
 
 /// The place of a list that drops from a pop-up button: its texts lie over the button's, and are seen whole.
@@ -239,9 +244,17 @@ QRect popUpListRect(QRect rect, const QComboBox &button) {
         widest = std::max(widest, menuStyle(&button).width(button.itemText(i)));
     constexpr int beforeText = menuMargin + menuItemPadding + tickWidth;
     constexpr int buttonPadding = 8;
+    const int end = rect.right();
     rect.translate(buttonPadding - beforeText, 0);
     rect.setWidth(std::max(rect.width(), qCeil(widest) + 1 + beforeText + menuItemPadding + menuMargin));
+    if (QGuiApplication::isRightToLeft())
+        rect.moveRight(end + beforeText - buttonPadding);
     return rect;
+}
+
+void setFonts() {
+    QApplication::setFont(TextStyle{13}.font());
+    QToolTip::setFont(TextStyle{11.5, Weight::medium}.font()); // those of menus, which the toolkit shows
 }
 
 QSize menuItemSize(const QStyleOptionMenuItem &item, const QWidget *widget) {
@@ -252,7 +265,7 @@ QSize menuItemSize(const QStyleOptionMenuItem &item, const QWidget *widget) {
     const int text = qCeil(menuStyle(widget).width(title)) + 1;
     return {text + 2 * menuItemPadding + (item.menuHasCheckableItems ? tickWidth : 0) +
                 (keys.isEmpty() ? 0 : keysGap),
-            menuItemHeight};
+            std::max(leastMenuItemHeight, menuStyle(widget).lineHeight() + 8)};
 }
 
 } // namespace
@@ -262,15 +275,28 @@ AppStyle::AppStyle(std::chrono::milliseconds toolTipDelay)
 
 void AppStyle::install(QApplication &application, std::chrono::milliseconds toolTipDelay) {
     QApplication::setStyle(new AppStyle(toolTipDelay));
-    QApplication::setFont(TextStyle{13}.font());
+    setFonts();
     QApplication::setPalette(AppTheme::palette());
     ToolTips::install(application);
-    QToolTip::setFont(TextStyle{11.5, Weight::medium}.font()); // those of menus, which the toolkit shows
     QToolTip::setPalette({}); // the desktop's own would stay when the scheme changes
 }
 
 void AppStyle::setReducedMotion(bool reduced) {
     reducedMotion = reduced;
+}
+
+void AppStyle::setTextScale(double scale) {
+    const double before = textScale();
+    vantrel::setTextScale(scale);
+    if (textScale() == before)
+        return;
+    setFonts();
+    // A change too small for the toolkit's whole pixels is one for the texts that are painted here.
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (QWidget *widget : widgets) {
+        QEvent change(QEvent::FontChange);
+        QCoreApplication::sendEvent(widget, &change);
+    }
 }
 
 void AppStyle::polish(QWidget *widget) {

@@ -12,7 +12,8 @@ namespace vantrel {
 ///
 /// - a scroll bar is a slim thumb over the edge of the content, takes no width from it, and is there while
 ///   there is something to scroll;
-/// - a progress bar is a capsule filled from the left, one without a known end (a range of nothing) a circle
+/// - a progress bar is a capsule filled from where lines begin, one without a known end (a range of nothing)
+/// a circle
 ///   of spokes;
 /// - menus and pop-ups are cards of rows, with a tick beside what is chosen, round where the desktop blends
 ///   windows; a text field is a card whose line tells that it has the keyboard;
@@ -33,6 +34,9 @@ public:
 
     /// Whether things move at all; at first they do. Controls learn of it as SH_Widget_Animation_Duration.
     static void setReducedMotion(bool reduced);
+
+    /// How many times as large texts are to appear; every widget is told, and laid out anew.
+    static void setTextScale(double scale);
 
     void polish(QWidget *widget) override;
     using QProxyStyle::polish;

@@ -34,18 +34,24 @@ QSize PopUpButton::sizeHint() const {
     double widest = 0;
     for (int i = 0; i < count(); ++i)
         widest = std::max(widest, m_style.width(itemText(i)));
-    return {qCeil(widest + arrowGap + arrowWidth + 2 * inset) + 1, buttonHeight};
+    return {qCeil(widest + arrowGap + arrowWidth + 2 * inset) + 1, heightOfButton()};
+}
+
+int PopUpButton::heightOfButton() const {
+    constexpr int least = 22;
+    constexpr int aroundText = 6;
+    return std::max(least, m_style.lineHeight() + aroundText);
 }
 
 void PopUpButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     paintCard(painter, rect(), radius, AppTheme::canvas(), AppTheme::stroke());
     const QRectF inner = QRectF(rect()).adjusted(inset, 0, -inset, 0);
-    paintText(painter, inner.adjusted(0, 0, -arrowWidth - arrowGap, 0), shownText(), m_style,
-              AppTheme::inkSecondary());
-    Symbol{QStringLiteral("chevron.down"), 8, Weight::bold}.paint(
-        painter, QRectF(inner.right() - arrowWidth, inner.top(), arrowWidth, inner.height()),
-        AppTheme::inkTertiary());
+    paintText(painter, inReadingDirection(inner.adjusted(0, 0, -arrowWidth - arrowGap, 0), inner),
+              shownText(), m_style, AppTheme::inkSecondary());
+    const QRectF arrow(inner.right() - arrowWidth, inner.top(), arrowWidth, inner.height());
+    Symbol{QStringLiteral("chevron.down"), 8, Weight::bold}.paint(painter, inReadingDirection(arrow, inner),
+                                                                  AppTheme::inkTertiary());
     if (hasFocus())
         paintFocusRing(painter, rect(), radius);
 }

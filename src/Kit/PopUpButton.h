@@ -12,8 +12,6 @@ class PopUpButton : public QComboBox {
     Q_OBJECT
 
 public:
-    static constexpr int buttonHeight = 22; ///< layout pixels
-
     /// `name` is for assistive technology, which is told the chosen title as its value.
     PopUpButton(const QString &name, const TextStyle &style, QWidget *parent = nullptr);
 
@@ -23,6 +21,7 @@ public:
     void showPopup() override;
 
 protected:
+    [[nodiscard]] int heightOfButton() const;
     /// What it shows while the list is closed.
     [[nodiscard]] virtual QString shownText() const { return currentText(); }
 

@@ -2,8 +2,10 @@
 
 #include "Theme/AppTheme.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 #include <QPen>
+#include <QStyle>
 
 #include <cmath>
 #include <numbers>
@@ -30,6 +32,16 @@ Corner cornerOf(double radius, double longest) {
 }
 
 } // namespace
+
+QRectF inReadingDirection(const QRectF &part, const QRectF &whole) {
+    if (!QGuiApplication::isRightToLeft())
+        return part;
+    return {QPointF(whole.left() + whole.right() - part.right(), part.top()), part.size()};
+}
+
+QRect inReadingDirection(const QRect &part, const QRect &whole) {
+    return QStyle::visualRect(QGuiApplication::layoutDirection(), whole, part);
+}
 
 QPainterPath roundedRect(const QRectF &rect, double radius) {
     QPainterPath path;
@@ -133,11 +145,15 @@ void paintProgress(QPainter &painter, const QRectF &rect, double fraction, const
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     const QPainterPath whole = capsule(rect);
-    painter.fillPath(whole, track);
+    if (AppTheme::contrast() == Contrast::high) // a filled track would be as dark as what fills it
+        strokeInside(painter, rect, rect.height() / 2, track, hairline);
+    else
+        painter.fillPath(whole, track);
     // The first pixels of a fill are narrower than the track's round end and must not stick out of it.
     if (fraction > 0) {
         const QSizeF filled(rect.width() * qMin(fraction, 1.0), rect.height());
-        painter.fillPath(capsule(QRectF(rect.topLeft(), filled)).intersected(whole), fill);
+        const QRectF part = inReadingDirection(QRectF(rect.topLeft(), filled), rect);
+        painter.fillPath(capsule(part).intersected(whole), fill);
     }
     painter.restore();
 }

@@ -11,6 +11,10 @@ namespace vantrel {
 /// Line of a card or button: 1 layout pixel.
 inline constexpr double hairline = 1;
 
+/// A part of `whole` that is laid out for those who read from left to right, where it lies for the user.
+[[nodiscard]] QRectF inReadingDirection(const QRectF &part, const QRectF &whole);
+[[nodiscard]] QRect inReadingDirection(const QRect &part, const QRect &whole);
+
 /// A rectangle whose corners flow into its sides without the visible kink of a circular arc. The radius is
 /// limited to half the shorter side, where the corners become arcs: a square gives a circle, anything else a
 /// capsule.
@@ -33,8 +37,8 @@ void paintCard(QPainter &painter, const QRectF &rect, double radius, const QColo
 /// The soft shadow of a card that lies above others, as of light from above: no more than `reach` beyond it.
 void paintShadow(QPainter &painter, const QRectF &card, double radius, int reach);
 
-/// A capsule filled from the left: `fraction` of it, 0 to 1. Anything beyond is cut off; NaN, from a division
-/// by an unknown total, counts as nothing.
+/// A capsule filled from where lines begin: `fraction` of it, 0 to 1. Anything beyond is cut off; NaN, from a
+/// division by an unknown total, counts as nothing.
 void paintProgress(QPainter &painter, const QRectF &rect, double fraction, const QColor &fill,
                    const QColor &track);
 

@@ -3,6 +3,7 @@
 #include <QCache>
 #include <QColor>
 #include <QFile>
+#include <QGuiApplication>
 #include <QImage>
 #include <QMap>
 #include <QPainter>
@@ -82,6 +83,16 @@ QImage rendered(const CacheKey &key) {
 }
 
 } // namespace
+
+QString backChevron() {
+    return QGuiApplication::isRightToLeft() ? QStringLiteral("chevron.right")
+                                            : QStringLiteral("chevron.left");
+}
+
+QString forwardChevron() {
+    return QGuiApplication::isRightToLeft() ? QStringLiteral("chevron.left")
+                                            : QStringLiteral("chevron.right");
+}
 
 bool Symbol::exists(const QString &name) {
     return !name.isEmpty() && QFile::exists(fileOf(name));

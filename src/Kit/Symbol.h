@@ -34,4 +34,8 @@ struct Symbol {
     friend bool operator==(const Symbol &, const Symbol &) = default;
 };
 
+/// The names of the arrows that point to where lines begin, as going back does, and to where they end.
+[[nodiscard]] QString backChevron();
+[[nodiscard]] QString forwardChevron();
+
 } // namespace vantrel

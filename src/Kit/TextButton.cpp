@@ -3,6 +3,7 @@
 #include "Kit/TextStyle.h"
 #include "Theme/AppTheme.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace vantrel {
@@ -10,7 +11,7 @@ namespace vantrel {
 namespace {
 
 constexpr TextStyle titleStyle{11, Weight::semibold};
-constexpr int buttonHeight = 24;
+constexpr int leastHeight = 24;
 constexpr int padding = 4;
 
 } // namespace
@@ -19,11 +20,12 @@ TextButton::TextButton(const QString &title, const QString &help, QWidget *paren
     setText(title);
     setHelp(help);
     setRingRadius(4);
-    setFixedSize(TextButton::sizeHint());
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 QSize TextButton::sizeHint() const {
-    return {int(std::ceil(titleStyle.width(text()))) + 2 * padding, buttonHeight};
+    return {int(std::ceil(titleStyle.width(text()))) + 2 * padding,
+            std::max(leastHeight, titleStyle.lineHeight() + padding)};
 }
 
 void TextButton::paintContent(QPainter &painter) {

@@ -1,9 +1,14 @@
 #include "Kit/TextStyle.h"
 
+#include <QEvent>
 #include <QFontDatabase>
 #include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QLineEdit>
 #include <QPainter>
+#include <QStyle>
 #include <QTextLayout>
+#include <QWidget>
 
 namespace vantrel {
 
@@ -42,14 +47,37 @@ QFont styledFont(const TextStyle &style, int pixelSize) {
 /// of each weight to open, which is a good part of the time that the window needs to open.
 constexpr int layoutSize = 32;
 
+double currentScale = 1;
+
 QFont layoutFont(const TextStyle &style) {
     return styledFont(style, layoutSize);
 }
 
 /// What a length in layout pixels is multiplied with in the layout of a text.
 double enlargement(const TextStyle &style) {
-    return layoutSize / style.size;
+    return layoutSize / (style.size * currentScale);
 }
+
+/// Has the style's font put to a widget again when texts appear in another size.
+class FontKeeper : public QObject {
+public:
+    FontKeeper(QWidget *widget, const TextStyle &style) : QObject(widget), m_style(style) {
+        setObjectName(keeperName());
+        widget->setFont(style.font());
+        widget->installEventFilter(this);
+    }
+    static QString keeperName() { return QStringLiteral("fontKeeper"); }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (event->type() == QEvent::FontChange)
+            static_cast<QWidget *>(watched)->setFont(m_style.font()); // it ends when it is the same
+        return false;
+    }
+
+private:
+    TextStyle m_style;
+};
 
 /// Unicode's Bidi_Control characters. The marks among them change little, but two names that differ in one
 /// would look the same.
@@ -89,6 +117,7 @@ QString elided(const QString &safeText, const QFont &font, double available, Eli
 /// Where in a room of size `room` something of `size` begins.
 QPointF aligned(const QSizeF &size, const QSizeF &room, Qt::Alignment alignment) {
     const QSizeF free = room - size;
+    alignment = QStyle::visualAlignment(QGuiApplication::layoutDirection(), alignment);
     const auto share = [alignment](Qt::Alignment center, Qt::Alignment end) {
         return alignment & center ? 0.5 : alignment & end ? 1.0 : 0.0;
     };
@@ -104,8 +133,30 @@ QRectF clipFor(const QRectF &rect) {
 
 } // namespace
 
+double textScale() {
+    return currentScale;
+}
+
+void setTextScale(double scale) {
+    constexpr double least = 0.5;
+    constexpr double most = 2;
+    currentScale = qBound(least, scale, most);
+}
+
+int withTexts(double length) {
+    return qRound(length * currentScale);
+}
+
+void setTextStyle(QWidget *widget, const TextStyle &style) {
+    // The toolkit would have an empty field begin where the keyboard's letters do.
+    if (auto *field = qobject_cast<QLineEdit *>(widget); field && QGuiApplication::isRightToLeft())
+        field->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
+    delete widget->findChild<QObject *>(FontKeeper::keeperName(), Qt::FindDirectChildrenOnly);
+    new FontKeeper(widget, style);
+}
+
 QFont TextStyle::font() const {
-    return styledFont(*this, qRound(size));
+    return styledFont(*this, qRound(size * currentScale));
 }
 
 int TextStyle::lineHeight() const {

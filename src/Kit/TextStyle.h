@@ -7,6 +7,7 @@
 
 class QColor;
 class QPainter;
+class QWidget;
 
 namespace vantrel {
 
@@ -23,6 +24,14 @@ enum class FontDesign { standard, monospaced };
 /// Where the "…" goes when a line is too long.
 enum class Elision { end, middle };
 
+/// How many times as large as its style says a text appears, as the user has told the desktop; 1 at first.
+[[nodiscard]] double textScale();
+/// Within what the window has room for. AppStyle tells the widgets.
+void setTextScale(double scale);
+/// A length that is there for a text, such as a column's width, for texts as large as they appear; in whole
+/// layout pixels.
+[[nodiscard]] int withTexts(double length);
+
 /// How a text looks. All sizes are layout pixels; half pixels count.
 struct TextStyle {
     double size = 13;
@@ -30,7 +39,7 @@ struct TextStyle {
     FontDesign design = FontDesign::standard;
     double tracking = 0; ///< extra space after each letter
 
-    /// The font for what the toolkit draws itself, such as a text field: Inter where it is installed, else
+    /// The font for what the toolkit draws itself (see setTextStyle()): Inter where it is installed, else
     /// the system's; the system's fixed font when monospaced. The toolkit rounds its size to whole pixels, so
     /// views measure and paint with the functions below, which do not.
     [[nodiscard]] QFont font() const;
@@ -56,7 +65,12 @@ struct TextStyle {
 [[nodiscard]] QStringList wrappedLines(const QString &text, const TextStyle &style, double width,
                                        int maximumLines);
 
-/// Paints one line into `rect`, shortened when it is too long.
+/// Gives a widget of the toolkit's, such as a text field, the style's font, and keeps it as large as texts
+/// appear.
+void setTextStyle(QWidget *widget, const TextStyle &style);
+
+/// Paints one line into `rect`, shortened when it is too long. Left is where lines begin: on the right for
+/// those who read from there, unless the alignment is absolute.
 void paintText(QPainter &painter, const QRectF &rect, const QString &text, const TextStyle &style,
                const QColor &color, Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter,
                Elision elision = Elision::end);

@@ -9,16 +9,17 @@ namespace vantrel {
 
 namespace {
 ColorScheme currentScheme = ColorScheme::light;
+Contrast currentContrast = Contrast::normal;
 } // namespace
 
 ThemeColor::operator QColor() const {
-    return resolved(AppTheme::scheme());
+    return resolved(AppTheme::scheme(), AppTheme::contrast());
 }
 
 ThemeColor ThemeColor::withOpacity(double opacity) const {
     ThemeColor faded = *this;
-    faded.m_light.setAlphaF(m_light.alphaF() * float(opacity));
-    faded.m_dark.setAlphaF(m_dark.alphaF() * float(opacity));
+    for (QColor *color : {&faded.m_light, &faded.m_dark, &faded.m_strongLight, &faded.m_strongDark})
+        color->setAlphaF(color->alphaF() * float(opacity));
     return faded;
 }
 
@@ -28,6 +29,15 @@ ColorScheme AppTheme::scheme() {
 
 void AppTheme::setScheme(ColorScheme scheme) {
     if (std::exchange(currentScheme, scheme) != scheme)
+        QGuiApplication::setPalette(palette());
+}
+
+Contrast AppTheme::contrast() {
+    return currentContrast;
+}
+
+void AppTheme::setContrast(Contrast contrast) {
+    if (std::exchange(currentContrast, contrast) != contrast)
         QGuiApplication::setPalette(palette());
 }
 

@@ -1,6 +1,7 @@
 #include "Views/ColumnButton.h"
 
 #include "Kit/Accessibility.h"
+#include "Kit/Shapes.h"
 #include "Kit/TextStyle.h"
 
 #include <cmath>
@@ -73,13 +74,14 @@ void ColumnButton::paintContent(QPainter &painter) {
     const bool isRight = m_alignment.testFlag(Qt::AlignRight);
     const ThemeColor color = m_direction ? AppTheme::inkSecondary() : AppTheme::inkTertiary();
     const QRectF room = QRectF(rect()).adjusted(isRight ? arrowWidth : 0, 0, isRight ? 0 : -arrowWidth, 0);
-    paintText(painter, room, text(), titleStyle, color, m_alignment | Qt::AlignVCenter);
+    paintText(painter, inReadingDirection(room, rect()), text(), titleStyle, color,
+              m_alignment | Qt::AlignVCenter);
     if (!m_direction)
         return;
     const double width = std::min(titleStyle.width(text()), room.width());
     QRectF place(0, 0, arrowWidth, height());
     place.moveLeft(isRight ? room.right() - width - arrowWidth : room.left() + width);
-    arrow(*m_direction).paint(painter, place, color);
+    arrow(*m_direction).paint(painter, inReadingDirection(place, rect()), color);
 }
 
 } // namespace vantrel

@@ -65,7 +65,7 @@ QLayout *rowOfStep(const QString &text, int number) {
     constexpr TextStyle style{12, Weight::regular};
     auto *words = new TextLabel(style, AppTheme::inkSecondary());
     words->setText(text);
-    words->setMaximumLines(4);
+    words->setMaximumLines(textScale() > 1 ? 8 : 4); // of larger letters, a line holds fewer words
     if (number == 0) {
         words->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         return rowOf(0, {{words, 1}});
@@ -111,7 +111,7 @@ EmptinessView::EmptinessView(QWidget *parent)
     m_column->setAlignment(m_picture, Qt::AlignHCenter);
     m_column->setAlignment(m_button, Qt::AlignHCenter);
     auto *middle = new QWidget;
-    middle->setMaximumWidth(columnWidth);
+    middle->setMaximumWidth(withTexts(columnWidth));
     middle->setLayout(m_column);
     setLayout(rowOf(0, {BoxItem::room(), {middle, 1}, BoxItem::room()}, {20, 12, 20, 12}));
 }
@@ -141,7 +141,7 @@ void EmptinessView::arrange() {
     m_picture->hide();
     m_column->invalidate();
     const QMargins margins = layout()->contentsMargins();
-    const int width = qMin(columnWidth, this->width() - margins.left() - margins.right());
+    const int width = qMin(withTexts(columnWidth), this->width() - margins.left() - margins.right());
     const int words = m_column->totalHeightForWidth(width);
     m_picture->setVisible(words + pictureSize.height() <= height() - margins.top() - margins.bottom());
 }

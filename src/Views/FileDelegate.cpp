@@ -1,5 +1,6 @@
 #include "Views/FileDelegate.h"
 
+#include "Kit/Shapes.h"
 #include "Kit/TextStyle.h"
 #include "Kit/ToolTips.h"
 #include "Theme/AppTheme.h"
@@ -39,7 +40,7 @@ void FileRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     // Selected rows touch: no notch of the background between them where the divider is indented.
     if (shown.isSelected)
         painter->fillRect(line, AppTheme::accentSoft());
-    painter->fillRect(line.adjusted(dividerIndent, 0, 0, 0), AppTheme::stroke());
+    painter->fillRect(inReadingDirection(line.adjusted(dividerIndent, 0, 0, 0), line), AppTheme::stroke());
 }
 
 QSize FileRowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const {

@@ -39,6 +39,7 @@ FileGridCellGeometry::FileGridCellGeometry(const QRectF &rect)
     const QSizeF size = badgeSymbol(false).naturalSize();
     badge = QRectF(tile.right() - badgeMargin - size.width(), tile.top() + badgeMargin, size.width(),
                    size.height());
+    badge = inReadingDirection(badge, tile);
     badgeTarget = badge.adjusted(-badgeMargin, -badgeMargin, badgeMargin, badgeMargin);
 }
 

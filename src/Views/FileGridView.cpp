@@ -40,6 +40,19 @@ void FileGridView::fit(int width) {
     setGridSize(cell + QSize(FileGridGeometry::spacing, FileGridGeometry::spacing));
 }
 
+int FileGridView::horizontalOffset() const {
+    // Where lines begin on the right, the toolkit lays out from there.
+    return isRightToLeft() ? m_geometry.left : -m_geometry.left;
+}
+
+void FileGridView::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::FontChange) { // texts appear in another size
+        m_geometry = FileGridGeometry(-1);
+        fit(width());
+    }
+    FileItemsView::changeEvent(event);
+}
+
 void FileGridView::updateGeometries() {
     QScrollBar *bar = verticalScrollBar();
     const int place = bar->value();

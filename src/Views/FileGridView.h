@@ -33,12 +33,13 @@ public:
 protected:
     [[nodiscard]] int columns() const override { return m_geometry.columns; }
     [[nodiscard]] int pitch() const override { return gridSize().height(); }
-    [[nodiscard]] int horizontalOffset() const override { return -m_geometry.left; }
+    [[nodiscard]] int horizontalOffset() const override;
     [[nodiscard]] int verticalOffset() const override {
         return FileItemsView::verticalOffset() - FileGridGeometry::inset;
     }
     void updateGeometries() override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;

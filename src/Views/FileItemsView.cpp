@@ -281,9 +281,9 @@ QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers
         row -= page;
     else if (action == MovePageDown)
         row += page;
-    else if (columns() > 1 && action == MoveLeft)
+    else if (columns() > 1 && action == (isRightToLeft() ? MoveRight : MoveLeft))
         --row; // on from the beginning of a line to the end of the one before
-    else if (columns() > 1 && action == MoveRight)
+    else if (columns() > 1 && action == (isRightToLeft() ? MoveLeft : MoveRight))
         ++row;
     else
         return QListView::moveCursor(action, modifiers);

@@ -123,20 +123,20 @@ QWidget *FilePaneView::makeHeader() {
     m_title = named(QStringLiteral("title"), new TextLabel({13, Weight::semibold}, AppTheme::ink()));
     m_path = new PathBar;
     connect(m_path, &PathBar::edited, this, &FilePaneView::takeFocus);
-    const auto makeTool = [this](const char *name, const char *symbol, const char *help, auto action) {
+    const auto makeTool = [this](const char *name, const QString &symbol, const char *help, auto action) {
         auto *tool = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
-        tool->setLook({.symbol = {QLatin1String(symbol), 11, Weight::semibold}});
+        tool->setLook({.symbol = {symbol, 11, Weight::semibold}});
         tool->setHelp(QLatin1String(help));
         connect(tool, &IconButton::clicked, this, action);
         return tool;
     };
     using Action = std::function<void()> FilePane::*;
-    const auto action = [&](const char *name, const char *symbol, const char *help, Action act) {
+    const auto action = [&](const char *name, const QString &symbol, const char *help, Action act) {
         auto *tool = makeTool(name, symbol, help, [this, act] { call(m_pane.*act); });
         m_actions.append({tool, act});
         return tool;
     };
-    const auto mode = [&](const char *name, const char *symbol, const char *help, PaneViewMode shown) {
+    const auto mode = [&](const char *name, const QString &symbol, const char *help, PaneViewMode shown) {
         auto *tool = makeTool(name, symbol, help, [this, shown] {
             if (m_pane.viewMode)
                 call(m_pane.viewMode->set, shown);
@@ -145,15 +145,17 @@ QWidget *FilePaneView::makeHeader() {
         tool->setHelp(QLatin1String(help), QAccessible::RadioButton);
         return tool;
     };
-    auto *back = action("back", "chevron.left", "Go back", &FilePane::onBack);
-    auto *home = action("home", "house", "Go to Home", &FilePane::onHome);
-    auto *choose = action("chooseFolder", "folder", "Choose folder", &FilePane::onChooseFolder);
-    auto *create = action("newFolder", "folder.badge.plus", "New folder", &FilePane::onNewFolder);
-    auto *refresh = action("refresh", "arrow.clockwise", "Refresh", &FilePane::onRefresh);
+    auto *back = action("back", backChevron(), "Go back", &FilePane::onBack);
+    auto *home = action("home", QStringLiteral("house"), "Go to Home", &FilePane::onHome);
+    auto *choose =
+        action("chooseFolder", QStringLiteral("folder"), "Choose folder", &FilePane::onChooseFolder);
+    auto *create =
+        action("newFolder", QStringLiteral("folder.badge.plus"), "New folder", &FilePane::onNewFolder);
+    auto *refresh = action("refresh", QStringLiteral("arrow.clockwise"), "Refresh", &FilePane::onRefresh);
     m_placeTools = {home, choose};
     m_newFolder = create;
-    m_listTool = mode("listView", "list.bullet", "List view", PaneViewMode::list);
-    m_gridTool = mode("gridView", "square.grid.2x2", "Grid view", PaneViewMode::grid);
+    m_listTool = mode("listView", QStringLiteral("list.bullet"), "List view", PaneViewMode::list);
+    m_gridTool = mode("gridView", QStringLiteral("square.grid.2x2"), "Grid view", PaneViewMode::grid);
     return barOf(
         10, 8,
         {{columnOf(2, {m_title, m_path}), 1}, back, home, choose, create, refresh, m_listTool, m_gridTool});
@@ -162,8 +164,10 @@ QWidget *FilePaneView::makeHeader() {
 QWidget *FilePaneView::makeSearchBar() {
     auto *bar = new QWidget;
     // Before the field is there: made with another font, it would open that one first.
-    bar->setFont(TextStyle{12.5, Weight::medium}.font());
+    constexpr TextStyle style{12.5, Weight::medium};
+    bar->setFont(style.font());
     m_searchField = named(QStringLiteral("searchField"), new QLineEdit(bar));
+    setTextStyle(m_searchField, style);
     m_searchField->setFrame(false);
     m_searchField->setTextMargins(-2, 0, 0, 0); // what the toolkit keeps free before the first letter
     m_scopePicker = named(QStringLiteral("scopePicker"), new ScopePicker);
@@ -211,8 +215,8 @@ QWidget *FilePaneView::makeColumnHeaders() {
               {m_columnSelectAll,
                BoxItem::gap(int(Row::checkboxWidth) - m_columnSelectAll->width()),
                {makeColumn(QStringLiteral("nameColumn"), FileSortKey::name), 1},
-               number(QStringLiteral("sizeColumn"), FileSortKey::size, Row::sizeWidth),
-               number(QStringLiteral("modifiedColumn"), FileSortKey::modified, Row::modifiedWidth)}),
+               number(QStringLiteral("sizeColumn"), FileSortKey::size, Row::sizeWidth()),
+               number(QStringLiteral("modifiedColumn"), FileSortKey::modified, Row::modifiedWidth())}),
         new Divider);
 }
 
@@ -488,6 +492,33 @@ void FilePaneView::dropEvent(QDropEvent *event) {
     event->accept();
     if (const auto drop = m_pane.onDrop)
         drop(*event->mimeData(), path);
+}
+
+void FilePaneView::fitColumns() {
+    const struct {
+        FileSortKey key;
+        double width;
+    } fixed[] = {{FileSortKey::size, FileRowGeometry::sizeWidth()},
+                 {FileSortKey::modified, FileRowGeometry::modifiedWidth()}};
+    for (ColumnButton *column : std::as_const(m_columns)) {
+        for (const auto &[key, width] : fixed) {
+            if (column->column() == key && m_columnHeaders->isAncestorOf(column))
+                column->setFixedWidth(int(width));
+        }
+        if (column->column() == FileSortKey::modified && m_columnHeaders->isAncestorOf(column))
+            showWithHeir(column, FileRowGeometry::showsModified(m_list->viewport()->width()),
+                         [this] { entries()->takeFocus(); });
+    }
+}
+
+void FilePaneView::resizeEvent(QResizeEvent *) {
+    fitColumns();
+}
+
+void FilePaneView::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) // texts appear in another size
+        fitColumns();
 }
 
 // -- Painting

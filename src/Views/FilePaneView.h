@@ -44,6 +44,8 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
@@ -62,6 +64,7 @@ private:
     void showSearch();
     void showSelectAll();
     void showOrder();
+    void fitColumns();
     void showEntries();
     void announceEntries();
     [[nodiscard]] bool isGrid() const;
@@ -95,7 +98,7 @@ private:
     ScopePicker *m_scopePicker;
     IconButton *m_clearSearch;
 
-    QWidget *m_columnHeaders;
+    QWidget *m_columnHeaders = nullptr;
     SelectAllBox *m_columnSelectAll;
     QList<ColumnButton *> m_columns; ///< over the list and over the grid
     QWidget *m_gridBar;

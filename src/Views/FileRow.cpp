@@ -1,5 +1,6 @@
 #include "Views/FileRow.h"
 
+#include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextStyle.h"
 
@@ -50,10 +51,10 @@ const FileKind &kindOf(const FileEntry &entry) {
 
 FileRowGeometry::FileRowGeometry(const QRectF &rect, bool showsLocation)
     : checkbox(rect.left() + inset, rect.top(), checkboxWidth, rect.height()) {
-    const double nameCell =
-        std::max(0.0, rect.width() - 2 * inset - checkboxWidth - sizeWidth - modifiedWidth);
-    size = QRectF(checkbox.right() + nameCell, rect.top(), sizeWidth, rect.height());
-    modified = QRectF(size.right(), rect.top(), modifiedWidth, rect.height());
+    const double dateWidth = showsModified(rect.width()) ? modifiedWidth() : 0;
+    const double nameCell = std::max(0.0, rect.width() - 2 * inset - checkboxWidth - sizeWidth() - dateWidth);
+    size = QRectF(checkbox.right() + nameCell, rect.top(), sizeWidth(), rect.height());
+    modified = QRectF(size.right(), rect.top(), dateWidth, rect.height());
 
     icon = QRectF(checkbox.right(), rect.top(), std::min(iconWidth, nameCell), rect.height());
     const double textLeft = checkbox.right() + iconWidth + iconGap;
@@ -61,6 +62,24 @@ FileRowGeometry::FileRowGeometry(const QRectF &rect, bool showsLocation)
     name = QRectF(textLeft, rect.top() + verticalInset(showsLocation), textWidth, nameStyle.lineHeight());
     if (showsLocation)
         location = QRectF(textLeft, name.bottom() + lineGap, textWidth, locationStyle.lineHeight());
+    for (QRectF *part : {&checkbox, &icon, &name, &location, &size, &modified})
+        *part = inReadingDirection(*part, rect);
+}
+
+double FileRowGeometry::sizeWidth() {
+    constexpr double designed = 88;
+    return std::max<double>(designed, withTexts(0.8 * designed));
+}
+
+double FileRowGeometry::modifiedWidth() {
+    constexpr double designed = 100;
+    return std::max<double>(designed, withTexts(0.9 * designed));
+}
+
+bool FileRowGeometry::showsModified(double rowWidth) {
+    constexpr double leastName = 80; // of an icon and the beginning of a name
+    return textScale() <= 1 ||
+           rowWidth - 2 * inset - checkboxWidth - sizeWidth() - modifiedWidth() >= withTexts(leastName);
 }
 
 int FileRowGeometry::height(bool showsLocation) {
@@ -91,9 +110,10 @@ void FileRow::paint(QPainter &painter, const QRectF &rect) const {
 
     const Symbol box{isSelected ? QStringLiteral("checkmark.square.fill") : QStringLiteral("square"), 13,
                      Weight::medium};
-    QRectF boxRect = parts.checkbox;
-    boxRect.setWidth(box.naturalSize().width());
-    box.paint(painter, boxRect, isSelected ? AppTheme::accent() : AppTheme::inkTertiary());
+    const QRectF boxRect(parts.checkbox.topLeft(),
+                         QSizeF(box.naturalSize().width(), parts.checkbox.height()));
+    box.paint(painter, inReadingDirection(boxRect, parts.checkbox),
+              isSelected ? AppTheme::accent() : AppTheme::inkTertiary());
 
     if (parts.icon.width() >= iconWidth)
         Symbol{icon(), 13, Weight::semibold}.paint(painter, parts.icon, iconColor());
@@ -105,7 +125,9 @@ void FileRow::paint(QPainter &painter, const QRectF &rect) const {
 
     constexpr auto trailing = Qt::AlignRight | Qt::AlignVCenter;
     paintText(painter, parts.size, item.sizeLabel(), columnStyle, AppTheme::inkSecondary(), trailing);
-    paintText(painter, parts.modified, item.modifiedLabel(), columnStyle, AppTheme::inkSecondary(), trailing);
+    if (!parts.modified.isEmpty())
+        paintText(painter, parts.modified, item.modifiedLabel(), columnStyle, AppTheme::inkSecondary(),
+                  trailing);
 }
 
 } // namespace vantrel

@@ -10,12 +10,15 @@ class QPainter;
 namespace vantrel {
 
 /// Where the parts of a list row lie inside its rectangle, in layout pixels. The columns never overlap,
-/// however narrow the row: what does not fit runs out on the right.
+/// however narrow the row: what does not fit runs out at its end.
 struct FileRowGeometry {
-    static constexpr double inset = 12; ///< left and right
+    static constexpr double inset = 12; ///< on either side
     static constexpr double checkboxWidth = 28;
-    static constexpr double sizeWidth = 88;
-    static constexpr double modifiedWidth = 100;
+    /// As wide as what they show at most, with texts as large as they appear.
+    [[nodiscard]] static double sizeWidth();
+    [[nodiscard]] static double modifiedWidth();
+    /// Whether a row of this width has room for the date: large texts leave more to the name.
+    [[nodiscard]] static bool showsModified(double rowWidth);
 
     FileRowGeometry(const QRectF &rect, bool showsLocation);
 
@@ -26,7 +29,7 @@ struct FileRowGeometry {
     QRectF name;
     QRectF location; ///< empty unless shown
     QRectF size;
-    QRectF modified;
+    QRectF modified; ///< empty where there is no room for it
 };
 
 /// One entry in the list layout.

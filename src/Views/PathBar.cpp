@@ -58,11 +58,15 @@ protected:
     }
 
 private:
+    /// Where the text begins: it reads from left to right, but may stand at the right.
+    [[nodiscard]] double textLeft() const {
+        return isRightToLeft() ? std::max(0.0, width() - pathStyle.width(text())) : 0;
+    }
     [[nodiscard]] double startOf(qsizetype segment) const {
-        return pathStyle.width(text().left(m_path.segments.at(segment).start));
+        return textLeft() + pathStyle.width(text().left(m_path.segments.at(segment).start));
     }
     [[nodiscard]] double endOf(qsizetype segment) const {
-        return pathStyle.width(text().left(m_path.segments.at(segment).end));
+        return textLeft() + pathStyle.width(text().left(m_path.segments.at(segment).end));
     }
     [[nodiscard]] std::optional<qsizetype> segmentAt(double x) const {
         for (qsizetype segment = 0; segment < m_path.segments.size(); ++segment) {
@@ -90,9 +94,10 @@ PathBar::PathBar(QWidget *parent)
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     completer->popup()->setAccessibleName(QStringLiteral("Folders"));
     m_field->setCompleter(completer);
-    m_field->setFont(pathStyle.font());
+    setTextStyle(m_field, pathStyle);
     m_field->setFrame(false);
     m_field->setTextMargins(-2, 0, 0, 0); // what the toolkit keeps free before the first letter
+    m_field->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_field->setFixedHeight(pathStyle.lineHeight());
     m_field->setAccessibleName(QStringLiteral("Folder"));
     m_field->hide();
@@ -143,6 +148,12 @@ void PathBar::finish(bool goesThere) {
     m_field->hide();
     if (goesThere && m_path.onGoTo && !path.isEmpty())
         m_path.onGoTo(path);
+}
+
+void PathBar::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::FontChange && m_field) // texts appear in another size
+        m_field->setFixedHeight(pathStyle.lineHeight());
+    QWidget::changeEvent(event);
 }
 
 bool PathBar::eventFilter(QObject *watched, QEvent *event) {

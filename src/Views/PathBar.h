@@ -30,6 +30,7 @@ Q_SIGNALS:
     void edited();
 
 protected:
+    void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -39,7 +40,7 @@ private:
     PanePath m_path;
     bool m_isEdited = false;
     PathLabel *m_label;
-    QLineEdit *m_field;
+    QLineEdit *m_field = nullptr;
     QStringListModel *m_completions;
     QString m_completedFolder; ///< whose folders the completions are, or will be
 };

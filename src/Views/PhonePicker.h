@@ -19,7 +19,7 @@ public:
     void setPhones(const QList<ListedPhone> &phones, const QString &shown);
 
     /// Whatever the serials are, as wide as the place for them.
-    [[nodiscard]] QSize sizeHint() const override { return {0, buttonHeight}; }
+    [[nodiscard]] QSize sizeHint() const override { return {0, heightOfButton()}; }
 
 Q_SIGNALS:
     /// The user has chosen this one.

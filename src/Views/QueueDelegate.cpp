@@ -12,6 +12,8 @@
 #include <QHelpEvent>
 #include <QPainter>
 
+#include <utility>
+
 namespace vantrel {
 
 namespace {
@@ -22,8 +24,8 @@ constexpr int columnGap = 12;
 constexpr int lineGap = 4;
 constexpr int numbersGap = 2;
 constexpr int iconWidth = 22;
-constexpr int numbersWidth = 110;
-constexpr int percentWidth = 42; ///< of "Error", the longest beside an action
+constexpr int designedNumbersWidth = 110;
+constexpr int designedPercentWidth = 42; ///< of "Error", the longest beside an action
 constexpr int barHeight = 5;
 constexpr int buttonSize = 22;
 
@@ -71,6 +73,7 @@ QueueRowGeometry::QueueRowGeometry(const QRect &row, bool showsReason)
     : icon(row.left() + horizontalPadding, row.top(), iconWidth, row.height()),
       removeButton(row.right() + 1 - horizontalPadding - buttonSize,
                    row.top() + (row.height() - buttonSize) / 2, buttonSize, buttonSize) {
+    const int numbersWidth = withTexts(designedNumbersWidth);
     const int progressHeight = progressStyle.lineHeight();
     const int percentHeight = percentStyle.lineHeight();
     const int numbersLeft = removeButton.left() - columnGap - numbersWidth;
@@ -86,12 +89,17 @@ QueueRowGeometry::QueueRowGeometry(const QRect &row, bool showsReason)
     reason = {left, name.bottom() + 1, progress.right() + 1 - left, bar.bottom() - name.bottom()};
     if (showsReason)
         percent.moveTop(name.top() + (name.height() - percentHeight) / 2);
-    action = percent.adjusted(0, 0, -percentWidth, 0);
+    action = percent.adjusted(0, 0, -withTexts(designedPercentWidth), 0);
+    for (QRect *part : {&icon, &name, &route, &bar, &reason, &progress, &percent, &action, &removeButton})
+        *part = inReadingDirection(*part, row);
 }
 
 int QueueRowGeometry::rowHeight() {
-    static const int height = 2 * verticalPadding + nameStyle.lineHeight() + lineGap +
-                              routeStyle.lineHeight() + lineGap + barHeight;
+    static double scale = 0;
+    static int height = 0; // asked for often
+    if (std::exchange(scale, textScale()) != textScale())
+        height = 2 * verticalPadding + nameStyle.lineHeight() + lineGap + routeStyle.lineHeight() + lineGap +
+                 barHeight;
     return height;
 }
 
@@ -111,7 +119,7 @@ QString QueueDelegate::actionTitle(const QueueItem &item) {
 bool QueueDelegate::showsReason(const QueueItem &item) {
     return item.canTryAgain() || item.canKeepBoth() ||
            ((item.status.is<QueueItemStatus::Completed>() || item.status.is<QueueItemStatus::Waiting>()) &&
-            progressStyle.width(item.progressLabel()) > numbersWidth);
+            progressStyle.width(item.progressLabel()) > withTexts(designedNumbersWidth));
 }
 
 QSize QueueDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const {

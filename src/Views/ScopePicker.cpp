@@ -8,7 +8,7 @@ ScopePicker::ScopePicker(QWidget *parent)
     : PopUpButton(QStringLiteral("Scope"), {11.5, Weight::medium}, parent) {
     for (const AndroidSearchScope scope : allAndroidSearchScopes)
         addItem(displayTitle(scope));
-    setFixedSize(sizeHint());
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     connect(this, &QComboBox::activated, this,
             [this](int index) { Q_EMIT scopeChosen(allAndroidSearchScopes.at(size_t(index))); });
 }

@@ -75,7 +75,7 @@ public:
     }
 
     [[nodiscard]] QSize sizeHint() const override {
-        return {SidebarView::columnWidth, titleStyle.lineHeight() + 2 * verticalPadding};
+        return {SidebarView::columnWidth(), titleStyle.lineHeight() + 2 * verticalPadding};
     }
 
 protected:
@@ -94,13 +94,15 @@ protected:
     void paintContent(QPainter &painter) override {
         if (isChecked())
             paintCard(painter, rect(), radius, AppTheme::accentSoft(), Qt::transparent);
+        const auto placed = [this](const QRectF &part) { return inReadingDirection(part, rect()); };
         const QRectF icon(horizontalPadding, 0, iconWidth, height());
-        m_symbol.paint(painter, icon, AppTheme::folderBlue());
-        const double end = m_loading->isVisible() ? m_loading->x() - gap : width() - horizontalPadding;
-        const QRectF texts(QPointF(icon.right() + gap, 0), QPointF(end, height()));
+        m_symbol.paint(painter, placed(icon), AppTheme::folderBlue());
+        const int loading = m_loading->isVisible() ? m_loading->width() + gap : 0;
+        const QRectF texts(QPointF(icon.right() + gap, 0),
+                           QPointF(width() - horizontalPadding - loading, height()));
         const double titleWidth = titleStyle.width(m_title) + gap;
-        paintText(painter, texts, m_title, titleStyle, AppTheme::ink());
-        paintText(painter, texts.adjusted(titleWidth, 0, 0, 0), m_detail, detailStyle,
+        paintText(painter, placed(texts), m_title, titleStyle, AppTheme::ink());
+        paintText(painter, placed(texts.adjusted(titleWidth, 0, 0, 0)), m_detail, detailStyle,
                   AppTheme::inkTertiary(), Qt::AlignRight | Qt::AlignVCenter);
     }
 
@@ -122,7 +124,7 @@ private:
 SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_state(state) {
     setObjectName(QStringLiteral("sidebar"));
     describe(this, QAccessible::Grouping, QStringLiteral("Sidebar"));
-    setFixedWidth(columnWidth);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
 
     auto *header = new TextLabel({10, Weight::bold, FontDesign::standard, 0.6}, AppTheme::inkTertiary());
     header->setText(QStringLiteral("ANDROID STORAGE"));
@@ -133,6 +135,20 @@ SidebarView::SidebarView(AppState *state, QWidget *parent) : QWidget(parent), m_
                       &AppState::selectedShortcutIDChanged);
     m_rendering.watch(&state->phones(), &PhoneWatch::phonesChanged);
     m_rendering.renderNow();
+}
+
+int SidebarView::columnWidth() {
+    constexpr int designed = 240;
+    // Its pictures and the room around its texts stay as they are.
+    return designed + std::max(0, withTexts(designed) - designed) / 2;
+}
+
+QSize SidebarView::sizeHint() const {
+    return {columnWidth(), QWidget::sizeHint().height()};
+}
+
+QSize SidebarView::minimumSizeHint() const {
+    return {columnWidth(), QWidget::minimumSizeHint().height()};
 }
 
 QWidget *SidebarView::deviceCard() {

@@ -22,13 +22,17 @@ class ShortcutRow;
 /// The column at the left of the window: the phone with its storage, and the shortcuts to its folders.
 class SidebarView : public QWidget {
 public:
-    static constexpr int columnWidth = 240; ///< layout pixels
+    /// How wide it is, with texts as large as they appear; layout pixels.
+    [[nodiscard]] static int columnWidth();
 
     /// The model must outlive the view.
     explicit SidebarView(AppState *state, QWidget *parent = nullptr);
 
     /// Of the rows beside it, this is the one that Tab stops at.
     static void stopTabAt(QWidget *row);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -41,10 +41,9 @@ TransferButtons::TransferButtons(AppState *state, QWidget *android, QWidget *mac
 
 void TransferButtons::render() {
     const bool connected = m_state->device().isConnected;
-    setEnabledLook(m_toMac, QStringLiteral("chevron.right"),
-                   connected && !m_state->androidSelectedIDs().isEmpty(), m_android);
-    setEnabledLook(m_toAndroid, QStringLiteral("chevron.left"),
-                   connected && !m_state->macSelectedIDs().isEmpty(), m_mac);
+    setEnabledLook(m_toMac, forwardChevron(), connected && !m_state->androidSelectedIDs().isEmpty(),
+                   m_android);
+    setEnabledLook(m_toAndroid, backChevron(), connected && !m_state->macSelectedIDs().isEmpty(), m_mac);
 }
 
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #include "App/Sheets/KeyboardTable.h"
 
+#include <QGuiApplication>
 #include <QStringList>
 
 namespace vantrel {
@@ -13,13 +14,16 @@ QString KeyboardEntry::title() const {
     return titles.join(QStringLiteral(" or "));
 }
 
-const QList<KeyboardEntry> &keyboardTable() {
+namespace {
+
+/// `toComputer` and `toPhone` are the arrow keys that point from one pane to the other.
+QList<KeyboardEntry> tableWith(Qt::Key toComputer, Qt::Key toPhone) {
     using enum WindowCommand;
     static const QString inList = QStringLiteral("In a list");
     static const QString inPane = QStringLiteral("In a pane");
     static const QString inWindow = QStringLiteral("In the window");
     static const QString arrows = QStringLiteral("Arrow keys");
-    static const QList<KeyboardEntry> table{
+    return {
         {inList, arrows + QStringLiteral(", Home, End, Page Up, Page Down"), QStringLiteral("Move")},
         {inList, QStringLiteral("Letters"), QStringLiteral("Go to the next name that begins with them")},
         {inList, QStringLiteral("Return or double-click"), QStringLiteral("Open the folder or the file")},
@@ -41,12 +45,12 @@ const QList<KeyboardEntry> &keyboardTable() {
         {inWindow,
          {},
          QStringLiteral("Copy what is selected on the phone to this computer"),
-         {QKeySequence(Qt::CTRL | Qt::Key_Right)},
+         {QKeySequence(Qt::CTRL | toComputer)},
          copyToComputer},
         {inWindow,
          {},
          QStringLiteral("Copy what is selected here to the phone"),
-         {QKeySequence(Qt::CTRL | Qt::Key_Left)},
+         {QKeySequence(Qt::CTRL | toPhone)},
          copyToPhone},
         {inWindow, {}, QStringLiteral("Search the phone"), {QKeySequence(Qt::CTRL | Qt::Key_F)}, search},
         {inWindow, {}, QStringLiteral("Open the menu"), {QKeySequence(Qt::Key_F10)}, openMenu},
@@ -54,7 +58,15 @@ const QList<KeyboardEntry> &keyboardTable() {
         {inWindow, {}, QStringLiteral("Show these keys"), {QKeySequence(Qt::Key_F1)}, showKeyboard},
         {inWindow, {}, QStringLiteral("Quit"), {QKeySequence(Qt::CTRL | Qt::Key_Q)}},
     };
-    return table;
+}
+
+} // namespace
+
+const QList<KeyboardEntry> &keyboardTable() {
+    // The phone's pane comes first, where lines begin.
+    static const QList<KeyboardEntry> fromTheLeft = tableWith(Qt::Key_Right, Qt::Key_Left);
+    static const QList<KeyboardEntry> fromTheRight = tableWith(Qt::Key_Left, Qt::Key_Right);
+    return QGuiApplication::isRightToLeft() ? fromTheRight : fromTheLeft;
 }
 
 } // namespace vantrel

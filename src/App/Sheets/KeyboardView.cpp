@@ -31,14 +31,14 @@ KeyboardView::KeyboardView(QWidget *window) : Sheet(QStringLiteral("Keyboard"), 
     rows->setContentsMargins(24, 8, 24, 18);
     rows->setHorizontalSpacing(16);
     rows->setVerticalSpacing(3);
-    rows->setColumnMinimumWidth(0, keysWidth);
+    rows->setColumnMinimumWidth(0, withTexts(keysWidth));
     rows->setColumnStretch(1, 1);
     QString group;
     for (const KeyboardEntry &entry : keyboardTable()) {
         const int row = rows->rowCount();
         if (std::exchange(group, entry.group) != entry.group) {
             auto *title = label(group, {11, Weight::semibold}, AppTheme::inkTertiary());
-            rows->setRowMinimumHeight(row, groupHeight);
+            rows->setRowMinimumHeight(row, withTexts(groupHeight));
             rows->addWidget(title, row, 0, 1, 2, Qt::AlignBottom);
         }
         rows->addWidget(label(entry.title(), {12, Weight::semibold}, AppTheme::ink()), row + 1, 0);

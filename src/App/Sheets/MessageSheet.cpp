@@ -31,7 +31,7 @@ MessageSheet::MessageSheet(const QString &name, const QString &objectName, const
     for (TextLabel *label : {m_heading, m_detail}) {
         label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         label->setMaximumLines(6);
-        label->setFixedWidth(viewWidth - 2 * padding);
+        label->setFixedWidth(withTexts(viewWidth) - 2 * padding);
         texts->addWidget(label);
     }
     setTexts(message.heading, message.detail);

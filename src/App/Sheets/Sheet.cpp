@@ -3,6 +3,7 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Canvas.h"
 #include "Kit/Shapes.h"
+#include "Kit/TextStyle.h"
 #include "Theme/AppTheme.h"
 
 #include <QApplication>
@@ -38,7 +39,7 @@ Sheet::Sheet(const QString &name, int width, QWidget *window)
     describe(this, QAccessible::Dialog, name);
     setAttribute(Qt::WA_NoMousePropagation);
     m_card->setObjectName(QStringLiteral("sheet.card"));
-    m_card->setFixedWidth(width);
+    m_card->setFixedWidth(withTexts(width));
     m_content->setSpacing(0);
     m_content->setContentsMargins(0, 0, 0, 0);
     m_content->setSizeConstraint(QLayout::SetNoConstraint);

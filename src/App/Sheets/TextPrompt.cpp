@@ -10,7 +10,8 @@
 
 namespace vantrel {
 
-constexpr int sheetWidth = 240 + 2 * 20; // the field with its margins
+constexpr int padding = 20;
+constexpr int sheetWidth = 240 + 2 * padding; // the field with its margins
 
 TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
     : Sheet(question.message, sheetWidth, window) {
@@ -23,8 +24,8 @@ TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
     m_field = new QLineEdit(question.initialText, this);
     m_field->setObjectName(QStringLiteral("textPrompt.field"));
     m_field->setAccessibleName(question.informativeText);
-    m_field->setFixedSize(240, 24);
-    m_field->setFont(TextStyle{13}.font());
+    m_field->setFixedSize(withTexts(sheetWidth) - 2 * padding, withTexts(24));
+    setTextStyle(m_field, {13});
     m_field->selectAll();
     setFirstFocus(m_field);
 
@@ -39,7 +40,7 @@ TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
     buttons->addStretch();
     buttons->addWidget(cancel);
     buttons->addWidget(accept);
-    content()->setContentsMargins(20, 18, 20, 18);
+    content()->setContentsMargins(padding, 18, padding, 18);
     content()->addWidget(heading);
     content()->addSpacing(4);
     content()->addWidget(information);

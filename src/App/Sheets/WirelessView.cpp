@@ -21,14 +21,13 @@ namespace {
 
 constexpr int padding = 24;
 constexpr int viewWidth = 380;
-constexpr int contentWidth = viewWidth - 2 * padding;
 
 TextLabel *words(const TextStyle &style, const ThemeColor &color, int lines, const QString &text = {}) {
     auto *label = new TextLabel(style, color);
     label->setText(text);
     label->setMaximumLines(lines);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    label->setFixedSize(contentWidth, lines * style.lineHeight());
+    label->setFixedSize(withTexts(viewWidth) - 2 * padding, lines * style.lineHeight());
     return label;
 }
 
@@ -36,9 +35,9 @@ QLineEdit *field(const QString &name, const QString &title, const QString &examp
     auto *edit = named(name, new QLineEdit);
     edit->setAccessibleName(title);
     edit->setPlaceholderText(example);
-    edit->setFixedHeight(26);
+    edit->setFixedHeight(withTexts(26));
     edit->setTextMargins(4, 0, 4, 0);
-    edit->setFont(TextStyle{13}.font());
+    setTextStyle(edit, {13});
     return edit;
 }
 

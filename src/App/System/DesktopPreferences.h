@@ -21,6 +21,13 @@ Q_SIGNALS:
     void colorSchemePreferred(vantrel::ColorScheme scheme);
     /// Whether things on the screen should not move more than they must.
     void reducedMotionPreferred(bool reduced);
+    void contrastPreferred(vantrel::Contrast contrast);
+    /// How many times as large as usual texts should appear, where the toolkit has not made them so.
+    void textScalePreferred(double scale);
+    /// Which buttons windows have on either side of their title bars, as "menu,close:minimize,maximize".
+    void titleButtonsPreferred(const QString &layout);
+    /// The longest time between the clicks of a double-click, in milliseconds.
+    void doubleClickPreferred(int interval);
 
 private:
     /// Takes the message whole: a slot with its three arguments is not called.

@@ -137,7 +137,8 @@ void ApplicationMenu::popup() {
     if (!m_button)
         return;
     const QSize size = m_menu->sizeHint();
-    m_menu->popup(m_button->mapToGlobal(QPoint(m_button->width() - size.width(), m_button->height() + 2)));
+    const int left = m_button->isRightToLeft() ? 0 : m_button->width() - size.width();
+    m_menu->popup(m_button->mapToGlobal(QPoint(left, m_button->height() + 2)));
 }
 
 QWidget *ApplicationMenu::createButton(QWidget *parent) {

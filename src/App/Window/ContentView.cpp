@@ -88,10 +88,11 @@ ContentView::ContentView(AppState *state, Settings &settings, QWidget *parent) :
 ContentGround::ContentGround(QWidget *parent)
     : Canvas(
           [](QPainter &painter, const QRectF &rect) {
-              const QRectF sidebar(0, 0, SidebarView::columnWidth, rect.height());
+              const QRectF sidebar(0, 0, SidebarView::columnWidth(), rect.height());
+              const QRectF line(sidebar.right(), 0, hairline, rect.height());
               painter.fillRect(rect, AppTheme::canvas());
-              painter.fillRect(sidebar, AppTheme::sidebar());
-              fillLine(painter, {sidebar.right(), 0, hairline, rect.height()}, AppTheme::stroke());
+              painter.fillRect(inReadingDirection(sidebar, rect), AppTheme::sidebar());
+              fillLine(painter, inReadingDirection(line, rect), AppTheme::stroke());
           },
           parent) {}
 

@@ -14,6 +14,7 @@
 #include "App/Window/ToolbarButton.h"
 #include "App/Window/WindowChrome.h"
 #include "App/Window/WindowCommands.h"
+#include "Kit/TextStyle.h"
 #include "Records/TransferFormat.h"
 #include "State/AppState.h"
 #include "State/WirelessPhones.h"
@@ -24,6 +25,7 @@
 #include <QIcon>
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -70,7 +72,7 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
     connect(&settings, &Settings::verifiesCopiesChanged, this,
             [this](bool verifies) { m_state->transfers().setVerifies(verifies); });
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
-    m_chrome->setMinimumSize(minimum);
+    fitMinimum();
     m_chrome->restore(settings.windowGeometry(), standard);
     setCentralWidget(new ContentGround(this));
     for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac}) {
@@ -126,6 +128,11 @@ void MainWindow::addToolbarButtons() {
     connect(commands, &WindowCommands::menuRequested, menu, &ApplicationMenu::popup);
 }
 
+void MainWindow::fitMinimum() {
+    constexpr double moreWidth = 200; // for texts of twice the size
+    m_chrome->setMinimumSize(minimum + QSize(std::max(0, qRound(moreWidth * (textScale() - 1))), 0));
+}
+
 void MainWindow::renderAppearanceButton() {
     if (AppTheme::scheme() == ColorScheme::dark)
         m_appearance->setContent(QStringLiteral("sun.max"), QStringLiteral("Light"),
@@ -143,6 +150,10 @@ void MainWindow::setAppearancePreference(ColorScheme scheme) {
 void MainWindow::followDesktop(ColorScheme preferred) {
     if (!m_settings.hasAppearancePreference())
         AppTheme::setScheme(preferred);
+}
+
+void MainWindow::setTitleButtons(const QString &layout) {
+    m_chrome->titleBar()->setButtonLayout(layout);
 }
 
 void MainWindow::showAbout() {
@@ -168,6 +179,8 @@ bool MainWindow::event(QEvent *event) {
     }
     if (event->type() == QEvent::PaletteChange && m_appearance)
         renderAppearanceButton();
+    if (event->type() == QEvent::FontChange && m_chrome) // texts appear in another size
+        fitMinimum();
     return QMainWindow::event(event);
 }
 

@@ -32,7 +32,7 @@ class WirelessPhones;
 /// signal or by the end of the session, it does not.
 class MainWindow : public QMainWindow {
 public:
-    static constexpr QSize minimum{1100, 720}; ///< layout pixels, with the title bar
+    static constexpr QSize minimum{1100, 720}; ///< layout pixels, with the title bar; large texts need more
     static constexpr QSize standard{1280, 820};
 
     /// All of them must outlive the window. It takes the colour scheme from the settings at once.
@@ -51,6 +51,9 @@ public:
     void showWireless();
     /// Takes the colour scheme that the desktop prefers, unless the user has ever chosen one here.
     void followDesktop(ColorScheme preferred);
+    /// Has the window's own buttons where the desktop's other windows have theirs; see
+    /// TitleBar::setButtonLayout().
+    void setTitleButtons(const QString &layout);
     /// Changes the colour scheme of everything, for this start and the next ones.
     void setAppearancePreference(ColorScheme scheme);
 
@@ -64,6 +67,7 @@ private:
     void furnish();
     void addToolbarButtons();
     void renderAppearanceButton();
+    void fitMinimum();
     QCoro::Task<> runStartUp();
     /// Whether the question is shown, to which the user's answer closes the window.
     bool asksBeforeClosing();
@@ -73,7 +77,7 @@ private:
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
     WirelessPhones *m_wireless;
-    WindowChrome *m_chrome;
+    WindowChrome *m_chrome = nullptr;
     ToolbarButton *m_appearance = nullptr;
     const QuitWatch *m_quitWatch;
     QPointer<MessageSheet> m_question;          ///< whether to close while copies are unfinished

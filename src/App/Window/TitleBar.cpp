@@ -7,6 +7,7 @@
 #include "Theme/AppTheme.h"
 
 #include <QHBoxLayout>
+#include <QHash>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -49,8 +50,10 @@ protected:
         }
         painter.setRenderHint(QPainter::Antialiasing);
         const QPointF centre = QRectF(rect()).center();
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(disc);
+        const bool isOutlined =
+            !lit && AppTheme::contrast() == Contrast::high; // its sign would be lost on it
+        painter.setPen(isOutlined ? QPen(disc, hairline) : QPen(Qt::NoPen));
+        painter.setBrush(isOutlined ? Qt::NoBrush : QBrush(disc));
         painter.drawEllipse(centre, discSize / 2, discSize / 2);
 
         painter.setPen(QPen(sign, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
@@ -73,13 +76,15 @@ private:
 
 } // namespace
 
-TitleBar::TitleBar(QWidget *parent) : QWidget(parent), m_toolbar(new QHBoxLayout) {
+TitleBar::TitleBar(QWidget *parent)
+    : QWidget(parent), m_toolbar(new QHBoxLayout), m_leading(new QHBoxLayout), m_trailing(new QHBoxLayout) {
     setObjectName(QStringLiteral("titleBar"));
     setFixedHeight(titleBarHeight);
 
     auto *band = new QHBoxLayout(this);
-    band->setContentsMargins(12, 0, 10, 0);
+    band->setContentsMargins(10, 0, 10, 0);
     band->setSpacing(2);
+    band->addSpacing(2);
 #ifdef Q_OS_MACOS
     constexpr int nativeButtonsWidth = 70;
     band->addSpacing(nativeButtonsWidth);
@@ -89,13 +94,48 @@ TitleBar::TitleBar(QWidget *parent) : QWidget(parent), m_toolbar(new QHBoxLayout
         connect(button, &QAbstractButton::clicked, this,
                 [this, which] { Q_EMIT windowButtonClicked(which); });
         m_buttons.at(static_cast<size_t>(which)) = button;
-        band->addWidget(button);
     }
+    band->addLayout(m_leading);
 #endif
-    band->addSpacing(12);
     band->addStretch(); // until the title, which comes before it, takes all there is
-    m_toolbar->setSpacing(2);
+    for (QHBoxLayout *buttons : {m_toolbar, m_leading, m_trailing})
+        buttons->setSpacing(2);
     band->addLayout(m_toolbar);
+    band->addLayout(m_trailing);
+    setButtonLayout(QStringLiteral("close,minimize,maximize:"));
+}
+
+void TitleBar::setButtonLayout(const QString &layout) {
+#ifndef Q_OS_MACOS
+    static const QHash<QString, WindowButton> named{{QStringLiteral("close"), WindowButton::close},
+                                                    {QStringLiteral("minimize"), WindowButton::minimise},
+                                                    {QStringLiteral("maximize"), WindowButton::zoom}};
+    for (QAbstractButton *button : m_buttons)
+        button->hide();
+    const auto fill = [&](QHBoxLayout *side, const QString &names) {
+        while (side->count() > 0)
+            delete side->takeAt(0);
+        for (const QString &name : names.split(QLatin1Char(','))) {
+            const auto which = named.constFind(name.trimmed());
+            if (which == named.cend() || !button(*which)->isHidden())
+                continue; // a menu, a spacer, or named twice
+            side->addWidget(button(*which));
+            button(*which)->show();
+        }
+        return side->count() > 0;
+    };
+    constexpr int gap = 12;
+    if (fill(m_leading, layout.section(QLatin1Char(':'), 0, 0)))
+        m_leading->addSpacing(gap);
+    if (fill(m_trailing, layout.section(QLatin1Char(':'), 1)))
+        m_trailing->insertSpacing(0, gap);
+#else
+    Q_UNUSED(layout)
+#endif
+}
+
+int TitleBar::endWidth() const {
+    return int(WindowChromeCoordinator::toolbarWidth) + m_trailing->sizeHint().width();
 }
 
 void TitleBar::setTitle(const QString &title) {

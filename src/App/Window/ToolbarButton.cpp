@@ -5,11 +5,13 @@
 
 #include <QPainter>
 
+#include <algorithm>
+
 namespace vantrel {
 
 namespace {
 
-constexpr int buttonWidth = 52;
+constexpr int leastWidth = 52;
 constexpr int gap = 2;
 constexpr int ringRoom = 4; // above and below, so that the focus ring leaves the title legible
 constexpr TextStyle titleStyle{9, Weight::medium};
@@ -17,7 +19,7 @@ constexpr TextStyle titleStyle{9, Weight::medium};
 } // namespace
 
 ToolbarButton::ToolbarButton(QWidget *parent) : PlainButton(parent), m_symbol{QString(), 13, Weight::medium} {
-    setFixedSize(ToolbarButton::sizeHint());
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 void ToolbarButton::setContent(const QString &systemImage, const QString &title, const QString &help) {
@@ -28,7 +30,8 @@ void ToolbarButton::setContent(const QString &systemImage, const QString &title,
 }
 
 QSize ToolbarButton::sizeHint() const {
-    return {buttonWidth, int(m_symbol.naturalSize().height()) + gap + titleStyle.lineHeight() + 2 * ringRoom};
+    return {std::max(leastWidth, withTexts(0.65 * leastWidth)),
+            int(m_symbol.naturalSize().height()) + gap + titleStyle.lineHeight() + 2 * ringRoom};
 }
 
 void ToolbarButton::paintContent(QPainter &painter) {

@@ -2,6 +2,7 @@
 
 #include "App/System/Settings.h"
 #include "App/Window/TitleBar.h"
+#include "App/Window/WindowMargins.h"
 #include "App/Window/WindowPlacement.h"
 #include "Kit/WindowFrame.h"
 #include "Theme/AppTheme.h"
@@ -42,6 +43,9 @@ Qt::CursorShape cursorFor(Qt::Edges edges) {
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
+constexpr int shadow = 24;     // around a window that has to cast its own
+constexpr int edgesReach = 10; // of it, which resizes the window
+
 /// What panels leave free of each screen, that of the primary one first.
 QList<QRect> freeScreens() {
     QList<QRect> free;
@@ -76,6 +80,8 @@ WindowChrome::WindowChrome(QMainWindow *window, std::function<QString()> doubleC
     if (desktopBlendsWindows()) {
         m_window->setAttribute(Qt::WA_TranslucentBackground);
         m_hasRoundCorners = true;
+        m_mayHaveMargin = mayHaveWindowMargins();
+        m_margin = m_mayHaveMargin ? shadow : 0;
     }
 #endif
     m_titleBar->setTitle(m_window->windowTitle());
@@ -129,12 +135,35 @@ void WindowChrome::watchNativeWindow() {
 #endif
 }
 
+void WindowChrome::claimMargin() {
+    if (!m_mayHaveMargin || !m_nativeWindow || !m_nativeWindow->handle())
+        return;
+    const QSize size = m_window->size(); // the margin is part of it already
+    setWindowMargins(m_nativeWindow, margins());
+    m_nativeWindow->resize(size);
+}
+
+/// The margin goes and comes with the state. What is seen keeps its size meanwhile, which is that of the
+/// state even before the desktop has changed it: to ask for another one would be an error.
+void WindowChrome::fitMargin() {
+    const int wanted = m_mayHaveMargin && !fillsScreen() ? shadow : 0;
+    if (wanted == m_margin || !m_nativeWindow || !m_nativeWindow->handle())
+        return;
+    // What the toolkit remembers as the normal size may be the one with the margin.
+    const bool isReturned = wanted > 0 && m_window->size() == m_sizeWithMargin;
+    m_margin = wanted;
+    fitMinimum();
+    setWindowMargins(m_nativeWindow, margins());
+    if (isReturned)
+        m_window->resize(m_sizeWithMargin);
+}
+
 bool WindowChrome::eventFilter(QObject *watched, QEvent *event) {
     if (watched == m_nativeWindow)
         return nativeWindowEvent(event);
     if (watched == m_window) {
         if (event->type() == QEvent::Paint) {
-            paintGround();
+            paintGround(static_cast<QPaintEvent *>(event)->region());
             return true;
         }
         windowEvent(event);
@@ -146,11 +175,18 @@ void WindowChrome::windowEvent(QEvent *event) {
     switch (event->type()) {
     case QEvent::WinIdChange:
         watchNativeWindow();
+        claimMargin();
         break;
     case QEvent::Show:
         watchNativeWindow();
         fitMinimum();
         stayReachable();
+        leaveMarginToOthers();
+        break;
+    case QEvent::Resize:
+        if (m_margin > 0 && !fillsScreen())
+            m_sizeWithMargin = m_window->size();
+        leaveMarginToOthers();
         break;
     case QEvent::WindowStateChange:
         if (!fillsScreen())
@@ -264,7 +300,10 @@ Qt::Edges WindowChrome::edgesAt(QPointF position) const {
     Q_UNUSED(position)
     return {}; // the window has native edges
 #else
-    return fillsScreen() ? Qt::Edges() : resizeEdgesAt(position, m_window->size());
+    const QRect seen = visibleRect();
+    return fillsScreen()
+               ? Qt::Edges()
+               : resizeEdgesAt(position - seen.topLeft(), seen.size(), m_margin > 0 ? edgesReach : 0);
 #endif
 }
 
@@ -285,18 +324,44 @@ void WindowChrome::fitShape() {
         makeTitleBarTransparent(m_nativeWindow);
 #else
     const bool fills = fillsScreen();
+    fitMargin();
     const int line = fills ? 0 : int(hairline);
-    m_window->setContentsMargins(line, line, line, line);
+    const int around = m_margin + line;
+    m_window->setContentsMargins(around, around, around, around);
     m_titleBar->setCornerRadius(m_hasRoundCorners && !fills ? windowCornerRadius - line : 0);
     pointAt({});
+    leaveMarginToOthers();
     m_window->update();
 #endif
 }
 
-void WindowChrome::paintGround() {
+/// What the mouse does in the margin, but for the reach of the edges.
+void WindowChrome::leaveMarginToOthers() {
+    if (m_mayHaveMargin && m_nativeWindow) {
+        const int reach = m_margin > 0 ? edgesReach : 0;
+        m_nativeWindow->setMask(visibleRect().adjusted(-reach, -reach, reach, reach));
+    }
+}
+
+void WindowChrome::paintGround(const QRegion &region) {
     QPainter painter(m_window);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF rect = m_window->rect();
+    const QRectF rect = visibleRect();
+    if (m_margin > 0) {
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        for (const QRect &part : region)
+            painter.fillRect(part, Qt::transparent);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        // The shape is not filled eight times where nothing of it is seen.
+        const int inner = int(windowCornerRadius);
+        const QRegion seen = region.subtracted(visibleRect().adjusted(inner, inner, -inner, -inner));
+        if (!fillsScreen() && !seen.isEmpty()) {
+            painter.save();
+            painter.setClipRegion(seen);
+            paintShadow(painter, rect, windowCornerRadius, m_margin);
+            painter.restore();
+        }
+    }
     const double radius = m_hasRoundCorners && !fillsScreen() ? windowCornerRadius : 0;
     painter.fillPath(roundedTop(rect, radius), QColor(AppTheme::titleBar()));
     if (fillsScreen())
@@ -321,25 +386,30 @@ void WindowChrome::fitMinimum() {
     QSize least = m_minimum;
     if (const auto screen = visibleScreenFrame())
         least = least.boundedTo(surelyFree(*screen));
-    m_window->setMinimumSize(least);
+    m_window->setMinimumSize(least.grownBy(margins()));
 }
 
 void WindowChrome::restore(const WindowGeometry &geometry, QSize standard) {
     const QList<QRect> screens = freeScreens();
-    const QSize minimum = m_window->minimumSize();
+    const QSize minimum = m_window->minimumSize().shrunkBy(margins());
+    if (geometry.isZoomed) {
+        m_margin = 0;
+        fitMinimum();
+    }
     const QSize size =
         geometry.size.value_or(standard.boundedTo(surelyFree(screens.value(0, QRect(QPoint(), standard)))));
     if (geometry.position && !isWayland())
         m_window->setGeometry(fittedFrame(QRect(*geometry.position, size), minimum, screens));
     else
-        m_window->resize(fittedFrame(QRect(QPoint(), size), minimum, screens.mid(0, 1)).size());
+        m_window->resize(
+            fittedFrame(QRect(QPoint(), size), minimum, screens.mid(0, 1)).size().grownBy(margins()));
     if (geometry.isZoomed)
         m_window->setWindowState(Qt::WindowMaximized);
 }
 
 WindowGeometry WindowChrome::geometry() const {
     const QRect normal = m_window->normalGeometry();
-    return {.size = normal.size(),
+    return {.size = normal.size().shrunkBy(margins()),
             .position = isWayland() ? std::nullopt : std::optional(normal.topLeft()),
             .isZoomed = m_window->isMaximized()};
 }
@@ -366,6 +436,12 @@ std::optional<QRectF> WindowChrome::buttonFrame(WindowButton button) const {
     if (!view || !view->isVisible())
         return std::nullopt;
     return QRectF(view->mapTo(m_window, QPoint()), view->size());
+}
+
+QRectF WindowChrome::endOfBand() const {
+    const QRect seen = visibleRect();
+    const int taken = m_titleBar->endWidth();
+    return inReadingDirection(QRect(seen.right() + 1 - taken, seen.top(), taken, seen.height()), seen);
 }
 
 bool WindowChrome::isOverControl(QPointF position) const {

@@ -22,6 +22,9 @@ struct WindowGeometry;
 /// tiling work; elsewhere the window follows the mouse by itself. The window is kept where its title bar can
 /// be reached.
 ///
+/// On Wayland the window has a margin for its shadow and the reach of its edges, which the compositor knows
+/// is no part of it; none while it fills the screen.
+///
 /// On the Mac the window keeps its native buttons, edges and shadow under a transparent title bar, and only
 /// the rules for the mouse are ours; that part has not been run.
 ///
@@ -72,13 +75,21 @@ private:
     void followMouse(QPoint position);
     void showWindowMenu(QPoint position);
     void pointAt(Qt::Edges edges);
-    void paintGround();
+    void paintGround(const QRegion &region);
     void fitShape();
+    void fitMargin();
+    void claimMargin();
+    void leaveMarginToOthers();
     void fitMinimum();
     void stayReachable();
     void moveDraggedOut(QPoint mouse);
     void moveWithMouse(QPoint pressedAt);
     [[nodiscard]] bool fillsScreen() const { return m_window->isMaximized() || m_window->isFullScreen(); }
+    [[nodiscard]] QMargins margins() const { return {m_margin, m_margin, m_margin, m_margin}; }
+    /// What is seen of the window, in it: without the margin around it.
+    [[nodiscard]] QRect visibleRect() const {
+        return m_window->rect().adjusted(m_margin, m_margin, -m_margin, -m_margin);
+    }
     [[nodiscard]] Qt::Edges edgesAt(QPointF position) const;
     [[nodiscard]] ChromeMouseEvent chromeEvent(const QMouseEvent &event) const {
         return {this, event.position(), m_clickCount};
@@ -89,6 +100,7 @@ private:
     [[nodiscard]] std::optional<QRect> visibleScreenFrame() const override;
     [[nodiscard]] qreal contentTop() const override;
     [[nodiscard]] std::optional<QRectF> buttonFrame(WindowButton button) const override;
+    [[nodiscard]] QRectF endOfBand() const override;
     [[nodiscard]] bool isOverControl(QPointF position) const override;
     [[nodiscard]] bool isZoomed() const override { return m_window->isMaximized(); }
     [[nodiscard]] bool isFullScreen() const override { return m_window->isFullScreen(); }
@@ -108,6 +120,9 @@ private:
     Qt::Edges m_pointedEdges;
     int m_clickCount = 1;
     bool m_hasRoundCorners = false;
+    bool m_mayHaveMargin = false;
+    int m_margin = 0;       ///< around what is seen; layout pixels
+    QSize m_sizeWithMargin; ///< the last one
 };
 
 } // namespace vantrel

@@ -86,7 +86,8 @@ bool WindowChromeCoordinator::isInTitleBarBand(const ChromeMouseEvent &event) co
         const std::optional<QRectF> frame = m_window->buttonFrame(button);
         return frame && frame->contains(event.position);
     });
-    const bool overToolbar = event.position.x() >= m_window->frame().width() - toolbarWidth;
+    const QRectF end = m_window->endOfBand();
+    const bool overToolbar = event.position.x() >= end.left() && event.position.x() <= end.right();
     return !overWindowButton && !overToolbar && !m_window->isOverControl(event.position);
 }
 

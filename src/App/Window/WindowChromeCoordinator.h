@@ -28,6 +28,9 @@ public:
     [[nodiscard]] virtual qreal contentTop() const = 0;
     /// In the window; nothing for a button that it does not have.
     [[nodiscard]] virtual std::optional<QRectF> buttonFrame(WindowButton button) const = 0;
+    /// The end of the band that belongs to the toolbar's buttons and what is behind them, also where there
+    /// are gaps; in the window.
+    [[nodiscard]] virtual QRectF endOfBand() const = 0;
     /// Whether the topmost widget at the position, or one that it lies in, takes clicks of its own.
     [[nodiscard]] virtual bool isOverControl(QPointF position) const = 0;
     [[nodiscard]] virtual bool isZoomed() const = 0;
@@ -57,7 +60,7 @@ enum class EventOutcome { passOn, swallow };
 /// go for that, and what a double-click does. Knows no window system. Main thread.
 class WindowChromeCoordinator {
 public:
-    /// The right end of the band belongs to the toolbar's buttons, also where there is a gap between them.
+    /// So much of the band's end belongs to the toolbar's buttons.
     static constexpr qreal toolbarWidth = 190;
     /// A press that travels no farther than this is a click.
     static constexpr qreal dragThreshold = 4;

@@ -22,12 +22,12 @@ int pulledInto(int start, int length, int low, int high, int needed) {
 
 } // namespace
 
-Qt::Edges resizeEdgesAt(QPointF position, QSize windowSize) {
+Qt::Edges resizeEdgesAt(QPointF position, QSize windowSize, int outside) {
     const qreal left = position.x();
     const qreal top = position.y();
     const qreal right = windowSize.width() - position.x();
     const qreal bottom = windowSize.height() - position.y();
-    if (left < 0 || top < 0 || right <= 0 || bottom <= 0)
+    if (left < -outside || top < -outside || right <= -outside || bottom <= -outside)
         return {};
     const bool onVerticalEdge = left < edgeWidth || right <= edgeWidth;
     const bool onHorizontalEdge = top < edgeWidth || bottom <= edgeWidth;

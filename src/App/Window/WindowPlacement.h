@@ -9,8 +9,9 @@
 namespace vantrel {
 
 /// Which edges of a frameless window of the given size a press at `position` (in the window) resizes; none
-/// inside. Near a corner the strip is longer along both edges, so that a corner is easy to hit.
-[[nodiscard]] Qt::Edges resizeEdgesAt(QPointF position, QSize windowSize);
+/// inside. Near a corner the strip is longer along both edges, so that a corner is easy to hit. It reaches
+/// `outside` layout pixels beyond the window, where the window gets the mouse there.
+[[nodiscard]] Qt::Edges resizeEdgesAt(QPointF position, QSize windowSize, int outside = 0);
 
 /// The frame that results when the given edges follow the mouse by `offset`; never smaller than `minimum`,
 /// the opposite edges stay where they are.
