@@ -274,13 +274,14 @@ TEST_F(Soak, everyFileEndsOnceAsTheDiskSaysAndNothingIsLeftOver) {
             std::fflush(stdout);
         }
     }
+    memory.removeFirst(); // the round that starts the threads
+    // The least of several rounds: a round may happen to hold something, a leak stays.
     const qsizetype third = memory.size() / 3;
-    const auto median = [third](QList<size_t> values) {
-        std::sort(values.begin(), values.end());
-        return double(values.value(third / 2));
+    const auto least = [](const QList<size_t> &values) {
+        return double(*std::min_element(values.cbegin(), values.cend()));
     };
-    const double early = median(memory.mid(0, third));
-    const double late = median(memory.mid(memory.size() - third));
+    const double early = least(memory.mid(0, third));
+    const double late = least(memory.mid(memory.size() - third));
     std::printf("allocated at rest: %.0f bytes in the first third, %.0f in the last\n", early, late);
     const double growth = files < shortRun ? 1.1 : 1.05;
     EXPECT_LE(late, early * growth);
