@@ -8,6 +8,7 @@
 #include "Kit/Spinner.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextLabel.h"
+#include "Kit/WidthTable.h"
 #include "Theme/AppTheme.h"
 
 namespace vantrel {
@@ -96,6 +97,26 @@ TEST(TextTests, elisionNeverExceedsItsWidth) {
     const QString end = elidedText(path, style, 150, Elision::end);
     EXPECT_TRUE(end.startsWith(u"/home"_s) && end.endsWith(u'…')) << end.toStdString();
     EXPECT_EQ(elidedText(u"short"_s, style, 150), u"short"_s);
+}
+
+TEST(TextTests, aWidthTableKnowsHowFarItIsFromTheWidth) {
+    const TextStyle style{11, Weight::semibold};
+    WidthTable table(style);
+    for (const QString &text :
+         {u"IMG_20240501_103015.jpg"_s, u"AVATAR To We LTy.png"_s, u"a fi ffi->x2x3 <= 10:30 (@Home).txt"_s,
+          u"PANO-(1)-A:B@C.HEIC"_s, u"  blanks  "_s, u"Größe Ελλάδα Москва.jpg"_s,
+          u"日本語の写真 한국어.png"_s, u"e\u0301te\u0301 \u1112\u1161\u11AB.txt"_s, u"صورة من العطلة.jpg"_s,
+          u"छुट्टी की तस्वीर"_s, u"👨‍👩‍👧‍👦😀.jpg"_s, u"a\u202Eb\nc\u200Bd"_s,
+          QString(3, QChar(0xD800))}) {
+        SCOPED_TRACE(qPrintable(text));
+        const WidthTable::Width width = table.widthOf(text);
+        QString trimmed = text;
+        while (trimmed.endsWith(u' '))
+            trimmed.chop(1);
+        EXPECT_NEAR(width.about, style.width(trimmed), width.within);
+    }
+    EXPECT_LT(table.widthOf(u"IMG_20240501_103015.jpg"_s).within, 1) << "and names like this it knows";
+    EXPECT_EQ(table.widthOf(u""_s).about, 0);
 }
 
 TEST(TextTests, namesCannotDeceive) {

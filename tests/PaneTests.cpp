@@ -496,27 +496,50 @@ TEST_F(FilePaneTests, headersStandAboveTheirColumns) {
     }
 }
 
-TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumns) {
+TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumnsOfTilesWithNamesOfOneLineOrTwo) {
     showAs(PaneViewMode::grid);
-    show(someFiles(100));
-    const int height = FileGridCellGeometry::height();
+    QList<FileItem> items = someFiles(100);
+    for (int row = 40; row < 60; row += 7)
+        items[row].name = u"a name that takes two lines %1.txt"_s.arg(row);
+    items[50].name = u"two words of Ελλάδα"_s; // one line or two, as wide as a column is
+    show(items);
+    const auto linesOf = [](const QString &name, int width) {
+        return int(wrappedLines(name, {11, Weight::semibold}, width, 2).size());
+    };
+    QSet<int> ofTheFiftieth;
     for (const int width : {view.minimumSizeHint().width(), 333, 334, 400, 440, 777, 1500}) {
         SCOPED_TRACE(width);
         view.resize(width, 400);
-        const FileItemsView *tiles = entries();
+        FileItemsView *tiles = entries();
         const QWidget *viewport = tiles->viewport();
         const FileGridGeometry grid(viewport->width());
-        const QSize cell(grid.columnWidth, height);
-        EXPECT_EQ(rectOf(tiles, 0), QRect(QPoint(grid.left, 12), cell));
-        EXPECT_EQ(rectOf(tiles, 1).left(), grid.left + grid.columnWidth + 10);
-        EXPECT_EQ(rectOf(tiles, grid.columns - 1).top(), 12);
-        EXPECT_EQ(rectOf(tiles, grid.columns), QRect(QPoint(grid.left, 12 + height + 10), cell));
+        ofTheFiftieth.insert(linesOf(items[50].name, grid.columnWidth));
+        int top = 12;
+        for (int row = 0; row < 100; ++row) {
+            const int first = row - row % grid.columns;
+            int lines = 1;
+            for (int other = first; other < std::min(first + grid.columns, 100); ++other)
+                lines = std::max(lines, linesOf(items[other].name, grid.columnWidth));
+            const QSize cell(grid.columnWidth, FileGridCellGeometry::height(lines));
+            const QPoint place(grid.left + (row - first) * (grid.columnWidth + 10), top);
+            ASSERT_EQ(rectOf(tiles, row), QRect(place, cell)) << row;
+            top += row - first == grid.columns - 1 ? cell.height() + 10 : 0;
+        }
         EXPECT_EQ(tiles->indexAt(rectOf(tiles, 4).center()).row(), 4);
         EXPECT_FALSE(tiles->indexAt(rectOf(tiles, 0).bottomRight() + QPoint(5, 0)).isValid()) << "a gap";
         tiles->verticalScrollBar()->setValue(tiles->verticalScrollBar()->maximum());
         EXPECT_EQ(rectOf(tiles, 99).bottom() + 1, viewport->height() - 12);
-        tiles->verticalScrollBar()->setValue(0);
+        EXPECT_EQ(tiles->rowsInSight().second, 99);
+        tiles->scrollTo(tiles->model()->index(1, 0));
+        EXPECT_EQ(tiles->verticalScrollBar()->value(), 0) << "with what is above the first line";
     }
+    EXPECT_EQ(ofTheFiftieth, QSet({1, 2}));
+
+    const int before = rectOf(entries(), 99).top();
+    items[0].name = items[40].name;
+    show(items);
+    EXPECT_EQ(rectOf(entries(), 99).top() - before,
+              FileGridCellGeometry::height(2) - FileGridCellGeometry::height(1));
     show(someFiles(3));
     EXPECT_EQ(entries()->verticalScrollBar()->maximum(), 0);
 }

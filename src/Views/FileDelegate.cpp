@@ -42,9 +42,8 @@ void FileRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->fillRect(line.adjusted(dividerIndent, 0, 0, 0), AppTheme::stroke());
 }
 
-QSize FileRowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const {
-    // As wide as the list, whatever the width told here.
-    return {1, FileRowGeometry::height(entry(index).showsLocation) + dividerHeight};
+int FileRowDelegate::height(bool showsLocation) {
+    return FileRowGeometry::height(showsLocation) + dividerHeight;
 }
 
 void FileGridCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,

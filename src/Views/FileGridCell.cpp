@@ -2,7 +2,6 @@
 
 #include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
-#include "Kit/TextStyle.h"
 #include "Views/FileRow.h"
 
 #include <QPainter>
@@ -11,7 +10,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr TextStyle nameStyle{11, Weight::semibold};
+constexpr TextStyle nameStyle = FileGridCellGeometry::nameStyle;
 constexpr TextStyle captionStyle{9.5, Weight::medium};
 
 constexpr double badgeMargin = 6;
@@ -42,9 +41,8 @@ FileGridCellGeometry::FileGridCellGeometry(const QRectF &rect)
     badgeTarget = badge.adjusted(-badgeMargin, -badgeMargin, badgeMargin, badgeMargin);
 }
 
-int FileGridCellGeometry::height() {
-    return int(tileHeight + textGap + nameLines * nameStyle.lineHeight() + lineGap +
-               captionStyle.lineHeight());
+int FileGridCellGeometry::height(int lines) {
+    return int(tileHeight + textGap + lines * nameStyle.lineHeight() + lineGap + captionStyle.lineHeight());
 }
 
 QString FileGridCell::icon() const {

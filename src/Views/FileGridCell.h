@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/TextStyle.h"
 #include "Theme/AppTheme.h"
 #include "Views/FileEntry.h"
 
@@ -12,12 +13,13 @@ namespace vantrel {
 /// Where the parts of a grid cell lie inside its rectangle, in layout pixels.
 struct FileGridCellGeometry {
     static constexpr double tileHeight = 72;
-    static constexpr int nameLines = 2;
+    static constexpr int nameLines = 2; ///< at most
+    static constexpr TextStyle nameStyle{11, Weight::semibold};
 
     explicit FileGridCellGeometry(const QRectF &rect);
 
-    /// Of every cell, whether its name takes two lines or one: the tiles of a row stand in line.
-    [[nodiscard]] static int height();
+    /// Of a cell whose name takes so many lines.
+    [[nodiscard]] static int height(int lines = nameLines);
 
     QRectF tile;
     QRectF badge;

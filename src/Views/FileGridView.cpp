@@ -14,50 +14,63 @@
 
 namespace vantrel {
 
-FileGridGeometry::FileGridGeometry(int width) {
-    const int available = std::max(0, width - 2 * inset);
-    columns = std::max(1, (available + spacing) / (minColumnWidth + spacing));
-    columnWidth = std::clamp((available - (columns - 1) * spacing) / columns, minColumnWidth, maxColumnWidth);
-    const int used = columns * columnWidth + (columns - 1) * spacing;
-    left = inset + std::max(0, available - used) / 2;
-}
-
 FileGridView::FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent)
-    : FileItemsView(model, selection, new FileGridCellDelegate, parent),
-      m_cells(static_cast<FileGridCellDelegate *>(itemDelegate())), m_geometry(0) {
-    setFlow(LeftToRight);
-    setWrapping(true);
-    fit(width());
+    : FileItemsView(model, selection, new FileGridCellDelegate, parent), m_geometry(width()),
+      m_widths(FileGridCellGeometry::nameStyle) {}
+
+// -- Layout
+
+const FileGridGeometry &FileGridView::geometry() const {
+    if (!std::exchange(m_isStale, false))
+        return m_geometry;
+    const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
+    const int column = m_geometry.columnWidth;
+    const int heights[] = {FileGridCellGeometry::height(1), FileGridCellGeometry::height(2)};
+    int mayLayOut = 500; // names; the others that only that would tell get the room of two lines
+    m_names.resize(items.size());
+    m_geometry.layOut(int(items.size()), [&](int row) {
+        Name &name = m_names[row];
+        const QString &now = items.at(row).name;
+        const bool isOther = name.name != now;
+        if (isOther)
+            name = {now, m_widths.widthOf(now)};
+        if (isOther || name.column != column) {
+            const float spare = float(column) - name.width.about;
+            const bool isSure = qAbs(spare) > name.width.within;
+            const bool isOne =
+                isSure ? spare > 0
+                       : mayLayOut-- > 0 &&
+                             wrappedLines(now, FileGridCellGeometry::nameStyle, column, 2).size() < 2;
+            name.lines = isOne ? 1 : 2;
+            name.column = column;
+        }
+        return heights[name.lines - 1];
+    });
+    return m_geometry;
 }
 
-void FileGridView::fit(int width) {
-    const FileGridGeometry geometry(width);
-    if (geometry == m_geometry)
+void FileGridView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                               const QList<int> &roles) {
+    FileItemsView::dataChanged(topLeft, bottomRight, roles);
+    if (roles == QList<int>{FileItemsModel::modifiedRole} || m_isStale)
         return;
-    m_geometry = geometry;
-    const QSize cell(m_geometry.columnWidth, FileGridCellGeometry::height());
-    m_cells->setCellSize(cell);
-    setGridSize(cell + QSize(FileGridGeometry::spacing, FileGridGeometry::spacing));
-}
-
-void FileGridView::updateGeometries() {
-    QScrollBar *bar = verticalScrollBar();
-    const int place = bar->value();
-    FileItemsView::updateGeometries();
-    // An inset above and one below; after the last line there is no spacing.
-    if (model()->rowCount() > 0) {
-        constexpr int more = 2 * FileGridGeometry::inset - FileGridGeometry::spacing;
-        bar->setMaximum(std::max(0, contentsSize().height() + more - viewport()->height()));
-        bar->setValue(place);
+    const FileGridGeometry before = m_geometry;
+    forgetLayout();
+    if (isVisible() && geometry() != before) {
+        updateGeometries();
+        viewport()->update();
     }
 }
 
 void FileGridView::resizeEvent(QResizeEvent *event) {
-    fit(event->size().width());
+    const FileGridGeometry fitting(event->size().width());
+    if (fitting.columns != m_geometry.columns || fitting.columnWidth != m_geometry.columnWidth ||
+        fitting.left != m_geometry.left) {
+        m_geometry = fitting;
+        forgetLayout();
+        viewport()->update();
+    }
     FileItemsView::resizeEvent(event);
-    // The toolkit takes its time; tiles that lag behind the window's edge look broken.
-    if (isVisible())
-        executeDelayedItemsLayout();
 }
 
 // -- Rubber band
@@ -72,10 +85,8 @@ QRect FileGridView::bandRect() const {
 
 QSet<int> FileGridView::rowsIn(const QRect &rect) const {
     QSet<int> rows;
-    const int firstLine = std::max(0, (rect.top() + verticalOffset()) / pitch());
-    const int lastLine = std::max(0, rect.bottom() + verticalOffset()) / pitch();
-    const int last = std::min((lastLine + 1) * columns(), model()->rowCount());
-    for (int row = firstLine * columns(); row < last; ++row) {
+    const auto [first, last] = rowsBetween(rect.top() + verticalOffset(), rect.bottom() + verticalOffset());
+    for (int row = first; row <= last; ++row) {
         if (visualRect(model()->index(row, 0)).intersects(rect))
             rows.insert(row);
     }

@@ -30,6 +30,8 @@ public:
     void follow(bool showsLocation);
 
     [[nodiscard]] const QList<FileItem> &items() const { return m_items; }
+    /// Whether each entry tells its folder.
+    [[nodiscard]] bool showsLocation() const { return m_showsLocation; }
     [[nodiscard]] const QBitArray &selectedRows() const { return m_selectedRows; }
 
     [[nodiscard]] QModelIndex index(int row, int column = 0, const QModelIndex &parent = {}) const override;

@@ -12,9 +12,9 @@
 #include "Views/ColumnButton.h"
 #include "Views/EmptinessView.h"
 #include "Views/FileContextMenu.h"
-#include "Views/FileDelegate.h"
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
+#include "Views/FileListView.h"
 #include "Views/FileRow.h"
 #include "Views/PathBar.h"
 #include "Views/ScopePicker.h"
@@ -83,7 +83,7 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     m_searchBar = makeSearchBar();
     m_columnHeaders = makeColumnHeaders();
     m_gridBar = makeGridSelectAllBar();
-    m_list = named(QStringLiteral("fileList"), new FileItemsView(m_items, selection, new FileRowDelegate));
+    m_list = named(QStringLiteral("fileList"), new FileListView(m_items, selection));
     m_grid = named(QStringLiteral("fileGrid"), new FileGridView(m_items, selection));
     m_emptiness = new EmptinessView;
     connect(m_emptiness, &EmptinessView::acted, this, [this] {
