@@ -7,6 +7,7 @@
 #include "Kit/Shapes.h"
 #include "Kit/Spinner.h"
 #include "Kit/Symbol.h"
+#include "Kit/TextField.h"
 #include "Kit/TextLabel.h"
 #include "Kit/WidthTable.h"
 #include "Theme/AppTheme.h"
@@ -230,6 +231,36 @@ TEST(ControlTests, aLabelYieldsAndIsReadWhole) {
     EXPECT_EQ(label->heightForWidth(220), 2 * label->sizeHint().height());
     EXPECT_EQ(label->heightForWidth(2000), label->sizeHint().height());
     EXPECT_TRUE(isElidedAt({100, 40})) << "two lines are not enough either";
+}
+
+TEST(ControlTests, aFieldsTextHasItsSizeAndIsHitWhereItIsSeen) {
+    constexpr TextStyle style{12.5, Weight::medium};
+    TextField field(style);
+    field.setStyleSheet(u"background: white"_s);
+    field.resize(300, 24);
+    field.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&field));
+    const QString text = u"mmmmmmmmmmmmmmmm|"_s;
+    field.setText(text);
+    const auto lastInk = [&] {
+        const QImage image = field.grab().toImage();
+        int last = 0;
+        for (int x = 0; x < image.width(); ++x)
+            for (int y = 0; y < image.height(); ++y)
+                last = image.pixelColor(x, y).lightness() < 160 ? x : last;
+        return last / image.devicePixelRatio();
+    };
+    const double end = style.width(text);
+    EXPECT_NEAR(lastInk(), end, 3);
+    for (const qsizetype letter : {3, 8, 15}) {
+        QTest::mouseClick(&field, Qt::LeftButton, {}, QPoint(qRound(style.width(text.left(letter))), 12));
+        EXPECT_EQ(field.cursorPosition(), letter);
+    }
+    // What does not fit fills the field, and its end is where the caret is.
+    field.setText(QString(100, u'm'));
+    EXPECT_GT(lastInk(), field.width() - 15);
+    QTest::mouseClick(&field, Qt::LeftButton, {}, QPoint(field.width() - 2, 12));
+    EXPECT_GE(field.cursorPosition(), 99);
 }
 
 TEST(ControlTests, aProgressBarFillsItsFractionAndNoMore) {

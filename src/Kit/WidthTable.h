@@ -34,7 +34,6 @@ private:
 
     TextStyle m_style;
     /// By how much a plain character makes a text longer: at the beginning, then behind each plain one.
-    /// Negative: not yet looked up.
     std::array<std::array<float, plainCount>, 1 + plainCount> m_steps;
     QHash<char32_t, float> m_others;
 };

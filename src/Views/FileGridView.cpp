@@ -16,7 +16,9 @@ namespace vantrel {
 
 FileGridView::FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent)
     : FileItemsView(model, selection, new FileGridCellDelegate, parent), m_geometry(width()),
-      m_widths(FileGridCellGeometry::nameStyle) {}
+      m_widths(FileGridCellGeometry::nameStyle) {
+    connect(model, &FileItemsModel::followed, this, &FileGridView::takeOtherNames);
+}
 
 // -- Layout
 
@@ -26,7 +28,7 @@ const FileGridGeometry &FileGridView::geometry() const {
     const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
     const int column = m_geometry.columnWidth;
     const int heights[] = {FileGridCellGeometry::height(1), FileGridCellGeometry::height(2)};
-    int mayLayOut = 500; // names; the others that only that would tell get the room of two lines
+    int mayLayOut = 200; // names; the others that only that would tell get the room of two lines
     m_names.resize(items.size());
     m_geometry.layOut(int(items.size()), [&](int row) {
         Name &name = m_names[row];
@@ -52,7 +54,16 @@ const FileGridGeometry &FileGridView::geometry() const {
 void FileGridView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                                const QList<int> &roles) {
     FileItemsView::dataChanged(topLeft, bottomRight, roles);
-    if (roles == QList<int>{FileItemsModel::modifiedRole} || m_isStale)
+    if (!roles.isEmpty() || m_isStale || m_hasOtherNames) // no other name, or it will be looked at anyway
+        return;
+    const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
+    for (int row = topLeft.row(); row <= bottomRight.row() && !m_hasOtherNames; ++row)
+        m_hasOtherNames = items.at(row).name != m_names.at(row).name;
+}
+
+/// Once for all the changes that come together: a name may take another number of lines.
+void FileGridView::takeOtherNames() {
+    if (!std::exchange(m_hasOtherNames, false) || m_isStale)
         return;
     const FileGridGeometry before = m_geometry;
     forgetLayout();

@@ -43,6 +43,7 @@ private:
     };
 
     [[nodiscard]] const FileGridGeometry &geometry() const;
+    void takeOtherNames();
     [[nodiscard]] QPoint scrolled() const;
     [[nodiscard]] QRect bandRect() const;
     [[nodiscard]] QSet<int> rowsIn(const QRect &rect) const;
@@ -51,7 +52,8 @@ private:
     // Put together when they are asked for, not at each of the changes that come together.
     mutable FileGridGeometry m_geometry;
     mutable bool m_isStale = true;
-    mutable QList<Name> m_names; ///< of the rows
+    bool m_hasOtherNames = false; ///< than those that the layout is of
+    mutable QList<Name> m_names;  ///< of the rows
     mutable WidthTable m_widths;
     std::optional<RubberBand> m_band;
 };

@@ -10,7 +10,7 @@ namespace vantrel {
 namespace {
 
 /// How an entry differs to the eye from the one that stood at its place.
-enum class Change { none, date, look };
+enum class Change { none, date, mark, look };
 
 Change changeBetween(const FileItem &a, const FileItem &b, bool showsLocation) {
     // Names come last: only they take time.
@@ -57,6 +57,7 @@ void FileItemsModel::follow(bool showsLocation) {
         tellChanges(itemsBefore, selectedBefore);
     if (isReset || hasNewRows || m_selectedRows != selectedBefore)
         Q_EMIT selectedRowsChanged();
+    Q_EMIT followed();
 }
 
 /// Where the pane shows the known entries and some more among them, as when a folder is listed again that has
@@ -106,10 +107,15 @@ void FileItemsModel::tellChanges(const QList<FileItem> &itemsBefore, const QBitA
     if (sameItems && m_selectedRows == selectedBefore)
         return;
     const auto changeOf = [&](qsizetype row) {
-        if (m_selectedRows.testBit(row) != selectedBefore.testBit(row))
-            return Change::look;
-        return sameItems ? Change::none
-                         : changeBetween(itemsBefore.at(row), m_items.at(row), m_showsLocation);
+        const Change of =
+            sameItems ? Change::none : changeBetween(itemsBefore.at(row), m_items.at(row), m_showsLocation);
+        const bool isMarked = m_selectedRows.testBit(row) != selectedBefore.testBit(row);
+        return of == Change::none && isMarked ? Change::mark : isMarked ? Change::look : of;
+    };
+    const auto rolesOf = [](Change change) {
+        return change == Change::date   ? QList<int>{modifiedRole}
+               : change == Change::mark ? QList<int>{selectedRole}
+                                        : QList<int>{};
     };
     // A signal for every run of rows that changed alike.
     const auto count = int(std::min(m_items.size(), itemsBefore.size()));
@@ -120,8 +126,7 @@ void FileItemsModel::tellChanges(const QList<FileItem> &itemsBefore, const QBitA
         if (change == run)
             continue;
         if (run != Change::none)
-            Q_EMIT dataChanged(index(first), index(row - 1),
-                               run == Change::date ? QList<int>{modifiedRole} : QList<int>{});
+            Q_EMIT dataChanged(index(first), index(row - 1), rolesOf(run));
         run = change;
         first = row;
     }

@@ -21,6 +21,7 @@ public:
     enum Role {
         entryRole = Qt::UserRole, ///< the FileEntry
         modifiedRole,             ///< its date, which the grid does not show
+        selectedRole,             ///< whether it is selected, which is of no consequence to where it lies
     };
 
     /// The pane must outlive the model.
@@ -45,6 +46,8 @@ public:
 
 Q_SIGNALS:
     void selectedRowsChanged();
+    /// After all signals of one follow().
+    void followed();
 
 private:
     bool insertNewRows();

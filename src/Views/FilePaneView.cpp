@@ -6,6 +6,7 @@
 #include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
+#include "Kit/TextField.h"
 #include "Kit/TextLabel.h"
 #include "MacFiles/Desktop.h"
 #include "State/PaneState.h"
@@ -162,10 +163,9 @@ QWidget *FilePaneView::makeHeader() {
 QWidget *FilePaneView::makeSearchBar() {
     auto *bar = new QWidget;
     // Before the field is there: made with another font, it would open that one first.
-    bar->setFont(TextStyle{12.5, Weight::medium}.font());
-    m_searchField = named(QStringLiteral("searchField"), new QLineEdit(bar));
-    m_searchField->setFrame(false);
-    m_searchField->setTextMargins(-2, 0, 0, 0); // what the toolkit keeps free before the first letter
+    constexpr TextStyle style{12.5, Weight::medium};
+    bar->setFont(style.font());
+    m_searchField = named(QStringLiteral("searchField"), new TextField(style, bar));
     m_scopePicker = named(QStringLiteral("scopePicker"), new ScopePicker);
     m_clearSearch = named(QStringLiteral("clearSearch"), new IconButton({18, 18}, IconButton::circle));
     m_clearSearch->setLook({.symbol = {QStringLiteral("xmark.circle.fill"), 12, Weight::semibold},
