@@ -1109,6 +1109,102 @@ TEST_F(DualBrowserTests, thePhonesPaneBrowses) {
     EXPECT_TRUE(lists(android(), {}));
 }
 
+TEST_F(DualBrowserTests, backGoesToWhereOneWas) {
+    constexpr int count = 150;
+    const QString there = u"/sdcard/many"_s;
+    const QString hostThere = phone.hostPath(there);
+    connectPhone();
+    for (const QString &many : {hostThere, here(u"many"_s)}) {
+        QDir(many).mkpath(u"sub 050/deeper"_s);
+        for (int i = 0; i < count; ++i)
+            write(many + u"/file %1"_s.arg(i, 3, 10, QLatin1Char('0')), "x");
+    }
+    struct Case {
+        BrowserSide side;
+        PaneViewMode mode;
+        QString path, host;
+    };
+    for (const Case &c : {Case{BrowserSide::mac, PaneViewMode::list, here(u"many"_s), here(u"many"_s)},
+                          Case{BrowserSide::android, PaneViewMode::grid, there, hostThere}}) {
+        SCOPED_TRACE(qPrintable(c.path));
+        PaneState &pane = state->pane(c.side);
+        QWidget &widget = c.side == BrowserSide::mac ? mac() : android();
+        pane.setViewMode(c.mode);
+        const auto shows = [&](const QString &path) {
+            const bool isListed = waitFor([&] { return pane.path() == path && !pane.isLoading(); });
+            settle();
+            return isListed;
+        };
+        const auto browse = [&](const QString &path) {
+            c.side == BrowserSide::mac ? state->browseMac(path) : state->browseAndroid(path);
+            return shows(path);
+        };
+        const auto goTo = [&](const QString &path) {
+            widget.findChild<FilePaneView *>()->pane().path.onGoTo(path);
+            return shows(path);
+        };
+        const auto bar = [&] { return entriesOf(widget)->verticalScrollBar(); };
+        const auto seen = [&] { return itemsOf(widget).value(entriesOf(widget)->rowsInSight().first).name; };
+        const auto current = [&] { return entriesOf(widget)->currentIndex().data().toString(); };
+        const auto selected = [&] { return namesOf(pane.selectedItems()); };
+        const auto openSub = [&] {
+            doubleClickEntry(widget, 0);
+            EXPECT_TRUE(shows(c.path + u"/sub 050"_s));
+            EXPECT_EQ(bar()->value(), 0);
+        };
+
+        ASSERT_TRUE(browse(c.path));
+        bar()->setValue(11);
+        pane.selectItem(itemsOf(widget).at(3));
+        openSub();
+        EXPECT_TRUE(pane.selectedIDs().isEmpty());
+        press(widget, u"back"_s);
+        ASSERT_TRUE(shows(c.path));
+        EXPECT_EQ(bar()->value(), 11);
+        EXPECT_THAT(selected(), ElementsAre(u"sub 050"_s, u"file 002"_s));
+        EXPECT_EQ(current(), u"sub 050");
+
+        // Where files have come and gone, it is those that are still there.
+        bar()->setValue(700);
+        const QString top = seen();
+        ASSERT_NE(top, itemsOf(widget).first().name);
+        EXPECT_TRUE(browse(c.path + u"/sub 050/deeper"_s));
+        QFile::remove(c.host + u"/file 002"_s);
+        for (int i = 0; i < 40; ++i)
+            write(c.host + u"/a %1"_s.arg(i), "x");
+        EXPECT_TRUE(goTo(c.path));
+        const QStringList listed = namesOf(itemsOf(widget));
+        const QRect rect = rectOf(entriesOf(widget), int(listed.indexOf(top)));
+        EXPECT_TRUE(rect.top() <= 0 && rect.bottom() + 10 > 0)
+            << rect.top() << ", seen " << seen().toStdString();
+        EXPECT_THAT(selected(), ElementsAre(u"sub 050"_s));
+        QDir(c.host).removeRecursively();
+        EXPECT_TRUE(browse(c.path + u"/x"_s));
+        QDir(c.host).mkpath(u"x"_s);
+        write(c.host + u"/one"_s, "x");
+        EXPECT_TRUE(goTo(c.path));
+        EXPECT_TRUE(lists(widget, {u"x"_s, u"one"_s})) << "nothing of what was is there";
+
+        // What is opened begins at its top.
+        pane.selectAllVisible();
+        ASSERT_TRUE(browse(c.path + u"/x"_s));
+        ASSERT_TRUE(browse(c.path));
+        EXPECT_THAT(selected(), ElementsAre());
+    }
+    // Not what another phone has under that name.
+    state->pane(BrowserSide::android).selectAllVisible();
+    browsePhone(u"/sdcard/many/x"_s);
+    QDir(phone.otherRoot(u"OTHER"_s)).mkpath(u"many/x"_s);
+    phone.setOther(u"OTHER"_s, u"device"_s);
+    phone.unplug();
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return state->device().id == u"OTHER"; }));
+    browsePhone(u"/sdcard/many/x"_s);
+    press(android(), u"back"_s);
+    EXPECT_TRUE(lists(android(), {u"x"_s}));
+    EXPECT_TRUE(state->androidSelectedIDs().isEmpty());
+}
+
 TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     connectPhone();
     auto *field = control<QLineEdit>(android(), u"searchField"_s);

@@ -70,7 +70,7 @@ public:
     [[nodiscard]] const auto &selectedShortcutID() const { return m_selectedShortcutID.value(); }
     void setSelectedShortcutID(const std::optional<QUuid> &id) { m_selectedShortcutID = id; }
     /// Shows a phone folder.
-    QCoro::Task<> browseAndroid(QString path);
+    QCoro::Task<> browseAndroid(QString path, Arrival arrival = Arrival::anew);
     /// Asks for a name and creates a folder in androidCurrentPath.
     QCoro::Task<> createAndroidFolder();
     /// Copies a phone file into the cache and opens it with its default application. Folders are ignored.
@@ -103,7 +103,7 @@ public:
     [[nodiscard]] const QString &macAvailableLabel() const { return m_macAvailableLabel.value(); }
     [[nodiscard]] QString macSelectionSummary() const;
     /// Shows a folder of the computer.
-    QCoro::Task<> browseMac(QString path);
+    QCoro::Task<> browseMac(QString path, Arrival arrival = Arrival::anew);
     /// Asks for a name and creates a folder in macPath.
     QCoro::Task<> createMacFolder();
 
@@ -179,6 +179,7 @@ private:
     PaneState m_androidPane;
     PaneState m_macPane;
     PhoneWatch m_phones{[this] { return openPhone(); }};
+    QString m_openedPhone; ///< whose folders the phone pane remembers
     DeviceSearch m_search{m_androidPane};
     TransferRunner m_transfers{*this};
 

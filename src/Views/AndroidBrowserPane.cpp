@@ -81,7 +81,7 @@ void AndroidBrowserPane::fill(FilePane &pane) {
     pane.path.folder = state->androidCurrentPath();
     pane.path.onGoTo = [this](const QString &path) {
         focusSide();
-        app().browseAndroid(path);
+        app().browseAndroid(path, arrivalAt(path));
     };
     if (!isSearchActive)
         pane.path.segments = segmentsOf(state->androidCurrentPath(), state->androidPathSegments());
@@ -98,7 +98,7 @@ void AndroidBrowserPane::fill(FilePane &pane) {
         if (state->isAndroidEverywhereSearchActive())
             state->clearAndroidSearch();
         else
-            state->browseAndroid(parentAndroidPath(state->androidCurrentPath()));
+            state->browseAndroid(parentAndroidPath(state->androidCurrentPath()), Arrival::back);
     };
     pane.onRefresh = [state] {
         if (state->isAndroidEverywhereSearchActive())

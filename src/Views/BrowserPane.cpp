@@ -32,6 +32,11 @@ std::optional<Emptiness> BrowserPane::emptiness() const {
                                : EmptyStates::emptyFolder();
 }
 
+Arrival BrowserPane::arrivalAt(const QString &path) const {
+    const QString above = path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
+    return m_state.path().startsWith(above) ? Arrival::back : Arrival::anew;
+}
+
 void BrowserPane::focusSide() const {
     m_app->setFocusedBrowserSide(m_state.side());
 }
@@ -71,6 +76,8 @@ void BrowserPane::render() {
                       focusSide();
                       m_state.setOrder(order);
                   }};
+    pane.placeToken = m_state.placeToken();
+    pane.onPlace = [this](const PanePlace &place) { m_state.setPlace(place); };
     pane.onDrag = [this](const FileItem &item) {
         const bool isOfMany = m_state.selectedIDs().contains(item.id);
         dragEntries(m_view, new DraggedEntries(m_state.side(), m_app->device().id,

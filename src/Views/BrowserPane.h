@@ -49,6 +49,8 @@ protected:
     [[nodiscard]] AppState &app() const { return *m_app; }
     [[nodiscard]] PaneState &state() const { return m_state; }
     void focusSide() const;
+    /// How a folder is come to from the one that is shown: one around it is gone back to.
+    [[nodiscard]] Arrival arrivalAt(const QString &path) const;
 
 private:
     void render();

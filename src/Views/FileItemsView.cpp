@@ -148,6 +148,8 @@ void FileItemsView::doItemsLayout() {
 void FileItemsView::scrollContentsBy(int dx, int dy) {
     scrollDirtyRegion(dx, dy);
     viewport()->scroll(dx, dy);
+    if (isVisible())
+        Q_EMIT placeChanged();
 }
 
 void FileItemsView::scrollTo(const QModelIndex &index, ScrollHint hint) {
@@ -210,6 +212,36 @@ void FileItemsView::setDropTarget(const QModelIndex &folder) {
 void FileItemsView::startAtTop() {
     setCurrentIndex(model()->index(0, 0));
     scrollToTop();
+}
+
+PanePlace FileItemsView::place() const {
+    const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
+    const int first = rowsInSight().first;
+    const int current = currentIndex().row();
+    if (first >= items.size())
+        return {};
+    return {items.at(first).path, first, verticalOffset() - rectOf(first).top(),
+            current >= 0 && current < items.size() ? items.at(current).path : QString()};
+}
+
+void FileItemsView::showPlace(const PanePlace &place) {
+    const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
+    const auto rowOf = [&](const QString &path) {
+        const auto found =
+            std::find_if(items.begin(), items.end(), [&](const FileItem &item) { return item.path == path; });
+        return !path.isEmpty() && found != items.end() ? std::optional(int(found - items.begin()))
+                                                       : std::nullopt;
+    };
+    executeDelayedItemsLayout();
+    const auto current = rowOf(place.current);
+    setCurrentIndex(model()->index(current.value_or(0), 0));
+    if (place.top.isEmpty() && current) {
+        scrollTo(currentIndex(), PositionAtCenter);
+    } else {
+        const int last = std::max(0, int(items.size()) - 1);
+        const int row = rowOf(place.top).value_or(std::min(place.row, last));
+        verticalScrollBar()->setValue(rectOf(row).top() + place.offset);
+    }
 }
 
 // -- Mouse
@@ -403,6 +435,8 @@ QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers
 }
 
 void FileItemsView::currentChanged(const QModelIndex &current, const QModelIndex &previous) {
+    if (isVisible())
+        Q_EMIT placeChanged();
     // Without a ring there is nothing to paint, to scroll to or to tell.
     if (!m_showsFocus)
         return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Records/Pane.h"
 #include "Views/FileEntry.h"
 
 #include <QAbstractItemView>
@@ -31,6 +32,9 @@ public:
 
     /// Shows the first entries, and has the keyboard begin there.
     void startAtTop();
+    /// What is in sight, and showing it again: as far as it is still there.
+    [[nodiscard]] PanePlace place() const;
+    void showPlace(const PanePlace &place);
     /// Tells assistive technology that another entry may stand where the ring is.
     void announceFocus();
     /// Takes the keyboard from a control that goes away, with the ring: who was there works with keys.
@@ -59,6 +63,8 @@ Q_SIGNALS:
     /// The mouse has begun to drag the entry.
     void dragged(const FileItem &item);
     void contextMenuRequested(const FileItem &item, const QPoint &globalPosition);
+    /// While the view is seen: place() has changed.
+    void placeChanged();
 
 protected:
     // -- The layout, in pixels of the content. It is that of the model as it was at forgetLayout() or later.

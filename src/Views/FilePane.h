@@ -59,11 +59,13 @@ struct FilePane {
     std::optional<Binding<AndroidSearchScope>> searchScope = {};
     std::function<void()> onClearSearch = {}; ///< absent: the text is emptied
     bool showsItemLocation = false;
-    qint64 focusSearchToken = 0;                        ///< every change puts the caret into the search field
-    bool showsMacContextMenu = false;                   ///< an entry offers the computer's commands
-    bool showsOpenContextMenu = false;                  ///< an entry offers "Open" alone
-    std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
-    std::function<void(const FileItem &)> onDrag = {};  ///< absent: entries cannot be dragged
+    qint64 focusSearchToken = 0; ///< every change puts the caret into the search field
+    qint64 placeToken = 0;       ///< every change shows the place that the pane's state names
+    std::function<void(const PanePlace &)> onPlace = {}; ///< other entries are in sight
+    bool showsMacContextMenu = false;                    ///< an entry offers the computer's commands
+    bool showsOpenContextMenu = false;                   ///< an entry offers "Open" alone
+    std::optional<Binding<PaneViewMode>> viewMode = {};  ///< absent: a list
+    std::function<void(const FileItem &)> onDrag = {};   ///< absent: entries cannot be dragged
     /// How many entries a drop of this would copy here; with none it is refused. Absent: every drop is.
     std::function<qsizetype(const QMimeData &)> dropCount = {};
     /// Something that dropCount() takes was dropped, on the folder of this path.

@@ -107,6 +107,8 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
         connect(view, &FileItemsView::dragged, this,
                 [this](const FileItem &item) { call(m_pane.onDrag, item); });
         connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
+        connect(view, &FileItemsView::placeChanged, this,
+                [this, view] { call(m_pane.onPlace, view->place()); });
     }
 
     setAcceptDrops(true);
@@ -252,6 +254,7 @@ bool FilePaneView::isGrid() const {
 void FilePaneView::setPane(const FilePane &pane) {
     const FilePane before = std::exchange(m_pane, pane);
     const bool isFirst = std::exchange(m_isFirst, false);
+    const PanePlace place = m_state.place(); // before what moves below changes it
     const auto searchValue = [](const FilePane &of) {
         return of.searchText ? of.searchText->value : QString();
     };
@@ -277,6 +280,11 @@ void FilePaneView::setPane(const FilePane &pane) {
         m_grid->startAtTop();
     }
     showEntries();
+    const auto modeValue = [](const FilePane &of) {
+        return of.viewMode ? of.viewMode->value : PaneViewMode::list;
+    };
+    if (before.placeToken != m_pane.placeToken || modeValue(before) != modeValue(m_pane))
+        entries()->showPlace(place);
     const auto heir = [this] { entries()->takeFocus(); };
     showWithHeir(m_columnHeaders, !isGrid(), heir);
     showWithHeir(m_gridBar, isGrid() && m_pane.onToggleSelectAll, heir);
