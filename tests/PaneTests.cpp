@@ -445,6 +445,12 @@ TEST_F(FilePaneTests, contextMenusFollowTheFlags) {
     pane.showsMacContextMenu = true;
     show();
     EXPECT_THAT(titles(1), ElementsAre(u"Open"_s, revealTitle(), u"-"_s, u"Copy Path"_s));
+    pane.onDetails = [this](const FileItem &item) { calls.append(u"details "_s + item.name); };
+    show();
+    EXPECT_THAT(titles(1),
+                ElementsAre(u"Open"_s, revealTitle(), u"-"_s, u"Copy Path"_s, u"-"_s, u"Details…"_s));
+    choose(menu(0), u"Details…"_s);
+    EXPECT_THAT(taken(), ElementsAre(u"details folder"_s));
     choose(menu(1), u"Open"_s);
     choose(menu(1), revealTitle());
     choose(menu(0), u"Copy Path"_s);

@@ -51,6 +51,8 @@ public:
     void selectAllVisible(BrowserSide side) { pane(side).selectAllVisible(); }
     void toggleSelectAllVisible(BrowserSide side) { pane(side).toggleSelectAllVisible(); }
     void clearSelection(BrowserSide side) { pane(side).clearSelection(); }
+    /// Asks the window to show the details of entries of that side.
+    void showDetails(BrowserSide side, const QList<FileItem> &items) { Q_EMIT detailsRequested(side, items); }
     [[nodiscard]] PaneSelectAllState selectAllState(BrowserSide side) { return pane(side).selectAllState(); }
 
     // -- The phone pane
@@ -149,6 +151,7 @@ Q_SIGNALS:
     void androidViewModeChanged();
     void macViewModeChanged();
     void focusedBrowserSideChanged();
+    void detailsRequested(BrowserSide side, const QList<FileItem> &items);
     void macPathChanged();
     void macItemsChanged();
     void macSelectedIDsChanged();

@@ -37,6 +37,11 @@ Arrival BrowserPane::arrivalAt(const QString &path) const {
     return m_state.path().startsWith(above) ? Arrival::back : Arrival::anew;
 }
 
+/// All that are selected, if the entry is one of them.
+QList<FileItem> BrowserPane::together(const FileItem &item) const {
+    return m_state.selectedIDs().contains(item.id) ? m_state.selectedItems() : QList{item};
+}
+
 void BrowserPane::focusSide() const {
     m_app->setFocusedBrowserSide(m_state.side());
 }
@@ -76,12 +81,14 @@ void BrowserPane::render() {
                       focusSide();
                       m_state.setOrder(order);
                   }};
+    pane.onDetails = [this](const FileItem &item) {
+        focusSide();
+        m_app->showDetails(m_state.side(), together(item));
+    };
     pane.placeToken = m_state.placeToken();
     pane.onPlace = [this](const PanePlace &place) { m_state.setPlace(place); };
     pane.onDrag = [this](const FileItem &item) {
-        const bool isOfMany = m_state.selectedIDs().contains(item.id);
-        dragEntries(m_view, new DraggedEntries(m_state.side(), m_app->device().id,
-                                               isOfMany ? m_state.selectedItems() : QList{item}));
+        dragEntries(m_view, new DraggedEntries(m_state.side(), m_app->device().id, together(item)));
     };
     pane.dropCount = [this](const QMimeData &dragged) {
         return m_app->device().isConnected ? draggedCount(dragged, m_state.side()) : 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/RenderScheduler.h"
+#include "Records/FileItem.h"
 #include "Records/Pane.h"
 #include "Views/Emptiness.h"
 
@@ -54,6 +55,7 @@ protected:
 
 private:
     void render();
+    [[nodiscard]] QList<FileItem> together(const FileItem &item) const;
     void take(const QMimeData &dragged, const QString &folder);
 
     AppState *m_app;

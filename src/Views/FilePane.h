@@ -49,7 +49,8 @@ struct FilePane {
     std::function<void(const QList<FileItem> &, bool isSelected)> onSelectRange = {}; ///< absent: no ranges
     std::function<void()> onToggleSelectAll = {};
     std::function<void(const FileItem &)> onOpen = {};
-    std::function<void()> onFocus = {}; ///< the pane was clicked beside its controls
+    std::function<void(const FileItem &)> onDetails = {}; ///< absent: no menu offers them
+    std::function<void()> onFocus = {};                   ///< the pane was clicked beside its controls
     std::function<void()> onBack = {};
     std::function<void()> onRefresh = {};
     std::function<void()> onChooseFolder = {};

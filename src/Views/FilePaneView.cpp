@@ -410,6 +410,15 @@ void FilePaneView::editPath() {
     m_path->edit();
 }
 
+void FilePaneView::showDetails() {
+    const QModelIndex focused = entries()->focusedIndex();
+    const QList<FileItem> selected = m_state.selectedItems();
+    if (focused.isValid())
+        call(m_pane.onDetails, m_items->items().at(focused.row()));
+    else if (!selected.isEmpty())
+        call(m_pane.onDetails, selected.first());
+}
+
 void FilePaneView::clearSearch() {
     if (m_pane.onClearSearch)
         call(m_pane.onClearSearch);
@@ -424,7 +433,8 @@ void FilePaneView::toggleSelectAll() const {
 }
 
 void FilePaneView::showContextMenu(const FileItem &item, const QPoint &position) {
-    auto menu = fileContextMenu(m_pane, item, [this, item] { open(item); });
+    auto menu = fileContextMenu(
+        m_pane, item, [this, item] { open(item); }, [this, item] { call(m_pane.onDetails, item); });
     if (!menu)
         return;
     menu->setParent(this, menu->windowFlags());

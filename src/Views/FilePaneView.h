@@ -37,6 +37,8 @@ public:
     void takeFocus();
     /// Lets the path be typed.
     void editPath();
+    /// Shows the details of the entry that has the ring, or of what is selected.
+    void showDetails();
 
     /// The same for every pane, whatever it shows: two of them share a width equally.
     [[nodiscard]] QSize sizeHint() const override { return {480, 480}; }

@@ -20,6 +20,7 @@ enum class WindowCommand {
     openMenu,
     toggleFullScreen,
     showKeyboard,
+    showDetails,
 };
 
 /// Keys and what they do: the window's shortcuts are made from this, and the help that shows them.

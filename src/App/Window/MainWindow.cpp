@@ -1,6 +1,7 @@
 #include "App/Window/MainWindow.h"
 
 #include "App/Sheets/AboutView.h"
+#include "App/Sheets/DetailsView.h"
 #include "App/Sheets/KeyboardView.h"
 #include "App/Sheets/MessageSheet.h"
 #include "App/Sheets/WirelessView.h"
@@ -15,6 +16,7 @@
 #include "App/Window/WindowChrome.h"
 #include "App/Window/WindowCommands.h"
 #include "State/AppState.h"
+#include "State/Details.h"
 #include "State/WirelessPhones.h"
 #include "Transfers/QueueFile.h"
 
@@ -60,6 +62,7 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
       m_state(AppState::designPreview(desktop)),
       m_wireless(new WirelessPhones(settings.wirelessPhones(), this)), m_quitWatch(new QuitWatch(this)) {
+    connect(m_state.get(), &AppState::detailsRequested, this, &MainWindow::showDetails);
     connect(m_wireless, &WirelessPhones::rememberedChanged, this,
             [this] { m_settings.setWirelessPhones(m_wireless->remembered()); });
     connect(m_wireless, &WirelessPhones::connected, m_state.get(),
@@ -155,6 +158,17 @@ void MainWindow::showKeyboard() {
 
 void MainWindow::showWireless() {
     openOnce<WirelessView>(this, *m_wireless);
+}
+
+void MainWindow::showDetails(BrowserSide side, const QList<FileItem> &items) {
+    if (items.isEmpty() || findChild<DetailsView *>())
+        return;
+    const AndroidDevice &device = m_state->device();
+    const auto phone =
+        side == BrowserSide::android ? std::optional(Details::Phone{device.id, device.name}) : std::nullopt;
+    auto *view = new DetailsView(this, std::make_unique<Details>(items, phone), m_state->desktop());
+    view->setAttribute(Qt::WA_DeleteOnClose);
+    view->open();
 }
 
 bool MainWindow::event(QEvent *event) {

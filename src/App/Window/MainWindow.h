@@ -1,6 +1,8 @@
 #pragma once
 
 #include "App/System/Settings.h"
+#include "Records/FileItem.h"
+#include "Records/Pane.h"
 #include "Theme/AppTheme.h"
 
 #include <QCoroTask>
@@ -64,6 +66,7 @@ private:
     void furnish();
     void addToolbarButtons();
     void renderAppearanceButton();
+    void showDetails(BrowserSide side, const QList<FileItem> &items);
     QCoro::Task<> runStartUp();
     /// Whether the question is shown, to which the user's answer closes the window.
     bool asksBeforeClosing();

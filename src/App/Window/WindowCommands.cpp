@@ -65,6 +65,9 @@ void WindowCommands::perform(WindowCommand command) {
     case WindowCommand::toggleFullScreen:
         m_window->setWindowState(m_window->windowState() ^ Qt::WindowFullScreen);
         break;
+    case WindowCommand::showDetails:
+        browser->focusedPane()->showDetails();
+        break;
     case WindowCommand::showKeyboard:
         Q_EMIT keyboardRequested();
         break;
