@@ -257,8 +257,14 @@ TEST_F(WholeWindowTests, everythingHasARoleANameAStateAndNoMarkup) {
     phone.write(u"no.txt"_s, "x");
     phone.makeFolder(u"bare"_s);
     write(mac.filePath(u"folder/note.txt"_s), "another");
-    const auto copyAll = [this] {
-        connectPhone();
+    const auto browse = [this] {
+        refresh();
+        browsePhone(u"/sdcard"_s);
+        browseMac(mac.filePath(u"folder"_s));
+        ASSERT_EQ(state->androidItems().size(), 5);
+    };
+    const auto copyAll = [&] {
+        browse();
         phone.deny(u"no.txt"_s);
         select(BrowserSide::android);
         state->transferAndroidToMac();
@@ -276,7 +282,7 @@ TEST_F(WholeWindowTests, everythingHasARoleANameAStateAndNoMarkup) {
     const Roles entries{QAccessible::List, QAccessible::ListItem};
     const Roles progress{QAccessible::ProgressBar, QAccessible::ListItem};
     states += {
-        {"a listing", [this] { phone.plug(), connectPhone(); }, entries},
+        {"a listing", [&] { phone.plug(), browse(); }, entries},
         {"a selection", [this] { select(BrowserSide::android); }, entries},
         {"a grid", [this] { state->setAndroidViewMode(PaneViewMode::grid); }, entries},
         {"a filter", [this] { state->setAndroidSearchText(u"b"_s); }, entries},

@@ -8,16 +8,20 @@ namespace vantrel {
 PaneState::PaneState(BrowserSide side, const QString &path) : m_side(side), m_path(path) {}
 
 void PaneState::toggleSelection(const FileItem &item) {
+    m_justSelected = QUuid();
     if (!m_selectedIDs.remove(item.id))
         m_selectedIDs.insert(item.id);
     Q_EMIT selectedIDsChanged();
 }
 
 void PaneState::selectItem(const FileItem &item) {
+    const bool isNew = !m_selectedIDs.contains(item.id);
     setSelected({item}, true);
+    m_justSelected = isNew ? item.id : QUuid();
 }
 
 void PaneState::setSelected(const QList<FileItem> &items, bool isSelected) {
+    m_justSelected = QUuid();
     const qsizetype before = m_selectedIDs.size();
     if (isSelected)
         m_selectedIDs.reserve(before + items.size());
@@ -71,7 +75,7 @@ void PaneState::setOrder(FileOrder order) {
 
 quint64 PaneState::open(const QString &path, Arrival arrival) {
     if (path != m_path) {
-        leave();
+        leave(path);
         m_wanted = {};
         if (arrival == Arrival::back)
             m_wanted = m_visits.visitOf(path).value_or(FolderVisit{path, {.current = m_path}});
@@ -83,13 +87,14 @@ quint64 PaneState::open(const QString &path, Arrival arrival) {
     return ++m_token;
 }
 
-/// Remembers the folder as it is left.
-void PaneState::leave() {
+/// Remembers the folder as it is left. The first click of the two that open a folder has selected it: nobody
+/// wants to find it selected for that.
+void PaneState::leave(const QString &to) {
     if (!std::exchange(m_isListed, false))
         return;
     FolderVisit visit{m_path, m_place};
     for (const FileItem &item : std::as_const(m_items)) {
-        if (m_selectedIDs.contains(item.id))
+        if (m_selectedIDs.contains(item.id) && !(item.id == m_justSelected && item.path == to))
             visit.selected.insert(item.name);
     }
     m_visits.remember(visit);

@@ -108,7 +108,7 @@ Q_SIGNALS:
     void orderChanged();
 
 private:
-    void leave();
+    void leave(const QString &to);
     [[nodiscard]] bool arrive(const QList<FileItem> &items);
     void replaceItems(const QList<FileItem> &items, qsizetype unreadableCount);
     void updateVisibleItems();
@@ -120,6 +120,7 @@ private:
     qsizetype m_unreadableCount = 0;
     QList<FileItem> m_visibleItems;
     QSet<QUuid> m_selectedIDs;
+    QUuid m_justSelected; ///< by itself, as the last change of the selection
     QString m_filter;
     FileOrder m_order;
     std::optional<QList<FileItem>> m_hits;

@@ -45,12 +45,13 @@ void FileItemsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &b
 void FileItemsView::rowsInserted(const QModelIndex &parent, int start, int end) {
     const int count = end - start + 1;
     const int place = verticalOffset();
-    const int first = rowsInSight().first;
-    const int top = rectOf(first).top();
-    const bool isAbove = place > 0 && start <= first && count < model()->rowCount();
+    const bool isSeen = isVisible(); // or its layout waits
+    const int first = isSeen ? rowsInSight().first : 0;
+    const int top = isSeen ? rectOf(first).top() : 0;
+    const bool isAbove = isSeen && place > 0 && start <= first && count < model()->rowCount();
     QAbstractItemView::rowsInserted(parent, start, end);
     layOutRows();
-    if (isAbove && isVisible()) // what is in sight stays there
+    if (isAbove) // what is in sight stays there
         verticalScrollBar()->setValue(place + rectOf(first + count).top() - top);
     updateRows(start, end);
 }
@@ -240,7 +241,8 @@ void FileItemsView::showPlace(const PanePlace &place) {
     } else {
         const int last = std::max(0, int(items.size()) - 1);
         const int row = rowOf(place.top).value_or(std::min(place.row, last));
-        verticalScrollBar()->setValue(rectOf(row).top() + place.offset);
+        // What is above the first entry is seen with it, in every layout.
+        verticalScrollBar()->setValue(row == 0 && place.offset == 0 ? 0 : rectOf(row).top() + place.offset);
     }
 }
 
