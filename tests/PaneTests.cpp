@@ -521,6 +521,51 @@ TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumns) {
     EXPECT_EQ(entries()->verticalScrollBar()->maximum(), 0);
 }
 
+TEST_F(FilePaneTests, theTilesSizeFollowsTheSliderAndTheWheel) {
+    auto *slider = control<QSlider>(view, u"tileSize"_s);
+    showAs(PaneViewMode::grid);
+    EXPECT_FALSE(slider->isVisible()) << "nothing to bind it to";
+    pane.tileSize = {TileSize::standard, [this](int size) {
+                         calls.append(u"size %1"_s.arg(size));
+                         pane.tileSize->value = size;
+                         show();
+                     }};
+    show(someFiles(400));
+    ASSERT_TRUE(slider->isVisible());
+    QAccessibleInterface *heard = accessible(slider);
+    EXPECT_EQ(heard->role(), QAccessible::Slider);
+    EXPECT_EQ(heard->text(QAccessible::Name), u"Size of the tiles");
+    EXPECT_EQ(heard->valueInterface()->currentValue(), 96);
+
+    entries()->verticalScrollBar()->setValue(2000);
+    const auto firstRow = [this] {
+        return entries()->indexAt(QPoint(60, 40)).isValid() ? entries()->indexAt(QPoint(60, 40)).row()
+                                                            : entries()->indexAt(QPoint(60, 90)).row();
+    };
+    const int before = firstRow();
+    const auto turn = [this](Qt::KeyboardModifiers modifiers, int angle) {
+        const QPointF place(50, 50);
+        QWheelEvent wheel(place, entries()->viewport()->mapToGlobal(place), {}, {0, angle}, {}, modifiers,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(entries()->viewport(), &wheel);
+    };
+    turn(Qt::ControlModifier, 60); // half a notch, as of a fine wheel
+    turn(Qt::ControlModifier, 60);
+    EXPECT_THAT(taken(), ElementsAre(u"size 120"_s));
+    EXPECT_EQ(slider->value(), 120);
+    EXPECT_EQ(rectOf(entries(), 0).width(),
+              FileGridGeometry(entries()->viewport()->width(), 120).columnWidth);
+    EXPECT_EQ(rectOf(entries(), 0).height(), FileGridCellGeometry::height(90));
+    EXPECT_LE(qAbs(firstRow() - before), 4) << "what was in sight stays there";
+    slider->setValue(230);
+    EXPECT_THAT(taken(), ElementsAre(u"size 240"_s));
+    turn(Qt::ControlModifier, 120);
+    turn(Qt::NoModifier, 120);
+    EXPECT_THAT(taken(), ElementsAre()) << "there is no larger one";
+    showAs(PaneViewMode::list);
+    EXPECT_FALSE(slider->isVisible());
+}
+
 /// The entries that were painted since the last call, once everything that was due has been.
 QList<int> rowsIn(PaintedRegion &painted, const FileItemsView *entries) {
     QTest::qWait(0);
@@ -1005,6 +1050,38 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
     phone.unplug();
     state->refreshDevice(AppState::Spinner::hidden);
     EXPECT_TRUE(waitFor([&] { return !state->device().isConnected && !toAndroid->isEnabled(); }));
+}
+
+TEST_F(DualBrowserTests, theGridShowsPicturesWhenTheyComeAndRepaintsNothingElse) {
+    const QColor red(Qt::red);
+    QImage image(400, 300, QImage::Format_RGB32);
+    image.fill(red);
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    image.save(&png, "png");
+    phone.write(u"DCIM/Camera/IMG_3.png"_s, png.data());
+    phone.set(u"beginnings.hang"_s, "on");
+    show(new DualBrowserView(state.get(), new ThumbnailStore(state.get())), {1000, 500});
+    state->setAndroidViewMode(PaneViewMode::grid);
+    state->setMacViewMode(PaneViewMode::grid);
+    connectPhone();
+    write(here(u"a.png"_s), png.data());
+    browseMac(folder);
+    browsePhone(u"/sdcard/DCIM/Camera"_s);
+    settle();
+    const auto colorOf = [](QWidget &pane, int row) { // above the name, beside the mark
+        const FileItemsView *grid = entriesOf(pane);
+        return grid->viewport()->grab().toImage().pixelColor(rectOf(grid, row).topLeft() + QPoint(20, 60));
+    };
+    ASSERT_TRUE(waitFor([&] { return colorOf(mac(), 1) == red; })) << "of this computer: behind the folder";
+    EXPECT_NE(colorOf(android(), 2), red);
+    settle();
+    const PaintedRegion painted(entriesOf(android())->viewport());
+    phone.reset(u"beginnings.hang"_s);
+    ASSERT_TRUE(waitFor([&] { return !painted.region.isEmpty(); }));
+    settle();
+    EXPECT_EQ(painted.region.boundingRect(), rectOf(entriesOf(android()), 2));
+    EXPECT_EQ(colorOf(android(), 2), red);
 }
 
 TEST_F(DualBrowserTests, keysActOnTheFocusedPane) {

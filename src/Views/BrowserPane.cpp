@@ -10,8 +10,9 @@
 
 namespace vantrel {
 
-BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
-    : QWidget(parent), m_app(state), m_state(state->pane(side)), m_view(new FilePaneView(m_state)),
+BrowserPane::BrowserPane(AppState *state, BrowserSide side, ThumbnailStore *pictures, QWidget *parent)
+    : QWidget(parent), m_app(state), m_state(state->pane(side)), m_pictures(pictures),
+      m_view(new FilePaneView(m_state)),
       m_spinner(new Spinner(Spinner::Size::small, QStringLiteral("Busy"))) {
     auto *overlay = new QGridLayout(this);
     overlay->setContentsMargins(0, 0, 0, 0);
@@ -21,6 +22,9 @@ BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
     m_rendering.watch(&m_state, &PaneState::pathChanged, &PaneState::visibleItemsChanged,
                       &PaneState::selectedIDsChanged, &PaneState::isLoadingChanged,
                       &PaneState::browseErrorChanged, &PaneState::viewModeChanged, &PaneState::orderChanged);
+    m_rendering.watch(m_app, &AppState::tileSizeChanged);
+    if (m_pictures)
+        connect(&m_state, &PaneState::visibleItemsChanged, m_pictures, [this] { m_pictures->hear(place()); });
 }
 
 QString BrowserPane::activity() const {
@@ -30,6 +34,11 @@ QString BrowserPane::activity() const {
 std::optional<Emptiness> BrowserPane::emptiness() const {
     return m_state.hasFailed() ? EmptyStates::failed(m_state.browseError().value_or(QString()))
                                : EmptyStates::emptyFolder();
+}
+
+FilePlace BrowserPane::place() const {
+    const bool isPhone = m_state.side() == BrowserSide::android && m_app->device().isConnected;
+    return {m_state.side(), isPhone ? m_app->device().id : QString()};
 }
 
 void BrowserPane::focusSide() const {
@@ -67,6 +76,9 @@ void BrowserPane::render() {
     };
     pane.onFocus = [this] { focusSide(); };
     pane.viewMode = {m_state.viewMode(), [this](PaneViewMode mode) { m_state.setViewMode(mode); }};
+    pane.tileSize = {m_app->tileSize(), [this](int size) { m_app->setTileSize(size); }};
+    pane.pictures = m_pictures;
+    pane.place = place();
     pane.order = {m_state.order(), [this](const FileOrder &order) {
                       focusSide();
                       m_state.setOrder(order);

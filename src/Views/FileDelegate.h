@@ -56,8 +56,11 @@ public:
 /// A FileGridCell.
 class FileGridCellDelegate : public FileCellDelegate<FileGridCell> {
 public:
-    /// What every cell takes, in layout pixels.
-    void setCellSize(const QSize &size) { m_cellSize = size; }
+    /// What every cell takes, and what of it is the tile's; in layout pixels.
+    void setCellSize(const QSize &size, double tileHeight) {
+        m_cellSize = size;
+        m_tileHeight = tileHeight;
+    }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
@@ -67,6 +70,7 @@ public:
 
 private:
     QSize m_cellSize;
+    double m_tileHeight = FileGridCellGeometry::standardTileHeight;
 };
 
 } // namespace vantrel

@@ -14,10 +14,11 @@
 
 namespace vantrel {
 
-FileGridGeometry::FileGridGeometry(int width) {
+FileGridGeometry::FileGridGeometry(int width, int tileSize)
+    : tileHeight(tileSize * 3 / 4.0), maxColumnWidth(tileSize * 5 / 4) {
     const int available = std::max(0, width - 2 * inset);
-    columns = std::max(1, (available + spacing) / (minColumnWidth + spacing));
-    columnWidth = std::clamp((available - (columns - 1) * spacing) / columns, minColumnWidth, maxColumnWidth);
+    columns = std::max(1, (available + spacing) / (tileSize + spacing));
+    columnWidth = std::clamp((available - (columns - 1) * spacing) / columns, tileSize, maxColumnWidth);
     const int used = columns * columnWidth + (columns - 1) * spacing;
     left = inset + std::max(0, available - used) / 2;
 }
@@ -31,13 +32,59 @@ FileGridView::FileGridView(FileItemsModel *model, FileSelectionModel *selection,
 }
 
 void FileGridView::fit(int width) {
-    const FileGridGeometry geometry(width);
+    const FileGridGeometry geometry(width, m_tileSize);
     if (geometry == m_geometry)
         return;
     m_geometry = geometry;
-    const QSize cell(m_geometry.columnWidth, FileGridCellGeometry::height());
-    m_cells->setCellSize(cell);
+    const QSize cell(m_geometry.columnWidth, FileGridCellGeometry::height(m_geometry.tileHeight));
+    m_cells->setCellSize(cell, m_geometry.tileHeight);
     setGridSize(cell + QSize(FileGridGeometry::spacing, FileGridGeometry::spacing));
+}
+
+void FileGridView::setTileSize(int size) {
+    if (std::exchange(m_tileSize, size) == size)
+        return;
+    const QModelIndex first = model()->index(firstVisibleRow(), 0);
+    const bool isAtTop = verticalScrollBar()->value() == 0;
+    fit(viewport()->width());
+    if (!isVisible())
+        return;
+    executeDelayedItemsLayout();
+    if (!isAtTop)
+        scrollTo(first, PositionAtTop);
+    viewport()->update();
+}
+
+void FileGridView::wheelEvent(QWheelEvent *event) {
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        FileItemsView::wheelEvent(event);
+        return;
+    }
+    constexpr int notch = QWheelEvent::DefaultDeltasPerStep;
+    m_turned += event->angleDelta().y();
+    const int steps = m_turned / notch;
+    m_turned -= steps * notch;
+    if (steps != 0)
+        Q_EMIT tileSizeStepped(steps);
+    event->accept();
+}
+
+// -- Pictures
+
+void FileGridView::lookAtVisible() {
+    const int first = firstVisibleRow();
+    int last = first - 1;
+    while (last + 1 < model()->rowCount() &&
+           visualRect(model()->index(last + 1, 0)).top() < viewport()->height())
+        ++last;
+    // A photo that stands upright is higher than its tile, of which it fills the width.
+    const double longest = m_geometry.maxColumnWidth * 4 / 3.0 * devicePixelRatioF();
+    static_cast<FileItemsModel *>(model())->look(first, last, int(longest));
+}
+
+void FileGridView::hideEvent(QHideEvent *event) {
+    FileItemsView::hideEvent(event);
+    static_cast<FileItemsModel *>(model())->look(0, -1, 0);
 }
 
 void FileGridView::updateGeometries() {
@@ -134,6 +181,7 @@ void FileGridView::mouseReleaseEvent(QMouseEvent *event) {
 
 void FileGridView::paintEvent(QPaintEvent *event) {
     FileItemsView::paintEvent(event);
+    lookAtVisible(); // what is painted is in sight, whatever brought it there
     if (!m_band || m_band->from == m_band->to)
         return;
     QPainter painter(viewport());

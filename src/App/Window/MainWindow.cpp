@@ -16,6 +16,7 @@
 #include "App/Window/WindowCommands.h"
 #include "State/AppState.h"
 #include "State/WirelessPhones.h"
+#include "Thumbnails/ThumbnailStore.h"
 #include "Transfers/QueueFile.h"
 
 #include <QApplication>
@@ -58,7 +59,7 @@ void openOnce(QWidget *window, Arguments &...arguments) {
 
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
-      m_state(AppState::designPreview(desktop)),
+      m_state(AppState::designPreview(desktop)), m_pictures(new ThumbnailStore(this)),
       m_wireless(new WirelessPhones(settings.wirelessPhones(), this)), m_quitWatch(new QuitWatch(this)) {
     connect(m_wireless, &WirelessPhones::rememberedChanged, this,
             [this] { m_settings.setWirelessPhones(m_wireless->remembered()); });
@@ -69,6 +70,11 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
     m_state->transfers().setVerifies(settings.verifiesCopies());
     connect(&settings, &Settings::verifiesCopiesChanged, this,
             [this](bool verifies) { m_state->transfers().setVerifies(verifies); });
+    connect(m_state.get(), &AppState::isTransferringChanged, m_pictures,
+            [this] { m_pictures->setCopying(m_state->isTransferring()); });
+    m_state->setTileSize(settings.tileSize());
+    connect(m_state.get(), &AppState::tileSizeChanged, this,
+            [this] { m_settings.setTileSize(m_state->tileSize()); });
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
     m_chrome->setMinimumSize(minimum);
     m_chrome->restore(settings.windowGeometry(), standard);
@@ -93,7 +99,7 @@ void MainWindow::furnish() {
     m_openedWith = m_chrome->geometry();
     setWindowTitle(product::name());
     addToolbarButtons();
-    setCentralWidget(new ContentView(m_state.get(), m_settings, this));
+    setCentralWidget(new ContentView(m_state.get(), m_settings, m_pictures, this));
     centralWidget()->installEventFilter(this);
 }
 

@@ -17,6 +17,7 @@ class AppState;
 class Desktop;
 class MessageSheet;
 class QuitWatch;
+class ThumbnailStore;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
@@ -72,6 +73,7 @@ private:
     Settings &m_settings;
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
+    ThumbnailStore *m_pictures;
     WirelessPhones *m_wireless;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
