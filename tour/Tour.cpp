@@ -7,6 +7,7 @@
 #include "Kit/ToolTips.h"
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
+#include "Views/FileItemsModel.h"
 #include "Views/FileItemsView.h"
 #include "Views/QueueListView.h"
 
@@ -14,6 +15,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QScrollBar>
+#include <QTest>
 
 #include <algorithm>
 #include <cstdio>
@@ -259,7 +261,14 @@ void Tour::showGrid() {
                m_hand.entries(android)->objectName() == QStringLiteral("fileGrid") &&
                !state().isLoadingAndroid();
     });
-    m_hand.clickEntry(android, m_hand.entries(android)->model()->index(0, 0).data().toString());
+    const QAbstractItemModel *entries = m_hand.entries(android)->model();
+    constexpr int patience = 5000; // milliseconds; a phone's files may have no pictures
+    static_cast<void>(QTest::qWaitFor(
+        [entries] {
+            return !entries->index(1, 0).data(FileItemsModel::pictureRole).value<QImage>().isNull();
+        },
+        patience));
+    m_hand.clickEntry(android, entries->index(0, 0).data().toString());
     tell(QStringLiteral("grid"), state().androidSelectionSummary());
     for (const QString &pane : {android, mac})
         m_hand.click(QStringLiteral("listView"), pane);
