@@ -221,7 +221,7 @@ void picture(const QByteArray &input) {
     const QImage image =
         smallPicture(input.mid(1), choice % 2 == 0 ? Extent::whole : Extent::beginning, kind, edge);
     require(image.isNull() || (image.width() <= edge && image.height() <= edge), "a small picture is small");
-    require(image.isNull() || (kind != MediaKind::none && kind != MediaKind::video), "they have none");
+    require(image.isNull() || isReadable(kind), "what cannot be read has no picture");
 }
 
 } // namespace

@@ -836,6 +836,8 @@ void expectNothingOverlaps(QWidget &view) {
 }
 
 TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
+    pane.tileSize = {TileSize::standard, [](int) {}};
+    showAs(PaneViewMode::grid); // with its slider
     const QSize smallest = view.minimumSizeHint();
     const QSize hint = view.sizeHint();
     EXPECT_LE(smallest.width(), 390) << "two panes must fit into the smallest window";

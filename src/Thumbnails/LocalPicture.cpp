@@ -21,7 +21,7 @@ QImage localPicture(const QString &path, int edge) {
     const qint64 modified = info.lastModified().toSecsSinceEpoch();
     if (QImage known = ThumbnailFolder::find(uri, modified, edge); !known.isNull())
         return known;
-    if (kind == MediaKind::none || kind == MediaKind::video || ThumbnailFolder::hasFailed(uri, modified))
+    if (!isReadable(kind) || ThumbnailFolder::hasFailed(uri, modified))
         return {};
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))

@@ -13,7 +13,8 @@ MediaKind mediaKindOf(const QString &name) {
         };
         add(MediaKind::picture, "png webp gif bmp");
         add(MediaKind::photo, "jpg jpeg jpe");
-        add(MediaKind::raw, "heic heif avif tif tiff dng cr2 cr3 nef arw orf rw2 raf pef srw");
+        add(MediaKind::other, "heic heif avif");
+        add(MediaKind::raw, "tif tiff dng cr2 cr3 nef arw orf rw2 raf pef srw");
         add(MediaKind::video, "mp4 mov m4v mkv webm 3gp avi mpg mpeg ts mts");
         add(MediaKind::audio, "mp3 m4a flac ogg oga opus");
         return known;

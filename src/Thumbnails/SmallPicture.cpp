@@ -92,7 +92,7 @@ QImage smallPicture(const QByteArray &bytes, Extent extent, MediaKind kind, int 
     QImage picture;
     if (extent == Extent::whole && (kind == MediaKind::picture || kind == MediaKind::photo))
         picture = decoded(bytes, edge, Turn::asItSays);
-    if (picture.isNull() && (kind == MediaKind::photo || kind == MediaKind::raw || kind == MediaKind::audio))
+    if (picture.isNull() && isReadable(kind) && kind != MediaKind::picture)
         picture = embedded(bytes, kind, edge);
     if (picture.isNull())
         return {};

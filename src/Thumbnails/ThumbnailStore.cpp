@@ -124,15 +124,15 @@ void ThumbnailStore::work() {
 /// How a file is read at a stage; nothing when that has no chance.
 std::optional<PhoneReading> ThumbnailStore::readingOf(const Key &key, Next next) {
     const MediaKind kind = mediaKindOf(key.path);
-    const bool isReadable = kind == MediaKind::picture || kind == MediaKind::photo;
-    if (kind == MediaKind::video)
+    const bool isPicture = kind == MediaKind::picture || kind == MediaKind::photo;
+    if (!isReadable(kind))
         return std::nullopt;
     if (next == Next::beginning && key.size <= smallFile)
         return PhoneReading{key.path, key.size, Extent::whole};
     if (next == Next::beginning && kind != MediaKind::picture)
         return PhoneReading{key.path, kind == MediaKind::photo ? photoBeginning : otherBeginning,
                             Extent::beginning};
-    if (next == Next::whole && isReadable && key.size <= largestWhole)
+    if (next == Next::whole && isPicture && key.size <= largestWhole)
         return PhoneReading{key.path, key.size, Extent::whole};
     return std::nullopt;
 }

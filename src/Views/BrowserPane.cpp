@@ -24,7 +24,10 @@ BrowserPane::BrowserPane(AppState *state, BrowserSide side, ThumbnailStore *pict
                       &PaneState::browseErrorChanged, &PaneState::viewModeChanged, &PaneState::orderChanged);
     m_rendering.watch(m_app, &AppState::tileSizeChanged);
     if (m_pictures)
-        connect(&m_state, &PaneState::visibleItemsChanged, m_pictures, [this] { m_pictures->hear(place()); });
+        connect(&m_state, &PaneState::isLoadingChanged, m_pictures, [this] {
+            if (!m_state.isLoading() && !m_state.hasFailed())
+                m_pictures->hear(place());
+        });
 }
 
 QString BrowserPane::activity() const {
