@@ -526,7 +526,7 @@ TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumnsOfTilesWithNamesOfOneLine
             int lines = 1;
             for (int other = first; other < std::min(first + grid.columns, 100); ++other)
                 lines = std::max(lines, linesOf(items[other].name, grid.columnWidth));
-            const QSize cell(grid.columnWidth, FileGridCellGeometry::height(lines));
+            const QSize cell(grid.columnWidth, FileGridCellGeometry::height(72, lines));
             const QPoint place(grid.left + (row - first) * (grid.columnWidth + 10), top);
             ASSERT_EQ(rectOf(tiles, row), QRect(place, cell)) << row;
             top += row - first == grid.columns - 1 ? cell.height() + 10 : 0;
@@ -545,9 +545,54 @@ TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumnsOfTilesWithNamesOfOneLine
     items[0].name = items[40].name;
     show(items);
     EXPECT_EQ(rectOf(entries(), 99).top() - before,
-              FileGridCellGeometry::height(2) - FileGridCellGeometry::height(1));
+              FileGridCellGeometry::height(72, 2) - FileGridCellGeometry::height(72, 1));
     show(someFiles(3));
     EXPECT_EQ(entries()->verticalScrollBar()->maximum(), 0);
+}
+
+TEST_F(FilePaneTests, theTilesSizeFollowsTheSliderAndTheWheel) {
+    auto *slider = control<QSlider>(view, u"tileSize"_s);
+    showAs(PaneViewMode::grid);
+    EXPECT_FALSE(slider->isVisible()) << "nothing to bind it to";
+    pane.tileSize = {TileSize::standard, [this](int size) {
+                         calls.append(u"size %1"_s.arg(size));
+                         pane.tileSize->value = size;
+                         show();
+                     }};
+    show(someFiles(400));
+    ASSERT_TRUE(slider->isVisible());
+    QAccessibleInterface *heard = accessible(slider);
+    EXPECT_EQ(heard->role(), QAccessible::Slider);
+    EXPECT_EQ(heard->text(QAccessible::Name), u"Size of the tiles");
+    EXPECT_EQ(heard->valueInterface()->currentValue(), 96);
+
+    entries()->verticalScrollBar()->setValue(2000);
+    const auto firstRow = [this] {
+        return entries()->indexAt(QPoint(60, 40)).isValid() ? entries()->indexAt(QPoint(60, 40)).row()
+                                                            : entries()->indexAt(QPoint(60, 90)).row();
+    };
+    const int before = firstRow();
+    const auto turn = [this](Qt::KeyboardModifiers modifiers, int angle) {
+        const QPointF place(50, 50);
+        QWheelEvent wheel(place, entries()->viewport()->mapToGlobal(place), {}, {0, angle}, {}, modifiers,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(entries()->viewport(), &wheel);
+    };
+    turn(Qt::ControlModifier, 60); // half a notch, as of a fine wheel
+    turn(Qt::ControlModifier, 60);
+    EXPECT_THAT(taken(), ElementsAre(u"size 120"_s));
+    EXPECT_EQ(slider->value(), 120);
+    EXPECT_EQ(rectOf(entries(), 0).width(),
+              FileGridGeometry(entries()->viewport()->width(), 120).columnWidth);
+    EXPECT_EQ(rectOf(entries(), 0).height(), FileGridCellGeometry::height(90, 1));
+    EXPECT_LE(qAbs(firstRow() - before), 4) << "what was in sight stays there";
+    slider->setValue(230);
+    EXPECT_THAT(taken(), ElementsAre(u"size 240"_s));
+    turn(Qt::ControlModifier, 120);
+    turn(Qt::NoModifier, 120);
+    EXPECT_THAT(taken(), ElementsAre()) << "there is no larger one";
+    showAs(PaneViewMode::list);
+    EXPECT_FALSE(slider->isVisible());
 }
 
 /// The entries that were painted since the last call, once everything that was due has been.
@@ -820,6 +865,8 @@ void expectNothingOverlaps(QWidget &view) {
 }
 
 TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
+    pane.tileSize = {TileSize::standard, [](int) {}};
+    showAs(PaneViewMode::grid); // with its slider
     const QSize smallest = view.minimumSizeHint();
     const QSize hint = view.sizeHint();
     EXPECT_LE(smallest.width(), 390) << "two panes must fit into the smallest window";
@@ -1034,6 +1081,38 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
     phone.unplug();
     state->refreshDevice(AppState::Spinner::hidden);
     EXPECT_TRUE(waitFor([&] { return !state->device().isConnected && !toAndroid->isEnabled(); }));
+}
+
+TEST_F(DualBrowserTests, theGridShowsPicturesWhenTheyComeAndRepaintsNothingElse) {
+    const QColor red(Qt::red);
+    QImage image(400, 300, QImage::Format_RGB32);
+    image.fill(red);
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    image.save(&png, "png");
+    phone.write(u"DCIM/Camera/IMG_3.png"_s, png.data());
+    phone.set(u"beginnings.hang"_s, "on");
+    show(new DualBrowserView(state.get(), new ThumbnailStore(state.get())), {1000, 500});
+    state->setAndroidViewMode(PaneViewMode::grid);
+    state->setMacViewMode(PaneViewMode::grid);
+    connectPhone();
+    write(here(u"a.png"_s), png.data());
+    browseMac(folder);
+    browsePhone(u"/sdcard/DCIM/Camera"_s);
+    settle();
+    const auto colorOf = [](QWidget &pane, int row) { // above the name, beside the mark
+        const FileItemsView *grid = entriesOf(pane);
+        return grid->viewport()->grab().toImage().pixelColor(rectOf(grid, row).topLeft() + QPoint(20, 60));
+    };
+    ASSERT_TRUE(waitFor([&] { return colorOf(mac(), 1) == red; })) << "of this computer: behind the folder";
+    EXPECT_NE(colorOf(android(), 2), red);
+    settle();
+    const PaintedRegion painted(entriesOf(android())->viewport());
+    phone.reset(u"beginnings.hang"_s);
+    ASSERT_TRUE(waitFor([&] { return !painted.region.isEmpty(); }));
+    settle();
+    EXPECT_EQ(painted.region.boundingRect(), rectOf(entriesOf(android()), 2));
+    EXPECT_EQ(colorOf(android(), 2), red);
 }
 
 TEST_F(DualBrowserTests, keysActOnTheFocusedPane) {

@@ -296,6 +296,9 @@ TEST_F(SheetTests, theKeysOfTheTableAct) {
         {WindowCommand::switchPanes, [&] { return focusIsIn("macPane", u"fileList"_s); }},
         {WindowCommand::copyToComputer, [&] { return model->queue().size() == 1; }},
         {WindowCommand::copyToPhone, [&] { return model->queue().size() == 2; }},
+        {WindowCommand::enlargeTiles, [&] { return model->tileSize() == 168; }},
+        {WindowCommand::shrinkTiles, [&] { return model->tileSize() == 120; }},
+        {WindowCommand::resetTiles, [&] { return model->tileSize() == TileSize::standard; }},
         {WindowCommand::openMenu, [] { return QApplication::activePopupWidget() != nullptr; }},
         {WindowCommand::toggleFullScreen, [&] { return window->isFullScreen(); }},
         {WindowCommand::showKeyboard, [&] { return shown<KeyboardView>() != nullptr; }},
@@ -309,6 +312,7 @@ TEST_F(SheetTests, theKeysOfTheTableAct) {
             model->browseAndroid(u"/sdcard/folder"_s);
             model->browseMac(mac.path());
             ASSERT_TRUE(waitFor([&] { return !model->isLoadingAndroid() && !model->isLoadingMac(); }));
+            model->setTileSize(144);
             model->setFocusedBrowserSide(BrowserSide::android);
             model->selectAllVisible(BrowserSide::android);
             model->selectItem(model->macItems().last(), BrowserSide::mac);

@@ -8,6 +8,7 @@
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
 #include "Views/FileDrag.h"
+#include "Views/FileItemsModel.h"
 #include "Views/FileItemsView.h"
 #include "Views/FilePaneView.h"
 #include "Views/QueueListView.h"
@@ -18,6 +19,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QScrollBar>
+#include <QTest>
 
 #include <algorithm>
 #include <cstdio>
@@ -343,7 +345,14 @@ void Tour::showGrid() {
                m_hand.entries(android)->objectName() == QStringLiteral("fileGrid") &&
                !state().isLoadingAndroid();
     });
-    m_hand.clickEntry(android, m_hand.entries(android)->model()->index(0, 0).data().toString());
+    const QAbstractItemModel *entries = m_hand.entries(android)->model();
+    constexpr int patience = 5000; // milliseconds; a phone's files may have no pictures
+    static_cast<void>(QTest::qWaitFor(
+        [entries] {
+            return !entries->index(1, 0).data(FileItemsModel::pictureRole).value<QImage>().isNull();
+        },
+        patience));
+    m_hand.clickEntry(android, entries->index(0, 0).data().toString());
     tell(QStringLiteral("grid"), state().androidSelectionSummary());
     for (const QString &pane : {android, mac})
         m_hand.click(QStringLiteral("listView"), pane);

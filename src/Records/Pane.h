@@ -28,6 +28,20 @@ struct PanePlace {
 /// How a folder is come to: as one that begins at its top, or as one to find again as it was left.
 enum class Arrival { anew, back };
 
+/// How wide a grid's tile is at least, in layout pixels; the user chooses among a few.
+struct TileSize {
+    static constexpr int least = 72;
+    static constexpr int standard = 96;
+    static constexpr int most = 240;
+    static constexpr int step = 24;
+
+    /// The nearest that there is.
+    [[nodiscard]] static constexpr int nearest(int size) {
+        const int bounded = size < least ? least : size > most ? most : size;
+        return least + (bounded - least + step / 2) / step * step;
+    }
+};
+
 /// What the phone pane's search field searches.
 enum class AndroidSearchScope { thisFolder, everywhere };
 inline constexpr std::array allAndroidSearchScopes{AndroidSearchScope::thisFolder,

@@ -46,6 +46,9 @@ public:
     /// The pane that keyboard commands act on.
     [[nodiscard]] BrowserSide focusedBrowserSide() const { return m_focusedBrowserSide; }
     void setFocusedBrowserSide(BrowserSide side) { m_focusedBrowserSide = side; }
+    /// How large the tiles are where a pane shows a grid; a TileSize.
+    [[nodiscard]] int tileSize() const { return m_tileSize; }
+    void setTileSize(int size) { m_tileSize = TileSize::nearest(size); }
     void toggleSelection(const FileItem &item, BrowserSide side) { pane(side).toggleSelection(item); }
     void selectItem(const FileItem &item, BrowserSide side) { pane(side).selectItem(item); }
     void selectAllVisible(BrowserSide side) { pane(side).selectAllVisible(); }
@@ -152,6 +155,7 @@ Q_SIGNALS:
     void macViewModeChanged();
     void focusedBrowserSideChanged();
     void detailsRequested(BrowserSide side, const QList<FileItem> &items);
+    void tileSizeChanged();
     void macPathChanged();
     void macItemsChanged();
     void macSelectedIDsChanged();
@@ -196,6 +200,8 @@ private:
                                          &AppState::androidSearchFocusTokenChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, BrowserSide, m_focusedBrowserSide, BrowserSide::android,
                                          &AppState::focusedBrowserSideChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, int, m_tileSize, TileSize::standard,
+                                         &AppState::tileSizeChanged)
     Q_OBJECT_BINDABLE_PROPERTY(AppState, QString, m_macAvailableLabel, &AppState::macAvailableLabelChanged)
 };
 

@@ -25,8 +25,8 @@ QList<PathSegment> segmentsOf(QString path, const QStringList &titles) {
 
 } // namespace
 
-AndroidBrowserPane::AndroidBrowserPane(AppState *state, QWidget *parent)
-    : BrowserPane(state, BrowserSide::android, parent) {
+AndroidBrowserPane::AndroidBrowserPane(AppState *state, ThumbnailStore *pictures, QWidget *parent)
+    : BrowserPane(state, BrowserSide::android, pictures, parent) {
     setObjectName(QStringLiteral("androidPane"));
     connect(state, &AppState::androidSearchTextChanged, this, [state] { state->scheduleAndroidSearch(); });
     connect(state, &AppState::androidSearchScopeChanged, this, [state] { state->scheduleAndroidSearch(); });

@@ -10,8 +10,9 @@
 
 namespace vantrel {
 
-BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
-    : QWidget(parent), m_app(state), m_state(state->pane(side)), m_view(new FilePaneView(m_state)),
+BrowserPane::BrowserPane(AppState *state, BrowserSide side, ThumbnailStore *pictures, QWidget *parent)
+    : QWidget(parent), m_app(state), m_state(state->pane(side)), m_pictures(pictures),
+      m_view(new FilePaneView(m_state)),
       m_spinner(new Spinner(Spinner::Size::small, QStringLiteral("Busy"))) {
     auto *overlay = new QGridLayout(this);
     overlay->setContentsMargins(0, 0, 0, 0);
@@ -21,6 +22,12 @@ BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
     m_rendering.watch(&m_state, &PaneState::pathChanged, &PaneState::visibleItemsChanged,
                       &PaneState::selectedIDsChanged, &PaneState::isLoadingChanged,
                       &PaneState::browseErrorChanged, &PaneState::viewModeChanged, &PaneState::orderChanged);
+    m_rendering.watch(m_app, &AppState::tileSizeChanged);
+    if (m_pictures)
+        connect(&m_state, &PaneState::isLoadingChanged, m_pictures, [this] {
+            if (!m_state.isLoading() && !m_state.hasFailed())
+                m_pictures->hear(place());
+        });
 }
 
 QString BrowserPane::activity() const {
@@ -40,6 +47,11 @@ Arrival BrowserPane::arrivalAt(const QString &path) const {
 /// All that are selected, if the entry is one of them.
 QList<FileItem> BrowserPane::together(const FileItem &item) const {
     return m_state.selectedIDs().contains(item.id) ? m_state.selectedItems() : QList{item};
+}
+
+FilePlace BrowserPane::place() const {
+    const bool isPhone = m_state.side() == BrowserSide::android && m_app->device().isConnected;
+    return {m_state.side(), isPhone ? m_app->device().id : QString()};
 }
 
 void BrowserPane::focusSide() const {
@@ -77,6 +89,9 @@ void BrowserPane::render() {
     };
     pane.onFocus = [this] { focusSide(); };
     pane.viewMode = {m_state.viewMode(), [this](PaneViewMode mode) { m_state.setViewMode(mode); }};
+    pane.tileSize = {m_app->tileSize(), [this](int size) { m_app->setTileSize(size); }};
+    pane.pictures = m_pictures;
+    pane.place = place();
     pane.order = {m_state.order(), [this](const FileOrder &order) {
                       focusSide();
                       m_state.setOrder(order);

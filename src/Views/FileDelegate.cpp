@@ -48,7 +48,8 @@ int FileRowDelegate::height(bool showsLocation) {
 
 void FileGridCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                  const QModelIndex &index) const {
-    FileGridCell{entry(index)}.paint(*painter, option.rect);
+    const auto picture = index.data(FileItemsModel::pictureRole).value<QImage>();
+    FileGridCell{entry(index), picture, m_tileHeight}.paint(*painter, option.rect);
 }
 
 } // namespace vantrel

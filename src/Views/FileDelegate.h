@@ -62,8 +62,14 @@ public:
 /// A FileGridCell.
 class FileGridCellDelegate : public FileCellDelegate<FileGridCell> {
 public:
+    /// What of a cell is the tile's, in layout pixels.
+    void setTileHeight(double height) { m_tileHeight = height; }
+
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
+
+private:
+    double m_tileHeight = FileGridCellGeometry::standardTileHeight;
 };
 
 } // namespace vantrel

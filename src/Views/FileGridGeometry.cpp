@@ -2,12 +2,18 @@
 
 namespace vantrel {
 
-FileGridGeometry::FileGridGeometry(int width) {
+FileGridGeometry::FileGridGeometry(int width, int tileSize)
+    : tileHeight(tileSize * 3 / 4.0), maxColumnWidth(tileSize * 5 / 4) {
     const int available = std::max(0, width - 2 * inset);
-    columns = std::max(1, (available + spacing) / (minColumnWidth + spacing));
-    columnWidth = std::clamp((available - (columns - 1) * spacing) / columns, minColumnWidth, maxColumnWidth);
+    columns = std::max(1, (available + spacing) / (tileSize + spacing));
+    columnWidth = std::clamp((available - (columns - 1) * spacing) / columns, tileSize, maxColumnWidth);
     const int used = columns * columnWidth + (columns - 1) * spacing;
     left = inset + std::max(0, available - used) / 2;
+}
+
+bool FileGridGeometry::isLike(const FileGridGeometry &other) const {
+    return columns == other.columns && columnWidth == other.columnWidth && left == other.left &&
+           tileHeight == other.tileHeight;
 }
 
 int FileGridGeometry::height() const {

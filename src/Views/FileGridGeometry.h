@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Records/Pane.h"
+
 #include <QList>
 #include <QRect>
 
@@ -7,20 +9,20 @@
 
 namespace vantrel {
 
-/// Where the tiles of a grid lie, in layout pixels of its content: as many columns as fit, each between
-/// minColumnWidth and maxColumnWidth wide and all of one width; pixels that do not go into whole columns are
-/// shared by both sides. A line of tiles is as high as its highest tile. Nothing here takes longer for many
-/// entries but layOut().
+/// Where the tiles of a grid lie, in layout pixels of its content: as many columns as fit, each between the
+/// tiles' size and maxColumnWidth wide and all of one width; the user chooses the former. Pixels that do not
+/// go into whole columns are shared by both sides. A line of tiles is as high as its highest tile. Nothing
+/// here takes longer for many entries but layOut().
 class FileGridGeometry {
 public:
     static constexpr int inset = 12; ///< on every side
     static constexpr int spacing = 10;
-    static constexpr int minColumnWidth = 96;
-    static constexpr int maxColumnWidth = 120;
 
     /// Of no entries yet, in so wide a view.
-    explicit FileGridGeometry(int width);
+    explicit FileGridGeometry(int width, int tileSize = TileSize::standard);
 
+    double tileHeight;
+    int maxColumnWidth;
     int columns;
     int columnWidth;
     int left; ///< of the first column
@@ -40,6 +42,8 @@ public:
         }
     }
 
+    /// Whether the columns and the tiles are those of the other, whatever lies in them.
+    [[nodiscard]] bool isLike(const FileGridGeometry &other) const;
     /// Of the whole content, its insets included; 0 without entries.
     [[nodiscard]] int height() const;
     /// The line at a height of the content or, in a gap, the one above; one that is there as long as any is.

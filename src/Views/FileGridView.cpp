@@ -15,7 +15,8 @@
 namespace vantrel {
 
 FileGridView::FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent)
-    : FileItemsView(model, selection, new FileGridCellDelegate, parent), m_geometry(width()),
+    : FileItemsView(model, selection, new FileGridCellDelegate, parent),
+      m_cells(static_cast<FileGridCellDelegate *>(itemDelegate())), m_geometry(width()),
       m_widths(FileGridCellGeometry::nameStyle) {
     connect(model, &FileItemsModel::followed, this, &FileGridView::takeOtherNames);
 }
@@ -27,7 +28,8 @@ const FileGridGeometry &FileGridView::geometry() const {
         return m_geometry;
     const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
     const int column = m_geometry.columnWidth;
-    const int heights[] = {FileGridCellGeometry::height(1), FileGridCellGeometry::height(2)};
+    const double tile = m_geometry.tileHeight;
+    const int heights[] = {FileGridCellGeometry::height(tile, 1), FileGridCellGeometry::height(tile, 2)};
     int mayLayOut = 200; // names; the others that only that would tell get the room of two lines
     m_names.resize(items.size());
     m_geometry.layOut(int(items.size()), [&](int row) {
@@ -73,14 +75,60 @@ void FileGridView::takeOtherNames() {
     }
 }
 
-void FileGridView::resizeEvent(QResizeEvent *event) {
-    const FileGridGeometry fitting(event->size().width());
-    if (fitting.columns != m_geometry.columns || fitting.columnWidth != m_geometry.columnWidth ||
-        fitting.left != m_geometry.left) {
-        m_geometry = fitting;
-        forgetLayout();
-        viewport()->update();
+/// Lays the tiles out for another width or size, if that is of any consequence.
+void FileGridView::fit(int width) {
+    const FileGridGeometry fitting(width, m_tileSize);
+    if (fitting.isLike(m_geometry))
+        return;
+    m_geometry = fitting;
+    m_cells->setTileHeight(m_geometry.tileHeight);
+    forgetLayout();
+    viewport()->update();
+}
+
+void FileGridView::setTileSize(int size) {
+    if (std::exchange(m_tileSize, size) == size)
+        return;
+    const PanePlace before = isVisible() ? place() : PanePlace();
+    const bool isAtTop = verticalScrollBar()->value() == 0;
+    fit(viewport()->width());
+    if (!isVisible())
+        return;
+    updateGeometries();
+    if (!isAtTop)
+        scrollTo(model()->index(before.row, 0), PositionAtTop);
+}
+
+void FileGridView::wheelEvent(QWheelEvent *event) {
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        FileItemsView::wheelEvent(event);
+        return;
     }
+    constexpr int notch = QWheelEvent::DefaultDeltasPerStep;
+    m_turned += event->angleDelta().y();
+    const int steps = m_turned / notch;
+    m_turned -= steps * notch;
+    if (steps != 0)
+        Q_EMIT tileSizeStepped(steps);
+    event->accept();
+}
+
+// -- Pictures
+
+void FileGridView::lookAtVisible() {
+    const auto [first, last] = rowsInSight();
+    // A photo that stands upright is higher than its tile, of which it fills the width.
+    const double longest = m_geometry.maxColumnWidth * 4 / 3.0 * devicePixelRatioF();
+    static_cast<FileItemsModel *>(model())->look(first, last, int(longest));
+}
+
+void FileGridView::hideEvent(QHideEvent *event) {
+    FileItemsView::hideEvent(event);
+    static_cast<FileItemsModel *>(model())->look(0, -1, 0);
+}
+
+void FileGridView::resizeEvent(QResizeEvent *event) {
+    fit(event->size().width());
     FileItemsView::resizeEvent(event);
 }
 
@@ -156,6 +204,7 @@ void FileGridView::mouseReleaseEvent(QMouseEvent *event) {
 
 void FileGridView::paintEvent(QPaintEvent *event) {
     FileItemsView::paintEvent(event);
+    lookAtVisible(); // what is painted is in sight, whatever brought it there
     if (!m_band || m_band->from == m_band->to)
         return;
     QPainter painter(viewport());

@@ -1,18 +1,33 @@
 #pragma once
 
 #include "Kit/WidthTable.h"
+#include "Records/Pane.h"
 #include "Views/FileGridGeometry.h"
 #include "Views/FileItemsView.h"
 
 namespace vantrel {
 
+class FileGridCellDelegate;
+
 /// The entries in lines of tiles, a FileGridCell each. What is beside them begins a rubber band.
+///
+/// It tells the model which entries are in sight, for their pictures. The wheel with Control changes the size
+/// of the tiles.
 class FileGridView : public FileItemsView {
+    Q_OBJECT
+
 public:
     FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent = nullptr);
 
+    /// A TileSize. The entry in the upper left corner stays there, as far as it can.
+    void setTileSize(int size);
+
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                      const QList<int> &roles = {}) override;
+
+Q_SIGNALS:
+    /// The user wants larger tiles, or smaller ones where it is negative, by so many steps.
+    void tileSizeStepped(int steps);
 
 protected:
     [[nodiscard]] int columns() const override { return m_geometry.columns; }
@@ -22,6 +37,8 @@ protected:
     void forgetLayout() override { m_isStale = true; }
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -43,18 +60,23 @@ private:
     };
 
     [[nodiscard]] const FileGridGeometry &geometry() const;
+    void fit(int width);
     void takeOtherNames();
+    void lookAtVisible();
     [[nodiscard]] QPoint scrolled() const;
     [[nodiscard]] QRect bandRect() const;
     [[nodiscard]] QSet<int> rowsIn(const QRect &rect) const;
     void stretchBand(const QPoint &to);
 
+    FileGridCellDelegate *m_cells;
     // Put together when they are asked for, not at each of the changes that come together.
     mutable FileGridGeometry m_geometry;
     mutable bool m_isStale = true;
     bool m_hasOtherNames = false; ///< than those that the layout is of
     mutable QList<Name> m_names;  ///< of the rows
     mutable WidthTable m_widths;
+    int m_tileSize = TileSize::standard;
+    int m_turned = 0; ///< of the wheel with Control, what is not a step yet
     std::optional<RubberBand> m_band;
 };
 

@@ -55,6 +55,8 @@ void FileItemsModel::follow(bool showsLocation) {
 
     if (!isReset)
         tellChanges(itemsBefore, selectedBefore);
+    if (!m_items.isSharedWith(itemsBefore))
+        askForPictures();
     if (isReset || hasNewRows || m_selectedRows != selectedBefore)
         Q_EMIT selectedRowsChanged();
     Q_EMIT followed();
@@ -132,6 +134,42 @@ void FileItemsModel::tellChanges(const QList<FileItem> &itemsBefore, const QBitA
     }
 }
 
+// -- Pictures
+
+void FileItemsModel::setPictures(ThumbnailStore *pictures, const FilePlace &place) {
+    const bool isKnown = m_pictures == pictures;
+    if (isKnown && m_place == place)
+        return;
+    m_pictures = pictures;
+    m_place = place;
+    if (pictures && !isKnown)
+        connect(pictures, &ThumbnailStore::arrived, this, &FileItemsModel::tellPictures);
+    askForPictures();
+}
+
+void FileItemsModel::look(int first, int last, int edge) {
+    const Sight sight{first, last, edge};
+    if (std::exchange(m_sight, sight) != sight)
+        askForPictures();
+}
+
+void FileItemsModel::askForPictures() const {
+    if (m_pictures)
+        m_pictures->look(this, m_place, m_items.mid(m_sight.first, m_sight.last - m_sight.first + 1),
+                         m_sight.edge);
+}
+
+/// Rows that nobody looks at are painted with their pictures when they come into sight.
+void FileItemsModel::tellPictures(const FilePlace &place, const QSet<QString> &paths) {
+    if (place != m_place)
+        return;
+    const int last = std::min(m_sight.last, int(m_items.size()) - 1);
+    for (int row = m_sight.first; row <= last; ++row) {
+        if (paths.contains(m_items.at(row).path))
+            Q_EMIT dataChanged(index(row), index(row), {pictureRole});
+    }
+}
+
 /// A view asks for every row's when it lays them out: without the base's detours.
 QModelIndex FileItemsModel::index(int row, int column, const QModelIndex &parent) const {
     const bool exists = row >= 0 && row < m_items.size() && column == 0 && !parent.isValid();
@@ -157,6 +195,8 @@ QVariant FileItemsModel::data(const QModelIndex &index, int role) const {
         return isSelected ? Qt::Checked : Qt::Unchecked;
     case modifiedRole:
         return item.modifiedLabel();
+    case pictureRole:
+        return m_pictures ? m_pictures->picture(m_place, item) : QImage();
     default:
         return {};
     }

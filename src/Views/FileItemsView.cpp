@@ -38,7 +38,9 @@ FileItemsView::FileItemsView(FileItemsModel *model, FileSelectionModel *selectio
 void FileItemsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                                 const QList<int> &roles) {
     // The toolkit would lay out every row anew and repaint them all; ours keep their size.
-    if (m_delegate->showsModified() || roles != QList<int>{FileItemsModel::modifiedRole})
+    const int unseen =
+        m_delegate->showsModified() ? FileItemsModel::pictureRole : FileItemsModel::modifiedRole;
+    if (roles != QList<int>{unseen})
         updateRows(topLeft.row(), bottomRight.row());
 }
 

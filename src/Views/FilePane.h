@@ -2,6 +2,7 @@
 
 #include "Records/FileOrder.h"
 #include "Records/Pane.h"
+#include "Thumbnails/ThumbnailStore.h"
 #include "Views/Emptiness.h"
 
 #include <functional>
@@ -66,6 +67,9 @@ struct FilePane {
     bool showsMacContextMenu = false;                    ///< an entry offers the computer's commands
     bool showsOpenContextMenu = false;                   ///< an entry offers "Open" alone
     std::optional<Binding<PaneViewMode>> viewMode = {};  ///< absent: a list
+    std::optional<Binding<int>> tileSize = {};           ///< TileSize; absent: the grid's cannot be changed
+    ThumbnailStore *pictures = nullptr;                  ///< of the grid's files; absent: there are none
+    FilePlace place = {};                                ///< where the entries are, for their pictures
     std::function<void(const FileItem &)> onDrag = {};   ///< absent: entries cannot be dragged
     /// How many entries a drop of this would copy here; with none it is refused. Absent: every drop is.
     std::function<qsizetype(const QMimeData &)> dropCount = {};

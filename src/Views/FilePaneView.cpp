@@ -28,6 +28,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QSlider>
 
 namespace vantrel {
 
@@ -97,7 +98,11 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
 
     const auto toggle = [this](const FileItem &item) { call(m_pane.onToggle, item); };
     connect(selection, &FileSelectionModel::toggled, this, toggle);
-    for (FileItemsView *view : {m_list, m_grid}) {
+    connect(m_grid, &FileGridView::tileSizeStepped, this, [this](int steps) {
+        if (m_pane.tileSize)
+            setTileSize(m_pane.tileSize->value + steps * TileSize::step);
+    });
+    for (FileItemsView *view : {m_list, static_cast<FileItemsView *>(m_grid)}) {
         connect(view, &FileItemsView::toggled, this, toggle);
         connect(view, &FileItemsView::selected, this, &FilePaneView::select);
         connect(view, &FileItemsView::ranged, this, [this](const QList<FileItem> &items, bool isSelected) {
@@ -157,9 +162,40 @@ QWidget *FilePaneView::makeHeader() {
     m_newFolder = create;
     m_listTool = mode("listView", "list.bullet", "List view", PaneViewMode::list);
     m_gridTool = mode("gridView", "square.grid.2x2", "Grid view", PaneViewMode::grid);
-    return barOf(
-        10, 8,
-        {{columnOf(2, {m_title, m_path}), 1}, back, home, choose, create, refresh, m_listTool, m_gridTool});
+    m_tileSlider = makeTileSlider();
+    return barOf(10, 8,
+                 {{columnOf(2, {m_title, m_path}), 1},
+                  back,
+                  home,
+                  choose,
+                  create,
+                  refresh,
+                  m_tileSlider,
+                  m_listTool,
+                  m_gridTool});
+}
+
+QSlider *FilePaneView::makeTileSlider() {
+    constexpr int width = 56;
+    auto *slider = named(QStringLiteral("tileSize"), new QSlider(Qt::Horizontal));
+    slider->setFixedSize(width, toolSize.height());
+    slider->setRange(TileSize::least, TileSize::most);
+    slider->setSingleStep(TileSize::step);
+    slider->setPageStep(TileSize::step);
+    slider->setFocusPolicy(Qt::TabFocus);
+    slider->setToolTip(QStringLiteral("Size of the tiles"));
+    setAccessibleTexts(slider, QStringLiteral("Size of the tiles"));
+    connect(slider, &QSlider::valueChanged, this, [this, slider](int size) {
+        slider->setValue(TileSize::nearest(size)); // from step to step, also while it is dragged
+        setTileSize(slider->value());
+    });
+    return slider;
+}
+
+void FilePaneView::setTileSize(int size) {
+    const int nearest = TileSize::nearest(size);
+    if (m_pane.tileSize && m_pane.tileSize->value != nearest)
+        call(m_pane.tileSize->set, nearest);
 }
 
 QWidget *FilePaneView::makeSearchBar() {
@@ -247,6 +283,10 @@ QWidget *FilePaneView::makeFooter() {
 
 // -- Showing
 
+FileItemsView *FilePaneView::entries() const {
+    return isGrid() ? m_grid : m_list;
+}
+
 bool FilePaneView::isGrid() const {
     return m_pane.viewMode && m_pane.viewMode->value == PaneViewMode::grid;
 }
@@ -269,7 +309,9 @@ void FilePaneView::setPane(const FilePane &pane) {
     showTools();
     showSearch();
 
+    m_grid->setTileSize(m_pane.tileSize ? m_pane.tileSize->value : TileSize::standard);
     m_items->follow(m_pane.showsItemLocation);
+    m_items->setPictures(m_pane.pictures, m_pane.place);
     showSelectAll();
     showOrder();
     // Another folder, search or order is read from its beginning; a folder that is only listed again is not.
@@ -312,6 +354,9 @@ void FilePaneView::showTools() {
     for (IconButton *tool : m_placeTools)
         showWithHeir(tool, m_pane.onHome || m_pane.onChooseFolder, heir);
     showWithHeir(m_newFolder, m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder, heir);
+    if (m_pane.tileSize)
+        m_tileSlider->setValue(m_pane.tileSize->value);
+    showWithHeir(m_tileSlider, isGrid() && m_pane.tileSize, heir);
     const bool hasModes = m_pane.viewMode.has_value();
     for (const auto &[tool, isOn] : {std::pair(m_listTool, !isGrid()), std::pair(m_gridTool, isGrid())}) {
         show(tool, hasModes, hasModes && isOn);
@@ -338,7 +383,7 @@ void FilePaneView::showSearch() {
 }
 
 void FilePaneView::showEntries() {
-    FileItemsView *hidden = isGrid() ? m_list : m_grid;
+    FileItemsView *hidden = isGrid() ? m_list : static_cast<FileItemsView *>(m_grid);
     const bool hadFocus = hidden->hasFocus();
     const bool hadRing = hidden->focusedIndex().isValid();
     // Hidden with the focus, it would hand it to the next control in line, which may be the other pane's.

@@ -5,11 +5,13 @@
 #include <QWidget>
 
 class QLineEdit;
+class QSlider;
 
 namespace vantrel {
 
 class ColumnButton;
 class EmptinessView;
+class FileGridView;
 class FileItemsModel;
 class FileItemsView;
 class IconButton;
@@ -54,6 +56,8 @@ protected:
 
 private:
     [[nodiscard]] QWidget *makeHeader();
+    [[nodiscard]] QSlider *makeTileSlider();
+    void setTileSize(int size);
     [[nodiscard]] QWidget *makeSearchBar();
     [[nodiscard]] ColumnButton *makeColumn(const QString &name, FileSortKey key);
     [[nodiscard]] QWidget *makeColumnHeaders();
@@ -67,7 +71,7 @@ private:
     void showEntries();
     void announceEntries();
     [[nodiscard]] bool isGrid() const;
-    [[nodiscard]] FileItemsView *entries() const { return isGrid() ? m_grid : m_list; }
+    [[nodiscard]] FileItemsView *entries() const;
 
     void open(const FileItem &item) const;
     void select(const FileItem &item);
@@ -91,6 +95,7 @@ private:
     IconButton *m_newFolder;
     IconButton *m_listTool;
     IconButton *m_gridTool;
+    QSlider *m_tileSlider;
 
     QWidget *m_searchBar;
     QLineEdit *m_searchField;
@@ -105,7 +110,7 @@ private:
     TextLabel *m_gridSelectAllTitle;
 
     FileItemsView *m_list;
-    FileItemsView *m_grid;
+    FileGridView *m_grid;
     EmptinessView *m_emptiness;
 
     QWidget *m_footer;

@@ -25,8 +25,8 @@ QList<PathSegment> segmentsOf(const QString &path) {
 
 } // namespace
 
-MacBrowserPane::MacBrowserPane(AppState *state, QWidget *parent)
-    : BrowserPane(state, BrowserSide::mac, parent) {
+MacBrowserPane::MacBrowserPane(AppState *state, ThumbnailStore *pictures, QWidget *parent)
+    : BrowserPane(state, BrowserSide::mac, pictures, parent) {
     setObjectName(QStringLiteral("macPane"));
     start(&AppState::macAvailableLabelChanged);
 }

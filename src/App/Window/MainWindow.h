@@ -19,6 +19,7 @@ class AppState;
 class Desktop;
 class MessageSheet;
 class QuitWatch;
+class ThumbnailStore;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
@@ -75,6 +76,7 @@ private:
     Settings &m_settings;
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
+    ThumbnailStore *m_pictures;
     WirelessPhones *m_wireless;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;

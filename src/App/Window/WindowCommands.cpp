@@ -59,6 +59,15 @@ void WindowCommands::perform(WindowCommand command) {
     case WindowCommand::copyToPhone:
         m_state->transferMacToAndroid();
         break;
+    case WindowCommand::enlargeTiles:
+        m_state->setTileSize(m_state->tileSize() + TileSize::step);
+        break;
+    case WindowCommand::shrinkTiles:
+        m_state->setTileSize(m_state->tileSize() - TileSize::step);
+        break;
+    case WindowCommand::resetTiles:
+        m_state->setTileSize(TileSize::standard);
+        break;
     case WindowCommand::openMenu:
         Q_EMIT menuRequested();
         break;
