@@ -2,6 +2,7 @@
 // technology.
 
 #include "support/AccessibleTree.h"
+#include "support/ExifPhoto.h"
 #include "support/Files.h"
 #include "support/MainWindowFixture.h"
 
@@ -386,9 +387,12 @@ TEST_F(SheetTests, detailsTellAllThatIsKnown) {
     const QDateTime date(QDate(2024, 5, 1), QTime(13, 2, 3));
     for (const QString &path : {u"album/x.jpg"_s, u"album/deep/y.jpg"_s, u"z.txt"_s})
         phone.write(path, QByteArray(1'000'000, 'x'), date);
+    const QByteArray photo = exifPhoto(jpegOf(QImage(40, 30, QImage::Format_RGB32)), {320, 240}, {}, 6);
+    phone.write(u"photo.jpg"_s, photo);
+    write(folder + u"/photo.jpg"_s, photo);
     model->browseMac(folder);
     model->browseAndroid(u"/sdcard"_s);
-    ASSERT_TRUE(waitFor([&] { return model->macItems().size() == 3 && model->androidItems().size() == 3; }));
+    ASSERT_TRUE(waitFor([&] { return model->macItems().size() == 4 && model->androidItems().size() == 4; }));
 
     const auto value = [&](const QString &label) {
         const auto *text = window->findChild<ReadOnlyText *>(u"details."_s + label);
@@ -460,6 +464,12 @@ TEST_F(SheetTests, detailsTellAllThatIsKnown) {
     open(BrowserSide::android, {u"z.txt"_s});
     shows(u"Modified"_s, u"May 1, 2024, 13:02:03"_s);
     close();
+    for (const BrowserSide side : {BrowserSide::mac, BrowserSide::android}) {
+        open(side, {u"photo.jpg"_s});
+        shows(u"Dimensions"_s, u"30 × 40"_s); // it lies on its side
+        shows(u"Camera"_s, u"Cam"_s);
+        close();
+    }
     // What takes long is given up with the sheet, and what fails is said.
     phone.set(u"find.hang"_s, "on");
     open(BrowserSide::android, {u"album"_s});

@@ -16,14 +16,14 @@ inline QByteArray jpegOf(const QImage &image, int quality = 85) {
     return buffer.data();
 }
 
-/// A JPEG as a camera writes it: with its size, how the camera was held (1 to 8) and a small JPEG of it in
-/// front. Of no more than 60 KB, which is what a camera has room for.
+/// A JPEG as the camera "Cam" writes it: with its size, how the camera was held (1 to 8) and a small JPEG of
+/// it in front. Of no more than 60 KB, which is what a camera has room for.
 inline QByteArray exifPhoto(const QByteArray &jpeg, const QSize &size, const QByteArray &thumbnail,
                             quint16 orientation = 1) {
     constexpr quint16 asShort = 3;
     constexpr quint16 asLong = 4;
     constexpr quint32 firstDirectory = 8;
-    constexpr quint32 exifDirectory = firstDirectory + 2 + 2 * 12 + 4;
+    constexpr quint32 exifDirectory = firstDirectory + 2 + 3 * 12 + 4;
     constexpr quint32 secondDirectory = exifDirectory + 2 + 2 * 12 + 4;
     constexpr quint32 thumbnailPlace = secondDirectory + 2 + 3 * 12 + 4;
     QByteArray exif("Exif\0\0", 6);
@@ -32,7 +32,8 @@ inline QByteArray exifPhoto(const QByteArray &jpeg, const QSize &size, const QBy
         stream << tag << type << quint32(1) << (type == asShort ? value << 16 : value);
     };
     stream << quint16(0x4D4D) << quint16(42) << firstDirectory;
-    stream << quint16(2);
+    stream << quint16(3);
+    stream << quint16(0x0110) << quint16(2) << quint32(4) << quint32(0x43616D00); // the model, as text
     entry(0x0112, asShort, orientation);
     entry(0x8769, asLong, exifDirectory);
     stream << secondDirectory << quint16(2);

@@ -33,6 +33,13 @@ struct Counted {
     QString problem;
 };
 
+bool mayBePicture(const QString &name) {
+    return QMimeDatabase()
+        .mimeTypeForFile(name, QMimeDatabase::MatchExtension)
+        .name()
+        .startsWith(QLatin1String("image/"));
+}
+
 QString kindOf(const QString &name, bool isDirectory) {
     if (isDirectory)
         return QStringLiteral("Folder");
@@ -122,6 +129,24 @@ Counted countOnPhone(const QString &serial, const QStringList &paths, const std:
     return {contents, {}};
 }
 
+/// Where cameras note what they have to say.
+constexpr qint64 photoBeginning = 256 * 1024;
+
+PhotoFacts photoHere(const QString &path, const QString &name, ReadPhotoFacts read) {
+    QFile file(path);
+    // What is no file of its own, as a pipe, might never answer.
+    return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) ? read(file.read(photoBeginning), name)
+                                                                      : PhotoFacts();
+}
+
+PhotoFacts photoOnPhone(const QString &serial, const QString &path, const QString &name, qint64 length,
+                        ReadPhotoFacts read, const std::stop_token &stop) {
+    if (!mayBePicture(name) || length == 0)
+        return {};
+    const auto bytes = ADBClient::readBeginnings(serial, {{path, length}}, stop);
+    return bytes ? read(bytes->value(0), name) : PhotoFacts(); // they are worth no complaint
+}
+
 QString grouped(qint64 number) {
     QLocale locale;
     locale.setNumberOptions(QLocale::DefaultNumberOptions); // with separators of thousands everywhere
@@ -152,8 +177,8 @@ QString dateText(const QDateTime &date) {
 
 } // namespace
 
-Details::Details(const QList<FileItem> &items, const std::optional<Phone> &phone)
-    : m_items(items), m_phone(phone) {
+Details::Details(const QList<FileItem> &items, const std::optional<Phone> &phone, ReadPhotoFacts readPhoto)
+    : m_items(items), m_phone(phone), m_readPhoto(readPhoto) {
     m_isCounting = !folders().isEmpty();
     learn();
 }
@@ -187,6 +212,15 @@ QCoro::Task<> Details::learn() {
         m_modified = looked.modified;
         m_created = looked.created;
         m_problem = looked.problem;
+        Q_EMIT changed();
+    }
+    if (m_items.size() == 1 && !item.isDirectory && item.isNameExact && m_readPhoto && m_problem.isEmpty()) {
+        const qint64 length = std::min(item.sizeBytes.value_or(0), photoBeginning);
+        if (m_phone)
+            m_photo = co_await Background::run(this, &photoOnPhone, m_phone->serial, item.path, item.name,
+                                               length, m_readPhoto, stop);
+        else
+            m_photo = co_await Background::run(this, &photoHere, item.path, item.name, m_readPhoto);
         Q_EMIT changed();
     }
     if (m_isCounting && m_problem.isEmpty()) {
@@ -254,6 +288,10 @@ QList<Details::Fact> Details::facts() const {
         size = more % sizeText(bytes);
     }
     const auto modified = m_modified ? m_modified : first.modifiedAt;
+    const QString dimensions =
+        m_photo.size.isEmpty()
+            ? QString()
+            : QString(grouped(m_photo.size.width()) % QStringLiteral(" × ") % grouped(m_photo.size.height()));
     tell("Kind", m_kind);
     tell("Leads to", m_linkTarget);
     tell("Where", place());
@@ -261,6 +299,8 @@ QList<Details::Fact> Details::facts() const {
     tell("Selected", selected.join(QStringLiteral(", ")));
     tell("Contents", contents);
     tell("Size", size);
+    tell("Dimensions", dimensions);
+    tell("Camera", m_photo.camera);
     tell("Modified", isOne && modified ? dateText(*modified) : QString());
     tell("Created", m_created ? dateText(*m_created) : QString());
     return facts;

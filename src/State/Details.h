@@ -2,6 +2,7 @@
 
 #include "Records/FileItem.h"
 #include "Records/Pane.h"
+#include "Records/PhotoFacts.h"
 
 #include <QCoroTask>
 #include <QList>
@@ -42,8 +43,8 @@ public:
     };
 
     /// Entries of one folder or hits of a search, at least one. Without a phone they are this computer's.
-    /// Begins to find out.
-    Details(const QList<FileItem> &items, const std::optional<Phone> &phone);
+    /// Begins to find out; `readPhoto` reads pictures, where there is one to read.
+    Details(const QList<FileItem> &items, const std::optional<Phone> &phone, ReadPhotoFacts readPhoto = {});
     ~Details() override;
 
     /// The name of the one entry, or how many there are.
@@ -68,11 +69,13 @@ private:
 
     const QList<FileItem> m_items;
     const std::optional<Phone> m_phone;
+    const ReadPhotoFacts m_readPhoto;
     std::stop_source m_stop;
     QString m_kind;
     QString m_linkTarget;
     std::optional<QDateTime> m_modified;
     std::optional<QDateTime> m_created;
+    PhotoFacts m_photo;
     std::optional<FolderContents> m_contents;
     QString m_problem;
     bool m_isCounting = false;

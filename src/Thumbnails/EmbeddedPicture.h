@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QSize>
+#include <QString>
 
 namespace vantrel {
 
@@ -12,6 +13,7 @@ struct EmbeddedPicture {
     QByteArray bytes;    ///< a file of its own, mostly a JPEG; empty: there is none
     int orientation = 1; ///< 1 to 8, as Exif counts; the picture lies as its photo does
     QSize photo;         ///< pixels of the photo that it shows, where known
+    QString camera;      ///< that has taken it, where known
 };
 
 /// Finds the picture that a camera or a tagger has put into a file, of which these are the bytes, or only the

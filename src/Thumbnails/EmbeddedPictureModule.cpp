@@ -37,6 +37,24 @@ int number(const Exiv2::ExifData &exif, std::initializer_list<const char *> keys
     return 0;
 }
 
+/// Of one of the file's own texts, within reason.
+QString text(const Exiv2::ExifData &exif, const char *key) {
+    constexpr std::size_t longest = 80;
+    const auto entry = exif.findKey(Exiv2::ExifKey(key));
+    return entry == exif.end()
+               ? QString()
+               : QString::fromUtf8(QByteArray::fromStdString(entry->toString().substr(0, longest)))
+                     .simplified();
+}
+
+/// Most makers begin the model with their own name.
+QString cameraOf(const Exiv2::ExifData &exif) {
+    const QString maker = text(exif, "Exif.Image.Make");
+    const QString model = text(exif, "Exif.Image.Model");
+    return model.startsWith(maker, Qt::CaseInsensitive) ? model
+                                                        : QString(maker + QLatin1Char(' ') + model).trimmed();
+}
+
 /// The smallest preview that is at least as large as a tile; of a raw photo, whose thumbnail is a few pixels.
 QByteArray preview(const Exiv2::Image &image) {
     constexpr std::uint32_t enough = 256;
@@ -51,24 +69,7 @@ QByteArray preview(const Exiv2::Image &image) {
     return {};
 }
 
-/// A JPEG, or one of the raw formats. The library reads many others, films among them, by what a file begins
-/// with and whatever its name is; some damaged ones it reads for ever.
-bool isPhoto(const QByteArray &bytes) {
-    static const QByteArray beginnings[] = {"\xff\xd8\xff",
-                                            QByteArray("II*\0", 4),
-                                            QByteArray("MM\0*", 4),
-                                            "IIRO",
-                                            "IIRS",
-                                            "MMOR",
-                                            QByteArray("IIU\0", 4),
-                                            "FUJIFILM"};
-    return std::any_of(std::begin(beginnings), std::end(beginnings),
-                       [&](const QByteArray &beginning) { return bytes.startsWith(beginning); });
-}
-
 void findInPhoto(const QByteArray &bytes, EmbeddedPicture &found) {
-    if (!isPhoto(bytes))
-        return;
     // The library's reader of XMP is not made for several threads.
     static std::mutex mutex;
     const std::scoped_lock lock(mutex);
@@ -86,6 +87,7 @@ void findInPhoto(const QByteArray &bytes, EmbeddedPicture &found) {
         found.orientation = orientation;
     found.photo = QSize(number(exif, {"Exif.Photo.PixelXDimension", "Exif.Image.ImageWidth"}),
                         number(exif, {"Exif.Photo.PixelYDimension", "Exif.Image.ImageLength"}));
+    found.camera = cameraOf(exif);
     const Exiv2::DataBuf thumbnail = Exiv2::ExifThumbC(exif).copy();
     found.bytes = QByteArray(reinterpret_cast<const char *>(thumbnail.pData_), qsizetype(thumbnail.size_));
     const bool isJpeg = image->imageType() == Exiv2::ImageType::jpeg;

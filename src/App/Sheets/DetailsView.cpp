@@ -19,7 +19,7 @@ namespace {
 
 constexpr int padding = 24;
 constexpr int viewWidth = 440;
-constexpr int labelWidth = 76;
+constexpr int labelWidth = 78;
 constexpr int symbolWidth = 34;
 constexpr TextStyle valueStyle{12, Weight::medium};
 

@@ -18,6 +18,7 @@
 #include "State/AppState.h"
 #include "State/Details.h"
 #include "State/WirelessPhones.h"
+#include "Thumbnails/PhotoFactsReader.h"
 #include "Thumbnails/ThumbnailStore.h"
 #include "Transfers/QueueFile.h"
 
@@ -173,7 +174,7 @@ void MainWindow::showDetails(BrowserSide side, const QList<FileItem> &items) {
     const auto phone =
         side == BrowserSide::android ? std::optional(Details::Phone{device.id, device.name}) : std::nullopt;
     auto *view =
-        new DetailsView(this, std::make_unique<Details>(items, phone), m_state->desktop());
+        new DetailsView(this, std::make_unique<Details>(items, phone, &photoFactsOf), m_state->desktop());
     view->setAttribute(Qt::WA_DeleteOnClose);
     view->open();
 }
