@@ -69,7 +69,24 @@ QByteArray preview(const Exiv2::Image &image) {
     return {};
 }
 
+/// A JPEG, or one of the raw formats. The library reads many others, films among them, by what a file begins
+/// with and whatever its name is; some damaged ones it reads for ever.
+bool isPhoto(const QByteArray &bytes) {
+    static const QByteArray beginnings[] = {"\xff\xd8\xff",
+                                            QByteArray("II*\0", 4),
+                                            QByteArray("MM\0*", 4),
+                                            "IIRO",
+                                            "IIRS",
+                                            "MMOR",
+                                            QByteArray("IIU\0", 4),
+                                            "FUJIFILM"};
+    return std::any_of(std::begin(beginnings), std::end(beginnings),
+                       [&](const QByteArray &beginning) { return bytes.startsWith(beginning); });
+}
+
 void findInPhoto(const QByteArray &bytes, EmbeddedPicture &found) {
+    if (!isPhoto(bytes))
+        return;
     // The library's reader of XMP is not made for several threads.
     static std::mutex mutex;
     const std::scoped_lock lock(mutex);

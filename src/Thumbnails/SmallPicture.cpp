@@ -54,7 +54,9 @@ QImage decoded(const QByteArray &bytes, int edge, Turn turn) {
         return {};
     if (size.width() > edge || size.height() > edge)
         reader.setScaledSize(size.scaled(edge, edge, Qt::KeepAspectRatio).expandedTo({1, 1}));
-    return reader.read();
+    const QImage image = reader.read();
+    // A damaged GIF says one size and has another.
+    return image.width() <= edge && image.height() <= edge ? image : QImage();
 }
 
 /// Turned upright, from how its camera was held.

@@ -55,11 +55,12 @@ int FileGridCellGeometry::height(double tileHeight, int lines) {
 }
 
 QString FileGridCell::icon() const {
-    return isPicture(*this) ? QStringLiteral("photo") : FileRow{*this}.icon();
+    return isPicture(*this) ? QStringLiteral("photo") : FileRow{static_cast<const FileEntry &>(*this)}.icon();
 }
 
 ThemeColor FileGridCell::iconColor() const {
-    return isPicture(*this) ? AppTheme::folderBlue() : FileRow{*this}.iconColor();
+    return isPicture(*this) ? AppTheme::folderBlue()
+                            : FileRow{static_cast<const FileEntry &>(*this)}.iconColor();
 }
 
 FileEntry::Part FileGridCell::hitTest(const QRectF &rect, const QPointF &point) const {
