@@ -11,6 +11,7 @@
 #include "App/System/Settings.h"
 #include "App/Updates/Appcast.h"
 #include "Records/FileOrder.h"
+#include "Thumbnails/SmallPicture.h"
 
 #include <QDir>
 #include <QFile>
@@ -212,6 +213,17 @@ void settings(const QByteArray &input) {
     require(settings.save() && Settings(path).appearancePreference() == other, "a choice can be stored");
 }
 
+/// The first byte says what the others are taken for.
+void picture(const QByteArray &input) {
+    constexpr int edge = 96;
+    const int choice = input.isEmpty() ? 0 : uchar(input.front());
+    const auto kind = MediaKind(choice / 2 % (int(MediaKind::audio) + 1));
+    const QImage image =
+        smallPicture(input.mid(1), choice % 2 == 0 ? Extent::whole : Extent::beginning, kind, edge);
+    require(image.isNull() || (image.width() <= edge && image.height() <= edge), "a small picture is small");
+    require(image.isNull() || isReadable(kind), "what cannot be read has no picture");
+}
+
 } // namespace
 
 const QList<Target> &targets() {
@@ -229,6 +241,7 @@ const QList<Target> &targets() {
         {"appcast", &appcast},
         {"analytics-cache", &analyticsCache},
         {"settings", &settings},
+        {"small-picture", &picture},
     };
     // clang-format on
     return all;

@@ -443,6 +443,24 @@ TEST_F(QueueTests, rowsAreRemovedByMouseAndByKeys) {
     EXPECT_EQ(focusedRow(), -1);
 }
 
+TEST_F(QueueTests, theCardsLineIsWholeWhereverTheRowsAreScrolled) {
+    queueGhosts(20);
+    showPanel({816, 200});
+    settle();
+    auto *card = child<QWidget>("queue.card");
+    QList<QImage> line;
+    for (int place = 0; place < 60; place += 3) {
+        list->verticalScrollBar()->setValue(place);
+        const QImage shown = card->grab().toImage();
+        constexpr int scrollBar = 20;
+        const QList<QImage> sides{shown.copy(0, 0, shown.width() - scrollBar, 1),
+                                  shown.copy(0, 0, 1, shown.height()),
+                                  shown.copy(0, shown.height() - 1, shown.width() - scrollBar, 1)};
+        line = place == 0 ? sides : line;
+        EXPECT_TRUE(sides == line) << place;
+    }
+}
+
 TEST_F(QueueTests, theKeyboardStaysWithItsRowWhileOthersComeAndGo) {
     showPanel();
     queueGhosts(20);

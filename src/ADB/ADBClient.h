@@ -156,6 +156,21 @@ struct SearchMetadata {
 [[nodiscard]] QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial,
                                                                  const QStringList &paths);
 
+// -- What files begin with (ADBBeginnings.cpp)
+
+/// A file of the phone, and how many of its first bytes are wanted.
+struct FileBeginning {
+    QString path;
+    qint64 length;
+};
+/// The first bytes of every file, in the order and with exactly the lengths that were asked for, whatever the
+/// files have become: zeros stand behind the end of a file, and for one that cannot be read. One run of adb
+/// for all, another when one of them is not as long as was thought, and more where the paths are long; of
+/// more than 32 MB in one run nothing is read. Fails as askADB() does, on a request to stop too, and when the
+/// answer has another length.
+[[nodiscard]] ADBResult<QList<QByteArray>>
+readBeginnings(const QString &serial, const QList<FileBeginning> &files, const std::stop_token &stop);
+
 // -- Copies (ADBTransfer.cpp)
 
 /// Receives a running copy's progress: fraction (0 to 0.99, rising by more than 0.001 each time), bytes done,

@@ -10,8 +10,9 @@
 
 namespace vantrel {
 
-BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
-    : QWidget(parent), m_app(state), m_state(state->pane(side)), m_view(new FilePaneView(m_state)),
+BrowserPane::BrowserPane(AppState *state, BrowserSide side, ThumbnailStore *pictures, QWidget *parent)
+    : QWidget(parent), m_app(state), m_state(state->pane(side)), m_pictures(pictures),
+      m_view(new FilePaneView(m_state)),
       m_spinner(new Spinner(Spinner::Size::small, QStringLiteral("Busy"))) {
     auto *overlay = new QGridLayout(this);
     overlay->setContentsMargins(0, 0, 0, 0);
@@ -21,6 +22,12 @@ BrowserPane::BrowserPane(AppState *state, BrowserSide side, QWidget *parent)
     m_rendering.watch(&m_state, &PaneState::pathChanged, &PaneState::visibleItemsChanged,
                       &PaneState::selectedIDsChanged, &PaneState::isLoadingChanged,
                       &PaneState::browseErrorChanged, &PaneState::viewModeChanged, &PaneState::orderChanged);
+    m_rendering.watch(m_app, &AppState::tileSizeChanged);
+    if (m_pictures)
+        connect(&m_state, &PaneState::isLoadingChanged, m_pictures, [this] {
+            if (!m_state.isLoading() && !m_state.hasFailed())
+                m_pictures->hear(place());
+        });
 }
 
 QString BrowserPane::activity() const {
@@ -30,6 +37,21 @@ QString BrowserPane::activity() const {
 std::optional<Emptiness> BrowserPane::emptiness() const {
     return m_state.hasFailed() ? EmptyStates::failed(m_state.browseError().value_or(QString()))
                                : EmptyStates::emptyFolder();
+}
+
+Arrival BrowserPane::arrivalAt(const QString &path) const {
+    const QString above = path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
+    return m_state.path().startsWith(above) ? Arrival::back : Arrival::anew;
+}
+
+/// All that are selected, if the entry is one of them.
+QList<FileItem> BrowserPane::together(const FileItem &item) const {
+    return m_state.selectedIDs().contains(item.id) ? m_state.selectedItems() : QList{item};
+}
+
+FilePlace BrowserPane::place() const {
+    const bool isPhone = m_state.side() == BrowserSide::android && m_app->device().isConnected;
+    return {m_state.side(), isPhone ? m_app->device().id : QString()};
 }
 
 void BrowserPane::focusSide() const {
@@ -67,14 +89,21 @@ void BrowserPane::render() {
     };
     pane.onFocus = [this] { focusSide(); };
     pane.viewMode = {m_state.viewMode(), [this](PaneViewMode mode) { m_state.setViewMode(mode); }};
+    pane.tileSize = {m_app->tileSize(), [this](int size) { m_app->setTileSize(size); }};
+    pane.pictures = m_pictures;
+    pane.place = place();
     pane.order = {m_state.order(), [this](const FileOrder &order) {
                       focusSide();
                       m_state.setOrder(order);
                   }};
+    pane.onDetails = [this](const FileItem &item) {
+        focusSide();
+        m_app->showDetails(m_state.side(), together(item));
+    };
+    pane.placeToken = m_state.placeToken();
+    pane.onPlace = [this](const PanePlace &place) { m_state.setPlace(place); };
     pane.onDrag = [this](const FileItem &item) {
-        const bool isOfMany = m_state.selectedIDs().contains(item.id);
-        dragEntries(m_view, new DraggedEntries(m_state.side(), m_app->device().id,
-                                               isOfMany ? m_state.selectedItems() : QList{item}));
+        dragEntries(m_view, new DraggedEntries(m_state.side(), m_app->device().id, together(item)));
     };
     pane.dropCount = [this](const QMimeData &dragged) {
         return m_app->device().isConnected ? draggedCount(dragged, m_state.side()) : 0;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "App/System/Settings.h"
+#include "Records/FileItem.h"
+#include "Records/Pane.h"
 #include "Theme/AppTheme.h"
 
 #include <QCoroTask>
@@ -17,6 +19,7 @@ class AppState;
 class Desktop;
 class MessageSheet;
 class QuitWatch;
+class ThumbnailStore;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
@@ -64,6 +67,7 @@ private:
     void furnish();
     void addToolbarButtons();
     void renderAppearanceButton();
+    void showDetails(BrowserSide side, const QList<FileItem> &items);
     QCoro::Task<> runStartUp();
     /// Whether the question is shown, to which the user's answer closes the window.
     bool asksBeforeClosing();
@@ -72,6 +76,7 @@ private:
     Settings &m_settings;
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
+    ThumbnailStore *m_pictures;
     WirelessPhones *m_wireless;
     WindowChrome *m_chrome;
     ToolbarButton *m_appearance = nullptr;
