@@ -341,6 +341,37 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
     }
 }
 
+TEST_F(CopyTests, aPhoneThatSendsWithoutEndIsCutShort) {
+    constexpr qsizetype size = 33'000'000;
+    for (const bool isContinued : {false, true}) {
+        SCOPED_TRACE(isContinued);
+        writeOn(BrowserSide::android, u"film"_s, QByteArray(size, 'x'));
+        phone.set(u"bandwidth"_s, "30");
+        if (isContinued)
+            phone.set(u"unplug-after"_s, QByteArray::number(size / 2));
+        else
+            phone.set(u"endless"_s, "on");
+        start();
+        select(BrowserSide::android, u"film"_s);
+        state->transferAndroidToMac();
+        if (isContinued) {
+            ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+            ASSERT_EQ(staged().size(), 1);
+            phone.set(u"endless"_s, "on");
+            phone.plug();
+        }
+        phone.set(u"bandwidth"_s, "0"); // as fast as it can
+        connectPhone();
+        waitForQueue();
+        EXPECT_EQ(statuses(), u"film:It was changed while it was copied."_s);
+        EXPECT_TRUE(staged().isEmpty());
+        EXPECT_FALSE(QFileInfo::exists(here(u"film"_s)));
+        phone.resetAll();
+        phone.set(u"stderr-progress"_s, "off");
+        state->clearQueue();
+    }
+}
+
 TEST_F(CopyTests, aPushHasNoSpeedBeforeItHasFilledTheSockets) {
     for (const BrowserSide from : sides) {
         writeOn(from, u"clip"_s, QByteArray(3'000'000, 'x'));

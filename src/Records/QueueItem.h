@@ -9,8 +9,14 @@
 
 namespace vantrel {
 
-/// Which way a copy goes: a pull from the phone or a push to it.
-enum class TransferDirection { androidToMac, macToAndroid };
+/// Which way a copy goes: a pull from the phone, a push to it, or from one folder of this computer into
+/// another.
+enum class TransferDirection { androidToMac, macToAndroid, withinMac };
+
+/// Whether a phone takes part.
+[[nodiscard]] constexpr bool needsPhone(TransferDirection direction) {
+    return direction != TransferDirection::withinMac;
+}
 
 /// The state of one queued copy.
 class QueueItemStatus {
@@ -96,7 +102,8 @@ struct QueueItem {
     TransferDirection direction = TransferDirection::androidToMac;
     QueueItemStatus status; ///< starts as waiting
     qint64 totalBytes = 0;  ///< expected bytes; 0 when the source's size is unknown
-    QString serial = {};    ///< of the phone that it was queued for, and of no other
+    QString serial =
+        {}; ///< of the phone that it was queued for, and of no other; empty where none takes part
     WhenTaken whenTaken = WhenTaken::ask;
 
     /// The byte progress or the state in words.

@@ -26,14 +26,23 @@ constexpr int version = 1;
 constexpr int mostPrograms = 8;
 
 const QString programName = QStringLiteral("vantrel");
-const QString pull = QStringLiteral("pull");
-const QString push = QStringLiteral("push");
+/// How each way of a copy is called in the file.
+const std::pair<TransferDirection, QString> ways[] = {
+    {TransferDirection::androidToMac, QStringLiteral("pull")},
+    {TransferDirection::macToAndroid, QStringLiteral("push")},
+    {TransferDirection::withinMac, QStringLiteral("here")}};
+
+QString nameOf(TransferDirection direction) {
+    return std::find_if(std::begin(ways), std::end(ways),
+                        [&](const auto &way) { return way.first == direction; })
+        ->second;
+}
 
 /// The destination is kept as a folder and a name, so that an entry never leads out of its folder.
 QJsonObject toJson(const QueueItem &item) {
     const QString name = AndroidPath::lastComponent(item.destinationPath);
     return {{QStringLiteral("phone"), item.serial},
-            {QStringLiteral("way"), item.direction == TransferDirection::androidToMac ? pull : push},
+            {QStringLiteral("way"), nameOf(item.direction)},
             {QStringLiteral("source"), item.sourcePath},
             {QStringLiteral("folder"), item.destinationPath.chopped(name.size() + 1)},
             {QStringLiteral("name"), name},
@@ -50,12 +59,15 @@ bool isPlainPath(const QString &path) {
 /// The entry, if it is one that the program can have written.
 std::optional<QueueItem> fromJson(const QJsonObject &json) {
     const auto text = [&](const char *key) { return json.value(QLatin1String(key)).toString(); };
-    const QString way = text("way");
+    const auto *const way = std::find_if(std::begin(ways), std::end(ways),
+                                         [&](const auto &known) { return known.second == text("way"); });
+    if (way == std::end(ways))
+        return std::nullopt;
     const QString folder = text("folder");
     QueueItem item;
     item.id = newIdentity();
     item.serial = text("phone");
-    item.direction = way == pull ? TransferDirection::androidToMac : TransferDirection::macToAndroid;
+    item.direction = way->first;
     item.sourcePath = text("source");
     item.name = text("name");
     item.destinationPath = AndroidPath::join(folder.isEmpty() ? QStringLiteral("/") : folder, item.name);
@@ -63,7 +75,7 @@ std::optional<QueueItem> fromJson(const QJsonObject &json) {
     item.totalBytes = std::max<qint64>(json.value(QLatin1String("bytes")).toInteger(), 0);
     item.whenTaken = json.value(QLatin1String("keepBoth")).toBool() ? WhenTaken::keepBoth : WhenTaken::ask;
     item.status = QueueItemStatus::Paused{{.totalBytes = item.totalBytes}};
-    const bool isOne = (way == pull || way == push) && !item.serial.isEmpty() &&
+    const bool isOne = item.serial.isEmpty() != needsPhone(item.direction) &&
                        AndroidPath::isSafeName(item.name) && isPlainPath(item.destinationPath) &&
                        isPlainPath(item.sourcePath);
     return isOne ? std::optional(item) : std::nullopt;

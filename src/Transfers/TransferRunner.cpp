@@ -21,8 +21,8 @@ namespace {
 /// One key for all spellings of one place: shared storage and the Mac ignore case, so such copies go one
 /// after the other, and the file system says whether they are two.
 QString destinationKey(const QueueItem &item) {
-    return (item.direction == TransferDirection::androidToMac ? QStringLiteral("mac:")
-                                                              : QString(item.serial % QLatin1Char(':'))) +
+    return (item.direction == TransferDirection::macToAndroid ? QString(item.serial % QLatin1Char(':'))
+                                                              : QStringLiteral("mac:")) +
            item.destinationPath.toCaseFolded();
 }
 
@@ -205,7 +205,8 @@ void TransferRunner::phoneWasAsked() {
         const auto *waiting = item.status.as<QueueItemStatus::Waiting>();
         if (!waiting || waiting->isClaimed)
             return item.status;
-        return QueueItemStatus(QueueItemStatus::Waiting{!phones.contains(item.serial)});
+        return QueueItemStatus(
+            QueueItemStatus::Waiting{needsPhone(item.direction) && !phones.contains(item.serial)});
     });
     if (isChanged)
         Q_EMIT queueChanged();
@@ -213,8 +214,9 @@ void TransferRunner::phoneWasAsked() {
 }
 
 bool TransferRunner::mayStart(const QueueItem &item, const QStringList &phones) const {
-    return phones.contains(item.serial) && !m_gonePhones.contains(item.serial) &&
-           !m_destinationsInUse.contains(destinationKey(item));
+    const bool isReachable =
+        !needsPhone(item.direction) || (phones.contains(item.serial) && !m_gonePhones.contains(item.serial));
+    return isReachable && !m_destinationsInUse.contains(destinationKey(item));
 }
 
 /// Starts copies until all slots are taken or nothing may start, and ends the run when nothing is left: both
@@ -333,7 +335,7 @@ void TransferRunner::finish(const QUuid &id, const CopyReport &report) {
 void TransferRunner::refreshReceivingPane(const QueueItem &item) {
     constexpr int pauseMilliseconds = 1000;
     const BrowserSide side =
-        item.direction == TransferDirection::androidToMac ? BrowserSide::mac : BrowserSide::android;
+        item.direction == TransferDirection::macToAndroid ? BrowserSide::android : BrowserSide::mac;
     if (m_host.shownFolder(side) != folderOf(item.destinationPath))
         return;
     ReceivingPane &pane = receivingPane(side);
