@@ -276,7 +276,8 @@ public:
                                               const std::stop_token & /*stop*/) const override {
         if (LocalFiles::setModified(path, modified))
             return {};
-        return tl::make_unexpected(ADBError::executionFailed(qt_error_string(errno)));
+        return tl::make_unexpected(
+            ADBError::executionFailed(QStringLiteral("cannot write: ") + qt_error_string(errno)));
     }
 
     bool remove(const QStringList &paths) const override {

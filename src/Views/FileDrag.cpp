@@ -71,8 +71,8 @@ qsizetype draggedCount(const QMimeData &data, BrowserSide to, const QString &fol
         return to == BrowserSide::android ? 0 : own->items().size();
     const QStringList paths = draggedPaths(data);
     const auto isWhereItWouldGo = [&](const QString &path) {
-        return (folder + QLatin1Char('/')).startsWith(path + QLatin1Char('/')) ||
-               QFileInfo(path).path() == folder;
+        const QString within = path + QLatin1Char('/');
+        return folder == path || folder.startsWith(within) || QFileInfo(path).path() == folder;
     };
     const bool isRefused =
         to == BrowserSide::mac && std::any_of(paths.begin(), paths.end(), isWhereItWouldGo);
