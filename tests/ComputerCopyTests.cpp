@@ -58,7 +58,7 @@ protected:
         item.name = name;
         item.isDirectory = QFileInfo(here(name)).isDir();
         item.sourcePath = here(name);
-        item.destinationPath = there(name);
+        item.destinationFolder = job.folder;
         item.direction = job.direction;
         job.entries = {item};
         return job;
@@ -188,7 +188,7 @@ TEST_F(ComputerCopyTests, areRemembered) {
     const QueueFile::Contents kept = file.open();
     ASSERT_EQ(kept.entries.size(), 1) << kept.problem.toStdString();
     EXPECT_EQ(kept.entries.first().direction, TransferDirection::withinMac);
-    EXPECT_EQ(kept.entries.first().destinationPath, there(u"film"_s));
+    EXPECT_EQ(kept.entries.first().destinationPath(), there(u"film"_s));
 }
 
 TEST_F(ComputerCopyTests, takeNothingThatChangesMeanwhile) {

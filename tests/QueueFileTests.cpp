@@ -132,7 +132,7 @@ TEST_F(QueueFileTests, programsAtTheSameTimeHaveAFileEachAndALaterOneTakesUpBoth
         item.id = QUuid::createUuid();
         item.name = name;
         item.sourcePath = u"/sdcard/"_s + name;
-        item.destinationPath = u"/tmp/"_s + name;
+        item.destinationFolder = u"/tmp"_s;
         item.serial = u"demo-phone"_s;
         return item;
     };

@@ -322,7 +322,7 @@ protected:
             phone.set(u"facts.hang"_s, "on");
         for (const QString &name : {u"a"_s, u"b"_s}) {
             item.id = QUuid::createUuid();
-            item.destinationPath = mac.filePath(name);
+            item.destinationFolder = mac.path();
             if (copies != Copies::none)
                 transfers.enqueue({item});
         }

@@ -103,7 +103,7 @@ bool AppState::transfer(TransferDirection direction, const QList<FileItem> &item
                             item.name,
                             item.isDirectory,
                             item.path,
-                            AndroidPath::join(folder, item.name),
+                            folder,
                             direction,
                             {},
                             item.sizeBytes.value_or(0),

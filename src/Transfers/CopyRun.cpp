@@ -14,6 +14,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <atomic>
 #include <future>
 #include <limits>
 #include <mutex>
@@ -46,6 +47,12 @@ struct ComparedFile {
     QString read;  ///< by this run, on this computer
     QString asked; ///< of the other side, or read at the same time
     qint64 sizeBytes = 0;
+};
+
+/// Files that are copied by one run of adb.
+struct Batch {
+    QList<PlannedFile> files;
+    bool isCompared = false; ///< with its source: one that was continued
 };
 
 /// What comparing them has come to.
@@ -136,9 +143,10 @@ public:
           m_carrier(carrierFor(job.direction, job.serial)), m_states(job.entries.size()) {}
 
     void run() {
-        sweep();
+        auto sweeping = std::async(std::launch::async, [this] { sweep(); });
         readSources();
         readDestinations();
+        sweeping.wait();
         plan();
         compareAlike();
         makeFolders();
@@ -170,6 +178,7 @@ private:
         return !m_watcher.isWanted || m_watcher.isWanted(m_job.entries.at(entry).id);
     }
     [[nodiscard]] bool isGivenUp(qsizetype entry) const {
+        const std::scoped_lock lock(m_guard);
         return m_states.at(entry).hasEnded || m_stop.stop_requested() || !isWanted(entry);
     }
 
@@ -200,6 +209,7 @@ private:
         failAll(error.errorDescription());
     }
     void failAll(const QString &message) {
+        const std::scoped_lock lock(m_guard);
         for (qsizetype entry = 0; entry < m_states.size(); ++entry)
             fail(entry, message);
     }
@@ -259,12 +269,13 @@ private:
     }
 
     /// Whether the copy that has just ended early is to go on later.
-    [[nodiscard]] bool goesOn() const {
-        return m_batch.size() == 1 && isLarge(m_batch.first()) && (m_stop.stop_requested() || m_isPhoneGone);
+    [[nodiscard]] bool goesOn(const Batch &batch) const {
+        return batch.files.size() == 1 && isLarge(batch.files.first()) &&
+               (m_stop.stop_requested() || m_isPhoneGone);
     }
     /// Leaves a staging folder for the run in which its file goes on.
-    void keep(const QString &name) {
-        const qsizetype entry = m_batch.first().entry;
+    void keep(const QString &name, const Batch &batch) {
+        const qsizetype entry = batch.files.first().entry;
         const QUuid id = m_job.entries.at(entry).id;
         KeptParts::keep({id, m_job.direction, m_job.serial, m_job.folder, name});
         if (!isWanted(entry)) // removed from the queue in between
@@ -272,14 +283,14 @@ private:
     }
 
     /// Whether what was continued has its source's content, as far as that can be said.
-    [[nodiscard]] ADBResult<bool> isSameAsSource(const QString &staged) {
-        const auto compared = compare({comparedFile(m_batch.first(), staged)}, Arrival::staged);
+    [[nodiscard]] ADBResult<bool> isSameAsSource(Batch &batch, const QString &staged) {
+        const auto compared = compare({comparedFile(batch.files.first(), staged)}, Arrival::staged);
         if (!compared)
             return tl::make_unexpected(compared.error());
         if (const QString &complaint = compared->first().complaint; !complaint.isEmpty())
             return tl::make_unexpected(ADBError::executionFailed(complaint));
-        m_isBatchCompared = compared->first().outcome == Comparison::Outcome::same;
-        return m_isBatchCompared;
+        batch.isCompared = compared->first().outcome == Comparison::Outcome::same;
+        return batch.isCompared;
     }
 
     /// What a tool or the shell of the phone says of the file is a line like those of adb.
@@ -293,15 +304,15 @@ private:
     }
 
     /// Copies the batch, one large file, to `staged`; from where an earlier try has ended, if one has.
-    ADBResult<QStringList> copyLarge(const QString &staged) {
-        const PlannedFile &file = m_batch.first();
+    ADBResult<QStringList> copyLarge(Batch &batch, const QString &staged) {
+        const PlannedFile &file = batch.files.first();
         // What adb has pushed is gone when the cable is: the second time it is sent so that it stays.
         if (std::exchange(m_wasInterrupted, true) || !m_to->isPhone()) {
             if (const auto learned = m_to->learn({}, {staged}, m_stop); !learned)
                 return tl::make_unexpected(learned.error());
             const qint64 reached = m_to->look(staged).value_or(TreeEntry()).sizeBytes;
             if (reached <= file.sizeBytes && (reached > 0 || m_to->isPhone())) {
-                const auto continued = continueLarge(staged, reached);
+                const auto continued = continueLarge(batch, staged, reached);
                 if (!continued)
                     return complaint(continued.error());
                 if (*continued)
@@ -316,8 +327,8 @@ private:
     }
 
     /// Whether the file, of which so many bytes are there, is whole now and like its source.
-    ADBResult<bool> continueLarge(const QString &staged, qint64 reached) {
-        const PlannedFile &file = m_batch.first();
+    ADBResult<bool> continueLarge(Batch &batch, const QString &staged, qint64 reached) {
+        const PlannedFile &file = batch.files.first();
         qint64 &kept = m_states[file.entry].keptBytes;
         kept += reached;
         const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
@@ -326,7 +337,7 @@ private:
             return tl::make_unexpected(continued.error());
         if (const auto timed = m_to->setModified(staged, file.modified, m_stop); !timed)
             return tl::make_unexpected(timed.error());
-        const auto isSame = isSameAsSource(staged);
+        const auto isSame = isSameAsSource(batch, staged);
         if (isSame && !*isSame)
             kept -= reached;
         return isSame;
@@ -349,10 +360,11 @@ private:
             if (m_states.at(entry).source.entries.isEmpty() || m_states.at(entry).hasEnded)
                 continue;
             const bool isFolder = m_states.at(entry).source.entries.first().kind == TreeEntry::Kind::folder;
-            (isFolder ? folders : single).append(copied.destinationPath);
+            (isFolder ? folders : single).append(copied.destinationPath());
             for (int number = 2; copied.whenTaken == WhenTaken::keepBoth && number <= numbersToTry; ++number)
                 single.append(AndroidPath::join(
-                    m_job.folder, numberedName(AndroidPath::lastComponent(copied.destinationPath), number)));
+                    m_job.folder,
+                    numberedName(AndroidPath::lastComponent(copied.destinationPath()), number)));
         }
         if (const auto learned = m_to->learn(folders, single, m_stop); !learned)
             failAll(learned.error());
@@ -392,7 +404,7 @@ private:
         state.report.failed = state.source.unreadable;
         state.report.fileCount = state.report.failed.size();
         const bool isFolder = state.source.entries.first().kind == TreeEntry::Kind::folder;
-        QString root = copied.destinationPath;
+        QString root = copied.destinationPath();
         if (isFolder) {
             const auto there = m_to->look(root);
             if (there && there->kind != TreeEntry::Kind::folder) {
@@ -492,6 +504,14 @@ private:
 
     // -- Comparing
 
+    /// Counts a file among those that are through and have no names yet, or no more.
+    template <class File>
+    void stage(const File &file, int change) {
+        qint64 &staged = m_states[file.entry].stagedBytes; // of sizes that a phone may have made up
+        staged = std::max<qint64>(sum(staged, change * file.sizeBytes), 0);
+        m_states[file.entry].stagedFiles += change;
+    }
+
     /// Whether compared files have come in this run, or stood there before it.
     enum class Arrival { staged, there };
 
@@ -516,26 +536,29 @@ private:
             return answer;
         });
         const bool areStaged = arrival == Arrival::staged;
-        for (const ComparedFile &file : files) {
-            m_states[file.entry].stagedBytes += areStaged ? file.sizeBytes : 0;
-            m_states[file.entry].stagedFiles += areStaged ? 1 : 0;
-        }
+        const auto stageAll = [&](int change) {
+            const std::scoped_lock lock(m_guard);
+            for (const ComparedFile &file : files)
+                stage(file, change);
+        };
+        if (areStaged)
+            stageAll(+1);
         QList<std::optional<QByteArray>> here;
         for (const ComparedFile &file : files) {
-            State &state = m_states[file.entry];
-            const qint64 before = state.comparedBytes;
+            qint64 read = 0;
             const auto onBytes = [&](qint64 bytes) {
-                state.comparedBytes = sum(before, bytes);
+                const std::scoped_lock lock(m_guard);
+                m_states[file.entry].comparedBytes += bytes - std::exchange(read, bytes);
                 report(file.entry, areStaged ? 0 : bytes, arrival);
             };
             here.append(isWanted(file.entry) ? LocalFiles::sum(file.read, enough.get_token(), onBytes)
                                              : std::nullopt);
-            state.comparedBytes = sum(before, file.sizeBytes);
-            state.stagedBytes += areStaged ? 0 : file.sizeBytes;
-            state.stagedFiles += areStaged ? 0 : 1;
+            const std::scoped_lock lock(m_guard);
+            m_states[file.entry].comparedBytes += file.sizeBytes - read;
+            if (!areStaged)
+                stage(file, +1);
         }
-        for (const ComparedFile &file : files)
-            m_states[file.entry].stagedBytes = m_states[file.entry].stagedFiles = 0;
+        stageAll(-1);
         const auto there = asking.get();
         if (!there)
             return tl::make_unexpected(there.error());
@@ -591,12 +614,13 @@ private:
 
     /// Compares staged files with their sources, when that is wanted. Gives the destinations of those that
     /// must not take their names, and tells why.
-    ADBResult<QSet<QString>> refused(const QList<PlannedFile> &arrived, const QString &staging) {
+    ADBResult<QSet<QString>> refused(const QList<PlannedFile> &arrived, const QString &staging,
+                                     const Batch &batch) {
         using Outcome = Comparison::Outcome;
         QSet<QString> names;
         if (!m_job.verifies || arrived.isEmpty())
             return names;
-        if (m_isBatchCompared) { // when it was continued
+        if (batch.isCompared) { // when it was continued
             ++m_states[arrived.first().entry].report.verified;
             return names;
         }
@@ -606,6 +630,7 @@ private:
         const auto compared = compare(files, Arrival::staged);
         if (!compared)
             return tl::make_unexpected(compared.error());
+        const std::scoped_lock lock(m_guard);
         for (qsizetype i = 0; i < arrived.size(); ++i) {
             const PlannedFile &file = arrived.at(i);
             CopyReport &report = m_states[file.entry].report;
@@ -658,33 +683,61 @@ private:
     }
 
     void copyFiles() {
+        constexpr qsizetype parts = 4;
+        constexpr qsizetype fewest = 250;
+        std::future<void> other;
+        if (areManyAndSmall(2 * fewest)) {
+            m_mostTogether = std::clamp(m_files.size() / parts, fewest, m_mostTogether);
+            other = std::async(std::launch::async, [this] { copyBatches(Takeover::no); });
+        }
+        copyBatches(Takeover::yes);
+        if (other.valid())
+            other.wait();
+    }
+
+    /// A run of adb waits for the phone's answer after each small file: two at a time are faster than one,
+    /// and while the one's files get their names the other copies.
+    [[nodiscard]] bool areManyAndSmall(qsizetype many) const {
+        constexpr qint64 small = 256'000;
+        return m_job.entries.size() == 1 && m_files.size() >= many &&
+               m_states.first().report.totalBytes / m_files.size() < small &&
+               std::none_of(m_files.begin(), m_files.end(), &isLarge);
+    }
+
+    /// Whether what earlier runs have kept is to be taken over.
+    enum class Takeover { no, yes };
+
+    /// Copies what is still to be copied, batch by batch, by way of a staging folder of its own.
+    void copyBatches(Takeover takeover) {
         const QString name = StagedName::make();
         const QString staging = AndroidPath::join(m_job.folder, name);
         if (const auto made = m_to->makeStaging(m_job.folder, name, m_stop); !made) {
             StagedName::release(name);
             return failAll(made.error());
         }
-        adopt(staging);
-        while (!m_stop.stop_requested() && takeBatch()) {
-            if (const auto copied = copyAndName(staging); !copied) {
+        if (takeover == Takeover::yes)
+            adopt(staging);
+        Batch batch;
+        while (!m_stop.stop_requested() && takeBatch(batch)) {
+            if (const auto copied = copyAndName(batch, staging); !copied) {
                 failAll(copied.error());
                 break;
             }
         }
-        if (goesOn())
-            keep(name);
+        if (goesOn(batch))
+            keep(name, batch);
         else
             removeStaging(m_job.direction, m_job.serial, m_job.folder, name);
     }
 
     /// Copies the batch, and gives their names to those of its files that are whole.
-    ADBResult<void> copyAndName(const QString &staging) {
-        const auto errors = copyBatch(staging);
+    ADBResult<void> copyAndName(Batch &batch, const QString &staging) {
+        const auto errors = copyBatch(batch, staging);
         // What had come to this computer before its phone left is looked at all the same.
-        if (!errors && (m_to->isPhone() || m_job.verifies || isLarge(m_batch.first())))
+        if (!errors && (m_to->isPhone() || m_job.verifies || isLarge(batch.files.first())))
             return tl::make_unexpected(errors.error());
         QStringList names;
-        for (const PlannedFile &file : std::as_const(m_batch))
+        for (const PlannedFile &file : std::as_const(batch.files))
             names.append(stagedName(file));
         const auto staged = m_to->staged(staging, names, m_stop);
         if (!staged)
@@ -694,7 +747,7 @@ private:
 
         QList<PlannedFile> whole;
         QList<PlannedFile> lacking;
-        for (const PlannedFile &file : std::as_const(m_batch)) {
+        for (const PlannedFile &file : std::as_const(batch.files)) {
             const auto there = (*staged)->constFind(stagedName(file));
             if (there == (*staged)->constEnd() || !isSameContent(*there, file.sizeBytes, file.modified) ||
                 hasChanged(file))
@@ -702,7 +755,7 @@ private:
             else if (!isGivenUp(file.entry))
                 whole.append(file);
         }
-        const auto unfit = refused(whole, staging);
+        const auto unfit = refused(whole, staging, batch);
         if (!unfit)
             return tl::make_unexpected(unfit.error());
         QList<CopySide::Move> moves;
@@ -716,6 +769,7 @@ private:
         const auto outcomes = m_to->place(moves, staging, m_stop);
         if (!outcomes)
             return tl::make_unexpected(outcomes.error());
+        const std::scoped_lock lock(m_guard);
         QSet<QString> useless; // not whole, or not wanted; another file of that name may come
         for (const QString &name : std::as_const(names)) {
             if ((*staged)->contains(name))
@@ -735,7 +789,7 @@ private:
         if (!errors)
             return tl::make_unexpected(errors.error());
         for (const PlannedFile &file : std::as_const(lacking)) // a full disk ends what has not arrived
-            explain(file, (*staged)->contains(stagedName(file)), *errors);
+            explain(batch, file, (*staged)->contains(stagedName(file)), *errors);
         if (!useless.isEmpty() && m_nextFile < m_files.size())
             m_to->remove(useless.values());
         return {};
@@ -753,17 +807,16 @@ private:
 
     /// Fills the batch with the next files that may be copied by one run of adb into one folder: no two of
     /// one name, not more than the command line takes. False when none is left.
-    bool takeBatch() {
-        constexpr qsizetype mostFiles = 1000;
+    bool takeBatch(Batch &batch) {
+        const std::scoped_lock lock(m_guard);
         constexpr qint64 mostBytes = 256'000'000;    // what a killed program has to copy again
         constexpr qsizetype mostPathBytes = 400'000; // macOS takes a command line of 1 MB
-        m_batch.clear();
-        m_isBatchCompared = false;
+        batch = Batch();
         QSet<QString> names;
         qint64 bytes = 0;
         qsizetype pathBytes = 0;
         QList<PlannedFile> sameName;
-        for (; m_nextFile < m_files.size() && m_batch.size() < mostFiles; ++m_nextFile) {
+        for (; m_nextFile < m_files.size() && batch.files.size() < m_mostTogether; ++m_nextFile) {
             const PlannedFile &file = m_files.at(m_nextFile);
             if (isGivenUp(file.entry))
                 continue;
@@ -774,37 +827,36 @@ private:
             }
             bytes = sum(bytes, file.sizeBytes);
             pathBytes += file.source.toUtf8().size();
-            if (!m_batch.isEmpty() && (isLarge(file) || bytes > mostBytes || pathBytes > mostPathBytes))
+            if (!batch.files.isEmpty() && (isLarge(file) || bytes > mostBytes || pathBytes > mostPathBytes))
                 break;
             names.insert(name);
-            m_batch.append(file);
+            batch.files.append(file);
             if (isLarge(file)) { // for itself, so that it can go on
                 ++m_nextFile;
                 break;
             }
         }
         m_files += sameName;
-        return !m_batch.isEmpty();
+        return !batch.files.isEmpty();
     }
 
-    ADBResult<QStringList> copyBatch(const QString &staging) {
+    ADBResult<QStringList> copyBatch(Batch &batch, const QString &staging) {
         QStringList sources;
         qint64 bytes = 0;
-        for (const PlannedFile &file : std::as_const(m_batch)) {
+        for (const PlannedFile &file : std::as_const(batch.files)) {
             sources.append(file.source);
             bytes = sum(bytes, file.sizeBytes);
         }
         int reported = 0;
         const auto onProgress = [&](int ended, double fraction) {
-            const auto count = static_cast<int>(m_batch.size());
+            const auto count = static_cast<int>(batch.files.size());
+            const std::scoped_lock lock(m_guard);
             for (; reported < std::min(ended, count); ++reported) {
-                State &state = m_states[m_batch.at(reported).entry];
-                state.stagedBytes = sum(state.stagedBytes, m_batch.at(reported).sizeBytes);
-                ++state.stagedFiles;
-                report(m_batch.at(reported).entry, 0);
+                stage(batch.files.at(reported), +1);
+                report(batch.files.at(reported).entry, 0);
             }
             if (reported < count) {
-                const PlannedFile &next = m_batch.at(reported);
+                const PlannedFile &next = batch.files.at(reported);
                 const qint64 partly = wholeBytes(fraction * static_cast<double>(next.sizeBytes));
                 report(next.entry, partly);
             }
@@ -814,27 +866,27 @@ private:
         constexpr int mostTries = 3;
         ADBResult<QStringList> copied;
         for (int tries = 0; tries < mostTries; ++tries) {
-            const QString large = AndroidPath::join(staging, stagedName(m_batch.first()));
-            copied = isLarge(m_batch.first()) ? copyLarge(large)
-                                              : m_carrier->carry(sources, staging, bytes, m_stop, onProgress);
+            const QString large = AndroidPath::join(staging, stagedName(batch.files.first()));
+            copied = isLarge(batch.files.first())
+                         ? copyLarge(batch, large)
+                         : m_carrier->carry(sources, staging, bytes, m_stop, onProgress);
             if (copied || copied.error().errorDescription() != QLatin1String("adb exited with 1"))
                 break;
         }
-        for (const PlannedFile &file : std::as_const(m_batch)) {
-            m_states[file.entry].stagedBytes = 0;
-            m_states[file.entry].stagedFiles = 0;
-        }
+        const std::scoped_lock lock(m_guard);
+        for (const PlannedFile &file : std::as_const(batch.files).first(reported))
+            stage(file, -1);
         return copied;
     }
 
     // -- Outcomes
 
     /// Why a file of the batch is not to be used.
-    void explain(const PlannedFile &file, bool hasArrived, const QStringList &errors) {
+    void explain(const Batch &batch, const PlannedFile &file, bool hasArrived, const QStringList &errors) {
         QString reason;
         for (const QString &error : errors) {
             // The file is named as it is here or as it is there; no two of a batch have one name.
-            if (m_batch.size() == 1 ||
+            if (batch.files.size() == 1 ||
                 error.contains(
                     QString(QLatin1Char('/') % AndroidPath::lastComponent(file.source) % QLatin1Char('\''))))
                 reason = explainedCopyError(error);
@@ -871,6 +923,7 @@ private:
         constexpr double step = 0.001;
         if (m_watcher.onLife)
             m_watcher.onLife();
+        const std::scoped_lock lock(m_guard);
         State &state = m_states[entry];
         if (state.hasEnded || !m_watcher.onProgress)
             return;
@@ -905,6 +958,8 @@ private:
     const CopyJob &m_job;
     const CopyWatcher &m_watcher;
     std::stop_token m_stop;
+    /// Two runs of adb may share what follows; what one of them has brought may end an entry, which is told.
+    mutable std::recursive_mutex m_guard;
     std::unique_ptr<CopySide> m_from;
     std::unique_ptr<CopySide> m_to;
     std::unique_ptr<Carrier> m_carrier;
@@ -916,10 +971,9 @@ private:
     QList<PlannedFile> m_alike; ///< the same size and time stand there; not compared yet
     QSet<QString> m_different;  ///< of what stands there, what was found to hold something else
     bool m_wasInterrupted = false;
-    bool m_isBatchCompared = false;
-    bool m_isPhoneGone = false;
+    std::atomic<bool> m_isPhoneGone = false;
     qsizetype m_nextFile = 0;
-    QList<PlannedFile> m_batch;
+    qsizetype m_mostTogether = 1000; ///< files for one run of adb
 };
 
 } // namespace

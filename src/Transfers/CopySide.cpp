@@ -7,6 +7,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <filesystem>
 #include <sys/stat.h>
@@ -291,7 +292,7 @@ public:
     }
 
 private:
-    mode_t m_newFileMode = 0644;
+    std::atomic<mode_t> m_newFileMode = 0644;
 };
 
 std::unique_ptr<CopySide> sideOf(bool isPhone, const QString &serial) {

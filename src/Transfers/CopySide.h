@@ -29,7 +29,7 @@ public:
     /// What is to be copied for each entry, in their order; empty where nothing stands any more.
     [[nodiscard]] virtual ADBResult<QList<FileTree>> sources(const QList<QueueItem> &entries,
                                                              const std::stop_token &stop) const = 0;
-    /// The MD5 sums of files. Any thread.
+    /// The MD5 sums of files.
     struct Sums {
         QList<QByteArray> sums;     ///< 32 digits for each file in its place; empty where there is none
         QString complaint = {};     ///< why there is none, as explainedCopyError() reads it

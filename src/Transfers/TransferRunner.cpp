@@ -23,12 +23,7 @@ namespace {
 QString destinationKey(const QueueItem &item) {
     return (item.direction == TransferDirection::macToAndroid ? QString(item.serial % QLatin1Char(':'))
                                                               : QStringLiteral("mac:")) +
-           item.destinationPath.toCaseFolded();
-}
-
-QString folderOf(const QString &path) {
-    const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
-    return slash <= 0 ? QStringLiteral("/") : path.left(slash);
+           item.destinationPath().toCaseFolded();
 }
 
 } // namespace
@@ -265,7 +260,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     CopyJob job;
     job.direction = entries.first().direction;
     job.serial = entries.first().serial;
-    job.folder = folderOf(entries.first().destinationPath);
+    job.folder = entries.first().destinationFolder;
     job.verifies = m_verifies;
     for (const QueueItem &item : std::as_const(entries)) {
         if (AndroidPath::isSafeName(item.name)) {
@@ -336,7 +331,7 @@ void TransferRunner::refreshReceivingPane(const QueueItem &item) {
     constexpr int pauseMilliseconds = 1000;
     const BrowserSide side =
         item.direction == TransferDirection::macToAndroid ? BrowserSide::android : BrowserSide::mac;
-    if (m_host.shownFolder(side) != folderOf(item.destinationPath))
+    if (m_host.shownFolder(side) != item.destinationFolder)
         return;
     ReceivingPane &pane = receivingPane(side);
     const bool isLast = m_queue.activeCount() == 0 && m_queue.waitingCount() == 0;
