@@ -509,6 +509,39 @@ TEST_F(CopyTests, manySmallEntriesShareRunsAndEachHasItsOwnEnd) {
     }
 }
 
+TEST_F(CopyTests, aFolderOfManySmallFilesIsCopiedByTwoRunsAtATime) {
+    for (const BrowserSide from : sides) {
+        const QString verb = from == BrowserSide::android ? u"pull"_s : u"push"_s;
+        for (int i = 0; i < 600; ++i)
+            writeOn(from, u"many/%1/%2"_s.arg(i % 3).arg(i / 3), QByteArray::number(i));
+        phone.set(u"log"_s, "on");
+        if (from == BrowserSide::android)
+            phone.deny(u"many/1/77"_s);
+        phone.set(verb + u".hang"_s, "on");
+        start();
+        state->transfers().setVerifies(from == BrowserSide::mac);
+        select(from, u"many"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        EXPECT_TRUE(waitFor([&] { return runsOf(verb) == 2; }));
+        phone.reset(verb + u".hang"_s);
+        waitForQueue();
+        EXPECT_EQ(statuses(),
+                  from == BrowserSide::mac ? u"many:Verified"_s : u"many:1 of 600 could not be copied"_s);
+        for (int i = 0; i < 600; ++i) {
+            const QString name = u"many/%1/%2"_s.arg(i % 3).arg(i / 3);
+            const bool isDenied = from == BrowserSide::android && name == u"many/1/77"_s;
+            EXPECT_EQ(contents(pathOn(otherThan(from), name)),
+                      isDenied ? "(missing)" : QByteArray::number(i));
+        }
+        EXPECT_TRUE(staged().isEmpty());
+        state->clearQueue();
+        for (const BrowserSide side : sides)
+            QDir(pathOn(side, u"many"_s)).removeRecursively();
+        phone.resetAll();
+        phone.set(u"stderr-progress"_s, "off");
+    }
+}
+
 TEST_F(CopyTests, oneOfManyIsTakenOutOfItsRunAndTheOthersArrive) {
     constexpr int count = 15;
     for (const BrowserSide from : sides) {

@@ -245,7 +245,8 @@ ADBResult<void> makeFolders(const QString &serial, const QStringList &paths, con
 }
 
 ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<PhoneMove> &moves,
-                                             const QString &stagingFolder, const std::stop_token &stop) {
+                                             const QString &stagingFolder, AfterMoves after,
+                                             const std::stop_token &stop) {
     // Files that keep their names go into their folder with one command, since each costs a process.
     QMap<QString, QStringList> byFolder;
     QStringList commands;
@@ -268,6 +269,8 @@ ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<
     // What is still there afterwards was not moved. Asked for with the last line, since a run of adb costs
     // the time of many renames.
     commands.append(treeQuestion(stagingFolder));
+    if (after == AfterMoves::removeStaging)
+        commands.last() += QStringLiteral("; rm -rf ") + quoted(stagingFolder);
     QString complaints;
     QByteArray listing;
     if (const auto moved = forEachLine(commands,

@@ -44,10 +44,11 @@ struct PhoneMove {
 };
 /// Moves files within one volume, none over anything that is there: `mv -n`, which looks right before it
 /// renames. Gives what did not move: source to the phone's complaint, which is empty where the name was
-/// taken.
+/// taken. Afterwards the staging folder may go, with what did not move.
+enum class AfterMoves { keepStaging, removeStaging };
 [[nodiscard]] ADBResult<QHash<QString, QString>> moveFiles(const QString &serial,
                                                            const QList<PhoneMove> &moves,
-                                                           const QString &stagingFolder,
+                                                           const QString &stagingFolder, AfterMoves after,
                                                            const std::stop_token &stop);
 /// Removes what the program made: folders with everything in them, or files. Each path must hold the
 /// program's mark, which the caller has checked.

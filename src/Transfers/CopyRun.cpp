@@ -53,6 +53,8 @@ struct ComparedFile {
 struct Batch {
     QList<PlannedFile> files;
     bool isCompared = false; ///< with its source: one that was continued
+    bool isLast = false;     ///< no other is to come
+    bool isStagingGone = false;
 };
 
 /// What comparing them has come to.
@@ -263,8 +265,8 @@ private:
             }
         }
         m_wasInterrupted = !moves.isEmpty();
-        [[maybe_unused]] const auto ignored =
-            m_to->place(moves, staging, m_stop); // what is missing begins anew
+        [[maybe_unused]] const auto ignored = m_to->place(moves, staging, ADBClient::AfterMoves::keepStaging,
+                                                          m_stop); // what is missing begins anew
         removeLeftOver();
     }
 
@@ -724,7 +726,9 @@ private:
                 break;
             }
         }
-        if (goesOn(batch))
+        if (batch.isStagingGone)
+            StagedName::release(name);
+        else if (goesOn(batch))
             keep(name, batch);
         else
             removeStaging(m_job.direction, m_job.serial, m_job.folder, name);
@@ -766,9 +770,12 @@ private:
             moves.append({AndroidPath::join(staging, stagedName(file)), file.destination});
             moved.append(file);
         }
-        const auto outcomes = m_to->place(moves, staging, m_stop);
+        const auto after =
+            batch.isLast ? ADBClient::AfterMoves::removeStaging : ADBClient::AfterMoves::keepStaging;
+        const auto outcomes = m_to->place(moves, staging, after, m_stop);
         if (!outcomes)
             return tl::make_unexpected(outcomes.error());
+        batch.isStagingGone = batch.isLast && m_to->isPhone() && !moves.isEmpty();
         const std::scoped_lock lock(m_guard);
         QSet<QString> useless; // not whole, or not wanted; another file of that name may come
         for (const QString &name : std::as_const(names)) {
@@ -790,7 +797,7 @@ private:
             return tl::make_unexpected(errors.error());
         for (const PlannedFile &file : std::as_const(lacking)) // a full disk ends what has not arrived
             explain(batch, file, (*staged)->contains(stagedName(file)), *errors);
-        if (!useless.isEmpty() && m_nextFile < m_files.size())
+        if (!useless.isEmpty() && !batch.isLast)
             m_to->remove(useless.values());
         return {};
     }
@@ -837,6 +844,7 @@ private:
             }
         }
         m_files += sameName;
+        batch.isLast = m_nextFile >= m_files.size();
         return !batch.files.isEmpty();
     }
 

@@ -1,7 +1,6 @@
 #include "Transfers/CopySide.h"
 
 #include "ADB/AndroidPath.h"
-#include "ADB/PhoneCopies.h"
 #include "Transfers/StagedName.h"
 
 #include <QFile>
@@ -147,13 +146,14 @@ public:
     }
 
     [[nodiscard]] ADBResult<QList<Placed>> place(const QList<Move> &moves, const QString &staging,
+                                                 ADBClient::AfterMoves after,
                                                  const std::stop_token &stop) override {
         if (moves.isEmpty())
             return QList<Placed>();
         QList<ADBClient::PhoneMove> asked;
         for (const Move &move : moves)
             asked.append({move.from, move.to});
-        const auto unmoved = ADBClient::moveFiles(m_serial, asked, staging, stop);
+        const auto unmoved = ADBClient::moveFiles(m_serial, asked, staging, after, stop);
         if (!unmoved)
             return tl::make_unexpected(unmoved.error());
         QList<Placed> placed;
@@ -260,6 +260,7 @@ public:
     }
 
     [[nodiscard]] ADBResult<QList<Placed>> place(const QList<Move> &moves, const QString & /*staging*/,
+                                                 ADBClient::AfterMoves /*after*/,
                                                  const std::stop_token & /*stop*/) override {
         QList<Placed> placed;
         for (const Move &move : moves) {

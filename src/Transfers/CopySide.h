@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ADB/ADBError.h"
+#include "ADB/PhoneCopies.h"
 #include "Records/FileTree.h"
 #include "Records/QueueItem.h"
 #include "Transfers/LocalStaging.h"
@@ -16,7 +16,8 @@
 namespace vantrel {
 
 /// One side of a copy, a phone or this computer: what stands there, and how it takes what is copied. All of
-/// it blocks; a request to stop ends it within 0.5 s. One thread at a time, but for sums().
+/// it blocks; a request to stop ends it within 0.5 s. What is const may be called on any thread meanwhile,
+/// and so may makeStaging() and place().
 class CopySide {
 public:
     CopySide() = default;
@@ -68,7 +69,9 @@ public:
         QString to;
     };
     /// Gives staged files their names with the permissions of new files, none over anything that is there.
+    /// With the last of them the staging folder may go, where that saves a question.
     [[nodiscard]] virtual ADBResult<QList<Placed>> place(const QList<Move> &moves, const QString &staging,
+                                                         ADBClient::AfterMoves after,
                                                          const std::stop_token &stop) = 0;
     /// Sets a file's time, in seconds since 1970.
     [[nodiscard]] virtual ADBResult<void> setModified(const QString &path, qint64 modified,
