@@ -267,13 +267,14 @@ TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
 
 TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
     constexpr qsizetype size = 33'000'000;
-    enum class Break { unplugged, paused, sourceChanged, partDamaged };
+    enum class Break { unplugged, paused, sourceChanged, partDamaged, partGone };
     QByteArray bytes(size, '\0');
     for (qsizetype i = 0; i < size; ++i)
         bytes[i] = char(i * 31 + i / 4096);
     const QByteArray other = bytes.mid(size / 2) + bytes.left(size / 2);
     for (const BrowserSide from : sides) {
-        for (const Break how : {Break::unplugged, Break::paused, Break::sourceChanged, Break::partDamaged}) {
+        for (const Break how :
+             {Break::unplugged, Break::paused, Break::sourceChanged, Break::partDamaged, Break::partGone}) {
             SCOPED_TRACE(testing::Message() << (from == BrowserSide::mac ? "push" : "pull") << int(how));
             writeOn(from, u"film"_s, bytes);
             phone.resetAll();
@@ -302,6 +303,8 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
                 writeOn(from, u"film"_s, other, oldTime.addDays(1));
             if (how == Break::partDamaged)
                 write(part, QByteArray(QFileInfo(part).size(), '?'));
+            if (how == Break::partGone)
+                QDir(staged().first()).removeRecursively();
 
             phone.resetAll();
             phone.set(u"stderr-progress"_s, "off");
@@ -320,7 +323,9 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             waitForQueue();
             EXPECT_EQ(statuses(), how == Break::paused ? u"film:Verified"_s : u"film:Done"_s);
             EXPECT_EQ(runsBeginning(u"md5sum "_s),
-                      how == Break::sourceChanged && from == BrowserSide::android ? 0 : 1)
+                      (how == Break::sourceChanged || how == Break::partGone) && from == BrowserSide::android
+                          ? 0
+                          : 1)
                 << "no file is read twice";
             QObject::disconnect(watching);
             if (goesOn) {
@@ -337,6 +342,37 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             state->clearQueue();
             QFile::remove(here(u"film"_s));
             QFile::remove(phone.hostPath(u"film"_s));
+        }
+    }
+}
+
+TEST_F(CopyTests, aSourceThatChangesWhileItsCopyGoesOnIsNotTaken) {
+    constexpr qint64 size = 33'000'000;
+    for (const BrowserSide from : sides) {
+        for (const qint64 changed : {size * 2, size / 4}) {
+            SCOPED_TRACE(testing::Message() << (from == BrowserSide::mac ? "push " : "pull ") << changed);
+            writeOn(from, u"film"_s, QByteArray(size, 'x'));
+            phone.set(u"bandwidth"_s, "30");
+            phone.set(u"log"_s, "on");
+            phone.set(u"unplug-after"_s, QByteArray::number(size / 2));
+            start();
+            select(from, u"film"_s);
+            from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+            ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+            phone.plug();
+            connectPhone();
+            const QString stream = from == BrowserSide::mac ? u"cat "_s : u"tail "_s;
+            ASSERT_TRUE(waitFor([&] { return runsBeginning(stream) == 1; }));
+            ASSERT_TRUE(QFile::resize(pathOn(from, u"film"_s), changed));
+            phone.set(u"bandwidth"_s, "0");
+            waitForQueue();
+            EXPECT_EQ(statuses(), u"film:It was changed while it was copied."_s);
+            EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"film"_s)));
+            EXPECT_TRUE(staged().isEmpty());
+            phone.resetAll();
+            phone.set(u"stderr-progress"_s, "off");
+            state->clearQueue();
+            QFile::remove(pathOn(from, u"film"_s));
         }
     }
 }
