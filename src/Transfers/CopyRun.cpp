@@ -720,13 +720,15 @@ private:
         if (takeover == Takeover::yes)
             adopt(staging);
         Batch batch;
+        bool isStagingGone = false;
         while (!m_stop.stop_requested() && takeBatch(batch)) {
             if (const auto copied = copyAndName(batch, staging); !copied) {
                 failAll(copied.error());
                 break;
             }
+            isStagingGone = batch.isStagingGone;
         }
-        if (batch.isStagingGone)
+        if (isStagingGone)
             StagedName::release(name);
         else if (goesOn(batch))
             keep(name, batch);
