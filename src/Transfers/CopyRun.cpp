@@ -257,11 +257,15 @@ private:
             }
         }
         QList<CopySide::Move> moves;
-        for (const PlannedFile &file : std::as_const(m_files)) {
-            for (const QString &name : std::as_const(m_leftOver)) {
-                if (isLarge(file))
-                    moves.append({AndroidPath::join(AndroidPath::join(m_job.folder, name), stagedName(file)),
-                                  AndroidPath::join(staging, stagedName(file))});
+        {
+            const std::scoped_lock lock(m_guard);
+            for (const PlannedFile &file : std::as_const(m_files)) {
+                for (const QString &name : std::as_const(m_leftOver)) {
+                    if (isLarge(file))
+                        moves.append(
+                            {AndroidPath::join(AndroidPath::join(m_job.folder, name), stagedName(file)),
+                             AndroidPath::join(staging, stagedName(file))});
+                }
             }
         }
         m_wasInterrupted = !moves.isEmpty();
