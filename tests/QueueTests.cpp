@@ -227,8 +227,8 @@ TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
     const QueueRowGeometry at = places(0);
     EXPECT_EQ(toolTipAt(&list, at.name.center()), worst.name);
     EXPECT_EQ(toolTipAt(&list, at.reason.center()).count(u"goes on and on"_s), 10);
-    EXPECT_TRUE(
-        toolTipAt(&list, at.route.center()).endsWith(worst.sourcePath + u"  →  "_s + worst.destinationPath()));
+    EXPECT_TRUE(toolTipAt(&list, at.route.center())
+                    .endsWith(worst.sourcePath + u"  →  "_s + worst.destinationPath()));
     EXPECT_EQ(toolTipAt(&list, at.removeButton.center()), u"Remove this transfer from the queue"_s);
     (void)toolTipAt(&list, places(1).name.center());
     EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it is all there";

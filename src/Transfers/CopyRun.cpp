@@ -744,7 +744,7 @@ private:
     ADBResult<void> copyAndName(Batch &batch, const QString &staging) {
         const auto errors = copyBatch(batch, staging);
         // What had come to this computer before its phone left is looked at all the same.
-        if (!errors && (m_to->isPhone() || m_job.verifies || isLarge(batch.files.first())))
+        if (!errors && (m_to->isPhone() || isLarge(batch.files.first())))
             return tl::make_unexpected(errors.error());
         QStringList names;
         for (const PlannedFile &file : std::as_const(batch.files))
@@ -762,12 +762,12 @@ private:
             if (there == (*staged)->constEnd() || !isSameContent(*there, file.sizeBytes, file.modified) ||
                 hasChanged(file))
                 lacking.append(file);
-            else if (!isGivenUp(file.entry))
+            else
                 whole.append(file);
         }
         const auto unfit = refused(whole, staging, batch);
         if (!unfit)
-            return tl::make_unexpected(unfit.error());
+            return tl::make_unexpected(errors ? unfit.error() : errors.error());
         QList<CopySide::Move> moves;
         QList<PlannedFile> moved;
         for (const PlannedFile &file : std::as_const(whole)) {
