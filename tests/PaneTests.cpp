@@ -261,7 +261,7 @@ TEST_P(PaneLayoutTests, entriesAreDraggedAndDroppedOnAFolderOrThePane) {
     show({folder, fileNamed(u"file"_s)});
     pane.path.folder = u"/home/me"_s;
     pane.onDrag = [this](const FileItem &item) { calls.append(u"drag "_s + item.name); };
-    pane.dropCount = [](const QMimeData &dragged) { return dragged.text().size(); };
+    pane.dropCount = [](const QMimeData &dragged, const QString & /*into*/) { return dragged.text().size(); };
     pane.onDrop = [this](const QMimeData &dragged, const QString &into) {
         calls.append(dragged.text() + u" into "_s + into);
     };
@@ -1356,7 +1356,7 @@ TEST_F(DualBrowserTests, whatIsDroppedIsCopied) {
     write(here(u"from elsewhere.txt"_s), "text");
     const auto drop = [](QWidget &pane, QMimeData *data, const QString &into) {
         const FilePane &callbacks = pane.findChild<FilePaneView *>()->pane();
-        const qsizetype count = callbacks.dropCount(*data);
+        const qsizetype count = callbacks.dropCount(*data, into);
         if (count > 0)
             callbacks.onDrop(*data, into);
         return count;
@@ -1364,7 +1364,7 @@ TEST_F(DualBrowserTests, whatIsDroppedIsCopied) {
     QMimeData elsewhere;
     elsewhere.setUrls({QUrl::fromLocalFile(here(u"from elsewhere.txt"_s)), QUrl(u"https://example.org/x"_s)});
     EXPECT_EQ(drop(android(), &elsewhere, u"/sdcard/DCIM"_s), 1) << "an address is no file";
-    EXPECT_EQ(drop(mac(), &elsewhere, folder), 0);
+    EXPECT_EQ(drop(mac(), &elsewhere, folder), 0) << "it is there already";
     DraggedEntries note(BrowserSide::android, state->device().id, {fileNamed(u"note.txt"_s)});
     EXPECT_EQ(drop(android(), &note, u"/sdcard/DCIM"_s), 0) << "the phone's own";
     EXPECT_FALSE(note.hasUrls()) << "no other program reaches it";
@@ -1381,6 +1381,16 @@ TEST_F(DualBrowserTests, whatIsDroppedIsCopied) {
     phone.unplug();
     refresh();
     EXPECT_EQ(drop(mac(), &reachable, folder), 0) << "there is no phone";
+    FileItem subfolder = fileNamed(u"sub"_s);
+    subfolder.path = here(u"sub"_s);
+    DraggedEntries own(BrowserSide::mac, {}, {subfolder});
+    EXPECT_EQ(drop(mac(), &own, here(u"sub"_s)) + drop(mac(), &own, here(u"sub/deeper"_s)), 0)
+        << "into itself";
+    EXPECT_EQ(drop(mac(), &own, here(u"into"_s)), 1);
+    EXPECT_EQ(drop(mac(), &elsewhere, here(u"into"_s)), 1) << "an address is no file";
+    EXPECT_TRUE(waitFor([&] { return state->queue().size() == 5 && !state->isTransferring(); }));
+    EXPECT_TRUE(QFileInfo(here(u"into/sub/deeper"_s)).isDir());
+    EXPECT_EQ(contents(here(u"into/from elsewhere.txt"_s)), "text");
 }
 
 TEST(AndroidBrowserPaneTests, backNeverLeavesTheSharedStorage) {

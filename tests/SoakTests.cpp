@@ -191,11 +191,11 @@ protected:
         qsizetype arrived = 0;
         for (const Copy &copy : std::as_const(copies)) {
             SCOPED_TRACE(
-                QString(copy.item.destinationPath % u": "_s % copy.item.progressLabel()).toStdString());
+                QString(copy.item.destinationPath() % u": "_s % copy.item.progressLabel()).toStdString());
             const bool isPull = copy.item.direction == TransferDirection::androidToMac;
             const QByteArray wanted = contentsOf((isPull ? u"pull out/"_s : u"push out/"_s) + copy.item.name);
             const QString path =
-                isPull ? copy.item.destinationPath : phone.hostPath(copy.item.destinationPath);
+                isPull ? copy.item.destinationPath() : phone.hostPath(copy.item.destinationPath());
             const bool isThere = QFile::exists(path);
             const QByteArray found = processes::contentsOf(path);
             arrived += isThere ? 1 : 0;

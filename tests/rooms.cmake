@@ -6,7 +6,8 @@ vantrel_test(ADBTests LIBRARIES vantrel_adb demo_phone_fixture SOURCES ADBTextTe
 vantrel_test(MacFilesTests LIBRARIES vantrel_macfiles SOURCES MacFilesTests.cpp)
 vantrel_gui_test(ThumbnailTests LIBRARIES vantrel_thumbnails vantrel_state demo_phone_fixture SOURCES ThumbnailTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_kit SOURCES KitTests.cpp)
-vantrel_test(TransfersTests LIBRARIES vantrel_state demo_phone_fixture SOURCES TransferTests.cpp CopyTests.cpp QueueFileTests.cpp)
+vantrel_test(TransfersTests LIBRARIES vantrel_state demo_phone_fixture SOURCES TransferTests.cpp CopyTests.cpp
+                                                                             ComputerCopyTests.cpp QueueFileTests.cpp)
 vantrel_test(StateTests LIBRARIES vantrel_state demo_phone_fixture
              SOURCES AppStateTests.cpp PaneStateTests.cpp PhoneWatchTests.cpp)
 vantrel_gui_test(ViewsTests LIBRARIES vantrel_views demo_phone_fixture

@@ -122,11 +122,12 @@ public:
     /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
     void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
     void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }
-    /// Queues copies between the phone and this computer, into a folder there or here. Whether it took any.
+    /// Queues copies into a folder of the side that the direction leads to. Whether it took any. `serial` is
+    /// that of the phone, if one takes part.
     bool transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder,
                   const QString &serial);
     /// The same for files of this computer that come from elsewhere, by their paths.
-    QCoro::Task<> transferToAndroid(QStringList paths, QString folder);
+    QCoro::Task<> transferFiles(QStringList paths, BrowserSide to, QString folder);
     /// Removes one entry; a copy that runs for it is stopped and leaves nothing behind.
     void removeQueueItem(const QUuid &id) { m_transfers.remove(id); }
     /// Removes every entry that is not running.

@@ -59,14 +59,11 @@ void BrowserPane::focusSide() const {
 }
 
 void BrowserPane::take(const QMimeData &dragged, const QString &folder) {
-    const bool isPhone = m_state.side() == BrowserSide::android;
     const auto *own = qobject_cast<const DraggedEntries *>(&dragged);
-    if (own && isPhone)
-        m_app->transfer(TransferDirection::macToAndroid, own->items(), folder, m_app->device().id);
-    else if (own) // another phone may be shown by now
+    if (own && own->side() == BrowserSide::android) // another phone may be shown by now
         m_app->transfer(TransferDirection::androidToMac, own->items(), folder, own->serial());
-    else if (isPhone)
-        m_app->transferToAndroid(draggedPaths(dragged), folder);
+    else
+        m_app->transferFiles(draggedPaths(dragged), m_state.side(), folder);
 }
 
 void BrowserPane::render() {
@@ -105,8 +102,11 @@ void BrowserPane::render() {
     pane.onDrag = [this](const FileItem &item) {
         dragEntries(m_view, new DraggedEntries(m_state.side(), m_app->device().id, together(item)));
     };
-    pane.dropCount = [this](const QMimeData &dragged) {
-        return m_app->device().isConnected ? draggedCount(dragged, m_state.side()) : 0;
+    pane.dropCount = [this](const QMimeData &dragged, const QString &folder) {
+        const auto *own = qobject_cast<const DraggedEntries *>(&dragged);
+        const bool needsPhone =
+            m_state.side() == BrowserSide::android || (own && own->side() == BrowserSide::android);
+        return needsPhone && !m_app->device().isConnected ? 0 : draggedCount(dragged, m_state.side(), folder);
     };
     pane.onDrop = [this](const QMimeData &dragged, const QString &folder) { take(dragged, folder); };
     pane.path.foldersIn = [this](const QString &folder, const auto &show) {

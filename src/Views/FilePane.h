@@ -71,9 +71,10 @@ struct FilePane {
     ThumbnailStore *pictures = nullptr;                  ///< of the grid's files; absent: there are none
     FilePlace place = {};                                ///< where the entries are, for their pictures
     std::function<void(const FileItem &)> onDrag = {};   ///< absent: entries cannot be dragged
-    /// How many entries a drop of this would copy here; with none it is refused. Absent: every drop is.
-    std::function<qsizetype(const QMimeData &)> dropCount = {};
-    /// Something that dropCount() takes was dropped, on the folder of this path.
+    /// How many entries a drop of this would copy into the folder of this path; with none it is refused.
+    /// Absent: every drop is.
+    std::function<qsizetype(const QMimeData &, const QString &folder)> dropCount = {};
+    /// Something that dropCount() takes was dropped there.
     std::function<void(const QMimeData &, const QString &folder)> onDrop = {};
     std::optional<Binding<FileOrder>> order = {}; ///< absent: the columns cannot be clicked
     std::optional<Emptiness> emptiness = {};      ///< in the list's place; it is empty then

@@ -510,14 +510,15 @@ const FileItem *FilePaneView::folderAt(const QPointF &place) const {
 
 /// What a drop there would do, or nothing.
 void FilePaneView::showDrop(const QDropEvent *event) {
-    const qsizetype count = event && m_pane.dropCount ? m_pane.dropCount(*event->mimeData()) : 0;
-    const FileItem *folder = count > 0 ? folderAt(event->position()) : nullptr;
-    const QString name = folder ? folder->name : m_pane.path.folder.section(QLatin1Char('/'), -1);
+    const FileItem *folder = event ? folderAt(event->position()) : nullptr;
+    const QString path = folder ? folder->path : m_pane.path.folder;
+    const qsizetype count = event && m_pane.dropCount ? m_pane.dropCount(*event->mimeData(), path) : 0;
+    const QString name = path.section(QLatin1Char('/'), -1);
     const QString what = count == 1 ? QStringLiteral("1 item") : QStringLiteral("%L1 items").arg(count);
     m_dropText = count > 0 ? QStringLiteral("Copy %1 to “%2”").arg(what, name) : QString();
     m_footerTrailing->setText(count > 0 ? m_dropText : m_pane.footerTrailing);
-    entries()->setDropTarget(folder ? m_items->index(int(folder - m_items->items().constData()))
-                                    : QModelIndex());
+    entries()->setDropTarget(folder && count > 0 ? m_items->index(int(folder - m_items->items().constData()))
+                                                 : QModelIndex());
     update();
 }
 

@@ -44,7 +44,7 @@ ThemeColor barColor(const QueueItemStatus &status) {
 }
 
 QString routeOf(const QueueItem &item) {
-    return item.sourcePath + QStringLiteral("  →  ") + item.destinationPath;
+    return item.sourcePath + QStringLiteral("  →  ") + item.destinationPath();
 }
 
 void paintRemoveButton(QPainter &painter, const QRect &rect, bool hasFocus) {
