@@ -82,6 +82,7 @@ TEST(DeviceTextTests, onlyPhonesThatAreReadyAreListed) {
     EXPECT_EQ(ADBClient::parseDeviceList(u"List of devices attached\r\nR58M\tdevice\r\n\r\n"_s),
               QStringList{u"R58M"_s});
     EXPECT_TRUE(ADBClient::parseDeviceList(QString()).isEmpty());
+    EXPECT_EQ(ADBClient::parseDeviceList(u"A\tdevice\n"_s.repeated(5000)).size(), ADBClient::mostPhones);
 }
 
 TEST(DeviceTextTests, storageIsTwoNumbersThatFit) {
