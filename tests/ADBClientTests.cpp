@@ -369,9 +369,11 @@ TEST(ADBListingTests, whatCanBeReadIsListedAndTheRestIsCounted) {
         phone.set(u"ls.stdout"_s, c.output);
         phone.set(u"ls.stderr"_s, c.errors);
         phone.set(u"ls.exit"_s, c.exitStatus);
+        const auto before = phone.commandLines().size();
         const auto listing = ADBClient::listDirectory(serial, u"/sdcard"_s);
         EXPECT_EQ(listing ? listing->size() : -1, c.items) << c.name;
         EXPECT_EQ(listing ? listing->unreadableCount : 0, c.unreadable) << c.name;
+        EXPECT_EQ(phone.commandLines().size(), before + 1) << c.name;
     }
 }
 

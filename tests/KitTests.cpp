@@ -132,6 +132,14 @@ TEST(TextTests, namesCannotDeceive) {
     };
     for (const auto &[text, shown] : cases)
         EXPECT_EQ(displayText(text), shown);
+    const auto drawn = [](const QString &text) {
+        return painted({80, 20}, 1, [&](QPainter &painter) {
+            paintText(painter, {0, 0, 80, 20}, text, {12.5}, Qt::black);
+        });
+    };
+    for (const auto &[typed, sign] :
+         {std::pair(u"a->b"_s, u"a→b"_s), {u"a<-b"_s, u"a←b"_s}, {u"a=>b"_s, u"a⇒b"_s}, {u"3x4"_s, u"3×4"_s}})
+        EXPECT_NE(drawn(typed), drawn(sign)) << "the font makes a sign of " << typed.toStdString();
 }
 
 TEST(ShapeTests, linesLieInsideAndAreCrisp) {
