@@ -1,5 +1,6 @@
 // The desktop that the program runs on: its questions, and what it passes on to the system.
 
+#include "support/Bus.h"
 #include "support/OpenedAddresses.h"
 #include "support/WindowFixture.h"
 
@@ -110,34 +111,10 @@ TEST_F(DesktopTests, opensAndCopiesWhatIsNamedLetterForLetter) {
     EXPECT_EQ(QApplication::clipboard()->text(), odd);
 }
 
-/// The other end of a bus: answers as it is told.
-class Stub : public QDBusVirtualObject {
-public:
-    using Answer = std::function<bool(const QDBusMessage &message, const QDBusConnection &bus)>;
-    explicit Stub(Answer answer) : m_answer(std::move(answer)) {}
-    /// Is there for every program that connects to the server.
-    void serve(QDBusServer &server) {
-        connect(&server, &QDBusServer::newConnection, this, [this](QDBusConnection connection) {
-            connection.registerVirtualObject(u"/"_s, this, QDBusConnection::SubPath);
-        });
-    }
-    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
-        return m_answer(message, bus);
-    }
-
-private:
-    Answer m_answer;
-};
-
 TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
     using Groups = QMap<QString, QVariantMap>;
     qDBusRegisterMetaType<Groups>();
-    // A bus like a desktop's, of its own.
-    QProcess daemon;
-    daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
-    ASSERT_TRUE(waitFor([&] { return daemon.canReadLine(); }));
-    const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+    PrivateBus desktopBus;
     std::optional<Groups> answer; // nothing: it refuses
     // Right after its answer the user turns the desktop dark.
     Stub portal([&](const QDBusMessage &message, const QDBusConnection &bus) {
@@ -149,10 +126,10 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
                                : message.createErrorReply(QDBusError::Failed, u"no"_s)) &&
                bus.send(change);
     });
-    QDBusConnection there = QDBusConnection::connectToBus(address, u"portal"_s);
+    QDBusConnection there = desktopBus.connection(u"portal"_s);
     ASSERT_TRUE(there.registerVirtualObject(u"/org"_s, &portal, QDBusConnection::SubPath));
     ASSERT_TRUE(there.registerService(u"org.freedesktop.portal.Desktop"_s));
-    const QDBusConnection bus = QDBusConnection::connectToBus(address, u"program"_s);
+    const QDBusConnection bus = desktopBus.connection(u"program"_s);
 
     const QString appearance = u"org.freedesktop.appearance"_s;
     const QString gnome = u"org.gnome.desktop.interface"_s;
@@ -185,10 +162,6 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
         EXPECT_EQ(heardMotions, motions);
     }
     const DesktopPreferences nobodyToAsk{QDBusConnection(u"no such bus"_s)};
-    for (const QString &connection : {u"portal"_s, u"program"_s})
-        QDBusConnection::disconnectFromBus(connection);
-    daemon.terminate();
-    EXPECT_TRUE(daemon.waitForFinished());
 }
 
 TEST_F(DesktopTests, revealsInTheFileManagerOrOpensTheFolder) {

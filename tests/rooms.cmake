@@ -22,7 +22,7 @@ vantrel_test_at_3x(ViewsTests *geometry*:*ShareTheWidth*:*headersStand*:*hasItsP
 vantrel_gui_test(SystemTests LIBRARIES vantrel_app_system SOURCES SettingsTests.cpp)
 vantrel_gui_test(UpdatesTests LIBRARIES vantrel_app_updates SOURCES UpdaterTests.cpp support/LocalHttpServer.cpp)
 vantrel_gui_test(SheetsTests LIBRARIES vantrel_app_window SOURCES AboutTests.cpp support/OpenedAddresses.h)
-vantrel_gui_test(WindowTests LIBRARIES vantrel_app_window demo_phone_fixture 
+vantrel_gui_test(WindowTests LIBRARIES vantrel_app_window demo_phone_fixture
                  SOURCES WindowTests.cpp ChromeTests.cpp SheetTests.cpp)
 vantrel_test_at_3x(WindowTests *opensAtItsSize*:*thePanelTakes*)
 
@@ -32,7 +32,8 @@ set_tests_properties(Tour PROPERTIES TIMEOUT 300 ENVIRONMENT "${VANTREL_TEST_ENV
 vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.cpp)
 vantrel_gui_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)
 if(NOT APPLE)
-    vantrel_gui_test(DesktopTests LIBRARIES vantrel_app_window demo_phone_fixture SOURCES DesktopTests.cpp support/OpenedAddresses.h)
+    vantrel_gui_test(DesktopTests LIBRARIES vantrel_app_window demo_phone_fixture
+                     SOURCES CopyReportsTests.cpp DesktopTests.cpp support/OpenedAddresses.h)
     vantrel_wayland_test(WaylandTests 1024x600 1366x768 1920x1080)
     if(TARGET PkgConfig::XCB)
         add_executable(X11Tests X11Tests.cpp)

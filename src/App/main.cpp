@@ -3,6 +3,7 @@
 #include "App/System/CommandLine.h"
 #ifndef Q_OS_MACOS
 #include "App/System/DesktopPreferences.h"
+#include "App/Window/CopyReports.h"
 #endif
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
@@ -90,6 +91,7 @@ int main(int argc, char **argv) {
                          &MainWindow::followDesktop);
         QObject::connect(&preferences, &DesktopPreferences::reducedMotionPreferred, &window,
                          &AppStyle::setReducedMotion);
+        const CopyReports reports(&window, window.state(), QDBusConnection::sessionBus());
 #endif
         window.show();
         status = QApplication::exec();

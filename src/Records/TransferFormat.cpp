@@ -2,6 +2,8 @@
 
 #include "Records/FileSizeFormat.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -15,6 +17,12 @@ qint64 wholeBytes(double bytes) {
     if (bytes >= end)
         return std::numeric_limits<qint64>::max();
     return bytes < -end ? std::numeric_limits<qint64>::min() : static_cast<qint64>(bytes);
+}
+
+QString formatCount(qint64 count) {
+    QLocale locale;
+    locale.setNumberOptions(QLocale::DefaultNumberOptions);
+    return locale.toString(count);
 }
 
 QString formatTransferRate(double bytesPerSecond) {

@@ -8,6 +8,9 @@ namespace vantrel {
 /// can, and what is no number 0.
 [[nodiscard]] qint64 wholeBytes(double bytes);
 
+/// A number of things, such as "1,240": with separators of thousands in every locale, as it writes them.
+[[nodiscard]] QString formatCount(qint64 count);
+
 /// A speed as a file size for each second, such as "4.2 MB/s"; an em dash for what is no speed.
 [[nodiscard]] QString formatTransferRate(double bytesPerSecond);
 

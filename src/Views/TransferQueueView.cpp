@@ -8,12 +8,12 @@
 #include "Kit/TextLabel.h"
 #include "MacFiles/ThisComputer.h"
 #include "Records/FileSizeFormat.h"
+#include "Records/TransferFormat.h"
 #include "State/AppState.h"
 #include "Theme/AppTheme.h"
 #include "Views/FileItemsView.h"
 #include "Views/QueueListView.h"
 
-#include <QLocale>
 #include <QProgressBar>
 #include <QVBoxLayout>
 
@@ -150,10 +150,7 @@ void TransferQueueView::renderFigures() {
     m_bar->setVisible(count > 1);
     if (count < 2)
         return;
-    QLocale locale;
-    locale.setNumberOptions(QLocale::DefaultNumberOptions); // with separators of thousands everywhere
-    const auto grouped = [&locale](qint64 number) { return locale.toString(number); };
-    QString text = grouped(queue.completedCount()) % QStringLiteral(" of ") % grouped(count);
+    QString text = formatCount(queue.completedCount()) % QStringLiteral(" of ") % formatCount(count);
     const double bytes = static_cast<double>(queue.totalBytes());
     if (queue.totalBytes() > 0)
         text += QStringLiteral(" · ") + formatFileSizes(queue.doneBytes(), queue.totalBytes());

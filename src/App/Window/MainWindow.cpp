@@ -15,6 +15,7 @@
 #include "App/Window/ToolbarButton.h"
 #include "App/Window/WindowChrome.h"
 #include "App/Window/WindowCommands.h"
+#include "Records/TransferFormat.h"
 #include "State/AppState.h"
 #include "State/Details.h"
 #include "State/WirelessPhones.h"
@@ -25,7 +26,6 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
-#include <QLocale>
 #include <QTimer>
 
 #include <utility>
@@ -239,12 +239,10 @@ void MainWindow::renderQuestion() {
     const int count = transfers.unfinishedCount();
     if (count == 0) // then nothing is in the way any more
         return m_question->accept();
-    QLocale locale;
-    locale.setNumberOptions(QLocale::DefaultNumberOptions); // with separators of thousands everywhere
     const bool isOne = count == 1;
     const QString &reason = transfers.forgetReason();
     m_question->setTexts(isOne ? QStringLiteral("1 copy is not finished.")
-                               : locale.toString(count) + QStringLiteral(" copies are not finished."),
+                               : formatCount(count) + QStringLiteral(" copies are not finished."),
                          !reason.isEmpty() ? reason
                          : isOne           ? QStringLiteral("It is kept and can go on at the next start.")
                                  : QStringLiteral("They are kept and can go on at the next start."));
