@@ -55,13 +55,14 @@ int printMemoryOf(int count) {
     TransferQueue queue;
     QList<QueueItem> entries;
     const QString serial = QStringLiteral("demo-phone");
+    const QString folder = QString::fromLatin1("/home/sam/Pictures");
     for (int i = 0; i < count; ++i) {
         const QString name = QStringLiteral("IMG_%1.jpg").arg(i);
         entries.append({newIdentity(),
                         name,
                         false,
                         QStringLiteral("/sdcard/DCIM/Camera/") + name,
-                        QStringLiteral("/home/sam/Pictures/") + name,
+                        folder,
                         TransferDirection::androidToMac,
                         {},
                         4'000'000,

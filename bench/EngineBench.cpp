@@ -29,12 +29,12 @@ QString listing(int entries) {
 
 /// By a phone that escapes its names, and by one that does not.
 void parseAndSortListing(benchmark::State &state,
-                         QList<FileItem> (*parse)(const QString &, const QString &, bool)) {
+                         QList<FileItem> (*parse)(const QString &, const QString &)) {
     QString text = listing(static_cast<int>(state.range(0)));
     if (parse == &ADBClient::parseLSLAB)
         text.replace(QStringLiteral("Folder "), QStringLiteral("Folder\\ "));
     for (auto _ : state)
-        benchmark::DoNotOptimize(parse(text, QStringLiteral("/sdcard/DCIM"), true));
+        benchmark::DoNotOptimize(parse(text, QStringLiteral("/sdcard/DCIM")));
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK_CAPTURE(parseAndSortListing, lsLab, &ADBClient::parseLSLAB)

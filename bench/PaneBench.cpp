@@ -3,9 +3,11 @@
 
 #include "Kit/AppStyle.h"
 #include "State/AppState.h"
+#include "Thumbnails/ThumbnailStore.h"
 #include "Views/DualBrowserView.h"
 #include "Views/FileItemsView.h"
 #include "support/DemoPhone.h"
+#include "support/ExifPhoto.h"
 #include "support/FakeDesktop.h"
 
 #include <QApplication>
@@ -13,9 +15,13 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QPaintEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 #include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <unistd.h>
 
 namespace {
 
@@ -29,11 +35,22 @@ public:
     LargeFolder() : model(desktop), view(&model) {
         phone.makeFolder(QStringLiteral("DCIM"));
         const QDir folder(phone.hostPath(QStringLiteral("/sdcard/DCIM")));
+        const QByteArray photo = aPhoto();
+        QByteArray first;
         for (int i = 0; i < entries; ++i) {
-            QFile file(folder.filePath(QStringLiteral("%1_%2.jpg")
-                                           .arg(i % 3 == 0 ? QStringLiteral("PANO") : QStringLiteral("IMG"))
-                                           .arg(i, 6, 10, QLatin1Char('0'))));
-            if (!file.open(QFile::WriteOnly))
+            const QByteArray path = QFile::encodeName(
+                folder.filePath(QStringLiteral("%1_%2.jpg")
+                                    .arg(i % 3 == 0 ? QStringLiteral("PANO") : QStringLiteral("IMG"))
+                                    .arg(i, 6, 10, QLatin1Char('0'))));
+            constexpr int mostLinks = 30'000; // to one file, which a file system bears
+            if (i % mostLinks != 0) {
+                if (::link(first.constData(), path.constData()) != 0)
+                    qFatal("cannot write the large folder");
+                continue;
+            }
+            first = path;
+            QFile file(QFile::decodeName(path));
+            if (!file.open(QFile::WriteOnly) || file.write(photo) != photo.size())
                 qFatal("cannot write the large folder");
         }
         view.resize(1000, 560);
@@ -72,11 +89,19 @@ public:
     DualBrowserView view;
     bool isPainted = false;
 
-private:
     template <typename Condition>
     static void waitFor(Condition condition) {
         while (!condition())
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+
+private:
+    static QByteArray aPhoto() {
+        const QRadialGradient colors(600, 450, 700);
+        QImage image(1200, 900, QImage::Format_RGB32);
+        QPainter(&image).fillRect(image.rect(), colors);
+        return exifPhoto(jpegOf(image), image.size(), jpegOf(image.scaled(320, 240))) +
+               QByteArray(300'000, 'x');
     }
 };
 
@@ -182,6 +207,39 @@ void scroll(benchmark::State &state, PaneViewMode mode) {
     state.SetLabel("at most 8 ms");
 }
 
+/// To a place whose pictures have been read, and none of them painted yet.
+void scrollToPictures(benchmark::State &state) {
+    constexpr int sight = 40; // more than are in sight
+    start(PaneViewMode::list);
+    ThumbnailStore pictures;
+    DualBrowserView view(&folder->model, &pictures);
+    auto *grid = view.findChild<FileItemsView *>(QStringLiteral("fileGrid"));
+    grid->viewport()->installEventFilter(folder);
+    view.resize(folder->view.size());
+    folder->view.hide();
+    view.show();
+    folder->model.setAndroidViewMode(PaneViewMode::grid);
+    const FilePlace place{BrowserSide::android, DemoPhone::serial()};
+    QObject ahead;
+    int row = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        row += sight;
+        const QList<FileItem> items = folder->model.androidItems().mid(row, sight);
+        pictures.look(&ahead, place, items, 200);
+        LargeFolder::waitFor([&] {
+            return std::none_of(items.begin(), items.end(),
+                                [&](const FileItem &item) { return pictures.picture(place, item).isNull(); });
+        });
+        folder->expectFrame();
+        state.ResumeTiming();
+        grid->scrollTo(grid->model()->index(row, 0), QAbstractItemView::PositionAtTop);
+        folder->paint();
+    }
+    state.SetLabel("at most 16 ms");
+    folder->view.show();
+}
+
 void switchLayout(benchmark::State &state, PaneViewMode from) {
     const PaneViewMode to = from == PaneViewMode::list ? PaneViewMode::grid : PaneViewMode::list;
     frames(
@@ -206,6 +264,7 @@ BOTH_LAYOUTS(clearSelection);
 BOTH_LAYOUTS(toggleOneOfAll);
 BOTH_LAYOUTS(filterFirstKey);
 BOTH_LAYOUTS(scroll);
+BENCHMARK(scrollToPictures)->Unit(benchmark::kMillisecond)->Iterations(20);
 BOTH_LAYOUTS(switchLayout);
 
 } // namespace

@@ -38,7 +38,7 @@ public:
             item.id = newIdentity();
             item.name = QStringLiteral("IMG_%1.jpg").arg(i);
             item.sourcePath = QStringLiteral("/sdcard/DCIM/Camera/") + item.name;
-            item.destinationPath = QStringLiteral("/home/sam/Pictures/") + item.name;
+            item.destinationFolder = QStringLiteral("/home/sam/Pictures");
             items.append(item);
         }
         isPainted = false;

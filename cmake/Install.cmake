@@ -43,11 +43,19 @@ if(APPLE)
             COMMAND ${CMAKE_COMMAND} -E make_directory $<TARGET_BUNDLE_CONTENT_DIR:vantrel>/Resources/platform-tools
             COMMAND ${CMAKE_COMMAND} -E copy ${VANTREL_BUNDLED_ADB} $<TARGET_BUNDLE_CONTENT_DIR:vantrel>/Resources/platform-tools/adb)
     endif()
+    add_custom_command(
+        TARGET vantrel POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E make_directory $<TARGET_BUNDLE_CONTENT_DIR:vantrel>/Frameworks
+        COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:vantrel_embedded_pictures>
+                $<TARGET_BUNDLE_CONTENT_DIR:vantrel>/Frameworks)
     install(TARGETS vantrel BUNDLE DESTINATION .)
     set(CPACK_GENERATOR DragNDrop)
 else()
     set(VANTREL_DATA_DIR ${CMAKE_INSTALL_FULL_DATADIR}/vantrel)
     install(TARGETS vantrel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    # Where embeddedPicture() looks, on every system.
+    install(TARGETS vantrel_embedded_pictures LIBRARY DESTINATION lib/vantrel)
+    add_dependencies(vantrel vantrel_embedded_pictures)
     install(FILES ${VANTREL_RESOURCES}/desktop/${VANTREL_IDENTIFIER}.desktop
             DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
     configure_file(${VANTREL_RESOURCES}/desktop/${VANTREL_IDENTIFIER}.metainfo.xml.in
@@ -106,7 +114,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${VANTREL_BUILD_NUMBER})
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-inter, fonts-noto-color-emoji, qt6-wayland")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-inter, fonts-noto-color-emoji, qt6-image-formats-plugins, qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS android-sdk-platform-tools-common)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS xdg-utils)
 if(NOT VANTREL_BUNDLED_ADB)

@@ -290,7 +290,9 @@ void Copy::transfer(const Item &item, const File &from, const File &to) {
         if (const std::int64_t limit = m_settings.current().unplugAfter; limit >= 0)
             wanted = static_cast<std::size_t>(
                 std::min<std::int64_t>(static_cast<std::int64_t>(wanted), limit - m_done));
-        const ssize_t got = ::read(from.descriptor(), block.data(), wanted);
+        ssize_t got = ::read(from.descriptor(), block.data(), wanted);
+        if (got == 0 && m_direction == CopyDirection::pull && m_settings.current().endless)
+            got = static_cast<ssize_t>(block.size()); // what it had sent last
         if (got < 0)
             throw CopyError{"cannot read " + quoted(item.source) + ": " + std::strerror(errno)};
         if (got == 0)

@@ -11,6 +11,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,7 @@ enum class Content {
     folder,
     text,    ///< readable
     picture, ///< a PNG of `size` pixels in width
+    photo,   ///< the photo of that number
     noise,   ///< bytes that do not compress, behind the file type's first bytes
 };
 
@@ -33,7 +35,7 @@ enum class Content {
 struct Furniture {
     std::string_view path;
     Content content;
-    std::size_t size; ///< bytes, or a picture's width
+    std::size_t size; ///< bytes, a picture's width, or a photo's number
     double age;       ///< days
 };
 
@@ -44,13 +46,13 @@ constexpr std::array furniture{
     Furniture{"Android", Content::folder, 0, 702.4},
     Furniture{"DCIM/.thumbnails/.database_uuid", Content::text, 36, 640.1},
     Furniture{"DCIM/.thumbnails", Content::folder, 0, 12.5},
-    Furniture{"DCIM/Camera/IMG_%.png", Content::picture, 640, 611.31},
-    Furniture{"DCIM/Camera/IMG_%.png", Content::picture, 800, 402.17},
-    Furniture{"DCIM/Camera/IMG_%.png", Content::picture, 720, 401.92},
-    Furniture{"DCIM/Camera/IMG_%.png", Content::picture, 560, 233.55},
-    Furniture{"DCIM/Camera/IMG_%.png", Content::picture, 840, 96.08},
-    Furniture{"DCIM/Camera/IMG_%.png", Content::picture, 320, 12.44},
-    Furniture{"DCIM/Camera/IMG_%.png", Content::picture, 480, 2.36},
+    Furniture{"DCIM/Camera/IMG_%.jpg", Content::photo, 1, 611.31},
+    Furniture{"DCIM/Camera/IMG_%.jpg", Content::photo, 2, 402.17},
+    Furniture{"DCIM/Camera/IMG_%.jpg", Content::photo, 3, 401.92},
+    Furniture{"DCIM/Camera/IMG_%.jpg", Content::photo, 4, 233.55},
+    Furniture{"DCIM/Camera/IMG_%.jpg", Content::photo, 5, 96.08},
+    Furniture{"DCIM/Camera/IMG_%.jpg", Content::photo, 6, 12.44},
+    Furniture{"DCIM/Camera/IMG_%.jpg", Content::photo, 7, 2.36},
     Furniture{"DCIM/Camera/VID_%.mp4", Content::noise, 3 * megabyte + 417'113, 2.35},
     Furniture{"DCIM/Camera", Content::folder, 0, 2.35},
     Furniture{"DCIM", Content::folder, 0, 640.1},
@@ -85,7 +87,7 @@ constexpr std::array furniture{
     Furniture{"Trip to Lisbon 🎉/tram 28.png", Content::picture, 420, 396.4},
     Furniture{"Trip to Lisbon 🎉", Content::folder, 0, 395.2},
     Furniture{"WhatsApp/Media/WhatsApp Audio", Content::folder, 0, 580.6},
-    Furniture{"WhatsApp/Media/WhatsApp Images/IMG-0001.png", Content::picture, 300, 18.8},
+    Furniture{"WhatsApp/Media/WhatsApp Images/IMG-0001.jpg", Content::photo, 8, 18.8},
     Furniture{"WhatsApp/Media/WhatsApp Images/IMG-0002.png", Content::picture, 260, 5.3},
     Furniture{"WhatsApp/Media/WhatsApp Images", Content::folder, 0, 5.3},
     Furniture{"WhatsApp/Media", Content::folder, 0, 580.6},
@@ -211,6 +213,16 @@ std::string picture(std::size_t width, std::uint64_t seed) {
     return png;
 }
 
+/// As the build has made it.
+std::string photo(std::size_t number) {
+    const std::string path = VANTREL_DEMO_PHOTOS "/" + std::to_string(number) + ".jpg";
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes(std::istreambuf_iterator<char>(file), {});
+    if (bytes.empty())
+        throw std::runtime_error("cannot read " + path);
+    return bytes;
+}
+
 /// What a file of this name begins with, so that it is taken for what it says.
 std::string_view firstBytes(std::string_view path) {
     using namespace std::string_view_literals;
@@ -248,6 +260,8 @@ void place(const std::string &root, const Furniture &piece, std::time_t now, std
     std::string bytes;
     if (piece.content == Content::text) {
         bytes = text(piece.size);
+    } else if (piece.content == Content::photo) {
+        bytes = photo(piece.size);
     } else if (piece.content == Content::picture) {
         bytes = picture(piece.size, seed);
     } else {

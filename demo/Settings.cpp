@@ -29,8 +29,8 @@ struct Key {
     Member member;
 };
 
-const std::array<Key, 26> &keys() {
-    static const std::array<Key, 26> table{{
+const std::array<Key, 27> &keys() {
+    static const std::array<Key, 27> table{{
         {"serial", &Settings::serial},
         {"model", &Settings::model},
         {"version", &Settings::version},
@@ -46,6 +46,7 @@ const std::array<Key, 26> &keys() {
         {"unplug-after", &Settings::unplugAfter},
         {"full-after", &Settings::fullAfter},
         {"corrupt", &Settings::corrupt},
+        {"endless", &Settings::endless},
         {"hang", &Settings::hang},
         {"crash", &Settings::crash},
         {"chatter", &Settings::chatter},

@@ -25,6 +25,7 @@ struct Settings {
     std::int64_t unplugAfter = -1;               ///< bytes into a copy; negative is never
     std::int64_t fullAfter = -1;                 ///< bytes into a copy; negative is never
     bool corrupt = false;
+    bool endless = false; ///< whether files that are copied from the phone go on behind their end
     bool hang = false;
     std::int64_t crash = 0; ///< signal number; 0 is none
     std::string chatter = "off";

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
+#include <fstream>
 #include <string_view>
 #include <utility>
 
@@ -311,9 +312,55 @@ Answer df(const std::string &path, bool withCards, const Settings &settings) {
     return answer;
 }
 
+// -- head -q -c N PATH…; … and cat PATH /dev/zero | head -c N; …
+
+std::size_t numberIn(const std::string &text) {
+    std::size_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+/// As many of the first bytes of a file as there are; none of one that cannot be read.
+std::string beginningOf(const std::string &path, std::size_t length, const PhoneFiles &files) {
+    Entry entry;
+    if (files.look(path, Links::follow, entry) != 0 || !S_ISREG(entry.status.st_mode) ||
+        !isReadable(entry.status))
+        return {};
+    std::string bytes(length, '\0');
+    std::ifstream file(entry.place.hostPath, std::ios::binary);
+    file.read(bytes.data(), static_cast<std::streamsize>(length));
+    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    return bytes;
+}
+
+std::string beginningsOf(const ShellPipeline &pipeline, const PhoneFiles &files) {
+    const Words &words = pipeline[0].words;
+    std::string bytes;
+    if (words[0] == "cat") {
+        const std::size_t length = numberIn(pipeline[1].words[2]);
+        bytes = beginningOf(words[1], length, files);
+        bytes.resize(length, '\0');
+    }
+    for (std::size_t i = 4; words[0] == "head" && i < words.size(); ++i)
+        bytes += beginningOf(words[i], numberIn(words[3]), files);
+    return bytes;
+}
+
 bool isNumber(const std::string &text) {
     return !text.empty() &&
            std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool readsBeginnings(const ShellPipeline &pipeline) {
+    const Words &words = pipeline[0].words;
+    if (pipeline[0].appends)
+        return false;
+    if (pipeline.size() == 1)
+        return words.size() > 4 && words[0] == "head" && words[1] == "-q" && words[2] == "-c" &&
+               isNumber(words[3]);
+    const Words &head = pipeline[1].words;
+    return pipeline.size() == 2 && words.size() == 3 && words[0] == "cat" && words[2] == "/dev/zero" &&
+           head.size() == 3 && head[0] == "head" && head[1] == "-c" && isNumber(head[2]);
 }
 
 bool isSubstringPattern(const std::string &text) {
@@ -353,6 +400,8 @@ std::string nameOfShellCommand(const std::vector<ShellPipeline> &line) {
     static const std::string unknown = "unknown";
     if (const std::string name = nameOfCopyLine(line); !name.empty())
         return name;
+    if (!line.empty() && std::all_of(line.begin(), line.end(), readsBeginnings))
+        return "beginnings";
     const bool endsInTrue = line.size() == 2 && line[1].size() == 1 && line[1][0].words == Words{"true"};
     if (line.size() == 3 && line[0].size() == 1 && line[0][0].words == Words{"df", "/sdcard"} &&
         line[1][0].words == Words{"cards"} && line[2][0].words == Words{"true"})
@@ -388,9 +437,14 @@ Answer runShellCommand(const std::vector<ShellPipeline> &line, const PhoneFiles 
                        const Settings &settings) {
     if (!nameOfCopyLine(line).empty())
         return runCopyLine(line, files);
+    Answer answer;
+    if (readsBeginnings(line[0])) {
+        for (const ShellPipeline &reading : line)
+            answer.standardOutput += beginningsOf(reading, files);
+        return answer;
+    }
     const ShellPipeline &pipeline = line[0];
     const Words &words = pipeline[0].words;
-    Answer answer;
     if (words[0] == "getprop")
         answer.standardOutput = settings.model + "\n";
     else if (words[0] == "df")

@@ -56,7 +56,7 @@ Request understood(const std::vector<std::string> &arguments) {
         return request;
     request.serial = arguments[1];
     const std::string &verb = arguments[2];
-    if (verb == "shell") {
+    if (verb == "shell" || verb == "exec-out") {
         std::string line = arguments[3];
         for (std::size_t i = 4; i < arguments.size(); ++i)
             line += " " + arguments[i];

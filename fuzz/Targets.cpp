@@ -11,6 +11,7 @@
 #include "App/System/Settings.h"
 #include "App/Updates/Appcast.h"
 #include "Records/FileOrder.h"
+#include "Thumbnails/SmallPicture.h"
 
 #include <QDir>
 #include <QFile>
@@ -81,20 +82,27 @@ void listingIn(const QString &folder, const QList<FileItem> &items) {
             "a listing is in file order");
 }
 
+/// What ls has printed, in two pieces.
+QList<FileItem> entriesOf(const QString &folder, const QByteArray &text,
+                          ADBClient::ListingReader::Form form) {
+    ADBClient::ListingReader reader(folder, form);
+    reader.read(text.left(text.size() / 2));
+    reader.read(text.mid(text.size() / 2));
+    return reader.take();
+}
+
 void listing(const QByteArray &input) {
     const QString folder = QStringLiteral("/sdcard/Download");
-    const auto [text, isExact] = ToolText::decodeLeniently(input);
-    listingIn(folder, ADBClient::parseLSLA(text, folder, isExact));
+    listingIn(folder, entriesOf(folder, input, ADBClient::ListingReader::Form::plain));
 }
 
 /// The phone may go while it lists: every beginning of a listing is one, too.
 void exactListing(const QByteArray &input) {
     const QString folder = QStringLiteral("/sdcard/Download");
-    const auto [text, isExact] = ToolText::decodeLeniently(input);
-    const auto items = ADBClient::parseLSLAB(text, folder, isExact);
+    const auto form = ADBClient::ListingReader::Form::escaped;
+    const auto items = entriesOf(folder, input, form);
     listingIn(folder, items);
-    const qsizetype end = text.lastIndexOf(QLatin1Char('\n')) + 1;
-    const auto whole = ADBClient::parseLSLAB(text.left(end), folder, isExact);
+    const auto whole = entriesOf(folder, input.left(input.lastIndexOf('\n') + 1), form);
     require(items.size() - whole.size() == 0 || items.size() - whole.size() == 1,
             "a line that is cut is one entry at most");
     require(ADBClient::countComplaints(input) <= input.count('\n') + 1, "a line is one complaint at most");
@@ -212,6 +220,17 @@ void settings(const QByteArray &input) {
     require(settings.save() && Settings(path).appearancePreference() == other, "a choice can be stored");
 }
 
+/// The first byte says what the others are taken for.
+void picture(const QByteArray &input) {
+    constexpr int edge = 96;
+    const int choice = input.isEmpty() ? 0 : uchar(input.front());
+    const auto kind = MediaKind(choice / 2 % (int(MediaKind::audio) + 1));
+    const QImage image =
+        smallPicture(input.mid(1), choice % 2 == 0 ? Extent::whole : Extent::beginning, kind, edge);
+    require(image.isNull() || (image.width() <= edge && image.height() <= edge), "a small picture is small");
+    require(image.isNull() || isReadable(kind), "what cannot be read has no picture");
+}
+
 } // namespace
 
 const QList<Target> &targets() {
@@ -229,6 +248,7 @@ const QList<Target> &targets() {
         {"appcast", &appcast},
         {"analytics-cache", &analyticsCache},
         {"settings", &settings},
+        {"small-picture", &picture},
     };
     // clang-format on
     return all;

@@ -4,7 +4,7 @@ say() { printf '\n== %s\n' "$*"; }
 
 # What a Debian 12 needs, and what Homebrew calls the same.
 debian_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-svg-dev libgl1-mesa-dev libxcb1-dev
-              libfontconfig-dev qcoro-qt6-dev libexpected-dev libbenchmark-dev adb fonts-inter
+              libfontconfig-dev libexiv2-dev libtag1-dev qt6-image-formats-plugins qcoro-qt6-dev libexpected-dev libbenchmark-dev adb fonts-inter
               fonts-noto-color-emoji xdg-utils qt6-base-private-dev"
 debian_test="libgtest-dev libgmock-dev desktop-file-utils appstream dpkg-dev file gzip man-db weston qt6-wayland xvfb
              dbus-daemon"
@@ -12,7 +12,7 @@ debian_bench="python3 xvfb"
 debian_coverage="gcovr"
 debian_fuzz="clang-14 libclang-rt-14-dev"
 debian_lint="clang-format-14 clang-tidy-14 python3"
-brew_all="cmake ninja ccache qt qcoro6 tl-expected googletest google-benchmark clang-format llvm"
+brew_all="cmake ninja ccache pkg-config qt qcoro6 exiv2 taglib tl-expected googletest google-benchmark clang-format llvm"
 
 as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi

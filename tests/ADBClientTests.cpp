@@ -369,9 +369,11 @@ TEST(ADBListingTests, whatCanBeReadIsListedAndTheRestIsCounted) {
         phone.set(u"ls.stdout"_s, c.output);
         phone.set(u"ls.stderr"_s, c.errors);
         phone.set(u"ls.exit"_s, c.exitStatus);
+        const auto before = phone.commandLines().size();
         const auto listing = ADBClient::listDirectory(serial, u"/sdcard"_s);
         EXPECT_EQ(listing ? listing->size() : -1, c.items) << c.name;
         EXPECT_EQ(listing ? listing->unreadableCount : 0, c.unreadable) << c.name;
+        EXPECT_EQ(phone.commandLines().size(), before + 1) << c.name;
     }
 }
 
@@ -439,6 +441,39 @@ TEST(ADBSearchTests, factsAreAskedForInQuestionsOfBoundedLength) {
         asked += line.last().count(u"/sdcard"_s);
     }
     EXPECT_EQ(asked, paths.size());
+}
+
+TEST(ADBBeginningTests, everyFilesBytesComeAtTheirPlaceWhateverItHasBecome) {
+    DemoPhone phone;
+    phone.write(u"a '; rm -rf $HOME.jpg"_s, "0123456789");
+    phone.write(u"short.jpg"_s, QByteArray("ab\0\r\n", 5));
+    phone.write(u"empty.jpg"_s, {});
+    phone.write(u"secret.jpg"_s, "secret");
+    phone.deny(u"secret.jpg"_s);
+    phone.makeFolder(u"folder.jpg"_s);
+    phone.write(u"last.jpg"_s, "the last");
+    QList<ADBClient::FileBeginning> files;
+    for (const QString &name : {u"a '; rm -rf $HOME.jpg"_s, u"short.jpg"_s, u"empty.jpg"_s, u"secret.jpg"_s,
+                                u"folder.jpg"_s, u"gone.jpg"_s, u"last.jpg"_s})
+        files.append({u"/sdcard/"_s + name, 8});
+    const QByteArray zeros(8, '\0');
+    EXPECT_EQ(ADBClient::readBeginnings(serial, files, {}),
+              (QList<QByteArray>{"01234567", QByteArray("ab\0\r\n\0\0\0", 8), zeros, zeros, zeros, zeros,
+                                 "the last"}));
+    EXPECT_EQ(phone.commandLines().size(), 2) << "once in vain: some of them are not as long";
+    EXPECT_EQ(ADBClient::readBeginnings(serial, {files.first(), files.last(), {files.last().path, 3}}, {}),
+              (QList<QByteArray>{"01234567", "the last", "the"}));
+    EXPECT_EQ(phone.commandLines().size(), 3);
+
+    const ADBClient::FileBeginning quoted{u"/sdcard/"_s + QString(200, u'\''), 8};
+    files.append(QList<ADBClient::FileBeginning>(400, quoted));
+    EXPECT_EQ(ADBClient::readBeginnings(serial, files, {})->size(), files.size());
+    for (const QStringList &line : phone.commandLines())
+        EXPECT_LE(line.last().toUtf8().size(), 65'535) << "adb refuses longer ones";
+
+    phone.set(u"beginnings.stdout"_s, "of another length");
+    EXPECT_FALSE(ADBClient::readBeginnings(serial, {files.first()}, {}));
+    EXPECT_FALSE(ADBClient::readBeginnings(serial, {{u"/sdcard/last.jpg"_s, 33'000'000}}, {}));
 }
 
 TEST(ADBCopyTests, aFindThatKnowsNoPrintfIsAskedInAnotherWay) {

@@ -82,6 +82,7 @@ TEST(DeviceTextTests, onlyPhonesThatAreReadyAreListed) {
     EXPECT_EQ(ADBClient::parseDeviceList(u"List of devices attached\r\nR58M\tdevice\r\n\r\n"_s),
               QStringList{u"R58M"_s});
     EXPECT_TRUE(ADBClient::parseDeviceList(QString()).isEmpty());
+    EXPECT_EQ(ADBClient::parseDeviceList(u"A\tdevice\n"_s.repeated(5000)).size(), ADBClient::mostPhones);
 }
 
 TEST(DeviceTextTests, storageIsTwoNumbersThatFit) {
@@ -253,6 +254,23 @@ TEST(ListingTextTests, aRealExactListingIsRead) {
                                                u"/dev"_s);
     EXPECT_EQ(names(devices), u"name.txt|null"_s);
     EXPECT_EQ(named(devices, "null").sizeBytes, std::nullopt);
+}
+
+TEST(ListingTextTests, aListingMayComeInAnyPiecesAndEachNameIsJudgedAlone) {
+    const QByteArray listing = transcript("exact-listing/toybox.txt").toUtf8() +
+                               "-rw------- 1 0 0 8 2026-11-23 23:22 \xff\n"
+                               "-rw------- 1 0 0 8 2026-11-23 23:22 said\xef\xbf\xbd\n"
+                               "-rw------- 1 0 0 8 2026-11-23 23:22 zu end";
+    for (const qsizetype size : {qsizetype(1), qsizetype(7), qsizetype(100), listing.size()}) {
+        ADBClient::ListingReader reader(u"/sdcard"_s, ADBClient::ListingReader::Form::escaped);
+        for (qsizetype at = 0; at < listing.size(); at += size)
+            reader.read(listing.mid(at, size));
+        const auto items = reader.take();
+        EXPECT_EQ(items.size(), 44) << size;
+        EXPECT_FALSE(named(items, "\ufffd").isNameExact) << size;
+        EXPECT_TRUE(named(items, "said\ufffd").isNameExact) << size;
+        EXPECT_EQ(named(items, "zu end").sizeBytes, 8) << size;
+    }
 }
 
 TEST(ListingTextTests, complaintsAreCounted) {

@@ -267,13 +267,14 @@ TEST_F(CopyTests, aPauseStopsEverythingAndResumingBringsItAll) {
 
 TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
     constexpr qsizetype size = 33'000'000;
-    enum class Break { unplugged, paused, sourceChanged, partDamaged };
+    enum class Break { unplugged, paused, sourceChanged, partDamaged, partGone };
     QByteArray bytes(size, '\0');
     for (qsizetype i = 0; i < size; ++i)
         bytes[i] = char(i * 31 + i / 4096);
     const QByteArray other = bytes.mid(size / 2) + bytes.left(size / 2);
     for (const BrowserSide from : sides) {
-        for (const Break how : {Break::unplugged, Break::paused, Break::sourceChanged, Break::partDamaged}) {
+        for (const Break how :
+             {Break::unplugged, Break::paused, Break::sourceChanged, Break::partDamaged, Break::partGone}) {
             SCOPED_TRACE(testing::Message() << (from == BrowserSide::mac ? "push" : "pull") << int(how));
             writeOn(from, u"film"_s, bytes);
             phone.resetAll();
@@ -302,6 +303,8 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
                 writeOn(from, u"film"_s, other, oldTime.addDays(1));
             if (how == Break::partDamaged)
                 write(part, QByteArray(QFileInfo(part).size(), '?'));
+            if (how == Break::partGone)
+                QDir(staged().first()).removeRecursively();
 
             phone.resetAll();
             phone.set(u"stderr-progress"_s, "off");
@@ -320,7 +323,9 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             waitForQueue();
             EXPECT_EQ(statuses(), how == Break::paused ? u"film:Verified"_s : u"film:Done"_s);
             EXPECT_EQ(runsBeginning(u"md5sum "_s),
-                      how == Break::sourceChanged && from == BrowserSide::android ? 0 : 1)
+                      (how == Break::sourceChanged || how == Break::partGone) && from == BrowserSide::android
+                          ? 0
+                          : 1)
                 << "no file is read twice";
             QObject::disconnect(watching);
             if (goesOn) {
@@ -338,6 +343,68 @@ TEST_F(CopyTests, anInterruptedLargeCopyGoesOnFromTheByteThatItHadReached) {
             QFile::remove(here(u"film"_s));
             QFile::remove(phone.hostPath(u"film"_s));
         }
+    }
+}
+
+TEST_F(CopyTests, aSourceThatChangesWhileItsCopyGoesOnIsNotTaken) {
+    constexpr qint64 size = 33'000'000;
+    for (const BrowserSide from : sides) {
+        for (const qint64 changed : {size * 2, size / 4}) {
+            SCOPED_TRACE(testing::Message() << (from == BrowserSide::mac ? "push " : "pull ") << changed);
+            writeOn(from, u"film"_s, QByteArray(size, 'x'));
+            phone.set(u"bandwidth"_s, "30");
+            phone.set(u"log"_s, "on");
+            phone.set(u"unplug-after"_s, QByteArray::number(size / 2));
+            start();
+            select(from, u"film"_s);
+            from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+            ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+            phone.plug();
+            connectPhone();
+            const QString stream = from == BrowserSide::mac ? u"cat "_s : u"tail "_s;
+            ASSERT_TRUE(waitFor([&] { return runsBeginning(stream) == 1; }));
+            ASSERT_TRUE(QFile::resize(pathOn(from, u"film"_s), changed));
+            phone.set(u"bandwidth"_s, "0");
+            waitForQueue();
+            EXPECT_EQ(statuses(), u"film:It was changed while it was copied."_s);
+            EXPECT_FALSE(QFileInfo::exists(pathOn(otherThan(from), u"film"_s)));
+            EXPECT_TRUE(staged().isEmpty());
+            phone.resetAll();
+            phone.set(u"stderr-progress"_s, "off");
+            state->clearQueue();
+            QFile::remove(pathOn(from, u"film"_s));
+        }
+    }
+}
+
+TEST_F(CopyTests, aPhoneThatSendsWithoutEndIsCutShort) {
+    constexpr qsizetype size = 33'000'000;
+    for (const bool isContinued : {false, true}) {
+        SCOPED_TRACE(isContinued);
+        writeOn(BrowserSide::android, u"film"_s, QByteArray(size, 'x'));
+        phone.set(u"bandwidth"_s, "30");
+        if (isContinued)
+            phone.set(u"unplug-after"_s, QByteArray::number(size / 2));
+        else
+            phone.set(u"endless"_s, "on");
+        start();
+        select(BrowserSide::android, u"film"_s);
+        state->transferAndroidToMac();
+        if (isContinued) {
+            ASSERT_TRUE(waitFor([&] { return !state->isTransferring(); }));
+            ASSERT_EQ(staged().size(), 1);
+            phone.set(u"endless"_s, "on");
+            phone.plug();
+        }
+        phone.set(u"bandwidth"_s, "0"); // as fast as it can
+        connectPhone();
+        waitForQueue();
+        EXPECT_EQ(statuses(), u"film:It was changed while it was copied."_s);
+        EXPECT_TRUE(staged().isEmpty());
+        EXPECT_FALSE(QFileInfo::exists(here(u"film"_s)));
+        phone.resetAll();
+        phone.set(u"stderr-progress"_s, "off");
+        state->clearQueue();
     }
 }
 
@@ -475,6 +542,39 @@ TEST_F(CopyTests, manySmallEntriesShareRunsAndEachHasItsOwnEnd) {
             QDir(root).removeRecursively();
             QDir().mkpath(root);
         }
+    }
+}
+
+TEST_F(CopyTests, aFolderOfManySmallFilesIsCopiedByTwoRunsAtATime) {
+    for (const BrowserSide from : sides) {
+        const QString verb = from == BrowserSide::android ? u"pull"_s : u"push"_s;
+        for (int i = 0; i < 600; ++i)
+            writeOn(from, u"many/%1/%2"_s.arg(i % 3).arg(i / 3), QByteArray::number(i));
+        phone.set(u"log"_s, "on");
+        if (from == BrowserSide::android)
+            phone.deny(u"many/1/77"_s);
+        phone.set(verb + u".hang"_s, "on");
+        start();
+        state->transfers().setVerifies(from == BrowserSide::mac);
+        select(from, u"many"_s);
+        from == BrowserSide::mac ? state->transferMacToAndroid() : state->transferAndroidToMac();
+        EXPECT_TRUE(waitFor([&] { return runsOf(verb) == 2; }));
+        phone.reset(verb + u".hang"_s);
+        waitForQueue();
+        EXPECT_EQ(statuses(),
+                  from == BrowserSide::mac ? u"many:Verified"_s : u"many:1 of 600 could not be copied"_s);
+        for (int i = 0; i < 600; ++i) {
+            const QString name = u"many/%1/%2"_s.arg(i % 3).arg(i / 3);
+            const bool isDenied = from == BrowserSide::android && name == u"many/1/77"_s;
+            EXPECT_EQ(contents(pathOn(otherThan(from), name)),
+                      isDenied ? "(missing)" : QByteArray::number(i));
+        }
+        EXPECT_TRUE(staged().isEmpty());
+        state->clearQueue();
+        for (const BrowserSide side : sides)
+            QDir(pathOn(side, u"many"_s)).removeRecursively();
+        phone.resetAll();
+        phone.set(u"stderr-progress"_s, "off");
     }
 }
 

@@ -100,6 +100,27 @@ TEST(FileRowTests, asManyColumnsAsFit) {
     }
 }
 
+TEST(FileRowTests, geometryOfTheGridGivesALineTheHeightOfItsHighestTile) {
+    FileGridGeometry grid(332); // three columns
+    const int heights[] = {100, 114, 100, 100, 100, 100, 100, 114};
+    grid.layOut(8, [&](int row) { return heights[row]; });
+    EXPECT_EQ(grid.height(), 12 + 114 + 10 + 100 + 10 + 114 + 12);
+    const int tops[] = {12, 12 + 114 + 10, 12 + 114 + 10 + 100 + 10};
+    for (int row = 0; row < 8; ++row) {
+        SCOPED_TRACE(row);
+        const QRect rect = grid.rectOf(row);
+        EXPECT_EQ(rect.top(), tops[row / 3]);
+        EXPECT_EQ(rect.height(), row / 3 == 1 ? 100 : 114);
+        EXPECT_EQ(grid.lineAt(rect.top()), row / 3);
+        EXPECT_EQ(grid.lineAt(rect.bottom() + 10), row / 3) << "in the gap below";
+    }
+    EXPECT_EQ(grid.lineAt(-5), 0);
+    EXPECT_EQ(grid.lineAt(100'000), 2);
+    EXPECT_TRUE(grid.rectOf(8).isEmpty());
+    grid.layOut(0, [](int) { return 100; });
+    EXPECT_EQ(std::tuple(grid.height(), grid.lineAt(50), grid.rectOf(0)), std::tuple(0, 0, QRect()));
+}
+
 TEST(FileRowTests, aClickOnTheMarkIsToldFromOneOnTheBody) {
     const FileRow row{{fileNamed(u"a"_s)}};
     const FileGridCell cell{{fileNamed(u"a"_s)}};

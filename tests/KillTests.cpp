@@ -21,6 +21,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace vantrel {
 namespace {
@@ -156,6 +158,42 @@ TEST_F(KillTests, whatWasNotFinishedIsThereAgainPausedAndEndsWholeAtAClick) {
         EXPECT_EQ(kept(), 0);
     }
     Background::stop(&ADBClient::stopRunningTools);
+}
+
+TEST_F(KillTests, twoUsersCopyIntoOneFolder) {
+    constexpr uid_t nobody = 65534;
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root may start a program as another user";
+    clear();
+    const auto open = [](const QString &path) { ::chmod(QFile::encodeName(path).constData(), 0777); };
+    for (const QString &root : {QFileInfo(phone.root()).path(), mac.path()}) {
+        open(root);
+        QDirIterator folders(root, QDir::Dirs | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+        while (folders.hasNext())
+            open(folders.next());
+    }
+    phone.set(u"pull.bandwidth"_s, "1.5");
+    phone.set(u"push.bandwidth"_s, "1.5");
+    QProcess programs[2];
+    for (QProcess &program : programs) {
+        program.setProcessChannelMode(QProcess::ForwardedChannels);
+        program.setChildProcessModifier([isOther = &program == programs] {
+            ::umask(0);
+            if (isOther && (::setgid(nobody) != 0 || ::setuid(nobody) != 0))
+                ::_exit(1);
+        });
+        program.start(QStringLiteral(VANTREL_COPY_PROGRAM), {mac.path()});
+    }
+    for (QProcess &program : programs) {
+        ASSERT_TRUE(program.waitForFinished(120'000));
+        EXPECT_EQ(program.exitCode(), 0);
+    }
+    EXPECT_EQ(checkedFiles(), 10);
+    EXPECT_EQ(m_staged, 0) << "each has removed what was its own";
+    const auto isTheirs = [](const QFileInfo &info) { return info.ownerId() == nobody; };
+    QFileInfoList arrived = QDir(mac.filePath(u"in"_s)).entryInfoList(QDir::Files);
+    arrived += QDir(mac.filePath(u"in/Album"_s)).entryInfoList(QDir::Files);
+    EXPECT_TRUE(std::any_of(arrived.begin(), arrived.end(), isTheirs)) << "the other user has copied nothing";
 }
 
 } // namespace

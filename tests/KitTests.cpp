@@ -7,7 +7,9 @@
 #include "Kit/Shapes.h"
 #include "Kit/Spinner.h"
 #include "Kit/Symbol.h"
+#include "Kit/TextField.h"
 #include "Kit/TextLabel.h"
+#include "Kit/WidthTable.h"
 #include "Theme/AppTheme.h"
 
 namespace vantrel {
@@ -98,6 +100,26 @@ TEST(TextTests, elisionNeverExceedsItsWidth) {
     EXPECT_EQ(elidedText(u"short"_s, style, 150), u"short"_s);
 }
 
+TEST(TextTests, aWidthTableKnowsHowFarItIsFromTheWidth) {
+    const TextStyle style{11, Weight::semibold};
+    WidthTable table(style);
+    for (const QString &text :
+         {u"IMG_20240501_103015.jpg"_s, u"AVATAR To We LTy.png"_s, u"a fi ffi->x2x3 <= 10:30 (@Home).txt"_s,
+          u"PANO-(1)-A:B@C.HEIC"_s, u"  blanks  "_s, u"Größe Ελλάδα Москва.jpg"_s,
+          u"日本語の写真 한국어.png"_s, u"e\u0301te\u0301 \u1112\u1161\u11AB.txt"_s, u"صورة من العطلة.jpg"_s,
+          u"छुट्टी की तस्वीर"_s, u"👨‍👩‍👧‍👦😀.jpg"_s, u"a\u202Eb\nc\u200Bd"_s,
+          QString(3, QChar(0xD800))}) {
+        SCOPED_TRACE(qPrintable(text));
+        const WidthTable::Width width = table.widthOf(text);
+        QString trimmed = text;
+        while (trimmed.endsWith(u' '))
+            trimmed.chop(1);
+        EXPECT_NEAR(width.about, style.width(trimmed), width.within);
+    }
+    EXPECT_LT(table.widthOf(u"IMG_20240501_103015.jpg"_s).within, 1) << "and names like this it knows";
+    EXPECT_EQ(table.widthOf(u""_s).about, 0);
+}
+
 TEST(TextTests, namesCannotDeceive) {
     const std::pair<QString, QString> cases[] = {
         {u"photo\u202Egpj.exe"_s, u"photo\uFFFDgpj.exe"_s},
@@ -110,6 +132,14 @@ TEST(TextTests, namesCannotDeceive) {
     };
     for (const auto &[text, shown] : cases)
         EXPECT_EQ(displayText(text), shown);
+    const auto drawn = [](const QString &text) {
+        return painted({80, 20}, 1, [&](QPainter &painter) {
+            paintText(painter, {0, 0, 80, 20}, text, {12.5}, Qt::black);
+        });
+    };
+    for (const auto &[typed, sign] :
+         {std::pair(u"a->b"_s, u"a→b"_s), {u"a<-b"_s, u"a←b"_s}, {u"a=>b"_s, u"a⇒b"_s}, {u"3x4"_s, u"3×4"_s}})
+        EXPECT_NE(drawn(typed), drawn(sign)) << "the font makes a sign of " << typed.toStdString();
 }
 
 TEST(ShapeTests, linesLieInsideAndAreCrisp) {
@@ -209,6 +239,36 @@ TEST(ControlTests, aLabelYieldsAndIsReadWhole) {
     EXPECT_EQ(label->heightForWidth(220), 2 * label->sizeHint().height());
     EXPECT_EQ(label->heightForWidth(2000), label->sizeHint().height());
     EXPECT_TRUE(isElidedAt({100, 40})) << "two lines are not enough either";
+}
+
+TEST(ControlTests, aFieldsTextHasItsSizeAndIsHitWhereItIsSeen) {
+    constexpr TextStyle style{12.5, Weight::medium};
+    TextField field(style);
+    field.setStyleSheet(u"background: white"_s);
+    field.resize(300, 24);
+    field.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&field));
+    const QString text = u"mmmmmmmmmmmmmmmm|"_s;
+    field.setText(text);
+    const auto lastInk = [&] {
+        const QImage image = field.grab().toImage();
+        int last = 0;
+        for (int x = 0; x < image.width(); ++x)
+            for (int y = 0; y < image.height(); ++y)
+                last = image.pixelColor(x, y).lightness() < 160 ? x : last;
+        return last / image.devicePixelRatio();
+    };
+    const double end = style.width(text);
+    EXPECT_NEAR(lastInk(), end, 3);
+    for (const qsizetype letter : {3, 8, 15}) {
+        QTest::mouseClick(&field, Qt::LeftButton, {}, QPoint(qRound(style.width(text.left(letter))), 12));
+        EXPECT_EQ(field.cursorPosition(), letter);
+    }
+    // What does not fit fills the field, and its end is where the caret is.
+    field.setText(QString(100, u'm'));
+    EXPECT_GT(lastInk(), field.width() - 15);
+    QTest::mouseClick(&field, Qt::LeftButton, {}, QPoint(field.width() - 2, 12));
+    EXPECT_GE(field.cursorPosition(), 99);
 }
 
 TEST(ControlTests, aProgressBarFillsItsFractionAndNoMore) {

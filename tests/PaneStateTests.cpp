@@ -112,3 +112,41 @@ TEST_F(PaneStateTests, aListingIsAwaitedUntilAnotherIsAskedForOrThePaneIsEmptied
     EXPECT_TRUE(pane.selectedIDs().isEmpty());
     EXPECT_EQ(pane.browseError(), std::nullopt);
 }
+
+TEST_F(PaneStateTests, remembersHowFoldersWereLeftWithinBounds) {
+    const auto list = [this](const QString &path, const QList<FileItem> &items, Arrival arrival) {
+        pane.open(path, arrival);
+        pane.setItems(items);
+    };
+    const auto leave = [&](const QString &path, const QString &top) {
+        list(path, files("ab"), Arrival::anew);
+        pane.selectAllVisible();
+        pane.setPlace({top, 7, 3, u"b"_s});
+    };
+    leave(u"/s/first"_s, u"a"_s);
+    const qint64 token = pane.placeToken();
+    pane.open(u"/s/slow"_s);
+    pane.setPlace({u"elsewhere"_s}); // of the entries that stand there still
+    list(u"/s/first"_s, files("bc"), Arrival::back);
+    EXPECT_NE(pane.placeToken(), token);
+    EXPECT_EQ(pane.place(), (PanePlace{u"a"_s, 7, 3, u"b"_s}));
+    EXPECT_EQ(namesOf(pane.selectedItems()), QStringList(u"b"_s));
+
+    // Hits are not the folder's, and the folder is at its place when they are gone.
+    pane.setHits(files("x"));
+    pane.setPlace({u"x"_s});
+    const qint64 tokenOfHits = pane.placeToken();
+    pane.setHits(std::nullopt);
+    EXPECT_NE(pane.placeToken(), tokenOfHits);
+    EXPECT_EQ(pane.place().top, u"a");
+
+    for (int i = 0; i < VisitedFolders::mostFolders; ++i)
+        leave(u"/s/%1"_s.arg(i), u"a"_s);
+    list(u"/s/first"_s, files("ab"), Arrival::back);
+    EXPECT_TRUE(pane.selectedIDs().isEmpty()) << "the oldest is forgotten";
+    list(u"/s/2"_s, files("ab"), Arrival::back);
+    EXPECT_EQ(pane.selectedIDs().size(), 2);
+    pane.forgetVisits();
+    list(u"/s/3"_s, files("ab"), Arrival::back);
+    EXPECT_TRUE(pane.selectedIDs().isEmpty());
+}

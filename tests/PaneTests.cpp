@@ -261,7 +261,7 @@ TEST_P(PaneLayoutTests, entriesAreDraggedAndDroppedOnAFolderOrThePane) {
     show({folder, fileNamed(u"file"_s)});
     pane.path.folder = u"/home/me"_s;
     pane.onDrag = [this](const FileItem &item) { calls.append(u"drag "_s + item.name); };
-    pane.dropCount = [](const QMimeData &dragged) { return dragged.text().size(); };
+    pane.dropCount = [](const QMimeData &dragged, const QString & /*into*/) { return dragged.text().size(); };
     pane.onDrop = [this](const QMimeData &dragged, const QString &into) {
         calls.append(dragged.text() + u" into "_s + into);
     };
@@ -445,6 +445,12 @@ TEST_F(FilePaneTests, contextMenusFollowTheFlags) {
     pane.showsMacContextMenu = true;
     show();
     EXPECT_THAT(titles(1), ElementsAre(u"Open"_s, revealTitle(), u"-"_s, u"Copy Path"_s));
+    pane.onDetails = [this](const FileItem &item) { calls.append(u"details "_s + item.name); };
+    show();
+    EXPECT_THAT(titles(1),
+                ElementsAre(u"Open"_s, revealTitle(), u"-"_s, u"Copy Path"_s, u"-"_s, u"Details…"_s));
+    choose(menu(0), u"Details…"_s);
+    EXPECT_THAT(taken(), ElementsAre(u"details folder"_s));
     choose(menu(1), u"Open"_s);
     choose(menu(1), revealTitle());
     choose(menu(0), u"Copy Path"_s);
@@ -496,29 +502,97 @@ TEST_F(FilePaneTests, headersStandAboveTheirColumns) {
     }
 }
 
-TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumns) {
+TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumnsOfTilesWithNamesOfOneLineOrTwo) {
     showAs(PaneViewMode::grid);
-    show(someFiles(100));
-    const int height = FileGridCellGeometry::height();
+    QList<FileItem> items = someFiles(100);
+    for (int row = 40; row < 60; row += 7)
+        items[row].name = u"a name that takes two lines %1.txt"_s.arg(row);
+    items[50].name = u"two words of Ελλάδα"_s; // one line or two, as wide as a column is
+    show(items);
+    const auto linesOf = [](const QString &name, int width) {
+        return int(wrappedLines(name, {11, Weight::semibold}, width, 2).size());
+    };
+    QSet<int> ofTheFiftieth;
     for (const int width : {view.minimumSizeHint().width(), 333, 334, 400, 440, 777, 1500}) {
         SCOPED_TRACE(width);
         view.resize(width, 400);
-        const FileItemsView *tiles = entries();
+        FileItemsView *tiles = entries();
         const QWidget *viewport = tiles->viewport();
         const FileGridGeometry grid(viewport->width());
-        const QSize cell(grid.columnWidth, height);
-        EXPECT_EQ(rectOf(tiles, 0), QRect(QPoint(grid.left, 12), cell));
-        EXPECT_EQ(rectOf(tiles, 1).left(), grid.left + grid.columnWidth + 10);
-        EXPECT_EQ(rectOf(tiles, grid.columns - 1).top(), 12);
-        EXPECT_EQ(rectOf(tiles, grid.columns), QRect(QPoint(grid.left, 12 + height + 10), cell));
+        ofTheFiftieth.insert(linesOf(items[50].name, grid.columnWidth));
+        int top = 12;
+        for (int row = 0; row < 100; ++row) {
+            const int first = row - row % grid.columns;
+            int lines = 1;
+            for (int other = first; other < std::min(first + grid.columns, 100); ++other)
+                lines = std::max(lines, linesOf(items[other].name, grid.columnWidth));
+            const QSize cell(grid.columnWidth, FileGridCellGeometry::height(72, lines));
+            const QPoint place(grid.left + (row - first) * (grid.columnWidth + 10), top);
+            ASSERT_EQ(rectOf(tiles, row), QRect(place, cell)) << row;
+            top += row - first == grid.columns - 1 ? cell.height() + 10 : 0;
+        }
         EXPECT_EQ(tiles->indexAt(rectOf(tiles, 4).center()).row(), 4);
         EXPECT_FALSE(tiles->indexAt(rectOf(tiles, 0).bottomRight() + QPoint(5, 0)).isValid()) << "a gap";
         tiles->verticalScrollBar()->setValue(tiles->verticalScrollBar()->maximum());
         EXPECT_EQ(rectOf(tiles, 99).bottom() + 1, viewport->height() - 12);
-        tiles->verticalScrollBar()->setValue(0);
+        EXPECT_EQ(tiles->rowsInSight().second, 99);
+        tiles->scrollTo(tiles->model()->index(1, 0));
+        EXPECT_EQ(tiles->verticalScrollBar()->value(), 0) << "with what is above the first line";
     }
+    EXPECT_EQ(ofTheFiftieth, QSet({1, 2}));
+
+    const int before = rectOf(entries(), 99).top();
+    items[0].name = items[40].name;
+    show(items);
+    EXPECT_EQ(rectOf(entries(), 99).top() - before,
+              FileGridCellGeometry::height(72, 2) - FileGridCellGeometry::height(72, 1));
     show(someFiles(3));
     EXPECT_EQ(entries()->verticalScrollBar()->maximum(), 0);
+}
+
+TEST_F(FilePaneTests, theTilesSizeFollowsTheSliderAndTheWheel) {
+    auto *slider = control<QSlider>(view, u"tileSize"_s);
+    showAs(PaneViewMode::grid);
+    EXPECT_FALSE(slider->isVisible()) << "nothing to bind it to";
+    pane.tileSize = {TileSize::standard, [this](int size) {
+                         calls.append(u"size %1"_s.arg(size));
+                         pane.tileSize->value = size;
+                         show();
+                     }};
+    show(someFiles(400));
+    ASSERT_TRUE(slider->isVisible());
+    QAccessibleInterface *heard = accessible(slider);
+    EXPECT_EQ(heard->role(), QAccessible::Slider);
+    EXPECT_EQ(heard->text(QAccessible::Name), u"Size of the tiles");
+    EXPECT_EQ(heard->valueInterface()->currentValue(), 96);
+
+    entries()->verticalScrollBar()->setValue(2000);
+    const auto firstRow = [this] {
+        return entries()->indexAt(QPoint(60, 40)).isValid() ? entries()->indexAt(QPoint(60, 40)).row()
+                                                            : entries()->indexAt(QPoint(60, 90)).row();
+    };
+    const int before = firstRow();
+    const auto turn = [this](Qt::KeyboardModifiers modifiers, int angle) {
+        const QPointF place(50, 50);
+        QWheelEvent wheel(place, entries()->viewport()->mapToGlobal(place), {}, {0, angle}, {}, modifiers,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(entries()->viewport(), &wheel);
+    };
+    turn(Qt::ControlModifier, 60); // half a notch, as of a fine wheel
+    turn(Qt::ControlModifier, 60);
+    EXPECT_THAT(taken(), ElementsAre(u"size 120"_s));
+    EXPECT_EQ(slider->value(), 120);
+    EXPECT_EQ(rectOf(entries(), 0).width(),
+              FileGridGeometry(entries()->viewport()->width(), 120).columnWidth);
+    EXPECT_EQ(rectOf(entries(), 0).height(), FileGridCellGeometry::height(90, 1));
+    EXPECT_LE(qAbs(firstRow() - before), 4) << "what was in sight stays there";
+    slider->setValue(230);
+    EXPECT_THAT(taken(), ElementsAre(u"size 240"_s));
+    turn(Qt::ControlModifier, 120);
+    turn(Qt::NoModifier, 120);
+    EXPECT_THAT(taken(), ElementsAre()) << "there is no larger one";
+    showAs(PaneViewMode::list);
+    EXPECT_FALSE(slider->isVisible());
 }
 
 /// The entries that were painted since the last call, once everything that was due has been.
@@ -791,6 +865,8 @@ void expectNothingOverlaps(QWidget &view) {
 }
 
 TEST_F(FilePaneTests, geometryHoldsWithAnyText) {
+    pane.tileSize = {TileSize::standard, [](int) {}};
+    showAs(PaneViewMode::grid); // with its slider
     const QSize smallest = view.minimumSizeHint();
     const QSize hint = view.sizeHint();
     EXPECT_LE(smallest.width(), 390) << "two panes must fit into the smallest window";
@@ -1007,6 +1083,38 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
     EXPECT_TRUE(waitFor([&] { return !state->device().isConnected && !toAndroid->isEnabled(); }));
 }
 
+TEST_F(DualBrowserTests, theGridShowsPicturesWhenTheyComeAndRepaintsNothingElse) {
+    const QColor red(Qt::red);
+    QImage image(400, 300, QImage::Format_RGB32);
+    image.fill(red);
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    image.save(&png, "png");
+    phone.write(u"DCIM/Camera/IMG_3.png"_s, png.data());
+    phone.set(u"beginnings.hang"_s, "on");
+    show(new DualBrowserView(state.get(), new ThumbnailStore(state.get())), {1000, 500});
+    state->setAndroidViewMode(PaneViewMode::grid);
+    state->setMacViewMode(PaneViewMode::grid);
+    connectPhone();
+    write(here(u"a.png"_s), png.data());
+    browseMac(folder);
+    browsePhone(u"/sdcard/DCIM/Camera"_s);
+    settle();
+    const auto colorOf = [](QWidget &pane, int row) { // above the name, beside the mark
+        const FileItemsView *grid = entriesOf(pane);
+        return grid->viewport()->grab().toImage().pixelColor(rectOf(grid, row).topLeft() + QPoint(20, 60));
+    };
+    ASSERT_TRUE(waitFor([&] { return colorOf(mac(), 1) == red; })) << "of this computer: behind the folder";
+    EXPECT_NE(colorOf(android(), 2), red);
+    settle();
+    const PaintedRegion painted(entriesOf(android())->viewport());
+    phone.reset(u"beginnings.hang"_s);
+    ASSERT_TRUE(waitFor([&] { return !painted.region.isEmpty(); }));
+    settle();
+    EXPECT_EQ(painted.region.boundingRect(), rectOf(entriesOf(android()), 2));
+    EXPECT_EQ(colorOf(android(), 2), red);
+}
+
 TEST_F(DualBrowserTests, keysActOnTheFocusedPane) {
     connectPhone();
     using Counts = std::pair<qsizetype, qsizetype>;
@@ -1086,6 +1194,104 @@ TEST_F(DualBrowserTests, thePhonesPaneBrowses) {
     EXPECT_TRUE(lists(android(), {}));
 }
 
+TEST_F(DualBrowserTests, backGoesToWhereOneWas) {
+    constexpr int count = 150;
+    const QString there = u"/sdcard/many"_s;
+    const QString hostThere = phone.hostPath(there);
+    connectPhone();
+    for (const QString &many : {hostThere, here(u"many"_s)}) {
+        QDir(many).mkpath(u"sub 050/deeper"_s);
+        for (int i = 0; i < count; ++i)
+            write(many + u"/file %1"_s.arg(i, 3, 10, QLatin1Char('0')), "x");
+    }
+    struct Case {
+        BrowserSide side;
+        PaneViewMode mode;
+        QString path, host;
+    };
+    for (const Case &c : {Case{BrowserSide::mac, PaneViewMode::list, here(u"many"_s), here(u"many"_s)},
+                          Case{BrowserSide::android, PaneViewMode::grid, there, hostThere}}) {
+        SCOPED_TRACE(qPrintable(c.path));
+        PaneState &pane = state->pane(c.side);
+        QWidget &widget = c.side == BrowserSide::mac ? mac() : android();
+        pane.setViewMode(c.mode);
+        const auto shows = [&](const QString &path) {
+            const bool isListed = waitFor([&] { return pane.path() == path && !pane.isLoading(); });
+            settle();
+            return isListed;
+        };
+        const auto browse = [&](const QString &path) {
+            c.side == BrowserSide::mac ? state->browseMac(path) : state->browseAndroid(path);
+            return shows(path);
+        };
+        const auto goTo = [&](const QString &path) {
+            widget.findChild<FilePaneView *>()->pane().path.onGoTo(path);
+            return shows(path);
+        };
+        const auto bar = [&] { return entriesOf(widget)->verticalScrollBar(); };
+        const auto seen = [&] { return itemsOf(widget).value(entriesOf(widget)->rowsInSight().first).name; };
+        const auto current = [&] { return entriesOf(widget)->currentIndex().data().toString(); };
+        const auto selected = [&] { return namesOf(pane.selectedItems()); };
+        const auto openSub = [&] {
+            doubleClickEntry(widget, 0);
+            EXPECT_TRUE(shows(c.path + u"/sub 050"_s));
+            EXPECT_EQ(bar()->value(), 0);
+        };
+
+        ASSERT_TRUE(browse(c.path));
+        EXPECT_EQ(bar()->value(), 0);
+        bar()->setValue(11);
+        pane.selectItem(itemsOf(widget).at(3));
+        openSub();
+        EXPECT_TRUE(pane.selectedIDs().isEmpty());
+        press(widget, u"back"_s);
+        ASSERT_TRUE(shows(c.path));
+        EXPECT_EQ(bar()->value(), 11);
+        EXPECT_THAT(selected(), ElementsAre(u"file 002"_s)) << "the folder was opened, not chosen";
+        EXPECT_EQ(current(), u"sub 050");
+
+        // Where files have come and gone, it is those that are still there.
+        pane.toggleSelection(itemsOf(widget).first());
+        bar()->setValue(700);
+        const QString top = seen();
+        ASSERT_NE(top, itemsOf(widget).first().name);
+        EXPECT_TRUE(browse(c.path + u"/sub 050/deeper"_s));
+        QFile::remove(c.host + u"/file 002"_s);
+        for (int i = 0; i < 40; ++i)
+            write(c.host + u"/a %1"_s.arg(i), "x");
+        EXPECT_TRUE(goTo(c.path));
+        const QStringList listed = namesOf(itemsOf(widget));
+        const QRect rect = rectOf(entriesOf(widget), int(listed.indexOf(top)));
+        EXPECT_TRUE(rect.top() <= 0 && rect.bottom() + 10 > 0)
+            << rect.top() << ", seen " << seen().toStdString();
+        EXPECT_THAT(selected(), ElementsAre(u"sub 050"_s));
+        QDir(c.host).removeRecursively();
+        EXPECT_TRUE(browse(c.path + u"/x"_s));
+        QDir(c.host).mkpath(u"x"_s);
+        write(c.host + u"/one"_s, "x");
+        EXPECT_TRUE(goTo(c.path));
+        EXPECT_TRUE(lists(widget, {u"x"_s, u"one"_s})) << "nothing of what was is there";
+
+        // What is opened begins at its top.
+        pane.selectAllVisible();
+        ASSERT_TRUE(browse(c.path + u"/x"_s));
+        ASSERT_TRUE(browse(c.path));
+        EXPECT_THAT(selected(), ElementsAre());
+    }
+    // Not what another phone has under that name.
+    state->pane(BrowserSide::android).selectAllVisible();
+    browsePhone(u"/sdcard/many/x"_s);
+    QDir(phone.otherRoot(u"OTHER"_s)).mkpath(u"many/x"_s);
+    phone.setOther(u"OTHER"_s, u"device"_s);
+    phone.unplug();
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return state->device().id == u"OTHER"; }));
+    browsePhone(u"/sdcard/many/x"_s);
+    press(android(), u"back"_s);
+    EXPECT_TRUE(lists(android(), {u"x"_s}));
+    EXPECT_TRUE(state->androidSelectedIDs().isEmpty());
+}
+
 TEST_F(DualBrowserTests, theSearchFieldFiltersAndSearches) {
     connectPhone();
     auto *field = control<QLineEdit>(android(), u"searchField"_s);
@@ -1150,7 +1356,7 @@ TEST_F(DualBrowserTests, whatIsDroppedIsCopied) {
     write(here(u"from elsewhere.txt"_s), "text");
     const auto drop = [](QWidget &pane, QMimeData *data, const QString &into) {
         const FilePane &callbacks = pane.findChild<FilePaneView *>()->pane();
-        const qsizetype count = callbacks.dropCount(*data);
+        const qsizetype count = callbacks.dropCount(*data, into);
         if (count > 0)
             callbacks.onDrop(*data, into);
         return count;
@@ -1158,7 +1364,7 @@ TEST_F(DualBrowserTests, whatIsDroppedIsCopied) {
     QMimeData elsewhere;
     elsewhere.setUrls({QUrl::fromLocalFile(here(u"from elsewhere.txt"_s)), QUrl(u"https://example.org/x"_s)});
     EXPECT_EQ(drop(android(), &elsewhere, u"/sdcard/DCIM"_s), 1) << "an address is no file";
-    EXPECT_EQ(drop(mac(), &elsewhere, folder), 0);
+    EXPECT_EQ(drop(mac(), &elsewhere, folder), 0) << "it is there already";
     DraggedEntries note(BrowserSide::android, state->device().id, {fileNamed(u"note.txt"_s)});
     EXPECT_EQ(drop(android(), &note, u"/sdcard/DCIM"_s), 0) << "the phone's own";
     EXPECT_FALSE(note.hasUrls()) << "no other program reaches it";
@@ -1175,6 +1381,16 @@ TEST_F(DualBrowserTests, whatIsDroppedIsCopied) {
     phone.unplug();
     refresh();
     EXPECT_EQ(drop(mac(), &reachable, folder), 0) << "there is no phone";
+    FileItem subfolder = fileNamed(u"sub"_s);
+    subfolder.path = here(u"sub"_s);
+    DraggedEntries own(BrowserSide::mac, {}, {subfolder});
+    EXPECT_EQ(drop(mac(), &own, here(u"sub"_s)) + drop(mac(), &own, here(u"sub/deeper"_s)), 0)
+        << "into itself";
+    EXPECT_EQ(drop(mac(), &own, here(u"into"_s)), 1);
+    EXPECT_EQ(drop(mac(), &elsewhere, here(u"into"_s)), 1) << "an address is no file";
+    EXPECT_TRUE(waitFor([&] { return state->queue().size() == 5 && !state->isTransferring(); }));
+    EXPECT_TRUE(QFileInfo(here(u"into/sub/deeper"_s)).isDir());
+    EXPECT_EQ(contents(here(u"into/from elsewhere.txt"_s)), "text");
 }
 
 TEST(AndroidBrowserPaneTests, backNeverLeavesTheSharedStorage) {

@@ -122,6 +122,9 @@ TEST_F(PhoneWatchTests, thePhoneThatIsShownStaysShownWhileItIsReady) {
     phone.setOther(u"A1"_s, u"device"_s, u"Pixel 7"_s);
     ASSERT_TRUE(waitFor([&] { return listed() == u"A1 device Pixel 7|demo-phone device Demo Phone"_s; }))
         << listed().toStdString();
+    ASSERT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(state->device().id, DemoPhone::serial()) << "adb lists the other one first";
     connectPhone(); // the look that the refresh button takes
     EXPECT_EQ(state->device().id, DemoPhone::serial());
     EXPECT_EQ(state->androidCurrentPath(), u"/sdcard/Download"_s);

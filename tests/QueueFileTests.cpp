@@ -101,6 +101,7 @@ TEST_F(QueueFileTests, aFileThatIsNotOneIsPutAsideAndLeadsNowhere) {
         {keptWith(u"source"_s, u"/sdcard/../data/a"_s), "is damaged in part"},
         {keptWith(u"phone"_s, u""_s), "is damaged in part"},
         {keptWith(u"way"_s, u"both"_s), "is damaged in part"},
+        {keptWith(u"way"_s, u"here"_s), "is damaged in part"}, // with a phone
     };
     for (const auto &c : cases) {
         QDir(folder()).removeRecursively();
@@ -131,7 +132,7 @@ TEST_F(QueueFileTests, programsAtTheSameTimeHaveAFileEachAndALaterOneTakesUpBoth
         item.id = QUuid::createUuid();
         item.name = name;
         item.sourcePath = u"/sdcard/"_s + name;
-        item.destinationPath = u"/tmp/"_s + name;
+        item.destinationFolder = u"/tmp"_s;
         item.serial = u"demo-phone"_s;
         return item;
     };

@@ -24,7 +24,7 @@ QueueItem queueItem(const QueueItemStatus &status = {}) {
             u"photo.jpg"_s,
             false,
             u"/sdcard/DCIM/photo.jpg"_s,
-            u"/home/sam/photo.jpg"_s,
+            u"/home/sam"_s,
             TransferDirection::androidToMac,
             status,
             1000};
@@ -203,7 +203,7 @@ TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
         queueItem(QueueItemStatus::Failed{u"A line of an error that goes on and on\n"_s.repeated(10)});
     worst.name = QString(255, u'W');
     worst.sourcePath = u"/sdcard/"_s + u"very long folder/"_s.repeated(30) + worst.name;
-    worst.destinationPath = u"/home/"_s + u"very long folder/"_s.repeated(30) + u"the end"_s;
+    worst.destinationFolder = u"/home/"_s + u"very long folder/"_s.repeated(30) + u"the end"_s;
     const int height = QueueRowGeometry::rowHeight();
     showRows({worst, queueItem(transferring(0.1))}, 2 * height + 1);
     EXPECT_EQ(list.verticalScrollBar()->maximum(), 0) << "both fit, with one divider";
@@ -227,8 +227,8 @@ TEST_F(QueueRowTests, hasItsPlacesWhateverItShows) {
     const QueueRowGeometry at = places(0);
     EXPECT_EQ(toolTipAt(&list, at.name.center()), worst.name);
     EXPECT_EQ(toolTipAt(&list, at.reason.center()).count(u"goes on and on"_s), 10);
-    EXPECT_TRUE(
-        toolTipAt(&list, at.route.center()).endsWith(worst.sourcePath + u"  →  "_s + worst.destinationPath));
+    EXPECT_TRUE(toolTipAt(&list, at.route.center())
+                    .endsWith(worst.sourcePath + u"  →  "_s + worst.destinationPath()));
     EXPECT_EQ(toolTipAt(&list, at.removeButton.center()), u"Remove this transfer from the queue"_s);
     (void)toolTipAt(&list, places(1).name.center());
     EXPECT_TRUE(waitFor([] { return ToolTips::text().isEmpty(); })) << "it is all there";
@@ -441,6 +441,24 @@ TEST_F(QueueTests, rowsAreRemovedByMouseAndByKeys) {
     click(child<IconButton>("queue.clear"));
     EXPECT_TRUE(waitFor([&] { return child<TextLabel>("queue.hint")->isVisible(); }));
     EXPECT_EQ(focusedRow(), -1);
+}
+
+TEST_F(QueueTests, theCardsLineIsWholeWhereverTheRowsAreScrolled) {
+    queueGhosts(20);
+    showPanel({816, 200});
+    settle();
+    auto *card = child<QWidget>("queue.card");
+    QList<QImage> line;
+    for (int place = 0; place < 60; place += 3) {
+        list->verticalScrollBar()->setValue(place);
+        const QImage shown = card->grab().toImage();
+        constexpr int scrollBar = 20;
+        const QList<QImage> sides{shown.copy(0, 0, shown.width() - scrollBar, 1),
+                                  shown.copy(0, 0, 1, shown.height()),
+                                  shown.copy(0, shown.height() - 1, shown.width() - scrollBar, 1)};
+        line = place == 0 ? sides : line;
+        EXPECT_TRUE(sides == line) << place;
+    }
 }
 
 TEST_F(QueueTests, theKeyboardStaysWithItsRowWhileOthersComeAndGo) {

@@ -72,6 +72,21 @@ TEST_F(SettingsTests, theWindowsGeometryIsStoredOrCountsAsNotSet) {
     }
 }
 
+TEST_F(SettingsTests, theTilesHaveOneOfTheirSizesWhateverIsStored) {
+    const std::pair<const char *, int> cases[] = {{"", 96},
+                                                  {"tileSize=120\n", 120},
+                                                  {"tileSize=131\n", 120},
+                                                  {"tileSize=99999\n", 240},
+                                                  {"tileSize=-5\n", 72},
+                                                  {"tileSize=large\n", 96}};
+    for (const auto &[text, size] : cases) {
+        write(path, QByteArray("[General]\n") + text);
+        EXPECT_EQ(Settings(path).tileSize(), size) << text;
+    }
+    Settings(path).setTileSize(168);
+    EXPECT_EQ(Settings(path).tileSize(), 168);
+}
+
 TEST_F(SettingsTests, eachPaneHasItsOrder) {
     const FileOrder newest{FileSortKey::modified, Qt::DescendingOrder};
     Settings(path).setFileOrder(BrowserSide::mac, newest);

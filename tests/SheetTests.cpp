@@ -1,16 +1,20 @@
 // What hangs in the window: driven by keys and mouse as the window system would, and seen by assistive
 // technology.
 
+#include "support/AccessibleTree.h"
+#include "support/ExifPhoto.h"
 #include "support/Files.h"
 #include "support/MainWindowFixture.h"
 
 #include "App/Sheets/AboutView.h"
+#include "App/Sheets/DetailsView.h"
 #include "App/Sheets/KeyboardTable.h"
 #include "App/Sheets/KeyboardView.h"
 #include "App/Sheets/TextPrompt.h"
 #include "App/Sheets/UpdateView.h"
 #include "App/Sheets/WirelessView.h"
 #include "Kit/AppStyle.h"
+#include "Kit/ReadOnlyText.h"
 #include "Kit/TextLabel.h"
 #include "support/Processes.h"
 
@@ -293,9 +297,13 @@ TEST_F(SheetTests, theKeysOfTheTableAct) {
         {WindowCommand::switchPanes, [&] { return focusIsIn("macPane", u"fileList"_s); }},
         {WindowCommand::copyToComputer, [&] { return model->queue().size() == 1; }},
         {WindowCommand::copyToPhone, [&] { return model->queue().size() == 2; }},
+        {WindowCommand::enlargeTiles, [&] { return model->tileSize() == 168; }},
+        {WindowCommand::shrinkTiles, [&] { return model->tileSize() == 120; }},
+        {WindowCommand::resetTiles, [&] { return model->tileSize() == TileSize::standard; }},
         {WindowCommand::openMenu, [] { return QApplication::activePopupWidget() != nullptr; }},
         {WindowCommand::toggleFullScreen, [&] { return window->isFullScreen(); }},
         {WindowCommand::showKeyboard, [&] { return shown<KeyboardView>() != nullptr; }},
+        {WindowCommand::showDetails, [&] { return shown<DetailsView>() != nullptr; }},
     };
     write(mac.filePath(u"mine"_s), "x");
     for (const KeyboardEntry &entry : keyboardTable()) {
@@ -305,6 +313,7 @@ TEST_F(SheetTests, theKeysOfTheTableAct) {
             model->browseAndroid(u"/sdcard/folder"_s);
             model->browseMac(mac.path());
             ASSERT_TRUE(waitFor([&] { return !model->isLoadingAndroid() && !model->isLoadingMac(); }));
+            model->setTileSize(144);
             model->setFocusedBrowserSide(BrowserSide::android);
             model->selectAllVisible(BrowserSide::android);
             model->selectItem(model->macItems().last(), BrowserSide::mac);
@@ -321,11 +330,158 @@ TEST_F(SheetTests, theKeysOfTheTableAct) {
             EXPECT_TRUE(waitFor(acted));
             if (QWidget *popup = QApplication::activePopupWidget())
                 popup->close();
-            if (auto *sheet = shown<KeyboardView>())
+            if (auto *sheet = shown<Sheet>())
                 sheet->close();
             window->setWindowState(Qt::WindowNoState);
         }
     }
+}
+
+TEST_F(SheetTests, everySheetAndMenuHasARoleANameAStateAndNoMarkup) {
+    QFuture<std::optional<QString>> answer;
+    const std::function<void()> sheets[] = {
+        [&] { window->showAbout(); },
+        [&] { window->showKeyboard(); },
+        [&] { window->showWireless(); },
+        [&] { answer = ask(); },
+        [&] { (new UpdateView(window, UpdateResult(), AppVersion()))->open(); },
+        [&] { model->showDetails(BrowserSide::android, model->androidItems()); },
+        [&] {
+            phone.set(u"hang"_s, "on");
+            model->transferAndroidToMac();
+            window->close(); // which asks
+        },
+    };
+    for (const auto &open : sheets) {
+        SCOPED_TRACE(&open - sheets);
+        open();
+        const QPointer<Sheet> sheet = shown<Sheet>();
+        ASSERT_NE(sheet, nullptr);
+        settle();
+        EXPECT_TRUE(expectAccessible(window).contains(QAccessible::Dialog));
+        sheet->reject();
+        ASSERT_TRUE(waitFor([&] { return !shown<Sheet>(); }));
+        delete sheet.data();
+    }
+    phone.set(u"hang"_s, "off");
+    model->clearQueue();
+    for (const auto &open : {std::function<void()>([&] { key(Qt::Key_F10); }), std::function<void()>([&] {
+                                 child<QWidget>("fileList")->setFocus(Qt::TabFocusReason);
+                                 key(Qt::Key_F10, Qt::ShiftModifier);
+                             })}) {
+        open();
+        QWidget *menu = QApplication::activePopupWidget();
+        ASSERT_NE(menu, nullptr);
+        EXPECT_TRUE(expectAccessible(menu).contains(QAccessible::MenuItem));
+        menu->close();
+    }
+}
+
+TEST_F(SheetTests, detailsTellAllThatIsKnown) {
+    const QString folder = mac.filePath(u"here"_s);
+    const QString longName = QString(200, u'n') + u"\u202E<b>.jpg"_s;
+    write(folder + u"/sub/a/one.bin"_s, QByteArray(1'234'567, 'x'));
+    write(folder + u"/sub/.hidden"_s, "12345");
+    write(folder + u'/' + longName, QByteArray(999, 'x'));
+    QFile::link(u"/nowhere"_s, folder + u"/link"_s);
+    const QDateTime date(QDate(2024, 5, 1), QTime(13, 2, 3));
+    for (const QString &path : {u"album/x.jpg"_s, u"album/deep/y.jpg"_s, u"z.txt"_s})
+        phone.write(path, QByteArray(1'000'000, 'x'), date);
+    const QByteArray photo = exifPhoto(jpegOf(QImage(40, 30, QImage::Format_RGB32)), {320, 240}, {}, 6);
+    phone.write(u"photo.jpg"_s, photo);
+    write(folder + u"/photo.jpg"_s, photo);
+    model->browseMac(folder);
+    model->browseAndroid(u"/sdcard"_s);
+    ASSERT_TRUE(waitFor([&] { return model->macItems().size() == 4 && model->androidItems().size() == 4; }));
+
+    const auto value = [&](const QString &label) {
+        const auto *text = window->findChild<ReadOnlyText *>(u"details."_s + label);
+        return text && text->isVisible() ? text->toPlainText() : u"(hidden)"_s;
+    };
+    const auto shows = [&](const QString &label, const QString &text) {
+        const bool isShown = waitFor([&] { return value(label) == text; });
+        EXPECT_TRUE(isShown) << qPrintable(label) << ": " << qPrintable(value(label));
+    };
+    const auto open = [&](BrowserSide side, const QStringList &names) {
+        QList<FileItem> items;
+        for (const FileItem &item : model->pane(side).visibleItems()) {
+            if (names.contains(item.name))
+                items.append(item);
+        }
+        ASSERT_EQ(items.size(), names.size());
+        model->showDetails(side, items);
+        ASSERT_NE(shown<DetailsView>(), nullptr);
+    };
+    const auto close = [&] {
+        key(Qt::Key_Return);
+        ASSERT_TRUE(waitFor([&] { return !window->findChild<DetailsView *>(); }));
+    };
+
+    open(BrowserSide::mac, {longName});
+    shows(u"title"_s, displayText(longName));
+    shows(u"Where"_s, folder);
+    shows(u"Size"_s, u"999 bytes"_s);
+    EXPECT_EQ(value(u"Contents"_s), u"(hidden)");
+    ASSERT_TRUE(waitFor([&] { return value(u"Kind"_s) != u"(hidden)"; }));
+    const auto *title = child<ReadOnlyText>("details.title");
+    EXPECT_GT(title->height(), 2 * QFontMetrics(title->font()).height()) << "it is not shown in full";
+    for (int i = 0; i < 3; ++i) { // Tab reaches the texts, and copies what is selected there
+        key(Qt::Key_Tab);
+        key(Qt::Key_A, Qt::ControlModifier);
+        key(Qt::Key_C, Qt::ControlModifier);
+        const auto *text = qobject_cast<ReadOnlyText *>(QApplication::focusWidget());
+        ASSERT_NE(text, nullptr);
+        EXPECT_EQ(QApplication::clipboard()->text(), text->toPlainText());
+    }
+    QTest::mouseClick(child<QPushButton>("details.copy"), Qt::LeftButton);
+    EXPECT_TRUE(desktop.copied.last().contains(u"\nSize: 999 bytes\nModified: "_s))
+        << desktop.copied.last().toStdString();
+    close();
+
+    open(BrowserSide::mac, {u"sub"_s});
+    shows(u"Contents"_s, u"2 files, 1 folder"_s);
+    shows(u"Size"_s, u"1.2 MB (1,234,572 bytes)"_s);
+    close();
+    open(BrowserSide::mac, {u"link"_s});
+    shows(u"Leads to"_s, u"/nowhere"_s);
+    close();
+    open(BrowserSide::mac, {u"sub"_s, longName, u"link"_s});
+    shows(u"title"_s, u"3 items"_s);
+    shows(u"Selected"_s, u"1 folder, 2 files"_s);
+    shows(u"Contents"_s, u"2 files, 1 folder"_s);
+    close();
+    QFile::remove(folder + u'/' + longName);
+    open(BrowserSide::mac, {longName});
+    EXPECT_TRUE(
+        waitFor([&] { return child<TextLabel>("details.problem")->text() == u"It is no longer there."; }));
+    close();
+
+    open(BrowserSide::android, {u"album"_s, u"z.txt"_s});
+    shows(u"Contents"_s, u"2 files, 1 folder"_s);
+    shows(u"Size"_s, u"3 MB (3,000,000 bytes)"_s);
+    shows(u"Where"_s, u"/sdcard"_s);
+    close();
+    open(BrowserSide::android, {u"z.txt"_s});
+    shows(u"Modified"_s, u"May 1, 2024, 13:02:03"_s);
+    close();
+    for (const BrowserSide side : {BrowserSide::mac, BrowserSide::android}) {
+        open(side, {u"photo.jpg"_s});
+        shows(u"Dimensions"_s, u"30 × 40"_s); // it lies on its side
+        shows(u"Camera"_s, u"Cam"_s);
+        close();
+    }
+    // What takes long is given up with the sheet, and what fails is said.
+    phone.set(u"find.hang"_s, "on");
+    open(BrowserSide::android, {u"album"_s});
+    ASSERT_TRUE(waitFor([&] { return processes::childrenCalled("find") == 1; }));
+    close();
+    EXPECT_TRUE(waitFor([&] { return processes::childrenCalled("find") == 0; }));
+    phone.reset(u"find.hang"_s);
+    const QList<FileItem> gone = model->androidItems();
+    phone.unplug();
+    model->showDetails(BrowserSide::android, gone.first(1));
+    EXPECT_TRUE(waitFor([&] { return !child<TextLabel>("details.problem")->text().isEmpty(); }));
+    EXPECT_EQ(value(u"Contents"_s), u"(hidden)");
 }
 
 /// docs/keyboard.md says the same.

@@ -36,7 +36,7 @@ TEST_F(TransferTests, copiesFromTheBottomUpThreeAtATimeOldBatchesFirst) {
     select(BrowserSide::mac, u"F"_s);
     state->transferMacToAndroid();
     EXPECT_EQ(state->queue().first().name, u"F"_s);
-    EXPECT_EQ(state->queue().first().destinationPath, u"/sdcard/F"_s);
+    EXPECT_EQ(state->queue().first().destinationPath(), u"/sdcard/F"_s);
 
     int mostAtOnce = 0;
     bool sawSpeed = false;
@@ -405,7 +405,7 @@ TEST(TransferQueueTests, keepsOrderCountsAndClaims) {
         QueueItem made;
         made.id = QUuid::createUuid();
         made.name = QString::fromLatin1(name);
-        made.destinationPath = QString::fromLatin1(folder) + u'/' + made.name;
+        made.destinationFolder = QString::fromLatin1(folder);
         made.totalBytes = bytes;
         return made;
     };

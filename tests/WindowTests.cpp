@@ -319,14 +319,14 @@ protected:
         EXPECT_TRUE(waitFor([&] { return window->state().device().isConnected; }));
         TransferRunner &transfers = window->state().transfers();
         QueueItem item;
-        item.name = u"a"_s;
         item.sourcePath = copies == Copies::failed ? u"/sdcard/nothing"_s : u"/sdcard/a"_s;
         item.serial = copies == Copies::waitingForThePhone ? u"another"_s : DemoPhone::serial();
         if (copies == Copies::running || copies == Copies::paused)
             phone.set(u"facts.hang"_s, "on");
         for (const QString &name : {u"a"_s, u"b"_s}) {
             item.id = QUuid::createUuid();
-            item.destinationPath = mac.filePath(name);
+            item.name = name;
+            item.destinationFolder = mac.path();
             if (copies != Copies::none)
                 transfers.enqueue({item});
         }

@@ -4,8 +4,10 @@ vantrel_test(NetworkTests LIBRARIES vantrel_network SOURCES NetworkTests.cpp sup
 vantrel_test(AnalyticsTests LIBRARIES vantrel_analytics SOURCES AnalyticsTests.cpp support/LocalHttpServer.cpp)
 vantrel_test(ADBTests LIBRARIES vantrel_adb demo_phone_fixture SOURCES ADBTextTests.cpp ADBClientTests.cpp)
 vantrel_test(MacFilesTests LIBRARIES vantrel_macfiles SOURCES MacFilesTests.cpp)
+vantrel_gui_test(ThumbnailTests LIBRARIES vantrel_thumbnails vantrel_state demo_phone_fixture SOURCES ThumbnailTests.cpp)
 vantrel_gui_test(KitTests LIBRARIES vantrel_kit SOURCES KitTests.cpp)
-vantrel_test(TransfersTests LIBRARIES vantrel_state demo_phone_fixture SOURCES TransferTests.cpp CopyTests.cpp QueueFileTests.cpp)
+vantrel_test(TransfersTests LIBRARIES vantrel_state demo_phone_fixture SOURCES TransferTests.cpp CopyTests.cpp
+                                                                             ComputerCopyTests.cpp QueueFileTests.cpp)
 vantrel_test(StateTests LIBRARIES vantrel_state demo_phone_fixture
              SOURCES AppStateTests.cpp PaneStateTests.cpp PhoneWatchTests.cpp)
 vantrel_gui_test(ViewsTests LIBRARIES vantrel_views demo_phone_fixture

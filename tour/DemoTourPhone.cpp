@@ -56,6 +56,11 @@ void DemoTourPhone::plug() {
     set("state=device");
 }
 
+bool DemoTourPhone::beInTrouble(const QString &state) {
+    set("state=" + state.toUtf8());
+    return true;
+}
+
 QStringList DemoTourPhone::folder() const {
     return {QStringLiteral("DCIM"), QStringLiteral("Camera")};
 }

@@ -12,6 +12,7 @@ public:
     DemoTourPhone(const QString &resources, QString root);
 
     void plug() override;
+    [[nodiscard]] bool beInTrouble(const QString &state) override;
     [[nodiscard]] QStringList folder() const override;
     [[nodiscard]] QString folderPath() const override;
     [[nodiscard]] QStringList files() const override;

@@ -69,11 +69,20 @@ void Hand::type(const QString &name, const QString &text) const {
 
 void Hand::choose(const QString &title) const {
     click(QStringLiteral("applicationMenu"));
+    chooseShown(title);
+}
+
+QMenu *Hand::shownMenu() const {
     QMenu *menu = nullptr;
     waitUntil(QStringLiteral("the menu"), [&menu] {
         menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
         return menu != nullptr;
     });
+    return menu;
+}
+
+void Hand::chooseShown(const QString &title) const {
+    QMenu *menu = shownMenu();
     for (QAction *action : menu->actions()) {
         if (action->text() == title)
             return clickAt(menu, menu->actionGeometry(action).center(), Click::single);

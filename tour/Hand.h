@@ -8,6 +8,7 @@
 #include <chrono>
 #include <functional>
 
+class QMenu;
 class QWidget;
 
 namespace vantrel {
@@ -34,6 +35,10 @@ public:
     void type(const QString &name, const QString &text) const;
     /// Chooses from the program's menu.
     void choose(const QString &title) const;
+    /// The menu that is open, as soon as one is.
+    [[nodiscard]] QMenu *shownMenu() const;
+    /// Chooses from it.
+    void chooseShown(const QString &title) const;
     /// Presses what the first row of the queue offers, as "Try again".
     void pressFirstAction() const;
     void press(QWidget *control, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const;

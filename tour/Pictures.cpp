@@ -4,7 +4,7 @@
 
 #include "Theme/AppTheme.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QImage>
 #include <QWidget>
@@ -42,6 +42,10 @@ void Pictures::take(QWidget &window, const QString &name) const {
             image.setDevicePixelRatio(density);
             image.fill(Qt::transparent);
             window.render(&image);
+            for (QWidget *popup : QApplication::topLevelWidgets()) {
+                if (popup != &window && popup->isVisible() && popup->windowType() == Qt::Popup)
+                    popup->render(&image, popup->pos() - window.pos());
+            }
             const QString path =
                 QStringLiteral("%1/%2-%3%4.png")
                     .arg(m_folder, name,

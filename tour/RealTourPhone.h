@@ -16,6 +16,7 @@ public:
     [[nodiscard]] static QString firstSerial(const QString &adb);
 
     void plug() override;
+    [[nodiscard]] bool beInTrouble(const QString &) override { return false; }
     [[nodiscard]] QStringList folder() const override;
     [[nodiscard]] QString folderPath() const override;
     [[nodiscard]] QStringList files() const override;

@@ -7,13 +7,19 @@
 #include "Kit/ToolTips.h"
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
+#include "Views/FileDrag.h"
+#include "Views/FileItemsModel.h"
 #include "Views/FileItemsView.h"
+#include "Views/FilePaneView.h"
 #include "Views/QueueListView.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QDragEnterEvent>
 #include <QFile>
 #include <QFileInfo>
 #include <QScrollBar>
+#include <QTest>
 
 #include <algorithm>
 #include <cstdio>
@@ -66,13 +72,17 @@ void Tour::take() {
     connectPhone();
     readToolTip();
     showAbout();
+    showMenuAndKeys();
     selectFiles();
+    showDetails();
+    dragOver();
     watchCopy();
     finishCopies();
     copyToPhone();
     failCopy();
     filter();
     searchEverywhere();
+    showEmptyFolder();
     showGrid();
     goDark();
     fillQueue();
@@ -93,6 +103,21 @@ void Tour::startWithoutPhone() {
     if (state().device().isConnected)
         throw TourError(QStringLiteral("a phone was found before one was plugged in"));
     tell(QStringLiteral("no-phone"), *state().deviceStatusMessage());
+    PhoneTrouble before = state().phones().trouble();
+    for (const char *name :
+         {"unauthorized", "offline", "no permissions (user is not in the group)", "recovery"}) {
+        if (!m_phone.beInTrouble(QLatin1String(name)))
+            return;
+        m_hand.click(QStringLiteral("sidebar.refresh"));
+        m_hand.waitUntil(QLatin1String(name), [&] {
+            return state().phones().trouble() != before && !state().isRefreshingDevice();
+        });
+        before = state().phones().trouble();
+        tell(QStringLiteral("phone-") + QString(QLatin1String(name))
+                                            .section(QLatin1String(" ("), 0, 0)
+                                            .replace(QLatin1Char(' '), QLatin1Char('-')),
+             *state().deviceStatusMessage());
+    }
 }
 
 void Tour::connectPhone() {
@@ -116,10 +141,71 @@ void Tour::readToolTip() {
     tell(QStringLiteral("tool-tip"), ToolTips::text());
 }
 
-void Tour::showAbout() {
-    m_hand.click(QStringLiteral("toolbar.about"));
+void Tour::waitForSheet() {
     const QWidget *card = m_hand.control(QStringLiteral("sheet.card"));
     m_hand.waitUntil(QStringLiteral("the end of its slide"), [&] { return card->y() > 0; });
+}
+
+void Tour::showMenuAndKeys() {
+    m_hand.click(QStringLiteral("applicationMenu"));
+    (void)m_hand.shownMenu();
+    tell(QStringLiteral("menu"), QStringLiteral("the menu is open"));
+    m_hand.chooseShown(QStringLiteral("Keyboard\tF1"));
+    waitForSheet();
+    tell(QStringLiteral("keys"), QStringLiteral("what the keys do"));
+    m_hand.click(QStringLiteral("keyboard.close"));
+}
+
+void Tour::showDetails() {
+    FileItemsView *list = m_hand.entries(android);
+    list->setFocus(Qt::TabFocusReason);
+    m_hand.press(list, Qt::Key_F10, Qt::ShiftModifier);
+    (void)m_hand.shownMenu();
+    tell(QStringLiteral("entry-menu"), QStringLiteral("the menu of an entry is open"));
+    m_hand.chooseShown(QStringLiteral("Details…"));
+    waitForSheet();
+    m_hand.waitUntil(QStringLiteral("the kind or the number"), [this] {
+        const auto isSeen = [this](const char *name) {
+            return m_window.findChild<QWidget *>(QLatin1String(name))->isVisible();
+        };
+        return isSeen("details.Kind") || isSeen("details.Selected");
+    });
+    tell(QStringLiteral("details"), QStringLiteral("the details are open"));
+    m_hand.click(QStringLiteral("details.close"));
+    list->clearFocus();
+}
+
+/// What the pane says while entries of the other one are above it.
+void Tour::dragOver() {
+    auto *pane = m_hand.control(mac)->findChild<FilePaneView *>();
+    const DraggedEntries dragged(BrowserSide::android, state().device().id,
+                                 state().pane(BrowserSide::android).selectedItems());
+    QDragEnterEvent enter(pane->rect().center(), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+    QApplication::sendEvent(pane, &enter);
+    if (!enter.isAccepted())
+        throw TourError(QStringLiteral("what is dragged is not taken"));
+    tell(QStringLiteral("drag"), QStringLiteral("a selection is dragged over the other pane"));
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(pane, &leave);
+}
+
+void Tour::showEmptyFolder() {
+    m_hand.type(QStringLiteral("searchField"), QStringLiteral("nothing is called this"));
+    m_hand.waitUntil(QStringLiteral("no hit"), [this] { return state().displayedAndroidItems().isEmpty(); });
+    const QString name = QStringLiteral("Nothing yet");
+    QDir(QFileInfo(m_folder).path()).mkdir(name);
+    openHere(name);
+    tell(QStringLiteral("empty"), QStringLiteral("nothing found, and an empty folder"));
+    clearSearch();
+    m_hand.click(QStringLiteral("home"), mac);
+    m_hand.waitUntil(QStringLiteral("the home folder"), [this] {
+        return state().macPath() == QFileInfo(m_folder).path() && !state().isLoadingMac();
+    });
+}
+
+void Tour::showAbout() {
+    m_hand.click(QStringLiteral("toolbar.about"));
+    waitForSheet();
     tell(QStringLiteral("about"), QStringLiteral("the About sheet is open"));
     m_hand.click(QStringLiteral("about.close"));
 }
@@ -259,7 +345,14 @@ void Tour::showGrid() {
                m_hand.entries(android)->objectName() == QStringLiteral("fileGrid") &&
                !state().isLoadingAndroid();
     });
-    m_hand.clickEntry(android, m_hand.entries(android)->model()->index(0, 0).data().toString());
+    const QAbstractItemModel *entries = m_hand.entries(android)->model();
+    constexpr int patience = 5000; // milliseconds; a phone's files may have no pictures
+    static_cast<void>(QTest::qWaitFor(
+        [entries] {
+            return !entries->index(1, 0).data(FileItemsModel::pictureRole).value<QImage>().isNull();
+        },
+        patience));
+    m_hand.clickEntry(android, entries->index(0, 0).data().toString());
     tell(QStringLiteral("grid"), state().androidSelectionSummary());
     for (const QString &pane : {android, mac})
         m_hand.click(QStringLiteral("listView"), pane);

@@ -31,13 +31,17 @@ private:
     void connectPhone();
     void readToolTip();
     void showAbout();
+    void showMenuAndKeys();
     void selectFiles();
+    void showDetails();
+    void dragOver();
     void watchCopy();
     void finishCopies();
     void copyToPhone();
     void failCopy();
     void filter();
     void searchEverywhere();
+    void showEmptyFolder();
     void showGrid();
     void goDark();
     void fillQueue();
@@ -57,6 +61,7 @@ private:
 
     void openPhoneFolder(const QStringList &way);
     void clearSearch();
+    void waitForSheet();
     void watchRows();
     void waitForQueue();
     void compare(const QString &phonePath, const QString &path);

@@ -145,8 +145,7 @@ void Tour::interrupt() {
 
 void Tour::askAtClosing() {
     m_hand.click(QStringLiteral("window.close"));
-    const QWidget *card = m_hand.control(QStringLiteral("sheet.card"));
-    m_hand.waitUntil(QStringLiteral("the end of its slide"), [&] { return card->y() > 0; });
+    waitForSheet();
     tell(QStringLiteral("closing"), QStringLiteral("the window asks before it closes"));
     m_hand.click(QStringLiteral("quit.close"));
 }

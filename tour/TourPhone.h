@@ -12,6 +12,8 @@ public:
     virtual ~TourPhone() = default;
 
     virtual void plug() = 0;
+    /// Is there, and yet cannot be used, for a reason that adb calls this; false when this phone can't.
+    [[nodiscard]] virtual bool beInTrouble(const QString &state) = 0;
 
     /// The way to the folder that the tour copies from and to: the title of a shortcut, then the names of
     /// folders.

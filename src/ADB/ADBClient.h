@@ -48,12 +48,15 @@ struct ToolAnswer {
     /// Why it did not succeed, in the tool's words.
     [[nodiscard]] ADBError error() const;
 };
+/// Takes the next piece of what a tool prints, cut anywhere, on the thread that runs it.
+using OutputReader = std::function<void(const QByteArray &bytes)>;
 /// Runs adb with a question that somebody waits for. A tool that is silent for as long as the phone's
-/// patience is killed, and the phone does not answer.
-[[nodiscard]] ADBResult<ToolAnswer> askADB(const QStringList &arguments);
+/// patience is killed, and the phone does not answer. With a reader the output is handed to it while the tool
+/// works, and does not stand in the answer.
+[[nodiscard]] ADBResult<ToolAnswer> askADB(const QStringList &arguments, const OutputReader &read = {});
 /// The same with another patience; a request to stop ends the tool within 0.12 s.
 [[nodiscard]] ADBResult<ToolAnswer> askADB(const QStringList &arguments, std::chrono::milliseconds patience,
-                                           const std::stop_token &stop);
+                                           const std::stop_token &stop, const OutputReader &read = {});
 /// The same as the first for its standard output as text, where anything but success is an error.
 [[nodiscard]] ADBResult<QString> askADBForText(const QStringList &arguments);
 /// How long askADB() bears silence: 15 s unless set. Any thread.
@@ -155,6 +158,21 @@ struct SearchMetadata {
 /// 40 paths, or fewer where they are long.
 [[nodiscard]] QHash<QString, SearchMetadata> fetchSearchMetadata(const QString &serial,
                                                                  const QStringList &paths);
+
+// -- What files begin with (ADBBeginnings.cpp)
+
+/// A file of the phone, and how many of its first bytes are wanted.
+struct FileBeginning {
+    QString path;
+    qint64 length;
+};
+/// The first bytes of every file, in the order and with exactly the lengths that were asked for, whatever the
+/// files have become: zeros stand behind the end of a file, and for one that cannot be read. One run of adb
+/// for all, another when one of them is not as long as was thought, and more where the paths are long; of
+/// more than 32 MB in one run nothing is read. Fails as askADB() does, on a request to stop too, and when the
+/// answer has another length.
+[[nodiscard]] ADBResult<QList<QByteArray>>
+readBeginnings(const QString &serial, const QList<FileBeginning> &files, const std::stop_token &stop);
 
 // -- Copies (ADBTransfer.cpp)
 

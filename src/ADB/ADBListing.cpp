@@ -18,14 +18,16 @@ QString normalizePath(const QString &path) {
 namespace {
 
 /// Asks for a folder's entries; the path's trailing slash makes ls list what a link such as /sdcard leads to.
-ADBResult<ToolAnswer> ls(const QString &serial, const QString &options, const QString &folder) {
+ADBResult<ToolAnswer> ls(const QString &serial, const QString &options, const QString &folder,
+                         ListingReader &reader) {
     return askADB({QStringLiteral("-s"), serial, QStringLiteral("shell"), QStringLiteral("ls"), options,
-                   AndroidPath::quotedForShell(AndroidPath::join(folder, QString()))});
+                   AndroidPath::quotedForShell(AndroidPath::join(folder, QString()))},
+                  [&](const QByteArray &bytes) { reader.read(bytes); });
 }
 
 /// Whether ls is too old for one of its options.
 bool refusesOption(const ToolAnswer &answer) {
-    return !answer.succeeded && answer.output.isEmpty() &&
+    return !answer.succeeded &&
            (answer.errors.contains("nknown option") || answer.errors.contains("nvalid option"));
 }
 
@@ -33,22 +35,23 @@ bool refusesOption(const ToolAnswer &answer) {
 
 ADBResult<Listing> listDirectory(const QString &serial, const QString &path) {
     const QString folder = normalizePath(path);
-    auto answer = ls(serial, QStringLiteral("-lab"), folder);
-    const bool hasExactNames = !answer || !refusesOption(*answer);
-    if (!hasExactNames)
-        answer = ls(serial, QStringLiteral("-la"), folder);
+    ListingReader escaped(folder, ListingReader::Form::escaped);
+    ListingReader plain(folder, ListingReader::Form::plain);
+    auto answer = ls(serial, QStringLiteral("-lab"), folder, escaped);
+    const bool knowsEscapes = !answer || !escaped.isEmpty() || !refusesOption(*answer);
+    if (!knowsEscapes)
+        answer = ls(serial, QStringLiteral("-la"), folder, plain);
     if (!answer)
         return tl::make_unexpected(answer.error());
+    ListingReader &reader = knowsEscapes ? escaped : plain;
     Listing listing;
     if (!answer->succeeded) {
         // An entry that cannot be read makes ls fail at the end of a good listing.
-        listing.unreadableCount = answer->output.isEmpty() ? 0 : countComplaints(answer->errors);
+        listing.unreadableCount = reader.isEmpty() ? 0 : countComplaints(answer->errors);
         if (listing.unreadableCount == 0)
             return tl::make_unexpected(answer->error());
     }
-    const auto [text, isExact] = ToolText::decodeLeniently(answer->output);
-    static_cast<QList<FileItem> &>(listing) =
-        hasExactNames ? parseLSLAB(text, folder, isExact) : parseLSLA(text, folder, isExact);
+    static_cast<QList<FileItem> &>(listing) = reader.take();
     if (listing.size() == largestListing)
         return tl::make_unexpected(
             ADBError::parseFailed(QStringLiteral("The phone lists more than a million entries here.")));

@@ -49,11 +49,12 @@ QStringList resourceDirectories() {
     return directories;
 }
 
-/// Runs a program until it ends, or until it has been silent for as long as it may.
+/// Runs a program until it ends, or until it has been silent for as long as it may. What it prints is handed
+/// to `read` as it comes, if there is one, and else kept.
 ADBResult<ToolAnswer> runToItsEnd(const QString &executable, const QStringList &arguments,
                                   const QProcessEnvironment &environment,
                                   std::optional<std::chrono::milliseconds> longestSilence,
-                                  const std::stop_token &stop = {}) {
+                                  const std::stop_token &stop = {}, const OutputReader &read = {}) {
     constexpr qsizetype largestOutput = 64'000'000;
     ToolRun run(executable, arguments, environment);
     run.stopWith(stop);
@@ -61,21 +62,34 @@ ADBResult<ToolAnswer> runToItsEnd(const QString &executable, const QStringList &
         return tl::make_unexpected(started.error());
 
     ToolAnswer answer;
+    qsizetype received = 0;
     QElapsedTimer silence;
     silence.start();
+    const auto take = [&] {
+        const QByteArray output = run.takeStandardOutput();
+        const QByteArray errors = run.takeStandardError();
+        if (output.isEmpty() && errors.isEmpty())
+            return;
+        silence.start();
+        received += output.size() + errors.size();
+        answer.errors += errors;
+        if (received > largestOutput)
+            return;
+        if (read)
+            read(output);
+        else
+            answer.output += output;
+    };
+    if (read)
+        run.onStandardOutput(take);
     bool isRunning = true;
     while (isRunning) {
         isRunning = run.isRunningAfter(std::chrono::milliseconds(120));
-        const QByteArray output = run.takeStandardOutput();
-        const QByteArray errors = run.takeStandardError();
-        answer.output += output;
-        answer.errors += errors;
-        if (answer.output.size() + answer.errors.size() > largestOutput)
+        take();
+        if (received > largestOutput)
             return tl::make_unexpected(ADBError::executionFailed(
                 QStringLiteral("The phone’s answer was longer than 64 MB and was not read to its end.")));
-        if (!output.isEmpty() || !errors.isEmpty())
-            silence.start();
-        else if (isRunning && longestSilence && silence.hasExpired(longestSilence->count()))
+        if (isRunning && longestSilence && silence.hasExpired(longestSilence->count()))
             return tl::make_unexpected(ADBError::noAnswer()); // the run takes its process with it
     }
     if (run.wasStopped())
@@ -143,16 +157,16 @@ ADBResult<QString> runADB(const QStringList &arguments) {
     return runProcess(*tool, arguments, augmentedEnvironment());
 }
 
-ADBResult<ToolAnswer> askADB(const QStringList &arguments) {
-    return askADB(arguments, patience(), {});
+ADBResult<ToolAnswer> askADB(const QStringList &arguments, const OutputReader &read) {
+    return askADB(arguments, patience(), {}, read);
 }
 
 ADBResult<ToolAnswer> askADB(const QStringList &arguments, std::chrono::milliseconds patience,
-                             const std::stop_token &stop) {
+                             const std::stop_token &stop, const OutputReader &read) {
     const auto tool = resolveADBPath();
     if (!tool)
         return tl::make_unexpected(ADBError::adbNotFound());
-    return runToItsEnd(*tool, arguments, augmentedEnvironment(), patience, stop);
+    return runToItsEnd(*tool, arguments, augmentedEnvironment(), patience, stop, read);
 }
 
 ADBResult<QString> askADBForText(const QStringList &arguments) {

@@ -2,10 +2,7 @@
 
 #include "ADB/AndroidPath.h"
 #include "ADB/ToolText.h"
-#include "Records/FileOrder.h"
 #include "Records/Identity.h"
-
-#include <QHash>
 
 namespace vantrel::ADBClient {
 
@@ -21,38 +18,6 @@ int digits(QStringView text, qsizetype position, int count) {
     }
     return number;
 }
-
-/// Reads "yyyy-MM-dd" and "HH:mm" in the computer's time zone. By hand, since QDateTime::fromString
-/// interprets its pattern anew for each of 100,000 lines; and the time zone is asked once for each day on
-/// which its offset stays the same, since that question costs more than all the rest of a line.
-class TimeReader {
-public:
-    std::optional<QDateTime> read(QStringView date, QStringView time) {
-        if (date.size() != 10 || date[4] != u'-' || date[7] != u'-' || time.size() != 5 || time[2] != u':')
-            return std::nullopt;
-        const QDate day(digits(date, 0, 4), digits(date, 5, 2), digits(date, 8, 2));
-        const QTime minute(digits(time, 0, 2), digits(time, 3, 2));
-        if (!day.isValid() || !minute.isValid())
-            return std::nullopt;
-        const std::optional<int> offset = offsetOfDay(day);
-        return offset ? QDateTime(day, minute, Qt::UTC).addSecs(-*offset) : QDateTime(day, minute).toUTC();
-    }
-
-private:
-    /// Seconds east of UTC; nothing for a day on which the clock is changed.
-    std::optional<int> offsetOfDay(QDate day) {
-        const auto known = m_offsets.constFind(day);
-        if (known != m_offsets.constEnd())
-            return *known;
-        const int first = QDateTime(day, QTime(0, 0)).offsetFromUtc();
-        const int last = QDateTime(day, QTime(23, 59, 59)).offsetFromUtc();
-        const auto offset = first == last ? std::optional(first) : std::nullopt;
-        m_offsets.insert(day, offset);
-        return offset;
-    }
-
-    QHash<QDate, std::optional<int>> m_offsets;
-};
 
 QString joinedFrom(const ToolText::Fields &fields, qsizetype first) {
     QString joined = fields[first].toString();
@@ -159,33 +124,6 @@ bool isUnreadable(QStringView line) {
     return line.size() > 1 && line[1] == u'?';
 }
 
-/// Makes the rows of one listing.
-class Rows {
-public:
-    Rows(const QString &parentPath, bool isTextExact)
-        : m_parentPath(parentPath), m_isTextExact(isTextExact) {}
-
-    void append(const LSEntry &entry, const QString &name) {
-        if (isHidden(name) || !AndroidPath::isSafeName(name))
-            return;
-        const bool isExact =
-            entry.isNameExact && (m_isTextExact || !name.contains(QChar(QChar::ReplacementCharacter)));
-        m_items.append({newIdentity(), name, AndroidPath::join(m_parentPath, name), entry.isDirectory,
-                        entry.size, std::nullopt, m_times.read(entry.date, entry.time), isExact});
-    }
-    [[nodiscard]] bool isFull() const { return m_items.size() == largestListing; }
-    [[nodiscard]] QList<FileItem> inOrder() {
-        sortInFileOrder(m_items);
-        return std::move(m_items);
-    }
-
-private:
-    const QString &m_parentPath;
-    const bool m_isTextExact;
-    QList<FileItem> m_items;
-    TimeReader m_times;
-};
-
 } // namespace
 
 std::optional<LSEntry> parseLSLALine(QStringView line) {
@@ -241,30 +179,105 @@ std::optional<LSEntry> parseLSLABLine(QStringView line) {
     return entry;
 }
 
-QList<FileItem> parseLSLA(const QString &text, const QString &parentPath, bool isTextExact) {
-    Rows rows(parentPath, isTextExact);
+ListingReader::ListingReader(QString parentPath, Form form)
+    : m_parentPath(std::move(parentPath)), m_form(form) {}
+
+void ListingReader::read(const QByteArray &bytes) {
+    m_isEmpty = m_isEmpty && bytes.isEmpty();
+    const qsizetype end = bytes.lastIndexOf('\n') + 1;
+    if (end > 0) {
+        readLines(m_rest + bytes.left(end));
+        m_rest.clear();
+    }
+    m_rest += bytes.mid(end);
+}
+
+QList<FileItem> ListingReader::take() {
+    readLines(m_rest);
+    return m_entries.take();
+}
+
+void ListingReader::readLines(const QByteArray &bytes) {
+    const auto [text, isExact] = ToolText::decodeLeniently(bytes);
+    if (!isExact && bytes.contains('\n')) { // in which line, only each by itself tells
+        for (const QByteArray &line : bytes.split('\n'))
+            readLines(line);
+        return;
+    }
+    if (m_form == Form::escaped) {
+        for (const QStringView line : QStringView(text).tokenize(u'\n', Qt::SkipEmptyParts)) {
+            if (const auto entry = parseLSLABLine(line))
+                append(*entry, entry->name, isExact);
+        }
+        return;
+    }
     for (const QStringView raw : ToolText::lines(text)) {
-        if (rows.isFull())
-            break;
         const QStringView line = ToolText::blankTrimmed(raw);
         if (line.isEmpty() || line.startsWith(u"total "))
             continue;
         const auto entry = parseLSLALine(line);
         if (entry && !isHidden(entry->name))
-            rows.append(*entry, displayName(entry->name)); // of "-> .name" only ".name" is left
+            append(*entry, displayName(entry->name), isExact); // of "-> .name" only ".name" is left
     }
-    return rows.inOrder();
 }
 
-QList<FileItem> parseLSLAB(const QString &text, const QString &parentPath, bool isTextExact) {
-    Rows rows(parentPath, isTextExact);
-    for (const QStringView line : QStringView(text).tokenize(u'\n', Qt::SkipEmptyParts)) {
-        if (rows.isFull())
-            break;
-        if (const auto entry = parseLSLABLine(line))
-            rows.append(*entry, entry->name);
-    }
-    return rows.inOrder();
+void ListingReader::append(const LSEntry &entry, const QString &name, bool isTextExact) {
+    if (m_entries.size() == largestListing || isHidden(name) || !AndroidPath::isSafeName(name))
+        return;
+    // U+FFFD is taken for what it says only where it is what the phone has printed.
+    const bool isExact =
+        entry.isNameExact && (isTextExact || !name.contains(QChar(QChar::ReplacementCharacter)));
+    m_entries.add({newIdentity(), name, AndroidPath::join(m_parentPath, name), entry.isDirectory, entry.size,
+                   std::nullopt, timeOf(entry.date, entry.time), isExact});
+}
+
+/// Reads "yyyy-MM-dd" and "HH:mm" in the computer's time zone. By hand, since QDateTime::fromString
+/// interprets its pattern anew for each of 100,000 lines; and the time zone is asked once for each day on
+/// which its offset stays the same, since that question costs more than all the rest of a line.
+std::optional<QDateTime> ListingReader::timeOf(QStringView date, QStringView time) {
+    if (date.size() != 10 || date[4] != u'-' || date[7] != u'-' || time.size() != 5 || time[2] != u':')
+        return std::nullopt;
+    const QDate day(digits(date, 0, 4), digits(date, 5, 2), digits(date, 8, 2));
+    const QTime minute(digits(time, 0, 2), digits(time, 3, 2));
+    if (!day.isValid() || !minute.isValid())
+        return std::nullopt;
+    const std::optional<int> offset = offsetOfDay(day);
+    if (!offset)
+        return QDateTime(day, minute).toUTC();
+    constexpr qint64 dayMilliseconds = 86'400'000;
+    const qint64 days = day.toJulianDay() - QDate(1970, 1, 1).toJulianDay();
+    return QDateTime::fromMSecsSinceEpoch(
+        days * dayMilliseconds + minute.msecsSinceStartOfDay() - qint64(*offset) * 1000, Qt::UTC);
+}
+
+/// Seconds east of UTC; nothing for a day on which the clock is changed.
+std::optional<int> ListingReader::offsetOfDay(QDate day) {
+    const auto known = m_offsets.constFind(day);
+    if (known != m_offsets.constEnd())
+        return *known;
+    const int first = QDateTime(day, QTime(0, 0)).offsetFromUtc();
+    const int last = QDateTime(day, QTime(23, 59, 59)).offsetFromUtc();
+    const auto offset = first == last ? std::optional(first) : std::nullopt;
+    m_offsets.insert(day, offset);
+    return offset;
+}
+
+namespace {
+
+QList<FileItem> parse(const QString &text, const QString &parentPath, ListingReader::Form form) {
+    ListingReader reader(parentPath, form);
+    reader.read(text.toUtf8());
+    return reader.take();
+}
+
+} // namespace
+
+QList<FileItem> parseLSLA(const QString &text, const QString &parentPath) {
+    return parse(text, parentPath, ListingReader::Form::plain);
+}
+
+QList<FileItem> parseLSLAB(const QString &text, const QString &parentPath) {
+    return parse(text, parentPath, ListingReader::Form::escaped);
 }
 
 qsizetype countComplaints(const QByteArray &standardError) {

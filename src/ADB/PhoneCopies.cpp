@@ -14,6 +14,8 @@
 #include <QMap>
 
 #include <algorithm>
+#include <filesystem>
+#include <limits>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -136,6 +138,26 @@ QProcessEnvironment terminalEnvironment() {
     return environment;
 }
 
+QString sourceChanged() {
+    return QStringLiteral("It was changed while it was copied.");
+}
+
+/// What a file holds, or all files right in a folder.
+qint64 bytesAt(const QString &path) {
+    std::error_code ignored;
+    const std::filesystem::path native = QFile::encodeName(path).toStdString();
+    if (!std::filesystem::is_directory(native, ignored))
+        return QFileInfo(path).size();
+    qint64 bytes = 0;
+    for (std::filesystem::directory_iterator entry(native, ignored), end; entry != end && !ignored;
+         entry.increment(ignored)) {
+        std::error_code gone;
+        if (const auto size = entry->file_size(gone); !gone)
+            bytes += static_cast<qint64>(size);
+    }
+    return bytes;
+}
+
 bool isGone(const QString &serial) {
     const auto serials = listDeviceSerials();
     return serials && !serials->contains(serial); // what cannot be asked is not known to be gone
@@ -223,7 +245,8 @@ ADBResult<void> makeFolders(const QString &serial, const QStringList &paths, con
 }
 
 ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<PhoneMove> &moves,
-                                             const QString &stagingFolder, const std::stop_token &stop) {
+                                             const QString &stagingFolder, AfterMoves after,
+                                             const std::stop_token &stop) {
     // Files that keep their names go into their folder with one command, since each costs a process.
     QMap<QString, QStringList> byFolder;
     QStringList commands;
@@ -246,6 +269,8 @@ ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<
     // What is still there afterwards was not moved. Asked for with the last line, since a run of adb costs
     // the time of many renames.
     commands.append(treeQuestion(stagingFolder));
+    if (after == AfterMoves::removeStaging)
+        commands.last() += QStringLiteral("; rm -rf ") + quoted(stagingFolder);
     QString complaints;
     QByteArray listing;
     if (const auto moved = forEachLine(commands,
@@ -285,21 +310,29 @@ ADBResult<QHash<QString, QString>> moveFiles(const QString &serial, const QList<
     return unmoved;
 }
 
-ADBResult<void> removeFolder(const QString &serial, const QString &path) {
-    const auto answer = runShell(serial, QStringLiteral("rm -rf ") + quoted(path), {});
-    if (!answer)
-        return tl::make_unexpected(answer.error());
-    return {};
+ADBResult<void> removeOwn(const QString &serial, const QStringList &paths) {
+    return forEachLine(quotedAll(paths), [&](const QStringList &words) -> ADBResult<void> {
+        const auto answer = runShell(serial, QStringLiteral("rm -rf ") + words.join(QLatin1Char(' ')), {});
+        if (!answer)
+            return tl::make_unexpected(answer.error());
+        return {};
+    });
 }
 
 ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &serial,
-                                 const QStringList &sources, const QString &folder, BatchDetail detail,
-                                 const std::stop_token &stop, const BatchProgress &onProgress) {
+                                 const QStringList &sources, const QString &folder, qint64 expectedBytes,
+                                 BatchDetail detail, const std::stop_token &stop,
+                                 const BatchProgress &onProgress) {
+    constexpr qint64 mostGrowth = 64'000'000; // a video that is being recorded
+    const bool isPull = direction == TransferDirection::androidToMac;
+    const qint64 mostBytes = expectedBytes > std::numeric_limits<qint64>::max() - mostGrowth
+                                 ? std::numeric_limits<qint64>::max()
+                                 : expectedBytes + mostGrowth;
     const auto tool = resolveADBPath();
     if (!tool)
         return tl::make_unexpected(ADBError::adbNotFound());
     QStringList arguments{QStringLiteral("-s"), serial};
-    if (direction == TransferDirection::androidToMac)
+    if (isPull)
         arguments += {QStringLiteral("pull"), QStringLiteral("-a")};
     else
         arguments += QStringLiteral("push");
@@ -323,8 +356,12 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
     if (terminal)
         terminal->startReading(read);
     bool isRunning = true;
+    bool isTooMuch = false;
     while (isRunning) {
         isRunning = run.isRunningAfter(waitStep);
+        isTooMuch = isTooMuch || (isRunning && isPull && bytesAt(folder) > mostBytes);
+        if (isTooMuch)
+            run.kill();
         if (!terminal)
             read(run.takeStandardOutput());
         constexpr qsizetype kept = 65'536;
@@ -336,6 +373,8 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
 
     if (run.wasStopped())
         return tl::make_unexpected(failure(QStringLiteral("The copy was stopped.")));
+    if (isTooMuch)
+        return output.errors() + QStringList{sourceChanged()};
     if (run.succeeded())
         return output.errors();
     if (isGone(serial))
@@ -355,16 +394,25 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
 
 namespace {
 
-/// Runs `adb shell LINE` whose streams the caller has tied to files.
-ADBResult<void> runStream(ToolRun &run, const QString &serial, const std::function<void()> &onWait) {
+/// Runs `adb shell LINE` whose streams the caller has tied to files. `reached` tells how far it has come, of
+/// the bytes that it is to carry: what goes beyond is ended.
+ADBResult<void> runStream(ToolRun &run, const QString &serial, qint64 sizeBytes,
+                          const std::function<qint64()> &reached, const BytesProgress &onProgress) {
     if (const auto started = run.start(); !started)
         return tl::make_unexpected(started.error());
     QByteArray errors;
+    qint64 before = -1;
     while (run.isRunningAfter(waitStep)) {
         constexpr qsizetype kept = 65'536;
         errors += run.takeStandardError();
         errors = errors.right(kept);
-        onWait();
+        const qint64 now = reached();
+        if (now > sizeBytes) {
+            run.kill();
+            return tl::make_unexpected(failure(sourceChanged()));
+        }
+        if (now != std::exchange(before, now))
+            onProgress(now);
     }
     errors += run.takeStandardError();
     if (run.wasStopped())
@@ -384,8 +432,9 @@ QStringList shellArguments(const QString &serial, const QString &line) {
 
 } // namespace
 
-ADBResult<void> continuePull(const QString &serial, const QString &source, const QString &localPath,
-                             const std::stop_token &stop, const BytesProgress &onProgress) {
+ADBResult<void> continuePull(const QString &serial, const QString &source, qint64 sizeBytes,
+                             const QString &localPath, const std::stop_token &stop,
+                             const BytesProgress &onProgress) {
     const auto tool = resolveADBPath();
     if (!tool)
         return tl::make_unexpected(ADBError::adbNotFound());
@@ -396,13 +445,11 @@ ADBResult<void> continuePull(const QString &serial, const QString &source, const
                 augmentedEnvironment());
     run.appendTo(localPath);
     run.stopWith(stop);
-    return runStream(run, serial, [&, reached = qint64(-1)]() mutable {
-        if (const qint64 now = QFileInfo(localPath).size(); now != std::exchange(reached, now))
-            onProgress(now);
-    });
+    return runStream(
+        run, serial, sizeBytes, [&] { return QFileInfo(localPath).size(); }, onProgress);
 }
 
-ADBResult<void> continuePush(const QString &serial, const QString &localPath, qint64 from,
+ADBResult<void> continuePush(const QString &serial, const QString &localPath, qint64 sizeBytes, qint64 from,
                              const QString &path, const std::stop_token &stop,
                              const BytesProgress &onProgress) {
     const auto tool = resolveADBPath();
@@ -416,10 +463,8 @@ ADBResult<void> continuePush(const QString &serial, const QString &localPath, qi
                 augmentedEnvironment());
     run.readFrom(file.handle());
     run.stopWith(stop);
-    return runStream(run, serial, [&, reached = qint64(-1)]() mutable {
-        if (const qint64 now = ::lseek(file.handle(), 0, SEEK_CUR); now != std::exchange(reached, now))
-            onProgress(now);
-    });
+    return runStream(
+        run, serial, sizeBytes, [&] { return qint64(::lseek(file.handle(), 0, SEEK_CUR)); }, onProgress);
 }
 
 ADBResult<void> setModified(const QString &serial, const QString &path, qint64 modified,

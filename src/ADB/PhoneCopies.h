@@ -44,14 +44,15 @@ struct PhoneMove {
 };
 /// Moves files within one volume, none over anything that is there: `mv -n`, which looks right before it
 /// renames. Gives what did not move: source to the phone's complaint, which is empty where the name was
-/// taken.
+/// taken. Afterwards the staging folder may go, with what did not move.
+enum class AfterMoves { keepStaging, removeStaging };
 [[nodiscard]] ADBResult<QHash<QString, QString>> moveFiles(const QString &serial,
                                                            const QList<PhoneMove> &moves,
-                                                           const QString &stagingFolder,
+                                                           const QString &stagingFolder, AfterMoves after,
                                                            const std::stop_token &stop);
-/// Removes a folder that the program made, with everything in it. Its last component must bear the program's
-/// mark, which the caller has checked.
-ADBResult<void> removeFolder(const QString &serial, const QString &path);
+/// Removes what the program made: folders with everything in them, or files. Each path must hold the
+/// program's mark, which the caller has checked.
+ADBResult<void> removeOwn(const QString &serial, const QStringList &paths);
 
 /// How far a batch has come: so many files have ended, the next is through by this fraction. Called on a
 /// background thread whenever something has come, though both may be as before.
@@ -62,22 +63,26 @@ enum class BatchDetail { percent, file };
 /// One adb push or pull of several files into a folder that is there. A file that fails does not end the
 /// batch. Gives adb's error lines: what arrived is for the caller to look at. An error when adb could not be
 /// run to its end, when it was stopped, or when the phone left.
+///
+/// `expectedBytes` is what all sources have together. A phone that sends more than 64 MB beyond that has made
+/// it up: adb is ended, and the lines say so.
 [[nodiscard]] ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &serial,
                                                const QStringList &sources, const QString &folder,
-                                               BatchDetail detail, const std::stop_token &stop,
-                                               const BatchProgress &onProgress);
+                                               qint64 expectedBytes, BatchDetail detail,
+                                               const std::stop_token &stop, const BatchProgress &onProgress);
 
 /// Called on the thread that copies, with all bytes that are through.
 using BytesProgress = std::function<void(qint64 bytes)>;
 /// Appends to a file of this computer what a phone's file holds behind the bytes that are in it already. An
-/// error as of copyFiles, or the phone's own reason; what has come stays.
-[[nodiscard]] ADBResult<void> continuePull(const QString &serial, const QString &source,
+/// error as of copyFiles, or the phone's own reason; what has come stays. The source has `sizeBytes`: where
+/// more comes, that fails within 0.12 s, since it was changed meanwhile.
+[[nodiscard]] ADBResult<void> continuePull(const QString &serial, const QString &source, qint64 sizeBytes,
                                            const QString &localPath, const std::stop_token &stop,
                                            const BytesProgress &onProgress);
 /// The same from a file of this computer to one of the phone, which holds the first `from` bytes of it, and
 /// is made where it is missing.
-[[nodiscard]] ADBResult<void> continuePush(const QString &serial, const QString &localPath, qint64 from,
-                                           const QString &path, const std::stop_token &stop,
+[[nodiscard]] ADBResult<void> continuePush(const QString &serial, const QString &localPath, qint64 sizeBytes,
+                                           qint64 from, const QString &path, const std::stop_token &stop,
                                            const BytesProgress &onProgress);
 /// Sets a file's time, in seconds since 1970.
 [[nodiscard]] ADBResult<void> setModified(const QString &serial, const QString &path, qint64 modified,

@@ -68,6 +68,10 @@ void ToolRun::appendTo(const QString &path) {
     m_process.setStandardOutputFile(path, QIODevice::Append);
 }
 
+void ToolRun::onStandardOutput(const std::function<void()> &handler) {
+    QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process, handler);
+}
+
 void ToolRun::onStandardError(const std::function<void()> &handler) {
     QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process, handler);
 }

@@ -34,7 +34,8 @@ public:
     /// Standard output is appended to a file. To be called before start().
     void appendTo(const QString &path);
 
-    /// Called, while the run waits, whenever something has come on standard error. To be set before waiting.
+    /// Called, while the run waits, whenever something has come on that stream. To be set before waiting.
+    void onStandardOutput(const std::function<void()> &handler);
     void onStandardError(const std::function<void()> &handler);
 
     /// Ends the child within 0.12 s of a request to stop, as stopAll() does. To be called before waiting.

@@ -78,6 +78,33 @@ void paintScrollBar(QPainter &painter, const QStyleOptionSlider &bar) {
     painter.restore();
 }
 
+// -- Sliders
+
+constexpr int sliderHandle = 12;
+
+QRect handleOf(const QStyleOptionSlider &slider) {
+    const int place = QStyle::sliderPositionFromValue(slider.minimum, slider.maximum, slider.sliderPosition,
+                                                      slider.rect.width() - sliderHandle, slider.upsideDown);
+    return {slider.rect.left() + place, slider.rect.top() + (slider.rect.height() - sliderHandle) / 2,
+            sliderHandle, sliderHandle};
+}
+
+/// Lying ones, which are all that there are.
+void paintSlider(QPainter &painter, const QStyleOptionSlider &slider) {
+    constexpr double thickness = 3;
+    const QRectF handle = handleOf(slider);
+    const QRectF groove(slider.rect.left() + 1, handle.center().y() - thickness / 2, slider.rect.width() - 2,
+                        thickness);
+    const double done = (handle.center().x() - groove.left()) / groove.width();
+    paintProgress(painter, groove, slider.upsideDown ? 1 - done : done, AppTheme::inkTertiary(),
+                  AppTheme::strokeStrong());
+    const bool isHeld = slider.state & QStyle::State_Sunken;
+    paintCard(painter, handle, sliderHandle / 2.0, AppTheme::surface(),
+              isHeld ? AppTheme::accent() : AppTheme::inkTertiary(), 1.5);
+    if (slider.state & QStyle::State_HasFocus && slider.state & QStyle::State_KeyboardFocusChange)
+        paintFocusRing(painter, slider.rect, 6);
+}
+
 // -- Progress
 
 void paintSpokes(QPainter &painter, const QRectF &rect, int step) {
@@ -343,6 +370,8 @@ void AppStyle::drawComplexControl(ComplexControl control, const QStyleOptionComp
     const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
     if (control == CC_ScrollBar && bar)
         paintScrollBar(*painter, *bar);
+    else if (control == CC_Slider && bar)
+        paintSlider(*painter, *bar);
     else
         QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
@@ -353,6 +382,8 @@ QRect AppStyle::subControlRect(ComplexControl control, const QStyleOptionComplex
     const auto *button = qobject_cast<const QComboBox *>(widget);
     if (control == CC_ComboBox && part == SC_ComboBoxListBoxPopup && button)
         return popUpListRect(QProxyStyle::subControlRect(control, option, part, widget), *button);
+    if (control == CC_Slider && bar)
+        return part == SC_SliderHandle ? handleOf(*bar) : bar->rect;
     if (control != CC_ScrollBar || !bar)
         return QProxyStyle::subControlRect(control, option, part, widget);
     const ScrollBarParts parts(*bar);
@@ -391,6 +422,8 @@ int AppStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const 
     case PM_ScrollBarExtent:
     case PM_ScrollView_ScrollBarOverlap:
         return scrollBarWidth;
+    case PM_SliderLength:
+        return sliderHandle;
     case PM_ScrollBarSliderMin:
         return shortestThumb;
     case PM_ScrollView_ScrollBarSpacing:
@@ -407,6 +440,8 @@ int AppStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidge
         return static_cast<int>(m_toolTipDelay.count());
     case SH_Widget_Animation_Duration:
         return reducedMotion ? 0 : animationDuration;
+    case SH_Slider_AbsoluteSetButtons: // a click sets it there
+        return Qt::LeftButton;
     case SH_ScrollBar_ContextMenu:
         return 0;
     default:

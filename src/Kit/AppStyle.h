@@ -15,6 +15,7 @@ namespace vantrel {
 /// - a progress bar is a capsule filled from where lines begin, one without a known end (a range of nothing)
 /// a circle
 ///   of spokes;
+/// - a slider is a thin line with a round handle, which goes where the line is clicked;
 /// - menus and pop-ups are cards of rows, with a tick beside what is chosen, round where the desktop blends
 ///   windows; a text field is a card whose line tells that it has the keyboard;
 /// - a push button is a small card with its title, in the accent colour if it is the dialog's default; a flat

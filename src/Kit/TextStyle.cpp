@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QStyle>
 #include <QTextLayout>
 #include <QWidget>
@@ -92,6 +93,13 @@ bool breaksLine(QChar character) {
     return (code >= '\n' && code <= '\r') || code == 0x85 || code == 0x2028 || code == 0x2029;
 }
 
+/// The text as it is laid out: Inter draws "->", "<=" and the "x" of "3x4" as the arrows and signs that they
+/// resemble, and then two names look the same. A character without width between them keeps them apart.
+QString laidOutText(const QString &text) {
+    static const QRegularExpression joined(QStringLiteral("[-<>=](?=[-<>=])|\\d(?=x\\d)|x(?=\\d)"));
+    return displayText(text).replace(joined, QStringLiteral("\\0\u200c"));
+}
+
 /// One line from left to right whatever its first letter: an extension stays at the end of the name.
 QTextLine layOutLine(QTextLayout &layout) {
     QTextOption option;
@@ -164,7 +172,7 @@ int TextStyle::lineHeight() const {
 }
 
 double TextStyle::width(const QString &text) const {
-    return QFontMetricsF(layoutFont(*this)).horizontalAdvance(displayText(text)) / enlargement(*this);
+    return QFontMetricsF(layoutFont(*this)).horizontalAdvance(laidOutText(text)) / enlargement(*this);
 }
 
 QString displayText(const QString &text) {
@@ -186,11 +194,11 @@ QString displayText(const QString &text) {
 }
 
 QString elidedText(const QString &text, const TextStyle &style, double width, Elision elision) {
-    return elided(displayText(text), layoutFont(style), width * enlargement(style), elision);
+    return elided(laidOutText(text), layoutFont(style), width * enlargement(style), elision);
 }
 
 QStringList wrappedLines(const QString &text, const TextStyle &style, double width, int maximumLines) {
-    const QString shown = displayText(text);
+    const QString shown = laidOutText(text);
     const QFont font = layoutFont(style);
     const double available = width * enlargement(style);
     QTextLayout layout(shown, font);
@@ -218,7 +226,7 @@ void paintText(QPainter &painter, const QRectF &rect, const QString &text, const
                const QColor &color, Qt::Alignment alignment, Elision elision) {
     const double enlarged = enlargement(style);
     const QSizeF room = rect.size() * enlarged;
-    QTextLayout layout(displayText(text), layoutFont(style));
+    QTextLayout layout(laidOutText(text), layoutFont(style));
     QTextLine line = layOutLine(layout);
     if (line.naturalTextWidth() > room.width()) {
         layout.setText(elided(layout.text(), layout.font(), room.width(), elision));

@@ -1,11 +1,9 @@
 #include "Records/FileOrder.h"
 
-#include <QCollator>
-
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <vector>
+#include <numeric>
 
 namespace vantrel {
 
@@ -69,30 +67,43 @@ std::optional<FileOrder> fileOrderFromRawValue(const QString &text) {
     return FileOrder{*key, *direction};
 }
 
-void sortInFileOrder(QList<FileItem> &items) {
-    struct Entry {
-        QCollatorSortKey key;
-        qsizetype index;
-        bool isDirectory;
-    };
-    const QCollator collator = fileNameCollator();
-    std::vector<Entry> order;
-    order.reserve(static_cast<size_t>(items.size()));
-    for (qsizetype i = 0; i < items.size(); ++i)
-        order.push_back({collator.sortKey(items.at(i).name), i, items.at(i).isDirectory});
+FileSorter::FileSorter() : m_collator(fileNameCollator()) {}
 
-    std::sort(order.begin(), order.end(), [](const Entry &a, const Entry &b) {
-        if (a.isDirectory != b.isDirectory)
-            return a.isDirectory;
-        const int byName = a.key.compare(b.key);
-        return byName != 0 ? byName < 0 : a.index < b.index;
-    });
+void FileSorter::add(FileItem item) {
+    auto &[rows, keys] = item.isDirectory ? m_folders : m_files;
+    if (keys.empty() && !rows.empty() && m_collator.compare(m_items.at(rows.back()).name, item.name) > 0) {
+        for (const qsizetype row : rows)
+            keys.push_back(m_collator.sortKey(m_items.at(row).name));
+    }
+    if (!keys.empty())
+        keys.push_back(m_collator.sortKey(item.name));
+    rows.push_back(m_items.size());
+    m_items.append(std::move(item));
+}
 
+QList<FileItem> FileSorter::take() {
     QList<FileItem> sorted;
-    sorted.reserve(items.size());
-    for (const Entry &entry : order)
-        sorted.append(std::move(items[entry.index]));
-    items = std::move(sorted);
+    sorted.reserve(m_items.size());
+    for (const Kind *kind : {&m_folders, &m_files}) {
+        const auto &[rows, keys] = *kind;
+        std::vector<size_t> order(rows.size());
+        std::iota(order.begin(), order.end(), 0);
+        if (!keys.empty())
+            std::sort(order.begin(), order.end(), [&keys = keys](size_t a, size_t b) {
+                const int byName = keys[a].compare(keys[b]);
+                return byName != 0 ? byName < 0 : a < b;
+            });
+        for (const size_t position : order)
+            sorted.append(std::move(m_items[rows[position]]));
+    }
+    return sorted;
+}
+
+void sortInFileOrder(QList<FileItem> &items) {
+    FileSorter sorter;
+    for (FileItem &item : items)
+        sorter.add(std::move(item));
+    items = sorter.take();
 }
 
 QList<FileItem> inOrder(const QList<FileItem> &byName, FileOrder order) {

@@ -13,6 +13,11 @@ const QueueItemStatus::Progress *QueueItemStatus::progress() const {
     return as<Paused>();
 }
 
+QString QueueItem::destinationPath() const {
+    const bool isRoot = destinationFolder.endsWith(QLatin1Char('/'));
+    return destinationFolder % (isRoot ? QString() : QStringLiteral("/")) % name;
+}
+
 QString QueueItem::progressLabel() const {
     if (const auto *progress = status.progress()) {
         if (progress->isVerifying && status.is<QueueItemStatus::Transferring>())

@@ -9,8 +9,14 @@
 
 namespace vantrel {
 
-/// Which way a copy goes: a pull from the phone or a push to it.
-enum class TransferDirection { androidToMac, macToAndroid };
+/// Which way a copy goes: a pull from the phone, a push to it, or from one folder of this computer into
+/// another.
+enum class TransferDirection { androidToMac, macToAndroid, withinMac };
+
+/// Whether a phone takes part.
+[[nodiscard]] constexpr bool needsPhone(TransferDirection direction) {
+    return direction != TransferDirection::withinMac;
+}
 
 /// The state of one queued copy.
 class QueueItemStatus {
@@ -88,17 +94,20 @@ enum class WhenTaken {
 /// One entry of the transfer queue. Only the status and what the user decides change after the entry was
 /// made.
 struct QueueItem {
-    QUuid id;                 ///< fresh random identity
-    QString name;             ///< the source entry's name
-    bool isDirectory = false; ///< a whole folder is copied
-    QString sourcePath;       ///< full path of the source, on the phone for a pull
-    QString destinationPath;  ///< full path that the copy will have on the other side
+    QUuid id;                  ///< fresh random identity
+    QString name;              ///< the source entry's name
+    bool isDirectory = false;  ///< a whole folder is copied
+    QString sourcePath;        ///< full path of the source, on the phone for a pull
+    QString destinationFolder; ///< full path of the folder that the copy goes into, under the same name
     TransferDirection direction = TransferDirection::androidToMac;
     QueueItemStatus status; ///< starts as waiting
     qint64 totalBytes = 0;  ///< expected bytes; 0 when the source's size is unknown
-    QString serial = {};    ///< of the phone that it was queued for, and of no other
+    QString serial =
+        {}; ///< of the phone that it was queued for, and of no other; empty where none takes part
     WhenTaken whenTaken = WhenTaken::ask;
 
+    /// The full path that the copy will have on the other side.
+    [[nodiscard]] QString destinationPath() const;
     /// The byte progress or the state in words.
     [[nodiscard]] QString progressLabel() const;
     /// What is missing and why, one file to a line, or empty; at most as many lines as a tool tip takes.

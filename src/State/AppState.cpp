@@ -103,7 +103,7 @@ bool AppState::transfer(TransferDirection direction, const QList<FileItem> &item
                             item.name,
                             item.isDirectory,
                             item.path,
-                            AndroidPath::join(folder, item.name),
+                            folder,
                             direction,
                             {},
                             item.sizeBytes.value_or(0),
@@ -123,12 +123,13 @@ bool AppState::transfer(TransferDirection direction, const QList<FileItem> &item
     return !entries.isEmpty();
 }
 
-QCoro::Task<> AppState::transferToAndroid(QStringList paths, QString folder) {
-    const auto serial = phoneForTransfer();
+QCoro::Task<> AppState::transferFiles(QStringList paths, BrowserSide to, QString folder) {
+    const bool isPush = to == BrowserSide::android;
+    const auto serial = isPush ? phoneForTransfer() : QString();
     if (!serial)
         co_return;
     const auto items = co_await Background::run(this, &MacFileClient::entriesAt, paths);
-    transfer(TransferDirection::macToAndroid, items, folder, *serial);
+    transfer(isPush ? TransferDirection::macToAndroid : TransferDirection::withinMac, items, folder, *serial);
 }
 
 std::optional<QString> AppState::connectedSerial() const {

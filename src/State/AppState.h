@@ -46,11 +46,16 @@ public:
     /// The pane that keyboard commands act on.
     [[nodiscard]] BrowserSide focusedBrowserSide() const { return m_focusedBrowserSide; }
     void setFocusedBrowserSide(BrowserSide side) { m_focusedBrowserSide = side; }
+    /// How large the tiles are where a pane shows a grid; a TileSize.
+    [[nodiscard]] int tileSize() const { return m_tileSize; }
+    void setTileSize(int size) { m_tileSize = TileSize::nearest(size); }
     void toggleSelection(const FileItem &item, BrowserSide side) { pane(side).toggleSelection(item); }
     void selectItem(const FileItem &item, BrowserSide side) { pane(side).selectItem(item); }
     void selectAllVisible(BrowserSide side) { pane(side).selectAllVisible(); }
     void toggleSelectAllVisible(BrowserSide side) { pane(side).toggleSelectAllVisible(); }
     void clearSelection(BrowserSide side) { pane(side).clearSelection(); }
+    /// Asks the window to show the details of entries of that side.
+    void showDetails(BrowserSide side, const QList<FileItem> &items) { Q_EMIT detailsRequested(side, items); }
     [[nodiscard]] PaneSelectAllState selectAllState(BrowserSide side) { return pane(side).selectAllState(); }
 
     // -- The phone pane
@@ -70,7 +75,7 @@ public:
     [[nodiscard]] const auto &selectedShortcutID() const { return m_selectedShortcutID.value(); }
     void setSelectedShortcutID(const std::optional<QUuid> &id) { m_selectedShortcutID = id; }
     /// Shows a phone folder.
-    QCoro::Task<> browseAndroid(QString path);
+    QCoro::Task<> browseAndroid(QString path, Arrival arrival = Arrival::anew);
     /// Asks for a name and creates a folder in androidCurrentPath.
     QCoro::Task<> createAndroidFolder();
     /// Copies a phone file into the cache and opens it with its default application. Folders are ignored.
@@ -103,7 +108,7 @@ public:
     [[nodiscard]] const QString &macAvailableLabel() const { return m_macAvailableLabel.value(); }
     [[nodiscard]] QString macSelectionSummary() const;
     /// Shows a folder of the computer.
-    QCoro::Task<> browseMac(QString path);
+    QCoro::Task<> browseMac(QString path, Arrival arrival = Arrival::anew);
     /// Asks for a name and creates a folder in macPath.
     QCoro::Task<> createMacFolder();
 
@@ -117,11 +122,12 @@ public:
     /// Queue the selected entries that one pane shows for the other one's folder, and run the queue.
     void transferAndroidToMac() { transfer(TransferDirection::androidToMac); }
     void transferMacToAndroid() { transfer(TransferDirection::macToAndroid); }
-    /// Queues copies between the phone and this computer, into a folder there or here. Whether it took any.
+    /// Queues copies into a folder of the side that the direction leads to. Whether it took any. `serial` is
+    /// that of the phone, if one takes part.
     bool transfer(TransferDirection direction, const QList<FileItem> &items, const QString &folder,
                   const QString &serial);
     /// The same for files of this computer that come from elsewhere, by their paths.
-    QCoro::Task<> transferToAndroid(QStringList paths, QString folder);
+    QCoro::Task<> transferFiles(QStringList paths, BrowserSide to, QString folder);
     /// Removes one entry; a copy that runs for it is stopped and leaves nothing behind.
     void removeQueueItem(const QUuid &id) { m_transfers.remove(id); }
     /// Removes every entry that is not running.
@@ -149,6 +155,8 @@ Q_SIGNALS:
     void androidViewModeChanged();
     void macViewModeChanged();
     void focusedBrowserSideChanged();
+    void detailsRequested(BrowserSide side, const QList<FileItem> &items);
+    void tileSizeChanged();
     void macPathChanged();
     void macItemsChanged();
     void macSelectedIDsChanged();
@@ -179,6 +187,7 @@ private:
     PaneState m_androidPane;
     PaneState m_macPane;
     PhoneWatch m_phones{[this] { return openPhone(); }};
+    QString m_openedPhone; ///< whose folders the phone pane remembers
     DeviceSearch m_search{m_androidPane};
     TransferRunner m_transfers{*this};
 
@@ -192,6 +201,8 @@ private:
                                          &AppState::androidSearchFocusTokenChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, BrowserSide, m_focusedBrowserSide, BrowserSide::android,
                                          &AppState::focusedBrowserSideChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, int, m_tileSize, TileSize::standard,
+                                         &AppState::tileSizeChanged)
     Q_OBJECT_BINDABLE_PROPERTY(AppState, QString, m_macAvailableLabel, &AppState::macAvailableLabelChanged)
 };
 

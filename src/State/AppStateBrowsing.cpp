@@ -22,6 +22,9 @@ Desktop::TextQuestion newFolderQuestion() {
 } // namespace
 
 QCoro::Task<> AppState::openPhone() {
+    // The same one is back when its cable was moved.
+    if (std::exchange(m_openedPhone, device().id) != device().id)
+        m_androidPane.forgetVisits();
     const auto places = m_shortcuts + m_phones.cards();
     const auto place = std::find_if(places.begin(), places.end(),
                                     [this](const auto &entry) { return entry.id == selectedShortcutID(); });
@@ -49,9 +52,9 @@ void AppState::scheduleAndroidSearch() {
     m_search.schedule(connectedSerial(), roots);
 }
 
-QCoro::Task<> AppState::browseAndroid(QString path) {
+QCoro::Task<> AppState::browseAndroid(QString path, Arrival arrival) {
     const QString folder = ADBClient::normalizePath(path);
-    const quint64 token = m_androidPane.open(folder);
+    const quint64 token = m_androidPane.open(folder, arrival);
     m_androidPathSegments = AndroidPath::segments(folder);
     m_search.clear();
     for (const StorageShortcut &shortcut : m_shortcuts + m_phones.cards()) {
@@ -80,9 +83,9 @@ QCoro::Task<> AppState::browseAndroid(QString path) {
         m_phones.refreshStorage(); // it may be gone
 }
 
-QCoro::Task<> AppState::browseMac(QString path) {
+QCoro::Task<> AppState::browseMac(QString path, Arrival arrival) {
     const QString folder = MacFileClient::standardizedPath(path);
-    const quint64 token = m_macPane.open(folder);
+    const quint64 token = m_macPane.open(folder, arrival);
     m_macPane.setLoading(true);
 
     auto listing = co_await Background::run(this, &MacFileClient::listDirectory, folder);

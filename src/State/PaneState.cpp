@@ -8,16 +8,20 @@ namespace vantrel {
 PaneState::PaneState(BrowserSide side, const QString &path) : m_side(side), m_path(path) {}
 
 void PaneState::toggleSelection(const FileItem &item) {
+    m_justSelected = QUuid();
     if (!m_selectedIDs.remove(item.id))
         m_selectedIDs.insert(item.id);
     Q_EMIT selectedIDsChanged();
 }
 
 void PaneState::selectItem(const FileItem &item) {
+    const bool isNew = !m_selectedIDs.contains(item.id);
     setSelected({item}, true);
+    m_justSelected = isNew ? item.id : QUuid();
 }
 
 void PaneState::setSelected(const QList<FileItem> &items, bool isSelected) {
+    m_justSelected = QUuid();
     const qsizetype before = m_selectedIDs.size();
     if (isSelected)
         m_selectedIDs.reserve(before + items.size());
@@ -69,7 +73,13 @@ void PaneState::setOrder(FileOrder order) {
     Q_EMIT orderChanged();
 }
 
-quint64 PaneState::open(const QString &path) {
+quint64 PaneState::open(const QString &path, Arrival arrival) {
+    if (path != m_path) {
+        leave(path);
+        m_wanted = {};
+        if (arrival == Arrival::back)
+            m_wanted = m_visits.visitOf(path).value_or(FolderVisit{path, {.current = m_path}});
+    }
     m_path = path;
     clearSelection();
     m_hasFailed = false;
@@ -77,13 +87,60 @@ quint64 PaneState::open(const QString &path) {
     return ++m_token;
 }
 
+/// Remembers the folder as it is left. The first click of the two that open a folder has selected it: nobody
+/// wants to find it selected for that.
+void PaneState::leave(const QString &to) {
+    if (!std::exchange(m_isListed, false))
+        return;
+    FolderVisit visit{m_path, m_place};
+    for (const FileItem &item : std::as_const(m_items)) {
+        if (m_selectedIDs.contains(item.id) && !(item.id == m_justSelected && item.path == to))
+            visit.selected.insert(item.name);
+    }
+    m_visits.remember(visit);
+}
+
+/// Takes over what the folder is to be shown as, whose entries these are. Returns whether any is selected.
+bool PaneState::arrive(const QList<FileItem> &items) {
+    const FolderVisit visit = std::exchange(m_wanted, {});
+    m_place = visit.place;
+    ++m_placeToken;
+    const qsizetype before = m_selectedIDs.size();
+    for (const FileItem &item : items) {
+        // Where one comes from may lie deeper.
+        if (visit.place.current.startsWith(item.path + QLatin1Char('/')))
+            m_place.current = item.path;
+        if (visit.selected.contains(item.name))
+            m_selectedIDs.insert(item.id);
+    }
+    return m_selectedIDs.size() > before;
+}
+
+void PaneState::setPlace(const PanePlace &place) {
+    if (m_isListed && !m_hits)
+        m_place = place;
+}
+
+void PaneState::forgetVisits() {
+    m_visits.forget();
+    m_isListed = false;
+    m_wanted = {};
+}
+
 void PaneState::fail(const QString &reason) {
-    setItems({});
+    replaceItems({}, 0);
     m_hasFailed = true;
     m_browseError = reason;
 }
 
 void PaneState::setItems(const QList<FileItem> &items, qsizetype unreadableCount) {
+    const bool selects = !std::exchange(m_isListed, true) && arrive(items);
+    replaceItems(items, unreadableCount);
+    if (selects)
+        Q_EMIT selectedIDsChanged();
+}
+
+void PaneState::replaceItems(const QList<FileItem> &items, qsizetype unreadableCount) {
     if (std::exchange(m_hasFailed, false))
         m_browseError = std::nullopt;
     if (items == m_items && unreadableCount == m_unreadableCount)
@@ -108,7 +165,8 @@ void PaneState::setItemsAgain(const QList<FileItem> &items, qsizetype unreadable
 void PaneState::empty(const std::optional<QString> &error) {
     ++m_token;
     m_isLoading = false;
-    setItems({});
+    m_isListed = false;
+    replaceItems({}, 0);
     m_browseError = error;
 }
 
@@ -122,7 +180,9 @@ void PaneState::setFilter(const QString &text) {
 void PaneState::setHits(const std::optional<QList<FileItem>> &hits) {
     if (hits == m_hits)
         return;
+    const bool showsFolderAgain = m_hits && !hits;
     m_hits = hits;
+    m_placeToken += showsFolderAgain ? 1 : 0;
     updateVisibleItems();
 }
 

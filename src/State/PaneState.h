@@ -2,6 +2,7 @@
 
 #include "Records/FileOrder.h"
 #include "Records/Pane.h"
+#include "State/VisitedFolders.h"
 
 #include <QObject>
 #include <QProperty>
@@ -43,6 +44,10 @@ public:
     [[nodiscard]] PaneViewMode viewMode() const { return m_viewMode; }
     /// That of visibleItems().
     [[nodiscard]] FileOrder order() const { return m_order; }
+    /// What of the folder is to be in sight, or is.
+    [[nodiscard]] const PanePlace &place() const { return m_place; }
+    /// A counter; with every change place() is to be shown, whatever is in sight.
+    [[nodiscard]] qint64 placeToken() const { return m_placeToken; }
 
     // -- What the user does
     void toggleSelection(const FileItem &item);
@@ -57,12 +62,17 @@ public:
     [[nodiscard]] PaneSelectAllState selectAllState() const;
     void setViewMode(PaneViewMode mode) { m_viewMode = mode; }
     void setOrder(FileOrder order);
+    /// Something else is in sight. Nobody is told. It is of no account while the folder's entries are not
+    /// what the pane shows.
+    void setPlace(const PanePlace &place);
 
     // -- What the model fills in
 
     /// Names the folder, whose listing is asked for now: nothing is selected, no error stands, and a listing
     /// that was asked for earlier will find that isNewest() is false. Returns what stands for this one.
-    quint64 open(const QString &path);
+    /// Another folder is shown from its top when it is listed; on the way back as it was left last, as far as
+    /// that is still there, or else where one comes from.
+    quint64 open(const QString &path, Arrival arrival = Arrival::anew);
     /// Whether no other folder was opened, and the pane not emptied, since open() returned the token. The
     /// path may be the same, the phone not.
     [[nodiscard]] bool isNewest(quint64 token) const { return token == m_token; }
@@ -79,6 +89,8 @@ public:
     void fail(const QString &reason);
     /// Empties the pane, because what it lists is gone, and drops the listing that is under way.
     void empty(const std::optional<QString> &error = std::nullopt);
+    /// Forgets how folders were left: those of their paths are others now.
+    void forgetVisits();
 
     /// Shows only the entries whose names contain the text, in whatever case; an empty text shows all.
     void setFilter(const QString &text);
@@ -96,6 +108,9 @@ Q_SIGNALS:
     void orderChanged();
 
 private:
+    void leave(const QString &to);
+    [[nodiscard]] bool arrive(const QList<FileItem> &items);
+    void replaceItems(const QList<FileItem> &items, qsizetype unreadableCount);
     void updateVisibleItems();
     bool dropGhosts();
     [[nodiscard]] QList<FileItem> filteredItems() const;
@@ -105,11 +120,17 @@ private:
     qsizetype m_unreadableCount = 0;
     QList<FileItem> m_visibleItems;
     QSet<QUuid> m_selectedIDs;
+    QUuid m_justSelected; ///< by itself, as the last change of the selection
     QString m_filter;
     FileOrder m_order;
     std::optional<QList<FileItem>> m_hits;
     quint64 m_token = 0;
     bool m_hasFailed = false;
+    bool m_isListed = false; ///< the items are those of the path
+    PanePlace m_place;
+    qint64 m_placeToken = 0;
+    FolderVisit m_wanted; ///< what the folder is to be shown as when it is listed
+    VisitedFolders m_visits;
     Q_OBJECT_BINDABLE_PROPERTY(PaneState, QString, m_path, &PaneState::pathChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(PaneState, bool, m_isLoading, false, &PaneState::isLoadingChanged)
     Q_OBJECT_BINDABLE_PROPERTY(PaneState, std::optional<QString>, m_browseError,

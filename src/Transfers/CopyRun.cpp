@@ -2,24 +2,22 @@
 
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
-#include "ADB/PhoneCopies.h"
 #include "Records/TransferFormat.h"
+#include "Transfers/Carrier.h"
+#include "Transfers/CopySide.h"
 #include "Transfers/KeptParts.h"
 #include "Transfers/LocalStaging.h"
 #include "Transfers/StagedName.h"
 
 #include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
+#include <atomic>
 #include <future>
 #include <limits>
 #include <mutex>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace vantrel {
@@ -43,12 +41,20 @@ struct PlannedFile {
     QString wanted = {}; ///< the destination, before a number was added to it
 };
 
-/// Two files, one on each side, that should hold the same.
+/// Two files that should hold the same.
 struct ComparedFile {
     qsizetype entry = 0;
-    QString here;
-    QString onPhone;
+    QString read;  ///< by this run, on this computer
+    QString asked; ///< of the other side, or read at the same time
     qint64 sizeBytes = 0;
+};
+
+/// Files that are copied by one run of adb.
+struct Batch {
+    QList<PlannedFile> files;
+    bool isCompared = false; ///< with its source: one that was continued
+    bool isLast = false;     ///< no other is to come
+    bool isStagingGone = false;
 };
 
 /// What comparing them has come to.
@@ -56,7 +62,7 @@ struct Comparison {
     enum class Outcome { same, different, unreadable, unavailable };
     Outcome outcome = Outcome::different;
     QString reason = {};    ///< of what is unreadable
-    QString complaint = {}; ///< of the phone's tool, where that could not read it
+    QString complaint = {}; ///< of the side that was asked, where that could not read it
 };
 
 bool isSameContent(const TreeEntry &there, qint64 sizeBytes, qint64 modified) {
@@ -107,18 +113,14 @@ SweptFolders &sweptFolders() {
 
 /// Where staging folders lie, as the sweeper knows it: a folder, with the phone that it is on.
 QString placeOf(TransferDirection direction, const QString &serial, const QString &folder) {
-    return direction == TransferDirection::androidToMac ? folder
-                                                        : QString(serial % QLatin1Char(':') % folder);
+    return direction == TransferDirection::macToAndroid ? QString(serial % QLatin1Char(':') % folder)
+                                                        : folder;
 }
 
-/// Removes a staging folder on either side. What is on a phone that has left is swept before the next copy.
+/// Removes a staging folder. What is on a phone that has left is swept before the next copy.
 void removeStaging(TransferDirection direction, const QString &serial, const QString &folder,
                    const QString &name) {
-    const QString path = AndroidPath::join(folder, name);
-    const bool isRemoved = direction == TransferDirection::androidToMac
-                               ? QDir(path).removeRecursively()
-                               : ADBClient::removeFolder(serial, path).has_value();
-    if (!isRemoved)
+    if (!destinationSide(direction, serial)->remove({AndroidPath::join(folder, name)}))
         sweptFolders().forget(placeOf(direction, serial, folder));
     StagedName::release(name);
 }
@@ -138,12 +140,15 @@ bool speaksOfAbsence(const QString &reason) {
 class CopyRun {
 public:
     CopyRun(const CopyJob &job, const CopyWatcher &watcher, std::stop_token stop)
-        : m_job(job), m_watcher(watcher), m_stop(std::move(stop)), m_states(job.entries.size()) {}
+        : m_job(job), m_watcher(watcher), m_stop(std::move(stop)),
+          m_from(sourceSide(job.direction, job.serial)), m_to(destinationSide(job.direction, job.serial)),
+          m_carrier(carrierFor(job.direction, job.serial)), m_states(job.entries.size()) {}
 
     void run() {
-        sweep();
+        auto sweeping = std::async(std::launch::async, [this] { sweep(); });
         readSources();
         readDestinations();
+        sweeping.wait();
         plan();
         compareAlike();
         makeFolders();
@@ -171,11 +176,11 @@ private:
         bool hasEnded = false;
     };
 
-    [[nodiscard]] bool isPull() const { return m_job.direction == TransferDirection::androidToMac; }
     [[nodiscard]] bool isWanted(qsizetype entry) const {
         return !m_watcher.isWanted || m_watcher.isWanted(m_job.entries.at(entry).id);
     }
     [[nodiscard]] bool isGivenUp(qsizetype entry) const {
+        const std::scoped_lock lock(m_guard);
         return m_states.at(entry).hasEnded || m_stop.stop_requested() || !isWanted(entry);
     }
 
@@ -197,13 +202,16 @@ private:
     }
     /// The phone or its tool ended it for all.
     void failAll(const ADBError &error) {
-        const auto serials = ADBClient::listDeviceSerials();
-        m_isPhoneGone =
-            speaksOfAbsence(error.errorDescription()) ||
-            (serials && !serials->contains(m_job.serial)); // what cannot be asked is not known to be gone
+        if (needsPhone(m_job.direction)) {
+            const auto serials = ADBClient::listDeviceSerials();
+            m_isPhoneGone =
+                speaksOfAbsence(error.errorDescription()) ||
+                (serials && !serials->contains(m_job.serial)); // what cannot be asked is not known to be gone
+        }
         failAll(error.errorDescription());
     }
     void failAll(const QString &message) {
+        const std::scoped_lock lock(m_guard);
         for (qsizetype entry = 0; entry < m_states.size(); ++entry)
             fail(entry, message);
     }
@@ -215,21 +223,8 @@ private:
 
     /// Finds what programs that died have left in the folder that is to be written into.
     void sweep() {
-        if (!sweptFolders().visit(place()))
-            return;
-        if (isPull()) {
-            m_leftOver = LocalFiles::leftOver(m_job.folder);
-            return;
-        }
-        const auto names =
-            ADBClient::namesBeginningWith(m_job.serial, m_job.folder, StagedName::prefix(), m_stop);
-        if (!names)
-            return; // the phone says why at the next question
-        for (const QString &path : *names) {
-            const QString name = AndroidPath::lastComponent(path);
-            if (StagedName::isLeftOver(name))
-                m_leftOver.append(name);
-        }
+        if (sweptFolders().visit(place()))
+            m_leftOver = m_to->leftOver(m_job.folder, m_stop);
     }
 
     void removeLeftOver() {
@@ -261,35 +256,32 @@ private:
                 m_leftOver.append(part.name);
             }
         }
-        QList<ADBClient::PhoneMove> moves;
-        for (const PlannedFile &file : std::as_const(m_files)) {
-            for (const QString &name : std::as_const(m_leftOver)) {
-                if (!isLarge(file))
-                    break;
-                const QString begun =
-                    AndroidPath::join(AndroidPath::join(m_job.folder, name), stagedName(file));
-                const QString staged = AndroidPath::join(staging, stagedName(file));
-                if (isPull()) [[maybe_unused]]
-                    const auto moved = LocalFiles::place(begun, staged);
-                else
-                    moves.append({begun, staged});
+        QList<CopySide::Move> moves;
+        {
+            const std::scoped_lock lock(m_guard);
+            for (const PlannedFile &file : std::as_const(m_files)) {
+                for (const QString &name : std::as_const(m_leftOver)) {
+                    if (isLarge(file))
+                        moves.append(
+                            {AndroidPath::join(AndroidPath::join(m_job.folder, name), stagedName(file)),
+                             AndroidPath::join(staging, stagedName(file))});
+                }
             }
         }
         m_wasInterrupted = !moves.isEmpty();
-        if (m_wasInterrupted) {
-            [[maybe_unused]] const auto ignored = // what is missing begins anew
-                ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
-        }
+        [[maybe_unused]] const auto ignored = m_to->place(moves, staging, ADBClient::AfterMoves::keepStaging,
+                                                          m_stop); // what is missing begins anew
         removeLeftOver();
     }
 
     /// Whether the copy that has just ended early is to go on later.
-    [[nodiscard]] bool goesOn() const {
-        return m_batch.size() == 1 && isLarge(m_batch.first()) && (m_stop.stop_requested() || m_isPhoneGone);
+    [[nodiscard]] bool goesOn(const Batch &batch) const {
+        return batch.files.size() == 1 && isLarge(batch.files.first()) &&
+               (m_stop.stop_requested() || m_isPhoneGone);
     }
     /// Leaves a staging folder for the run in which its file goes on.
-    void keep(const QString &name) {
-        const qsizetype entry = m_batch.first().entry;
+    void keep(const QString &name, const Batch &batch) {
+        const qsizetype entry = batch.files.first().entry;
         const QUuid id = m_job.entries.at(entry).id;
         KeptParts::keep({id, m_job.direction, m_job.serial, m_job.folder, name});
         if (!isWanted(entry)) // removed from the queue in between
@@ -297,168 +289,91 @@ private:
     }
 
     /// Whether what was continued has its source's content, as far as that can be said.
-    [[nodiscard]] ADBResult<bool> isSameAsSource(const QString &staged) {
-        const auto compared = compare({comparedFile(m_batch.first(), staged)}, Arrival::staged);
+    [[nodiscard]] ADBResult<bool> isSameAsSource(Batch &batch, const QString &staged) {
+        const auto compared = compare({comparedFile(batch.files.first(), staged)}, Arrival::staged);
         if (!compared)
             return tl::make_unexpected(compared.error());
         if (const QString &complaint = compared->first().complaint; !complaint.isEmpty())
             return tl::make_unexpected(ADBError::executionFailed(complaint));
-        m_isBatchCompared = compared->first().outcome == Comparison::Outcome::same;
-        return m_isBatchCompared;
+        batch.isCompared = compared->first().outcome == Comparison::Outcome::same;
+        return batch.isCompared;
     }
 
     /// What a tool or the shell of the phone says of the file is a line like those of adb.
     static ADBResult<QStringList> complaint(const ADBError &error) {
-        static const QRegularExpression spoken(QStringLiteral("\\A(W: )?(tail|cat|md5sum|\\S*sh): "));
+        static const QRegularExpression spoken(
+            QStringLiteral("\\A((W: )?(tail|cat|md5sum|\\S*sh): |cannot |It was changed)"));
         const QString text = error.errorDescription();
         if (spoken.match(text).hasMatch())
             return QStringList{text};
         return tl::make_unexpected(error);
     }
 
-    ADBResult<QStringList> pullLarge(const QString &staged) {
-        const PlannedFile &file = m_batch.first();
-        const auto begun = LocalFiles::look(staged);
-        if (begun && begun->sizeBytes > 0 && begun->sizeBytes <= file.sizeBytes) {
-            const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
-            qint64 &kept = m_states[file.entry].keptBytes;
-            kept += begun->sizeBytes;
-            const auto continued =
-                ADBClient::continuePull(m_job.serial, file.source, staged, m_stop, onBytes);
-            if (!continued)
-                return complaint(continued.error());
-            const auto isSame = isSameAsSource(staged);
-            if (!isSame)
-                return complaint(isSame.error());
-            if (*isSame && LocalFiles::setModified(staged, file.modified))
-                return QStringList();
-            kept -= begun->sizeBytes;
-        }
-        QFile::remove(staged);
-        // adb removes what it could not finish: a second name keeps it.
-        const QString arriving = staged + QStringLiteral(".new");
-        bool isLinked = false;
-        const auto onProgress = [&](int /*ended*/, double fraction) {
-            isLinked = isLinked || ::link(QFile::encodeName(arriving).constData(),
-                                          QFile::encodeName(staged).constData()) == 0;
-            report(file.entry, wholeBytes(fraction * static_cast<double>(file.sizeBytes)));
-        };
-        const auto copied = ADBClient::copyFiles(m_job.direction, m_job.serial, {file.source}, arriving,
-                                                 ADBClient::BatchDetail::percent, m_stop, onProgress);
-        if (isLinked || !copied)
-            QFile::remove(arriving);
-        else
-            QFile::rename(arriving, staged);
-        return copied;
-    }
-
-    ADBResult<QStringList> pushLarge(const QString &staged) {
-        const PlannedFile &file = m_batch.first();
+    /// Copies the batch, one large file, to `staged`; from where an earlier try has ended, if one has.
+    ADBResult<QStringList> copyLarge(Batch &batch, const QString &staged) {
+        const PlannedFile &file = batch.files.first();
         // What adb has pushed is gone when the cable is: the second time it is sent so that it stays.
-        if (std::exchange(m_wasInterrupted, true)) {
-            const auto begun = ADBClient::fetchFacts(m_job.serial, {staged}, m_stop);
-            if (!begun)
-                return tl::make_unexpected(begun.error());
-            const qint64 reached = begun->value(staged).sizeBytes;
-            if (reached <= file.sizeBytes) {
-                const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
-                qint64 &kept = m_states[file.entry].keptBytes;
-                kept += reached;
-                const auto continued =
-                    ADBClient::continuePush(m_job.serial, file.source, reached, staged, m_stop, onBytes);
+        if (std::exchange(m_wasInterrupted, true) || !m_to->isPhone()) {
+            if (const auto learned = m_to->learn({}, {staged}, m_stop); !learned)
+                return tl::make_unexpected(learned.error());
+            const qint64 reached = m_to->look(staged).value_or(TreeEntry()).sizeBytes;
+            if (reached <= file.sizeBytes && (reached > 0 || m_to->isPhone())) {
+                const auto continued = continueLarge(batch, staged, reached);
                 if (!continued)
                     return complaint(continued.error());
-                const auto timed = ADBClient::setModified(m_job.serial, staged, file.modified, m_stop);
-                const auto isSame =
-                    timed ? isSameAsSource(staged) : ADBResult<bool>(tl::make_unexpected(timed.error()));
-                if (!isSame)
-                    return complaint(isSame.error());
-                if (*isSame)
+                if (*continued)
                     return QStringList();
-                kept -= reached;
             }
+            m_to->remove({staged});
         }
         const auto onProgress = [&](int /*ended*/, double fraction) {
             report(file.entry, wholeBytes(fraction * static_cast<double>(file.sizeBytes)));
         };
-        return ADBClient::copyFiles(m_job.direction, m_job.serial, {file.source}, staged,
-                                    ADBClient::BatchDetail::percent, m_stop, onProgress);
+        return m_carrier->begin(file.source, staged, file.sizeBytes, m_stop, onProgress);
+    }
+
+    /// Whether the file, of which so many bytes are there, is whole now and like its source.
+    ADBResult<bool> continueLarge(Batch &batch, const QString &staged, qint64 reached) {
+        const PlannedFile &file = batch.files.first();
+        qint64 &kept = m_states[file.entry].keptBytes;
+        kept += reached;
+        const auto onBytes = [&](qint64 bytes) { report(file.entry, bytes); };
+        const auto continued = m_carrier->goOn(file.source, staged, file.sizeBytes, reached, m_stop, onBytes);
+        if (!continued)
+            return tl::make_unexpected(continued.error());
+        if (const auto timed = m_to->setModified(staged, file.modified, m_stop); !timed)
+            return tl::make_unexpected(timed.error());
+        const auto isSame = isSameAsSource(batch, staged);
+        if (isSame && !*isSame)
+            kept -= reached;
+        return isSame;
     }
 
     void readSources() {
-        QStringList single;
-        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
-            const QueueItem &copied = m_job.entries.at(entry);
-            if (!isPull())
-                m_states[entry].source = LocalFiles::readTree(copied.sourcePath);
-            else if (copied.isDirectory)
-                readPhoneTree(entry);
-            else
-                single.append(copied.sourcePath);
-        }
-        if (single.isEmpty())
-            return;
-        const auto facts = ADBClient::fetchFacts(m_job.serial, single, m_stop);
-        for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
-            const QueueItem &copied = m_job.entries.at(entry);
-            if (copied.isDirectory)
-                continue;
-            if (!facts)
-                return failAll(facts.error());
-            else if (const auto found = facts->constFind(copied.sourcePath); found != facts->constEnd())
-                found->kind == TreeEntry::Kind::folder
-                    ? readPhoneTree(entry)
-                    : m_states[entry].source.entries.append(
-                          {{}, found->kind, found->sizeBytes, found->modified});
-        }
+        auto trees = m_from->sources(m_job.entries, m_stop);
+        if (!trees)
+            return failAll(trees.error());
+        for (qsizetype entry = 0; entry < m_states.size(); ++entry)
+            m_states[entry].source = std::move((*trees)[entry]);
     }
 
-    void readPhoneTree(qsizetype entry) {
-        auto tree = ADBClient::fetchTree(m_job.serial, m_job.entries.at(entry).sourcePath, m_stop);
-        if (tree)
-            m_states[entry].source = std::move(*tree);
-        else
-            failAll(tree.error());
-    }
-
-    /// The phone is asked at once for all that stands there; this computer is looked at file by file.
     void readDestinations() {
-        if (isPull())
-            return;
         constexpr int numbersToTry = 20;
+        QStringList folders;
         QStringList single;
         for (qsizetype entry = 0; entry < m_states.size(); ++entry) {
             const QueueItem &copied = m_job.entries.at(entry);
             if (m_states.at(entry).source.entries.isEmpty() || m_states.at(entry).hasEnded)
                 continue;
             const bool isFolder = m_states.at(entry).source.entries.first().kind == TreeEntry::Kind::folder;
-            if (isFolder) {
-                const auto tree = ADBClient::fetchTree(m_job.serial, copied.destinationPath, m_stop);
-                if (!tree)
-                    return failAll(tree.error());
-                for (const TreeEntry &found : tree->entries)
-                    m_there.insert(below(copied.destinationPath, found.path), found);
-            } else {
-                single.append(copied.destinationPath);
-            }
+            (isFolder ? folders : single).append(copied.destinationPath());
             for (int number = 2; copied.whenTaken == WhenTaken::keepBoth && number <= numbersToTry; ++number)
                 single.append(AndroidPath::join(
-                    m_job.folder, numberedName(AndroidPath::lastComponent(copied.destinationPath), number)));
+                    m_job.folder,
+                    numberedName(AndroidPath::lastComponent(copied.destinationPath()), number)));
         }
-        if (single.isEmpty())
-            return;
-        const auto facts = ADBClient::fetchFacts(m_job.serial, single, m_stop);
-        if (!facts)
-            return failAll(facts.error());
-        for (auto fact = facts->cbegin(); fact != facts->cend(); ++fact)
-            m_there.insert(fact.key(), fact.value());
-    }
-
-    [[nodiscard]] std::optional<TreeEntry> lookAtDestination(const QString &path) const {
-        if (isPull())
-            return LocalFiles::look(path);
-        const auto found = m_there.constFind(path);
-        return found == m_there.constEnd() ? std::nullopt : std::optional(*found);
+        if (const auto learned = m_to->learn(folders, single, m_stop); !learned)
+            failAll(learned.error());
     }
 
     // -- Planning
@@ -474,10 +389,18 @@ private:
             else if (state.source.entries.first().kind == TreeEntry::Kind::other)
                 fail(entry,
                      QStringLiteral("“%1” is neither a file nor a folder and was not copied.").arg(name));
+            else if (isIntoItself(entry))
+                fail(entry, QStringLiteral("“%1” can’t be copied into itself.").arg(name));
             else
                 planEntry(entry);
             state.source.entries.clear(); // a million of them would be a lot to keep
         }
+    }
+
+    [[nodiscard]] bool isIntoItself(qsizetype entry) const {
+        return !needsPhone(m_job.direction) &&
+               m_states.at(entry).source.entries.first().kind == TreeEntry::Kind::folder &&
+               LocalFiles::isWithin(m_job.folder, m_job.entries.at(entry).sourcePath);
     }
 
     void planEntry(qsizetype entry) {
@@ -487,9 +410,9 @@ private:
         state.report.failed = state.source.unreadable;
         state.report.fileCount = state.report.failed.size();
         const bool isFolder = state.source.entries.first().kind == TreeEntry::Kind::folder;
-        QString root = copied.destinationPath;
+        QString root = copied.destinationPath();
         if (isFolder) {
-            const auto there = lookAtDestination(root);
+            const auto there = m_to->look(root);
             if (there && there->kind != TreeEntry::Kind::folder) {
                 if (copied.whenTaken == WhenTaken::ask) {
                     state.report.fileCount = 1;
@@ -515,7 +438,7 @@ private:
             if (found.kind == TreeEntry::Kind::other) {
                 state.report.leftOut.append({shown, QStringLiteral("Neither a file nor a folder")});
             } else if (found.kind == TreeEntry::Kind::folder) {
-                const auto there = lookAtDestination(destination);
+                const auto there = m_to->look(destination);
                 if (isClosed || (there && there->kind != TreeEntry::Kind::folder))
                     closed.insert(found.path);
                 else if (!there)
@@ -543,7 +466,7 @@ private:
         const QString wanted = file.wanted = file.destination;
         const bool keepsBoth = m_job.entries.at(file.entry).whenTaken == WhenTaken::keepBoth;
         for (int number = 2;; ++number) {
-            const auto there = lookAtDestination(file.destination);
+            const auto there = m_to->look(file.destination);
             const bool isPlanned = m_planned.contains(file.destination);
             if (!there && !isPlanned) {
                 // The first free name means that no copy of this content stands under the others.
@@ -578,7 +501,7 @@ private:
 
     [[nodiscard]] QString freeName(const QString &path) const {
         QString free = path;
-        for (int number = 2; lookAtDestination(free); ++number)
+        for (int number = 2; m_to->look(free); ++number)
             free = AndroidPath::join(parentOf(path), numberedName(AndroidPath::lastComponent(path), number));
         return free;
     }
@@ -587,50 +510,62 @@ private:
 
     // -- Comparing
 
+    /// Counts a file among those that are through and have no names yet, or no more.
+    template <class File>
+    void stage(const File &file, int change) {
+        qint64 &staged = m_states[file.entry].stagedBytes; // of sizes that a phone may have made up
+        staged = std::max<qint64>(sum(staged, change * file.sizeBytes), 0);
+        m_states[file.entry].stagedFiles += change;
+    }
+
     /// Whether compared files have come in this run, or stood there before it.
     enum class Arrival { staged, there };
 
     [[nodiscard]] ComparedFile comparedFile(const PlannedFile &file, const QString &arrived) const {
-        return isPull() ? ComparedFile{file.entry, arrived, file.source, file.sizeBytes}
-                        : ComparedFile{file.entry, file.source, arrived, file.sizeBytes};
+        return m_to->isPhone() ? ComparedFile{file.entry, file.source, arrived, file.sizeBytes}
+                               : ComparedFile{file.entry, arrived, file.source, file.sizeBytes};
     }
 
     /// Reads the files of both sides, at the same time. An error when the phone left or the run was stopped.
     ADBResult<QList<Comparison>> compare(const QList<ComparedFile> &files, Arrival arrival) {
         using Outcome = Comparison::Outcome;
-        QStringList onPhone;
+        const CopySide &other = m_to->isPhone() ? *m_to : *m_from;
+        QStringList asked;
         for (const ComparedFile &file : files)
-            onPhone.append(file.onPhone);
+            asked.append(file.asked);
         std::stop_source enough;
         const std::stop_callback stopsBoth(m_stop, [&enough] { enough.request_stop(); });
-        auto asked = std::async(std::launch::async, [&] {
-            auto answer = ADBClient::fetchSums(m_job.serial, onPhone, m_stop);
+        auto asking = std::async(std::launch::async, [&] {
+            auto answer = other.sums(asked, m_stop);
             if (!answer || answer->isUnavailable)
                 enough.request_stop();
             return answer;
         });
         const bool areStaged = arrival == Arrival::staged;
-        for (const ComparedFile &file : files) {
-            m_states[file.entry].stagedBytes += areStaged ? file.sizeBytes : 0;
-            m_states[file.entry].stagedFiles += areStaged ? 1 : 0;
-        }
+        const auto stageAll = [&](int change) {
+            const std::scoped_lock lock(m_guard);
+            for (const ComparedFile &file : files)
+                stage(file, change);
+        };
+        if (areStaged)
+            stageAll(+1);
         QList<std::optional<QByteArray>> here;
         for (const ComparedFile &file : files) {
-            State &state = m_states[file.entry];
-            const qint64 before = state.comparedBytes;
+            qint64 read = 0;
             const auto onBytes = [&](qint64 bytes) {
-                state.comparedBytes = sum(before, bytes);
+                const std::scoped_lock lock(m_guard);
+                m_states[file.entry].comparedBytes += bytes - std::exchange(read, bytes);
                 report(file.entry, areStaged ? 0 : bytes, arrival);
             };
-            here.append(isWanted(file.entry) ? LocalFiles::sum(file.here, enough.get_token(), onBytes)
+            here.append(isWanted(file.entry) ? LocalFiles::sum(file.read, enough.get_token(), onBytes)
                                              : std::nullopt);
-            state.comparedBytes = sum(before, file.sizeBytes);
-            state.stagedBytes += areStaged ? 0 : file.sizeBytes;
-            state.stagedFiles += areStaged ? 0 : 1;
+            const std::scoped_lock lock(m_guard);
+            m_states[file.entry].comparedBytes += file.sizeBytes - read;
+            if (!areStaged)
+                stage(file, +1);
         }
-        for (const ComparedFile &file : files)
-            m_states[file.entry].stagedBytes = m_states[file.entry].stagedFiles = 0;
-        const auto there = asked.get();
+        stageAll(-1);
+        const auto there = asking.get();
         if (!there)
             return tl::make_unexpected(there.error());
         QList<Comparison> compared;
@@ -639,9 +574,8 @@ private:
             if (there->isUnavailable)
                 compared.append({Outcome::unavailable});
             else if (sum.isEmpty())
-                compared.append({Outcome::unreadable,
-                                 QStringLiteral("The phone can’t read it: ") + there->complaint,
-                                 QStringLiteral("md5sum: ") + there->complaint});
+                compared.append(
+                    {Outcome::unreadable, explainedCopyError(there->complaint), there->complaint});
             else if (!here.at(i))
                 compared.append({Outcome::unreadable, QStringLiteral("This computer can’t read it.")});
             else
@@ -686,12 +620,13 @@ private:
 
     /// Compares staged files with their sources, when that is wanted. Gives the destinations of those that
     /// must not take their names, and tells why.
-    ADBResult<QSet<QString>> refused(const QList<PlannedFile> &arrived, const QString &staging) {
+    ADBResult<QSet<QString>> refused(const QList<PlannedFile> &arrived, const QString &staging,
+                                     const Batch &batch) {
         using Outcome = Comparison::Outcome;
         QSet<QString> names;
         if (!m_job.verifies || arrived.isEmpty())
             return names;
-        if (m_isBatchCompared) { // when it was continued
+        if (batch.isCompared) { // when it was continued
             ++m_states[arrived.first().entry].report.verified;
             return names;
         }
@@ -701,6 +636,7 @@ private:
         const auto compared = compare(files, Arrival::staged);
         if (!compared)
             return tl::make_unexpected(compared.error());
+        const std::scoped_lock lock(m_guard);
         for (qsizetype i = 0; i < arrived.size(); ++i) {
             const PlannedFile &file = arrived.at(i);
             CopyReport &report = m_states[file.entry].report;
@@ -721,25 +657,23 @@ private:
     // -- Copying
 
     void makeFolders() {
-        if (isPull()) {
-            for (const PlannedFile &folder : std::as_const(m_folders)) {
-                if (isGivenUp(folder.entry))
-                    continue;
-                if (const auto made = LocalFiles::makeFolder(folder.destination); !made)
-                    m_states[folder.entry].report.failed.append(
-                        {folder.shownPath.isEmpty() ? AndroidPath::lastComponent(folder.destination)
-                                                    : folder.shownPath,
-                         QStringLiteral("This computer can’t make the folder: ") + made.error()});
-            }
-            return;
-        }
         QStringList paths;
-        for (const PlannedFile &folder : std::as_const(m_folders))
-            paths.append(folder.destination);
+        for (const PlannedFile &folder : std::as_const(m_folders)) {
+            if (!isGivenUp(folder.entry))
+                paths.append(folder.destination);
+        }
         if (paths.isEmpty() || m_stop.stop_requested())
             return;
-        if (const auto made = ADBClient::makeFolders(m_job.serial, paths, m_stop); !made)
-            failAll(made.error());
+        const auto refused = m_to->makeFolders(paths, m_stop);
+        if (!refused)
+            return failAll(refused.error());
+        for (const PlannedFile &folder : std::as_const(m_folders)) {
+            if (const auto reason = refused->constFind(folder.destination); reason != refused->constEnd())
+                m_states[folder.entry].report.failed.append(
+                    {folder.shownPath.isEmpty() ? AndroidPath::lastComponent(folder.destination)
+                                                : folder.shownPath,
+                     *reason});
+        }
     }
 
     void copyMissing() {
@@ -749,177 +683,153 @@ private:
         }
         if (m_files.isEmpty())
             return;
-        isPull() ? pullMissing() : pushMissing();
+        copyFiles();
         if (m_stop.stop_requested())
             failAll(QStringLiteral("The copy was stopped."));
     }
 
-    void pullMissing() {
-        auto staging = LocalStaging::create(m_job.folder);
-        if (!staging)
-            return failAll(QStringLiteral("Can’t write into “%1”: %2")
-                               .arg(AndroidPath::lastComponent(m_job.folder), staging.error()));
-        adopt(staging->path());
-        while (!m_stop.stop_requested() && takeBatch()) {
-            ADBResult<QStringList> errors = copyBatch(staging->path());
-            QSet<QString> unfit;
-            if (errors && m_job.verifies) {
-                const auto told = refused(wholeFilesIn(staging->path()), staging->path());
-                if (told)
-                    unfit = *told;
-                else
-                    errors = tl::make_unexpected(told.error());
-            }
-            const bool mayTakeNames = errors || !m_job.verifies;
-            if (!errors && isLarge(m_batch.first()))
-                failAll(errors.error());
-            if (!errors && goesOn()) {
-                const QString name = AndroidPath::lastComponent(staging->path());
-                staging->keep();
-                return keep(name);
-            }
-            if (!LocalFiles::look(m_job.folder))
-                return failAll(vanished());
-            for (const PlannedFile &file : std::as_const(m_batch)) {
-                const QString staged = AndroidPath::join(staging->path(), stagedName(file));
-                const auto arrived = LocalFiles::look(staged);
-                const bool isWhole = arrived && isSameContent(*arrived, file.sizeBytes, file.modified);
-                if (isWhole && mayTakeNames && !unfit.contains(file.destination))
-                    takeName(file, staged, staging->newFileMode());
-                else if (!isWhole && errors)
-                    explain(file, arrived.has_value(), *errors);
-                QFile::remove(staged); // what was not placed is not whole or not wanted
-            }
-            if (!errors)
-                return failAll(errors.error());
+    void copyFiles() {
+        constexpr qsizetype parts = 4;
+        constexpr qsizetype fewest = 250;
+        std::future<void> other;
+        if (areManyAndSmall(2 * fewest)) {
+            m_mostTogether = std::clamp(m_files.size() / parts, fewest, m_mostTogether);
+            other = std::async(std::launch::async, [this] { copyBatches(Takeover::no); });
         }
+        copyBatches(Takeover::yes);
+        if (other.valid())
+            other.wait();
     }
 
-    [[nodiscard]] QList<PlannedFile> wholeFilesIn(const QString &staging) const {
-        QList<PlannedFile> whole;
-        for (const PlannedFile &file : m_batch) {
-            const auto arrived = LocalFiles::look(AndroidPath::join(staging, stagedName(file)));
-            if (arrived && isSameContent(*arrived, file.sizeBytes, file.modified))
-                whole.append(file);
-        }
-        return whole;
+    /// A run of adb waits for the phone's answer after each small file: two at a time are faster than one,
+    /// and while the one's files get their names the other copies.
+    [[nodiscard]] bool areManyAndSmall(qsizetype many) const {
+        constexpr qint64 small = 256'000;
+        return m_job.entries.size() == 1 && m_files.size() >= many &&
+               m_states.first().report.totalBytes / m_files.size() < small &&
+               std::none_of(m_files.begin(), m_files.end(), &isLarge);
     }
 
-    void takeName(const PlannedFile &file, const QString &staged, mode_t mode) {
-        if (isGivenUp(file.entry))
-            return;
-        ::chmod(QFile::encodeName(staged).constData(), mode);
-        switch (LocalFiles::place(staged, file.destination)) {
-        case LocalFiles::Placing::placed:
-            return placed(file);
-        case LocalFiles::Placing::nameTaken:
-            return problem(file, &CopyReport::taken, takenReason());
-        case LocalFiles::Placing::failed:
-            return problem(file, &CopyReport::failed,
-                           QStringLiteral("This computer can’t write it: ") + qt_error_string(errno));
-        }
-    }
+    /// Whether what earlier runs have kept is to be taken over.
+    enum class Takeover { no, yes };
 
-    void pushMissing() {
+    /// Copies what is still to be copied, batch by batch, by way of a staging folder of its own.
+    void copyBatches(Takeover takeover) {
         const QString name = StagedName::make();
         const QString staging = AndroidPath::join(m_job.folder, name);
-        if (const auto made = ADBClient::makeMarkedFolder(m_job.serial, staging, name, m_stop); !made) {
-            const QString reason = made.error().errorDescription();
+        if (const auto made = m_to->makeStaging(m_job.folder, name, m_stop); !made) {
             StagedName::release(name);
-            if (speaksOfAbsence(reason))
-                return failAll(made.error());
-            return failAll(reason == QLatin1String("No such file or directory") ? vanished()
-                           : reason.contains(QLatin1String("ermission denied")) ||
-                                   reason.contains(QLatin1String("space left")) ||
-                                   reason.contains(QLatin1String("ead-only"))
-                               ? QStringLiteral("Can’t write into “%1” on the phone: %2")
-                                     .arg(AndroidPath::lastComponent(m_job.folder), reason)
-                               : reason);
+            return failAll(made.error());
         }
-        adopt(staging);
-        while (!m_stop.stop_requested() && takeBatch()) {
-            if (const auto pushed = pushBatch(staging); !pushed) {
-                failAll(pushed.error());
+        if (takeover == Takeover::yes)
+            adopt(staging);
+        Batch batch;
+        bool isStagingGone = false;
+        while (!m_stop.stop_requested() && takeBatch(batch)) {
+            if (const auto copied = copyAndName(batch, staging); !copied) {
+                failAll(copied.error());
                 break;
             }
+            isStagingGone = batch.isStagingGone;
         }
-        if (goesOn())
-            keep(name);
+        if (isStagingGone)
+            StagedName::release(name);
+        else if (goesOn(batch))
+            keep(name, batch);
         else
             removeStaging(m_job.direction, m_job.serial, m_job.folder, name);
     }
 
-    ADBResult<void> pushBatch(const QString &staging) {
-        const auto errors = copyBatch(staging);
-        if (!errors)
+    /// Copies the batch, and gives their names to those of its files that are whole.
+    ADBResult<void> copyAndName(Batch &batch, const QString &staging) {
+        const auto errors = copyBatch(batch, staging);
+        // What had come to this computer before its phone left is looked at all the same.
+        if (!errors && (m_to->isPhone() || isLarge(batch.files.first())))
             return tl::make_unexpected(errors.error());
-        const auto arrived = ADBClient::fetchTree(m_job.serial, staging, m_stop);
-        if (!arrived)
-            return tl::make_unexpected(arrived.error());
-        QHash<QString, TreeEntry> byName;
-        for (const TreeEntry &entry : arrived->entries)
-            byName.insert(entry.path, entry);
-        if (!byName.contains(AndroidPath::lastComponent(staging))) // gone, and perhaps made again by adb
+        QStringList names;
+        for (const PlannedFile &file : std::as_const(batch.files))
+            names.append(stagedName(file));
+        const auto staged = m_to->staged(staging, names, m_stop);
+        if (!staged)
+            return tl::make_unexpected(staged.error());
+        if (!*staged)
             return tl::make_unexpected(ADBError::executionFailed(vanished()));
 
         QList<PlannedFile> whole;
         QList<PlannedFile> lacking;
-        for (const PlannedFile &file : std::as_const(m_batch)) {
-            const QString name = stagedName(file);
-            const auto there = byName.constFind(name);
-            const auto here = LocalFiles::look(file.source);
-            if (there == byName.constEnd() || !isSameContent(*there, file.sizeBytes, file.modified) ||
-                (here && here->kind == TreeEntry::Kind::file &&
-                 !isSameContent(*here, file.sizeBytes, file.modified))) {
+        for (const PlannedFile &file : std::as_const(batch.files)) {
+            const auto there = (*staged)->constFind(stagedName(file));
+            if (there == (*staged)->constEnd() || !isSameContent(*there, file.sizeBytes, file.modified) ||
+                hasChanged(file))
                 lacking.append(file);
-            } else if (!isGivenUp(file.entry)) {
+            else
                 whole.append(file);
-            }
         }
-        const auto unfit = refused(whole, staging);
+        const auto unfit = refused(whole, staging, batch);
         if (!unfit)
-            return tl::make_unexpected(unfit.error());
-        QList<ADBClient::PhoneMove> moves;
+            return tl::make_unexpected(errors ? unfit.error() : errors.error());
+        QList<CopySide::Move> moves;
         QList<PlannedFile> moved;
         for (const PlannedFile &file : std::as_const(whole)) {
-            if (unfit->contains(file.destination) || !isWanted(file.entry))
+            if (unfit->contains(file.destination) || isGivenUp(file.entry))
                 continue;
             moves.append({AndroidPath::join(staging, stagedName(file)), file.destination});
             moved.append(file);
         }
-        ADBResult<QHash<QString, QString>> unmoved;
-        if (!moves.isEmpty())
-            unmoved = ADBClient::moveFiles(m_job.serial, moves, staging, m_stop);
-        if (!unmoved)
-            return tl::make_unexpected(unmoved.error());
-        for (qsizetype i = 0; i < moves.size(); ++i) {
-            const auto left = unmoved->constFind(moves.at(i).from);
-            if (left == unmoved->constEnd())
-                placed(moved.at(i));
-            else if (left->isEmpty())
-                problem(moved.at(i), &CopyReport::taken, takenReason());
-            else
-                problem(moved.at(i), &CopyReport::failed,
-                        QStringLiteral("The phone can’t write it: ") + *left);
+        const auto after =
+            batch.isLast ? ADBClient::AfterMoves::removeStaging : ADBClient::AfterMoves::keepStaging;
+        const auto outcomes = m_to->place(moves, staging, after, m_stop);
+        if (!outcomes)
+            return tl::make_unexpected(outcomes.error());
+        batch.isStagingGone = batch.isLast && m_to->isPhone() && !moves.isEmpty();
+        const std::scoped_lock lock(m_guard);
+        QSet<QString> useless; // not whole, or not wanted; another file of that name may come
+        for (const QString &name : std::as_const(names)) {
+            if ((*staged)->contains(name))
+                useless.insert(AndroidPath::join(staging, name));
         }
+        for (qsizetype i = 0; i < moved.size(); ++i) {
+            const CopySide::Placed &outcome = outcomes->at(i);
+            if (outcome.outcome == LocalFiles::Placing::placed) {
+                useless.remove(moves.at(i).from);
+                placed(moved.at(i));
+            } else if (outcome.outcome == LocalFiles::Placing::nameTaken) {
+                problem(moved.at(i), &CopyReport::taken, takenReason());
+            } else {
+                problem(moved.at(i), &CopyReport::failed, outcome.reason);
+            }
+        }
+        if (!errors)
+            return tl::make_unexpected(errors.error());
         for (const PlannedFile &file : std::as_const(lacking)) // a full disk ends what has not arrived
-            explain(file, byName.contains(stagedName(file)), *errors);
+            explain(batch, file, (*staged)->contains(stagedName(file)), *errors);
+        if (!useless.isEmpty() && !batch.isLast)
+            m_to->remove(useless.values());
         return {};
+    }
+
+    /// Whether a source of this computer is another by now. A phone's cannot be told from here: it was read
+    /// once.
+    [[nodiscard]] bool hasChanged(const PlannedFile &file) const {
+        if (m_from->isPhone())
+            return false;
+        const auto now = LocalFiles::look(file.source); // a link that was followed says nothing
+        return now && now->kind == TreeEntry::Kind::file &&
+               !isSameContent(*now, file.sizeBytes, file.modified);
     }
 
     /// Fills the batch with the next files that may be copied by one run of adb into one folder: no two of
     /// one name, not more than the command line takes. False when none is left.
-    bool takeBatch() {
-        constexpr qsizetype mostFiles = 1000;
+    bool takeBatch(Batch &batch) {
+        const std::scoped_lock lock(m_guard);
         constexpr qint64 mostBytes = 256'000'000;    // what a killed program has to copy again
         constexpr qsizetype mostPathBytes = 400'000; // macOS takes a command line of 1 MB
-        m_batch.clear();
-        m_isBatchCompared = false;
+        batch = Batch();
         QSet<QString> names;
         qint64 bytes = 0;
         qsizetype pathBytes = 0;
         QList<PlannedFile> sameName;
-        for (; m_nextFile < m_files.size() && m_batch.size() < mostFiles; ++m_nextFile) {
+        for (; m_nextFile < m_files.size() && batch.files.size() < m_mostTogether; ++m_nextFile) {
             const PlannedFile &file = m_files.at(m_nextFile);
             if (isGivenUp(file.entry))
                 continue;
@@ -930,42 +840,37 @@ private:
             }
             bytes = sum(bytes, file.sizeBytes);
             pathBytes += file.source.toUtf8().size();
-            if (!m_batch.isEmpty() && (isLarge(file) || bytes > mostBytes || pathBytes > mostPathBytes))
+            if (!batch.files.isEmpty() && (isLarge(file) || bytes > mostBytes || pathBytes > mostPathBytes))
                 break;
             names.insert(name);
-            m_batch.append(file);
+            batch.files.append(file);
             if (isLarge(file)) { // for itself, so that it can go on
                 ++m_nextFile;
                 break;
             }
         }
         m_files += sameName;
-        return !m_batch.isEmpty();
+        batch.isLast = m_nextFile >= m_files.size();
+        return !batch.files.isEmpty();
     }
 
-    ADBResult<QStringList> copyBatch(const QString &staging) {
+    ADBResult<QStringList> copyBatch(Batch &batch, const QString &staging) {
         QStringList sources;
         qint64 bytes = 0;
-        for (const PlannedFile &file : std::as_const(m_batch)) {
+        for (const PlannedFile &file : std::as_const(batch.files)) {
             sources.append(file.source);
             bytes = sum(bytes, file.sizeBytes);
         }
-        constexpr qsizetype many = 20;
-        constexpr qint64 small = 256'000;
-        const auto detail = m_batch.size() >= many && bytes / m_batch.size() < small
-                                ? ADBClient::BatchDetail::file
-                                : ADBClient::BatchDetail::percent;
         int reported = 0;
         const auto onProgress = [&](int ended, double fraction) {
-            const auto count = static_cast<int>(m_batch.size());
+            const auto count = static_cast<int>(batch.files.size());
+            const std::scoped_lock lock(m_guard);
             for (; reported < std::min(ended, count); ++reported) {
-                State &state = m_states[m_batch.at(reported).entry];
-                state.stagedBytes = sum(state.stagedBytes, m_batch.at(reported).sizeBytes);
-                ++state.stagedFiles;
-                report(m_batch.at(reported).entry, 0);
+                stage(batch.files.at(reported), +1);
+                report(batch.files.at(reported).entry, 0);
             }
             if (reported < count) {
-                const PlannedFile &next = m_batch.at(reported);
+                const PlannedFile &next = batch.files.at(reported);
                 const qint64 partly = wholeBytes(fraction * static_cast<double>(next.sizeBytes));
                 report(next.entry, partly);
             }
@@ -975,36 +880,33 @@ private:
         constexpr int mostTries = 3;
         ADBResult<QStringList> copied;
         for (int tries = 0; tries < mostTries; ++tries) {
-            const QString large = AndroidPath::join(staging, stagedName(m_batch.first()));
-            if (!isLarge(m_batch.first()))
-                copied = ADBClient::copyFiles(m_job.direction, m_job.serial, sources, staging, detail, m_stop,
-                                              onProgress);
-            else
-                copied = isPull() ? pullLarge(large) : pushLarge(large);
+            const QString large = AndroidPath::join(staging, stagedName(batch.files.first()));
+            copied = isLarge(batch.files.first())
+                         ? copyLarge(batch, large)
+                         : m_carrier->carry(sources, staging, bytes, m_stop, onProgress);
             if (copied || copied.error().errorDescription() != QLatin1String("adb exited with 1"))
                 break;
         }
-        for (const PlannedFile &file : std::as_const(m_batch)) {
-            m_states[file.entry].stagedBytes = 0;
-            m_states[file.entry].stagedFiles = 0;
-        }
+        const std::scoped_lock lock(m_guard);
+        for (const PlannedFile &file : std::as_const(batch.files).first(reported))
+            stage(file, -1);
         return copied;
     }
 
     // -- Outcomes
 
     /// Why a file of the batch is not to be used.
-    void explain(const PlannedFile &file, bool hasArrived, const QStringList &errors) {
+    void explain(const Batch &batch, const PlannedFile &file, bool hasArrived, const QStringList &errors) {
         QString reason;
         for (const QString &error : errors) {
             // The file is named as it is here or as it is there; no two of a batch have one name.
-            if (m_batch.size() == 1 ||
+            if (batch.files.size() == 1 ||
                 error.contains(
                     QString(QLatin1Char('/') % AndroidPath::lastComponent(file.source) % QLatin1Char('\''))))
                 reason = explainedCopyError(error);
             if (error.contains(QLatin1String("No space left on device")))
-                return failAll(isPull() ? QStringLiteral("The disk of this computer is full.")
-                                        : QStringLiteral("The phone’s storage is full."));
+                return failAll(m_to->isPhone() ? QStringLiteral("The phone’s storage is full.")
+                                               : QStringLiteral("The disk of this computer is full."));
         }
         if (reason.isEmpty())
             reason = hasArrived ? QStringLiteral("It was changed while it was copied.")
@@ -1035,6 +937,7 @@ private:
         constexpr double step = 0.001;
         if (m_watcher.onLife)
             m_watcher.onLife();
+        const std::scoped_lock lock(m_guard);
         State &state = m_states[entry];
         if (state.hasEnded || !m_watcher.onProgress)
             return;
@@ -1069,8 +972,12 @@ private:
     const CopyJob &m_job;
     const CopyWatcher &m_watcher;
     std::stop_token m_stop;
+    /// Two runs of adb may share what follows; what one of them has brought may end an entry, which is told.
+    mutable std::recursive_mutex m_guard;
+    std::unique_ptr<CopySide> m_from;
+    std::unique_ptr<CopySide> m_to;
+    std::unique_ptr<Carrier> m_carrier;
     QList<State> m_states;
-    QHash<QString, TreeEntry> m_there; ///< what stands on the phone
     QList<PlannedFile> m_folders;
     QList<PlannedFile> m_files;
     QSet<QString> m_planned;    ///< where the files of this run go
@@ -1078,10 +985,9 @@ private:
     QList<PlannedFile> m_alike; ///< the same size and time stand there; not compared yet
     QSet<QString> m_different;  ///< of what stands there, what was found to hold something else
     bool m_wasInterrupted = false;
-    bool m_isBatchCompared = false;
-    bool m_isPhoneGone = false;
+    std::atomic<bool> m_isPhoneGone = false;
     qsizetype m_nextFile = 0;
-    QList<PlannedFile> m_batch;
+    qsizetype m_mostTogether = 1000; ///< files for one run of adb
 };
 
 } // namespace

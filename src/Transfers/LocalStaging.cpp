@@ -1,11 +1,10 @@
 #include "Transfers/LocalStaging.h"
 
 #include "ADB/AndroidPath.h"
-#include "Transfers/StagedName.h"
-
 #include <QCryptographicHash>
 #include <QFile>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -15,6 +14,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace vantrel {
 
@@ -34,6 +34,30 @@ TreeEntry entryOf(const QString &path, const struct stat &facts) {
                                                           : TreeEntry::Kind::other;
     return {path, kind, kind == TreeEntry::Kind::file ? facts.st_size : 0, facts.st_mtime};
 }
+
+/// When a file was changed, as exactly as the system knows it.
+timespec timeOf(const struct stat &facts) {
+#ifdef Q_OS_MACOS
+    return facts.st_mtimespec;
+#else
+    return facts.st_mtim;
+#endif
+}
+
+/// An open file.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : m_number(number) {}
+    ~Descriptor() {
+        if (m_number >= 0)
+            ::close(m_number);
+    }
+    Q_DISABLE_COPY_MOVE(Descriptor)
+    [[nodiscard]] int get() const { return m_number; }
+
+private:
+    int m_number;
+};
 
 /// The names in a folder without "." and "..", as bytes. errno when they cannot be read.
 tl::expected<QList<QByteArray>, int> namesIn(const QString &folder) {
@@ -64,9 +88,8 @@ bool isNotKnownHere(int error) {
 
 } // namespace
 
-tl::expected<LocalStaging, QString> LocalStaging::create(const QString &folder) {
+tl::expected<LocalStaging, QString> LocalStaging::create(const QString &folder, const QString &name) {
     LocalStaging staging;
-    const QString name = StagedName::make();
     const QString path = AndroidPath::join(folder, name);
     if (::mkdir(QFile::encodeName(path).constData(), 0700) != 0) {
         const int error = errno;
@@ -170,6 +193,65 @@ tl::expected<void, QString> makeFolder(const QString &path) {
     if (there && there->kind == TreeEntry::Kind::folder)
         return {};
     return tl::make_unexpected(systemText(error));
+}
+
+bool isWithin(const QString &folder, const QString &other) {
+    struct stat outer {};
+    if (::stat(QFile::encodeName(other).constData(), &outer) != 0)
+        return false;
+    std::error_code ignored;
+    std::filesystem::path path = std::filesystem::canonical(nativePath(folder), ignored);
+    for (; !path.empty(); path = path.parent_path()) {
+        struct stat facts {};
+        if (::stat(path.c_str(), &facts) == 0 && facts.st_dev == outer.st_dev && facts.st_ino == outer.st_ino)
+            return true;
+        if (path == path.root_path())
+            break;
+    }
+    return false;
+}
+
+tl::expected<void, QString> copy(const QString &source, const QString &copied, qint64 from,
+                                 const std::stop_token &stop,
+                                 const std::function<void(qint64 bytes, qint64 size)> &onBytes) {
+    constexpr std::size_t blockSize = 1 << 20;
+    const auto failed = [](const char *what, const QString &path) {
+        const QString reason = systemText(errno);
+        return tl::make_unexpected(QString(QStringLiteral("cannot %1 '").arg(QLatin1String(what)) % path %
+                                           QStringLiteral("': ") % reason));
+    };
+    // Opening a pipe that took the file's place would wait for a writer.
+    const Descriptor in(::open(QFile::encodeName(source).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat facts {};
+    if (in.get() < 0 || ::fstat(in.get(), &facts) != 0 || ::lseek(in.get(), from, SEEK_SET) != from)
+        return failed("open", source);
+    const Descriptor out(::open(QFile::encodeName(copied).constData(),
+                                O_WRONLY | O_APPEND | O_CLOEXEC | (from > 0 ? 0 : O_CREAT | O_TRUNC), 0600));
+    if (out.get() < 0)
+        return failed("create", copied);
+    std::vector<char> block(blockSize);
+    for (qint64 done = from; done < facts.st_size && !stop.stop_requested();) {
+        const auto wanted = std::min<qint64>(blockSize, facts.st_size - done);
+        const ssize_t got = ::read(in.get(), block.data(), std::size_t(wanted));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return failed("read", source);
+        if (got == 0)
+            break; // it has become shorter
+        for (ssize_t written = 0; written < got;) {
+            const ssize_t now = ::write(out.get(), block.data() + written, std::size_t(got - written));
+            if (now < 0 && errno != EINTR)
+                return failed("write", copied);
+            written += std::max<ssize_t>(now, 0);
+        }
+        done += got;
+        onBytes(done, facts.st_size);
+    }
+    const std::array<timespec, 2> times{timeOf(facts), timeOf(facts)};
+    if (!stop.stop_requested() && ::futimens(out.get(), times.data()) != 0)
+        return failed("write", copied);
+    return {};
 }
 
 bool setModified(const QString &path, qint64 modified) {

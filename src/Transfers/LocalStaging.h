@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Records/FileTree.h"
+#include "Transfers/StagedName.h"
 
 #include <QString>
 #include <QStringList>
@@ -20,7 +21,8 @@ namespace vantrel {
 class LocalStaging {
 public:
     /// Makes one in a folder that is there.
-    [[nodiscard]] static tl::expected<LocalStaging, QString> create(const QString &folder);
+    [[nodiscard]] static tl::expected<LocalStaging, QString> create(const QString &folder,
+                                                                    const QString &name = StagedName::make());
     ~LocalStaging();
     LocalStaging(LocalStaging &&other) noexcept;
     LocalStaging(const LocalStaging &) = delete;
@@ -60,6 +62,15 @@ enum class Placing {
 [[nodiscard]] FileTree readTree(const QString &path);
 /// Makes a folder; one that is there is left as it is. The system's text when there is none afterwards.
 [[nodiscard]] tl::expected<void, QString> makeFolder(const QString &path);
+/// Whether a folder is another one or lies anywhere below it, however either is spelled.
+[[nodiscard]] bool isWithin(const QString &folder, const QString &other);
+/// Copies a file's content behind its first `from` bytes, which the copy has, and gives the copy its time.
+/// `onBytes` is told, on this thread, how much of the size it has come to. Content that was put behind that
+/// size meanwhile is left. Fails as adb would say it; also when a stop is requested, which leaves what has
+/// come.
+[[nodiscard]] tl::expected<void, QString> copy(const QString &source, const QString &copied, qint64 from,
+                                               const std::stop_token &stop,
+                                               const std::function<void(qint64 bytes, qint64 size)> &onBytes);
 /// Sets a file's time, in seconds since 1970.
 bool setModified(const QString &path, qint64 modified);
 /// The MD5 sum of a file's content, 32 digits; nothing when it cannot be read or a stop is requested.

@@ -26,17 +26,25 @@ constexpr int version = 1;
 constexpr int mostPrograms = 8;
 
 const QString programName = QStringLiteral("vantrel");
-const QString pull = QStringLiteral("pull");
-const QString push = QStringLiteral("push");
+/// How each way of a copy is called in the file.
+const std::pair<TransferDirection, QString> ways[] = {
+    {TransferDirection::androidToMac, QStringLiteral("pull")},
+    {TransferDirection::macToAndroid, QStringLiteral("push")},
+    {TransferDirection::withinMac, QStringLiteral("here")}};
+
+QString nameOf(TransferDirection direction) {
+    return std::find_if(std::begin(ways), std::end(ways),
+                        [&](const auto &way) { return way.first == direction; })
+        ->second;
+}
 
 /// The destination is kept as a folder and a name, so that an entry never leads out of its folder.
 QJsonObject toJson(const QueueItem &item) {
-    const QString name = AndroidPath::lastComponent(item.destinationPath);
     return {{QStringLiteral("phone"), item.serial},
-            {QStringLiteral("way"), item.direction == TransferDirection::androidToMac ? pull : push},
+            {QStringLiteral("way"), nameOf(item.direction)},
             {QStringLiteral("source"), item.sourcePath},
-            {QStringLiteral("folder"), item.destinationPath.chopped(name.size() + 1)},
-            {QStringLiteral("name"), name},
+            {QStringLiteral("folder"), item.destinationFolder},
+            {QStringLiteral("name"), item.name},
             {QStringLiteral("isFolder"), item.isDirectory},
             {QStringLiteral("bytes"), item.totalBytes},
             {QStringLiteral("keepBoth"), item.whenTaken == WhenTaken::keepBoth}};
@@ -47,24 +55,28 @@ bool isPlainPath(const QString &path) {
     return path.startsWith(QLatin1Char('/')) && !path.contains(QChar(u'\0')) && QDir::cleanPath(path) == path;
 }
 
-/// The entry, if it is one that the program can have written.
-std::optional<QueueItem> fromJson(const QJsonObject &json) {
+/// The entry, if it is one that the program can have written; `before` is the folder of the one before it.
+std::optional<QueueItem> fromJson(const QJsonObject &json, const QString &before) {
     const auto text = [&](const char *key) { return json.value(QLatin1String(key)).toString(); };
-    const QString way = text("way");
-    const QString folder = text("folder");
+    const auto *const way = std::find_if(std::begin(ways), std::end(ways),
+                                         [&](const auto &known) { return known.second == text("way"); });
+    if (way == std::end(ways))
+        return std::nullopt;
     QueueItem item;
     item.id = newIdentity();
     item.serial = text("phone");
-    item.direction = way == pull ? TransferDirection::androidToMac : TransferDirection::macToAndroid;
+    item.direction = way->first;
     item.sourcePath = text("source");
     item.name = text("name");
-    item.destinationPath = AndroidPath::join(folder.isEmpty() ? QStringLiteral("/") : folder, item.name);
+    item.destinationFolder = text("folder");
+    if (item.destinationFolder == before) // one text for all that go there, as when they were queued
+        item.destinationFolder = before;
     item.isDirectory = json.value(QLatin1String("isFolder")).toBool();
     item.totalBytes = std::max<qint64>(json.value(QLatin1String("bytes")).toInteger(), 0);
     item.whenTaken = json.value(QLatin1String("keepBoth")).toBool() ? WhenTaken::keepBoth : WhenTaken::ask;
     item.status = QueueItemStatus::Paused{{.totalBytes = item.totalBytes}};
-    const bool isOne = (way == pull || way == push) && !item.serial.isEmpty() &&
-                       AndroidPath::isSafeName(item.name) && isPlainPath(item.destinationPath) &&
+    const bool isOne = item.serial.isEmpty() != needsPhone(item.direction) &&
+                       AndroidPath::isSafeName(item.name) && isPlainPath(item.destinationPath()) &&
                        isPlainPath(item.sourcePath);
     return isOne ? std::optional(item) : std::nullopt;
 }
@@ -144,7 +156,10 @@ void QueueFile::read(const QString &path, Contents &contents) {
     const QJsonArray entries = json.value(QLatin1String("unfinished")).toArray();
     bool areAllUnderstood = entries.size() <= mostEntries;
     for (const auto &entry : entries) {
-        if (const auto item = fromJson(entry.toObject()); item && contents.entries.size() < mostEntries)
+        const QString before =
+            contents.entries.isEmpty() ? QString() : contents.entries.last().destinationFolder;
+        if (const auto item = fromJson(entry.toObject(), before);
+            item && contents.entries.size() < mostEntries)
             contents.entries.append(*item);
         else
             areAllUnderstood = false;

@@ -15,14 +15,10 @@ qint64 counted(qint64 bytes) {
     return std::clamp<qint64>(bytes, 0, largest);
 }
 
-QStringView folderOf(const QString &path) {
-    return QStringView(path).left(path.lastIndexOf(QLatin1Char('/')));
-}
-
 /// Whether two entries may be copied by one run: files of one phone, one way, into one folder.
 bool belongTogether(const QueueItem &a, const QueueItem &b) {
     return !a.isDirectory && !b.isDirectory && a.direction == b.direction && a.serial == b.serial &&
-           folderOf(a.destinationPath) == folderOf(b.destinationPath);
+           a.destinationFolder == b.destinationFolder;
 }
 
 } // namespace

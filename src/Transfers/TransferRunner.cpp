@@ -21,14 +21,9 @@ namespace {
 /// One key for all spellings of one place: shared storage and the Mac ignore case, so such copies go one
 /// after the other, and the file system says whether they are two.
 QString destinationKey(const QueueItem &item) {
-    return (item.direction == TransferDirection::androidToMac ? QStringLiteral("mac:")
-                                                              : QString(item.serial % QLatin1Char(':'))) +
-           item.destinationPath.toCaseFolded();
-}
-
-QString folderOf(const QString &path) {
-    const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
-    return slash <= 0 ? QStringLiteral("/") : path.left(slash);
+    return (item.direction == TransferDirection::macToAndroid ? QString(item.serial % QLatin1Char(':'))
+                                                              : QStringLiteral("mac:")) +
+           item.destinationPath().toCaseFolded();
 }
 
 } // namespace
@@ -205,7 +200,8 @@ void TransferRunner::phoneWasAsked() {
         const auto *waiting = item.status.as<QueueItemStatus::Waiting>();
         if (!waiting || waiting->isClaimed)
             return item.status;
-        return QueueItemStatus(QueueItemStatus::Waiting{!phones.contains(item.serial)});
+        return QueueItemStatus(
+            QueueItemStatus::Waiting{needsPhone(item.direction) && !phones.contains(item.serial)});
     });
     if (isChanged)
         Q_EMIT queueChanged();
@@ -213,8 +209,9 @@ void TransferRunner::phoneWasAsked() {
 }
 
 bool TransferRunner::mayStart(const QueueItem &item, const QStringList &phones) const {
-    return phones.contains(item.serial) && !m_gonePhones.contains(item.serial) &&
-           !m_destinationsInUse.contains(destinationKey(item));
+    const bool isReachable =
+        !needsPhone(item.direction) || (phones.contains(item.serial) && !m_gonePhones.contains(item.serial));
+    return isReachable && !m_destinationsInUse.contains(destinationKey(item));
 }
 
 /// Starts copies until all slots are taken or nothing may start, and ends the run when nothing is left: both
@@ -263,7 +260,7 @@ QCoro::Task<> TransferRunner::runSlot(QList<QueueItem> entries) {
     CopyJob job;
     job.direction = entries.first().direction;
     job.serial = entries.first().serial;
-    job.folder = folderOf(entries.first().destinationPath);
+    job.folder = entries.first().destinationFolder;
     job.verifies = m_verifies;
     for (const QueueItem &item : std::as_const(entries)) {
         if (AndroidPath::isSafeName(item.name)) {
@@ -333,8 +330,8 @@ void TransferRunner::finish(const QUuid &id, const CopyReport &report) {
 void TransferRunner::refreshReceivingPane(const QueueItem &item) {
     constexpr int pauseMilliseconds = 1000;
     const BrowserSide side =
-        item.direction == TransferDirection::androidToMac ? BrowserSide::mac : BrowserSide::android;
-    if (m_host.shownFolder(side) != folderOf(item.destinationPath))
+        item.direction == TransferDirection::macToAndroid ? BrowserSide::android : BrowserSide::mac;
+    if (m_host.shownFolder(side) != item.destinationFolder)
         return;
     ReceivingPane &pane = receivingPane(side);
     const bool isLast = m_queue.activeCount() == 0 && m_queue.waitingCount() == 0;

@@ -25,8 +25,8 @@ QList<PathSegment> segmentsOf(QString path, const QStringList &titles) {
 
 } // namespace
 
-AndroidBrowserPane::AndroidBrowserPane(AppState *state, QWidget *parent)
-    : BrowserPane(state, BrowserSide::android, parent) {
+AndroidBrowserPane::AndroidBrowserPane(AppState *state, ThumbnailStore *pictures, QWidget *parent)
+    : BrowserPane(state, BrowserSide::android, pictures, parent) {
     setObjectName(QStringLiteral("androidPane"));
     connect(state, &AppState::androidSearchTextChanged, this, [state] { state->scheduleAndroidSearch(); });
     connect(state, &AppState::androidSearchScopeChanged, this, [state] { state->scheduleAndroidSearch(); });
@@ -81,7 +81,7 @@ void AndroidBrowserPane::fill(FilePane &pane) {
     pane.path.folder = state->androidCurrentPath();
     pane.path.onGoTo = [this](const QString &path) {
         focusSide();
-        app().browseAndroid(path);
+        app().browseAndroid(path, arrivalAt(path));
     };
     if (!isSearchActive)
         pane.path.segments = segmentsOf(state->androidCurrentPath(), state->androidPathSegments());
@@ -98,7 +98,7 @@ void AndroidBrowserPane::fill(FilePane &pane) {
         if (state->isAndroidEverywhereSearchActive())
             state->clearAndroidSearch();
         else
-            state->browseAndroid(parentAndroidPath(state->androidCurrentPath()));
+            state->browseAndroid(parentAndroidPath(state->androidCurrentPath()), Arrival::back);
     };
     pane.onRefresh = [state] {
         if (state->isAndroidEverywhereSearchActive())

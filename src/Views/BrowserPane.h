@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Kit/RenderScheduler.h"
+#include "Records/FileItem.h"
 #include "Records/Pane.h"
+#include "Thumbnails/ThumbnailStore.h"
 #include "Views/Emptiness.h"
 
 #include <QWidget>
@@ -25,8 +27,9 @@ public:
     [[nodiscard]] FilePaneView *view() const { return m_view; }
 
 protected:
-    /// The state must outlive the view. The subclass calls start() at the end of its constructor.
-    BrowserPane(AppState *state, BrowserSide side, QWidget *parent);
+    /// The state must outlive the view, and so must the pictures, if there are to be any. The subclass calls
+    /// start() at the end of its constructor.
+    BrowserPane(AppState *state, BrowserSide side, ThumbnailStore *pictures, QWidget *parent);
 
     /// What differs between the sides.
     virtual void fill(FilePane &pane) = 0;
@@ -49,13 +52,18 @@ protected:
     [[nodiscard]] AppState &app() const { return *m_app; }
     [[nodiscard]] PaneState &state() const { return m_state; }
     void focusSide() const;
+    /// How a folder is come to from the one that is shown: one around it is gone back to.
+    [[nodiscard]] Arrival arrivalAt(const QString &path) const;
 
 private:
     void render();
+    [[nodiscard]] QList<FileItem> together(const FileItem &item) const;
+    [[nodiscard]] FilePlace place() const;
     void take(const QMimeData &dragged, const QString &folder);
 
     AppState *m_app;
     PaneState &m_state;
+    ThumbnailStore *m_pictures;
     FilePaneView *m_view;
     Spinner *m_spinner;
     RenderScheduler m_rendering{[this] { render(); }};

@@ -31,9 +31,9 @@ bool editsText(const QWidget *control) {
 
 } // namespace
 
-DualBrowserView::DualBrowserView(AppState *state, QWidget *parent)
-    : QWidget(parent), m_state(state), m_android(new AndroidBrowserPane(state)),
-      m_mac(new MacBrowserPane(state)) {
+DualBrowserView::DualBrowserView(AppState *state, ThumbnailStore *pictures, QWidget *parent)
+    : QWidget(parent), m_state(state), m_android(new AndroidBrowserPane(state, pictures)),
+      m_mac(new MacBrowserPane(state, pictures)) {
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(10);

@@ -9,6 +9,7 @@ namespace vantrel {
 class AppState;
 class BrowserPane;
 class FilePaneView;
+class ThumbnailStore;
 
 /// The middle of the window: the phone's pane, the copy buttons and the computer's pane, side by side. While
 /// it is on screen it also handles, for the whole application, the two keys that act on the focused pane's
@@ -18,8 +19,8 @@ public:
     /// What becomes of a key: it goes on to the focused control, or it ends here.
     enum class KeyOutcome { passedOn, consumed };
 
-    /// The state must outlive the view.
-    explicit DualBrowserView(AppState *state, QWidget *parent = nullptr);
+    /// The state must outlive the view, and so must the pictures of its files, if there are to be any.
+    explicit DualBrowserView(AppState *state, ThumbnailStore *pictures = nullptr, QWidget *parent = nullptr);
 
     /// The pane that keyboard commands act on, and the other one.
     [[nodiscard]] FilePaneView *focusedPane() const;

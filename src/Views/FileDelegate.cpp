@@ -43,14 +43,14 @@ void FileRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->fillRect(inReadingDirection(line.adjusted(dividerIndent, 0, 0, 0), line), AppTheme::stroke());
 }
 
-QSize FileRowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const {
-    // As wide as the list, whatever the width told here.
-    return {1, FileRowGeometry::height(entry(index).showsLocation) + dividerHeight};
+int FileRowDelegate::height(bool showsLocation) {
+    return FileRowGeometry::height(showsLocation) + dividerHeight;
 }
 
 void FileGridCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                  const QModelIndex &index) const {
-    FileGridCell{entry(index)}.paint(*painter, option.rect);
+    const auto picture = index.data(FileItemsModel::pictureRole).value<QImage>();
+    FileGridCell{entry(index), picture, m_tileHeight}.paint(*painter, option.rect);
 }
 
 } // namespace vantrel

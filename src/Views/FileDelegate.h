@@ -19,6 +19,10 @@ public:
     /// Of the focus ring's corners, in layout pixels.
     [[nodiscard]] virtual double focusRadius() const = 0;
 
+    /// Nothing: the views know where each entry lies.
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const override {
+        return {};
+    }
     /// A name that is cut shows in full while the mouse rests on its entry.
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
@@ -48,25 +52,24 @@ protected:
 /// A FileRow with a divider under it.
 class FileRowDelegate : public FileCellDelegate<FileRow> {
 public:
+    /// Of a row with its divider, in layout pixels.
+    [[nodiscard]] static int height(bool showsLocation);
+
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 };
 
 /// A FileGridCell.
 class FileGridCellDelegate : public FileCellDelegate<FileGridCell> {
 public:
-    /// What every cell takes, in layout pixels.
-    void setCellSize(const QSize &size) { m_cellSize = size; }
+    /// What of a cell is the tile's, in layout pixels.
+    void setTileHeight(double height) { m_tileHeight = height; }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const override {
-        return m_cellSize;
-    }
 
 private:
-    QSize m_cellSize;
+    double m_tileHeight = FileGridCellGeometry::standardTileHeight;
 };
 
 } // namespace vantrel

@@ -6,6 +6,7 @@
 #include "Theme/AppTheme.h"
 
 #include <QDrag>
+#include <QFileInfo>
 #include <QPainter>
 #include <QUrl>
 #include <QWidget>
@@ -64,10 +65,18 @@ QStringList draggedPaths(const QMimeData &data) {
     return paths;
 }
 
-qsizetype draggedCount(const QMimeData &data, BrowserSide to) {
-    if (const auto *own = qobject_cast<const DraggedEntries *>(&data))
-        return own->side() == to ? 0 : own->items().size();
-    return to == BrowserSide::android ? draggedPaths(data).size() : 0;
+qsizetype draggedCount(const QMimeData &data, BrowserSide to, const QString &folder) {
+    const auto *own = qobject_cast<const DraggedEntries *>(&data);
+    if (own && own->side() == BrowserSide::android)
+        return to == BrowserSide::android ? 0 : own->items().size();
+    const QStringList paths = draggedPaths(data);
+    const auto isWhereItWouldGo = [&](const QString &path) {
+        const QString within = path + QLatin1Char('/');
+        return folder == path || folder.startsWith(within) || QFileInfo(path).path() == folder;
+    };
+    const bool isRefused =
+        to == BrowserSide::mac && std::any_of(paths.begin(), paths.end(), isWhereItWouldGo);
+    return isRefused ? 0 : paths.size();
 }
 
 void dragEntries(QWidget *from, DraggedEntries *entries) {

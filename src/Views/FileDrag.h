@@ -29,10 +29,11 @@ private:
     QList<FileItem> m_items;
 };
 
-/// How many entries a drag brings to a pane of that side; none when it cannot take them, as its own.
-[[nodiscard]] qsizetype draggedCount(const QMimeData &data, BrowserSide to);
+/// How many entries a drag brings into a folder of that side; none when it cannot take them: the phone's own,
+/// those that are in that folder, a folder into itself.
+[[nodiscard]] qsizetype draggedCount(const QMimeData &data, BrowserSide to, const QString &folder);
 
-/// The local paths of what comes from another program.
+/// The paths of what is dragged from this computer, by this program or another one.
 [[nodiscard]] QStringList draggedPaths(const QMimeData &data);
 
 /// Drags the entries, which are deleted afterwards, away from the widget, with a picture that says what they

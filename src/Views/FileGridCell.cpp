@@ -1,8 +1,9 @@
 #include "Views/FileGridCell.h"
 
+#include "Kit/Picture.h"
 #include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
-#include "Kit/TextStyle.h"
+#include "Thumbnails/MediaKind.h"
 #include "Views/FileRow.h"
 
 #include <QPainter>
@@ -11,7 +12,7 @@ namespace vantrel {
 
 namespace {
 
-constexpr TextStyle nameStyle{11, Weight::semibold};
+constexpr TextStyle nameStyle = FileGridCellGeometry::nameStyle;
 constexpr TextStyle captionStyle{9.5, Weight::medium};
 
 constexpr double badgeMargin = 6;
@@ -29,9 +30,16 @@ bool isPicture(const FileEntry &entry) {
                                QLatin1String(".heic"), QLatin1String(".webp")});
 }
 
+/// What makes a symbol readable on any picture.
+void paintGround(QPainter &painter, const QRectF &symbol) {
+    constexpr double margin = 1;
+    const QRectF ground = symbol.adjusted(margin, margin, -margin, -margin);
+    paintCard(painter, ground, ground.width() / 2, AppTheme::surface().withOpacity(0.85), Qt::transparent);
+}
+
 } // namespace
 
-FileGridCellGeometry::FileGridCellGeometry(const QRectF &rect)
+FileGridCellGeometry::FileGridCellGeometry(const QRectF &rect, double tileHeight)
     : tile(rect.left(), rect.top(), rect.width(), tileHeight),
       name(rect.left(), tile.bottom() + textGap, rect.width(), nameLines * nameStyle.lineHeight()),
       caption(rect.left(), name.top() + nameStyle.lineHeight() + lineGap, rect.width(),
@@ -43,17 +51,17 @@ FileGridCellGeometry::FileGridCellGeometry(const QRectF &rect)
     badgeTarget = badge.adjusted(-badgeMargin, -badgeMargin, badgeMargin, badgeMargin);
 }
 
-int FileGridCellGeometry::height() {
-    return int(tileHeight + textGap + nameLines * nameStyle.lineHeight() + lineGap +
-               captionStyle.lineHeight());
+int FileGridCellGeometry::height(double tileHeight, int lines) {
+    return int(tileHeight + textGap + lines * nameStyle.lineHeight() + lineGap + captionStyle.lineHeight());
 }
 
 QString FileGridCell::icon() const {
-    return isPicture(*this) ? QStringLiteral("photo") : FileRow{*this}.icon();
+    return isPicture(*this) ? QStringLiteral("photo") : FileRow{static_cast<const FileEntry &>(*this)}.icon();
 }
 
 ThemeColor FileGridCell::iconColor() const {
-    return isPicture(*this) ? AppTheme::folderBlue() : FileRow{*this}.iconColor();
+    return isPicture(*this) ? AppTheme::folderBlue()
+                            : FileRow{static_cast<const FileEntry &>(*this)}.iconColor();
 }
 
 FileEntry::Part FileGridCell::hitTest(const QRectF &rect, const QPointF &point) const {
@@ -66,11 +74,35 @@ bool FileGridCell::cutsName(const QRectF &rect) const {
     return wrappedLines(item.name, nameStyle, width, lines + 1).size() > lines;
 }
 
+void FileGridCell::paintTile(QPainter &painter, const FileGridCellGeometry &parts) const {
+    const ThemeColor line = isSelected ? AppTheme::accent().withOpacity(0.45) : AppTheme::stroke();
+    if (picture.isNull()) {
+        paintCard(painter, parts.tile, radius, isSelected ? AppTheme::accentSoft() : AppTheme::canvas(),
+                  line);
+        const double size = 28 * tileHeight / FileGridCellGeometry::standardTileHeight;
+        Symbol{icon(), size, Weight::semibold}.paint(painter, parts.tile, iconColor());
+        return;
+    }
+    paintCard(painter, parts.tile, radius, AppTheme::canvas(),
+              Qt::transparent); // seen through what is transparent
+    paintPicture(painter, parts.tile, radius, picture);
+    if (isSelected)
+        paintCard(painter, parts.tile, radius, AppTheme::accent().withOpacity(0.25), AppTheme::accent(), 2);
+    else
+        paintCard(painter, parts.tile, radius, Qt::transparent, line);
+    paintGround(painter, parts.badge);
+    if (mediaKindOf(item.name) == MediaKind::video) {
+        QRectF mark(QPointF(), parts.badge.size());
+        mark.moveBottomLeft(parts.tile.bottomLeft() + QPointF(badgeMargin, -badgeMargin));
+        paintGround(painter, mark);
+        Symbol{QStringLiteral("play.fill"), 9, Weight::semibold}.paint(painter, mark,
+                                                                       AppTheme::inkSecondary());
+    }
+}
+
 void FileGridCell::paint(QPainter &painter, const QRectF &rect) const {
-    const FileGridCellGeometry parts(rect);
-    paintCard(painter, parts.tile, radius, isSelected ? AppTheme::accentSoft() : AppTheme::canvas(),
-              isSelected ? AppTheme::accent().withOpacity(0.45) : AppTheme::stroke());
-    Symbol{icon(), 28, Weight::semibold}.paint(painter, parts.tile, iconColor());
+    const FileGridCellGeometry parts(rect, tileHeight);
+    paintTile(painter, parts);
     badgeSymbol(isSelected)
         .paint(painter, parts.badge, isSelected ? AppTheme::accent() : AppTheme::inkTertiary());
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Kit/TextStyle.h"
 #include "Theme/AppTheme.h"
 #include "Views/FileEntry.h"
 
+#include <QImage>
 #include <QRectF>
 
 class QPainter;
@@ -11,13 +13,14 @@ namespace vantrel {
 
 /// Where the parts of a grid cell lie inside its rectangle, in layout pixels.
 struct FileGridCellGeometry {
-    static constexpr double tileHeight = 72;
-    static constexpr int nameLines = 2;
+    static constexpr double standardTileHeight = 72;
+    static constexpr int nameLines = 2; ///< at most
+    static constexpr TextStyle nameStyle{11, Weight::semibold};
 
-    explicit FileGridCellGeometry(const QRectF &rect);
+    explicit FileGridCellGeometry(const QRectF &rect, double tileHeight = standardTileHeight);
 
-    /// Of every cell, whether its name takes two lines or one: the tiles of a row stand in line.
-    [[nodiscard]] static int height();
+    /// Of a cell whose name takes so many lines.
+    [[nodiscard]] static int height(double tileHeight = standardTileHeight, int lines = nameLines);
 
     QRectF tile;
     QRectF badge;
@@ -31,6 +34,9 @@ struct FileGridCell : FileEntry {
     static constexpr bool showsModified = false;
     static constexpr double radius = 10; ///< of the tile, and of the focus ring
 
+    QImage picture = {}; ///< null: the symbol stands for it
+    double tileHeight = FileGridCellGeometry::standardTileHeight;
+
     /// As in the list, but pictures have their own.
     [[nodiscard]] QString icon() const;
     [[nodiscard]] ThemeColor iconColor() const;
@@ -39,6 +45,9 @@ struct FileGridCell : FileEntry {
     /// Whether the name is too long to be shown in full.
     [[nodiscard]] bool cutsName(const QRectF &rect) const;
     void paint(QPainter &painter, const QRectF &rect) const;
+
+private:
+    void paintTile(QPainter &painter, const FileGridCellGeometry &parts) const;
 };
 
 } // namespace vantrel

@@ -14,63 +14,135 @@
 
 namespace vantrel {
 
-FileGridGeometry::FileGridGeometry(int width) {
-    const int available = std::max(0, width - 2 * inset);
-    columns = std::max(1, (available + spacing) / (minColumnWidth + spacing));
-    columnWidth = std::clamp((available - (columns - 1) * spacing) / columns, minColumnWidth, maxColumnWidth);
-    const int used = columns * columnWidth + (columns - 1) * spacing;
-    left = inset + std::max(0, available - used) / 2;
-}
-
 FileGridView::FileGridView(FileItemsModel *model, FileSelectionModel *selection, QWidget *parent)
     : FileItemsView(model, selection, new FileGridCellDelegate, parent),
-      m_cells(static_cast<FileGridCellDelegate *>(itemDelegate())), m_geometry(0) {
-    setFlow(LeftToRight);
-    setWrapping(true);
-    fit(width());
+      m_cells(static_cast<FileGridCellDelegate *>(itemDelegate())), m_geometry(width()),
+      m_widths(FileGridCellGeometry::nameStyle) {
+    connect(model, &FileItemsModel::followed, this, &FileGridView::takeOtherNames);
 }
 
-void FileGridView::fit(int width) {
-    const FileGridGeometry geometry(width);
-    if (geometry == m_geometry)
+// -- Layout
+
+const FileGridGeometry &FileGridView::geometry() const {
+    if (!std::exchange(m_isStale, false))
+        return m_geometry;
+    const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
+    const int column = m_geometry.columnWidth;
+    const double tile = m_geometry.tileHeight;
+    const int heights[] = {FileGridCellGeometry::height(tile, 1), FileGridCellGeometry::height(tile, 2)};
+    int mayLayOut = 200; // names; the others that only that would tell get the room of two lines
+    m_names.resize(items.size());
+    m_geometry.layOut(int(items.size()), [&](int row) {
+        Name &name = m_names[row];
+        const QString &now = items.at(row).name;
+        const bool isOther = name.name != now;
+        if (isOther)
+            name = {now, m_widths.widthOf(now)};
+        if (isOther || name.column != column) {
+            const float spare = float(column) - name.width.about;
+            const bool isSure = qAbs(spare) > name.width.within;
+            const bool isOne =
+                isSure ? spare > 0
+                       : mayLayOut-- > 0 &&
+                             wrappedLines(now, FileGridCellGeometry::nameStyle, column, 2).size() < 2;
+            name.lines = isOne ? 1 : 2;
+            name.column = column;
+        }
+        return heights[name.lines - 1];
+    });
+    return m_geometry;
+}
+
+void FileGridView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                               const QList<int> &roles) {
+    FileItemsView::dataChanged(topLeft, bottomRight, roles);
+    if (!roles.isEmpty() || m_isStale || m_hasOtherNames) // no other name, or it will be looked at anyway
         return;
-    m_geometry = geometry;
-    const QSize cell(m_geometry.columnWidth, FileGridCellGeometry::height());
-    m_cells->setCellSize(cell);
-    setGridSize(cell + QSize(FileGridGeometry::spacing, FileGridGeometry::spacing));
+    const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
+    for (int row = topLeft.row(); row <= bottomRight.row() && !m_hasOtherNames; ++row)
+        m_hasOtherNames = items.at(row).name != m_names.at(row).name;
 }
 
-int FileGridView::horizontalOffset() const {
-    // Where lines begin on the right, the toolkit lays out from there.
-    return isRightToLeft() ? m_geometry.left : -m_geometry.left;
+/// Once for all the changes that come together: a name may take another number of lines.
+void FileGridView::takeOtherNames() {
+    if (!std::exchange(m_hasOtherNames, false) || m_isStale)
+        return;
+    const FileGridGeometry before = m_geometry;
+    forgetLayout();
+    if (isVisible() && geometry() != before) {
+        updateGeometries();
+        viewport()->update();
+    }
+}
+
+/// Lays the tiles out for another width or size, if that is of any consequence.
+void FileGridView::fit(int width) {
+    const FileGridGeometry fitting(width, m_tileSize);
+    if (fitting.isLike(m_geometry))
+        return;
+    m_geometry = fitting;
+    m_cells->setTileHeight(m_geometry.tileHeight);
+    forgetLayout();
+    viewport()->update();
+}
+
+void FileGridView::setTileSize(int size) {
+    if (std::exchange(m_tileSize, size) == size)
+        return;
+    const PanePlace before = isVisible() ? place() : PanePlace();
+    const bool isAtTop = verticalScrollBar()->value() == 0;
+    fit(viewport()->width());
+    if (!isVisible())
+        return;
+    updateGeometries();
+    if (!isAtTop)
+        scrollTo(model()->index(before.row, 0), PositionAtTop);
+}
+
+void FileGridView::wheelEvent(QWheelEvent *event) {
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        FileItemsView::wheelEvent(event);
+        return;
+    }
+    constexpr int notch = QWheelEvent::DefaultDeltasPerStep;
+    m_turned += event->angleDelta().y();
+    const int steps = m_turned / notch;
+    m_turned -= steps * notch;
+    if (steps != 0)
+        Q_EMIT tileSizeStepped(steps);
+    event->accept();
+}
+
+// -- Pictures
+
+void FileGridView::lookAtVisible() {
+    const auto [first, last] = rowsInSight();
+    // A photo that stands upright is higher than its tile, of which it fills the width.
+    const double longest = m_geometry.maxColumnWidth * 4 / 3.0 * devicePixelRatioF();
+    static_cast<FileItemsModel *>(model())->look(first, last, int(longest));
 }
 
 void FileGridView::changeEvent(QEvent *event) {
     if (event->type() == QEvent::FontChange) { // texts appear in another size
-        m_geometry = FileGridGeometry(-1);
-        fit(width());
+        m_widths = WidthTable(FileGridCellGeometry::nameStyle);
+        m_names.clear();
+        forgetLayout();
+        if (isVisible()) {
+            updateGeometries();
+            viewport()->update();
+        }
     }
     FileItemsView::changeEvent(event);
 }
 
-void FileGridView::updateGeometries() {
-    QScrollBar *bar = verticalScrollBar();
-    const int place = bar->value();
-    FileItemsView::updateGeometries();
-    // An inset above and one below; after the last line there is no spacing.
-    if (model()->rowCount() > 0) {
-        constexpr int more = 2 * FileGridGeometry::inset - FileGridGeometry::spacing;
-        bar->setMaximum(std::max(0, contentsSize().height() + more - viewport()->height()));
-        bar->setValue(place);
-    }
+void FileGridView::hideEvent(QHideEvent *event) {
+    FileItemsView::hideEvent(event);
+    static_cast<FileItemsModel *>(model())->look(0, -1, 0);
 }
 
 void FileGridView::resizeEvent(QResizeEvent *event) {
     fit(event->size().width());
     FileItemsView::resizeEvent(event);
-    // The toolkit takes its time; tiles that lag behind the window's edge look broken.
-    if (isVisible())
-        executeDelayedItemsLayout();
 }
 
 // -- Rubber band
@@ -85,10 +157,8 @@ QRect FileGridView::bandRect() const {
 
 QSet<int> FileGridView::rowsIn(const QRect &rect) const {
     QSet<int> rows;
-    const int firstLine = std::max(0, (rect.top() + verticalOffset()) / pitch());
-    const int lastLine = std::max(0, rect.bottom() + verticalOffset()) / pitch();
-    const int last = std::min((lastLine + 1) * columns(), model()->rowCount());
-    for (int row = firstLine * columns(); row < last; ++row) {
+    const auto [first, last] = rowsBetween(rect.top() + verticalOffset(), rect.bottom() + verticalOffset());
+    for (int row = first; row <= last; ++row) {
         if (visualRect(model()->index(row, 0)).intersects(rect))
             rows.insert(row);
     }
@@ -147,6 +217,7 @@ void FileGridView::mouseReleaseEvent(QMouseEvent *event) {
 
 void FileGridView::paintEvent(QPaintEvent *event) {
     FileItemsView::paintEvent(event);
+    lookAtVisible(); // what is painted is in sight, whatever brought it there
     if (!m_band || m_band->from == m_band->to)
         return;
     QPainter painter(viewport());

@@ -10,7 +10,7 @@ namespace vantrel {
 namespace {
 
 /// How an entry differs to the eye from the one that stood at its place.
-enum class Change { none, date, look };
+enum class Change { none, date, mark, look };
 
 Change changeBetween(const FileItem &a, const FileItem &b, bool showsLocation) {
     // Names come last: only they take time.
@@ -55,8 +55,11 @@ void FileItemsModel::follow(bool showsLocation) {
 
     if (!isReset)
         tellChanges(itemsBefore, selectedBefore);
+    if (!m_items.isSharedWith(itemsBefore))
+        askForPictures();
     if (isReset || hasNewRows || m_selectedRows != selectedBefore)
         Q_EMIT selectedRowsChanged();
+    Q_EMIT followed();
 }
 
 /// Where the pane shows the known entries and some more among them, as when a folder is listed again that has
@@ -106,10 +109,15 @@ void FileItemsModel::tellChanges(const QList<FileItem> &itemsBefore, const QBitA
     if (sameItems && m_selectedRows == selectedBefore)
         return;
     const auto changeOf = [&](qsizetype row) {
-        if (m_selectedRows.testBit(row) != selectedBefore.testBit(row))
-            return Change::look;
-        return sameItems ? Change::none
-                         : changeBetween(itemsBefore.at(row), m_items.at(row), m_showsLocation);
+        const Change of =
+            sameItems ? Change::none : changeBetween(itemsBefore.at(row), m_items.at(row), m_showsLocation);
+        const bool isMarked = m_selectedRows.testBit(row) != selectedBefore.testBit(row);
+        return of == Change::none && isMarked ? Change::mark : isMarked ? Change::look : of;
+    };
+    const auto rolesOf = [](Change change) {
+        return change == Change::date   ? QList<int>{modifiedRole}
+               : change == Change::mark ? QList<int>{selectedRole}
+                                        : QList<int>{};
     };
     // A signal for every run of rows that changed alike.
     const auto count = int(std::min(m_items.size(), itemsBefore.size()));
@@ -120,10 +128,45 @@ void FileItemsModel::tellChanges(const QList<FileItem> &itemsBefore, const QBitA
         if (change == run)
             continue;
         if (run != Change::none)
-            Q_EMIT dataChanged(index(first), index(row - 1),
-                               run == Change::date ? QList<int>{modifiedRole} : QList<int>{});
+            Q_EMIT dataChanged(index(first), index(row - 1), rolesOf(run));
         run = change;
         first = row;
+    }
+}
+
+// -- Pictures
+
+void FileItemsModel::setPictures(ThumbnailStore *pictures, const FilePlace &place) {
+    const bool isKnown = m_pictures == pictures;
+    if (isKnown && m_place == place)
+        return;
+    m_pictures = pictures;
+    m_place = place;
+    if (pictures && !isKnown)
+        connect(pictures, &ThumbnailStore::arrived, this, &FileItemsModel::tellPictures);
+    askForPictures();
+}
+
+void FileItemsModel::look(int first, int last, int edge) {
+    const Sight sight{first, last, edge};
+    if (std::exchange(m_sight, sight) != sight)
+        askForPictures();
+}
+
+void FileItemsModel::askForPictures() const {
+    if (m_pictures)
+        m_pictures->look(this, m_place, m_items.mid(m_sight.first, m_sight.last - m_sight.first + 1),
+                         m_sight.edge);
+}
+
+/// Rows that nobody looks at are painted with their pictures when they come into sight.
+void FileItemsModel::tellPictures(const FilePlace &place, const QSet<QString> &paths) {
+    if (place != m_place)
+        return;
+    const int last = std::min(m_sight.last, int(m_items.size()) - 1);
+    for (int row = m_sight.first; row <= last; ++row) {
+        if (paths.contains(m_items.at(row).path))
+            Q_EMIT dataChanged(index(row), index(row), {pictureRole});
     }
 }
 
@@ -152,6 +195,8 @@ QVariant FileItemsModel::data(const QModelIndex &index, int role) const {
         return isSelected ? Qt::Checked : Qt::Unchecked;
     case modifiedRole:
         return item.modifiedLabel();
+    case pictureRole:
+        return m_pictures ? m_pictures->picture(m_place, item) : QImage();
     default:
         return {};
     }

@@ -18,7 +18,7 @@ namespace vantrel {
 
 FileItemsView::FileItemsView(FileItemsModel *model, FileSelectionModel *selection, FileDelegate *delegate,
                              QWidget *parent)
-    : QListView(parent), m_delegate(delegate) {
+    : QAbstractItemView(parent), m_delegate(delegate) {
     makeFileItemsAccessible();
     delegate->setParent(this);
     setItemDelegate(delegate);
@@ -28,8 +28,6 @@ FileItemsView::FileItemsView(FileItemsModel *model, FileSelectionModel *selectio
     connect(model, &FileItemsModel::rowsRemoved, this, &FileItemsView::layOutRows);
 
     setFrameShape(QFrame::NoFrame);
-    setUniformItemSizes(true);
-    setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSelectionMode(MultiSelection);
     setEditTriggers(NoEditTriggers);
@@ -40,71 +38,162 @@ FileItemsView::FileItemsView(FileItemsModel *model, FileSelectionModel *selectio
 void FileItemsView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                                 const QList<int> &roles) {
     // The toolkit would lay out every row anew and repaint them all; ours keep their size.
-    if (m_delegate->showsModified() || roles != QList<int>{FileItemsModel::modifiedRole})
+    const int unseen =
+        m_delegate->showsModified() ? FileItemsModel::pictureRole : FileItemsModel::modifiedRole;
+    if (roles != QList<int>{unseen})
         updateRows(topLeft.row(), bottomRight.row());
 }
 
 void FileItemsView::rowsInserted(const QModelIndex &parent, int start, int end) {
-    const int place = verticalScrollBar()->value();
-    const int first = firstVisibleRow();
     const int count = end - start + 1;
-    const bool isAbove = place > 0 && start <= first && count < model()->rowCount();
-    QListView::rowsInserted(parent, start, end);
+    const int place = verticalOffset();
+    const bool isSeen = isVisible(); // or its layout waits
+    const int first = isSeen ? rowsInSight().first : 0;
+    const int top = isSeen ? rectOf(first).top() : 0;
+    const bool isAbove = isSeen && place > 0 && start <= first && count < model()->rowCount();
+    QAbstractItemView::rowsInserted(parent, start, end);
     layOutRows();
     if (isAbove) // what is in sight stays there
-        verticalScrollBar()->setValue(place + ((first + count) / columns() - first / columns()) * pitch());
+        verticalScrollBar()->setValue(place + rectOf(first + count).top() - top);
     updateRows(start, end);
 }
 
 void FileItemsView::rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) {
     updateRows(start, end);
-    QListView::rowsAboutToBeRemoved(parent, start, end);
+    QAbstractItemView::rowsAboutToBeRemoved(parent, start, end);
 }
 
 /// After a change of their number, which is one at the end: those before it stay as they are painted.
 void FileItemsView::layOutRows() {
-    // Out of sight, the layout waits until the view is shown.
-    if (!isVisible())
-        return;
-    const int place = verticalScrollBar()->value();
-    viewport()->setAttribute(Qt::WA_UpdatesDisabled);
-    executeDelayedItemsLayout();
-    viewport()->setAttribute(Qt::WA_UpdatesDisabled, false);
-    if (verticalScrollBar()->value() != place)
-        viewport()->update();
+    forgetLayout();
+    if (isVisible())
+        updateGeometries();
+    else
+        scheduleDelayedItemsLayout(); // until it is shown
 }
 
 void FileItemsView::updateRows(int first, int last) {
     if (!isVisible())
         return;
-    for (int row = std::max(first, firstVisibleRow()); row <= last; ++row) {
-        const QRect rect = visualRect(model()->index(row, 0));
-        if (rect.top() >= viewport()->height())
-            break;
-        viewport()->update(rect);
-    }
+    const auto [firstInSight, lastInSight] = rowsInSight();
+    for (int row = std::max(first, firstInSight); row <= std::min(last, lastInSight); ++row)
+        update(model()->index(row, 0));
+}
+
+void FileItemsView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) {
+    // Of two views on one selection, only the one that is seen tells of it.
+    if (!isVisible())
+        return;
+    const auto tell = [this](const QItemSelection &changed, QAccessible::Event type) {
+        if (changed.isEmpty())
+            return;
+        QAccessibleEvent event(this, type);
+        event.setChild(changed.first().top());
+        QAccessible::updateAccessibility(&event);
+    };
+    tell(selected, QAccessible::SelectionAdd);
+    tell(deselected, QAccessible::SelectionRemove);
+    QAbstractItemView::selectionChanged(selected, deselected);
 }
 
 // -- Layout
 
-int FileItemsView::pitch() const {
-    return std::max(1, sizeHintForIndex(model()->index(0, 0)).height());
+std::pair<int, int> FileItemsView::rowsBetween(int top, int bottom) const {
+    const int last = (lineAt(bottom) + 1) * columns() - 1;
+    return {lineAt(top) * columns(), std::min(last, model()->rowCount() - 1)};
 }
 
-int FileItemsView::firstVisibleRow() const {
-    return std::max(0, verticalOffset()) / pitch() * columns();
+std::pair<int, int> FileItemsView::rowsInSight() const {
+    return rowsBetween(verticalOffset(), verticalOffset() + viewport()->height() - 1);
+}
+
+QRect FileItemsView::visualRect(const QModelIndex &index) const {
+    if (!index.isValid())
+        return {};
+    return QStyle::visualRect(layoutDirection(), viewport()->rect(),
+                              rectOf(index.row()).translated(0, -verticalOffset()));
+}
+
+QModelIndex FileItemsView::indexAt(const QPoint &point) const {
+    const int y = point.y() + verticalOffset();
+    const auto [first, last] = rowsBetween(y, y);
+    for (int row = first; row <= last; ++row) {
+        const QModelIndex index = model()->index(row, 0);
+        if (visualRect(index).contains(point))
+            return index;
+    }
+    return {};
+}
+
+int FileItemsView::verticalOffset() const {
+    return verticalScrollBar()->value();
 }
 
 void FileItemsView::updateGeometries() {
-    QListView::updateGeometries();
-    verticalScrollBar()->setSingleStep(std::min(pitch(), 36));
+    constexpr int largestStep = 36;
+    QScrollBar *bar = verticalScrollBar();
+    bar->setSingleStep(std::clamp(rectOf(0).height(), 1, largestStep));
+    bar->setPageStep(viewport()->height());
+    bar->setRange(0, std::max(0, contentHeight() - viewport()->height()));
+    QAbstractItemView::updateGeometries();
+}
+
+void FileItemsView::reset() {
+    forgetLayout();
+    QAbstractItemView::reset();
+}
+
+void FileItemsView::doItemsLayout() {
+    forgetLayout();
+    QAbstractItemView::doItemsLayout();
+}
+
+void FileItemsView::scrollContentsBy(int dx, int dy) {
+    scrollDirtyRegion(dx, dy);
+    viewport()->scroll(dx, dy);
+    if (isVisible())
+        Q_EMIT placeChanged();
+}
+
+void FileItemsView::scrollTo(const QModelIndex &index, ScrollHint hint) {
+    if (!index.isValid())
+        return;
+    const QRect rect = rectOf(index.row());
+    // What lies beyond the outer lines is seen with them.
+    const bool isFirst = index.row() < columns();
+    const bool isLast = lineAt(rect.top()) == lineAt(contentHeight());
+    const int top = isFirst ? 0 : rect.top();
+    const int height = viewport()->height();
+    const int above = (isLast ? contentHeight() : rect.bottom() + 1) - height;
+    const int place = verticalOffset();
+    int to = place;
+    if (hint == PositionAtTop)
+        to = top;
+    else if (hint == PositionAtBottom)
+        to = above;
+    else if (hint == PositionAtCenter)
+        to = rect.center().y() - height / 2;
+    else if (place > top || above > top)
+        to = top;
+    else if (place < above)
+        to = above;
+    verticalScrollBar()->setValue(to);
 }
 
 // -- Painting
 
 void FileItemsView::paintEvent(QPaintEvent *event) {
-    QListView::paintEvent(event);
     QPainter painter(viewport());
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const int top = event->rect().top() + verticalOffset();
+    const auto [first, last] = rowsBetween(top, top + event->rect().height() - 1);
+    for (int row = first; row <= last; ++row) {
+        const QModelIndex index = model()->index(row, 0);
+        option.rect = visualRect(index);
+        if (event->region().intersects(option.rect))
+            m_delegate->paint(&painter, option, index);
+    }
     if (m_dropTarget.isValid())
         paintCard(painter, QRectF(visualRect(m_dropTarget)).adjusted(1, 1, -1, -1), m_delegate->focusRadius(),
                   Qt::transparent, AppTheme::accent(), 2);
@@ -126,6 +215,37 @@ void FileItemsView::setDropTarget(const QModelIndex &folder) {
 void FileItemsView::startAtTop() {
     setCurrentIndex(model()->index(0, 0));
     scrollToTop();
+}
+
+PanePlace FileItemsView::place() const {
+    const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
+    const int first = rowsInSight().first;
+    const int current = currentIndex().row();
+    if (first >= items.size())
+        return {};
+    return {items.at(first).path, first, verticalOffset() - rectOf(first).top(),
+            current >= 0 && current < items.size() ? items.at(current).path : QString()};
+}
+
+void FileItemsView::showPlace(const PanePlace &place) {
+    const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
+    const auto rowOf = [&](const QString &path) {
+        const auto found =
+            std::find_if(items.begin(), items.end(), [&](const FileItem &item) { return item.path == path; });
+        return !path.isEmpty() && found != items.end() ? std::optional(int(found - items.begin()))
+                                                       : std::nullopt;
+    };
+    executeDelayedItemsLayout();
+    const auto current = rowOf(place.current);
+    setCurrentIndex(model()->index(current.value_or(0), 0));
+    if (place.top.isEmpty() && current) {
+        scrollTo(currentIndex(), PositionAtCenter);
+    } else {
+        const int last = std::max(0, int(items.size()) - 1);
+        const int row = rowOf(place.top).value_or(std::min(place.row, last));
+        // What is above the first entry is seen with it, in every layout.
+        verticalScrollBar()->setValue(row == 0 && place.offset == 0 ? 0 : rectOf(row).top() + place.offset);
+    }
 }
 
 // -- Mouse
@@ -167,7 +287,7 @@ void FileItemsView::extendTo(int row) {
 
 void FileItemsView::mousePressEvent(QMouseEvent *event) {
     hideFocus();
-    QListView::mousePressEvent(event);
+    QAbstractItemView::mousePressEvent(event);
     m_pressed = event->button() == Qt::LeftButton ? targetAt(event->pos()) : std::nullopt;
     m_pressedAt = event->pos();
     // A click beside the entries is the pane's.
@@ -186,7 +306,7 @@ void FileItemsView::mouseMoveEvent(QMouseEvent *event) {
 }
 
 void FileItemsView::mouseReleaseEvent(QMouseEvent *event) {
-    QListView::mouseReleaseEvent(event);
+    QAbstractItemView::mouseReleaseEvent(event);
     const auto pressed = std::exchange(m_pressed, std::nullopt);
     if (!pressed || event->button() != Qt::LeftButton || targetAt(event->pos()) != pressed)
         return;
@@ -261,7 +381,7 @@ void FileItemsView::keyPressEvent(QKeyEvent *event) {
         m_anchor = QModelIndex();
         keyboardSearch(event->text());
     } else {
-        QListView::keyPressEvent(event);
+        QAbstractItemView::keyPressEvent(event);
         if (!isRange) {
             m_anchor = QModelIndex();
             return;
@@ -274,26 +394,58 @@ void FileItemsView::keyPressEvent(QKeyEvent *event) {
     }
 }
 
-QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
-    const int page = std::max(1, viewport()->height() / pitch()) * columns();
-    int row = currentIndex().row();
-    if (action == MovePageUp)
-        row -= page;
-    else if (action == MovePageDown)
-        row += page;
-    else if (columns() > 1 && action == (isRightToLeft() ? MoveRight : MoveLeft))
-        --row; // on from the beginning of a line to the end of the one before
-    else if (columns() > 1 && action == (isRightToLeft() ? MoveLeft : MoveRight))
-        ++row;
-    else
-        return QListView::moveCursor(action, modifiers);
-    return model()->index(std::clamp(row, 0, std::max(0, model()->rowCount() - 1)), 0);
+QModelIndex FileItemsView::moveCursor(CursorAction action, Qt::KeyboardModifiers) {
+    const int count = model()->rowCount();
+    const int row = std::max(0, currentIndex().row());
+    const int line = row / columns();
+    const int lastLine = std::max(0, count - 1) / columns();
+    const auto inLine = [&](int to) { return std::clamp(to, 0, lastLine) * columns() + row % columns(); };
+    const auto page = [&](int by) { return lineAt(rectOf(row).top() + by * viewport()->height()); };
+    const int onward = isRightToLeft() ? -1 : 1;
+    int to = row;
+    switch (action) {
+    case MoveUp:
+        to = inLine(line - 1);
+        break;
+    case MoveDown:
+        to = inLine(line + 1);
+        break;
+    case MovePageUp:
+        to = inLine(std::min(line - 1, page(-1)));
+        break;
+    case MovePageDown:
+        to = inLine(std::max(line + 1, page(1)));
+        break;
+    case MoveHome:
+        to = 0;
+        break;
+    case MoveEnd:
+        to = count - 1;
+        break;
+    case MoveLeft: // on from the beginning of a line to the end of the one before
+        to = columns() > 1 ? row - onward : row;
+        break;
+    case MoveRight:
+        to = columns() > 1 ? row + onward : row;
+        break;
+    case MoveNext:
+        ++to;
+        break;
+    case MovePrevious:
+        --to;
+        break;
+    }
+    return model()->index(std::clamp(to, 0, std::max(0, count - 1)), 0);
 }
 
 void FileItemsView::currentChanged(const QModelIndex &current, const QModelIndex &previous) {
+    if (isVisible())
+        Q_EMIT placeChanged();
     // Without a ring there is nothing to paint, to scroll to or to tell.
-    if (m_showsFocus)
-        QListView::currentChanged(current, previous);
+    if (!m_showsFocus)
+        return;
+    announceFocus();
+    QAbstractItemView::currentChanged(current, previous);
 }
 
 void FileItemsView::announceFocus() {
@@ -306,10 +458,9 @@ void FileItemsView::announceFocus() {
 
 void FileItemsView::showFocus() {
     m_showsFocus = true;
-    const int lines = viewport()->height() / pitch();
-    const int first = firstVisibleRow();
+    const auto [first, last] = rowsInSight();
     const int row = currentIndex().row();
-    if (row < first || row >= first + (lines + 1) * columns())
+    if (row < first || row > last)
         setCurrentIndex(model()->index(first, 0));
     if (currentIndex().isValid())
         currentChanged(currentIndex(), {});

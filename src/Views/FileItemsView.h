@@ -1,11 +1,13 @@
 #pragma once
 
+#include "Records/Pane.h"
 #include "Views/FileEntry.h"
 
+#include <QAbstractItemView>
 #include <QElapsedTimer>
-#include <QListView>
 
 #include <optional>
+#include <utility>
 
 namespace vantrel {
 
@@ -13,13 +15,14 @@ class FileDelegate;
 class FileItemsModel;
 class FileSelectionModel;
 
-/// The scrolled entries of a pane, one below the other; FileGridView shows tiles.
+/// The scrolled entries of a pane. They stand in lines, from top to bottom and from left to right in each;
+/// where, the subclass knows: of one column or of several.
 ///
 /// The mouse selects, toggles and opens; with Shift it selects all from the entry that was clicked last, with
 /// Control it toggles. The keys move a focus ring, which begins at that entry or, for who arrives with Tab,
 /// at the first in sight, and leave the selection alone: Space toggles, Shift with a movement selects what it
 /// passes. So assistive technology has a focus to follow. Letters go to the next name that begins with them.
-class FileItemsView : public QListView {
+class FileItemsView : public QAbstractItemView {
     Q_OBJECT
 
 public:
@@ -29,6 +32,9 @@ public:
 
     /// Shows the first entries, and has the keyboard begin there.
     void startAtTop();
+    /// What is in sight, and showing it again: as far as it is still there.
+    [[nodiscard]] PanePlace place() const;
+    void showPlace(const PanePlace &place);
     /// Tells assistive technology that another entry may stand where the ring is.
     void announceFocus();
     /// Takes the keyboard from a control that goes away, with the ring: who was there works with keys.
@@ -39,6 +45,12 @@ public:
     /// Marks the folder that a drop would copy into; an invalid one takes the mark away.
     void setDropTarget(const QModelIndex &folder);
 
+    /// The entries in sight, the first and the last; the last is before the first where there are none.
+    [[nodiscard]] std::pair<int, int> rowsInSight() const;
+
+    [[nodiscard]] QRect visualRect(const QModelIndex &index) const override;
+    [[nodiscard]] QModelIndex indexAt(const QPoint &point) const override;
+    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                      const QList<int> &roles = {}) override;
 
@@ -51,24 +63,38 @@ Q_SIGNALS:
     /// The mouse has begun to drag the entry.
     void dragged(const FileItem &item);
     void contextMenuRequested(const FileItem &item, const QPoint &globalPosition);
+    /// While the view is seen: place() has changed.
+    void placeChanged();
 
 protected:
-    /// How many entries stand side by side, and how far the tops of two such lines are apart.
-    [[nodiscard]] virtual int columns() const { return 1; }
-    [[nodiscard]] virtual int pitch() const;
-    [[nodiscard]] int firstVisibleRow() const;
+    // -- The layout, in pixels of the content. It is that of the model as it was at forgetLayout() or later.
 
-    void paintEvent(QPaintEvent *event) override;
+    /// How many entries stand side by side.
+    [[nodiscard]] virtual int columns() const = 0;
+    /// The line at a height, or the nearest; 0 where there is none.
+    [[nodiscard]] virtual int lineAt(int y) const = 0;
+    [[nodiscard]] virtual QRect rectOf(int row) const = 0;
+    [[nodiscard]] virtual int contentHeight() const = 0;
+    /// Something in the model has changed that may be of consequence for it.
+    virtual void forgetLayout() {}
+
+    /// The entries of the lines between two heights, the first and the last.
+    [[nodiscard]] std::pair<int, int> rowsBetween(int top, int bottom) const;
     void updateGeometries() override;
+    [[nodiscard]] int horizontalOffset() const override { return 0; }
+    [[nodiscard]] int verticalOffset() const override;
+    [[nodiscard]] bool isIndexHidden(const QModelIndex &) const override { return false; }
+    void scrollContentsBy(int dx, int dy) override;
+
+    void reset() override;
+    void doItemsLayout() override;
+    void paintEvent(QPaintEvent *event) override;
     void rowsInserted(const QModelIndex &parent, int start, int end) override;
     void rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) override;
+    void setSelection(const QRect &, QItemSelectionModel::SelectionFlags) override {} // the pane selects
     /// What a change of the selection repaints: the model has told.
     [[nodiscard]] QRegion visualRegionForSelection(const QItemSelection &) const override { return {}; }
-    /// Of two views on one selection, only the one that is seen tells of it.
-    void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override {
-        if (isVisible())
-            QListView::selectionChanged(selected, deselected);
-    }
+    void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

@@ -2,6 +2,7 @@
 
 #include "Records/FileOrder.h"
 #include "Records/Pane.h"
+#include "Thumbnails/ThumbnailStore.h"
 #include "Views/Emptiness.h"
 
 #include <functional>
@@ -49,7 +50,8 @@ struct FilePane {
     std::function<void(const QList<FileItem> &, bool isSelected)> onSelectRange = {}; ///< absent: no ranges
     std::function<void()> onToggleSelectAll = {};
     std::function<void(const FileItem &)> onOpen = {};
-    std::function<void()> onFocus = {}; ///< the pane was clicked beside its controls
+    std::function<void(const FileItem &)> onDetails = {}; ///< absent: no menu offers them
+    std::function<void()> onFocus = {};                   ///< the pane was clicked beside its controls
     std::function<void()> onBack = {};
     std::function<void()> onRefresh = {};
     std::function<void()> onChooseFolder = {};
@@ -59,14 +61,20 @@ struct FilePane {
     std::optional<Binding<AndroidSearchScope>> searchScope = {};
     std::function<void()> onClearSearch = {}; ///< absent: the text is emptied
     bool showsItemLocation = false;
-    qint64 focusSearchToken = 0;                        ///< every change puts the caret into the search field
-    bool showsMacContextMenu = false;                   ///< an entry offers the computer's commands
-    bool showsOpenContextMenu = false;                  ///< an entry offers "Open" alone
-    std::optional<Binding<PaneViewMode>> viewMode = {}; ///< absent: a list
-    std::function<void(const FileItem &)> onDrag = {};  ///< absent: entries cannot be dragged
-    /// How many entries a drop of this would copy here; with none it is refused. Absent: every drop is.
-    std::function<qsizetype(const QMimeData &)> dropCount = {};
-    /// Something that dropCount() takes was dropped, on the folder of this path.
+    qint64 focusSearchToken = 0; ///< every change puts the caret into the search field
+    qint64 placeToken = 0;       ///< every change shows the place that the pane's state names
+    std::function<void(const PanePlace &)> onPlace = {}; ///< other entries are in sight
+    bool showsMacContextMenu = false;                    ///< an entry offers the computer's commands
+    bool showsOpenContextMenu = false;                   ///< an entry offers "Open" alone
+    std::optional<Binding<PaneViewMode>> viewMode = {};  ///< absent: a list
+    std::optional<Binding<int>> tileSize = {};           ///< TileSize; absent: the grid's cannot be changed
+    ThumbnailStore *pictures = nullptr;                  ///< of the grid's files; absent: there are none
+    FilePlace place = {};                                ///< where the entries are, for their pictures
+    std::function<void(const FileItem &)> onDrag = {};   ///< absent: entries cannot be dragged
+    /// How many entries a drop of this would copy into the folder of this path; with none it is refused.
+    /// Absent: every drop is.
+    std::function<qsizetype(const QMimeData &, const QString &folder)> dropCount = {};
+    /// Something that dropCount() takes was dropped there.
     std::function<void(const QMimeData &, const QString &folder)> onDrop = {};
     std::optional<Binding<FileOrder>> order = {}; ///< absent: the columns cannot be clicked
     std::optional<Emptiness> emptiness = {};      ///< in the list's place; it is empty then

@@ -6,15 +6,16 @@
 #include "Kit/Focus.h"
 #include "Kit/IconButton.h"
 #include "Kit/Shapes.h"
+#include "Kit/TextField.h"
 #include "Kit/TextLabel.h"
 #include "MacFiles/Desktop.h"
 #include "State/PaneState.h"
 #include "Views/ColumnButton.h"
 #include "Views/EmptinessView.h"
 #include "Views/FileContextMenu.h"
-#include "Views/FileDelegate.h"
 #include "Views/FileGridView.h"
 #include "Views/FileItemsModel.h"
+#include "Views/FileListView.h"
 #include "Views/FileRow.h"
 #include "Views/PathBar.h"
 #include "Views/ScopePicker.h"
@@ -27,6 +28,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QSlider>
 
 namespace vantrel {
 
@@ -83,7 +85,7 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
     m_searchBar = makeSearchBar();
     m_columnHeaders = makeColumnHeaders();
     m_gridBar = makeGridSelectAllBar();
-    m_list = named(QStringLiteral("fileList"), new FileItemsView(m_items, selection, new FileRowDelegate));
+    m_list = named(QStringLiteral("fileList"), new FileListView(m_items, selection));
     m_grid = named(QStringLiteral("fileGrid"), new FileGridView(m_items, selection));
     m_emptiness = new EmptinessView;
     connect(m_emptiness, &EmptinessView::acted, this, [this] {
@@ -96,7 +98,11 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
 
     const auto toggle = [this](const FileItem &item) { call(m_pane.onToggle, item); };
     connect(selection, &FileSelectionModel::toggled, this, toggle);
-    for (FileItemsView *view : {m_list, m_grid}) {
+    connect(m_grid, &FileGridView::tileSizeStepped, this, [this](int steps) {
+        if (m_pane.tileSize)
+            setTileSize(m_pane.tileSize->value + steps * TileSize::step);
+    });
+    for (FileItemsView *view : {m_list, static_cast<FileItemsView *>(m_grid)}) {
         connect(view, &FileItemsView::toggled, this, toggle);
         connect(view, &FileItemsView::selected, this, &FilePaneView::select);
         connect(view, &FileItemsView::ranged, this, [this](const QList<FileItem> &items, bool isSelected) {
@@ -106,6 +112,8 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
         connect(view, &FileItemsView::dragged, this,
                 [this](const FileItem &item) { call(m_pane.onDrag, item); });
         connect(view, &FileItemsView::contextMenuRequested, this, &FilePaneView::showContextMenu);
+        connect(view, &FileItemsView::placeChanged, this,
+                [this, view] { call(m_pane.onPlace, view->place()); });
     }
 
     setAcceptDrops(true);
@@ -156,9 +164,40 @@ QWidget *FilePaneView::makeHeader() {
     m_newFolder = create;
     m_listTool = mode("listView", QStringLiteral("list.bullet"), "List view", PaneViewMode::list);
     m_gridTool = mode("gridView", QStringLiteral("square.grid.2x2"), "Grid view", PaneViewMode::grid);
-    return barOf(
-        10, 8,
-        {{columnOf(2, {m_title, m_path}), 1}, back, home, choose, create, refresh, m_listTool, m_gridTool});
+    m_tileSlider = makeTileSlider();
+    return barOf(10, 8,
+                 {{columnOf(2, {m_title, m_path}), 1},
+                  back,
+                  home,
+                  choose,
+                  create,
+                  refresh,
+                  m_tileSlider,
+                  m_listTool,
+                  m_gridTool});
+}
+
+QSlider *FilePaneView::makeTileSlider() {
+    constexpr int width = 56;
+    auto *slider = named(QStringLiteral("tileSize"), new QSlider(Qt::Horizontal));
+    slider->setFixedSize(width, toolSize.height());
+    slider->setRange(TileSize::least, TileSize::most);
+    slider->setSingleStep(TileSize::step);
+    slider->setPageStep(TileSize::step);
+    slider->setFocusPolicy(Qt::TabFocus);
+    slider->setToolTip(QStringLiteral("Size of the tiles"));
+    setAccessibleTexts(slider, QStringLiteral("Size of the tiles"));
+    connect(slider, &QSlider::valueChanged, this, [this, slider](int size) {
+        slider->setValue(TileSize::nearest(size)); // from step to step, also while it is dragged
+        setTileSize(slider->value());
+    });
+    return slider;
+}
+
+void FilePaneView::setTileSize(int size) {
+    const int nearest = TileSize::nearest(size);
+    if (m_pane.tileSize && m_pane.tileSize->value != nearest)
+        call(m_pane.tileSize->set, nearest);
 }
 
 QWidget *FilePaneView::makeSearchBar() {
@@ -166,10 +205,7 @@ QWidget *FilePaneView::makeSearchBar() {
     // Before the field is there: made with another font, it would open that one first.
     constexpr TextStyle style{12.5, Weight::medium};
     bar->setFont(style.font());
-    m_searchField = named(QStringLiteral("searchField"), new QLineEdit(bar));
-    setTextStyle(m_searchField, style);
-    m_searchField->setFrame(false);
-    m_searchField->setTextMargins(-2, 0, 0, 0); // what the toolkit keeps free before the first letter
+    m_searchField = named(QStringLiteral("searchField"), new TextField(style, bar));
     m_scopePicker = named(QStringLiteral("scopePicker"), new ScopePicker);
     m_clearSearch = named(QStringLiteral("clearSearch"), new IconButton({18, 18}, IconButton::circle));
     m_clearSearch->setLook({.symbol = {QStringLiteral("xmark.circle.fill"), 12, Weight::semibold},
@@ -249,6 +285,10 @@ QWidget *FilePaneView::makeFooter() {
 
 // -- Showing
 
+FileItemsView *FilePaneView::entries() const {
+    return isGrid() ? m_grid : m_list;
+}
+
 bool FilePaneView::isGrid() const {
     return m_pane.viewMode && m_pane.viewMode->value == PaneViewMode::grid;
 }
@@ -256,6 +296,7 @@ bool FilePaneView::isGrid() const {
 void FilePaneView::setPane(const FilePane &pane) {
     const FilePane before = std::exchange(m_pane, pane);
     const bool isFirst = std::exchange(m_isFirst, false);
+    const PanePlace place = m_state.place(); // before what moves below changes it
     const auto searchValue = [](const FilePane &of) {
         return of.searchText ? of.searchText->value : QString();
     };
@@ -270,7 +311,9 @@ void FilePaneView::setPane(const FilePane &pane) {
     showTools();
     showSearch();
 
+    m_grid->setTileSize(m_pane.tileSize ? m_pane.tileSize->value : TileSize::standard);
     m_items->follow(m_pane.showsItemLocation);
+    m_items->setPictures(m_pane.pictures, m_pane.place);
     showSelectAll();
     showOrder();
     // Another folder, search or order is read from its beginning; a folder that is only listed again is not.
@@ -281,6 +324,11 @@ void FilePaneView::setPane(const FilePane &pane) {
         m_grid->startAtTop();
     }
     showEntries();
+    const auto modeValue = [](const FilePane &of) {
+        return of.viewMode ? of.viewMode->value : PaneViewMode::list;
+    };
+    if (before.placeToken != m_pane.placeToken || modeValue(before) != modeValue(m_pane))
+        entries()->showPlace(place);
     const auto heir = [this] { entries()->takeFocus(); };
     showWithHeir(m_columnHeaders, !isGrid(), heir);
     showWithHeir(m_gridBar, isGrid() && m_pane.onToggleSelectAll, heir);
@@ -308,6 +356,9 @@ void FilePaneView::showTools() {
     for (IconButton *tool : m_placeTools)
         showWithHeir(tool, m_pane.onHome || m_pane.onChooseFolder, heir);
     showWithHeir(m_newFolder, m_pane.onHome || m_pane.onChooseFolder || m_pane.onNewFolder, heir);
+    if (m_pane.tileSize)
+        m_tileSlider->setValue(m_pane.tileSize->value);
+    showWithHeir(m_tileSlider, isGrid() && m_pane.tileSize, heir);
     const bool hasModes = m_pane.viewMode.has_value();
     for (const auto &[tool, isOn] : {std::pair(m_listTool, !isGrid()), std::pair(m_gridTool, isGrid())}) {
         show(tool, hasModes, hasModes && isOn);
@@ -334,7 +385,7 @@ void FilePaneView::showSearch() {
 }
 
 void FilePaneView::showEntries() {
-    FileItemsView *hidden = isGrid() ? m_list : m_grid;
+    FileItemsView *hidden = isGrid() ? m_list : static_cast<FileItemsView *>(m_grid);
     const bool hadFocus = hidden->hasFocus();
     const bool hadRing = hidden->focusedIndex().isValid();
     // Hidden with the focus, it would hand it to the next control in line, which may be the other pane's.
@@ -406,6 +457,15 @@ void FilePaneView::editPath() {
     m_path->edit();
 }
 
+void FilePaneView::showDetails() {
+    const QModelIndex focused = entries()->focusedIndex();
+    const QList<FileItem> selected = m_state.selectedItems();
+    if (focused.isValid())
+        call(m_pane.onDetails, m_items->items().at(focused.row()));
+    else if (!selected.isEmpty())
+        call(m_pane.onDetails, selected.first());
+}
+
 void FilePaneView::clearSearch() {
     if (m_pane.onClearSearch)
         call(m_pane.onClearSearch);
@@ -420,7 +480,8 @@ void FilePaneView::toggleSelectAll() const {
 }
 
 void FilePaneView::showContextMenu(const FileItem &item, const QPoint &position) {
-    auto menu = fileContextMenu(m_pane, item, [this, item] { open(item); });
+    auto menu = fileContextMenu(
+        m_pane, item, [this, item] { open(item); }, [this, item] { call(m_pane.onDetails, item); });
     if (!menu)
         return;
     menu->setParent(this, menu->windowFlags());
@@ -451,14 +512,15 @@ const FileItem *FilePaneView::folderAt(const QPointF &place) const {
 
 /// What a drop there would do, or nothing.
 void FilePaneView::showDrop(const QDropEvent *event) {
-    const qsizetype count = event && m_pane.dropCount ? m_pane.dropCount(*event->mimeData()) : 0;
-    const FileItem *folder = count > 0 ? folderAt(event->position()) : nullptr;
-    const QString name = folder ? folder->name : m_pane.path.folder.section(QLatin1Char('/'), -1);
+    const FileItem *folder = event ? folderAt(event->position()) : nullptr;
+    const QString path = folder ? folder->path : m_pane.path.folder;
+    const qsizetype count = event && m_pane.dropCount ? m_pane.dropCount(*event->mimeData(), path) : 0;
+    const QString name = path.section(QLatin1Char('/'), -1);
     const QString what = count == 1 ? QStringLiteral("1 item") : QStringLiteral("%L1 items").arg(count);
     m_dropText = count > 0 ? QStringLiteral("Copy %1 to “%2”").arg(what, name) : QString();
     m_footerTrailing->setText(count > 0 ? m_dropText : m_pane.footerTrailing);
-    entries()->setDropTarget(folder ? m_items->index(int(folder - m_items->items().constData()))
-                                    : QModelIndex());
+    entries()->setDropTarget(folder && count > 0 ? m_items->index(int(folder - m_items->items().constData()))
+                                                 : QModelIndex());
     update();
 }
 

@@ -5,11 +5,13 @@
 #include <QWidget>
 
 class QLineEdit;
+class QSlider;
 
 namespace vantrel {
 
 class ColumnButton;
 class EmptinessView;
+class FileGridView;
 class FileItemsModel;
 class FileItemsView;
 class IconButton;
@@ -37,6 +39,8 @@ public:
     void takeFocus();
     /// Lets the path be typed.
     void editPath();
+    /// Shows the details of the entry that has the ring, or of what is selected.
+    void showDetails();
 
     /// The same for every pane, whatever it shows: two of them share a width equally.
     [[nodiscard]] QSize sizeHint() const override { return {480, 480}; }
@@ -54,6 +58,8 @@ protected:
 
 private:
     [[nodiscard]] QWidget *makeHeader();
+    [[nodiscard]] QSlider *makeTileSlider();
+    void setTileSize(int size);
     [[nodiscard]] QWidget *makeSearchBar();
     [[nodiscard]] ColumnButton *makeColumn(const QString &name, FileSortKey key);
     [[nodiscard]] QWidget *makeColumnHeaders();
@@ -68,7 +74,7 @@ private:
     void showEntries();
     void announceEntries();
     [[nodiscard]] bool isGrid() const;
-    [[nodiscard]] FileItemsView *entries() const { return isGrid() ? m_grid : m_list; }
+    [[nodiscard]] FileItemsView *entries() const;
 
     void open(const FileItem &item) const;
     void select(const FileItem &item);
@@ -92,6 +98,7 @@ private:
     IconButton *m_newFolder;
     IconButton *m_listTool;
     IconButton *m_gridTool;
+    QSlider *m_tileSlider;
 
     QWidget *m_searchBar;
     QLineEdit *m_searchField;
@@ -106,7 +113,7 @@ private:
     TextLabel *m_gridSelectAllTitle;
 
     FileItemsView *m_list;
-    FileItemsView *m_grid;
+    FileGridView *m_grid;
     EmptinessView *m_emptiness;
 
     QWidget *m_footer;

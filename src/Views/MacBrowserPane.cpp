@@ -25,8 +25,8 @@ QList<PathSegment> segmentsOf(const QString &path) {
 
 } // namespace
 
-MacBrowserPane::MacBrowserPane(AppState *state, QWidget *parent)
-    : BrowserPane(state, BrowserSide::mac, parent) {
+MacBrowserPane::MacBrowserPane(AppState *state, ThumbnailStore *pictures, QWidget *parent)
+    : BrowserPane(state, BrowserSide::mac, pictures, parent) {
     setObjectName(QStringLiteral("macPane"));
     start(&AppState::macAvailableLabelChanged);
 }
@@ -39,7 +39,7 @@ void MacBrowserPane::fill(FilePane &pane) {
     pane.path.segments = segmentsOf(state->macPath());
     pane.path.onGoTo = [this](const QString &path) {
         focusSide();
-        app().browseMac(path);
+        app().browseMac(path, arrivalAt(path));
     };
     pane.footerLeading = state->macSelectionSummary();
     pane.footerTrailing = state->macAvailableLabel();
@@ -48,7 +48,7 @@ void MacBrowserPane::fill(FilePane &pane) {
         if (item.isDirectory)
             app().browseMac(item.path);
     };
-    pane.onBack = [state] { state->browseMac(MacFileClient::parentPath(state->macPath())); };
+    pane.onBack = [state] { state->browseMac(MacFileClient::parentPath(state->macPath()), Arrival::back); };
     pane.onRefresh = [state] { state->browseMac(state->macPath()); };
     pane.onChooseFolder = [state] {
         MacFileClient::chooseFolder(state->desktop(), state->macPath())

@@ -7,8 +7,8 @@ namespace vantrel {
 /// The computer's file pane.
 class MacBrowserPane : public BrowserPane {
 public:
-    /// The state must outlive the view.
-    explicit MacBrowserPane(AppState *state, QWidget *parent = nullptr);
+    /// The state must outlive the view, and so must the pictures of its files, if there are to be any.
+    explicit MacBrowserPane(AppState *state, ThumbnailStore *pictures = nullptr, QWidget *parent = nullptr);
 
 protected:
     void fill(FilePane &pane) override;

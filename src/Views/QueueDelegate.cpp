@@ -46,7 +46,7 @@ ThemeColor barColor(const QueueItemStatus &status) {
 }
 
 QString routeOf(const QueueItem &item) {
-    return item.sourcePath + QStringLiteral("  →  ") + item.destinationPath;
+    return item.sourcePath + QStringLiteral("  →  ") + item.destinationPath();
 }
 
 void paintRemoveButton(QPainter &painter, const QRect &rect, bool hasFocus) {
@@ -132,6 +132,8 @@ void QueueDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const QRect row = option.rect.adjusted(0, 0, 0, -dividerHeight);
     const bool isReason = showsReason(item);
     const QueueRowGeometry parts(row, isReason);
+    painter->save();
+    clipToCard(*painter, option);
 
     const Symbol symbol{item.isDirectory ? QStringLiteral("folder.fill") : QStringLiteral("doc.fill"), 14,
                         Weight::semibold};
@@ -160,14 +162,25 @@ void QueueDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
             paintFocusRing(*painter, parts.action, 4);
     }
 
-    if (index.row() + 1 < index.model()->rowCount()) {
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setClipPath(roundedRect(option.widget->rect(), m_radius));
-        painter->fillRect(QRect(row.left(), row.bottom() + 1, row.width(), dividerHeight),
-                          AppTheme::stroke());
-        painter->restore();
-    }
+    if (index.row() + 1 < index.model()->rowCount())
+        painter->fillRect(
+            QRectF(row.left() + hairline, row.bottom() + 1, row.width() - 2 * hairline, dividerHeight),
+            AppTheme::stroke());
+    painter->restore();
+}
+
+/// The card's line stays in sight, whatever is scrolled under it.
+void QueueDelegate::clipToCard(QPainter &painter, const QStyleOptionViewItem &option) const {
+    const QRectF card = option.widget->rect();
+    const bool isInMiddle = option.rect.top() >= card.top() + m_radius &&
+                            option.rect.bottom() < card.bottom() - m_radius; // where its sides are straight
+    if (isInMiddle)
+        return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setClipPath(
+        roundedRect(card.adjusted(hairline, hairline, -hairline, -hairline), m_radius - hairline),
+        Qt::IntersectClip);
+    painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
 bool QueueDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,

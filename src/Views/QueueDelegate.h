@@ -40,7 +40,7 @@ class QueueDelegate : public QAbstractItemDelegate {
 public:
     static constexpr int dividerHeight = 1;
 
-    /// `radius`: of the card's corners, where dividers end; layout pixels.
+    /// `radius`: of the corners of the card that the rows are scrolled in; layout pixels.
     explicit QueueDelegate(double radius, QObject *parent = nullptr);
 
     /// What the remove button does.
@@ -58,6 +58,8 @@ public:
                    const QModelIndex &index) override;
 
 private:
+    void clipToCard(QPainter &painter, const QStyleOptionViewItem &option) const;
+
     double m_radius;
 };
 

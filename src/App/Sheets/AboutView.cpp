@@ -1,6 +1,7 @@
 #include "App/Sheets/AboutView.h"
 
 #include "App/System/Product.h"
+#include "Kit/Accessibility.h"
 #include "Kit/AppStyle.h"
 #include "Kit/Canvas.h"
 #include "Kit/TextLabel.h"
@@ -22,7 +23,10 @@ constexpr int iconSize = 52;
 
 class IconView : public QWidget {
 public:
-    IconView() : m_drawing(QStringLiteral(":/icon/vantrel.svg")) { setFixedSize(iconSize, iconSize); }
+    IconView() : m_drawing(QStringLiteral(":/icon/vantrel.svg")) {
+        setFixedSize(iconSize, iconSize);
+        describe(this, QAccessible::Graphic, {});
+    }
 
 protected:
     void paintEvent(QPaintEvent *) override {

@@ -17,9 +17,13 @@ enum class WindowCommand {
     switchPanes,
     copyToComputer,
     copyToPhone,
+    enlargeTiles,
+    shrinkTiles,
+    resetTiles,
     openMenu,
     toggleFullScreen,
     showKeyboard,
+    showDetails,
 };
 
 /// Keys and what they do: the window's shortcuts are made from this, and the help that shows them.

@@ -1,5 +1,6 @@
 #include "App/Sheets/WirelessView.h"
 
+#include "Kit/Accessibility.h"
 #include "Kit/Boxes.h"
 #include "Kit/Focus.h"
 #include "Kit/Spinner.h"
@@ -62,7 +63,8 @@ WirelessView::WirelessView(QWidget *window, WirelessPhones &phones)
     m_pairingHint = words(small, AppTheme::inkTertiary(), 2);
     m_spinner = new Spinner(Spinner::Size::mini, QStringLiteral("Connecting"));
     m_message = named(QStringLiteral("wireless.message"), words(small, AppTheme::danger(), 2));
-    m_remembered = new QWidget;
+    m_remembered = makeRemembered();
+    m_remembered->hide();
     setFirstFocus(m_address);
 
     QPushButton *cancel = makeButton(QStringLiteral("Cancel"), QStringLiteral("wireless.cancel"));
@@ -107,8 +109,9 @@ QWidget *WirelessView::makeRemembered() {
         connect(forget, &QAbstractButton::clicked, this, [this, address] { m_phones.forget(address); });
         rows->addLayout(rowOf(8, {use, BoxItem::room(), forget}));
     }
-    rows->setContentsMargins(0, 0, 0, m_shown.isEmpty() ? 0 : 8);
+    rows->setContentsMargins(0, 0, 0, 8);
     list->setLayout(rows);
+    describe(list, QAccessible::Grouping, QStringLiteral("Phones that were connected before"));
     return list;
 }
 
@@ -138,7 +141,7 @@ void WirelessView::render() {
         heir(); // a button that is pressed goes with its row
         delete content()->replaceWidget(m_remembered, list);
         delete std::exchange(m_remembered, list);
-        list->show();
+        list->setVisible(!m_shown.isEmpty());
         fitHeight();
     }
 }

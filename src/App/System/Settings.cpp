@@ -15,6 +15,7 @@ const QString appearanceKey = QStringLiteral("appearancePreference");
 const QString toolTipDelayKey = QStringLiteral("NSInitialToolTipDelay");
 const QString doubleClickKey = QStringLiteral("AppleActionOnDoubleClick");
 const QString queueHeightKey = QStringLiteral("queueHeight");
+const QString tileSizeKey = QStringLiteral("tileSize");
 const QString verifyKey = QStringLiteral("verifyCopies");
 const QString analyticsKey = QStringLiteral("analyticsDisabled");
 const QString wirelessPhonesKey = QStringLiteral("wirelessPhones");
@@ -158,6 +159,16 @@ FileOrder Settings::fileOrder(BrowserSide side) const {
 
 void Settings::setFileOrder(BrowserSide side, FileOrder order) {
     setValue(orderKey(side), rawValue(order));
+}
+
+int Settings::tileSize() const {
+    bool isNumber = false;
+    const int size = value(tileSizeKey).toInt(&isNumber);
+    return isNumber ? TileSize::nearest(size) : TileSize::standard;
+}
+
+void Settings::setTileSize(int size) {
+    setValue(tileSizeKey, QString::number(size));
 }
 
 bool Settings::verifiesCopies() const {

@@ -81,6 +81,10 @@ public:
     [[nodiscard]] FileOrder fileOrder(BrowserSide side) const;
     void setFileOrder(BrowserSide side, FileOrder order);
 
+    /// How large a grid's tiles are; a TileSize.
+    [[nodiscard]] int tileSize() const;
+    void setTileSize(int size);
+
     /// Addresses of phones on the network, as they were stored.
     [[nodiscard]] QStringList wirelessPhones() const;
     void setWirelessPhones(const QStringList &addresses);

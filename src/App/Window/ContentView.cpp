@@ -72,11 +72,12 @@ private:
 
 } // namespace
 
-ContentView::ContentView(AppState *state, Settings &settings, QWidget *parent) : QWidget(parent) {
+ContentView::ContentView(AppState *state, Settings &settings, ThumbnailStore *pictures, QWidget *parent)
+    : QWidget(parent) {
     setObjectName(QStringLiteral("content"));
 
     setAutoFillBackground(true);
-    auto *browser = named(QStringLiteral("browser"), new DualBrowserView(state));
+    auto *browser = named(QStringLiteral("browser"), new DualBrowserView(state, pictures));
     auto *column = new BrowserColumn(browser, new TransferQueueView(state));
     column->setQueueLimit(settings.queueHeight());
     connect(column, &BrowserColumn::queueLimitChosen, this,

@@ -10,13 +10,15 @@ namespace vantrel {
 
 class AppState;
 class Settings;
+class ThumbnailStore;
 
 /// Everything below the window's title bar: the sidebar, the two panes above the transfer queue, and the
 /// status bar.
 class ContentView : public QWidget {
 public:
-    /// The model and the settings must outlive the view.
-    ContentView(AppState *state, Settings &settings, QWidget *parent = nullptr);
+    /// All of them must outlive the view; without pictures the grids show symbols.
+    ContentView(AppState *state, Settings &settings, ThumbnailStore *pictures = nullptr,
+                QWidget *parent = nullptr);
 };
 
 /// The grounds of ContentView without anything on them, for the frame before it: no fonts are needed.

@@ -1,6 +1,7 @@
 #include "App/Window/MainWindow.h"
 
 #include "App/Sheets/AboutView.h"
+#include "App/Sheets/DetailsView.h"
 #include "App/Sheets/KeyboardView.h"
 #include "App/Sheets/MessageSheet.h"
 #include "App/Sheets/WirelessView.h"
@@ -17,7 +18,10 @@
 #include "Kit/TextStyle.h"
 #include "Records/TransferFormat.h"
 #include "State/AppState.h"
+#include "State/Details.h"
 #include "State/WirelessPhones.h"
+#include "Thumbnails/PhotoFactsReader.h"
+#include "Thumbnails/ThumbnailStore.h"
 #include "Transfers/QueueFile.h"
 
 #include <QApplication>
@@ -60,8 +64,9 @@ void openOnce(QWidget *window, Arguments &...arguments) {
 
 MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, QWidget *parent)
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
-      m_state(AppState::designPreview(desktop)),
+      m_state(AppState::designPreview(desktop)), m_pictures(new ThumbnailStore(this)),
       m_wireless(new WirelessPhones(settings.wirelessPhones(), this)), m_quitWatch(new QuitWatch(this)) {
+    connect(m_state.get(), &AppState::detailsRequested, this, &MainWindow::showDetails);
     connect(m_wireless, &WirelessPhones::rememberedChanged, this,
             [this] { m_settings.setWirelessPhones(m_wireless->remembered()); });
     connect(m_wireless, &WirelessPhones::connected, m_state.get(),
@@ -71,6 +76,11 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
     m_state->transfers().setVerifies(settings.verifiesCopies());
     connect(&settings, &Settings::verifiesCopiesChanged, this,
             [this](bool verifies) { m_state->transfers().setVerifies(verifies); });
+    connect(m_state.get(), &AppState::isTransferringChanged, m_pictures,
+            [this] { m_pictures->setCopying(m_state->isTransferring()); });
+    m_state->setTileSize(settings.tileSize());
+    connect(m_state.get(), &AppState::tileSizeChanged, this,
+            [this] { m_settings.setTileSize(m_state->tileSize()); });
     m_chrome = new WindowChrome(this, [&settings] { return settings.doubleClickAction(); });
     fitMinimum();
     m_chrome->restore(settings.windowGeometry(), standard);
@@ -95,7 +105,7 @@ void MainWindow::furnish() {
     m_openedWith = m_chrome->geometry();
     setWindowTitle(product::name());
     addToolbarButtons();
-    setCentralWidget(new ContentView(m_state.get(), m_settings, this));
+    setCentralWidget(new ContentView(m_state.get(), m_settings, m_pictures, this));
     centralWidget()->installEventFilter(this);
 }
 
@@ -166,6 +176,18 @@ void MainWindow::showKeyboard() {
 
 void MainWindow::showWireless() {
     openOnce<WirelessView>(this, *m_wireless);
+}
+
+void MainWindow::showDetails(BrowserSide side, const QList<FileItem> &items) {
+    if (items.isEmpty() || findChild<DetailsView *>())
+        return;
+    const AndroidDevice &device = m_state->device();
+    const auto phone =
+        side == BrowserSide::android ? std::optional(Details::Phone{device.id, device.name}) : std::nullopt;
+    auto *view =
+        new DetailsView(this, std::make_unique<Details>(items, phone, &photoFactsOf), m_state->desktop());
+    view->setAttribute(Qt::WA_DeleteOnClose);
+    view->open();
 }
 
 bool MainWindow::event(QEvent *event) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "App/System/Settings.h"
+#include "Records/FileItem.h"
+#include "Records/Pane.h"
 #include "Theme/AppTheme.h"
 
 #include <QCoroTask>
@@ -17,6 +19,7 @@ class AppState;
 class Desktop;
 class MessageSheet;
 class QuitWatch;
+class ThumbnailStore;
 class ToolbarButton;
 class Updater;
 class WindowChrome;
@@ -68,6 +71,7 @@ private:
     void addToolbarButtons();
     void renderAppearanceButton();
     void fitMinimum();
+    void showDetails(BrowserSide side, const QList<FileItem> &items);
     QCoro::Task<> runStartUp();
     /// Whether the question is shown, to which the user's answer closes the window.
     bool asksBeforeClosing();
@@ -76,6 +80,7 @@ private:
     Settings &m_settings;
     Updater &m_updater;
     std::unique_ptr<AppState> m_state;
+    ThumbnailStore *m_pictures;
     WirelessPhones *m_wireless;
     WindowChrome *m_chrome = nullptr;
     ToolbarButton *m_appearance = nullptr;

@@ -59,11 +59,23 @@ void WindowCommands::perform(WindowCommand command) {
     case WindowCommand::copyToPhone:
         m_state->transferMacToAndroid();
         break;
+    case WindowCommand::enlargeTiles:
+        m_state->setTileSize(m_state->tileSize() + TileSize::step);
+        break;
+    case WindowCommand::shrinkTiles:
+        m_state->setTileSize(m_state->tileSize() - TileSize::step);
+        break;
+    case WindowCommand::resetTiles:
+        m_state->setTileSize(TileSize::standard);
+        break;
     case WindowCommand::openMenu:
         Q_EMIT menuRequested();
         break;
     case WindowCommand::toggleFullScreen:
         m_window->setWindowState(m_window->windowState() ^ Qt::WindowFullScreen);
+        break;
+    case WindowCommand::showDetails:
+        browser->focusedPane()->showDetails();
         break;
     case WindowCommand::showKeyboard:
         Q_EMIT keyboardRequested();
