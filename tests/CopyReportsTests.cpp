@@ -91,7 +91,7 @@ protected:
             items += QueueItem{.id = QUuid::createUuid(),
                                .name = name,
                                .sourcePath = u"/sdcard/"_s + name,
-                               .destinationPath = mac.filePath(name),
+                               .destinationFolder = mac.path(),
                                .status = {},
                                .serial = serial};
         }

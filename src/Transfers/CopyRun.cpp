@@ -325,6 +325,12 @@ private:
                     return QStringList();
             }
             m_to->remove({staged});
+            // adb would make the folder again, if it is what has gone.
+            const auto left = m_to->staged(parentOf(staged), {}, m_stop);
+            if (!left)
+                return tl::make_unexpected(left.error());
+            if (!*left)
+                return tl::make_unexpected(ADBError::executionFailed(vanished()));
         }
         const auto onProgress = [&](int /*ended*/, double fraction) {
             report(file.entry, wholeBytes(fraction * static_cast<double>(file.sizeBytes)));
