@@ -432,7 +432,7 @@ protected:
             window->state().transfers().enqueue({QueueItem{.id = QUuid::createUuid(),
                                                            .name = name,
                                                            .sourcePath = u"/sdcard/a.jpg"_s,
-                                                           .destinationPath = mac.filePath(name),
+                                                           .destinationFolder = mac.path(),
                                                            .status = {},
                                                            .serial = DemoPhone::serial()}});
         settle();
