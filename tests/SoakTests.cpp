@@ -235,7 +235,6 @@ private:
 
 TEST_F(Soak, everyFileEndsOnceAsTheDiskSaysAndNothingIsLeftOver) {
     constexpr int filesEachWay = 50;
-    constexpr int shortRun = 2000; // few rounds: what one of them happens to hold counts
     const int files = std::max(qEnvironmentVariableIntValue("VANTREL_SOAK_FILES"), 16 * filesEachWay);
     const quint32 seed = qEnvironmentVariableIsSet("VANTREL_SOAK_SEED")
                              ? qEnvironmentVariable("VANTREL_SOAK_SEED").toUInt()
@@ -283,8 +282,9 @@ TEST_F(Soak, everyFileEndsOnceAsTheDiskSaysAndNothingIsLeftOver) {
     const double early = least(memory.mid(0, third));
     const double late = least(memory.mid(memory.size() - third));
     std::printf("allocated at rest: %.0f bytes in the first third, %.0f in the last\n", early, late);
-    const double growth = files < shortRun ? 1.1 : 1.05;
-    EXPECT_LE(late, early * growth);
+    // How many threads the busiest moment took is chance, and each keeps some memory.
+    constexpr double ofThreads = 64 << 10;
+    EXPECT_LE(late, 1.05 * early + ofThreads);
     EXPECT_EQ(descriptors.last(), descriptors.first());
     EXPECT_GT(outcomes[u"done"_s], files / 4) << "most of it must have been work";
 }
