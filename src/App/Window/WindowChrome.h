@@ -29,7 +29,7 @@ struct WindowGeometry;
 /// the rules for the mouse are ours; that part has not been run.
 ///
 /// Made before the window is shown; lives as long as the window.
-class WindowChrome : public QObject, private ChromeWindow {
+class WindowChrome final : public QObject, private ChromeWindow {
 public:
     /// `doubleClickAction` is asked at every double-click in the title bar.
     WindowChrome(QMainWindow *window, std::function<QString()> doubleClickAction);
