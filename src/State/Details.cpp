@@ -130,7 +130,7 @@ Counted countOnPhone(const QString &serial, const QStringList &paths, const std:
 }
 
 /// Where cameras note what they have to say.
-constexpr qint64 photoBeginning = 256 * 1024;
+constexpr qint64 photoBeginning = qint64{256} * 1024;
 
 PhotoFacts photoHere(const QString &path, const QString &name, ReadPhotoFacts read) {
     QFile file(path);
