@@ -166,17 +166,13 @@ void FileItemsView::scrollTo(const QModelIndex &index, ScrollHint hint) {
     const int height = viewport()->height();
     const int above = (isLast ? contentHeight() : rect.bottom() + 1) - height;
     const int place = verticalOffset();
-    int to = place;
+    int to = place > top || above > top ? top : std::max(place, above);
     if (hint == PositionAtTop)
         to = top;
     else if (hint == PositionAtBottom)
         to = above;
     else if (hint == PositionAtCenter)
         to = rect.center().y() - height / 2;
-    else if (place > top || above > top)
-        to = top;
-    else if (place < above)
-        to = above;
     verticalScrollBar()->setValue(to);
 }
 
