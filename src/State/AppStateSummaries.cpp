@@ -55,17 +55,11 @@ QString AppState::androidFooterStats() const {
         return QStringLiteral("Showing first ") % QString::number(hits) % QStringLiteral(" results") % quoted;
     }
 
-    const QList<FileItem> &shown = displayedAndroidItems();
-    qint64 bytes = 0;
-    for (const FileItem &item : shown) {
-        // Sizes come from the phone: their sum may not fit.
-        if (__builtin_add_overflow(bytes, item.sizeBytes.value_or(0), &bytes))
-            bytes = std::numeric_limits<qint64>::max();
-    }
-    const QString counted =
-        query.isEmpty() ? QString() : QString::number(shown.size()) + QStringLiteral(" of ");
+    const QString counted = query.isEmpty()
+                                ? QString()
+                                : QString::number(displayedAndroidItems().size()) + QStringLiteral(" of ");
     return counted % QString::number(androidItems().size()) % QStringLiteral(" items • ") %
-           formatFileSize(bytes) % unreadable(m_androidPane.unreadableCount());
+           formatFileSize(m_androidPane.visibleBytes()) % unreadable(m_androidPane.unreadableCount());
 }
 
 } // namespace vantrel

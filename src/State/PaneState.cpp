@@ -1,9 +1,24 @@
 #include "State/PaneState.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
+#include <vector>
 
 namespace vantrel {
+
+namespace {
+
+qint64 bytesOf(const QList<FileItem> &items) {
+    qint64 bytes = 0;
+    for (const FileItem &item : items) {
+        if (__builtin_add_overflow(bytes, item.sizeBytes.value_or(0), &bytes))
+            return std::numeric_limits<qint64>::max();
+    }
+    return bytes;
+}
+
+} // namespace
 
 PaneState::PaneState(BrowserSide side, const QString &path) : m_side(side), m_path(path) {}
 
@@ -190,6 +205,8 @@ void PaneState::updateVisibleItems() {
     const QList<FileItem> visible = inOrder(m_hits ? *m_hits : filteredItems(), m_order);
     const bool hasChanged = !visible.isSharedWith(m_visibleItems);
     m_visibleItems = visible;
+    if (hasChanged)
+        m_visibleBytes = bytesOf(visible);
     const bool lostGhosts = dropGhosts(); // before anybody is told of what is shown
     if (hasChanged)
         Q_EMIT visibleItemsChanged();
@@ -200,10 +217,18 @@ void PaneState::updateVisibleItems() {
 QList<FileItem> PaneState::filteredItems() const {
     if (m_filter.isEmpty())
         return m_items;
-    QList<FileItem> matches;
-    std::copy_if(m_items.begin(), m_items.end(), std::back_inserter(matches),
-                 [this](const auto &item) { return item.name.contains(m_filter, Qt::CaseInsensitive); });
-    return matches;
+    // A list that grows with its matches would be moved again and again, and that takes as long as the
+    // search.
+    std::vector<qsizetype> matches;
+    for (qsizetype row = 0; row < m_items.size(); ++row) {
+        if (m_items.at(row).name.contains(m_filter, Qt::CaseInsensitive))
+            matches.push_back(row);
+    }
+    QList<FileItem> items;
+    items.reserve(qsizetype(matches.size()));
+    for (const qsizetype row : matches)
+        items.append(m_items.at(row));
+    return items;
 }
 
 /// Takes out of the selection what neither the folder nor the hits hold any more. Returns whether there was

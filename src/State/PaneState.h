@@ -29,6 +29,9 @@ public:
     [[nodiscard]] const QList<FileItem> &items() const { return m_items; }
     /// What the pane shows: the listing, the filtered listing, or the hits of a search. Cheap to call.
     [[nodiscard]] const QList<FileItem> &visibleItems() const { return m_visibleItems; }
+    /// How many bytes these are together. Sizes come from the phone: a sum that does not fit is the largest
+    /// number that does.
+    [[nodiscard]] qint64 visibleBytes() const { return m_visibleBytes; }
     [[nodiscard]] const QSet<QUuid> &selectedIDs() const { return m_selectedIDs; }
     /// What of visibleItems() is selected, in its order.
     [[nodiscard]] QList<FileItem> selectedItems() const;
@@ -119,6 +122,7 @@ private:
     QList<FileItem> m_items;
     qsizetype m_unreadableCount = 0;
     QList<FileItem> m_visibleItems;
+    qint64 m_visibleBytes = 0;
     QSet<QUuid> m_selectedIDs;
     QUuid m_justSelected; ///< by itself, as the last change of the selection
     QString m_filter;

@@ -72,8 +72,11 @@ bool FileItemsModel::insertNewRows() {
         return false;
     QList<std::pair<int, int>> runs; // first and last new row, as they lie in the end
     qsizetype known = 0;
+    bool looksSame = true; // else what has changed is yet to be told
     for (int row = 0; row < now.size(); ++row) {
         if (known < m_items.size() && now.at(row).id == m_items.at(known).id) {
+            looksSame =
+                looksSame && changeBetween(now.at(row), m_items.at(known), m_showsLocation) == Change::none;
             ++known;
         } else if (!runs.isEmpty() && runs.last().second == row - 1) {
             runs.last().second = row;
@@ -87,7 +90,10 @@ bool FileItemsModel::insertNewRows() {
         return false;
     for (const auto &[first, last] : std::as_const(runs)) {
         beginInsertRows({}, first, last);
-        m_items = m_items.mid(0, first) + now.mid(first, last - first + 1) + m_items.mid(first);
+        // Mostly there is one run, as when a search is cleared: no entry is copied then.
+        m_items = looksSame && last == runs.last().second
+                      ? now
+                      : m_items.mid(0, first) + now.mid(first, last - first + 1) + m_items.mid(first);
         m_selectedRows = selectedAmong(m_items);
         endInsertRows();
     }

@@ -225,11 +225,12 @@ PanePlace FileItemsView::place() const {
 
 void FileItemsView::showPlace(const PanePlace &place) {
     const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
-    const auto rowOf = [&](const QString &path) {
+    const auto rowOf = [&](const QString &path) -> std::optional<int> {
+        if (path.isEmpty())
+            return std::nullopt;
         const auto found =
             std::find_if(items.begin(), items.end(), [&](const FileItem &item) { return item.path == path; });
-        return !path.isEmpty() && found != items.end() ? std::optional(int(found - items.begin()))
-                                                       : std::nullopt;
+        return found != items.end() ? std::optional(int(found - items.begin())) : std::nullopt;
     };
     executeDelayedItemsLayout();
     const auto current = rowOf(place.current);
