@@ -2,7 +2,7 @@
 
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
-#include "Transfers/CopyRun.h"
+#include "Transfers/CopyText.h"
 #include "Transfers/LocalStaging.h"
 
 #include <QCryptographicHash>
