@@ -1037,7 +1037,7 @@ TEST_F(DualBrowserTests, theEmptyPaneHelpsWithAButton) {
     phone.set(u"getprop.hang"_s, "on");
     refresh();
     ASSERT_TRUE(waitFor([&] { return button->text() == u"Try Again"_s && button->isVisible(); }));
-    EXPECT_EQ(accessible(button->parentWidget()->parentWidget())->text(QAccessible::Name),
+    EXPECT_EQ(accessible(android().findChild<QWidget *>(u"emptiness"_s))->text(QAccessible::Name),
               u"The phone does not answer."_s);
     ADBClient::setPatience(15s);
     phone.reset(u"getprop.hang"_s);

@@ -95,6 +95,7 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
             call(m_pane.onTryAgain);
     });
     m_footer = makeFooter();
+    m_list->viewport()->installEventFilter(this);
 
     const auto toggle = [this](const FileItem &item) { call(m_pane.onToggle, item); };
     connect(selection, &FileSelectionModel::toggled, this, toggle);
@@ -562,19 +563,27 @@ void FilePaneView::fitColumns() {
         double width;
     } fixed[] = {{FileSortKey::size, FileRowGeometry::sizeWidth()},
                  {FileSortKey::modified, FileRowGeometry::modifiedWidth()}};
+    // A list that is not shown keeps the width that it had.
+    const int rowWidth = m_list->isVisibleTo(this) ? m_list->viewport()->width() : width() - 2 * border;
     for (ColumnButton *column : std::as_const(m_columns)) {
         for (const auto &[key, width] : fixed) {
             if (column->column() == key && m_columnHeaders->isAncestorOf(column))
                 column->setFixedWidth(int(width));
         }
         if (column->column() == FileSortKey::modified && m_columnHeaders->isAncestorOf(column))
-            showWithHeir(column, FileRowGeometry::showsModified(m_list->viewport()->width()),
+            showWithHeir(column, FileRowGeometry::showsModified(rowWidth),
                          [this] { entries()->takeFocus(); });
     }
 }
 
 void FilePaneView::resizeEvent(QResizeEvent *) {
     fitColumns();
+}
+
+bool FilePaneView::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == m_list->viewport() && event->type() == QEvent::Resize)
+        fitColumns();
+    return QWidget::eventFilter(watched, event);
 }
 
 void FilePaneView::changeEvent(QEvent *event) {
