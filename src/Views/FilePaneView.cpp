@@ -187,7 +187,8 @@ QSlider *FilePaneView::makeTileSlider() {
     slider->setPageStep(TileSize::step);
     slider->setFocusPolicy(Qt::TabFocus);
     slider->setToolTip(QStringLiteral("Size of the tiles"));
-    setAccessibleTexts(slider, QStringLiteral("Size of the tiles"));
+    setAccessibleTexts(slider, QStringLiteral("Size of the tiles"),
+                       QStringLiteral("How large pictures are in the grid"));
     connect(slider, &QSlider::valueChanged, this, [this, slider](int size) {
         slider->setValue(TileSize::nearest(size)); // from step to step, also while it is dragged
         setTileSize(slider->value());
@@ -380,7 +381,8 @@ void FilePaneView::showSearch() {
     const AndroidSearchScope scope =
         m_pane.searchScope ? m_pane.searchScope->value : AndroidSearchScope::thisFolder;
     m_searchField->setPlaceholderText(searchPlaceholder(scope));
-    setAccessibleTexts(m_searchField, searchPlaceholder(scope));
+    setAccessibleTexts(m_searchField, searchPlaceholder(scope),
+                       QStringLiteral("Shows what has this text in its name"));
     showWithHeir(m_clearSearch, !m_pane.searchText->value.isEmpty(),
                  [this] { m_searchField->setFocus(Qt::OtherFocusReason); });
 }
