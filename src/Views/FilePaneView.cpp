@@ -42,6 +42,10 @@ constexpr double toolRadius = 5;
 
 constexpr TextStyle columnStyle{10.5, Weight::semibold};
 
+IconButton::Look toolLook(const QString &symbol) {
+    return {.symbol = {symbol, 11, Weight::semibold}};
+}
+
 /// The sign in front of the search field; assistive technology hears the field's own name.
 QWidget *searchGlyph() {
     const Symbol symbol{QStringLiteral("magnifyingglass"), 12, Weight::semibold};
@@ -134,7 +138,7 @@ QWidget *FilePaneView::makeHeader() {
     connect(m_path, &PathBar::edited, this, &FilePaneView::takeFocus);
     const auto makeTool = [this](const char *name, const QString &symbol, const char *help, auto action) {
         auto *tool = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
-        tool->setLook({.symbol = {symbol, 11, Weight::semibold}});
+        tool->setLook(toolLook(symbol));
         tool->setHelp(QLatin1String(help));
         connect(tool, &IconButton::clicked, this, action);
         return tool;
@@ -154,7 +158,7 @@ QWidget *FilePaneView::makeHeader() {
         tool->setHelp(QLatin1String(help), QAccessible::RadioButton);
         return tool;
     };
-    auto *back = action("back", backChevron(), "Go back", &FilePane::onBack);
+    auto *back = m_back = action("back", backChevron(), "Go back", &FilePane::onBack);
     auto *home = action("home", QStringLiteral("house"), "Go to Home", &FilePane::onHome);
     auto *choose =
         action("chooseFolder", QStringLiteral("folder"), "Choose folder", &FilePane::onChooseFolder);
@@ -592,6 +596,8 @@ void FilePaneView::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange) // texts appear in another size
         fitColumns();
+    if (event->type() == QEvent::LayoutDirectionChange && m_back)
+        m_back->setLook(toolLook(backChevron()));
 }
 
 // -- Painting

@@ -96,6 +96,7 @@ private:
     PathBar *m_path;
     QList<std::pair<IconButton *, std::function<void()> FilePane::*>> m_actions; ///< and what they call
     QList<IconButton *> m_placeTools; ///< of a side with more than one place to begin at
+    IconButton *m_back = nullptr;
     IconButton *m_newFolder;
     IconButton *m_listTool;
     IconButton *m_gridTool;
