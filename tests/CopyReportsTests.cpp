@@ -182,6 +182,27 @@ TEST_F(CopyReportsTests, whatTheUserStoppedIsNoNews) {
     EXPECT_EQ(shown.last().heading, u"1 copied"_s);
 }
 
+TEST_F(CopyReportsTests, aRunGoesOnAfterAPauseAndWhatWasTriedAgainHasNotFailed) {
+    phone.write(u"big"_s, QByteArray(400'000, 'x'));
+    phone.write(u"a"_s, "x");
+    phone.set(u"bandwidth"_s, "0.05");
+    TransferRunner &transfers = state->transfers();
+    copy({u"big"_s, u"late"_s, u"a"_s});
+    ASSERT_TRUE(waitFor(
+        [&] { return transfers.queue().failedCount() == 1 && transfers.queue().completedCount() == 1; }));
+    phone.write(u"late"_s, "x");
+    transfers.tryAllAgain();
+    ASSERT_TRUE(waitFor([&] { return transfers.queue().completedCount() == 2; }));
+    transfers.pause();
+    waitForQueue();
+    QTest::qWait(60);
+    EXPECT_TRUE(shown.isEmpty()) << "the user has paused it and knows";
+    phone.reset(u"bandwidth"_s);
+    transfers.resume();
+    waitForNotification();
+    EXPECT_EQ(shown.last().heading, u"3 copied"_s);
+}
+
 TEST_F(CopyReportsTests, aClickBringsTheWindowBack) {
     phone.write(u"a"_s, "x");
     copy({u"a"_s});

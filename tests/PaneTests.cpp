@@ -426,6 +426,13 @@ TEST_F(FilePaneTests, searchTextAndScopeAreBound) {
 
     EXPECT_EQ(accessible(picker)->role(), QAccessible::ComboBox);
     EXPECT_EQ(accessible(picker)->text(QAccessible::Description), u"Scope");
+    EXPECT_EQ(accessible(picker)->childCount(), 0) << "what it offers is not seen while it is closed";
+    accessible(picker)->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    EXPECT_TRUE(accessible(picker)->state().expanded);
+    ASSERT_EQ(accessible(picker)->childCount(), 1);
+    EXPECT_EQ(accessible(picker)->child(0)->childCount(), 2);
+    EXPECT_EQ(accessible(picker)->child(0)->parent(), accessible(picker));
+    picker->hidePopup();
     QTest::keyClick(picker, Qt::Key_Down);
     EXPECT_EQ(accessible(picker)->text(QAccessible::Value), u"Everywhere");
     EXPECT_EQ(accessible(field)->text(QAccessible::Name), u"Search entire device");
@@ -1037,7 +1044,7 @@ TEST_F(DualBrowserTests, theEmptyPaneHelpsWithAButton) {
     phone.set(u"getprop.hang"_s, "on");
     refresh();
     ASSERT_TRUE(waitFor([&] { return button->text() == u"Try Again"_s && button->isVisible(); }));
-    EXPECT_EQ(accessible(button->parentWidget()->parentWidget())->text(QAccessible::Name),
+    EXPECT_EQ(accessible(android().findChild<QWidget *>(u"emptiness"_s))->text(QAccessible::Name),
               u"The phone does not answer."_s);
     ADBClient::setPatience(15s);
     phone.reset(u"getprop.hang"_s);

@@ -15,6 +15,7 @@
 #include "App/Sheets/WirelessView.h"
 #include "Kit/AppStyle.h"
 #include "Kit/ReadOnlyText.h"
+#include "Kit/ScrollPane.h"
 #include "Kit/TextLabel.h"
 #include "support/Processes.h"
 
@@ -53,6 +54,37 @@ protected:
     [[nodiscard]] View *shown() const {
         auto *found = window->findChild<View *>();
         return found && found->isVisible() ? found : nullptr;
+    }
+    /// One of each kind, opened.
+    void openEach(const std::function<void(Sheet *)> &look) {
+        QFuture<std::optional<QString>> answer;
+        const std::function<void()> sheets[] = {
+            [&] { window->showAbout(); },
+            [&] { window->showKeyboard(); },
+            [&] { window->showWireless(); },
+            [&] { answer = ask(); },
+            [&] { (new UpdateView(window, UpdateResult(), AppVersion()))->open(); },
+            [&] { model->showDetails(BrowserSide::android, model->androidItems()); },
+            [&] {
+                phone.set(u"hang"_s, "on");
+                model->selectAllVisible(BrowserSide::android);
+                model->transferAndroidToMac();
+                window->close(); // which asks
+            },
+        };
+        for (const auto &open : sheets) {
+            SCOPED_TRACE(&open - sheets);
+            open();
+            const QPointer<Sheet> sheet = shown<Sheet>();
+            ASSERT_NE(sheet, nullptr);
+            settle();
+            look(sheet);
+            sheet->reject();
+            ASSERT_TRUE(waitFor([&] { return !shown<Sheet>(); }));
+            delete sheet.data();
+        }
+        phone.set(u"hang"_s, "off");
+        model->clearQueue();
     }
     QFuture<std::optional<QString>> ask() {
         return askForText({u"New Folder"_s, u"Name:"_s, u"Create"_s, u"Cancel"_s, u"New"_s}, window);
@@ -338,33 +370,7 @@ TEST_F(SheetTests, theKeysOfTheTableAct) {
 }
 
 TEST_F(SheetTests, everySheetAndMenuHasARoleANameAStateAndNoMarkup) {
-    QFuture<std::optional<QString>> answer;
-    const std::function<void()> sheets[] = {
-        [&] { window->showAbout(); },
-        [&] { window->showKeyboard(); },
-        [&] { window->showWireless(); },
-        [&] { answer = ask(); },
-        [&] { (new UpdateView(window, UpdateResult(), AppVersion()))->open(); },
-        [&] { model->showDetails(BrowserSide::android, model->androidItems()); },
-        [&] {
-            phone.set(u"hang"_s, "on");
-            model->transferAndroidToMac();
-            window->close(); // which asks
-        },
-    };
-    for (const auto &open : sheets) {
-        SCOPED_TRACE(&open - sheets);
-        open();
-        const QPointer<Sheet> sheet = shown<Sheet>();
-        ASSERT_NE(sheet, nullptr);
-        settle();
-        EXPECT_TRUE(expectAccessible(window).contains(QAccessible::Dialog));
-        sheet->reject();
-        ASSERT_TRUE(waitFor([&] { return !shown<Sheet>(); }));
-        delete sheet.data();
-    }
-    phone.set(u"hang"_s, "off");
-    model->clearQueue();
+    openEach([&](Sheet *) { EXPECT_TRUE(expectAccessible(window).contains(QAccessible::Dialog)); });
     for (const auto &open : {std::function<void()>([&] { key(Qt::Key_F10); }), std::function<void()>([&] {
                                  child<QWidget>("fileList")->setFocus(Qt::TabFocusReason);
                                  key(Qt::Key_F10, Qt::ShiftModifier);
@@ -375,6 +381,52 @@ TEST_F(SheetTests, everySheetAndMenuHasARoleANameAStateAndNoMarkup) {
         EXPECT_TRUE(expectAccessible(menu).contains(QAccessible::MenuItem));
         menu->close();
     }
+}
+
+TEST_F(SheetTests, fitsALowWindowAndLargeTexts) {
+    const auto make = [&](double scale, QSize size) {
+        AppStyle::setTextScale(scale);
+        settle(); // which gives it its own minimum
+        window->setMinimumSize(1, 1);
+        window->resize(size);
+        settle();
+        ASSERT_EQ(window->size(), size);
+    };
+    for (const auto &[scale, size] :
+         {std::pair(1.0, QSize(1024, 600)), {2.0, QSize(1024, 600)}, {2.0, QSize(1024, 400)}}) {
+        make(scale, size);
+        int scrolling = 0;
+        openEach([&](Sheet *sheet) {
+            EXPECT_TRUE(sheet->rect().contains(card(*sheet)->geometry()));
+            const auto *pane = sheet->findChild<ScrollPane *>();
+            scrolling += pane->scrolls();
+            EXPECT_EQ(QApplication::focusWidget() == pane,
+                      pane->scrolls() && !sheet->findChild<QLineEdit *>())
+                << "the keys scroll it at once";
+            for (const QWidget *part : card(*sheet)->findChildren<QWidget *>()) {
+                const auto *label = qobject_cast<const TextLabel *>(part);
+                const bool isButton = qobject_cast<const QAbstractButton *>(part);
+                const QRect room(QPoint(), card(*sheet)->size());
+                if (!part->isVisible() || (!label && !isButton))
+                    continue;
+                const QRect place(part->mapTo(card(*sheet), QPoint()), part->size());
+                const std::string what = part->accessibleName().toStdString();
+                EXPECT_TRUE(place.left() >= 0 && place.right() < room.right()) << what;
+                EXPECT_TRUE(pane->isAncestorOf(part) || room.contains(place)) << what;
+                EXPECT_FALSE(label && label->isElided()) << what;
+                EXPECT_GE(part->height(),
+                          label ? label->heightForWidth(part->width()) : part->sizeHint().height())
+                    << what;
+            }
+        });
+        EXPECT_GE(scrolling, scale == 1 ? 1 : 2);
+    }
+    make(1, {1024, 600});
+    window->showKeyboard();
+    const int low = card(*shown<Sheet>())->height();
+    window->resize(1024, 900);
+    settle();
+    EXPECT_GT(card(*shown<Sheet>())->height(), low) << "it takes the room that there is";
 }
 
 TEST_F(SheetTests, detailsTellAllThatIsKnown) {

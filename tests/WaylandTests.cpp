@@ -21,6 +21,9 @@
 #include <QWindow>
 
 #include <gtest/gtest.h>
+#ifdef VANTREL_HAS_QPA
+#include <qpa/qplatformwindow.h>
+#endif
 
 namespace vantrel {
 namespace {
@@ -113,6 +116,23 @@ TEST_F(WaylandTests, zoomsAndReturnsInBothSchemes) {
         }
     }
 }
+
+#ifdef VANTREL_HAS_QPA
+TEST_F(WaylandTests, keepsItsSizeWhenTheCompositorZoomsAndReturnsIt) {
+    const QSize normal = seen();
+    // The toolkit's window does not know what it is asked of it here, as when a key of the desktop does it.
+    const auto becomeByTheCompositor = [&](Qt::WindowState state) {
+        window->windowHandle()->handle()->setWindowState(state);
+        EXPECT_TRUE(becomes([&] { return window->windowState() == state; }));
+    };
+    for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowFullScreen, Qt::WindowMaximized}) {
+        becomeByTheCompositor(state);
+        EXPECT_EQ(seen().width(), window->screen()->size().width());
+        becomeByTheCompositor(Qt::WindowNoState);
+        EXPECT_EQ(seen(), normal) << state;
+    }
+}
+#endif
 
 TEST_F(WaylandTests, yieldsToTheCompositorsSize) {
     // A zoomed window gets what the panel leaves; full screen everything. Either may be less than the

@@ -35,6 +35,11 @@ if(NOT APPLE)
     vantrel_gui_test(DesktopTests LIBRARIES vantrel_app_window demo_phone_fixture
                      SOURCES CopyReportsTests.cpp DesktopTests.cpp support/OpenedAddresses.h)
     vantrel_wayland_test(WaylandTests 1024x600 1366x768 1920x1080)
+    # What the compositor does by itself, they let a test pretend likewise.
+    if(VANTREL_QPA)
+        target_link_libraries(WaylandTests PRIVATE Qt6::GuiPrivate)
+        target_compile_definitions(WaylandTests PRIVATE VANTREL_HAS_QPA)
+    endif()
     if(TARGET PkgConfig::XCB)
         add_executable(X11Tests X11Tests.cpp)
         target_link_libraries(X11Tests PRIVATE vantrel_app_window PkgConfig::XCB ${VANTREL_GUI_TEST_LIBRARIES})

@@ -4,6 +4,7 @@
 #include "TourPhone.h"
 
 #include "App/Window/MainWindow.h"
+#include "Kit/AppStyle.h"
 #include "Kit/ToolTips.h"
 #include "Records/FileSizeFormat.h"
 #include "State/AppState.h"
@@ -18,6 +19,7 @@
 #include <QDragEnterEvent>
 #include <QFile>
 #include <QFileInfo>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTest>
 
@@ -34,6 +36,26 @@ const QString mac = QStringLiteral("macPane");
 bool shows(const QList<FileItem> &items, const QString &name) {
     return std::any_of(items.begin(), items.end(), [&](const FileItem &item) { return item.name == name; });
 }
+
+/// What hangs on the pointer, which a picture of the window does not hold.
+class PictureOfDrag : public QWidget {
+public:
+    PictureOfDrag(const QList<FileItem> &items, QPoint pointer, QWidget *window)
+        : QWidget(window), m_items(items) {
+        const QPixmap picture = dragPicture(items, 1);
+        setGeometry(QRect(pointer + QPoint(12, 8), picture.size()));
+        show();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.drawPixmap(0, 0, dragPicture(m_items, painter.device()->devicePixelRatioF()));
+    }
+
+private:
+    QList<FileItem> m_items;
+};
 
 } // namespace
 
@@ -73,6 +95,7 @@ void Tour::take() {
     readToolTip();
     showAbout();
     showMenuAndKeys();
+    connectOverWifi();
     selectFiles();
     showDetails();
     dragOver();
@@ -84,6 +107,7 @@ void Tour::take() {
     searchEverywhere();
     showEmptyFolder();
     showGrid();
+    readLargeTextsFromTheRight();
     goDark();
     fillQueue();
     copyFolders();
@@ -156,6 +180,26 @@ void Tour::showMenuAndKeys() {
     m_hand.click(QStringLiteral("keyboard.close"));
 }
 
+void Tour::connectOverWifi() {
+    m_hand.choose(QStringLiteral("Connect over Wi-Fi…"));
+    waitForSheet();
+    tell(QStringLiteral("wifi"), QStringLiteral("a phone on the network is asked for"));
+    m_hand.click(QStringLiteral("wireless.cancel"));
+}
+
+/// As those see the window who have told the desktop how they read.
+void Tour::readLargeTextsFromTheRight() {
+    AppStyle::setTextScale(1.5);
+    tell(QStringLiteral("large-texts"), QStringLiteral("texts are half as large again"));
+    AppTheme::setContrast(Contrast::high);
+    tell(QStringLiteral("contrast"), QStringLiteral("inks and lines are strong"));
+    AppStyle::setTextScale(1);
+    AppTheme::setContrast(Contrast::normal);
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    tell(QStringLiteral("from-the-right"), QStringLiteral("everything is mirrored"));
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+}
+
 void Tour::showDetails() {
     FileItemsView *list = m_hand.entries(android);
     list->setFocus(Qt::TabFocusReason);
@@ -184,7 +228,11 @@ void Tour::dragOver() {
     QApplication::sendEvent(pane, &enter);
     if (!enter.isAccepted())
         throw TourError(QStringLiteral("what is dragged is not taken"));
-    tell(QStringLiteral("drag"), QStringLiteral("a selection is dragged over the other pane"));
+    {
+        const PictureOfDrag picture(dragged.items(), pane->mapTo(&m_window, pane->rect().center()),
+                                    &m_window);
+        tell(QStringLiteral("drag"), QStringLiteral("a selection is dragged over the other pane"));
+    }
     QDragLeaveEvent leave;
     QApplication::sendEvent(pane, &leave);
 }

@@ -35,6 +35,8 @@ private:
     void selectFiles();
     void showDetails();
     void dragOver();
+    void connectOverWifi();
+    void readLargeTextsFromTheRight();
     void watchCopy();
     void finishCopies();
     void copyToPhone();

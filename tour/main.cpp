@@ -77,8 +77,6 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
         QtDesktop desktop(&askForText);
         MainWindow window(desktop, settings, updater);
         desktop.setWindow(&window);
-        if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
-            window.resize(MainWindow::standard); // its screen is smaller than any that people have
         window.show();
         if (!QTest::qWaitFor([&window] { return window.isFurnished(); }))
             throw TourError(QStringLiteral("the window does not appear"));
@@ -103,6 +101,17 @@ int run(const QCommandLineParser &options, const QString &builtHere, const QTemp
     return 0;
 }
 
+/// Describes a screen like those that people have: the one without a display is smaller, and its menus do not
+/// open where their buttons are.
+QString screenFile(const QTemporaryDir &folder) {
+    const QString path = folder.filePath(QStringLiteral("screen.json"));
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(R"({"screens": [{"name": "tour", "x": 0, "y": 0, "width": 1920, "height": 1080,
+                       "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+    return path;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -112,9 +121,11 @@ int main(int argc, char **argv) {
     for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
         qputenv(variable, QFile::encodeName(folder.filePath(QStringLiteral("xdg"))));
 #ifdef Q_OS_LINUX
-    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
-        qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool hasDisplay =
+        !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    if ((!hasDisplay && platform.isEmpty()) || platform == "offscreen")
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screenFile(folder).toUtf8());
 #endif
     QApplication application(argc, argv);
     QApplication::setApplicationName(product::name());

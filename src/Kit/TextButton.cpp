@@ -17,8 +17,8 @@ constexpr int padding = 4;
 } // namespace
 
 TextButton::TextButton(const QString &title, const QString &help, QWidget *parent) : PlainButton(parent) {
+    setHelp(help); // before assistive technology hears of a button that is only called by its title
     setText(title);
-    setHelp(help);
     setRingRadius(4);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }

@@ -3,12 +3,16 @@
 #include "Kit/Accessibility.h"
 #include "Kit/Boxes.h"
 #include "Kit/Canvas.h"
+#include "Kit/ScrollPane.h"
 #include "Kit/Shapes.h"
 #include "Kit/Symbol.h"
 #include "Kit/TextLabel.h"
 
 #include <QPainter>
 #include <QPushButton>
+
+#include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
@@ -61,11 +65,12 @@ void paintPicture(QPainter &painter, const Emptiness &emptiness) {
 
 /// One step with its number, or a remark without one.
 QLayout *rowOfStep(const QString &text, int number) {
-    constexpr int side = 18;
+    constexpr int least = 18;
     constexpr TextStyle style{12, Weight::regular};
+    const int side = std::max(least, style.lineHeight());
     auto *words = new TextLabel(style, AppTheme::inkSecondary());
     words->setText(text);
-    words->setMaximumLines(textScale() > 1 ? 8 : 4); // of larger letters, a line holds fewer words
+    words->setMaximumLines(12);
     if (number == 0) {
         words->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         return rowOf(0, {{words, 1}});
@@ -96,7 +101,7 @@ EmptinessView::EmptinessView(QWidget *parent)
     setObjectName(QStringLiteral("emptiness"));
     m_picture->setFixedSize(pictureSize);
     m_heading->setObjectName(QStringLiteral("emptiness.heading"));
-    m_heading->setMaximumLines(2);
+    m_heading->setMaximumLines(4);
     m_heading->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     m_button->setObjectName(QStringLiteral("emptiness.button"));
     m_button->setFocusPolicy(Qt::TabFocus);
@@ -111,9 +116,11 @@ EmptinessView::EmptinessView(QWidget *parent)
     m_column->setAlignment(m_picture, Qt::AlignHCenter);
     m_column->setAlignment(m_button, Qt::AlignHCenter);
     auto *middle = new QWidget;
-    middle->setMaximumWidth(withTexts(columnWidth));
     middle->setLayout(m_column);
-    setLayout(rowOf(0, {BoxItem::room(), {middle, 1}, BoxItem::room()}, {20, 12, 20, 12}));
+    auto *content = new QWidget;
+    content->setLayout(rowOf(0, {BoxItem::room(), {middle, 1}, BoxItem::room()}, {20, 12, 20, 12}));
+    m_pane = new ScrollPane(QStringLiteral("What to do"), content);
+    setLayout(columnOf(0, {{m_pane, 1}}));
 }
 
 void EmptinessView::setEmptiness(const Emptiness &emptiness) {
@@ -139,8 +146,9 @@ void EmptinessView::setEmptiness(const Emptiness &emptiness) {
 
 void EmptinessView::arrange() {
     m_picture->hide();
+    m_column->parentWidget()->setMaximumWidth(withTexts(columnWidth));
     m_column->invalidate();
-    const QMargins margins = layout()->contentsMargins();
+    const QMargins margins = m_pane->widget()->layout()->contentsMargins();
     const int width = qMin(withTexts(columnWidth), this->width() - margins.left() - margins.right());
     const int words = m_column->totalHeightForWidth(width);
     m_picture->setVisible(words + pictureSize.height() <= height() - margins.top() - margins.bottom());
@@ -148,6 +156,12 @@ void EmptinessView::arrange() {
 
 void EmptinessView::resizeEvent(QResizeEvent *) {
     arrange();
+}
+
+void EmptinessView::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) // texts appear in another size
+        arrange();
 }
 
 } // namespace vantrel

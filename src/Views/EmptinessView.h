@@ -10,10 +10,11 @@ class QPushButton;
 namespace vantrel {
 
 class Canvas;
+class ScrollPane;
 class TextLabel;
 
 /// Shows an Emptiness: its drawing, its heading, the steps and a button, in the middle of what room there is.
-/// Where that is low, the drawing is left out.
+/// Where that is low, the drawing is left out, and where it is lower still, the rest scrolls.
 class EmptinessView : public QWidget {
     Q_OBJECT
 
@@ -34,11 +35,13 @@ Q_SIGNALS:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void arrange();
 
     Emptiness m_emptiness;
+    ScrollPane *m_pane;
     QBoxLayout *m_column;
     Canvas *m_picture;
     TextLabel *m_heading;

@@ -15,10 +15,7 @@
 
 namespace vantrel {
 
-namespace {
-
-/// A card with the first entry's symbol and name, or how many there are.
-QPixmap pictureOf(const QList<FileItem> &items, double pixelRatio) {
+QPixmap dragPicture(const QList<FileItem> &items, double pixelRatio) {
     constexpr TextStyle style{12, Weight::semibold};
     constexpr double widest = 220;
     constexpr double inset = 10;
@@ -37,14 +34,13 @@ QPixmap pictureOf(const QList<FileItem> &items, double pixelRatio) {
     const QString symbol = !isOne                      ? QStringLiteral("doc.on.doc")
                            : items.first().isDirectory ? QStringLiteral("folder.fill")
                                                        : QStringLiteral("doc.fill");
-    Symbol{symbol, 13, Weight::medium}.paint(painter, {inset - 2, 0, symbolWidth - 4, rect.height()},
+    const QRectF place(inset - 2, 0, symbolWidth - 4, rect.height());
+    Symbol{symbol, 13, Weight::medium}.paint(painter, inReadingDirection(place, rect),
                                              AppTheme::folderBlue());
-    paintText(painter, rect.adjusted(inset + symbolWidth - 2, 0, -inset + 2, 0), text, style,
-              AppTheme::ink());
+    const QRectF words = rect.adjusted(inset + symbolWidth - 2, 0, -inset + 2, 0);
+    paintText(painter, inReadingDirection(words, rect), text, style, AppTheme::ink());
     return picture;
 }
-
-} // namespace
 
 DraggedEntries::DraggedEntries(BrowserSide side, const QString &serial, const QList<FileItem> &items)
     : m_side(side), m_serial(serial), m_items(items) {
@@ -82,7 +78,7 @@ qsizetype draggedCount(const QMimeData &data, BrowserSide to, const QString &fol
 void dragEntries(QWidget *from, DraggedEntries *entries) {
     auto *drag = new QDrag(from); // which Qt deletes
     drag->setMimeData(entries);
-    drag->setPixmap(pictureOf(entries->items(), from->devicePixelRatioF()));
+    drag->setPixmap(dragPicture(entries->items(), from->devicePixelRatioF()));
     drag->setHotSpot({-12, -8}); // beside the pointer, which shows what a drop would do
     drag->exec(Qt::CopyAction);
 }

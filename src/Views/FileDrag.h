@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QMimeData>
+#include <QPixmap>
 
 class QWidget;
 
@@ -35,6 +36,10 @@ private:
 
 /// The paths of what is dragged from this computer, by this program or another one.
 [[nodiscard]] QStringList draggedPaths(const QMimeData &data);
+
+/// What hangs on the pointer: a card with the first entry's symbol and name, or how many there are, for a
+/// screen with so many pixels to a layout pixel.
+[[nodiscard]] QPixmap dragPicture(const QList<FileItem> &items, double pixelRatio);
 
 /// Drags the entries, which are deleted afterwards, away from the widget, with a picture that says what they
 /// are; returns when they were dropped.

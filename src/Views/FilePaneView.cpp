@@ -42,6 +42,10 @@ constexpr double toolRadius = 5;
 
 constexpr TextStyle columnStyle{10.5, Weight::semibold};
 
+IconButton::Look toolLook(const QString &symbol) {
+    return {.symbol = {symbol, 11, Weight::semibold}};
+}
+
 /// The sign in front of the search field; assistive technology hears the field's own name.
 QWidget *searchGlyph() {
     const Symbol symbol{QStringLiteral("magnifyingglass"), 12, Weight::semibold};
@@ -95,6 +99,7 @@ FilePaneView::FilePaneView(const PaneState &state, QWidget *parent)
             call(m_pane.onTryAgain);
     });
     m_footer = makeFooter();
+    m_list->viewport()->installEventFilter(this);
 
     const auto toggle = [this](const FileItem &item) { call(m_pane.onToggle, item); };
     connect(selection, &FileSelectionModel::toggled, this, toggle);
@@ -133,7 +138,7 @@ QWidget *FilePaneView::makeHeader() {
     connect(m_path, &PathBar::edited, this, &FilePaneView::takeFocus);
     const auto makeTool = [this](const char *name, const QString &symbol, const char *help, auto action) {
         auto *tool = named(QLatin1String(name), new IconButton(toolSize, toolRadius));
-        tool->setLook({.symbol = {symbol, 11, Weight::semibold}});
+        tool->setLook(toolLook(symbol));
         tool->setHelp(QLatin1String(help));
         connect(tool, &IconButton::clicked, this, action);
         return tool;
@@ -153,7 +158,7 @@ QWidget *FilePaneView::makeHeader() {
         tool->setHelp(QLatin1String(help), QAccessible::RadioButton);
         return tool;
     };
-    auto *back = action("back", backChevron(), "Go back", &FilePane::onBack);
+    auto *back = m_back = action("back", backChevron(), "Go back", &FilePane::onBack);
     auto *home = action("home", QStringLiteral("house"), "Go to Home", &FilePane::onHome);
     auto *choose =
         action("chooseFolder", QStringLiteral("folder"), "Choose folder", &FilePane::onChooseFolder);
@@ -186,7 +191,8 @@ QSlider *FilePaneView::makeTileSlider() {
     slider->setPageStep(TileSize::step);
     slider->setFocusPolicy(Qt::TabFocus);
     slider->setToolTip(QStringLiteral("Size of the tiles"));
-    setAccessibleTexts(slider, QStringLiteral("Size of the tiles"));
+    setAccessibleTexts(slider, QStringLiteral("Size of the tiles"),
+                       QStringLiteral("How large pictures are in the grid"));
     connect(slider, &QSlider::valueChanged, this, [this, slider](int size) {
         slider->setValue(TileSize::nearest(size)); // from step to step, also while it is dragged
         setTileSize(slider->value());
@@ -379,7 +385,8 @@ void FilePaneView::showSearch() {
     const AndroidSearchScope scope =
         m_pane.searchScope ? m_pane.searchScope->value : AndroidSearchScope::thisFolder;
     m_searchField->setPlaceholderText(searchPlaceholder(scope));
-    setAccessibleTexts(m_searchField, searchPlaceholder(scope));
+    setAccessibleTexts(m_searchField, searchPlaceholder(scope),
+                       QStringLiteral("Shows what has this text in its name"));
     showWithHeir(m_clearSearch, !m_pane.searchText->value.isEmpty(),
                  [this] { m_searchField->setFocus(Qt::OtherFocusReason); });
 }
@@ -562,13 +569,15 @@ void FilePaneView::fitColumns() {
         double width;
     } fixed[] = {{FileSortKey::size, FileRowGeometry::sizeWidth()},
                  {FileSortKey::modified, FileRowGeometry::modifiedWidth()}};
+    // A list that is not shown keeps the width that it had.
+    const int rowWidth = m_list->isVisibleTo(this) ? m_list->viewport()->width() : width() - 2 * border;
     for (ColumnButton *column : std::as_const(m_columns)) {
         for (const auto &[key, width] : fixed) {
             if (column->column() == key && m_columnHeaders->isAncestorOf(column))
                 column->setFixedWidth(int(width));
         }
         if (column->column() == FileSortKey::modified && m_columnHeaders->isAncestorOf(column))
-            showWithHeir(column, FileRowGeometry::showsModified(m_list->viewport()->width()),
+            showWithHeir(column, FileRowGeometry::showsModified(rowWidth),
                          [this] { entries()->takeFocus(); });
     }
 }
@@ -577,10 +586,18 @@ void FilePaneView::resizeEvent(QResizeEvent *) {
     fitColumns();
 }
 
+bool FilePaneView::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == m_list->viewport() && event->type() == QEvent::Resize)
+        fitColumns();
+    return QWidget::eventFilter(watched, event);
+}
+
 void FilePaneView::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange) // texts appear in another size
         fitColumns();
+    if (event->type() == QEvent::LayoutDirectionChange && m_back)
+        m_back->setLook(toolLook(backChevron()));
 }
 
 // -- Painting

@@ -49,6 +49,7 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
@@ -95,6 +96,7 @@ private:
     PathBar *m_path;
     QList<std::pair<IconButton *, std::function<void()> FilePane::*>> m_actions; ///< and what they call
     QList<IconButton *> m_placeTools; ///< of a side with more than one place to begin at
+    IconButton *m_back = nullptr;
     IconButton *m_newFolder;
     IconButton *m_listTool;
     IconButton *m_gridTool;

@@ -180,7 +180,6 @@ QWidget *SidebarView::deviceCard() {
     connect(m_refresh, &QAbstractButton::clicked, this,
             [this] { m_state->refreshDevice(AppState::Spinner::shown); });
     m_message = text(QStringLiteral("sidebar.device.message"), caption, AppTheme::inkTertiary());
-    m_message->setMaximumLines(2);
     m_message->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_storage = named(QStringLiteral("sidebar.storage"), new QProgressBar);
     m_storage->setRange(0, storageSteps);
@@ -298,6 +297,7 @@ void SidebarView::render() {
     enableWithHeir(m_refresh, !refreshing, [this] { focusEntries(window()); });
 
     const QString message = m_state->deviceStatusMessage().value_or(QString());
+    m_message->setMaximumLines(textScale() > 1 ? 5 : 2); // of larger letters, a line holds fewer words
     m_message->setText(message);
     m_message->setVisible(!message.isEmpty());
 
@@ -311,6 +311,12 @@ void SidebarView::render() {
     m_model->setVisible(connected && !device.name.isEmpty());
 
     showShortcuts();
+}
+
+void SidebarView::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) // texts appear in another size
+        m_rendering.request();
 }
 
 void SidebarView::paintEvent(QPaintEvent *) {

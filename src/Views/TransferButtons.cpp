@@ -7,6 +7,8 @@
 #include "State/AppState.h"
 #include "Views/FileItemsView.h"
 
+#include <QEvent>
+
 namespace vantrel {
 
 namespace {
@@ -37,6 +39,12 @@ TransferButtons::TransferButtons(AppState *state, QWidget *android, QWidget *mac
     m_rendering.watch(state, &AppState::deviceChanged, &AppState::androidSelectedIDsChanged,
                       &AppState::macSelectedIDsChanged);
     m_rendering.renderNow();
+}
+
+void TransferButtons::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange)
+        m_rendering.request();
 }
 
 void TransferButtons::render() {

@@ -17,6 +17,9 @@ public:
     /// The state must outlive the view. The panes: to the left and to the right of it.
     TransferButtons(AppState *state, QWidget *android, QWidget *mac);
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
     void render();
 

@@ -35,6 +35,7 @@ inline QSet<QAccessible::Role> expectAccessible(QWidget *top) {
             EXPECT_FALSE(text.contains(markup) && !text.contains(QStringLiteral("<b> & more"))) << which;
         }
         EXPECT_NE(role, QAccessible::NoRole) << which;
+        EXPECT_TRUE(name.isEmpty() || name != node->text(QAccessible::Description)) << "twice: " << which;
         const bool isLeaf = node->childCount() == 0;
         const bool isPicture = role == QAccessible::Graphic || role == QAccessible::Separator;
         EXPECT_FALSE(isLeaf && role == QAccessible::Client) << which;

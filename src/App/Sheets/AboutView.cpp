@@ -89,14 +89,13 @@ AboutView::AboutView(QWidget *window, const AboutTexts &texts)
     main->addWidget(centred(m_texts.copyright(), {.size = 11}, AppTheme::inkTertiary()));
     content()->addLayout(main);
 
-    content()->addWidget(new Divider);
     QPushButton *close = makeButton(QStringLiteral("Close"), QStringLiteral("about.close"));
     close->setDefault(true);
     close->setToolTip(QStringLiteral("Close About"));
     connect(close, &QAbstractButton::clicked, this, &QDialog::accept);
-    content()->addSpacing(14);
-    content()->addWidget(close, 0, Qt::AlignHCenter);
-    content()->addSpacing(14);
+    footer()->addSpacing(14);
+    footer()->addWidget(close, 0, Qt::AlignHCenter);
+    footer()->addSpacing(14);
 }
 
 void AboutView::openWebsite() {

@@ -76,8 +76,7 @@ DetailsView::DetailsView(QWidget *window, std::unique_ptr<Details> details, Desk
     connect(copy, &QAbstractButton::clicked, this, [this, &desktop] { desktop.copyText(m_details->text()); });
     connect(close, &QAbstractButton::clicked, this, &QDialog::accept);
 
-    content()->addWidget(new Divider);
-    content()->addLayout(
+    footer()->addLayout(
         rowOf(8, {BoxItem::room(1), copy, close, BoxItem::room(1)}, {padding, 14, padding, 14}));
     connect(m_details.get(), &Details::changed, this, &DetailsView::render);
     render();
@@ -94,7 +93,7 @@ void DetailsView::render() {
     }
     m_problem->setText(m_details->problem());
     m_problem->setVisible(!m_details->problem().isEmpty());
-    fitHeight();
+    fitCard();
 }
 
 } // namespace vantrel

@@ -1,49 +1,30 @@
 #include "App/Sheets/KeyboardView.h"
 
 #include "App/Sheets/KeyboardTable.h"
-#include "Kit/Boxes.h"
-#include "Kit/Canvas.h"
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 
 #include <QGridLayout>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
 
-#include <algorithm>
+#include <utility>
 
 namespace vantrel {
 
 namespace {
 
 constexpr int viewWidth = 680;
-constexpr int keysWidth = 270;
+constexpr int keysShare = 27; // of the width, in comparison with what they do
+constexpr int meaningShare = 35;
 constexpr int groupHeight = 30; // with the room above the group
-constexpr int aroundRows = 170; // of the window: title bar, button and what is free
 
 TextLabel *label(const QString &text, const TextStyle &style, const ThemeColor &color) {
     auto *made = new TextLabel(style, color);
     made->setText(text);
+    made->setMaximumLines(3);
+    made->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     return made;
-}
-
-/// The rows, which scroll where they are higher than that.
-QScrollArea *scrolled(QLayout *rows, int mostHeight) {
-    auto *all = new QWidget;
-    all->setLayout(rows);
-    auto *area = named(QStringLiteral("keyboard.rows"), new QScrollArea);
-    area->setAccessibleName(QStringLiteral("Keys"));
-    area->setFrameShape(QFrame::NoFrame);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setWidgetResizable(true);
-    area->setWidget(all);
-    area->viewport()->setAutoFillBackground(false);
-    all->setAutoFillBackground(false);
-    const int height = all->sizeHint().height();
-    area->setFixedHeight(std::min(height, mostHeight));
-    area->setFocusPolicy(height > mostHeight ? Qt::TabFocus : Qt::NoFocus); // the keys scroll it
-    return area;
 }
 
 } // namespace
@@ -54,8 +35,8 @@ KeyboardView::KeyboardView(QWidget *window) : Sheet(QStringLiteral("Keyboard"), 
     rows->setContentsMargins(24, 8, 24, 18);
     rows->setHorizontalSpacing(16);
     rows->setVerticalSpacing(3);
-    rows->setColumnMinimumWidth(0, withTexts(keysWidth));
-    rows->setColumnStretch(1, 1);
+    rows->setColumnStretch(0, keysShare);
+    rows->setColumnStretch(1, meaningShare);
     QString group;
     for (const KeyboardEntry &entry : keyboardTable()) {
         const int row = rows->rowCount();
@@ -67,14 +48,13 @@ KeyboardView::KeyboardView(QWidget *window) : Sheet(QStringLiteral("Keyboard"), 
         rows->addWidget(label(entry.title(), {12, Weight::semibold}, AppTheme::ink()), row + 1, 0);
         rows->addWidget(label(entry.does, {12, Weight::medium}, AppTheme::inkSecondary()), row + 1, 1);
     }
-    content()->addWidget(scrolled(rows, window->height() - aroundRows));
-    content()->addWidget(new Divider);
+    content()->addLayout(rows);
     QPushButton *close = makeButton(QStringLiteral("Close"), QStringLiteral("keyboard.close"));
     close->setDefault(true);
     connect(close, &QAbstractButton::clicked, this, &QDialog::accept);
-    content()->addSpacing(12);
-    content()->addWidget(close, 0, Qt::AlignHCenter);
-    content()->addSpacing(12);
+    footer()->addSpacing(12);
+    footer()->addWidget(close, 0, Qt::AlignHCenter);
+    footer()->addSpacing(12);
 }
 
 } // namespace vantrel

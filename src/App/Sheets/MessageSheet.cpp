@@ -1,6 +1,5 @@
 #include "App/Sheets/MessageSheet.h"
 
-#include "Kit/Canvas.h"
 #include "Kit/TextLabel.h"
 #include "Theme/AppTheme.h"
 
@@ -31,12 +30,10 @@ MessageSheet::MessageSheet(const QString &name, const QString &objectName, const
     for (TextLabel *label : {m_heading, m_detail}) {
         label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         label->setMaximumLines(6);
-        label->setFixedWidth(withTexts(viewWidth) - 2 * padding);
         texts->addWidget(label);
     }
     setTexts(message.heading, message.detail);
     content()->addLayout(texts);
-    content()->addWidget(new Divider);
 
     auto *buttons = new QHBoxLayout;
     buttons->setContentsMargins(padding, 14, padding, 14);
@@ -53,7 +50,7 @@ MessageSheet::MessageSheet(const QString &name, const QString &objectName, const
         buttons->addWidget(accept);
     }
     buttons->addStretch();
-    content()->addLayout(buttons);
+    footer()->addLayout(buttons);
 }
 
 void MessageSheet::setTexts(const QString &heading, const QString &detail) {

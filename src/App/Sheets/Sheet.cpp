@@ -2,6 +2,7 @@
 
 #include "Kit/Accessibility.h"
 #include "Kit/Canvas.h"
+#include "Kit/ScrollPane.h"
 #include "Kit/Shapes.h"
 #include "Kit/TextStyle.h"
 #include "Theme/AppTheme.h"
@@ -12,14 +13,18 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStyle>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace vantrel {
 
 namespace {
 
 constexpr int gapBelowTitleBar = 24;
+constexpr int leastGap = 16; // on the other sides
 constexpr double cornerRadius = 12;
 
 /// What lies below the window's title bar.
@@ -31,22 +36,45 @@ QRect contentOf(const QWidget &window) {
     return content;
 }
 
+QVBoxLayout *bareColumn() {
+    auto *column = new QVBoxLayout;
+    column->setSpacing(0);
+    column->setContentsMargins(0, 0, 0, 0);
+    return column;
+}
+
+int heightOf(QVBoxLayout &column, int width) {
+    column.invalidate();
+    return column.hasHeightForWidth() ? column.totalHeightForWidth(width) : column.totalSizeHint().height();
+}
+
+QWidget *holding(QLayout *layout) {
+    auto *holder = new QWidget;
+    holder->setLayout(layout);
+    return holder;
+}
+
 } // namespace
 
 Sheet::Sheet(const QString &name, int width, QWidget *window)
     : QDialog(window, Qt::SubWindow | Qt::FramelessWindowHint), // in the window, and Tab goes round in it
-      m_card(new Card(cornerRadius, this)), m_content(new QVBoxLayout(m_card)), m_firstFocus(this) {
+      m_width(width), m_card(new Card(cornerRadius, this)), m_content(bareColumn()),
+      m_pane(new ScrollPane(name, holding(m_content))), m_line(new Divider), m_footer(bareColumn()),
+      m_firstFocus(this) {
     describe(this, QAccessible::Dialog, name);
     setAttribute(Qt::WA_NoMousePropagation);
     m_card->setObjectName(QStringLiteral("sheet.card"));
-    m_card->setFixedWidth(withTexts(width));
-    m_content->setSpacing(0);
-    m_content->setContentsMargins(0, 0, 0, 0);
-    m_content->setSizeConstraint(QLayout::SetNoConstraint);
+    m_pane->setObjectName(QStringLiteral("sheet.content"));
+    auto *column = bareColumn();
+    column->addWidget(m_pane, 1);
+    column->addWidget(m_line);
+    column->addLayout(m_footer);
+    m_card->setLayout(column);
     m_slide.setStartValue(0.0);
     m_slide.setEndValue(1.0);
     m_slide.setEasingCurve(QEasingCurve::OutCubic);
     connect(&m_slide, &QVariantAnimation::valueChanged, this, &Sheet::place);
+    connect(m_pane->verticalScrollBar(), &QAbstractSlider::rangeChanged, this, &Sheet::letKeysScroll);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { keepFocus(now); });
 }
 
@@ -71,7 +99,7 @@ void Sheet::open() {
             return;
         }
     }
-    fitHeight();
+    fitCard();
     m_slide.setDuration(style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this));
     m_slide.start();
     place();
@@ -83,14 +111,28 @@ void Sheet::open() {
     show(); // where the toolkit would give the keyboard to the default button
     m_focus = m_firstFocus;
     m_focus->setFocus(Qt::OtherFocusReason);
+    letKeysScroll();
 }
 
-void Sheet::fitHeight() {
-    const int width = m_card->width();
-    m_content->invalidate();
-    m_card->setFixedHeight(m_content->hasHeightForWidth() ? m_content->totalHeightForWidth(width)
-                                                          : m_content->totalSizeHint().height());
+void Sheet::fitCard() {
+    const QSize room = contentOf(*parentWidget()).size() - QSize(2 * leastGap, gapBelowTitleBar + leastGap);
+    const int width = std::min(withTexts(m_width), room.width());
+    const int content = heightOf(*m_content, width);
+    const int buttons = heightOf(*m_footer, width);
+    const int line = m_line->minimumHeight();
+    m_line->setVisible(m_lineMode == Line::always || content + buttons > room.height());
+    const int whole = content + buttons + (m_line->isVisibleTo(m_card) ? line : 0);
+    m_pane->widget()->setMinimumHeight(content); // its fields would yield before they scroll
+    m_card->setFixedSize(width, std::min(whole, room.height()));
     update();
+}
+
+/// While no control has the keyboard, the content has it, if that scrolls.
+void Sheet::letKeysScroll() {
+    if (m_focus == this && m_pane->scrolls())
+        m_pane->setFocus(Qt::OtherFocusReason);
+    else if (m_focus == m_pane && !m_pane->scrolls())
+        setFocus(Qt::OtherFocusReason);
 }
 
 void Sheet::hideEvent(QHideEvent *) {
@@ -116,6 +158,8 @@ void Sheet::keepFocus(QWidget *now) {
 }
 
 bool Sheet::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Resize || event->type() == QEvent::ContentsRectChange)
+        fitCard();
     if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest ||
         event->type() == QEvent::ContentsRectChange)
         place();
@@ -124,6 +168,14 @@ bool Sheet::eventFilter(QObject *watched, QEvent *event) {
 
 void Sheet::mousePressEvent(QMouseEvent *event) {
     event->accept(); // beside the card: nothing
+}
+
+void Sheet::changeEvent(QEvent *event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::FontChange && !isHidden()) { // texts appear in another size
+        fitCard();
+        place();
+    }
 }
 
 void Sheet::place() {

@@ -40,14 +40,15 @@ TextPrompt::TextPrompt(const Desktop::TextQuestion &question, QWidget *window)
     buttons->addStretch();
     buttons->addWidget(cancel);
     buttons->addWidget(accept);
-    content()->setContentsMargins(padding, 18, padding, 18);
+    setLine(Line::whenScrolled);
+    content()->setContentsMargins(padding, 18, padding, 16);
+    footer()->setContentsMargins(padding, 0, padding, 18);
     content()->addWidget(heading);
     content()->addSpacing(4);
     content()->addWidget(information);
     content()->addSpacing(12);
     content()->addWidget(m_field);
-    content()->addSpacing(16);
-    content()->addLayout(buttons);
+    footer()->addLayout(buttons);
     setTabOrder(m_field, cancel);
     setTabOrder(cancel, accept);
 }

@@ -77,14 +77,16 @@ WirelessView::WirelessView(QWidget *window, WirelessPhones &phones)
 
     const QString explanation = QStringLiteral("On the phone, open Settings, Developer options, and turn on "
                                                "Wireless debugging. It shows the address.");
-    content()->setContentsMargins(padding, 22, padding, 18);
+    setLine(Line::whenScrolled);
+    content()->setContentsMargins(padding, 22, padding, 10);
+    footer()->setContentsMargins(padding, 0, padding, 18);
     content()->addLayout(columnOf(
         0, {words({15, Weight::semibold}, AppTheme::ink(), 1, QStringLiteral("Connect over Wi-Fi")),
             BoxItem::gap(6), words({12}, AppTheme::inkSecondary(), 2, explanation), BoxItem::gap(14),
             titled(addressTitle, m_address), BoxItem::gap(12),
             rowOf(12, {titled(portTitle, m_pairingPort), titled(codeTitle, m_code)}), BoxItem::gap(6),
-            m_pairingHint, BoxItem::gap(8), m_remembered, rowOf(6, {m_spinner, {m_message, 1}}),
-            BoxItem::gap(10), rowOf(8, {BoxItem::room(), cancel, m_connect})}));
+            m_pairingHint, BoxItem::gap(8), m_remembered, rowOf(6, {m_spinner, {m_message, 1}})}));
+    footer()->addLayout(rowOf(8, {BoxItem::room(), cancel, m_connect}));
     m_rendering.watch(&phones, &WirelessPhones::rememberedChanged, &WirelessPhones::isConnectingChanged,
                       &WirelessPhones::messageChanged, &WirelessPhones::versionChanged);
     m_phones.cancel(); // what an earlier one had to say
@@ -142,7 +144,7 @@ void WirelessView::render() {
         delete content()->replaceWidget(m_remembered, list);
         delete std::exchange(m_remembered, list);
         list->setVisible(!m_shown.isEmpty());
-        fitHeight();
+        fitCard();
     }
 }
 

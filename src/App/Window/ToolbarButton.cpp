@@ -24,8 +24,8 @@ ToolbarButton::ToolbarButton(QWidget *parent) : PlainButton(parent), m_symbol{QS
 
 void ToolbarButton::setContent(const QString &systemImage, const QString &title, const QString &help) {
     m_symbol.name = systemImage;
+    setHelp(help); // before assistive technology hears of a button that is only called by its title
     setText(title);
-    setHelp(help);
     update();
 }
 

@@ -149,8 +149,10 @@ void WindowChrome::fitMargin() {
     const int wanted = m_mayHaveMargin && !fillsScreen() ? shadow : 0;
     if (wanted == m_margin || !m_nativeWindow || !m_nativeWindow->handle())
         return;
-    // What the toolkit remembers as the normal size may be the one with the margin.
-    const bool isReturned = wanted > 0 && m_window->size() == m_sizeWithMargin;
+    // What the toolkit remembers as the normal size is the one with the margin; where the desktop has changed
+    // the state, it has given that to the native window already.
+    const bool isReturned = wanted > 0 && (m_window->size() == m_sizeWithMargin ||
+                                           nativeSize(m_nativeWindow) == m_sizeWithMargin);
     m_margin = wanted;
     fitMinimum();
     setWindowMargins(m_nativeWindow, margins());

@@ -2,9 +2,11 @@
 
 #include <QGuiApplication>
 #include <QMargins>
+#include <QWindow>
 
 #ifdef VANTREL_HAS_QPA
 #include <qpa/qplatformnativeinterface.h>
+#include <qpa/qplatformwindow.h>
 #endif
 
 namespace vantrel {
@@ -35,6 +37,14 @@ bool mayHaveWindowMargins() {
 void setWindowMargins(QWindow *window, const QMargins &margins) {
     if (const SetMargins set = toolkitsWay())
         set(window, margins);
+}
+
+QSize nativeSize(const QWindow *window) {
+#ifdef VANTREL_HAS_QPA
+    if (window->handle())
+        return window->handle()->geometry().size();
+#endif
+    return window->size();
 }
 
 } // namespace vantrel

@@ -1,6 +1,7 @@
 #pragma once
 
 class QMargins;
+class QSize;
 class QWindow;
 
 namespace vantrel {
@@ -14,5 +15,8 @@ namespace vantrel {
 /// its size: the window grows or shrinks. Only where mayHaveWindowMargins(), and for a window that has a
 /// native one.
 void setWindowMargins(QWindow *window, const QMargins &margins);
+
+/// How large the native window is, which the toolkit may not have told yet.
+[[nodiscard]] QSize nativeSize(const QWindow *window);
 
 } // namespace vantrel
