@@ -4,6 +4,7 @@
 #ifndef Q_OS_MACOS
 #include "App/System/DesktopPreferences.h"
 #include "App/Window/CopyReports.h"
+#include "Thumbnails/DesktopThumbnailer.h"
 #endif
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
@@ -104,6 +105,7 @@ int main(int argc, char **argv) {
                          &MainWindow::setTitleButtons);
         QObject::connect(&preferences, &DesktopPreferences::doubleClickPreferred, &window,
                          &QApplication::setDoubleClickInterval);
+        const DesktopThumbnailer thumbnailer(window.pictures(), QDBusConnection::sessionBus());
         const CopyReports reports(&window, window.state(), QDBusConnection::sessionBus());
 #endif
         window.show();
