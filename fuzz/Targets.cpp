@@ -224,7 +224,7 @@ void settings(const QByteArray &input) {
 void picture(const QByteArray &input) {
     constexpr int edge = 96;
     const int choice = input.isEmpty() ? 0 : uchar(input.front());
-    const auto kind = MediaKind(choice / 2 % (int(MediaKind::other) + 1));
+    const auto kind = MediaKind(choice / 2 % (int(MediaKind::audio) + 1));
     const QImage image =
         smallPicture(input.mid(1), choice % 2 == 0 ? Extent::whole : Extent::beginning, kind, edge);
     require(image.isNull() || (image.width() <= edge && image.height() <= edge), "a small picture is small");

@@ -10,10 +10,10 @@ enum class MediaKind {
     picture,    ///< the file itself, which the toolkit can read
     photo,      ///< likewise, and a smaller one that its camera has embedded
     raw,        ///< what was embedded alone
+    other,      ///< what only other programs of the desktop can read
     video,      ///< its cover
     audio,      ///< likewise
-    otherVideo, ///< what only other programs of the desktop can read
-    other,      ///< likewise
+    otherVideo, ///< as other
 };
 
 [[nodiscard]] MediaKind mediaKindOf(const QString &name);
