@@ -207,6 +207,13 @@ TEST(ADBToolTests, aRunStopsWhenToolsAreStopped) {
     EXPECT_TRUE(runShell(u"true"_s).has_value());
 }
 
+TEST(ADBToolTests, onlySilenceTriesOnesPatience) {
+    const ScriptedADB adb("for i in 1 2 3 4 5; do echo $i; sleep 0.3; done");
+    const auto slow = ADBClient::askADB({}, std::chrono::seconds(1), {});
+    ASSERT_TRUE(slow) << slow.error().errorDescription().toStdString();
+    EXPECT_EQ(slow->output, "1\n2\n3\n4\n5\n");
+}
+
 #ifdef Q_OS_LINUX
 TEST(ADBToolTests, noToolOutlivesTheProgram) {
     QTemporaryDir folder;
@@ -524,6 +531,10 @@ TEST(ADBTransferTests, percentagesOfEitherStreamAreReportedInOrder) {
          "printf '\\r[ 50%%] /sdcard/[99%%].bin\\033[K'; step",
          0,
          {{0.25, 0, 0}, {0.5, 0, 0}}},
+        {"printf '[ 42%%] /sdcard/a\\n' >&2; step; printf '[ 17%%] /sdcard/a\\n' >&2; sleep 0.1\n"
+         "printf '[ 50%%] /sdcard/a\\n' >&2; step",
+         0,
+         {{0.42, 0, 0}, {0.5, 0, 0}}}, // of another file by then
         // The phone is busy for longer than the reader waits for the terminal at a time.
         {"sleep 0.3; printf '\\r[ 25%%] /sdcard/a\\033[K'; step", 0, {{0.25, 0, 0}}},
         {"printf '\\r[100%%] /sdcard/a\\033[K'; step", largest, {{0.99, largest, largest}}},

@@ -5,6 +5,7 @@
 
 #include "Records/Identity.h"
 #include "Transfers/CopyRun.h"
+#include "Transfers/CopyText.h"
 #include "Transfers/QueueFile.h"
 #include "Transfers/StagedName.h"
 

@@ -4,6 +4,7 @@
 #include "support/ModelTest.h"
 
 #include "Transfers/CopyRun.h"
+#include "Transfers/CopyText.h"
 #include "Transfers/LocalStaging.h"
 #include "Transfers/StagedName.h"
 #include "Transfers/TransferRate.h"

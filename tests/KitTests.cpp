@@ -137,9 +137,16 @@ TEST(TextTests, namesCannotDeceive) {
             paintText(painter, {0, 0, 80, 20}, text, {12.5}, Qt::black);
         });
     };
-    for (const auto &[typed, sign] :
-         {std::pair(u"a->b"_s, u"a→b"_s), {u"a<-b"_s, u"a←b"_s}, {u"a=>b"_s, u"a⇒b"_s}, {u"3x4"_s, u"3×4"_s}})
+    for (const auto &[typed, sign] : {std::pair(u"a->b"_s, u"a→b"_s),
+                                      {u"a<-b"_s, u"a←b"_s},
+                                      {u"a=>b"_s, u"a⇒b"_s},
+                                      {u"3x4"_s, u"3×4"_s}}) {
         EXPECT_NE(drawn(typed), drawn(sign)) << "the font makes a sign of " << typed.toStdString();
+        double width = 0;
+        for (const QChar character : typed)
+            width += TextStyle{12.5}.width(character);
+        EXPECT_NEAR(TextStyle{12.5}.width(typed), width, 0.5) << typed.toStdString();
+    }
 }
 
 TEST(ShapeTests, linesLieInsideAndAreCrisp) {

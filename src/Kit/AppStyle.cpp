@@ -168,10 +168,11 @@ QSize pushButtonSize(const QStyleOptionButton &button) {
 void paintPushButton(QPainter &painter, const QStyleOptionButton &button) {
     const QRectF rect = button.rect;
     const bool isDown = button.state & QStyle::State_Sunken;
-    const bool isDefault = button.features & QStyleOptionButton::DefaultButton;
-    QColor text = !(button.state & QStyle::State_Enabled) ? AppTheme::inkTertiary()
-                  : isDefault                             ? AppTheme::onAccent()
-                                                          : AppTheme::ink();
+    const bool isEnabled = button.state & QStyle::State_Enabled;
+    const bool isDefault = isEnabled && button.features & QStyleOptionButton::DefaultButton;
+    QColor text = !isEnabled  ? AppTheme::inkTertiary()
+                  : isDefault ? AppTheme::onAccent()
+                              : AppTheme::ink();
     if (isLink(button)) {
         text = AppTheme::accent().withOpacity(isDown ? 0.7 : 1);
         if (button.state & QStyle::State_MouseOver)

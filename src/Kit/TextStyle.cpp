@@ -96,8 +96,9 @@ bool breaksLine(QChar character) {
 /// The text as it is laid out: Inter draws "->", "<=" and the "x" of "3x4" as the arrows and signs that they
 /// resemble, and then two names look the same. A character without width between them keeps them apart.
 QString laidOutText(const QString &text) {
-    static const QRegularExpression joined(QStringLiteral("[-<>=](?=[-<>=])|\\d(?=x\\d)|x(?=\\d)"));
-    return displayText(text).replace(joined, QStringLiteral("\\0\u200c"));
+    static const QRegularExpression joint(
+        QStringLiteral("(?<=[-<>=])(?=[-<>=])|(?<=\\d)(?=x\\d)|(?<=x)(?=\\d)"));
+    return displayText(text).replace(joint, QStringLiteral("\u200c"));
 }
 
 /// One line from left to right whatever its first letter: an extension stays at the end of the name.

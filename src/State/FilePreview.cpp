@@ -4,7 +4,7 @@
 #include "ADB/AndroidPath.h"
 #include "MacFiles/MacFileClient.h"
 #include "Records/FileSizeFormat.h"
-#include "Transfers/CopyRun.h"
+#include "Transfers/CopyText.h"
 #include "Transfers/LocalStaging.h"
 
 #include <QCryptographicHash>

@@ -1,7 +1,9 @@
 #include "State/PaneState.h"
 
+#include "Records/ByteSum.h"
+
 #include <algorithm>
-#include <limits>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -10,12 +12,9 @@ namespace vantrel {
 namespace {
 
 qint64 bytesOf(const QList<FileItem> &items) {
-    qint64 bytes = 0;
-    for (const FileItem &item : items) {
-        if (__builtin_add_overflow(bytes, item.sizeBytes.value_or(0), &bytes))
-            return std::numeric_limits<qint64>::max();
-    }
-    return bytes;
+    return std::accumulate(items.begin(), items.end(), qint64(0), [](qint64 sum, const FileItem &item) {
+        return byteSum(sum, item.sizeBytes.value_or(0));
+    });
 }
 
 } // namespace

@@ -55,17 +55,4 @@ struct CopyWatcher {
 /// and a final name is a whole file.
 bool runCopyJob(const CopyJob &job, const CopyWatcher &watcher, const std::stop_token &stop);
 
-/// Removes what is kept of the copies of entries that will not go on. Blocking. Whether there was any.
-bool discardKeptParts(const QList<QUuid> &entries);
-
-/// What the queue shows of an entry that has ended like this.
-[[nodiscard]] QueueItemStatus statusAfter(const QueueItem &item, const CopyReport &report);
-
-/// What an error line of adb's push or pull, without its "adb: error: ", means to the user.
-[[nodiscard]] QString explainedCopyError(const QString &error);
-
-/// The name for a copy that is kept beside another one: "name 2.jpg", number 2 and up; shortened to what file
-/// systems take.
-[[nodiscard]] QString numberedName(const QString &name, int number);
-
 } // namespace vantrel

@@ -32,4 +32,15 @@ QList<Part> take(const QUuid &entry) {
     return kept;
 }
 
+bool discard(const QList<QUuid> &entries) {
+    bool hasAny = false;
+    for (const QUuid &entry : entries) {
+        for (const Part &part : take(entry)) {
+            part.place.remove(part.name);
+            hasAny = true;
+        }
+    }
+    return hasAny;
+}
+
 } // namespace vantrel::KeptParts

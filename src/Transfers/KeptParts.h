@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Records/QueueItem.h"
+#include "Transfers/StagingPlace.h"
 
 #include <QList>
 #include <QUuid>
@@ -13,15 +13,15 @@ namespace KeptParts {
 
 struct Part {
     QUuid entry;
-    TransferDirection direction = TransferDirection::androidToMac;
-    QString serial; ///< of the entry's phone
-    QString folder; ///< that is written into
-    QString name;   ///< of the staging folder in it
+    StagingPlace place;
+    QString name; ///< of the staging folder
 };
 
 void keep(const Part &part);
 /// What is kept for the entry; it is the caller's from then on.
 [[nodiscard]] QList<Part> take(const QUuid &entry);
+/// Removes what is kept for entries that will not go on. Blocking. Whether there was any.
+bool discard(const QList<QUuid> &entries);
 
 } // namespace KeptParts
 

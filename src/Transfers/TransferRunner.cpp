@@ -4,6 +4,8 @@
 #include "ADB/AndroidPath.h"
 #include "Records/FileSizeFormat.h"
 #include "Records/TransferFormat.h"
+#include "Transfers/CopyText.h"
+#include "Transfers/KeptParts.h"
 #include "Transfers/QueueFile.h"
 #include "Worker/Worker.h"
 
@@ -143,7 +145,7 @@ void TransferRunner::clear() {
 }
 
 QCoro::Task<> TransferRunner::discard(QList<QUuid> entries) {
-    co_await Background::run(this, &discardKeptParts, entries);
+    co_await Background::run(this, &KeptParts::discard, entries);
 }
 
 void TransferRunner::pause() {
