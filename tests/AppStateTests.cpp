@@ -4,6 +4,7 @@
 #include "support/Processes.h"
 
 #include "State/FilePreview.h"
+#include "Transfers/StagedName.h"
 
 using namespace Qt::StringLiterals;
 using namespace vantrel;
@@ -379,7 +380,64 @@ TEST(FilePreviewTests, foldersStayInsideTheCache) {
     const QString longPath = u"/sdcard/"_s + QString(300, u'x');
     EXPECT_EQ(FilePreview::folderName(longPath).size(), 64);
     EXPECT_NE(FilePreview::folderName(longPath), FilePreview::folderName(longPath + u'y'));
-    EXPECT_FALSE(FilePreview::fetch(u"x"_s, u"/a"_s, u"../x"_s).has_value());
+    EXPECT_FALSE(FilePreview::fetch({u"x"_s, u"/a"_s, u"../x"_s}, {}, {}).has_value());
+}
+
+TEST_F(AppStateTests, openingShowsHowFarItIsAndCanBeGivenUp) {
+    phone.write(u"Download/film.mp4"_s, QByteArray(4'000'000, 'x'));
+    connectPhone();
+    browsePhone(u"/sdcard/Download"_s);
+    phone.set(u"bandwidth"_s, "1");
+    const FileItem film = state->androidItems().first();
+    state->openAndroidFile(film);
+    ASSERT_TRUE(waitFor([&] { return state->openingPercent() > 20; }));
+    EXPECT_GT(processes::childrenCalled("pull"), 0);
+    state->stopOpening();
+    ASSERT_TRUE(waitFor([&] { return !state->isOpeningAndroidFile(); }));
+    EXPECT_EQ(processes::childrenCalled("pull"), 0);
+    EXPECT_EQ(state->openingPercent(), 0);
+    EXPECT_EQ(state->androidBrowseError(), std::nullopt) << "whoever has stopped it knows";
+    const QString folder = FilePreview::cacheFolder() + u"/sdcard_Download_film.mp4"_s;
+    EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
+    EXPECT_EQ(desktop.opened, QStringList());
+
+    phone.reset(u"bandwidth"_s);
+    open(film);
+    EXPECT_EQ(desktop.opened.size(), 1) << "what was stopped before does not count";
+}
+
+TEST_F(AppStateTests, whatDoesNotFitHereIsNotCopiedToBeOpened) {
+    connectPhone();
+    open({{}, u"vast"_s, u"/sdcard/vast"_s, false, qint64(1) << 60, {}, {}});
+    EXPECT_TRUE(state->androidBrowseError()->endsWith(u" are free."_s))
+        << state->androidBrowseError()->toStdString();
+    for (const QStringList &line : phone.commandLines())
+        EXPECT_FALSE(line.contains(u"pull"_s));
+}
+
+TEST_F(AppStateTests, oldPreviewsGoAndTheUsersWorkStays) {
+    for (const char *name : {"seen", "edited"})
+        phone.write(u"Download/"_s + QString::fromLatin1(name), "x");
+    connectPhone();
+    browsePhone(u"/sdcard/Download"_s);
+    for (const FileItem &file : state->androidItems())
+        open(file);
+    ASSERT_EQ(desktop.opened.size(), 2);
+    const QString edited = desktop.opened.first();
+    const QString seen = desktop.opened.last();
+    QFile::setPermissions(edited, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    // As a program leaves it that was killed in the middle.
+    const QString name = StagedName::make();
+    write(QFileInfo(edited).path() + u'/' + name + u"/edited"_s, "half of it");
+    StagedName::release(name);
+    const QDateTime now = QDateTime::currentDateTime();
+    EXPECT_EQ(FilePreview::sweep(now.addDays(-1)), 2) << "fetched today";
+    EXPECT_EQ(FilePreview::sweep(now.addDays(1)), 1);
+    EXPECT_FALSE(QFileInfo::exists(QFileInfo(seen).path()));
+    EXPECT_EQ(contents(edited), "x");
+    EXPECT_EQ(
+        QDir(QFileInfo(edited).path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+        QStringList{u"edited"_s});
 }
 
 TEST_F(AppStateTests, createsAFolder) {

@@ -184,7 +184,7 @@ TEST_F(HostilePhoneTests, linksThatWerePlantedLeadNowhere) {
         EXPECT_EQ(open(u"song.bin"_s), QString());
         EXPECT_EQ(desktop.opened, QStringList{local});
         EXPECT_EQ(contents(local), "song");
-        EXPECT_EQ(mode(local), S_IFREG | 0600) << "for the user alone, and never a program";
+        EXPECT_EQ(mode(local), S_IFREG | 0400) << "for the user's eyes alone, and never a program";
         for (QString folder = QFileInfo(local).path(); folder != cache; folder = QFileInfo(folder).path())
             EXPECT_EQ(mode(folder), S_IFDIR | 0700) << folder.toStdString();
         EXPECT_EQ(namesIn(at(u"elsewhere"_s)), QString());

@@ -1196,6 +1196,16 @@ TEST_F(DualBrowserTests, thePhonesPaneBrowses) {
     EXPECT_TRUE(footerSays(android(), u"Opening…"_s));
     EXPECT_TRUE(waitFor([&] { return desktop.opened.size() == 1; }));
     EXPECT_TRUE(desktop.opened.first().endsWith(u"note.txt"_s));
+
+    phone.set(u"pull.hang"_s, "on");
+    doubleClickEntry(android(), 1);
+    EXPECT_TRUE(footerSays(android(), u"Opening…"_s));
+    state->selectAllVisible(BrowserSide::android);
+    QTest::keyClick(entriesOf(android()), Qt::Key_Escape);
+    EXPECT_TRUE(footerSays(android(), u"2 items • 5 bytes"_s)) << "it is given up";
+    EXPECT_EQ(state->androidSelectedIDs().size(), 2) << "and nothing else";
+    EXPECT_EQ(desktop.opened.size(), 1);
+    phone.reset(u"pull.hang"_s);
     phone.deny(u"DCIM"_s);
     doubleClickEntry(android(), 0);
     EXPECT_TRUE(footerSays(android(), u"ls: /sdcard/DCIM/: Permission denied"_s));

@@ -204,14 +204,17 @@ protected:
 
     QTemporaryDir directory{QDir::tempPath() + u"/v-XXXXXX"_s}; // sockets have short names
 
-    /// A start while the event loop of the first one runs.
-    Role startAgain(const QByteArray &token = {}, const QString &screen = {}) {
+    /// A start while the event loop of the first one runs, or this is done.
+    Role startAgain(
+        const QByteArray &token = {}, const QString &screen = {},
+        const std::function<void()> &meanwhile = [] {}) {
         std::atomic<bool> ended = false;
         Role role = Role::alone;
         std::thread second([&] {
             role = SingleInstance(directory.path(), screen).claim(token);
             ended = true;
         });
+        meanwhile();
         EXPECT_TRUE(QTest::qWaitFor([&] { return ended.load(); }));
         second.join();
         return role;
@@ -243,14 +246,18 @@ TEST_F(SingleInstanceTests, aSecondStartRaisesTheFirst) {
 
 TEST_F(SingleInstanceTests, readsTheScreenAndTheTokenFromTheEnvironment) {
     using Values = std::array<QByteArray, 4>;
+    const QByteArray mine = directory.path().toLocal8Bit();
     for (const auto &[values, screen, token] :
          {std::tuple(Values{"", "", "", ""}, u""_s, QByteArray()),
           {Values{"wayland-1", ":0", "t", "id_TIME5"}, u"wayland-1"_s, "t"},
+          {Values{mine + "/wayland-1", "", "", ""}, u"wayland-1"_s, ""},
+          {Values{"/run/wayland-1", "", "", ""}, u"/run/wayland-1"_s, ""},
           {Values{"", ":1", "", "id_TIME5"}, u":1"_s, "id_TIME5"},
           {Values{"", ":1.0", "", ""}, u":1"_s, ""},
           {Values{"", ":1.1", "", ""}, u":1.1"_s, ""},
           {Values{"", "localhost:10.0", "", ""}, u"localhost:10"_s, ""}}) {
-        const Environment environment({{"WAYLAND_DISPLAY", values[0]},
+        const Environment environment({{"XDG_RUNTIME_DIR", mine},
+                                       {"WAYLAND_DISPLAY", values[0]},
                                        {"DISPLAY", values[1]},
                                        {"XDG_ACTIVATION_TOKEN", values[2]},
                                        {"DESKTOP_STARTUP_ID", values[3]}});
@@ -267,6 +274,22 @@ TEST_F(SingleInstanceTests, takesOverAfterABadEnd) {
     SingleInstance first(directory.path(), QString());
     EXPECT_EQ(first.claim(), Role::first);
     EXPECT_EQ(startAgain(), Role::second);
+}
+
+TEST_F(SingleInstanceTests, takesThePlaceOfOneThatIsJustEnding) {
+    // It is still there, hears nothing any more, and is gone while it is asked.
+    QLockFile lock(directory.filePath(u"vantrel.lock"_s));
+    ASSERT_TRUE(lock.tryLock());
+    QLocalServer server;
+    ASSERT_TRUE(server.listen(directory.filePath(u"vantrel.socket"_s)));
+    EXPECT_EQ(startAgain({}, {},
+                         [&] {
+                             EXPECT_TRUE(server.waitForNewConnection(5000));
+                             delete server.nextPendingConnection();
+                             server.close();
+                             lock.unlock();
+                         }),
+              Role::first);
 }
 
 TEST_F(SingleInstanceTests, startsAnywayWhenItCannotFindOut) {

@@ -78,15 +78,43 @@ TEST(SmallPictureTests, everyOrientationOfTheCameraStandsUpright) {
     EXPECT_EQ(smallPicture(wide, Extent::beginning, MediaKind::photo, 256).size(), QSize(160, 106));
 }
 
-TEST(SmallPictureTests, coversOfAudioAreFound) {
+QByteArray number(quint32 value) {
+    const char bytes[] = {char(value >> 24), char(value >> 16), char(value >> 8), char(value)};
+    return QByteArray(bytes, sizeof bytes);
+}
+
+QByteArray box(const QByteArray &name, const QByteArray &content) {
+    return number(quint32(content.size() + 8)) + name + content;
+}
+
+/// A still picture in a film's clothes, of which nothing can be read but what its camera says of it.
+QByteArray heic(const QByteArray &brand, const QByteArray &photo) {
+    const QByteArray exif = photo.mid(6, qFromBigEndian<quint16>(photo.constData() + 4) - 2);
+    const QByteArray item = number(0) + exif;
+    const auto boxes = [&](quint32 place) -> QByteArray {
+        const QByteArray entry = box("infe", QByteArray("\2\0\0\0\0\1\0\0Exif\0", 13));
+        const QByteArray location =
+            QByteArray("\0\0\0\0\x44\0\0\1\0\1\0\0\0\1", 14) + number(place) + number(quint32(item.size()));
+        return box("ftyp", brand + number(0) + "mif1" + brand) +
+               box("meta", number(0) + box("hdlr", number(0) + number(0) + "pict" + QByteArray(13, '\0')) +
+                               box("pitm", QByteArray("\0\0\0\0\0\2", 6)) +
+                               box("iinf", QByteArray("\0\0\0\0\0\1", 6) + entry) + box("iloc", location));
+    };
+    return boxes(quint32(boxes(0).size() + 8)) + box("mdat", item + QByteArray(2'000'000, 'x'));
+}
+
+TEST(SmallPictureTests, whatTheCameraHasPutIntoAHeicIsFound) {
+    for (const char *brand : {"heic", "mif1", "avif"}) {
+        const QByteArray file = heic(brand, photo("gryb", 0, 2));
+        for (const QByteArray &bytes : {file, file.left(256'000)})
+            EXPECT_EQ(quartersOf(smallPicture(bytes, Extent::beginning, mediaKindOf(u"IMG_1.HEIC"_s), 256)),
+                      "rgby");
+        EXPECT_TRUE(smallPicture(file.left(1000), Extent::beginning, MediaKind::raw, 256).isNull());
+    }
+}
+
+TEST(SmallPictureTests, coversOfAudioAndFilmsAreFound) {
     const QByteArray cover = jpegOf(quarters("rgby"));
-    const auto number = [](quint32 value) -> QByteArray {
-        const char bytes[] = {char(value >> 24), char(value >> 16), char(value >> 8), char(value)};
-        return QByteArray(bytes, sizeof bytes);
-    };
-    const auto box = [&](const QByteArray &name, const QByteArray &content) -> QByteArray {
-        return number(quint32(content.size() + 8)) + name + content;
-    };
     const QByteArray frame = QByteArray("\0image/jpeg\0\3\0", 14) + cover;
     const quint32 size = quint32(frame.size() + 10);
     const quint32 sevenBits = (size & 0x7f) | (size & 0x3f80) << 1 | (size & 0x1fc000) << 2;
@@ -102,6 +130,7 @@ TEST(SmallPictureTests, coversOfAudioAreFound) {
         EXPECT_EQ(
             quartersOf(smallPicture(file + QByteArray(5000, 'x'), Extent::beginning, MediaKind::audio, 64)),
             "rgby");
+    EXPECT_EQ(quartersOf(smallPicture(m4a, Extent::beginning, mediaKindOf(u"film.m4v"_s), 64)), "rgby");
 }
 
 TEST(SmallPictureTests, whatIsHostileCostsNothingButItsPicture) {
@@ -137,7 +166,7 @@ TEST(SmallPictureTests, whatIsHostileCostsNothingButItsPicture) {
     for (const auto &[what, bytes] : cases) {
         SCOPED_TRACE(what);
         for (const MediaKind kind :
-             {MediaKind::picture, MediaKind::photo, MediaKind::raw, MediaKind::audio}) {
+             {MediaKind::picture, MediaKind::photo, MediaKind::raw, MediaKind::video, MediaKind::audio}) {
             for (const Extent extent : {Extent::whole, Extent::beginning})
                 EXPECT_TRUE(smallPicture(bytes, extent, kind, 256).isNull());
         }

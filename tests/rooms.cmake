@@ -33,7 +33,7 @@ vantrel_test(DemoPhoneTests LIBRARIES demo_phone_fixture SOURCES DemoPhoneTests.
 vantrel_gui_test(FuzzReplayTests LIBRARIES fuzz_targets SOURCES FuzzReplayTests.cpp)
 if(NOT APPLE)
     vantrel_gui_test(DesktopTests LIBRARIES vantrel_app_window demo_phone_fixture
-                     SOURCES CopyReportsTests.cpp DesktopTests.cpp support/OpenedAddresses.h)
+                     SOURCES CopyReportsTests.cpp DesktopTests.cpp ThumbnailerTests.cpp support/OpenedAddresses.h)
     vantrel_wayland_test(WaylandTests 1024x600 1366x768 1920x1080)
     # What the compositor does by itself, they let a test pretend likewise.
     if(VANTREL_QPA)

@@ -182,10 +182,12 @@ using TransferProgress = std::function<void(double fraction, qint64 transferredB
 
 /// Runs an adb push or pull to its end. `expectedBytes` is 0 when unknown. `localPathForSizePolling`, when
 /// given, is the destination of a pull, whose growth is a source of progress. Removes nothing, whatever
-/// happens. A copy of which nothing is heard for as long as askADB() bears silence is ended.
+/// happens. A copy of which nothing is heard for as long as askADB() bears silence is ended, and so is one
+/// that is requested to stop.
 [[nodiscard]] ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
                                           const std::optional<QString> &localPathForSizePolling,
-                                          const TransferProgress &onProgress);
+                                          const TransferProgress &onProgress,
+                                          const std::stop_token &stop = {});
 /// The bytes that are already present at a local path: a file's size, the sizes of a folder's visible files,
 /// or 0.
 [[nodiscard]] qint64 allocatedByteCount(const QString &path);

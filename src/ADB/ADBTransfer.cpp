@@ -115,7 +115,7 @@ QString failureMessage(const ToolRun &run, const ToolText::Reason &errorStream, 
 
 ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
                             const std::optional<QString> &localPathForSizePolling,
-                            const TransferProgress &onProgress) {
+                            const TransferProgress &onProgress, const std::stop_token &stop) {
     const auto tool = resolveADBPath();
     if (!tool)
         return tl::make_unexpected(ADBError::adbNotFound());
@@ -126,6 +126,7 @@ ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
     PseudoTerminal terminal;
     ToolRun run(*tool, arguments, terminalEnvironment());
     run.useTerminal(terminal);
+    run.stopWith(stop);
     if (auto started = run.start(); !started)
         return started;
     std::atomic<bool> isHeard{false}; // on any of the three ways in which a copy shows

@@ -3,7 +3,7 @@
 #include "App/System/CommandLine.h"
 #ifndef Q_OS_MACOS
 #include "App/System/DesktopPreferences.h"
-#include "App/Window/CopyReports.h"
+#include "Thumbnails/DesktopThumbnailer.h"
 #endif
 #include "App/System/FontConfiguration.h"
 #include "App/System/Product.h"
@@ -15,6 +15,7 @@
 #include "App/System/Version.h"
 #include "App/Updates/Updater.h"
 #include "App/Window/Activation.h"
+#include "App/Window/CopyReports.h"
 #include "App/Window/MainWindow.h"
 #include "Kit/AppStyle.h"
 #include "Worker/Worker.h"
@@ -104,8 +105,12 @@ int main(int argc, char **argv) {
                          &MainWindow::setTitleButtons);
         QObject::connect(&preferences, &DesktopPreferences::doubleClickPreferred, &window,
                          &QApplication::setDoubleClickInterval);
-        const CopyReports reports(&window, window.state(), QDBusConnection::sessionBus());
+        const DesktopThumbnailer thumbnailer(window.pictures(), QDBusConnection::sessionBus());
+        const SessionBus bus = QDBusConnection::sessionBus();
+#else
+        const SessionBus bus;
 #endif
+        const CopyReports reports(&window, window.state(), bus);
         window.show();
         status = QApplication::exec();
     }

@@ -65,6 +65,7 @@ void AppState::forwardSignals() {
 }
 
 AppState::~AppState() {
+    stopOpening();
     m_desktop.keepAwake(false);
 }
 

@@ -7,6 +7,7 @@
 #include "Transfers/TransferRunner.h"
 
 #include <memory>
+#include <stop_token>
 
 namespace vantrel {
 
@@ -61,6 +62,8 @@ public:
     // -- The phone pane
     [[nodiscard]] bool isLoadingAndroid() const { return m_androidPane.isLoading(); }
     [[nodiscard]] bool isOpeningAndroidFile() const { return m_isOpeningAndroidFile; }
+    /// How much of that file has come, of 100; 0 as long as that is not known.
+    [[nodiscard]] int openingPercent() const { return m_openingPercent; }
     [[nodiscard]] const auto &androidBrowseError() const { return m_androidPane.browseError(); }
     [[nodiscard]] const QString &androidCurrentPath() const { return m_androidPane.path(); }
     [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments.value(); }
@@ -80,6 +83,8 @@ public:
     QCoro::Task<> createAndroidFolder();
     /// Copies a phone file into the cache and opens it with its default application. Folders are ignored.
     QCoro::Task<> openAndroidFile(FileItem item);
+    /// Gives up opening, if that is under way. Nothing of the file is left.
+    void stopOpening() { m_openingStop.request_stop(); }
 
     // -- The phone pane's search
     [[nodiscard]] const QString &androidSearchText() const { return m_search.text(); }
@@ -141,6 +146,7 @@ Q_SIGNALS:
     void isRefreshingDeviceChanged();
     void isLoadingAndroidChanged();
     void isOpeningAndroidFileChanged();
+    void openingPercentChanged();
     void androidBrowseErrorChanged();
     void androidCurrentPathChanged();
     void selectedShortcutIDChanged();
@@ -190,9 +196,11 @@ private:
     QString m_openedPhone; ///< whose folders the phone pane remembers
     DeviceSearch m_search{m_androidPane};
     TransferRunner m_transfers{*this};
+    std::stop_source m_openingStop;
 
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, m_isOpeningAndroidFile, false,
                                          &AppState::isOpeningAndroidFileChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, int, m_openingPercent, 0, &AppState::openingPercentChanged)
     Q_OBJECT_BINDABLE_PROPERTY(AppState, std::optional<QUuid>, m_selectedShortcutID,
                                &AppState::selectedShortcutIDChanged)
     Q_OBJECT_BINDABLE_PROPERTY(AppState, QStringList, m_androidPathSegments,

@@ -22,6 +22,8 @@ Desktop::TextQuestion newFolderQuestion() {
 } // namespace
 
 QCoro::Task<> AppState::openPhone() {
+    // Nobody waits for this. What is looked at may be open in some program.
+    static_cast<void>(Background::run(this, &FilePreview::sweep, QDateTime::currentDateTime().addDays(-1)));
     // The same one is back when its cable was moved.
     if (std::exchange(m_openedPhone, device().id) != device().id)
         m_androidPane.forgetVisits();
@@ -144,12 +146,24 @@ QCoro::Task<> AppState::openAndroidFile(FileItem item) {
     m_isOpeningAndroidFile = true;
     m_androidPane.setBrowseError(std::nullopt);
 
-    const auto local = co_await Background::run(this, &FilePreview::fetch, *serial, item.path, item.name);
+    m_openingStop = {};
+    const std::stop_token stop = m_openingStop.get_token();
+    const FilePreview::Request request{*serial, item.path, item.name, item.sizeBytes.value_or(0)};
+    const std::function<void(int)> onPercent = [state = QPointer(this)](int percent) {
+        Background::post([state, percent] {
+            if (state)
+                state->m_openingPercent = percent;
+        });
+    };
+    const auto local = co_await Background::run(this, &FilePreview::fetch, request, onPercent, stop);
+    m_openingPercent = 0;
+    m_isOpeningAndroidFile = false;
+    if (stop.stop_requested())
+        co_return;
     if (local)
         MacFileClient::open(m_desktop, *local);
     else
         m_androidPane.setBrowseError(local.error());
-    m_isOpeningAndroidFile = false;
 }
 
 QCoro::Task<> AppState::createAndroidFolder() {

@@ -2,6 +2,8 @@
 
 #include "ADB/ADBClient.h"
 #include "ADB/AndroidPath.h"
+#include "MacFiles/MacFileClient.h"
+#include "Records/FileSizeFormat.h"
 #include "Transfers/CopyText.h"
 #include "Transfers/LocalStaging.h"
 
@@ -11,12 +13,21 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <mutex>
+
 namespace vantrel::FilePreview {
 
 namespace {
 
-constexpr QFileDevice::Permissions ownerOnlyFile = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-constexpr QFileDevice::Permissions ownerOnlyFolder = ownerOnlyFile | QFileDevice::ExeOwner;
+constexpr QFileDevice::Permissions forItsReader = QFileDevice::ReadOwner;
+constexpr QFileDevice::Permissions ownerOnlyFolder =
+    QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
+
+/// Held while an empty folder must stay.
+std::mutex &foldersMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
 
 /// Makes a real folder at the path, whose parent is one already; a link that stands there is taken away.
 bool makeOwnFolder(const QString &path) {
@@ -53,12 +64,15 @@ QString folderName(const QString &remotePath) {
     return QString::fromLatin1(hash);
 }
 
-tl::expected<QString, QString> fetch(const QString &serial, const QString &remotePath, const QString &name) {
+tl::expected<QString, QString> fetch(const Request &request, const std::function<void(int)> &onPercent,
+                                     const std::stop_token &stop) {
+    const auto &[serial, remotePath, name, size] = request;
     if (!AndroidPath::isSafeName(name))
         return tl::make_unexpected(QStringLiteral("This file’s name can’t be used on this computer."));
     const QString base = cacheFolder();
     const QString folder = base + QLatin1Char('/') + folderName(remotePath);
     const QString application = QFileInfo(base).path();
+    std::unique_lock folders(foldersMutex());
     if (!QDir().mkpath(QFileInfo(application).path()) || !makeOwnFolder(application) ||
         !makeOwnFolder(base) || !makeOwnFolder(folder))
         return cannotWrite(folder);
@@ -70,21 +84,50 @@ tl::expected<QString, QString> fetch(const QString &serial, const QString &remot
         return cannotWrite(local);
 
     LocalFiles::sweep(folder);
+    if (const auto available = MacFileClient::availableBytes(folder); available && size > *available)
+        return tl::make_unexpected(QString(QStringLiteral("Opening this file takes ") + formatFileSize(size) +
+                                           QStringLiteral(" on this computer, and ") +
+                                           formatFileSize(*available) + QStringLiteral(" are free.")));
     const auto staging = LocalStaging::create(folder);
     if (!staging)
         return cannotWrite(folder);
+    folders.unlock();
     const QString staged = AndroidPath::join(staging->path(), name);
-    const auto copied = ADBClient::runTransfer(
-        {QStringLiteral("-s"), serial, QStringLiteral("pull"), remotePath, staged}, 0, std::nullopt, nullptr);
+    const auto report = [&onPercent](double fraction, qint64, qint64) { onPercent(int(fraction * 100)); };
+    const auto copied =
+        ADBClient::runTransfer({QStringLiteral("-s"), serial, QStringLiteral("pull"), remotePath, staged},
+                               size, staged, report, stop);
     if (!copied)
         return tl::make_unexpected(explainedCopyError(copied.error().errorDescription()));
     const QFileInfo fetched(staged);
     if (fetched.isDir()) // the phone's link to a folder looks like a file in its listing
         return tl::make_unexpected(QStringLiteral("This is a folder. Only files can be opened."));
-    if (!fetched.isFile() || !QFile::setPermissions(staged, ownerOnlyFile) ||
+    if (!fetched.isFile() || !QFile::setPermissions(staged, forItsReader) ||
         LocalFiles::place(staged, local) != LocalFiles::Placing::placed)
         return cannotWrite(local);
     return local;
+}
+
+int sweep(const QDateTime &before) {
+    const std::scoped_lock lock(foldersMutex());
+    const QFileInfo base(cacheFolder());
+    if (base.isSymLink())
+        return 0;
+    constexpr QDir::Filters folders = QDir::Dirs | QDir::NoSymLinks | QDir::NoDotAndDotDot;
+    constexpr QDir::Filters files = QDir::Files | QDir::Hidden;
+    int left = 0;
+    for (const QFileInfo &folder : QDir(base.filePath()).entryInfoList(folders)) {
+        LocalFiles::sweep(folder.filePath());
+        for (const QFileInfo &file : QDir(folder.filePath()).entryInfoList(files)) {
+            // What somebody has written to is somebody's work.
+            const bool isAsFetched = !file.permission(QFileDevice::WriteOwner);
+            const bool isOld = file.metadataChangeTime() < before;
+            if (!isAsFetched || !isOld || !QFile::remove(file.filePath()))
+                ++left;
+        }
+        QDir().rmdir(folder.filePath());
+    }
+    return left;
 }
 
 } // namespace vantrel::FilePreview

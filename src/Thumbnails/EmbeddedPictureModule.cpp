@@ -69,8 +69,16 @@ QByteArray preview(const Exiv2::Image &image) {
     return {};
 }
 
-/// A JPEG, or one of the raw formats. The library reads many others, films among them, by what a file begins
-/// with and whatever its name is; some damaged ones it reads for ever.
+/// Of the box that an ISO media file begins with: which kind of still picture it holds.
+bool isStill(const QByteArray &bytes) {
+    static const QByteArray brands[] = {"heic", "heix", "mif1", "avif", "crx "};
+    return bytes.mid(4, 4) == "ftyp" &&
+           std::find(std::begin(brands), std::end(brands), bytes.mid(8, 4)) != std::end(brands);
+}
+
+/// A JPEG, a still picture in a film's clothes, or one of the raw formats. The library reads many others,
+/// films among them, by what a file begins with and whatever its name is; some damaged ones it reads for
+/// ever.
 bool isPhoto(const QByteArray &bytes) {
     static const QByteArray beginnings[] = {"\xff\xd8\xff",
                                             QByteArray("II*\0", 4),
@@ -80,7 +88,8 @@ bool isPhoto(const QByteArray &bytes) {
                                             "MMOR",
                                             QByteArray("IIU\0", 4),
                                             "FUJIFILM"};
-    return std::any_of(std::begin(beginnings), std::end(beginnings),
+    return isStill(bytes) ||
+           std::any_of(std::begin(beginnings), std::end(beginnings),
                        [&](const QByteArray &beginning) { return bytes.startsWith(beginning); });
 }
 
@@ -91,6 +100,9 @@ void findInPhoto(const QByteArray &bytes, EmbeddedPicture &found) {
     static std::mutex mutex;
     const std::scoped_lock lock(mutex);
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+#ifdef EXV_ENABLE_BMFF
+    Exiv2::enableBMFF();
+#endif
     const auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(bytes.constData()),
                                                  long(bytes.size()));
     try {
@@ -112,7 +124,7 @@ void findInPhoto(const QByteArray &bytes, EmbeddedPicture &found) {
         found.bytes = larger;
 }
 
-// -- Audio
+// -- Audio and films
 
 QByteArray fromPictures(const TagLib::List<TagLib::FLAC::Picture *> &pictures) {
     const auto cover = std::find_if(pictures.begin(), pictures.end(), [](const auto *picture) {
@@ -178,7 +190,7 @@ QByteArray coverIn(const QByteArray &bytes) {
 extern "C" Q_DECL_EXPORT void vantrelFindEmbeddedPicture(const QByteArray &bytes, vantrel::MediaKind kind,
                                                          vantrel::EmbeddedPicture &found) {
     try {
-        if (kind == vantrel::MediaKind::audio)
+        if (kind == vantrel::MediaKind::audio || kind == vantrel::MediaKind::video)
             found.bytes = vantrel::coverIn(bytes);
         else
             vantrel::findInPhoto(bytes, found);

@@ -26,7 +26,8 @@ QImage localPicture(const QString &path, int edge) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    const bool isWhole = file.size() <= largestRead && kind != MediaKind::audio;
+    const bool isMusicOrFilm = kind == MediaKind::audio || kind == MediaKind::video;
+    const bool isWhole = file.size() <= largestRead && !isMusicOrFilm;
     const QByteArray bytes = file.read(isWhole ? largestRead : beginning);
     const QImage picture = smallPicture(bytes, isWhole ? Extent::whole : Extent::beginning, kind,
                                         ThumbnailFolder::edgeFor(edge));

@@ -13,9 +13,10 @@ MediaKind mediaKindOf(const QString &name) {
         };
         add(MediaKind::picture, "png webp gif bmp");
         add(MediaKind::photo, "jpg jpeg jpe");
-        add(MediaKind::other, "heic heif avif");
-        add(MediaKind::raw, "tif tiff dng cr2 cr3 nef arw orf rw2 raf pef srw");
-        add(MediaKind::video, "mp4 mov m4v mkv webm 3gp avi mpg mpeg ts mts");
+        add(MediaKind::raw, "heic heif avif tif tiff dng cr2 cr3 nef arw orf rw2 raf pef srw");
+        add(MediaKind::video, "mp4 m4v mov");
+        add(MediaKind::otherVideo, "mkv webm 3gp avi mpg mpeg ts mts");
+        add(MediaKind::other, "pdf svg djvu ps epub odt ods odp psd xcf");
         add(MediaKind::audio, "mp3 m4a flac ogg oga opus");
         return known;
     }();

@@ -91,12 +91,16 @@ int edgeFor(int edge) {
     return sizeFor(edge).edge;
 }
 
+QString flavorFor(int edge) {
+    return QLatin1String(sizeFor(edge).folder);
+}
+
 QByteArray uriOf(const QString &path) {
     return "file://" + QFile::encodeName(QDir::cleanPath(path)).toPercentEncoding("/!$&'()*+,:=@");
 }
 
 QString pathFor(const QByteArray &uri, int edge) {
-    return pathIn(QLatin1String(sizeFor(edge).folder), uri);
+    return pathIn(flavorFor(edge), uri);
 }
 
 QImage find(const QByteArray &uri, qint64 modified, int edge) {

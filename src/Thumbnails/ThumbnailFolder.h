@@ -12,6 +12,9 @@ namespace ThumbnailFolder {
 /// The longest side that is kept for someone who wants this one: 128, 256 or 512 pixels.
 [[nodiscard]] int edgeFor(int edge);
 
+/// What the standard calls that size.
+[[nodiscard]] QString flavorFor(int edge);
+
 /// What a file is called there. Without dots, and percent-encoded as the desktop's programs do.
 [[nodiscard]] QByteArray uriOf(const QString &path);
 /// Where the thumbnail of such a size lies, if there is one.

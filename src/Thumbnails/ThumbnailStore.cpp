@@ -85,14 +85,25 @@ void ThumbnailStore::hear(const FilePlace &place) {
         work();
 }
 
+void ThumbnailStore::hearOfDesktop(const QStringList &paths) {
+    const QSet<QString> done(paths.begin(), paths.end());
+    for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry) {
+        if (entry->next == Next::desktop && done.contains(entry.key().path))
+            entry->next = Next::again;
+    }
+    work();
+}
+
 /// Whether something is to be read for it that is not being read.
 bool ThumbnailStore::isOpen(const Wish &wish) const {
     if (m_reading.contains(wish.key))
         return false;
     const auto entry = m_entries.constFind(wish.key);
-    if (entry == m_entries.constEnd() || entry->next != Next::nothing)
+    if (entry == m_entries.constEnd())
         return true;
-    return wish.key.place.side == BrowserSide::mac && !entry->picture.isNull() && entry->edge < wish.edge;
+    const bool isSmall =
+        wish.key.place.side == BrowserSide::mac && !entry->picture.isNull() && entry->edge < wish.edge;
+    return (entry->next != Next::nothing && entry->next != Next::desktop) || isSmall;
 }
 
 void ThumbnailStore::work() {
@@ -107,16 +118,9 @@ void ThumbnailStore::work() {
             run->stop.request_stop();
     }
     readFromPhones();
-    // The window wants to be painted meanwhile.
-    const int mostHere = std::clamp(QThread::idealThreadCount(), 1, 4);
-    for (const QList<Wish> &wishes : std::as_const(m_wishes)) {
-        for (const Wish &wish : wishes) {
-            if (m_readingHere >= mostHere)
-                return;
-            if (wish.key.place.side == BrowserSide::mac && isOpen(wish))
-                readHere(wish.key, wish.edge);
-        }
-    }
+    readFromHere();
+    if (m_readingHere == 0) // then it is known for what it is needed
+        askDesktop();
 }
 
 // -- The phone
@@ -214,16 +218,48 @@ QCoro::Task<> ThumbnailStore::read(std::shared_ptr<PhoneRun> run) {
 
 // -- This computer
 
+void ThumbnailStore::readFromHere() {
+    // The window wants to be painted meanwhile.
+    const int mostHere = std::clamp(QThread::idealThreadCount(), 1, 4);
+    for (const QList<Wish> &wishes : std::as_const(m_wishes)) {
+        for (const Wish &wish : wishes) {
+            if (m_readingHere >= mostHere)
+                return;
+            if (wish.key.place.side == BrowserSide::mac && isOpen(wish))
+                readHere(wish.key, wish.edge);
+        }
+    }
+}
+
 QCoro::Task<> ThumbnailStore::readHere(Key key, int edge) {
     ++m_readingHere;
     m_reading.insert(key);
     const QImage picture = co_await Background::run(this, &localPicture, key.path, edge);
     --m_readingHere;
     m_reading.remove(key);
-    keep(key, {picture, edge, Next::nothing});
+    const Entry before = m_entries.value(key); // a smaller picture is better than none
+    const bool isOver =
+        !picture.isNull() || before.next == Next::again || !mayBeReadElsewhere(mediaKindOf(key.path));
+    keep(key, {picture.isNull() ? before.picture : picture, edge, isOver ? Next::nothing : Next::desktop});
     if (!picture.isNull())
         Q_EMIT arrived(key.place, {key.path});
     work();
+}
+
+void ThumbnailStore::askDesktop() {
+    QStringList paths;
+    int edge = 0;
+    for (const QList<Wish> &wishes : std::as_const(m_wishes)) {
+        for (const Wish &wish : wishes) {
+            if (wish.key.place.side != BrowserSide::mac || m_entries.value(wish.key).next != Next::desktop ||
+                paths.contains(wish.key.path))
+                continue;
+            paths.append(wish.key.path);
+            edge = std::max(edge, wish.edge);
+        }
+    }
+    if (std::exchange(m_asked, paths) != paths || std::exchange(m_askedEdge, edge) != edge)
+        Q_EMIT desktopIsAsked(paths, edge);
 }
 
 // -- What is kept

@@ -51,8 +51,14 @@ public:
     void setCopying(bool isCopying);
     /// The phone has answered something else: it may be asked for pictures again.
     void hear(const FilePlace &place);
+    /// The desktop is done with these files of this computer, whatever came of it: their pictures are looked
+    /// for once more.
+    void hearOfDesktop(const QStringList &paths);
 
 Q_SIGNALS:
+    /// Of these files of this computer, which are looked at, only another program can make a picture; with
+    /// none, of nothing. Each list takes the place of the one before.
+    void desktopIsAsked(const QStringList &paths, int edge);
     /// There are pictures now of these files, by their paths.
     void arrived(const FilePlace &place, const QSet<QString> &paths);
 
@@ -69,7 +75,13 @@ private:
         }
     };
     /// What is still to be tried for a file.
-    enum class Next { beginning, whole, nothing };
+    enum class Next {
+        beginning,
+        whole,
+        desktop, ///< by another program
+        again,   ///< which is done now
+        nothing
+    };
     struct Entry {
         QImage picture;
         int edge = 0; ///< that it was asked for with
@@ -92,6 +104,8 @@ private:
     [[nodiscard]] bool isOpen(const Wish &wish) const;
     void work();
     void readFromPhones();
+    void readFromHere();
+    void askDesktop();
     [[nodiscard]] std::shared_ptr<PhoneRun> nextRun(Next stage) const;
     QCoro::Task<> read(std::shared_ptr<PhoneRun> run);
     QCoro::Task<> readHere(Key key, int edge);
@@ -105,7 +119,9 @@ private:
     mutable quint64 m_clock = 0;
     QSet<Key> m_reading; ///< what is being read now
     QList<std::shared_ptr<PhoneRun>> m_runs;
-    int m_readingHere = 0;  ///< files of this computer
+    int m_readingHere = 0; ///< files of this computer
+    QStringList m_asked;   ///< of the desktop
+    int m_askedEdge = 0;
     QSet<QString> m_silent; ///< phones
     bool m_isCopying = false;
     QTimer m_soon;

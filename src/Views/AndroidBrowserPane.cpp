@@ -33,8 +33,8 @@ AndroidBrowserPane::AndroidBrowserPane(AppState *state, ThumbnailStore *pictures
     start(&AppState::androidPathSegmentsChanged, &AppState::androidSearchTextChanged,
           &AppState::androidSearchScopeChanged, &AppState::androidSearchResultsChanged,
           &AppState::isSearchingAndroidChanged, &AppState::isOpeningAndroidFileChanged,
-          &AppState::androidSearchFocusTokenChanged, &AppState::deviceChanged,
-          &AppState::deviceStatusMessageChanged);
+          &AppState::openingPercentChanged, &AppState::androidSearchFocusTokenChanged,
+          &AppState::deviceChanged, &AppState::deviceStatusMessageChanged);
     watch(&state->phones(), &PhoneWatch::troubleChanged);
 }
 
@@ -55,7 +55,12 @@ QString AndroidBrowserPane::activity() const {
         return loading;
     if (app().isSearchingAndroid())
         return QStringLiteral("Searching device…");
-    return app().isOpeningAndroidFile() ? QStringLiteral("Opening…") : QString();
+    if (!app().isOpeningAndroidFile())
+        return {};
+    QString opening = QStringLiteral("Opening…");
+    if (const int percent = app().openingPercent()) // before that there is hardly anything to stop
+        opening += QLatin1Char(' ') % QString::number(percent) % QStringLiteral(" % • Escape stops it");
+    return opening;
 }
 
 std::optional<Emptiness> AndroidBrowserPane::emptiness() const {

@@ -71,7 +71,10 @@ DualBrowserView::KeyOutcome DualBrowserView::handleKeyEvent(const QKeyEvent &eve
         return KeyOutcome::consumed;
     }
     if (event.key() == Qt::Key_Escape) {
-        state.clearSelection(side);
+        if (side == BrowserSide::android && state.isOpeningAndroidFile())
+            state.stopOpening();
+        else
+            state.clearSelection(side);
         return KeyOutcome::consumed;
     }
     return KeyOutcome::passedOn;

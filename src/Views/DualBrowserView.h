@@ -13,7 +13,8 @@ class ThumbnailStore;
 
 /// The middle of the window: the phone's pane, the copy buttons and the computer's pane, side by side. While
 /// it is on screen it also handles, for the whole application, the two keys that act on the focused pane's
-/// selection: Command-A (Control-A off the Mac) and Escape.
+/// selection: Command-A (Control-A off the Mac) and Escape. While a file is being opened Escape gives that
+/// up.
 class DualBrowserView : public QWidget {
 public:
     /// What becomes of a key: it goes on to the focused control, or it ends here.
@@ -26,8 +27,8 @@ public:
     [[nodiscard]] FilePaneView *focusedPane() const;
     [[nodiscard]] FilePaneView *otherPane() const;
 
-    /// Selects all, clears, or lets the key pass. A control that edits text, an open menu and a dialog keep
-    /// all their keys.
+    /// Selects all, stops, clears, or lets the key pass. A control that edits text, an open menu and a dialog
+    /// keep all their keys.
     static KeyOutcome handleKeyEvent(const QKeyEvent &event, AppState &state);
 
     bool eventFilter(QObject *watched, QEvent *event) override;

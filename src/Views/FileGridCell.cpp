@@ -91,7 +91,7 @@ void FileGridCell::paintTile(QPainter &painter, const FileGridCellGeometry &part
     else
         paintCard(painter, parts.tile, radius, Qt::transparent, line);
     paintGround(painter, parts.badge);
-    if (mediaKindOf(item.name) == MediaKind::video) {
+    if (isVideo(mediaKindOf(item.name))) {
         QRectF mark(QPointF(), parts.badge.size());
         mark.moveBottomLeft(parts.tile.bottomLeft() + QPointF(badgeMargin, -badgeMargin));
         paintGround(painter, mark);

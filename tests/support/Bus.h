@@ -3,6 +3,7 @@
 #include "support/WaitFor.h"
 
 #include <QProcess>
+#include <QTemporaryFile>
 #include <QtDBus>
 
 #include <gtest/gtest.h>
@@ -11,13 +12,18 @@
 
 namespace vantrel {
 
-/// A bus like that of a session, and nobody on it but those whom a test connects.
+/// A bus like that of a session, and nobody on it but those whom a test connects: it starts no program.
 class PrivateBus {
 public:
     PrivateBus() {
-        m_daemon.start(
-            QStringLiteral("dbus-daemon"),
-            {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
+        EXPECT_TRUE(m_configuration.open());
+        m_configuration.write("<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen>"
+                              "<policy context='default'><allow send_destination='*' eavesdrop='true'/>"
+                              "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
+        m_configuration.close();
+        m_daemon.start(QStringLiteral("dbus-daemon"),
+                       {QStringLiteral("--config-file=") + m_configuration.fileName(),
+                        QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
         EXPECT_TRUE(waitFor([this] { return m_daemon.canReadLine(); }));
         m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
     }
@@ -36,6 +42,7 @@ public:
     }
 
 private:
+    QTemporaryFile m_configuration;
     QProcess m_daemon;
     QString m_address;
     QStringList m_names;

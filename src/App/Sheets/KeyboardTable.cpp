@@ -31,7 +31,7 @@ QList<KeyboardEntry> tableWith(Qt::Key toComputer, Qt::Key toPhone) {
         {inList, QStringLiteral("Shift with a movement or a click"), QStringLiteral("Select a range")},
         {inList, QKeySequence(QKeySequence::SelectAll).toString(QKeySequence::NativeText),
          QStringLiteral("Select all")},
-        {inList, QStringLiteral("Escape"), QStringLiteral("Select nothing")},
+        {inList, QStringLiteral("Escape"), QStringLiteral("Stop opening a file, or select nothing")},
         {inList, QStringLiteral("Menu key or Shift+F10"),
          QStringLiteral("Show what can be done with the entry")},
         {inList,

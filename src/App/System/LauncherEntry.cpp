@@ -7,7 +7,7 @@
 
 namespace vantrel {
 
-LauncherEntry::LauncherEntry(const QDBusConnection &bus, QObject *parent) : QObject(parent), m_bus(bus) {
+LauncherEntry::LauncherEntry(const SessionBus &bus, QObject *parent) : QObject(parent), m_bus(bus) {
     m_pause.setSingleShot(true);
     m_pause.setInterval(shortestPause);
     m_pause.callOnTimeout(this, &LauncherEntry::send);

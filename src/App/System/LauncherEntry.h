@@ -8,6 +8,8 @@
 
 namespace vantrel {
 
+using SessionBus = QDBusConnection;
+
 /// What the program's icon in the desktop's launcher shows beside itself, through the signals that Unity
 /// began with and other desktops took up. Where none listens, nothing happens. The icon is plain again when
 /// this object goes. Main thread; nothing here waits.
@@ -25,7 +27,7 @@ public:
     /// Between two changes, in milliseconds.
     static constexpr int shortestPause = 500;
 
-    explicit LauncherEntry(const QDBusConnection &bus, QObject *parent = nullptr);
+    explicit LauncherEntry(const SessionBus &bus, QObject *parent = nullptr);
     ~LauncherEntry() override;
 
     /// However often this is called, the desktop is told at most twice a second; of the latest look always.
@@ -34,7 +36,7 @@ public:
 private:
     void send();
 
-    QDBusConnection m_bus;
+    SessionBus m_bus;
     Look m_wanted;
     Look m_shown;
     QTimer m_pause;

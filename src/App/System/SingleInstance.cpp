@@ -1,6 +1,5 @@
 #include "App/System/SingleInstance.h"
 
-#include <QDeadlineTimer>
 #include <QLocalSocket>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -18,6 +17,7 @@ constexpr int retryInterval = 20;
 constexpr int connectionLifetime = 5000;
 
 const QByteArray request = QByteArrayLiteral("raise ");
+const QByteArray heard = QByteArrayLiteral("raised\n");
 
 QString baseName(const QString &directory, const QString &screen) {
     if (directory.isEmpty())
@@ -44,9 +44,11 @@ QString SingleInstance::userDirectory() {
 }
 
 QString SingleInstance::userScreen() {
-    QString wayland = qEnvironmentVariable("WAYLAND_DISPLAY");
-    if (!wayland.isEmpty())
-        return wayland;
+    const QString wayland = qEnvironmentVariable("WAYLAND_DISPLAY");
+    if (!wayland.isEmpty()) {
+        const QString directory = userDirectory() + u'/'; // where it is, if it does not say so itself
+        return wayland.startsWith(directory) ? wayland.sliced(directory.size()) : wayland;
+    }
     QString display = qEnvironmentVariable("DISPLAY");
     return display.endsWith(QLatin1StringView(".0")) ? display.chopped(2) : display; // two names of one
 }
@@ -61,33 +63,38 @@ SingleInstance::Role SingleInstance::claim(const QByteArray &activationToken, in
         return Role::alone;
     m_lock = std::make_unique<QLockFile>(m_base + QStringLiteral(".lock"));
     m_lock->setStaleLockTime(0); // a lock is as old as its program; only a dead one's lock is stale
-    if (m_lock->tryLock(0)) {
-        listen();
-        return m_server.isListening() ? Role::first : Role::alone;
-    }
-    const bool somebodyHoldsIt = m_lock->error() == QLockFile::LockFailedError;
-    m_lock.reset();
-    return somebodyHoldsIt && askFirst(activationToken, patience) ? Role::second : Role::alone;
-}
-
-bool SingleInstance::askFirst(const QByteArray &activationToken, int patience) const {
-    // The other one may hold the lock without listening yet: it is just starting.
+    // The other one may hold the lock without listening yet, as it is just starting, or not any more, as it
+    // is about to end: then this one takes its place.
     const QDeadlineTimer deadline(patience);
-    while (true) {
-        QLocalSocket socket;
-        socket.connectToServer(m_socketPath);
-        const auto remaining = [&] { return static_cast<int>(deadline.remainingTime()); };
-        if (socket.waitForConnected(remaining())) {
-            socket.write(request + activationToken.left(maximumTokenSize) + '\n');
-            // It answers by closing: then it has heard.
-            return socket.waitForBytesWritten(remaining()) &&
-                   (socket.state() == QLocalSocket::UnconnectedState ||
-                    socket.waitForDisconnected(remaining()));
+    while (!m_lock->tryLock(0)) {
+        const bool somebodyHoldsIt = m_lock->error() == QLockFile::LockFailedError;
+        if (somebodyHoldsIt && askFirst(activationToken, deadline)) {
+            m_lock.reset();
+            return Role::second;
         }
-        if (deadline.hasExpired())
-            return false;
+        if (!somebodyHoldsIt || deadline.hasExpired()) {
+            m_lock.reset();
+            return Role::alone;
+        }
         QThread::msleep(retryInterval);
     }
+    listen();
+    return m_server.isListening() ? Role::first : Role::alone;
+}
+
+/// Whether it has said that it heard. One that ends closes the connection, too.
+bool SingleInstance::askFirst(const QByteArray &activationToken, const QDeadlineTimer &deadline) const {
+    const auto remaining = [&] { return static_cast<int>(deadline.remainingTime()); };
+    QLocalSocket socket;
+    socket.connectToServer(m_socketPath);
+    if (!socket.waitForConnected(remaining()))
+        return false;
+    socket.write(request + activationToken.left(maximumTokenSize) + '\n');
+    while (!socket.canReadLine()) {
+        if (!socket.waitForReadyRead(remaining()))
+            return false;
+    }
+    return socket.readLine() == heard;
 }
 
 void SingleInstance::listen() {
@@ -107,8 +114,11 @@ void SingleInstance::receive(QLocalSocket *connection) {
             return;
         }
         const QByteArray line = connection->readLine().chopped(1);
+        const bool isRequest = line.startsWith(request);
+        if (isRequest)
+            connection->write(heard);
         connection->disconnectFromServer();
-        if (line.startsWith(request))
+        if (isRequest)
             Q_EMIT raiseRequested(line.sliced(request.size()));
     };
     connect(connection, &QLocalSocket::readyRead, this, read);

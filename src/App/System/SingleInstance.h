@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QLocalServer>
 #include <QLockFile>
 #include <QObject>
@@ -40,7 +41,7 @@ public:
     [[nodiscard]] static QByteArray activationToken();
 
     /// Finds the role. Takes up to `patience` milliseconds when another start holds the lock but does not
-    /// answer.
+    /// answer; when that one ends meanwhile, this one takes its place.
     [[nodiscard]] Role claim(const QByteArray &activationToken = {}, int patience = 2000);
 
 Q_SIGNALS:
@@ -48,7 +49,7 @@ Q_SIGNALS:
     void raiseRequested(const QByteArray &activationToken);
 
 private:
-    [[nodiscard]] bool askFirst(const QByteArray &activationToken, int patience) const;
+    [[nodiscard]] bool askFirst(const QByteArray &activationToken, const QDeadlineTimer &deadline) const;
     void listen();
     void receive(QLocalSocket *connection);
 

@@ -23,7 +23,7 @@ double progressOf(const TransferQueue &queue) {
 
 } // namespace
 
-CopyReports::CopyReports(QWidget *window, AppState &state, const QDBusConnection &bus,
+CopyReports::CopyReports(QWidget *window, AppState &state, const SessionBus &bus,
                          std::chrono::milliseconds pause)
     : m_window(window), m_transfers(state.transfers()), m_notification(bus), m_entry(bus) {
     m_pause.setSingleShot(true);

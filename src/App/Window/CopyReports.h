@@ -1,7 +1,13 @@
 #pragma once
 
+#include <QtGlobal>
+
+#ifdef Q_OS_MACOS
+#include "App/System/MacReports.h"
+#else
 #include "App/System/LauncherEntry.h"
 #include "App/System/Notification.h"
+#endif
 #include "App/System/RunSummary.h"
 
 #include <QObject>
@@ -31,7 +37,7 @@ public:
     static constexpr std::chrono::milliseconds endOfRun{1500};
 
     /// Both must outlive this object. `bus` is the one of the session.
-    CopyReports(QWidget *window, AppState &state, const QDBusConnection &bus,
+    CopyReports(QWidget *window, AppState &state, const SessionBus &bus,
                 std::chrono::milliseconds pause = endOfRun);
 
     bool eventFilter(QObject *watched, QEvent *event) override;

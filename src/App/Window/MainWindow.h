@@ -43,6 +43,7 @@ public:
     ~MainWindow() override;
 
     [[nodiscard]] AppState &state() const { return *m_state; }
+    [[nodiscard]] ThumbnailStore &pictures() const { return *m_pictures; }
     /// Whether everything is there: an event-loop pass after the first frame.
     [[nodiscard]] bool isFurnished() const { return m_isFurnished; }
 
