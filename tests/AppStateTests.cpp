@@ -524,4 +524,13 @@ TEST_F(AppStateTests, aNewFolderOnThePhone) {
     state->createAndroidFolder();
     QCoreApplication::processEvents();
     EXPECT_EQ(phone.commandLines().size(), asked);
+    // The user looks elsewhere while it is made.
+    phone.reset(u"mkdir.stdout"_s);
+    phone.set(u"mkdir.delay"_s, "0.2");
+    desktop.nextText = u"later"_s;
+    state->createAndroidFolder();
+    browsePhone(u"/sdcard"_s);
+    Background::finish();
+    EXPECT_TRUE(phone.exists(u"place/later"_s));
+    EXPECT_EQ(state->androidCurrentPath(), u"/sdcard"_s);
 }

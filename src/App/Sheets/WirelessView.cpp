@@ -80,12 +80,13 @@ WirelessView::WirelessView(QWidget *window, WirelessPhones &phones)
     setLine(Line::whenScrolled);
     content()->setContentsMargins(padding, 22, padding, 10);
     footer()->setContentsMargins(padding, 0, padding, 18);
-    content()->addLayout(columnOf(
-        0, {words({15, Weight::semibold}, AppTheme::ink(), 1, QStringLiteral("Connect over Wi-Fi")),
-            BoxItem::gap(6), words({12}, AppTheme::inkSecondary(), 2, explanation), BoxItem::gap(14),
-            titled(addressTitle, m_address), BoxItem::gap(12),
-            rowOf(12, {titled(portTitle, m_pairingPort), titled(codeTitle, m_code)}), BoxItem::gap(6),
-            m_pairingHint, BoxItem::gap(8), m_remembered, rowOf(6, {m_spinner, {m_message, 1}})}));
+    content()->addLayout(
+        columnOf(0, {words({15, Weight::semibold}, AppTheme::ink(), 1, QStringLiteral("Connect over Wi-Fi")),
+                     BoxItem::gap(6), words({12}, AppTheme::inkSecondary(), 2, explanation), BoxItem::gap(14),
+                     titled(addressTitle, m_address), BoxItem::gap(12),
+                     rowOf(12, {titled(portTitle, m_pairingPort), titled(codeTitle, m_code)}),
+                     BoxItem::gap(6), m_pairingHint, BoxItem::gap(8), m_remembered,
+                     rowOf(6, {columnOf(0, {m_spinner, BoxItem::room()}), {m_message, 1}})}));
     footer()->addLayout(rowOf(8, {BoxItem::room(), cancel, m_connect}));
     m_rendering.watch(&phones, &WirelessPhones::rememberedChanged, &WirelessPhones::isConnectingChanged,
                       &WirelessPhones::messageChanged, &WirelessPhones::versionChanged);
