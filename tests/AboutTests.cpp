@@ -46,6 +46,7 @@ TEST(AboutTextsTests, feedbackSurvivesTheAddress) {
 
 TEST(AboutViewTests, showsItsTextsAndOpensItsLinks) {
     QMainWindow window;
+    window.resize(800, 600);
     window.show();
     const OpenedAddresses opened({u"https"_s, u"mailto"_s});
     AboutView about(&window, texts);

@@ -174,6 +174,8 @@ TEST_F(KillTests, twoUsersCopyIntoOneFolder) {
     }
     phone.set(u"pull.bandwidth"_s, "1.5");
     phone.set(u"push.bandwidth"_s, "1.5");
+    const QStringList staged{u".vantrel-*"_s};
+    constexpr auto hidden = QDir::Dirs | QDir::Hidden;
     QProcess programs[2];
     for (QProcess &program : programs) {
         program.setProcessChannelMode(QProcess::ForwardedChannels);
@@ -183,6 +185,8 @@ TEST_F(KillTests, twoUsersCopyIntoOneFolder) {
                 ::_exit(1);
         });
         program.start(QStringLiteral(VANTREL_COPY_PROGRAM), {mac.path()});
+        ASSERT_TRUE(waitFor([&] { return !QDir(mac.filePath(u"in"_s)).entryList(staged, hidden).isEmpty(); }))
+            << "the other user's is at work when this one's begins";
     }
     for (QProcess &program : programs) {
         ASSERT_TRUE(program.waitForFinished(120'000));

@@ -170,9 +170,7 @@ void paintPushButton(QPainter &painter, const QStyleOptionButton &button) {
     const bool isDown = button.state & QStyle::State_Sunken;
     const bool isEnabled = button.state & QStyle::State_Enabled;
     const bool isDefault = isEnabled && button.features & QStyleOptionButton::DefaultButton;
-    QColor text = !isEnabled  ? AppTheme::inkTertiary()
-                  : isDefault ? AppTheme::onAccent()
-                              : AppTheme::ink();
+    QColor text = !isEnabled ? AppTheme::inkTertiary() : isDefault ? AppTheme::onAccent() : AppTheme::ink();
     if (isLink(button)) {
         text = AppTheme::accent().withOpacity(isDown ? 0.7 : 1);
         if (button.state & QStyle::State_MouseOver)
