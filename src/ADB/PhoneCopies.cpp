@@ -8,6 +8,7 @@
 #include "ADB/ToolRun.h"
 #include "ADB/ToolText.h"
 #include "ADB/TreeText.h"
+#include "Records/ByteSum.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -15,7 +16,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <limits>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -325,9 +325,7 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
                                  const BatchProgress &onProgress) {
     constexpr qint64 mostGrowth = 64'000'000; // a video that is being recorded
     const bool isPull = direction == TransferDirection::androidToMac;
-    const qint64 mostBytes = expectedBytes > std::numeric_limits<qint64>::max() - mostGrowth
-                                 ? std::numeric_limits<qint64>::max()
-                                 : expectedBytes + mostGrowth;
+    const qint64 mostBytes = byteSum(expectedBytes, mostGrowth);
     const auto tool = resolveADBPath();
     if (!tool)
         return tl::make_unexpected(ADBError::adbNotFound());

@@ -2,6 +2,7 @@
 
 #include "ADB/ADBClient.h"
 #include "ADB/PhoneCopies.h"
+#include "Records/ByteSum.h"
 #include "Records/FileSizeFormat.h"
 #include "Worker/Worker.h"
 
@@ -75,12 +76,6 @@ Looked lookOnPhone(const QString &serial, const QString &path, const QString &na
     return looked;
 }
 
-void add(qint64 &sum, qint64 bytes) {
-    // Sizes come from the phone: their sum may not fit.
-    if (__builtin_add_overflow(sum, bytes, &sum))
-        sum = std::numeric_limits<qint64>::max();
-}
-
 Counted countHere(const QStringList &paths, const std::stop_token &stop) {
     constexpr qint64 most = 10'000'000; // entries; who has more waits long enough
     namespace fs = std::filesystem;
@@ -104,7 +99,7 @@ Counted countHere(const QStringList &paths, const std::stop_token &stop) {
                 open.push_back(entries->path());
             } else if (S_ISREG(facts.st_mode)) {
                 ++contents.files;
-                add(contents.bytes, facts.st_size);
+                contents.bytes = byteSum(contents.bytes, facts.st_size);
             }
             contents.isWhole = contents.files + contents.folders < most;
         }
@@ -122,7 +117,7 @@ Counted countOnPhone(const QString &serial, const QStringList &paths, const std:
         for (const TreeEntry &entry : tree->entries) {
             contents.folders += entry.kind == TreeEntry::Kind::folder && !entry.path.isEmpty() ? 1 : 0;
             contents.files += entry.kind == TreeEntry::Kind::file ? 1 : 0;
-            add(contents.bytes, entry.sizeBytes);
+            contents.bytes = byteSum(contents.bytes, entry.sizeBytes);
         }
         contents.unreadable += tree->unreadable.size() + tree->leftOut.size();
     }
@@ -284,7 +279,7 @@ QList<Details::Fact> Details::facts() const {
     if (!hasFolders || m_contents) {
         qint64 bytes = m_contents ? m_contents->bytes : 0;
         for (const FileItem &item : m_items)
-            add(bytes, item.isDirectory ? 0 : item.sizeBytes.value_or(0));
+            bytes = byteSum(bytes, item.isDirectory ? 0 : item.sizeBytes.value_or(0));
         size = more % sizeText(bytes);
     }
     const auto modified = m_modified ? m_modified : first.modifiedAt;
