@@ -18,6 +18,10 @@ function(vantrel_target target)
                 -Wnon-virtual-dtor
                 -Woverloaded-virtual
                 $<$<BOOL:${VANTREL_WARNINGS_AS_ERRORS}>:-Werror>)
+    if(CMAKE_UNITY_BUILD)
+        # Files that are compiled as one see what each keeps to itself; the other presets compile them one by one.
+        target_compile_options(${target} PRIVATE -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+    endif()
     if(NOT VANTREL_DEVELOPMENT_RESOURCES)
         # What is installed says nothing of the machine that built it.
         target_compile_options(${target} PRIVATE -ffile-prefix-map=${PROJECT_BINARY_DIR}=build
@@ -29,6 +33,9 @@ function(vantrel_target target)
     if(VANTREL_SANITIZE)
         target_compile_options(${target} PRIVATE -fsanitize=${VANTREL_SANITIZE} -fno-omit-frame-pointer
                                                  -fno-sanitize-recover=undefined)
+        if(VANTREL_SANITIZE_NOT)
+            target_compile_options(${target} PRIVATE -fno-sanitize=${VANTREL_SANITIZE_NOT})
+        endif()
         target_link_options(${target} PRIVATE -fsanitize=${VANTREL_SANITIZE})
     endif()
 endfunction()

@@ -43,9 +43,9 @@ int placeToChange(const std::string &path, const PhoneFiles &files, Place &place
 
 // -- find … -printf
 
-class Printer {
+class EntryPrinter {
 public:
-    Printer(const PhoneFiles &files, Answer &answer) : m_files(files), m_answer(answer) {}
+    EntryPrinter(const PhoneFiles &files, Answer &answer) : m_files(files), m_answer(answer) {}
 
     /// `below` is what stands in place of the path, as `%P` or `%p` has it.
     void print(const std::string &path, const std::string &shown, Links links, int depth,
@@ -100,7 +100,7 @@ std::string questionOf(const Words &words) {
 
 void find(const Words &words, const PhoneFiles &files, Answer &answer) {
     constexpr int unlimited = -1;
-    Printer printer(files, answer);
+    EntryPrinter printer(files, answer);
     const std::string question = questionOf(words);
     if (question == "tree") {
         printer.print(words[2], {}, Links::follow, unlimited, {});
@@ -205,10 +205,6 @@ void setTime(const std::string &path, long long seconds, const PhoneFiles &files
         error = errno;
     if (error != 0)
         answer.standardError += "touch: '" + path + "': " + std::strerror(error) + "\n";
-}
-
-bool isNumber(const std::string &text) {
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
 bool isKnown(const Words &words) {

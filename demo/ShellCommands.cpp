@@ -346,11 +346,6 @@ std::string beginningsOf(const ShellPipeline &pipeline, const PhoneFiles &files)
     return bytes;
 }
 
-bool isNumber(const std::string &text) {
-    return !text.empty() &&
-           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
 bool readsBeginnings(const ShellPipeline &pipeline) {
     const Words &words = pipeline[0].words;
     if (pipeline[0].appends)

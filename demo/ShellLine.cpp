@@ -89,4 +89,8 @@ std::vector<ShellPipeline> parseShellLine(const std::string &line) {
     return list;
 }
 
+bool isNumber(std::string_view word) {
+    return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 } // namespace vantrel::demo

@@ -21,10 +21,12 @@ using ShellPipeline = std::vector<ShellCommand>;
 inline constexpr std::string_view cardsLoop = "for c in /storage/*-*; do echo \"$c\"; df \"$c\"; done";
 
 /// Splits a line as the phone's shell does: single quotes, backslash outside them, ";", "|", "2>/dev/null"
-/// and
-/// ">>". Whatever else means something to a shell and stands outside quotes ("$", "`", "&", "*"…) is refused,
-/// so that a name which leaves its quotes shows as a failure and never as a command. Nothing is run. Throws
-/// std::invalid_argument.
+/// and ">>". Whatever else means something to a shell and stands outside quotes ("$", "`", "&", "*"…) is
+/// refused, so that a name which leaves its quotes shows as a failure and never as a command. Nothing is run.
+/// Throws std::invalid_argument.
 [[nodiscard]] std::vector<ShellPipeline> parseShellLine(const std::string &line);
+
+/// Whether a word is decimal digits and nothing else.
+[[nodiscard]] bool isNumber(std::string_view word);
 
 } // namespace vantrel::demo

@@ -3,7 +3,7 @@
 say() { printf '\n== %s\n' "$*"; }
 
 # What a Debian 12 needs, and what Homebrew calls the same.
-debian_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-svg-dev libgl1-mesa-dev libxcb1-dev
+debian_build="g++ lld cmake ninja-build ccache pkg-config qt6-base-dev qt6-svg-dev libgl1-mesa-dev libxcb1-dev
               libfontconfig-dev libexiv2-dev libtag1-dev qt6-image-formats-plugins qcoro-qt6-dev libexpected-dev libbenchmark-dev adb fonts-inter
               fonts-noto-color-emoji xdg-utils qt6-base-private-dev"
 debian_test="libgtest-dev libgmock-dev desktop-file-utils appstream dpkg-dev file gzip man-db weston qt6-wayland xvfb

@@ -415,6 +415,22 @@ TEST_F(AppStateTests, whatDoesNotFitHereIsNotCopiedToBeOpened) {
         EXPECT_FALSE(line.contains(u"pull"_s));
 }
 
+TEST_F(AppStateTests, aFileWithoutEndIsNotCopiedToBeOpened) {
+    phone.set(u"endless"_s, "on");
+    phone.set(u"bandwidth"_s, "300"); // else a disk is full before anybody has noticed
+    connectPhone();
+    for (const QByteArray &beginning : {QByteArray(1000, 'x'), QByteArray()}) { // of none no size is known
+        phone.write(u"log"_s, beginning);
+        browsePhone(u"/sdcard"_s);
+        open(state->androidItems().last());
+        EXPECT_EQ(state->androidBrowseError(), u"It was changed while it was copied."_s);
+        EXPECT_EQ(desktop.opened, QStringList());
+        const QString folder = FilePreview::cacheFolder() + u"/sdcard_log"_s;
+        EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                  QStringList());
+    }
+}
+
 TEST_F(AppStateTests, oldPreviewsGoAndTheUsersWorkStays) {
     for (const char *name : {"seen", "edited"})
         phone.write(u"Download/"_s + QString::fromLatin1(name), "x");

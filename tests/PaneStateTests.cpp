@@ -94,6 +94,24 @@ TEST_F(PaneStateTests, showsTheFolderWhatMatchesOrTheHitsAndSaysWhenThatChanges)
     EXPECT_TRUE(pane.visibleItems().isSharedWith(pane.items()));
 }
 
+TEST_F(PaneStateTests, filtersWhateverTheCase) {
+    const std::pair<QString, QString> cases[] = {
+        {u"_1.J"_s, u"IMG_1.jpg"_s},
+        {u"[at]"_s, u"[AT]{at}.png"_s},
+        {u"größe"_s, u"GRÖSSE-größe GRÖßE"_s},
+        {u"zz"_s, QString()},
+    };
+    QList<FileItem> items;
+    for (const QString &name :
+         {u"IMG_1.jpg"_s, u"[AT]{at}.png"_s, u"`{.png"_s, u"GRÖSSE-größe"_s, u"GRÖßE"_s})
+        items.append({QUuid::createUuid(), name, {}, false, {}, {}, {}});
+    pane.setItems(items);
+    for (const auto &[text, found] : cases) {
+        pane.setFilter(text);
+        EXPECT_EQ(namesOf(pane.visibleItems()).join(u' '), found) << qPrintable(text);
+    }
+}
+
 TEST_F(PaneStateTests, aListingIsAwaitedUntilAnotherIsAskedForOrThePaneIsEmptied) {
     const quint64 first = pane.open(u"/sdcard"_s);
     const quint64 second = pane.open(u"/sdcard"_s);

@@ -180,10 +180,16 @@ readBeginnings(const QString &serial, const QList<FileBeginning> &files, const s
 /// bytes expected. Called on background threads, never on two at once.
 using TransferProgress = std::function<void(double fraction, qint64 transferredBytes, qint64 totalBytes)>;
 
+/// So many bytes more than it was said to have may come of a source: a video that is being recorded. What
+/// goes on behind that, a phone has made up.
+inline constexpr qint64 mostGrowth = 64'000'000;
+/// Why a source that has become another one ends its copy.
+[[nodiscard]] QString sourceChanged();
+
 /// Runs an adb push or pull to its end. `expectedBytes` is 0 when unknown. `localPathForSizePolling`, when
-/// given, is the destination of a pull, whose growth is a source of progress. Removes nothing, whatever
-/// happens. A copy of which nothing is heard for as long as askADB() bears silence is ended, and so is one
-/// that is requested to stop.
+/// given, is the destination of a pull, whose growth is a source of progress and is ended at mostGrowth more
+/// than was expected. Removes nothing, whatever happens. A copy of which nothing is heard for as long as
+/// askADB() bears silence is ended, and so is one that is requested to stop.
 [[nodiscard]] ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
                                           const std::optional<QString> &localPathForSizePolling,
                                           const TransferProgress &onProgress,

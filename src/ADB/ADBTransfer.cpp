@@ -4,6 +4,7 @@
 #include "ADB/ToolRun.h"
 #include "ADB/ToolText.h"
 #include "ADB/TransferText.h"
+#include "Records/ByteSum.h"
 #include "Records/TransferFormat.h"
 
 #include <QDirIterator>
@@ -149,24 +150,33 @@ ADBResult<void> runTransfer(const QStringList &arguments, qint64 expectedBytes,
     QElapsedTimer silence;
     silence.start();
     bool isSilent = false;
+    bool isTooMuch = false;
     do {
         if (isHeard.exchange(false))
             silence.start();
         isSilent = silence.hasExpired(patience().count());
-        if (isSilent)
+        const qint64 arrived = localPathForSizePolling ? allocatedByteCount(*localPathForSizePolling) : 0;
+        isTooMuch = arrived > byteSum(expectedBytes, mostGrowth);
+        if (isSilent || isTooMuch)
             run.kill();
-        if (localPathForSizePolling && expectedBytes > 0)
-            progress.reportBytes(allocatedByteCount(*localPathForSizePolling));
+        if (expectedBytes > 0)
+            progress.reportBytes(arrived);
     } while (run.isRunningAfter(pollingInterval));
     readErrors();
     terminal.finishReading();
 
     if (isSilent)
         return tl::make_unexpected(ADBError::noAnswer());
+    if (isTooMuch)
+        return tl::make_unexpected(ADBError::executionFailed(sourceChanged()));
     if (run.succeeded() && !run.wasStopped())
         return {};
     return tl::make_unexpected(ADBError::executionFailed(
         failureMessage(run, ToolText::reason(errors.text()), output.errorText(), arguments)));
+}
+
+QString sourceChanged() {
+    return QStringLiteral("It was changed while it was copied.");
 }
 
 qint64 allocatedByteCount(const QString &path) {

@@ -25,8 +25,8 @@ namespace vantrel::ADBClient {
 namespace {
 
 constexpr std::chrono::milliseconds waitStep{120};
-/// A line for the phone's shell is one argument of adb, of which Linux allows 128 KB.
-constexpr qsizetype longestLine = 48'000;
+/// A command line for the phone's shell is one argument of adb, of which Linux allows 128 KB.
+constexpr qsizetype longestCommand = 48'000;
 
 ADBError failure(const QString &text) {
     return ADBError::executionFailed(text);
@@ -116,7 +116,7 @@ ADBResult<void> forEachLine(const QStringList &words, Use use) {
     for (qsizetype first = 0; first < words.size();) {
         qsizetype end = first;
         qsizetype bytes = 0;
-        while (end < words.size() && (end == first || bytes + words.at(end).size() * 3 < longestLine))
+        while (end < words.size() && (end == first || bytes + words.at(end).size() * 3 < longestCommand))
             bytes += words.at(end++).toUtf8().size() + 1;
         if (ADBResult<void> done = use(words.mid(first, end - first)); !done)
             return done;
@@ -136,10 +136,6 @@ QProcessEnvironment terminalEnvironment() {
     QProcessEnvironment environment = augmentedEnvironment();
     environment.insert(QStringLiteral("TERM"), QStringLiteral("xterm"));
     return environment;
-}
-
-QString sourceChanged() {
-    return QStringLiteral("It was changed while it was copied.");
 }
 
 /// What a file holds, or all files right in a folder.
@@ -323,7 +319,6 @@ ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &ser
                                  const QStringList &sources, const QString &folder, qint64 expectedBytes,
                                  BatchDetail detail, const std::stop_token &stop,
                                  const BatchProgress &onProgress) {
-    constexpr qint64 mostGrowth = 64'000'000; // a video that is being recorded
     const bool isPull = direction == TransferDirection::androidToMac;
     const qint64 mostBytes = byteSum(expectedBytes, mostGrowth);
     const auto tool = resolveADBPath();

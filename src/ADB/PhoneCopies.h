@@ -64,8 +64,8 @@ enum class BatchDetail { percent, file };
 /// batch. Gives adb's error lines: what arrived is for the caller to look at. An error when adb could not be
 /// run to its end, when it was stopped, or when the phone left.
 ///
-/// `expectedBytes` is what all sources have together. A phone that sends more than 64 MB beyond that has made
-/// it up: adb is ended, and the lines say so.
+/// `expectedBytes` is what all sources have together. When a phone sends mostGrowth more than that, adb is
+/// ended, and the lines say so.
 [[nodiscard]] ADBResult<QStringList> copyFiles(TransferDirection direction, const QString &serial,
                                                const QStringList &sources, const QString &folder,
                                                qint64 expectedBytes, BatchDetail detail,

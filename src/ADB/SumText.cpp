@@ -6,10 +6,10 @@ namespace vantrel::ADBClient {
 
 namespace {
 
-constexpr qsizetype digits = 32;
+constexpr qsizetype sumDigits = 32;
 
 bool isSum(QByteArrayView text) {
-    return text.size() == digits && std::all_of(text.begin(), text.end(), [](char c) {
+    return text.size() == sumDigits && std::all_of(text.begin(), text.end(), [](char c) {
                return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
            });
 }
@@ -33,10 +33,10 @@ QList<QByteArray> parseSums(const QByteArray &answer, const QStringList &paths) 
         const QByteArrayView line = rest.sliced(isEscaped ? 1 : 0);
         const QByteArray name = nameIn(path, isEscaped);
         const bool isOfPath =
-            isSum(line.first(std::min(digits, line.size()))) && line.sliced(digits).startsWith(name);
-        sums.append(isOfPath ? line.first(digits).toByteArray() : QByteArray());
+            isSum(line.first(std::min(sumDigits, line.size()))) && line.sliced(sumDigits).startsWith(name);
+        sums.append(isOfPath ? line.first(sumDigits).toByteArray() : QByteArray());
         if (isOfPath)
-            rest = line.sliced(digits + name.size());
+            rest = line.sliced(sumDigits + name.size());
     }
     return sums;
 }

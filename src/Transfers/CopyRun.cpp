@@ -374,8 +374,7 @@ private:
                                            : QStringLiteral("The disk of this computer is full."));
         }
         if (reason.isEmpty())
-            reason = hasArrived ? QStringLiteral("It was changed while it was copied.")
-                                : QStringLiteral("It did not arrive.");
+            reason = hasArrived ? ADBClient::sourceChanged() : QStringLiteral("It did not arrive.");
         problem(file, &CopyReport::failed, reason);
     }
 
