@@ -222,6 +222,12 @@ TEST_F(LocalPictureTests, theDesktopsThumbnailsAreReadAndWrittenByItsStandard) {
     EXPECT_TRUE(localPicture(film, 200).isNull()) << "it is of another file";
     ThumbnailFolder::store(ThumbnailFolder::uriOf(film), 1'700'000'000, 500, quarters("yyyy", {512, 300}));
     EXPECT_EQ(quartersOf(localPicture(film, 200)), "yyyy") << "a larger one serves, too";
+
+    const QString larger = ThumbnailFolder::pathFor(ThumbnailFolder::uriOf(film), 500);
+    QImage made(larger);
+    made.setText(u"Thumb::MTime"_s, u"1700000000.664512"_s);
+    ASSERT_TRUE(made.save(larger));
+    EXPECT_EQ(quartersOf(localPicture(film, 200)), "yyyy") << "as tumbler writes the time";
 }
 
 TEST_F(LocalPictureTests, whatHasFailedIsNotTriedAgainUntilItChanges) {

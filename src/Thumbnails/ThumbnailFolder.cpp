@@ -56,9 +56,9 @@ QImage read(const QString &path, const QByteArray &uri, qint64 modified) {
     if (size.isEmpty() || size.width() > longest || size.height() > longest)
         return {};
     QImage picture = reader.read();
-    const bool isOfIt =
-        picture.text(uriKey).toUtf8() == uri && picture.text(modifiedKey) == QString::number(modified);
-    return isOfIt ? picture : QImage();
+    // The standard has whole seconds; tumbler writes fractions, too.
+    const QString seconds = picture.text(modifiedKey).section(QLatin1Char('.'), 0, 0);
+    return picture.text(uriKey).toUtf8() == uri && seconds == QString::number(modified) ? picture : QImage();
 }
 
 /// What is made of the path is for the user alone.
