@@ -286,11 +286,14 @@ TEST_P(PaneLayoutTests, entriesAreDraggedAndDroppedOnAFolderOrThePane) {
         QCoreApplication::sendEvent(&view, &enter);
         QStringList seen{enter.isAccepted() ? ::vantrel::text(view, u"footerTrailing"_s) : u"refused"_s};
         EXPECT_TRUE(!enter.isAccepted() || enter.dropAction() == Qt::CopyAction) << "nothing is ever moved";
+        const auto *summary = control<TextLabel>(view, u"footerLeading"_s);
+        EXPECT_NE(summary->isVisible(), enter.isAccepted()) << "what a drop does is not cut off for it";
         if (enter.isAccepted()) {
             QDropEvent dropped(at, Qt::CopyAction, &data, Qt::LeftButton, {});
             QCoreApplication::sendEvent(&view, &dropped);
         }
         EXPECT_EQ(::vantrel::text(view, u"footerTrailing"_s), pane.footerTrailing);
+        EXPECT_TRUE(summary->isVisible());
         return seen + taken();
     };
     EXPECT_THAT(drop(u"ab"_s, bodyOf(entries(), 0)),

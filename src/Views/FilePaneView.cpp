@@ -313,7 +313,7 @@ void FilePaneView::setPane(const FilePane &pane) {
     }
     m_path->show(m_pane.pathLabel, m_pane.path);
     m_footerLeading->setText(m_pane.footerLeading);
-    m_footerTrailing->setText(m_dropText.isEmpty() ? m_pane.footerTrailing : m_dropText);
+    showFooter();
     showTools();
     showSearch();
 
@@ -506,6 +506,13 @@ void FilePaneView::mousePressEvent(QMouseEvent *event) {
     call(m_pane.onFocus);
 }
 
+/// What a drop would do has all of the footer.
+void FilePaneView::showFooter() {
+    const bool isDrop = !m_dropText.isEmpty();
+    m_footerLeading->setVisible(!isDrop);
+    m_footerTrailing->setText(isDrop ? m_dropText : m_pane.footerTrailing);
+}
+
 // -- What is dropped
 
 /// The folder of the entry at the place; null where there is none, and the folder shown is meant.
@@ -525,7 +532,7 @@ void FilePaneView::showDrop(const QDropEvent *event) {
     const QString name = path.section(QLatin1Char('/'), -1);
     const QString what = count == 1 ? QStringLiteral("1 item") : QStringLiteral("%L1 items").arg(count);
     m_dropText = count > 0 ? QStringLiteral("Copy %1 to “%2”").arg(what, name) : QString();
-    m_footerTrailing->setText(count > 0 ? m_dropText : m_pane.footerTrailing);
+    showFooter();
     entries()->setDropTarget(folder && count > 0 ? m_items->index(int(folder - m_items->items().constData()))
                                                  : QModelIndex());
     update();

@@ -81,6 +81,7 @@ private:
     void select(const FileItem &item);
     void clearSearch();
     [[nodiscard]] const FileItem *folderAt(const QPointF &place) const;
+    void showFooter();
     void showDrop(const QDropEvent *event);
     void toggleSelectAll() const;
     void showContextMenu(const FileItem &item, const QPoint &position);
