@@ -101,11 +101,14 @@ protected:
         const qsizetype before = shown.size();
         ASSERT_TRUE(waitFor([&] { return shown.size() > before; }));
     }
-    void signal(const char *name, const QVariantList &arguments) {
+    /// It has been handed on when this returns.
+    void signal(const char *name, const QVariantList &arguments) { signal(there, name, arguments); }
+    void signal(const QDBusConnection &from, const char *name, const QVariantList &arguments) {
         QDBusMessage message = QDBusMessage::createSignal(u"/org/freedesktop/Notifications"_s, service,
                                                           QString::fromLatin1(name));
         message.setArguments(arguments);
-        there.send(message);
+        from.send(message);
+        EXPECT_TRUE(from.interface()->isServiceRegistered(service));
     }
 
     const QString service = u"org.freedesktop.Notifications"_s;
@@ -209,6 +212,7 @@ TEST_F(CopyReportsTests, aClickBringsTheWindowBack) {
     waitForNotification();
     signal("ActionInvoked", {99U, u"default"_s}); // another program's
     signal("ActivationToken", {1U, u"token"_s});
+    signal(desktopBus.connection(u"stranger"_s), "ActivationToken", {1U, u"forged"_s});
     signal("ActionInvoked", {1U, u"default"_s});
     ASSERT_TRUE(waitFor([&] { return !window->isMinimized(); }));
     EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "token");
@@ -242,9 +246,12 @@ TEST_F(CopyReportsTests, theLaunchersIconShowsHowFarTheyAre) {
     QApplication::setActiveWindow(window);
     ASSERT_TRUE(waitFor([&] { return !launcher.last(u"urgent"_s).toBool(); }));
 
+    copy({u"gone"_s});
+    waitForQueue();
     phone.set(u"facts.hang"_s, "on");
     copy({u"another"_s});
     ASSERT_TRUE(waitFor([&] { return launcher.last(u"progress-visible"_s).toBool(); }));
+    EXPECT_FALSE(launcher.last(u"urgent"_s).toBool()) << "who has it in front has seen that one fail";
     reports.reset();
     EXPECT_TRUE(waitFor(isPlain)) << "nothing stays when the program goes";
 }
