@@ -528,12 +528,12 @@ TEST_F(SheetTests, detailsTellAllThatIsKnown) {
         close();
     }
     // What takes long is given up with the sheet, and what fails is said.
-    phone.set(u"find.hang"_s, "on");
+    phone.set(u"tree.hang"_s, "on");
     open(BrowserSide::android, {u"album"_s});
-    ASSERT_TRUE(waitFor([&] { return processes::childrenCalled("find") == 1; }));
+    ASSERT_TRUE(waitFor([&] { return processes::childrenCalled("%P") == 1; })); // the tree's format
     close();
-    EXPECT_TRUE(waitFor([&] { return processes::childrenCalled("find") == 0; }));
-    phone.reset(u"find.hang"_s);
+    EXPECT_TRUE(waitFor([&] { return processes::childrenCalled("%P") == 0; }));
+    phone.reset(u"tree.hang"_s);
     const QList<FileItem> gone = model->androidItems();
     phone.unplug();
     model->showDetails(BrowserSide::android, gone.first(1));
