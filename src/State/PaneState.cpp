@@ -201,11 +201,11 @@ void PaneState::setHits(const std::optional<QList<FileItem>> &hits) {
 }
 
 void PaneState::updateVisibleItems() {
-    const QList<FileItem> visible = inOrder(m_hits ? *m_hits : filteredItems(), m_order);
+    const auto [items, bytes] = m_hits ? Filtered{*m_hits, bytesOf(*m_hits)} : filtered();
+    const QList<FileItem> visible = inOrder(items, m_order);
     const bool hasChanged = !visible.isSharedWith(m_visibleItems);
     m_visibleItems = visible;
-    if (hasChanged)
-        m_visibleBytes = bytesOf(visible);
+    m_visibleBytes = bytes;
     const bool lostGhosts = dropGhosts(); // before anybody is told of what is shown
     if (hasChanged)
         Q_EMIT visibleItemsChanged();
@@ -213,21 +213,24 @@ void PaneState::updateVisibleItems() {
         Q_EMIT selectedIDsChanged();
 }
 
-QList<FileItem> PaneState::filteredItems() const {
+PaneState::Filtered PaneState::filtered() const {
     if (m_filter.isEmpty())
-        return m_items;
+        return {m_items, bytesOf(m_items)};
     // A list that grows with its matches would be moved again and again, and that takes as long as the
     // search.
     std::vector<qsizetype> matches;
+    Filtered filtered;
     for (qsizetype row = 0; row < m_items.size(); ++row) {
-        if (m_items.at(row).name.contains(m_filter, Qt::CaseInsensitive))
-            matches.push_back(row);
+        const FileItem &item = m_items.at(row);
+        if (!item.name.contains(m_filter, Qt::CaseInsensitive))
+            continue;
+        matches.push_back(row);
+        filtered.bytes = byteSum(filtered.bytes, item.sizeBytes.value_or(0));
     }
-    QList<FileItem> items;
-    items.reserve(qsizetype(matches.size()));
+    filtered.items.reserve(qsizetype(matches.size()));
     for (const qsizetype row : matches)
-        items.append(m_items.at(row));
-    return items;
+        filtered.items.append(m_items.at(row));
+    return filtered;
 }
 
 /// Takes out of the selection what neither the folder nor the hits hold any more. Returns whether there was

@@ -116,7 +116,12 @@ private:
     void replaceItems(const QList<FileItem> &items, qsizetype unreadableCount);
     void updateVisibleItems();
     bool dropGhosts();
-    [[nodiscard]] QList<FileItem> filteredItems() const;
+    /// What the filter leaves, and the bytes of it.
+    struct Filtered {
+        QList<FileItem> items = {};
+        qint64 bytes = 0;
+    };
+    [[nodiscard]] Filtered filtered() const;
 
     const BrowserSide m_side;
     QList<FileItem> m_items;
