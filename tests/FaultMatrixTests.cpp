@@ -450,7 +450,8 @@ protected:
             phone.plug();
             break;
         case targetRemoved:
-            QDir(targetFolder()).removeRecursively();
+            // A copy may put something into it meanwhile.
+            EXPECT_TRUE(waitFor([&] { return QDir(targetFolder()).removeRecursively(); }));
             break;
         case sourceChanged:
             if (op == pullFolder || op == pushFolder)
