@@ -230,6 +230,26 @@ TEST_F(PhoneWatchTests, aSlowPhoneIsNotLookedForAgainBeforeItHasAnswered) {
     EXPECT_EQ(asked(u"devices"_s), 1);
 }
 
+TEST_F(PhoneWatchTests, theAnswerOfAPhoneThatHasLeftIsDropped) {
+    phone.unplug();
+    follow();
+    ASSERT_TRUE(waitFor([&] { return watch().trouble() == PhoneTrouble::noPhone; }));
+    phone.set(u"getprop.stdout"_s, "Late\n");
+    phone.set(u"df.stdout"_s, "none"); // which is no reason not to show it
+    phone.set(u"getprop.hang"_s, "on");
+    phone.plug();
+    ASSERT_TRUE(waitFor([] { return processes::childrenCalled("getprop") == 1; }));
+    EXPECT_FALSE(timer().isActive()) << "nobody looks for it while it is asked";
+    phone.unplug();
+    ASSERT_TRUE(waitFor([&] { return watch().phones().isEmpty(); }));
+    phone.reset(u"getprop.hang"_s);
+    ASSERT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(state->device().isConnected);
+    phone.plug();
+    ASSERT_TRUE(waitFor([&] { return state->device().name == u"Late"_s; })) << "and shown when it is back";
+}
+
 TEST_F(PhoneWatchTests, aServerThatWasRestartedIsFollowedAgain) {
     follow();
     waitForPhone(DemoPhone::serial());
