@@ -1,7 +1,11 @@
 // Which phone is shown, and how the model learns of it: from adb itself, or by looking.
 
+#include "support/Environment.h"
 #include "support/ModelTest.h"
 #include "support/Processes.h"
+
+#include "ADB/DeviceTracker.h"
+#include "State/WirelessPhones.h"
 
 using namespace Qt::StringLiterals;
 using namespace vantrel;
@@ -119,6 +123,8 @@ TEST_F(PhoneWatchTests, thePhoneThatIsShownStaysShownWhileItIsReady) {
     phone.setOther(u"A1"_s, u"unauthorized"_s);
     ASSERT_TRUE(waitFor([&] { return listed() == u"A1 unauthorized|demo-phone device Demo Phone"_s; }))
         << listed().toStdString();
+    ASSERT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
+    EXPECT_EQ(asked(u"getprop"_s), 1) << "the one that is shown is known";
     phone.setOther(u"A1"_s, u"device"_s, u"Pixel 7"_s);
     ASSERT_TRUE(waitFor([&] { return listed() == u"A1 device Pixel 7|demo-phone device Demo Phone"_s; }))
         << listed().toStdString();
@@ -165,6 +171,35 @@ TEST_F(PhoneWatchTests, thePhoneThatIsShownStaysShownWhileItIsReady) {
     phone.setOther(u"A1"_s, u"none"_s);
     ASSERT_TRUE(waitFor([&] { return watch().phones().size() == 1; }));
     EXPECT_EQ(state->device().id, DemoPhone::serial());
+}
+
+TEST_F(PhoneWatchTests, aPhoneThatWasConnectedIsShownAsSoonAsItIsReady) {
+    const QString other = u"A1"_s;
+    QDir().mkpath(phone.otherRoot(other));
+    phone.insertCard(u"1A2B-3C4D"_s);
+    phone.setOther(other, u"unauthorized"_s);
+    follow();
+    waitForPhone(DemoPhone::serial());
+    ASSERT_TRUE(waitFor([&] { return watch().phones().size() == 2; }));
+    EXPECT_EQ(watch().cards().size(), 1);
+    watch().showWhenReady(other);
+    EXPECT_FALSE(watch().isRefreshing()) << "it has yet to be allowed";
+    phone.set(u"df.exit"_s, "1");
+    phone.setOther(other, u"device"_s, u"Pixel 7"_s);
+    waitForPhone(other);
+    EXPECT_TRUE(watch().cards().isEmpty()) << "they are in the other phone";
+    phone.reset(u"df.exit"_s);
+
+    phone.setOther(other, u"unauthorized"_s);
+    waitForPhone(DemoPhone::serial());
+    watch().showWhenReady(other);
+    watch().show(DemoPhone::serial(), PhoneWatch::Spinner::shown);
+    ASSERT_TRUE(waitFor([&] { return !watch().isRefreshing(); }));
+    phone.setOther(other, u"device"_s, u"Pixel 7"_s);
+    ASSERT_TRUE(waitFor([&] { return listed().startsWith(u"A1 device"_s); }));
+    ASSERT_TRUE(waitFor([] { return Background::workers().activeThreadCount() == 0; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(state->device().id, DemoPhone::serial()) << "the user has chosen it meanwhile";
 }
 
 TEST_F(PhoneWatchTests, aHundredPhonesAreListedAndASerialMayLookLikeAnOption) {
@@ -214,6 +249,30 @@ TEST_F(PhoneWatchTests, phonesAreLookedForWhenAdbDoesNotTell) {
     }
 }
 
+TEST_F(PhoneWatchTests, aListThatBrokeOffIsNoPartOfTheNext) {
+    phone.set(u"track-devices.stdout"_s, "0040demo");
+    phone.set(u"track-devices.exit"_s, "0");
+    follow();
+    ASSERT_TRUE(waitFor([&] { return trackers() == 0; }));
+    phone.resetAll();
+    timer().start(0);
+    waitForPhone(DemoPhone::serial());
+    ASSERT_TRUE(waitFor([&] {
+        return timer().isActive() && timer().intervalAsDuration() == PhoneWatch::storageInterval;
+    })) << "it is followed";
+}
+
+TEST_F(PhoneWatchTests, whoTracksHearsThatThereIsNoTool) {
+    const Environment bare{{{"VANTREL_RESOURCES", "/nowhere"}, {"PATH", "/nowhere"}}};
+    if (ADBClient::resolveADBPath())
+        GTEST_SKIP() << "there is one at a fixed place";
+    DeviceTracker tracker;
+    QSignalSpy ended(&tracker, &DeviceTracker::ended);
+    tracker.start();
+    EXPECT_TRUE(ended.isEmpty()) << "not before start() has returned";
+    EXPECT_TRUE(waitFor([&] { return ended.count() == 1; }));
+}
+
 TEST_F(PhoneWatchTests, aSlowPhoneIsNotLookedForAgainBeforeItHasAnswered) {
     phone.set(u"track-devices.exit"_s, "1");
     phone.set(u"devices.hang"_s, "on");
@@ -261,6 +320,14 @@ TEST_F(PhoneWatchTests, aServerThatWasRestartedIsFollowedAgain) {
     ASSERT_TRUE(waitFor(
         [&] { return timer().isActive() && timer().intervalAsDuration() == PhoneWatch::storageInterval; }));
     EXPECT_EQ(trackers(), 1);
+
+    const qsizetype looks = asked(u"devices"_s);
+    watch().doubt();
+    EXPECT_EQ(timer().intervalAsDuration(), PhoneWatch::lookInterval);
+    timer().start(0);
+    ASSERT_TRUE(waitFor(
+        [&] { return timer().isActive() && timer().intervalAsDuration() == PhoneWatch::storageInterval; }));
+    EXPECT_EQ(asked(u"devices"_s), looks + 1) << "once, though adb says that it is there";
     phone.unplug();
     waitForPhone(none);
 }
@@ -362,4 +429,10 @@ TEST_F(PhoneWatchTests, aCardThatIsPulledOutEndsInTheMainStorage) {
         ASSERT_EQ(watch().cards().size(), 1);
         EXPECT_EQ(watch().cards().first().id, other);
     }
+}
+
+TEST(WirelessPhonesTests, whatIsRememberedIsAnAddressAndStandsOnce) {
+    const WirelessPhones wireless(
+        {u"192.168.1.2"_s, u"no address"_s, u"192.168.1.2:5555"_s, u"192.168.1.3:40000"_s});
+    EXPECT_EQ(wireless.remembered(), (QStringList{u"192.168.1.2:5555"_s, u"192.168.1.3:40000"_s}));
 }
