@@ -250,7 +250,7 @@ TEST_F(PhoneWatchTests, phonesAreLookedForWhenAdbDoesNotTell) {
 }
 
 TEST_F(PhoneWatchTests, aListThatBrokeOffIsNoPartOfTheNext) {
-    phone.set(u"track-devices.stdout"_s, "0040demo");
+    phone.set(u"track-devices.stdout-noise"_s, "3");
     phone.set(u"track-devices.exit"_s, "0");
     follow();
     ASSERT_TRUE(waitFor([&] { return trackers() == 0; }));
