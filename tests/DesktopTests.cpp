@@ -116,15 +116,18 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
     qDBusRegisterMetaType<Groups>();
     PrivateBus desktopBus;
     std::optional<Groups> answer; // nothing: it refuses
-    // Right after its answer the user turns the desktop dark.
+    // Right after its answer the user turns the desktop dark. What comes before that means nothing.
     Stub portal([&](const QDBusMessage &message, const QDBusConnection &bus) {
-        QDBusMessage change =
-            QDBusMessage::createSignal(message.path(), message.interface(), u"SettingChanged"_s);
-        change << u"org.freedesktop.appearance"_s << u"color-scheme"_s
-               << QVariant::fromValue(QDBusVariant(1U));
+        const auto tell = [&](const QString &group, const QVariant &value) {
+            QDBusMessage change =
+                QDBusMessage::createSignal(message.path(), message.interface(), u"SettingChanged"_s);
+            return bus.send(change << group << u"color-scheme"_s << value);
+        };
+        const QString appearance = u"org.freedesktop.appearance"_s;
         return bus.send(answer ? message.createReply(QVariant::fromValue(*answer))
                                : message.createErrorReply(QDBusError::Failed, u"no"_s)) &&
-               bus.send(change);
+               tell(u"org.other"_s, QVariant::fromValue(QDBusVariant(2U))) && tell(appearance, u"light"_s) &&
+               tell(appearance, QVariant::fromValue(QDBusVariant(1U)));
     });
     QDBusConnection there = desktopBus.connection(u"portal"_s);
     ASSERT_TRUE(there.registerVirtualObject(u"/org"_s, &portal, QDBusConnection::SubPath));
