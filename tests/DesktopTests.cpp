@@ -113,9 +113,11 @@ TEST_F(DesktopTests, opensAndCopiesWhatIsNamedLetterForLetter) {
 
 TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
     using Groups = QMap<QString, QVariantMap>;
+    using Words = QMap<QString, QString>;
     qDBusRegisterMetaType<Groups>();
+    qDBusRegisterMetaType<Words>();
     PrivateBus desktopBus;
-    std::optional<Groups> answer; // nothing: it refuses
+    QVariant answer; // nothing: it refuses
     // Right after its answer the user turns the desktop dark. What comes before that means nothing.
     Stub portal([&](const QDBusMessage &message, const QDBusConnection &bus) {
         const auto tell = [&](const QString &group, const QVariant &value) {
@@ -124,8 +126,8 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
             return bus.send(change << group << u"color-scheme"_s << value);
         };
         const QString appearance = u"org.freedesktop.appearance"_s;
-        return bus.send(answer ? message.createReply(QVariant::fromValue(*answer))
-                               : message.createErrorReply(QDBusError::Failed, u"no"_s)) &&
+        return bus.send(answer.isValid() ? message.createReply(answer)
+                                         : message.createErrorReply(QDBusError::Failed, u"no"_s)) &&
                tell(u"org.other"_s, QVariant::fromValue(QDBusVariant(2U))) && tell(appearance, u"light"_s) &&
                tell(appearance, QVariant::fromValue(QDBusVariant(1U)));
     });
@@ -142,27 +144,30 @@ TEST_F(DesktopTests, readsThePreferencesOfTheDesktopAndFollowsThem) {
     const QString name = u"color-scheme"_s;
     const QString scale = u"text-scaling-factor"_s;
     const QString layout = u"button-layout"_s;
+    const auto groups = [](const Groups &all) { return QVariant::fromValue(all); };
     // What the portal answers, and what is heard of it; then comes the change.
-    const std::pair<std::optional<Groups>, QStringList> cases[] = {
-        {{{{appearance, {{name, 1U}}}}}, {u"dark"_s}},
-        {{{{appearance, {{name, 2U}}}}}, {u"light"_s}},
-        {{{{appearance, {{name, u"dark"_s}}}}}, {u"light"_s}},
-        {{{{gnome, {{u"enable-animations"_s, false}}}}}, {u"less motion"_s}},
-        {{{{gnome, {{u"enable-animations"_s, false}}}, {appearance, {{u"reduced-motion"_s, 0U}}}}},
+    const std::pair<QVariant, QStringList> cases[] = {
+        {groups({{appearance, {{name, 1U}}}}), {u"dark"_s}},
+        {groups({{appearance, {{name, 2U}}}}), {u"light"_s}},
+        {groups({{appearance, {{name, u"dark"_s}}}}), {u"light"_s}},
+        {groups({{gnome, {{u"enable-animations"_s, false}}}}), {u"less motion"_s}},
+        {groups({{gnome, {{u"enable-animations"_s, false}}}, {appearance, {{u"reduced-motion"_s, 0U}}}}),
          {u"less motion"_s, u"motion"_s}},
-        {{{{gnomeHelp, {{u"high-contrast"_s, true}}}}}, {u"contrast"_s}},
-        {{{{gnomeHelp, {{u"high-contrast"_s, true}}}, {appearance, {{u"contrast"_s, 0U}}}}},
+        {groups({{gnomeHelp, {{u"high-contrast"_s, true}}}}), {u"contrast"_s}},
+        {groups({{gnomeHelp, {{u"high-contrast"_s, true}}}, {appearance, {{u"contrast"_s, 0U}}}}),
          {u"contrast"_s, u"usual contrast"_s}},
-        {{{{appearance, {{u"contrast"_s, 1U}}}}}, {u"contrast"_s}},
-        {{{{gnome, {{scale, 1.25}}}}}, {u"texts 1.25"_s}},
-        {{{{gnome, {{scale, 0.0}}}}}, {}},
-        {{{{gnome, {{scale, u"large"_s}}}}}, {}},
-        {{{{windows, {{layout, u"close:"_s}}}}}, {u"buttons close:"_s}},
-        {{{{windows, {{layout, 7}}}}}, {}},
-        {{{{mouse, {{u"double-click"_s, 650}}}}}, {u"double-click 650"_s}},
-        {{{{mouse, {{u"double-click"_s, -1}}}}}, {}},
-        {{{{u"org.other"_s, {{name, 2U}}}}}, {}},
-        {std::nullopt, {}},
+        {groups({{appearance, {{u"contrast"_s, 1U}}}}), {u"contrast"_s}},
+        {groups({{gnome, {{scale, 1.25}}}}), {u"texts 1.25"_s}},
+        {groups({{gnome, {{scale, 0.0}}}}), {}},
+        {groups({{gnome, {{scale, u"large"_s}}}}), {}},
+        {groups({{windows, {{layout, u"close:"_s}}}}), {u"buttons close:"_s}},
+        {groups({{windows, {{layout, 7}}}}), {}},
+        {groups({{mouse, {{u"double-click"_s, 650}}}}), {u"double-click 650"_s}},
+        {groups({{mouse, {{u"double-click"_s, -1}}}}), {}},
+        {groups({{u"org.other"_s, {{name, 2U}}}}), {}},
+        {QVariant(), {}},
+        {QVariant(u"words"_s), {}},
+        {QVariant::fromValue(Words{{appearance, name}}), {}},
     };
     for (const auto &[settings, expected] : cases) {
         answer = settings;

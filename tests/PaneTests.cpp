@@ -522,6 +522,20 @@ TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumnsOfTilesWithNamesOfOneLine
     const auto linesOf = [](const QString &name, int width) {
         return int(wrappedLines(name, {11, Weight::semibold}, width, 2).size());
     };
+    const auto expectPlaces = [&](const QList<FileItem> &shown) {
+        const FileGridGeometry grid(entries()->viewport()->width());
+        int top = 12;
+        for (int row = 0; row < shown.size(); ++row) {
+            const int first = row - row % grid.columns;
+            int lines = 1;
+            for (int other = first; other < std::min(first + grid.columns, int(shown.size())); ++other)
+                lines = std::max(lines, linesOf(shown[other].name, grid.columnWidth));
+            const QSize cell(grid.columnWidth, FileGridCellGeometry::height(72, lines));
+            const QPoint place(grid.left + (row - first) * (grid.columnWidth + 10), top);
+            ASSERT_EQ(rectOf(entries(), row), QRect(place, cell)) << row;
+            top += row - first == grid.columns - 1 ? cell.height() + 10 : 0;
+        }
+    };
     QSet<int> ofTheFiftieth;
     for (const int width : {view.minimumSizeHint().width(), 333, 334, 400, 440, 777, 1500}) {
         SCOPED_TRACE(width);
@@ -530,17 +544,7 @@ TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumnsOfTilesWithNamesOfOneLine
         const QWidget *viewport = tiles->viewport();
         const FileGridGeometry grid(viewport->width());
         ofTheFiftieth.insert(linesOf(items[50].name, grid.columnWidth));
-        int top = 12;
-        for (int row = 0; row < 100; ++row) {
-            const int first = row - row % grid.columns;
-            int lines = 1;
-            for (int other = first; other < std::min(first + grid.columns, 100); ++other)
-                lines = std::max(lines, linesOf(items[other].name, grid.columnWidth));
-            const QSize cell(grid.columnWidth, FileGridCellGeometry::height(72, lines));
-            const QPoint place(grid.left + (row - first) * (grid.columnWidth + 10), top);
-            ASSERT_EQ(rectOf(tiles, row), QRect(place, cell)) << row;
-            top += row - first == grid.columns - 1 ? cell.height() + 10 : 0;
-        }
+        expectPlaces(items);
         EXPECT_EQ(tiles->indexAt(rectOf(tiles, 4).center()).row(), 4);
         EXPECT_FALSE(tiles->indexAt(rectOf(tiles, 0).bottomRight() + QPoint(5, 0)).isValid()) << "a gap";
         tiles->verticalScrollBar()->setValue(tiles->verticalScrollBar()->maximum());
@@ -551,11 +555,17 @@ TEST_F(FilePaneTests, geometryOfTheGridIsCentredColumnsOfTilesWithNamesOfOneLine
     }
     EXPECT_EQ(ofTheFiftieth, QSet({1, 2}));
 
-    const int before = rectOf(entries(), 99).top();
-    items[0].name = items[40].name;
-    show(items);
-    EXPECT_EQ(rectOf(entries(), 99).top() - before,
-              FileGridCellGeometry::height(72, 2) - FileGridCellGeometry::height(72, 1));
+    // Some leave and come, others take their places; names of one length are not of one width.
+    for (const int row : {3, 4, 70})
+        items[row].name = QString(30, row == 4 ? u'i' : u'W');
+    QList<FileItem> some;
+    for (int row = 0; row < 100; row += 1 + row % 3)
+        some.append(items[row]);
+    QList<FileItem> others = some;
+    others[2].name = QString(30, u'W');
+    others.swapItemsAt(0, 3);
+    for (const QList<FileItem> &shown : {items, some, others, items, others, some})
+        expectPlaces((show(shown), shown));
     show(someFiles(3));
     EXPECT_EQ(entries()->verticalScrollBar()->maximum(), 0);
 }

@@ -431,8 +431,78 @@ TEST_F(PhoneWatchTests, aCardThatIsPulledOutEndsInTheMainStorage) {
     }
 }
 
-TEST(WirelessPhonesTests, whatIsRememberedIsAnAddressAndStandsOnce) {
-    const WirelessPhones wireless(
-        {u"192.168.1.2"_s, u"no address"_s, u"192.168.1.2:5555"_s, u"192.168.1.3:40000"_s});
-    EXPECT_EQ(wireless.remembered(), (QStringList{u"192.168.1.2:5555"_s, u"192.168.1.3:40000"_s}));
+class WirelessPhonesTests : public ModelTest {
+protected:
+    const QString first = u"10.0.0.1:5555"_s;
+    const QString second = u"10.0.0.2:5555"_s;
+
+    /// Whether adb was told this about the address.
+    [[nodiscard]] bool wasTold(const QString &word, const QString &address) const {
+        const auto lines = phone.commandLines();
+        return std::any_of(lines.begin(), lines.end(), [&](const QStringList &line) {
+            return line == QStringList{word, address};
+        });
+    }
+    void bothAnswer() {
+        phone.set(u"wireless"_s, first);
+        phone.set(u"wireless"_s, second);
+    }
+    static void end(const QCoro::Task<> &task) {
+        ASSERT_TRUE(waitFor([&] { return task.isReady(); }));
+    }
+};
+
+TEST_F(WirelessPhonesTests, whatIsRememberedIsAnAddressAndStandsOnceTheNewestLast) {
+    WirelessPhones wireless({u"10.0.0.1"_s, u"no address"_s, first, second});
+    ASSERT_EQ(wireless.remembered(), (QStringList{first, second}));
+    bothAnswer();
+    const QSignalSpy connected(&wireless, &WirelessPhones::connected);
+    end(wireless.connectTo(first, {}, {}));
+    EXPECT_EQ(wireless.remembered(), (QStringList{second, first}));
+    EXPECT_EQ(connected.count(), 1);
+}
+
+TEST_F(WirelessPhonesTests, whatIsGivenUpComesToNothing) {
+    WirelessPhones wireless({});
+    const QSignalSpy connected(&wireless, &WirelessPhones::connected);
+    bothAnswer();
+    for (const bool isCancelled : {true, false}) { // else another is wanted
+        phone.set(u"connect.hang"_s, "on");
+        const auto givenUp = wireless.connectTo(first, {}, {});
+        ASSERT_TRUE(waitFor([&] { return processes::childrenCalled("10.0.0.1") == 1; }));
+        if (isCancelled) {
+            wireless.cancel();
+            EXPECT_TRUE(waitFor([&] { return processes::childrenCalled("connect") == 0; }));
+        }
+        const auto wanted = isCancelled ? QCoro::Task<>() : wireless.connectTo(second, {}, {});
+        EXPECT_TRUE(waitFor([&] { return processes::childrenCalled("10.0.0.1") == 0; }));
+        phone.reset(u"connect.hang"_s);
+        end(givenUp);
+        EXPECT_EQ(wireless.message(), QString());
+        EXPECT_FALSE(wireless.remembered().contains(first));
+        if (isCancelled)
+            continue;
+        end(wanted);
+        EXPECT_EQ(wireless.remembered(), QStringList{second});
+        EXPECT_EQ(connected.count(), 1);
+        EXPECT_FALSE(wireless.isConnecting());
+    }
+}
+
+TEST_F(WirelessPhonesTests, adbForgetsWhatDidNotAnswerAndWhatTheUserForgot) {
+    WirelessPhones wireless({});
+    end(wireless.connectTo(first, {}, {}));
+    EXPECT_FALSE(wireless.message().isEmpty());
+    EXPECT_TRUE(wasTold(u"disconnect"_s, first)) << "adb lists it as offline";
+
+    bothAnswer();
+    WirelessPhones remembering({first, second});
+    phone.set(u"connect.hang"_s, "on");
+    const auto reconnected = remembering.reconnect();
+    ASSERT_TRUE(waitFor([&] { return processes::childrenCalled("10.0.0.1") == 1; }));
+    end(remembering.forget(second));
+    phone.reset(u"connect.hang"_s);
+    end(reconnected);
+    EXPECT_TRUE(wasTold(u"disconnect"_s, second));
+    EXPECT_FALSE(wasTold(u"connect"_s, second));
 }

@@ -4,7 +4,12 @@ namespace vantrel {
 
 namespace {
 
-constexpr float unknown = -1000;
+constexpr qint32 parts = 4096; // of a pixel
+constexpr qint32 unknown = -1; // as no character takes room away
+
+constexpr float rounding = 0.2F;
+constexpr float sign = 0.06F;    // of the size: a font may shape signs by what is farther around them
+constexpr float kerning = 0.06F; // of the width
 
 /// Whether a font may shape it by more than what is right beside it.
 constexpr bool isSign(char16_t plain) {
@@ -39,12 +44,13 @@ WidthTable::WidthTable(const TextStyle &style) : m_style(style) {
 }
 
 /// `before` is 0 at the beginning.
-float WidthTable::step(char16_t before, char16_t character) {
-    float &known = m_steps[before == 0 ? 0 : 1 + before - firstPlain][character - firstPlain];
+qint32 WidthTable::step(char16_t before, char16_t character) {
+    qint32 &known = m_steps[before == 0 ? 0 : 1 + before - firstPlain][character - firstPlain];
     if (known == unknown) {
         const QString text =
             before == 0 ? QString(QChar(character)) : QString(QChar(before)) + QChar(character);
-        known = float(m_style.width(text) - (before == 0 ? 0.0 : double(step(0, before))));
+        const int wide = qRound(m_style.width(text) * parts);
+        known = std::max(0, before == 0 ? wide : wide - step(0, before));
     }
     return known;
 }
@@ -57,27 +63,25 @@ float WidthTable::widthOfOther(char32_t character) {
 }
 
 WidthTable::Width WidthTable::widthOf(const QString &text) {
-    constexpr float rounding = 0.2F;
-    constexpr float sign = 0.06F;    // of the size: a font may shape signs by what is farther around them
-    constexpr float kerning = 0.06F; // of the width
+    QStringView line = text;
+    while (line.endsWith(u' '))
+        line.chop(1);
+    if (const auto plain = widthOfPlain(line))
+        return *plain;
     Width width{0, rounding};
-    const QChar *const units = text.constData();
-    qsizetype end = text.size();
-    while (end > 0 && units[end - 1] == u' ')
-        --end;
     char16_t before = 0;
-    for (qsizetype i = 0; i < end; ++i) {
-        const char16_t unit = units[i].unicode();
+    for (qsizetype i = 0; i < line.size(); ++i) {
+        const char16_t unit = line[i].unicode();
         if (unit >= firstPlain && unit <= lastPlain) {
-            width.about += step(before, unit);
+            width.about += float(step(before, unit)) / parts;
             width.within += isSign(unit) ? sign * float(m_style.size) : 0;
             before = unit;
             continue;
         }
         before = 0;
         char32_t character = unit;
-        if (QChar::isHighSurrogate(unit) && i + 1 < end && units[i + 1].isLowSurrogate())
-            character = QChar::surrogateToUcs4(units[i], units[i + 1]);
+        if (QChar::isHighSurrogate(unit) && i + 1 < line.size() && line[i + 1].isLowSurrogate())
+            character = QChar::surrogateToUcs4(line[i], line[i + 1]);
         i += QChar::requiresSurrogates(character) ? 1 : 0;
         const float own = widthOfOther(character);
         if (QChar::isMark(character) || !QChar::isPrint(character)) {
@@ -88,6 +92,32 @@ WidthTable::Width WidthTable::widthOf(const QString &text) {
         }
     }
     return width;
+}
+
+/// What most names are: plain characters, and no pair of them seen for the first time.
+std::optional<WidthTable::Width> WidthTable::widthOfPlain(QStringView line) const {
+    static constexpr auto signs = [] {
+        std::array<quint8, plainCount> are{};
+        for (std::size_t i = 0; i < plainCount; ++i)
+            are[i] = isSign(char16_t(firstPlain + i)) ? 1 : 0;
+        return are;
+    }();
+    qint64 sum = 0;
+    qint32 all = 0; // has the sign of what is unknown
+    int signCount = 0;
+    std::size_t from = 0;
+    for (const QChar character : line) {
+        const std::size_t to = std::size_t(character.unicode()) - firstPlain;
+        if (to >= plainCount)
+            return std::nullopt;
+        sum += m_steps[from][to];
+        all |= m_steps[from][to];
+        signCount += signs[to];
+        from = 1 + to;
+    }
+    if (all < 0)
+        return std::nullopt;
+    return Width{float(sum) / parts, rounding + float(signCount) * sign * float(m_style.size)};
 }
 
 } // namespace vantrel

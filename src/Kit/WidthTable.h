@@ -5,6 +5,7 @@
 #include <QHash>
 
 #include <array>
+#include <optional>
 
 namespace vantrel {
 
@@ -29,12 +30,14 @@ private:
     static constexpr char16_t lastPlain = 0x7E;
     static constexpr std::size_t plainCount = lastPlain - firstPlain + 1;
 
-    [[nodiscard]] float step(char16_t before, char16_t character);
+    [[nodiscard]] std::optional<Width> widthOfPlain(QStringView line) const;
+    [[nodiscard]] qint32 step(char16_t before, char16_t character);
     [[nodiscard]] float widthOfOther(char32_t character);
 
     TextStyle m_style;
-    /// By how much a plain character makes a text longer: at the beginning, then behind each plain one.
-    std::array<std::array<float, plainCount>, 1 + plainCount> m_steps;
+    /// By how much a plain character makes a text longer, in parts of a pixel: at the beginning, then behind
+    /// each plain one. Whole numbers, of which a processor adds one while it looks the next up.
+    std::array<std::array<qint32, plainCount>, 1 + plainCount> m_steps;
     QHash<char32_t, float> m_others;
 };
 

@@ -31,26 +31,54 @@ const FileGridGeometry &FileGridView::geometry() const {
     const double tile = m_geometry.tileHeight;
     const int heights[] = {FileGridCellGeometry::height(tile, 1), FileGridCellGeometry::height(tile, 2)};
     int mayLayOut = 200; // names; the others that only that would tell get the room of two lines
-    m_names.resize(items.size());
+    keepKnownNames(items);
     m_geometry.layOut(int(items.size()), [&](int row) {
-        Name &name = m_names[row];
-        const QString &now = items.at(row).name;
-        const bool isOther = name.name != now;
-        if (isOther)
-            name = {now, m_widths.widthOf(now)};
-        if (isOther || name.column != column) {
-            const float spare = float(column) - name.width.about;
-            const bool isSure = qAbs(spare) > name.width.within;
+        NameRoom &room = m_nameRooms[row];
+        if (room.column != column) {
+            const float spare = float(column) - room.width.about;
+            const bool isSure = qAbs(spare) > room.width.within;
             const bool isOne =
                 isSure ? spare > 0
                        : mayLayOut-- > 0 &&
-                             wrappedLines(now, FileGridCellGeometry::nameStyle, column, 2).size() < 2;
-            name.lines = isOne ? 1 : 2;
-            name.column = column;
+                             wrappedLines(items.at(row).name, FileGridCellGeometry::nameStyle, column, 2)
+                                     .size() < 2;
+            room.lines = isOne ? 1 : 2;
+            room.column = column;
         }
-        return heights[name.lines - 1];
+        return heights[room.lines - 1];
     });
     return m_geometry;
+}
+
+/// What is known of a name stays with it: mostly some entries have left, as those that a search does not
+/// find, or some have come, and the others follow each other as before. A name is known again by where its
+/// text lies, since comparing it takes as long as measuring it.
+void FileGridView::keepKnownNames(const QList<FileItem> &items) const {
+    if (m_laidOut.isSharedWith(items))
+        return;
+    const QList<FileItem> before = std::exchange(m_laidOut, items); // until here its texts lie where they lay
+    const QList<NameRoom> known = std::exchange(m_nameRooms, QList<NameRoom>(items.size()));
+    qsizetype left = std::max<qsizetype>(0, known.size() - items.size());
+    qsizetype came = std::max<qsizetype>(0, items.size() - known.size());
+    auto old = known.begin();
+    for (qsizetype row = 0; row < items.size(); ++row) {
+        const QString &name = items.at(row).name;
+        const auto isKnown = [&] {
+            return old != known.end() && old->name.data() == name.constData() &&
+                   old->name.size() == name.size();
+        };
+        for (; left > 0 && !isKnown(); --left)
+            ++old;
+        if (isKnown()) {
+            m_nameRooms[row] = *old++;
+            continue;
+        }
+        m_nameRooms[row] = {name, m_widths.widthOf(name)};
+        if (came > 0)
+            --came;
+        else if (old != known.end())
+            ++old; // another one is at its place
+    }
 }
 
 void FileGridView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
@@ -60,7 +88,7 @@ void FileGridView::dataChanged(const QModelIndex &topLeft, const QModelIndex &bo
         return;
     const QList<FileItem> &items = static_cast<const FileItemsModel *>(model())->items();
     for (int row = topLeft.row(); row <= bottomRight.row() && !m_hasOtherNames; ++row)
-        m_hasOtherNames = items.at(row).name != m_names.at(row).name;
+        m_hasOtherNames = items.at(row).name != m_laidOut.at(row).name;
 }
 
 /// Once for all the changes that come together: a name may take another number of lines.
@@ -125,7 +153,8 @@ void FileGridView::lookAtVisible() {
 void FileGridView::changeEvent(QEvent *event) {
     if (event->type() == QEvent::FontChange) { // texts appear in another size
         m_widths = WidthTable(FileGridCellGeometry::nameStyle);
-        m_names.clear();
+        m_laidOut.clear();
+        m_nameRooms.clear();
         forgetLayout();
         if (isVisible()) {
             updateGeometries();

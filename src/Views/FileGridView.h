@@ -46,8 +46,8 @@ protected:
 
 private:
     /// How many lines a name takes, as far as it was found out.
-    struct Name {
-        QString name;
+    struct NameRoom {
+        QStringView name; ///< the text that m_laidOut holds
         WidthTable::Width width;
         int lines = 1;
         int column = 0; ///< the width of the column in which it takes them
@@ -61,6 +61,7 @@ private:
     };
 
     [[nodiscard]] const FileGridGeometry &geometry() const;
+    void keepKnownNames(const QList<FileItem> &items) const;
     void fit(int width);
     void takeOtherNames();
     void lookAtVisible();
@@ -73,8 +74,9 @@ private:
     // Put together when they are asked for, not at each of the changes that come together.
     mutable FileGridGeometry m_geometry;
     mutable bool m_isStale = true;
-    bool m_hasOtherNames = false; ///< than those that the layout is of
-    mutable QList<Name> m_names;  ///< of the rows
+    bool m_hasOtherNames = false;        ///< than those that the layout is of
+    mutable QList<FileItem> m_laidOut;   ///< the rows
+    mutable QList<NameRoom> m_nameRooms; ///< of their names
     mutable WidthTable m_widths;
     int m_tileSize = TileSize::standard;
     int m_turned = 0; ///< of the wheel with Control, what is not a step yet
