@@ -532,9 +532,9 @@ TEST(ADBTransferTests, percentagesOfEitherStreamAreReportedInOrder) {
          0,
          {{0.25, 0, 0}, {0.5, 0, 0}}},
         {"printf '[ 42%%] /sdcard/a\\n' >&2; step; printf '[ 17%%] /sdcard/a\\n' >&2; sleep 0.1\n"
-         "printf '[ 50%%] /sdcard/a\\n' >&2; step",
+         "printf '[ 42%%] /sdcard/a\\n' >&2; sleep 0.1; printf '[ 50%%] /sdcard/a\\n' >&2; step",
          0,
-         {{0.42, 0, 0}, {0.5, 0, 0}}}, // of another file by then
+         {{0.42, 0, 0}, {0.5, 0, 0}}}, // of another file by then, and the same again
         // The phone is busy for longer than the reader waits for the terminal at a time.
         {"sleep 0.3; printf '\\r[ 25%%] /sdcard/a\\033[K'; step", 0, {{0.25, 0, 0}}},
         {"printf '\\r[100%%] /sdcard/a\\033[K'; step", largest, {{0.99, largest, largest}}},
