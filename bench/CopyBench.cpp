@@ -88,7 +88,7 @@ int main(int argc, char **argv) {
         arguments.at(1) == QLatin1String("pull") ? BrowserSide::android : BrowserSide::mac;
     NoDesktop desktop;
     auto state = AppState::designPreview(desktop);
-    state->refreshDevice(AppState::Spinner::shown);
+    state->refreshDevice(PhoneWatch::Spinner::shown);
     waitFor([&] { return !state->isRefreshingDevice(); });
     state->browseMac(arguments.at(2));
     state->browseAndroid(arguments.at(3));

@@ -57,7 +57,7 @@ public:
         for (FileItemsView *items : {list(), grid()})
             items->viewport()->installEventFilter(this);
         view.show();
-        model.refreshDevice(AppState::Spinner::hidden);
+        model.refreshDevice(PhoneWatch::Spinner::hidden);
         waitFor([this] { return model.device().isConnected && !model.isLoadingAndroid(); });
         browse();
     }

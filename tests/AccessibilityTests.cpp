@@ -108,7 +108,7 @@ TEST_F(WholeWindowTests, theKeyboardNeverJumpsToAnotherControlByItself) {
     const Act emptyFolder = [&] { state->browseMac(mac.filePath(u"folder/sub"_s)); };
     const Act unplug = [&] {
         phone.unplug();
-        state->refreshDevice(AppState::Spinner::hidden);
+        state->refreshDevice(PhoneWatch::Spinner::hidden);
     };
     const Act search = [&] { state->setAndroidSearchText(u"note"_s); };
     const Act oneRow = [&] {
@@ -327,7 +327,7 @@ TEST_F(WholeWindowTests, everythingHasARoleANameAStateAndNoMarkup) {
         {"at work",
          [this] {
              phone.set(u"hang"_s, "on");
-             state->refreshDevice(AppState::Spinner::shown);
+             state->refreshDevice(PhoneWatch::Spinner::shown);
              state->browseAndroid(u"/sdcard/DCIM"_s);
          },
          progress},

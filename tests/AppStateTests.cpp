@@ -16,7 +16,7 @@ protected:
     [[nodiscard]] QString shownOfPhone() const { return shown(state->androidItems()); }
     void losePhone() {
         phone.unplug();
-        state->refreshDevice(AppState::Spinner::hidden);
+        state->refreshDevice(PhoneWatch::Spinner::hidden);
         ASSERT_TRUE(waitFor([&] { return !state->device().isConnected; }));
     }
     /// Runs something that asks the phone, and waits until the phone was asked.
@@ -57,12 +57,12 @@ TEST_F(AppStateTests, whatAnOlderRefreshLearnsIsDropped) {
     phone.write(u"Download/a.txt"_s, "x");
     for (const char *olderAnswer : {"none", "device"}) {
         phone.unplug();
-        const auto gone = state->refreshDevice(AppState::Spinner::hidden);
+        const auto gone = state->refreshDevice(PhoneWatch::Spinner::hidden);
         ASSERT_TRUE(waitFor([&] { return gone.isReady(); }));
         ASSERT_FALSE(state->device().isConnected);
         phone.set(u"state"_s, olderAnswer);
         phone.set(u"devices.delay"_s, "1.5");
-        const auto older = asked([&] { return state->refreshDevice(AppState::Spinner::hidden); });
+        const auto older = asked([&] { return state->refreshDevice(PhoneWatch::Spinner::hidden); });
         phone.reset(u"devices.delay"_s);
         phone.plug();
         connectPhone();
@@ -84,12 +84,12 @@ TEST_F(AppStateTests, refreshesDoNotPileUp) {
     connectPhone();
     const auto before = questions();
     phone.set(u"devices.hang"_s, "on");
-    const auto first = state->refreshDevice(AppState::Spinner::hidden);
-    state->refreshDevice(AppState::Spinner::hidden);
-    const auto shown = state->refreshDevice(AppState::Spinner::shown);
+    const auto first = state->refreshDevice(PhoneWatch::Spinner::hidden);
+    state->refreshDevice(PhoneWatch::Spinner::hidden);
+    const auto shown = state->refreshDevice(PhoneWatch::Spinner::shown);
     EXPECT_TRUE(state->isRefreshingDevice());
-    state->refreshDevice(AppState::Spinner::shown);
-    state->refreshDevice(AppState::Spinner::hidden);
+    state->refreshDevice(PhoneWatch::Spinner::shown);
+    state->refreshDevice(PhoneWatch::Spinner::hidden);
     ASSERT_TRUE(waitFor([&] { return questions() >= before + 2; }));
     phone.reset(u"devices.hang"_s);
     ASSERT_TRUE(waitFor([&] { return Background::workers().activeThreadCount() == 0; }));
@@ -237,7 +237,7 @@ TEST_F(AppStateTests, onlyTheNewestListingIsApplied) {
 
 TEST_F(AppStateTests, anUnfinishedCallEndsWithoutEffectWhenTheModelIsGone) {
     phone.set(u"devices.hang"_s, "on");
-    asked([&] { return state->refreshDevice(AppState::Spinner::shown); });
+    asked([&] { return state->refreshDevice(PhoneWatch::Spinner::shown); });
     state.reset();
     ADBClient::stopRunningTools();
     Background::finish();
@@ -390,12 +390,12 @@ TEST_F(AppStateTests, openingShowsHowFarItIsAndCanBeGivenUp) {
     phone.set(u"bandwidth"_s, "1");
     const FileItem film = state->androidItems().first();
     state->openAndroidFile(film);
-    ASSERT_TRUE(waitFor([&] { return state->openingPercent() > 20; }));
+    ASSERT_TRUE(waitFor([&] { return state->opening().percent() > 20; }));
     EXPECT_GT(processes::childrenCalled("pull"), 0);
-    state->stopOpening();
+    state->opening().stop();
     ASSERT_TRUE(waitFor([&] { return !state->isOpeningAndroidFile(); }));
     EXPECT_EQ(processes::childrenCalled("pull"), 0);
-    EXPECT_EQ(state->openingPercent(), 0);
+    EXPECT_EQ(state->opening().percent(), 0);
     EXPECT_EQ(state->androidBrowseError(), std::nullopt) << "whoever has stopped it knows";
     const QString folder = FilePreview::cacheFolder() + u"/sdcard_Download_film.mp4"_s;
     EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());

@@ -261,7 +261,7 @@ protected:
     }
 
     void prepare() {
-        state->refreshDevice(AppState::Spinner::shown);
+        state->refreshDevice(PhoneWatch::Spinner::shown);
         ASSERT_TRUE(waitFor([&] { return state->device().isConnected && !state->isRefreshingDevice(); }));
         state->browseAndroid(isPush() ? u"/sdcard/to"_s : u"/sdcard/from"_s);
         state->browseMac(isPush() ? mine() : here());
@@ -309,7 +309,7 @@ protected:
         }
         switch (op) {
         case refresh:
-            state->refreshDevice(AppState::Spinner::shown);
+            state->refreshDevice(PhoneWatch::Spinner::shown);
             break;
         case list:
             state->browseAndroid(u"/sdcard/from"_s);
@@ -332,7 +332,7 @@ protected:
             break;
         case pullRest:
         case pushRest:
-            state->refreshDevice(AppState::Spinner::shown);
+            state->refreshDevice(PhoneWatch::Spinner::shown);
             break;
         default:
             copySelected();

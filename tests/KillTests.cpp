@@ -146,7 +146,7 @@ TEST_F(KillTests, whatWasNotFinishedIsThereAgainPausedAndEndsWholeAtAClick) {
             AppState state(desktop);
             const auto remembering = state.transfers().remember(folder);
             ASSERT_TRUE(waitFor([&] { return remembering.isReady(); }));
-            state.refreshDevice(AppState::Spinner::shown);
+            state.refreshDevice(PhoneWatch::Spinner::shown);
             ASSERT_TRUE(waitFor([&] { return !state.isRefreshingDevice(); }));
             EXPECT_EQ(state.transfers().queue().pausedCount(), left) << "nothing goes on by itself";
             EXPECT_FALSE(state.isTransferring());

@@ -164,7 +164,11 @@ TEST_F(PaneStateTests, remembersHowFoldersWereLeftWithinBounds) {
     EXPECT_TRUE(pane.selectedIDs().isEmpty()) << "the oldest is forgotten";
     list(u"/s/2"_s, files("ab"), Arrival::back);
     EXPECT_EQ(pane.selectedIDs().size(), 2);
-    pane.forgetVisits();
-    list(u"/s/3"_s, files("ab"), Arrival::back);
-    EXPECT_TRUE(pane.selectedIDs().isEmpty());
+    for (const bool isAnother : {true, false}) {
+        pane.setOwner(u"phone"_s);
+        list(u"/s/3"_s, files("ab"), Arrival::back);
+        EXPECT_EQ(pane.selectedIDs().isEmpty(), isAnother);
+        leave(u"/s/3"_s, u"a"_s);
+        list(u"/s/4"_s, files("ab"), Arrival::anew);
+    }
 }

@@ -1100,7 +1100,7 @@ TEST_F(DualBrowserTests, theCopyButtonsFollowPhoneAndSelection) {
     EXPECT_EQ(toAndroid->look().fill, AppTheme::accent());
     EXPECT_EQ(toMac->look().fill, AppTheme::surface());
     phone.unplug();
-    state->refreshDevice(AppState::Spinner::hidden);
+    state->refreshDevice(PhoneWatch::Spinner::hidden);
     EXPECT_TRUE(waitFor([&] { return !state->device().isConnected && !toAndroid->isEnabled(); }));
 }
 

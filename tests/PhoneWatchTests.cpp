@@ -281,7 +281,7 @@ TEST_F(PhoneWatchTests, aSlowPhoneIsNotLookedForAgainBeforeItHasAnswered) {
     timer().start(0);
     ASSERT_TRUE(waitFor([&] { return asked(u"devices"_s) == 1; }));
     EXPECT_FALSE(timer().isActive());
-    state->refreshDevice(AppState::Spinner::hidden);
+    state->refreshDevice(PhoneWatch::Spinner::hidden);
     watch().stop(); // a look that is under way now is the last one
     phone.reset(u"devices.hang"_s);
     waitForPhone(DemoPhone::serial());

@@ -64,7 +64,7 @@ protected:
             [&] { window->showWireless(); },
             [&] { answer = ask(); },
             [&] { (new UpdateView(window, UpdateResult(), AppVersion()))->open(); },
-            [&] { model->showDetails(BrowserSide::android, model->androidItems()); },
+            [&] { model->pane(BrowserSide::android).showDetails(model->androidItems()); },
             [&] {
                 phone.set(u"hang"_s, "on");
                 model->selectAllVisible(BrowserSide::android);
@@ -466,7 +466,7 @@ TEST_F(SheetTests, detailsTellAllThatIsKnown) {
                 items.append(item);
         }
         ASSERT_EQ(items.size(), names.size());
-        model->showDetails(side, items);
+        model->pane(side).showDetails(items);
         ASSERT_NE(shown<DetailsView>(), nullptr);
     };
     const auto close = [&] {
@@ -536,7 +536,7 @@ TEST_F(SheetTests, detailsTellAllThatIsKnown) {
     phone.reset(u"tree.hang"_s);
     const QList<FileItem> gone = model->androidItems();
     phone.unplug();
-    model->showDetails(BrowserSide::android, gone.first(1));
+    model->pane(BrowserSide::android).showDetails(gone.first(1));
     EXPECT_TRUE(waitFor([&] { return !child<TextLabel>("details.problem")->text().isEmpty(); }));
     EXPECT_EQ(value(u"Contents"_s), u"(hidden)");
 }

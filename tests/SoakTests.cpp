@@ -123,7 +123,7 @@ protected:
             constexpr int away = 300;
             QTimer::singleShot(away, state.get(), [this] { plugAgain(); });
         } else if (action < 13) {
-            state->refreshDevice(action % 2 == 0 ? AppState::Spinner::shown : AppState::Spinner::hidden);
+            state->refreshDevice(action % 2 == 0 ? PhoneWatch::Spinner::shown : PhoneWatch::Spinner::hidden);
         } else if (action < 38) {
             state->browseAndroid(one({u"/sdcard"_s, u"/sdcard/out"_s, u"/sdcard/in"_s, u"/sdcard/nope"_s}));
         } else if (action < 58) {
@@ -150,7 +150,7 @@ protected:
         if (state->isRefreshingDevice()) // and may have seen it away: then nobody would look again
             QTimer::singleShot(soon, state.get(), [this] { plugAgain(); });
         else
-            state->refreshDevice(AppState::Spinner::shown);
+            state->refreshDevice(PhoneWatch::Spinner::shown);
     }
     void remove(QUuid id) {
         state->removeQueueItem(id);

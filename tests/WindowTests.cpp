@@ -241,7 +241,7 @@ TEST_F(MainWindowTests, isDestroyedWhileEverythingIsUnderWay) {
     ASSERT_TRUE(waitFor([&] { return !window->state().androidItems().isEmpty(); }));
     phone.set(u"hang"_s, "on");
     window->state().browseAndroid(u"/sdcard/DCIM"_s);
-    window->state().refreshDevice(AppState::Spinner::shown);
+    window->state().refreshDevice(PhoneWatch::Spinner::shown);
     view.reset();
     QElapsedTimer clock;
     clock.start();
@@ -450,7 +450,7 @@ TEST_F(ReadingTests, nothingIsCutWithLargeTexts) {
     for (const auto &[scale, phoneState] : cases) {
         phone.set(u"state"_s, phoneState);
         AppStyle::setTextScale(scale);
-        window->state().refreshDevice(AppState::Spinner::shown);
+        window->state().refreshDevice(PhoneWatch::Spinner::shown);
         ASSERT_TRUE(waitFor([&] {
             return !window->state().isRefreshingDevice() && !window->state().isLoadingAndroid() &&
                    window->state().device().isConnected ==

@@ -17,7 +17,7 @@ namespace vantrel {
 ///         RenderScheduler m_rendering{[this] { render(); }};
 ///     };
 ///     StatusBarView::StatusBarView(AppState *state) {
-///         m_rendering.watch(state, &AppState::activeTransferCountChanged, &AppState::waitingCountChanged);
+///         m_rendering.watch(state, &AppState::queueChanged, &AppState::transferSpeedLabelChanged);
 ///         m_rendering.renderNow();
 ///     }
 class RenderScheduler : public QObject {

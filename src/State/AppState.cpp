@@ -14,9 +14,7 @@ namespace vantrel {
 AppState::AppState(Desktop &desktop, QObject *parent)
     : QObject(parent), m_desktop(desktop), m_shortcuts(MockData::shortcuts()),
       m_androidPane(BrowserSide::android, QStringLiteral("/sdcard")),
-      m_macPane(BrowserSide::mac, QDir::homePath()),
-      m_androidPathSegments(AndroidPath::segments(m_androidPane.path())),
-      m_macAvailableLabel(unknownLabel()) {
+      m_macPane(BrowserSide::mac, QDir::homePath()), m_macAvailableLabel(unknownLabel()) {
     if (!m_shortcuts.isEmpty())
         m_selectedShortcutID = m_shortcuts.first().id;
     forwardSignals();
@@ -41,6 +39,7 @@ void AppState::forwardSignals() {
     connect(&m_phones, &PhoneWatch::messageChanged, this, &AppState::deviceStatusMessageChanged);
     connect(&m_phones, &PhoneWatch::isRefreshingChanged, this, &AppState::isRefreshingDeviceChanged);
     connect(&m_androidPane, &PaneState::pathChanged, this, &AppState::androidCurrentPathChanged);
+    connect(&m_androidPane, &PaneState::pathChanged, this, &AppState::androidPathSegmentsChanged);
     connect(&m_androidPane, &PaneState::itemsChanged, this, &AppState::androidItemsChanged);
     connect(&m_androidPane, &PaneState::selectedIDsChanged, this, &AppState::androidSelectedIDsChanged);
     connect(&m_androidPane, &PaneState::isLoadingChanged, this, &AppState::isLoadingAndroidChanged);
@@ -52,10 +51,12 @@ void AppState::forwardSignals() {
     connect(&m_macPane, &PaneState::isLoadingChanged, this, &AppState::isLoadingMacChanged);
     connect(&m_macPane, &PaneState::browseErrorChanged, this, &AppState::macBrowseErrorChanged);
     connect(&m_macPane, &PaneState::viewModeChanged, this, &AppState::macViewModeChanged);
+    connect(&m_opening, &FileOpening::isUnderWayChanged, this, &AppState::isOpeningAndroidFileChanged);
     connect(&m_search, &DeviceSearch::textChanged, this, &AppState::androidSearchTextChanged);
     connect(&m_search, &DeviceSearch::scopeChanged, this, &AppState::androidSearchScopeChanged);
     connect(&m_search, &DeviceSearch::resultsChanged, this, &AppState::androidSearchResultsChanged);
     connect(&m_search, &DeviceSearch::isSearchingChanged, this, &AppState::isSearchingAndroidChanged);
+    connect(&m_search, &DeviceSearch::focusTokenChanged, this, &AppState::androidSearchFocusTokenChanged);
     connect(&m_transfers, &TransferRunner::queueChanged, this, &AppState::queueChanged);
     connect(&m_transfers, &TransferRunner::speedLabelChanged, this, &AppState::transferSpeedLabelChanged);
     connect(&m_transfers, &TransferRunner::remainingLabelChanged, this, &AppState::remainingLabelChanged);
@@ -65,7 +66,6 @@ void AppState::forwardSignals() {
 }
 
 AppState::~AppState() {
-    stopOpening();
     m_desktop.keepAwake(false);
 }
 

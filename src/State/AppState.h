@@ -2,12 +2,12 @@
 
 #include "Records/StorageShortcut.h"
 #include "State/DeviceSearch.h"
+#include "State/FileOpening.h"
 #include "State/PaneState.h"
 #include "State/PhoneWatch.h"
 #include "Transfers/TransferRunner.h"
 
 #include <memory>
-#include <stop_token>
 
 namespace vantrel {
 
@@ -23,8 +23,6 @@ class AppState : public QObject, private TransferHost {
     Q_OBJECT
 
 public:
-    using Spinner = PhoneWatch::Spinner;
-
     /// The desktop must outlive the model.
     explicit AppState(Desktop &desktop, QObject *parent = nullptr);
     ~AppState() override;
@@ -37,10 +35,9 @@ public:
     [[nodiscard]] bool isRefreshingDevice() const { return m_phones.isRefreshing(); }
     /// All phones; device() is the one of them that is shown.
     [[nodiscard]] PhoneWatch &phones() { return m_phones; }
-    [[nodiscard]] const PhoneWatch &phones() const { return m_phones; }
     /// Looks for the phone. When it was just found, the phone pane opens the highlighted shortcut's folder. A
     /// hidden refresh does nothing while another is asking, a shown one supersedes it.
-    QCoro::Task<> refreshDevice(Spinner spinner) { return m_phones.refresh(spinner); }
+    QCoro::Task<> refreshDevice(PhoneWatch::Spinner spinner) { return m_phones.refresh(spinner); }
 
     // -- Both panes
     [[nodiscard]] PaneState &pane(BrowserSide side);
@@ -55,18 +52,14 @@ public:
     void selectAllVisible(BrowserSide side) { pane(side).selectAllVisible(); }
     void toggleSelectAllVisible(BrowserSide side) { pane(side).toggleSelectAllVisible(); }
     void clearSelection(BrowserSide side) { pane(side).clearSelection(); }
-    /// Asks the window to show the details of entries of that side.
-    void showDetails(BrowserSide side, const QList<FileItem> &items) { Q_EMIT detailsRequested(side, items); }
     [[nodiscard]] PaneSelectAllState selectAllState(BrowserSide side) { return pane(side).selectAllState(); }
 
     // -- The phone pane
     [[nodiscard]] bool isLoadingAndroid() const { return m_androidPane.isLoading(); }
-    [[nodiscard]] bool isOpeningAndroidFile() const { return m_isOpeningAndroidFile; }
-    /// How much of that file has come, of 100; 0 as long as that is not known.
-    [[nodiscard]] int openingPercent() const { return m_openingPercent; }
+    [[nodiscard]] bool isOpeningAndroidFile() const { return m_opening.isUnderWay(); }
     [[nodiscard]] const auto &androidBrowseError() const { return m_androidPane.browseError(); }
     [[nodiscard]] const QString &androidCurrentPath() const { return m_androidPane.path(); }
-    [[nodiscard]] const QStringList &androidPathSegments() const { return m_androidPathSegments.value(); }
+    [[nodiscard]] QStringList androidPathSegments() const;
     [[nodiscard]] const QList<FileItem> &androidItems() const { return m_androidPane.items(); }
     [[nodiscard]] const auto &displayedAndroidItems() const { return m_androidPane.visibleItems(); }
     [[nodiscard]] const QSet<QUuid> &androidSelectedIDs() const { return m_androidPane.selectedIDs(); }
@@ -83,8 +76,7 @@ public:
     QCoro::Task<> createAndroidFolder();
     /// Copies a phone file into the cache and opens it with its default application. Folders are ignored.
     QCoro::Task<> openAndroidFile(FileItem item);
-    /// Gives up opening, if that is under way. Nothing of the file is left.
-    void stopOpening() { m_openingStop.request_stop(); }
+    [[nodiscard]] FileOpening &opening() { return m_opening; }
 
     // -- The phone pane's search
     [[nodiscard]] const QString &androidSearchText() const { return m_search.text(); }
@@ -94,8 +86,8 @@ public:
     [[nodiscard]] const QList<FileItem> &androidSearchResults() const { return m_search.results(); }
     [[nodiscard]] bool isSearchingAndroid() const { return m_search.isSearching(); }
     /// A counter; every change asks the phone pane to put the caret into its search field.
-    [[nodiscard]] qint64 androidSearchFocusToken() const { return m_androidSearchFocusToken; }
-    void setAndroidSearchFocusToken(qint64 token) { m_androidSearchFocusToken = token; }
+    [[nodiscard]] qint64 androidSearchFocusToken() const { return m_search.focusToken(); }
+    void setAndroidSearchFocusToken(qint64 token) { m_search.setFocusToken(token); }
     /// Whether the phone pane shows hits of the whole phone in place of a folder.
     [[nodiscard]] bool isAndroidEverywhereSearchActive() const { return m_search.isEverywhereActive(); }
     /// To be called whenever the search text or scope has changed.
@@ -146,7 +138,6 @@ Q_SIGNALS:
     void isRefreshingDeviceChanged();
     void isLoadingAndroidChanged();
     void isOpeningAndroidFileChanged();
-    void openingPercentChanged();
     void androidBrowseErrorChanged();
     void androidCurrentPathChanged();
     void selectedShortcutIDChanged();
@@ -161,7 +152,6 @@ Q_SIGNALS:
     void androidViewModeChanged();
     void macViewModeChanged();
     void focusedBrowserSideChanged();
-    void detailsRequested(BrowserSide side, const QList<FileItem> &items);
     void tileSizeChanged();
     void macPathChanged();
     void macItemsChanged();
@@ -193,20 +183,12 @@ private:
     PaneState m_androidPane;
     PaneState m_macPane;
     PhoneWatch m_phones{[this] { return openPhone(); }};
-    QString m_openedPhone; ///< whose folders the phone pane remembers
+    FileOpening m_opening;
     DeviceSearch m_search{m_androidPane};
     TransferRunner m_transfers{*this};
-    std::stop_source m_openingStop;
 
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, bool, m_isOpeningAndroidFile, false,
-                                         &AppState::isOpeningAndroidFileChanged)
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, int, m_openingPercent, 0, &AppState::openingPercentChanged)
     Q_OBJECT_BINDABLE_PROPERTY(AppState, std::optional<QUuid>, m_selectedShortcutID,
                                &AppState::selectedShortcutIDChanged)
-    Q_OBJECT_BINDABLE_PROPERTY(AppState, QStringList, m_androidPathSegments,
-                               &AppState::androidPathSegmentsChanged)
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, qint64, m_androidSearchFocusToken, 0,
-                                         &AppState::androidSearchFocusTokenChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, BrowserSide, m_focusedBrowserSide, BrowserSide::android,
                                          &AppState::focusedBrowserSideChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(AppState, int, m_tileSize, TileSize::standard,

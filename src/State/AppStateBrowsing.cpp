@@ -24,9 +24,7 @@ Desktop::TextQuestion newFolderQuestion() {
 QCoro::Task<> AppState::openPhone() {
     // Nobody waits for this. What is looked at may be open in some program.
     static_cast<void>(Background::run(this, &FilePreview::sweep, QDateTime::currentDateTime().addDays(-1)));
-    // The same one is back when its cable was moved.
-    if (std::exchange(m_openedPhone, device().id) != device().id)
-        m_androidPane.forgetVisits();
+    m_androidPane.setOwner(device().id);
     const auto places = m_shortcuts + m_phones.cards();
     const auto place = std::find_if(places.begin(), places.end(),
                                     [this](const auto &entry) { return entry.id == selectedShortcutID(); });
@@ -54,10 +52,13 @@ void AppState::scheduleAndroidSearch() {
     m_search.schedule(connectedSerial(), roots);
 }
 
+QStringList AppState::androidPathSegments() const {
+    return AndroidPath::segments(androidCurrentPath());
+}
+
 QCoro::Task<> AppState::browseAndroid(QString path, Arrival arrival) {
     const QString folder = ADBClient::normalizePath(path);
     const quint64 token = m_androidPane.open(folder, arrival);
-    m_androidPathSegments = AndroidPath::segments(folder);
     m_search.clear();
     for (const StorageShortcut &shortcut : m_shortcuts + m_phones.cards()) {
         if (ADBClient::normalizePath(shortcut.path) == folder) {
@@ -141,29 +142,15 @@ QCoro::Task<> AppState::openAndroidFile(FileItem item) {
         m_androidPane.setBrowseError(QStringLiteral("Connect an Android device to open files."));
         co_return;
     }
-    if (m_isOpeningAndroidFile)
+    if (m_opening.isUnderWay())
         co_return;
-    m_isOpeningAndroidFile = true;
     m_androidPane.setBrowseError(std::nullopt);
-
-    m_openingStop = {};
-    const std::stop_token stop = m_openingStop.get_token();
     const FilePreview::Request request{*serial, item.path, item.name, item.sizeBytes.value_or(0)};
-    const std::function<void(int)> onPercent = [state = QPointer(this)](int percent) {
-        Background::post([state, percent] {
-            if (state)
-                state->m_openingPercent = percent;
-        });
-    };
-    const auto local = co_await Background::run(this, &FilePreview::fetch, request, onPercent, stop);
-    m_openingPercent = 0;
-    m_isOpeningAndroidFile = false;
-    if (stop.stop_requested())
-        co_return;
-    if (local)
-        MacFileClient::open(m_desktop, *local);
-    else
-        m_androidPane.setBrowseError(local.error());
+    const FileOpening::Outcome opened = co_await m_opening.fetch(request);
+    if (!opened.path.isEmpty())
+        MacFileClient::open(m_desktop, opened.path);
+    else if (!opened.reason.isEmpty())
+        m_androidPane.setBrowseError(opened.reason);
 }
 
 QCoro::Task<> AppState::createAndroidFolder() {

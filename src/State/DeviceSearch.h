@@ -35,6 +35,9 @@ public:
     [[nodiscard]] const QList<FileItem> &results() const { return m_results.value(); }
     /// True from the moment a search of the phone is scheduled until it ends or is given up.
     [[nodiscard]] bool isSearching() const { return m_isSearching; }
+    /// A counter; every change asks for the caret in the search field.
+    [[nodiscard]] qint64 focusToken() const { return m_focusToken; }
+    void setFocusToken(qint64 token) { m_focusToken = token; }
     /// Whether the pane shows hits of the whole phone in place of a folder.
     [[nodiscard]] bool isEverywhereActive() const;
 
@@ -50,6 +53,7 @@ Q_SIGNALS:
     void scopeChanged();
     void resultsChanged();
     void isSearchingChanged();
+    void focusTokenChanged();
 
 private:
     void showInPane();
@@ -62,6 +66,8 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY(DeviceSearch, QList<FileItem>, m_results, &DeviceSearch::resultsChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(DeviceSearch, bool, m_isSearching, false,
                                          &DeviceSearch::isSearchingChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(DeviceSearch, qint64, m_focusToken, 0,
+                                         &DeviceSearch::focusTokenChanged)
     /// The newest search; whatever carries an older token is dropped.
     quint64 m_token = 0;
 };

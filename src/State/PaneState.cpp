@@ -135,7 +135,9 @@ void PaneState::setPlace(const PanePlace &place) {
         m_place = place;
 }
 
-void PaneState::forgetVisits() {
+void PaneState::setOwner(const QString &serial) {
+    if (std::exchange(m_owner, serial) == serial)
+        return;
     m_visits.forget();
     m_isListed = false;
     m_wanted = {};

@@ -68,6 +68,8 @@ public:
     /// Something else is in sight. Nobody is told. It is of no account while the folder's entries are not
     /// what the pane shows.
     void setPlace(const PanePlace &place);
+    /// Asks whoever listens to show what is known of these entries.
+    void showDetails(const QList<FileItem> &items) { Q_EMIT detailsRequested(items); }
 
     // -- What the model fills in
 
@@ -92,8 +94,9 @@ public:
     void fail(const QString &reason);
     /// Empties the pane, because what it lists is gone, and drops the listing that is under way.
     void empty(const std::optional<QString> &error = std::nullopt);
-    /// Forgets how folders were left: those of their paths are others now.
-    void forgetVisits();
+    /// Whose folders these are, by the phone's serial: how those of another one were left is forgotten, since
+    /// its paths lead elsewhere. A phone that is back when its cable was moved is the same.
+    void setOwner(const QString &serial);
 
     /// Shows only the entries whose names contain the text, in whatever case; an empty text shows all.
     void setFilter(const QString &text);
@@ -109,6 +112,7 @@ Q_SIGNALS:
     void browseErrorChanged();
     void viewModeChanged();
     void orderChanged();
+    void detailsRequested(const QList<FileItem> &items);
 
 private:
     void leave(const QString &to);
@@ -139,6 +143,7 @@ private:
     PanePlace m_place;
     qint64 m_placeToken = 0;
     FolderVisit m_wanted; ///< what the folder is to be shown as when it is listed
+    QString m_owner;      ///< of what is remembered of folders
     VisitedFolders m_visits;
     Q_OBJECT_BINDABLE_PROPERTY(PaneState, QString, m_path, &PaneState::pathChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(PaneState, bool, m_isLoading, false, &PaneState::isLoadingChanged)

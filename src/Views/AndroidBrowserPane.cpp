@@ -33,9 +33,10 @@ AndroidBrowserPane::AndroidBrowserPane(AppState *state, ThumbnailStore *pictures
     start(&AppState::androidPathSegmentsChanged, &AppState::androidSearchTextChanged,
           &AppState::androidSearchScopeChanged, &AppState::androidSearchResultsChanged,
           &AppState::isSearchingAndroidChanged, &AppState::isOpeningAndroidFileChanged,
-          &AppState::openingPercentChanged, &AppState::androidSearchFocusTokenChanged,
-          &AppState::deviceChanged, &AppState::deviceStatusMessageChanged);
+          &AppState::androidSearchFocusTokenChanged, &AppState::deviceChanged,
+          &AppState::deviceStatusMessageChanged);
     watch(&state->phones(), &PhoneWatch::troubleChanged);
+    watch(&state->opening(), &FileOpening::percentChanged);
 }
 
 QString AndroidBrowserPane::parentAndroidPath(const QString &path) {
@@ -58,7 +59,7 @@ QString AndroidBrowserPane::activity() const {
     if (!app().isOpeningAndroidFile())
         return {};
     QString opening = QStringLiteral("Opening…");
-    if (const int percent = app().openingPercent()) // before that there is hardly anything to stop
+    if (const int percent = app().opening().percent()) // before that there is hardly anything to stop
         opening += QLatin1Char(' ') % QString::number(percent) % QStringLiteral(" % • Escape stops it");
     return opening;
 }
@@ -113,7 +114,7 @@ void AndroidBrowserPane::fill(FilePane &pane) {
     };
     pane.onNewFolder = [state] { state->createAndroidFolder(); };
     if (state->phones().trouble() != PhoneTrouble::none)
-        pane.onTryAgain = [state] { state->refreshDevice(AppState::Spinner::shown); };
+        pane.onTryAgain = [state] { state->refreshDevice(PhoneWatch::Spinner::shown); };
     pane.searchText = {state->androidSearchText(),
                        [state](const QString &text) { state->setAndroidSearchText(text); }};
     pane.searchScope = {state->androidSearchScope(),

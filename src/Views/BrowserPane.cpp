@@ -95,7 +95,7 @@ void BrowserPane::render() {
                   }};
     pane.onDetails = [this](const FileItem &item) {
         focusSide();
-        m_app->showDetails(m_state.side(), together(item));
+        m_state.showDetails(together(item));
     };
     pane.placeToken = m_state.placeToken();
     pane.onPlace = [this](const PanePlace &place) { m_state.setPlace(place); };

@@ -72,7 +72,7 @@ DualBrowserView::KeyOutcome DualBrowserView::handleKeyEvent(const QKeyEvent &eve
     }
     if (event.key() == Qt::Key_Escape) {
         if (side == BrowserSide::android && state.isOpeningAndroidFile())
-            state.stopOpening();
+            state.opening().stop();
         else
             state.clearSelection(side);
         return KeyOutcome::consumed;

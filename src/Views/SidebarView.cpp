@@ -161,7 +161,7 @@ QWidget *SidebarView::deviceCard() {
     m_picker = named(QStringLiteral("sidebar.device.picker"), new PhonePicker);
     connect(m_picker, &PhonePicker::phoneChosen, this, [this](const QString &serial) {
         m_rendering.request(); // it shows what was chosen only once that is so
-        m_state->phones().show(serial, AppState::Spinner::shown);
+        m_state->phones().show(serial, PhoneWatch::Spinner::shown);
     });
     m_refreshing = named(QStringLiteral("sidebar.device.refreshing"),
                          new Spinner(Spinner::Size::mini, QStringLiteral("Checking the device")));
@@ -178,7 +178,7 @@ QWidget *SidebarView::deviceCard() {
                         .fill = AppTheme::canvas(),
                         .stroke = AppTheme::stroke()});
     connect(m_refresh, &QAbstractButton::clicked, this,
-            [this] { m_state->refreshDevice(AppState::Spinner::shown); });
+            [this] { m_state->refreshDevice(PhoneWatch::Spinner::shown); });
     m_message = text(QStringLiteral("sidebar.device.message"), caption, AppTheme::inkTertiary());
     m_message->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_storage = named(QStringLiteral("sidebar.storage"), new QProgressBar);

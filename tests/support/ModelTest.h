@@ -45,7 +45,7 @@ protected:
         browseMac(mac.filePath(QStringLiteral("here")));
     }
     void refresh() {
-        state->refreshDevice(AppState::Spinner::shown);
+        state->refreshDevice(PhoneWatch::Spinner::shown);
         ASSERT_TRUE(waitFor([&] { return !state->isRefreshingDevice(); }));
     }
     void connectPhone() {

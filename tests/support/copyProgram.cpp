@@ -24,7 +24,7 @@ int copyBothWays(const QString &folder, const QString &remembered) {
         if (!waitFor([&] { return remembering.isReady(); }))
             return 2;
     }
-    state.refreshDevice(AppState::Spinner::shown);
+    state.refreshDevice(PhoneWatch::Spinner::shown);
     if (!waitFor([&] { return !state.isRefreshingDevice() && state.device().isConnected; }))
         return 2;
     const auto ends = [&] { return waitFor([&] { return !state.isTransferring(); }) ? 0 : 3; };

@@ -66,7 +66,9 @@ MainWindow::MainWindow(Desktop &desktop, Settings &settings, Updater &updater, Q
     : QMainWindow(parent), m_settings(settings), m_updater(updater),
       m_state(AppState::designPreview(desktop)), m_pictures(new ThumbnailStore(this)),
       m_wireless(new WirelessPhones(settings.wirelessPhones(), this)), m_quitWatch(new QuitWatch(this)) {
-    connect(m_state.get(), &AppState::detailsRequested, this, &MainWindow::showDetails);
+    for (const BrowserSide side : {BrowserSide::android, BrowserSide::mac})
+        connect(&m_state->pane(side), &PaneState::detailsRequested, this,
+                [this, side](const QList<FileItem> &items) { showDetails(side, items); });
     connect(m_wireless, &WirelessPhones::rememberedChanged, this,
             [this] { m_settings.setWirelessPhones(m_wireless->remembered()); });
     connect(m_wireless, &WirelessPhones::connected, m_state.get(),
@@ -279,7 +281,7 @@ QCoro::Task<> MainWindow::runStartUp() {
     m_state->transfers().remember(QueueFile::userFolder());
     // The model ends before this window does, and with it whatever is awaited here.
     co_await m_state->browseMac(m_state->macPath());
-    co_await m_state->refreshDevice(AppState::Spinner::shown);
+    co_await m_state->refreshDevice(PhoneWatch::Spinner::shown);
     if (m_isStarted)
         m_state->phones().start();
     co_await m_wireless->reconnect();
