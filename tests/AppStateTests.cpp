@@ -354,7 +354,12 @@ TEST_F(AppStateTests, opensAFileFromTheCacheAsItIsNow) {
     state->openAndroidFile(file);
     EXPECT_TRUE(state->isOpeningAndroidFile());
     open(file);
-    EXPECT_EQ(desktop.opened, QStringList{local}) << "asked for twice, opened once";
+    EXPECT_EQ(desktop.opened, QStringList{local});
+    const QList<QStringList> asked = phone.commandLines();
+    EXPECT_EQ(
+        std::count_if(asked.begin(), asked.end(), [](const auto &line) { return line.contains(u"pull"_s); }),
+        1)
+        << "asked for twice, opened once";
     EXPECT_EQ(contents(local), "first");
 
     phone.write(u"Download/a.pdf"_s, "second");
@@ -459,9 +464,11 @@ TEST_F(AppStateTests, oldPreviewsGoAndTheUsersWorkStays) {
 TEST_F(AppStateTests, createsAFolder) {
     browseHere();
     desktop.nextText = u" \n "_s;
-    state->createMacFolder();
+    const auto nameless = state->createMacFolder();
     desktop.nextText = std::nullopt;
-    state->createMacFolder();
+    const auto cancelled = state->createMacFolder();
+    ASSERT_TRUE(waitFor([&] { return nameless.isReady() && cancelled.isReady(); }));
+    EXPECT_EQ(state->macBrowseError(), std::nullopt);
     const auto &question = desktop.textQuestions.last();
     EXPECT_EQ(question.message + u'|' + question.informativeText + u'|' + question.acceptLabel + u'|' +
                   question.cancelLabel + u'|' + question.initialText,
