@@ -599,7 +599,7 @@ TEST_P(FaultMatrix, isSurvivedAndSaid) {
         const bool isBusy = !processes::children().isEmpty() || Background::workers().activeThreadCount() > 0;
         if (std::exchange(last, {seen(), isBusy}) != std::pair(seen(), isBusy) || !still.isValid())
             still.start();
-        return still.hasExpired(isBusy ? 30'000 : 2000);
+        return still.hasExpired(isBusy ? 90'000 : 2000);
     };
     EXPECT_TRUE(waitFor([&] { return isSeen() || isOver(); }));
     EXPECT_TRUE(isSeen()) << seen().toStdString();
